@@ -1,0 +1,39 @@
+# Language, warnings, sanitizers and the helper that declares one library of the house.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+find_program(SONAVEX_CCACHE ccache)
+if(SONAVEX_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${SONAVEX_CCACHE})
+endif()
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+add_library(sonavex_defaults INTERFACE)
+target_include_directories(sonavex_defaults INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(sonavex_defaults INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+  # Results must not depend on whether the machine has fused multiply-add.
+  -ffp-contract=off -fno-math-errno)
+if(SONAVEX_SANITIZE)
+  target_compile_options(sonavex_defaults INTERFACE
+    -fsanitize=${SONAVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(sonavex_defaults INTERFACE -fsanitize=${SONAVEX_SANITIZE})
+  # Function multiversioning resolves before the sanitizer runtime is ready.
+  target_compile_definitions(sonavex_defaults INTERFACE SONAVEX_SANITIZED)
+endif()
+if(SONAVEX_COVERAGE)
+  target_compile_options(sonavex_defaults INTERFACE --coverage)
+  target_link_options(sonavex_defaults INTERFACE --coverage)
+endif()
+
+function(sonavex_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC sonavex_defaults ${ARG_LINKS})
+endfunction()

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+namespace sonavex {
+
+// What every control value shares: a mark that the face has something to show, and the call that
+// tells the face so. The call is made once when the control becomes dirty, not again before Clean().
+// User-interface thread only. Setting a value from code never runs a user handler.
+class Control {
+public:
+    Control() = default;
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    bool Dirty() const noexcept { return dirty_; }
+    void Clean() noexcept { dirty_ = false; }
+    void OnDirty(std::function<void()> hook) { onDirty_ = std::move(hook); }
+
+    bool Enabled() const noexcept { return enabled_; }
+    void SetEnabled(bool enabled) { Assign(enabled_, enabled); }
+
+protected:
+    ~Control() = default;
+
+    // Stores the value; marks the control dirty only when it differs.
+    template <class Field, class Value>
+    void Assign(Field& field, Value&& value) {
+        if (field == value) return;
+        field = std::forward<Value>(value);
+        if (dirty_) return;
+        dirty_ = true;
+        if (onDirty_) onDirty_();
+    }
+
+private:
+    std::function<void()> onDirty_;
+    bool dirty_ = false;
+    bool enabled_ = true;
+};
+
+// A user event of a control, handled by the form that owns it.
+class UserEvent {
+public:
+    void Handle(std::function<void()> handler) { handler_ = std::move(handler); }
+    void Raise() const {
+        if (handler_) handler_();
+    }
+
+private:
+    std::function<void()> handler_;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/controls/Control.h"
+
+namespace sonavex {
+
+// A text that the instrument shows. A caption of up to 15 characters is stored without allocating.
+class Label : public Control {
+public:
+    const std::string& Caption() const noexcept { return caption_; }
+    void SetCaption(std::string_view caption) { Assign(caption_, caption); }
+
+private:
+    std::string caption_;
+};
+
+// A line of text that the user types or the instrument writes.
+class TextBox : public Control {
+public:
+    const std::string& Text() const noexcept { return text_; }
+    void SetText(std::string_view text) { Assign(text_, text); }
+
+    // The user typed: stores the text and raises Change.
+    void UserTypes(std::string_view text) {
+        SetText(text);
+        Change.Raise();
+    }
+    UserEvent Change;
+
+private:
+    std::string text_;
+};
+
+// A whole number between two limits. A value outside is clamped, also when the limits move.
+class Slider : public Control {
+public:
+    std::int32_t Value() const noexcept { return value_; }
+    std::int32_t Min() const noexcept { return min_; }
+    std::int32_t Max() const noexcept { return max_; }
+    void SetValue(std::int32_t value) { Assign(value_, std::clamp(value, min_, max_)); }
+    // Requires min <= max.
+    void SetRange(std::int32_t min, std::int32_t max) {
+        Assign(min_, min);
+        Assign(max_, max);
+        SetValue(value_);
+    }
+    void SetMax(std::int32_t max) { SetRange(std::min(min_, max), max); }
+
+private:
+    std::int32_t value_ = 0;
+    std::int32_t min_ = 0;
+    std::int32_t max_ = 100;
+};
+
+// A check box: value 1 when checked, 0 when not.
+class CheckBox : public Control {
+public:
+    std::int16_t Value() const noexcept { return value_; }
+    bool Checked() const noexcept { return value_ != 0; }
+    void SetValue(std::int16_t value) { Assign(value_, static_cast<std::int16_t>(value != 0)); }
+
+    // The user clicked: stores the state and raises Click.
+    void UserSets(bool checked) {
+        SetValue(checked ? 1 : 0);
+        Click.Raise();
+    }
+    UserEvent Click;
+
+private:
+    std::int16_t value_ = 0;
+};
+
+// A level bar from 0 to Max. Single precision, as the levels shown on it are.
+class ProgressBar : public Control {
+public:
+    explicit ProgressBar(float max = 32760.0F) noexcept : max_(max) {}
+    float Value() const noexcept { return value_; }
+    float Max() const noexcept { return max_; }
+    void SetValue(float value) { Assign(value_, std::clamp(value, 0.0F, max_)); }
+
+private:
+    float value_ = 0.0F;
+    float max_;
+};
+
+struct Colour {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+    friend bool operator==(const Colour&, const Colour&) = default;
+};
+
+inline constexpr Colour kLightGreen{0, 255, 0};
+inline constexpr Colour kLightRed{255, 0, 0};
+
+// A patch of colour that tells a state.
+class Indicator : public Control {
+public:
+    Colour BackColor() const noexcept { return colour_; }
+    void SetBackColor(Colour colour) { Assign(colour_, colour); }
+
+private:
+    Colour colour_;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+namespace sonavex {
+
+enum class MessageIcon { kInformation, kCritical };
+
+// What the instrument says to the user outside its own forms. User-interface thread only.
+class Dialogs {
+public:
+    virtual ~Dialogs() = default;
+
+    // Shows a message box titled with the application's title and waits for it to be closed. Line
+    // breaks in the text are carriage returns.
+    virtual void Message(const std::string& text, MessageIcon icon) = 0;
+
+    // The busy pointer, until it is taken back.
+    virtual void SetBusyPointer(bool busy) = 0;
+};
+
+// Thrown to end the program at once from wherever the decision falls; only the program's entry
+// point catches it.
+struct EndProgram {
+    int status = 0;
+};
+
+}  // namespace sonavex

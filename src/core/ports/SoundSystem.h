@@ -1,0 +1,154 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/text/RuntimeError.h"
+
+namespace sonavex {
+
+// 16-bit signed interleaved stereo PCM, first sample of a frame first.
+struct WaveFormat {
+    std::uint16_t formatTag = 1;  // PCM
+    std::uint16_t channels = 2;
+    std::uint32_t samplesPerSecond = 0;
+    std::uint16_t bitsPerSample = 16;
+    std::uint16_t blockAlign = 4;
+    std::uint32_t averageBytesPerSecond = 0;
+    std::uint16_t extraSize = 0;
+
+    static WaveFormat Stereo16(std::int32_t rateHz) noexcept {
+        WaveFormat format;
+        format.samplesPerSecond = static_cast<std::uint32_t>(rateHz);
+        format.blockAlign = static_cast<std::uint16_t>(format.bitsPerSample / 8 * format.channels);
+        format.averageBytesPerSecond = format.samplesPerSecond * format.blockAlign;
+        return format;
+    }
+};
+
+// Flags of a playback buffer.
+namespace buffer_flag {
+inline constexpr std::uint32_t kHardware = 4;
+inline constexpr std::uint32_t kSoftware = 8;
+inline constexpr std::uint32_t kVolumePositionFocus = 98432;  // volume, exact position, global focus
+}  // namespace buffer_flag
+
+struct BufferDescription {
+    std::uint32_t flags = 0;
+    std::int32_t bytes = 0;  // a multiple of the block align
+    WaveFormat format;
+};
+
+// One entry of an enumeration. The first entry is the system's primary device: its identifier is
+// empty. The second is the device that the primary one stands for at present.
+struct SoundDeviceInfo {
+    std::string identifier;   // stable over restarts, compared exactly
+    std::string description;  // for the user
+    std::string module;       // driver or module that serves it
+};
+using SoundDeviceList = std::vector<SoundDeviceInfo>;
+
+// Byte positions inside a looping playback buffer: what is being heard, and up to where data has
+// been handed to the device. Both 0 while the buffer is stopped.
+struct BufferCursors {
+    std::int32_t play = 0;
+    std::int32_t write = 0;
+};
+
+// Handle of a notification event; 0 stands for none.
+using EventHandle = std::int32_t;
+
+struct PositionNotification {
+    std::int32_t offset = 0;  // bytes; the event fires when the byte at the offset has been filled
+    EventHandle event = 0;
+};
+
+// What the engine and its users may want to know about a stream that runs. All counts are since the
+// buffer was created.
+struct CaptureStatistics {
+    std::uint64_t framesCaptured = 0;
+    std::uint64_t segmentsCompleted = 0;  // notification positions passed while running
+    std::uint64_t segmentsLost = 0;       // of these, not notified because the same event was still waiting
+};
+
+// A looping playback buffer. Positions and lengths in bytes, multiples of a frame (error 5 otherwise).
+class PlaybackBuffer {
+public:
+    virtual ~PlaybackBuffer() = default;
+    virtual BufferCursors GetCurrentPosition() = 0;
+    // Copies the samples to the buffer at the offset; they must end inside the buffer.
+    virtual void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) = 0;
+    // What is heard next is the frame at this position.
+    virtual void SetCurrentPosition(std::int32_t offset) = 0;
+    // Plays from the current position, round and round until stopped.
+    virtual void PlayLooping() = 0;
+    virtual void Stop() = 0;
+    // Hundredths of a decibel, -10000 (silence) to 0 (the samples unchanged). Error 5 outside.
+    virtual void SetVolume(std::int32_t hundredthsDb) = 0;
+};
+
+// A capture buffer that is filled round and round while started.
+class CaptureBuffer {
+public:
+    virtual ~CaptureBuffer() = default;
+    // Events of SoundSystem::CreateEvent; only while stopped. Replaces earlier positions.
+    virtual void SetNotificationPositions(std::span<const PositionNotification> positions) = 0;
+    // Starts at position 0 of the buffer.
+    virtual void StartLooping() = 0;
+    virtual void Stop() = 0;
+    virtual void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) = 0;
+    virtual CaptureStatistics Statistics() const = 0;
+};
+
+struct PlaybackCapabilities {
+    std::int32_t freeHardwareMixingBuffers = 0;
+};
+
+class PlaybackDevice {
+public:
+    virtual ~PlaybackDevice() = default;
+    // Level 2 asks for priority.
+    virtual void SetCooperativeLevel(std::int32_t level) = 0;
+    virtual PlaybackCapabilities GetCapabilities() = 0;
+    virtual std::unique_ptr<PlaybackBuffer> CreateBuffer(const BufferDescription& description) = 0;
+};
+
+class CaptureDevice {
+public:
+    virtual ~CaptureDevice() = default;
+    virtual std::unique_ptr<CaptureBuffer> CreateBuffer(const BufferDescription& description) = 0;
+};
+
+// The sound devices of the machine. Every call is made on the user-interface thread, returns within
+// 3 seconds and reports a failure as a RuntimeError with a number of SoundErrors.h (or 5, 7). Devices
+// must be destroyed after their buffers, and the system after its devices.
+class SoundSystem {
+public:
+    virtual ~SoundSystem() = default;
+
+    virtual SoundDeviceList EnumeratePlayback() = 0;
+    virtual SoundDeviceList EnumerateCapture() = 0;
+
+    // An empty identifier selects the primary device.
+    virtual std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) = 0;
+    virtual std::unique_ptr<CaptureDevice> CreateCaptureDevice(const std::string& identifier) = 0;
+
+    // The handler gets the event's handle, on the user-interface thread, once for every time the
+    // event was signalled and not still waiting. Destroying an event discards what is waiting.
+    virtual EventHandle CreateEvent(std::function<void(EventHandle)> handler) = 0;
+    virtual void DestroyEvent(EventHandle event) = 0;
+
+    // Called on the user-interface thread when a device in use is lost (unplugged, server gone, stream
+    // moved away). At most once per created buffer.
+    virtual void OnDeviceLost(std::function<void(const RuntimeError&)> handler) = 0;
+
+    // True for devices that only exist in software and measure nothing real.
+    virtual bool Simulated() const noexcept { return false; }
+};
+
+}  // namespace sonavex

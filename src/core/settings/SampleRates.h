@@ -1,0 +1,25 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace sonavex {
+
+// The seven sampling rates in Hz; the settings keep the index.
+inline constexpr std::array<std::int32_t, 7> SampleRateTable{48000, 44100, 32000, 22050, 16000, 8000, 4000};
+
+// Index of the rate that a system without a stored choice starts with.
+constexpr std::int32_t DefaultSampleRateIndex(std::int32_t osMajorVersion) noexcept {
+    return osMajorVersion >= 6 ? 2 : 1;
+}
+
+// Index of a rate in SampleRateTable, nothing when it is not one of the seven.
+constexpr std::optional<std::int32_t> SampleRateIndex(std::int32_t rateHz) noexcept {
+    const auto* found = std::find(SampleRateTable.begin(), SampleRateTable.end(), rateHz);
+    if (found == SampleRateTable.end()) return std::nullopt;
+    return static_cast<std::int32_t>(found - SampleRateTable.begin());
+}
+
+}  // namespace sonavex

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/ports/SettingsStore.h"
+#include "core/settings/SettingsKeys.h"
+
+namespace sonavex {
+
+// Typed reading of stored values. A value that does not convert raises the conversion error (13 or
+// 6) with a text that names section, key, value and where the settings are kept.
+// User-interface thread only; the store must outlive this object.
+class Settings {
+public:
+    explicit Settings(SettingsStore& store) noexcept : store_(store) {}
+
+    std::string Text(const SettingsKey& key) const;
+    std::int32_t Long(const SettingsKey& key) const;
+    std::int16_t Integer(const SettingsKey& key) const;
+    double Double(const SettingsKey& key) const;
+    bool Boolean(const SettingsKey& key) const;
+    // Leading number of the stored text, 0 when it has none.
+    double Value(const SettingsKey& key) const;
+
+    void Save(const SettingsKey& key, std::string_view value) { store_.Save(key.section, key.key, value); }
+
+    // The same key with another default.
+    static SettingsKey WithFallback(SettingsKey key, std::string_view fallback) noexcept {
+        key.fallback = fallback;
+        return key;
+    }
+
+    SettingsStore& Store() noexcept { return store_; }
+
+private:
+    template <class Convert>
+    auto Read(const SettingsKey& key, Convert convert) const;
+
+    SettingsStore& store_;
+};
+
+}  // namespace sonavex

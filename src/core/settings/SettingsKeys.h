@@ -1,0 +1,73 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace sonavex {
+
+// One stored value: where it is kept and what it reads as when it was never stored.
+struct SettingsKey {
+    std::string_view section;
+    std::string_view key;
+    std::string_view fallback;
+};
+
+// Every value the instrument stores, except the window positions (form name + " Left" and " Top").
+namespace keys {
+
+inline constexpr std::string_view kSettings = "Settings";
+inline constexpr std::string_view kSoundCard = "SoundCard";
+inline constexpr std::string_view kSignalGenerator = "Signal Generator";
+inline constexpr std::string_view kWindows = "Windows";
+
+// Check boxes of the meter, "1" or "0".
+inline constexpr SettingsKey kAuto{kSettings, "Auto", "1"};
+inline constexpr SettingsKey kBaseline{kSettings, "Baseline", "0"};
+// Baseline of the 2nd to 9th harmonic; Numbered(.., 0) to Numbered(.., 7).
+inline constexpr SettingsKey kThd{kSettings, "THD", "0"};
+inline constexpr SettingsKey kDb{kSettings, "DB", "0"};
+// Mixer states; empty means "leave the mixer as it is".
+inline constexpr SettingsKey kInputMixerState{kSettings, "SoundCard", ""};
+inline constexpr SettingsKey kOutputMixerState{kSettings, "OutSoundCard", ""};
+inline constexpr SettingsKey kVistaMixerState{kSettings, "VistaSoundCard", ""};
+
+// Device identifiers; empty means the primary device.
+inline constexpr SettingsKey kInput{kSoundCard, "Input", ""};
+inline constexpr SettingsKey kOutput{kSoundCard, "Output", ""};
+// Index into SampleRateTable. The start of the program takes DefaultSampleRateIndex instead of this
+// default, which is the device dialog's.
+inline constexpr SettingsKey kSampleRate{kSoundCard, "SampleRate", "1"};
+inline constexpr SettingsKey kLineInput{kSoundCard, "LineInput", ""};
+inline constexpr SettingsKey kThreeMixers{kSoundCard, "ThreeMixers", ""};
+
+// Output level in hundredths of a decibel. The two readers have different defaults.
+inline constexpr SettingsKey kLevel{kSignalGenerator, "Level", "-50"};
+inline constexpr SettingsKey kSynthesisLevel{kSignalGenerator, "Level", "50"};
+inline constexpr SettingsKey kMuteMeter{kSignalGenerator, "MuteMeter", "1"};
+inline constexpr SettingsKey kToneType{kSignalGenerator, "ToneType", ""};
+inline constexpr SettingsKey kCurrentStart{kSignalGenerator, "Current Signal Start", "1000"};
+inline constexpr SettingsKey kCurrentEnd{kSignalGenerator, "Current Signal End", "20"};
+inline constexpr SettingsKey kCurrentSweepTime{kSignalGenerator, "Current Signal Sweep Time", "0"};
+inline constexpr SettingsKey kCurrentSweep{kSignalGenerator, "Current Signal Sweep", "False"};
+inline constexpr SettingsKey kCurrentType{kSignalGenerator, "Current Signal Type", "0"};
+inline constexpr SettingsKey kCurrentLoop{kSignalGenerator, "Current Signal Loop", "False"};
+inline constexpr SettingsKey kCurrentLoopIncrement{kSignalGenerator, "Current Signal Loop Increment", "0"};
+inline constexpr SettingsKey kNumberOfTones{kSignalGenerator, "NumberOfTones", "0"};
+// Memory tones, numbered from 1. Defaults of the set-up; the start of playback has its own.
+inline constexpr SettingsKey kMemoryStart{kSignalGenerator, "Memory Signal Start", "1000"};
+inline constexpr SettingsKey kMemoryEnd{kSignalGenerator, "Memory Signal End", "0"};
+inline constexpr SettingsKey kMemorySweepTime{kSignalGenerator, "Memory Signal Sweep Time", "0"};
+inline constexpr SettingsKey kMemoryLoopIncrement{kSignalGenerator, "Memory Signal Loop Increment", "0"};
+inline constexpr SettingsKey kMemorySweep{kSignalGenerator, "Memory Signal Sweep", "False"};
+inline constexpr SettingsKey kMemoryType{kSignalGenerator, "Memory Signal Type", "0"};
+inline constexpr SettingsKey kMemoryLoop{kSignalGenerator, "Memory Signal Loop", "0"};
+inline constexpr SettingsKey kMemorySelected{kSignalGenerator, "Memory Signal Selected", "False"};
+
+inline constexpr SettingsKey kLastTab{kWindows, "LastTab", "0"};
+inline constexpr std::string_view kNeverPlaced = "-1";
+
+// Full key of a numbered value: the number follows a blank ("THD 0", "Memory Signal Start 3").
+std::string Numbered(const SettingsKey& key, int number);
+
+}  // namespace keys
+}  // namespace sonavex

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+namespace sonavex {
+
+// State of the whole instrument: one instance, owned by the main form (or by the headless meter)
+// and read by every subsystem. User-interface thread only.
+struct SharedState {
+    std::int32_t SampleRate = 32000;   // Hz, one of SampleRateTable
+    std::int32_t OsMajorVersion = 10;  // 6 or more selects the newer mixer and the newer overrun rule
+    bool EventsReady = false;          // the capture notifications are armed
+
+    bool NewerGeneration() const noexcept { return OsMajorVersion >= 6; }
+};
+
+}  // namespace sonavex

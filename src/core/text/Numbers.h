@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// The instrument's only conversions between numbers and text. All of them work in the "C" locale
+// (the decimal sign is a point) whatever the desktop's language, and none of them allocates for the
+// short texts of a display (up to 15 characters).
+namespace sonavex {
+
+// Nearest whole number, halves to even.
+double RoundHalfEven(double value) noexcept;
+
+// Leading number of a text: optional blanks, sign, digits with an optional point, optional exponent.
+// 0 when the text does not begin with a number. Error 6 when the number exceeds a double.
+double Val(std::string_view text);
+
+// Number to text with a leading blank in the place of a plus sign: " 1000", "-.49", " .8399",
+// " 1E-05". At most 15 significant digits, no zero before the decimal point. Error 6 for a value
+// that is not finite.
+std::string Str(double value);
+
+// Number to plain text: as Str, without the leading blank and with the zero: "1000", "-0.49".
+std::string CStr(double value);
+std::string CStr(std::int32_t value);
+// "True" or "False".
+std::string CStr(bool value);
+
+// Whole-text conversions. Blanks around the number are ignored; error 13 when anything else is
+// left, error 6 when the value does not fit. Fractions are rounded, halves to even.
+double CDbl(std::string_view text);
+std::int32_t CLng(std::string_view text);
+std::int16_t CInt(std::string_view text);
+// "True" and "False" in any letter case, or a number (0 is false). Error 13 otherwise.
+bool CBool(std::string_view text);
+// Whether CDbl would convert the text.
+bool IsNumeric(std::string_view text) noexcept;
+
+// Number to whole number, halves to even. Error 6 when it does not fit or is not a number.
+std::int32_t CLng(double value);
+std::int16_t CInt(double value);
+
+// The display patterns. The value's 15-digit decimal is rounded, halves away from zero.
+enum class Pattern {
+    kWhole,       // "##"      whole number, empty for 0
+    kPercent,     // "#0.0000" four decimals
+    kTwoByTwo,    // "00.00"   at least two digits before the point, two decimals
+    kTwoDecimals  // "#0.00"   two decimals
+};
+// A negative value keeps its sign even when all digits shown are 0 ("-00.00"); "##" shows an empty
+// text there. Error 6 for a value that is not finite.
+std::string Format(double value, Pattern pattern);
+
+// Text without leading and trailing blanks.
+std::string_view Trim(std::string_view text) noexcept;
+
+}  // namespace sonavex

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "core/ports/SettingsStore.h"
+
+namespace sonavex {
+
+// Settings that live as long as this object: for the headless meter, which must not touch the
+// user's, and for tests.
+class MemorySettingsStore : public SettingsStore {
+public:
+    std::string Get(std::string_view section, std::string_view key, std::string_view fallback) const override;
+    void Save(std::string_view section, std::string_view key, std::string_view value) override;
+    void DeleteSection(std::string_view section) override;
+    std::string Location() const override { return "settings in memory"; }
+
+    // Number of values stored.
+    std::size_t Size() const noexcept;
+
+private:
+    std::map<std::string, std::map<std::string, std::string, std::less<>>, std::less<>> sections_;
+};
+
+}  // namespace sonavex

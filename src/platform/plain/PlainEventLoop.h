@@ -1,0 +1,48 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "core/ports/EventLoop.h"
+
+namespace sonavex {
+
+// An event loop for programs without a window. The thread that calls Yield, Wait or RunUntil is the
+// user-interface thread.
+class PlainEventLoop : public EventLoop {
+public:
+    PlainEventLoop();
+    ~PlainEventLoop() override;
+
+    std::unique_ptr<Signal> CreateSignal(std::function<void()> handler) override;
+    TimerId StartTimer(std::chrono::milliseconds interval, std::function<void()> handler) override;
+    void StopTimer(TimerId id) override;
+    void Yield() override;
+    std::chrono::nanoseconds Now() const override;
+
+    // Sleeps until something is pending, a timer is due or the time is over, then delivers it.
+    void Wait(std::chrono::nanoseconds limit);
+
+    // Delivers events until the condition holds (true) or the time is over (false).
+    bool RunUntil(const std::function<bool()>& condition, std::chrono::nanoseconds limit);
+
+private:
+    struct Queue;  // shared with the signals
+    class QueuedSignal;
+    struct Timer {
+        std::chrono::nanoseconds interval;
+        std::chrono::nanoseconds due;
+        std::function<void()> handler;
+    };
+
+    std::chrono::nanoseconds UntilNextTimer(std::chrono::nanoseconds limit) const;
+    void RunDueTimers();
+
+    std::shared_ptr<Queue> queue_;
+    std::map<TimerId, Timer> timers_;
+    TimerId lastTimer_ = 0;
+};
+
+}  // namespace sonavex

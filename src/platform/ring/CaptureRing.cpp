@@ -1,0 +1,70 @@
+#include "platform/ring/CaptureRing.h"
+
+#include <thread>
+#include <utility>
+
+namespace sonavex {
+
+void CaptureRing::SetPositions(std::vector<Position> positions) {
+    if (running_.load()) throw RuntimeError(error_number::kInvalidCall);
+    for (const Position& position : positions)
+        if (position.offset < 0 || position.offset >= frames_.Bytes() || !position.bell)
+            throw RuntimeError(error_number::kInvalidCall);
+    positions_ = std::move(positions);
+}
+
+void CaptureRing::Start() noexcept {
+    if (running_.load()) return;
+    rewind_.store(true);
+    running_.store(true);
+}
+
+void CaptureRing::Stop() noexcept {
+    running_.store(false);
+    // A push under way may still ring; it is at most a device period long.
+    while (pushing_.load()) std::this_thread::yield();
+}
+
+template <class Source>
+void CaptureRing::PushFrom(Source source, std::size_t frames) noexcept {
+    pushing_.store(true);
+    if (running_.load()) {
+        if (rewind_.exchange(false)) next_ = 0;
+        for (std::size_t i = 0; i < frames; ++i) {
+            source(i, next_);
+            Notify(next_);
+            next_ = next_ + 1 == frames_.Size() ? 0 : next_ + 1;
+        }
+        captured_.fetch_add(frames, std::memory_order_relaxed);
+    }
+    pushing_.store(false);
+}
+
+void CaptureRing::Notify(std::size_t frame) noexcept {
+    for (const Position& position : positions_) {
+        if (static_cast<std::size_t>(position.offset / kFrameBytes) != frame) continue;
+        completed_.fetch_add(1, std::memory_order_relaxed);
+        if (!position.bell->Raise()) lost_.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+void CaptureRing::Push(const std::int16_t* samples, std::size_t frames) noexcept {
+    PushFrom([&](std::size_t i, std::size_t at) { frames_.Store(at, samples[2 * i], samples[2 * i + 1]); },
+             frames);
+}
+
+void CaptureRing::PushSilence(std::size_t frames) noexcept {
+    PushFrom([&](std::size_t, std::size_t at) { frames_.Store(at, 0, 0); }, frames);
+}
+
+void CaptureRing::Read(std::int32_t offset, std::span<std::int16_t> samples) const {
+    frames_.CheckRange(offset, samples.size());
+    const auto first = static_cast<std::size_t>(offset / kFrameBytes);
+    for (std::size_t i = 0; i < samples.size() / 2; ++i) frames_.Load(first + i, &samples[2 * i]);
+}
+
+CaptureStatistics CaptureRing::Statistics() const noexcept {
+    return {captured_.load(), completed_.load(), lost_.load()};
+}
+
+}  // namespace sonavex

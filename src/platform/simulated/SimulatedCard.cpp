@@ -1,0 +1,61 @@
+#include "platform/simulated/SimulatedCard.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sonavex {
+namespace {
+
+constexpr std::size_t kPeriodFrames = 256;
+
+}  // namespace
+
+void SimulatedCard::SetDeviceUnderTest(DeviceUnderTestModel model) {
+    const std::lock_guard lock(mutex_);
+    device_ = DeviceUnderTest(std::move(model));
+}
+
+void SimulatedCard::ConnectPlayback(std::shared_ptr<PlaybackRing> ring) {
+    const std::lock_guard lock(mutex_);
+    playback_ = std::move(ring);
+}
+
+void SimulatedCard::ConnectCapture(std::shared_ptr<CaptureRing> ring) {
+    const std::lock_guard lock(mutex_);
+    capture_ = std::move(ring);
+}
+
+void SimulatedCard::Step(std::size_t frames) {
+    const std::lock_guard lock(mutex_);
+    if (stalled_ || !plugged_) return;
+    while (frames > 0) {
+        const std::size_t period = std::min(frames, kPeriodFrames);
+        StepPeriod(period);
+        frames -= period;
+    }
+}
+
+void SimulatedCard::StepPeriod(std::size_t frames) {
+    played_.assign(2 * device_.FramesNeeded(frames), 0);
+    captured_.resize(2 * frames);
+    if (playback_) playback_->Pull(played_.data(), played_.size() / 2, 0);
+    device_.Process(played_, captured_);
+    if (capture_) capture_->Push(captured_.data(), frames);
+}
+
+void SimulatedCard::SetStalled(bool stalled) {
+    const std::lock_guard lock(mutex_);
+    stalled_ = stalled;
+}
+
+void SimulatedCard::SetPlugged(bool plugged) {
+    const std::lock_guard lock(mutex_);
+    plugged_ = plugged;
+}
+
+bool SimulatedCard::Plugged() const {
+    const std::lock_guard lock(mutex_);
+    return plugged_;
+}
+
+}  // namespace sonavex

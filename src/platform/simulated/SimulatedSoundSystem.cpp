@@ -1,0 +1,218 @@
+#include "platform/simulated/SimulatedSoundSystem.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "core/ports/SoundErrors.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Longest time that the pacing thread makes up for after it was held up; beyond it frames are lost,
+// as they would be on a real card.
+constexpr auto kLongestCatchUp = 2s;
+constexpr auto kPacingInterval = 4ms;
+
+RuntimeError DeviceGone() {
+    return {sound_error::kBufferLost, "The simulated sound card has been unplugged."};
+}
+
+void RequireFormat(const WaveFormat& format) {
+    if (format.formatTag == 1 && format.channels == 2 && format.bitsPerSample == 16 &&
+        format.blockAlign == 4 && format.samplesPerSecond > 0)
+        return;
+    throw RuntimeError(sound_error::kBadFormat, "The simulated sound card takes 16-bit stereo PCM only.");
+}
+
+}  // namespace
+
+class SimulatedSoundSystem::PlayBuffer : public PlaybackBuffer {
+public:
+    PlayBuffer(SimulatedSoundSystem& system, const BufferDescription& description)
+        : system_(system),
+          ring_(std::make_shared<PlaybackRing>(
+              description.bytes, static_cast<std::int32_t>(description.format.samplesPerSecond))) {
+        system_.SetRate(description.format.samplesPerSecond);
+        system_.card_.ConnectPlayback(ring_);
+        ++system_.buffers_;
+    }
+    ~PlayBuffer() override {
+        system_.card_.ConnectPlayback(nullptr);
+        --system_.buffers_;
+    }
+    PlayBuffer(const PlayBuffer&) = delete;
+    PlayBuffer& operator=(const PlayBuffer&) = delete;
+
+    BufferCursors GetCurrentPosition() override { return Ring().Cursors(); }
+    void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) override {
+        Ring().Write(offset, samples);
+    }
+    void SetCurrentPosition(std::int32_t offset) override { Ring().SetPosition(offset); }
+    void PlayLooping() override { Ring().Play(); }
+    void Stop() override { ring_->Stop(); }
+    void SetVolume(std::int32_t hundredthsDb) override { Ring().SetVolume(hundredthsDb); }
+
+private:
+    PlaybackRing& Ring() {
+        if (!system_.card_.Plugged()) throw DeviceGone();
+        return *ring_;
+    }
+
+    SimulatedSoundSystem& system_;
+    std::shared_ptr<PlaybackRing> ring_;
+};
+
+class SimulatedSoundSystem::CaptBuffer : public CaptureBuffer {
+public:
+    CaptBuffer(SimulatedSoundSystem& system, const BufferDescription& description)
+        : system_(system), ring_(std::make_shared<CaptureRing>(description.bytes)) {
+        system_.SetRate(description.format.samplesPerSecond);
+        system_.card_.ConnectCapture(ring_);
+        ++system_.buffers_;
+    }
+    ~CaptBuffer() override {
+        ring_->Stop();
+        system_.card_.ConnectCapture(nullptr);
+        --system_.buffers_;
+    }
+    CaptBuffer(const CaptBuffer&) = delete;
+    CaptBuffer& operator=(const CaptBuffer&) = delete;
+
+    void SetNotificationPositions(std::span<const PositionNotification> positions) override {
+        std::vector<CaptureRing::Position> ringPositions;
+        for (const PositionNotification& position : positions)
+            ringPositions.push_back({position.offset, system_.hub_.SignalOf(position.event)});
+        Ring().SetPositions(std::move(ringPositions));
+    }
+    void StartLooping() override { Ring().Start(); }
+    void Stop() override { ring_->Stop(); }
+    void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) override {
+        Ring().Read(offset, samples);
+    }
+    CaptureStatistics Statistics() const override { return ring_->Statistics(); }
+
+private:
+    CaptureRing& Ring() {
+        if (!system_.card_.Plugged()) throw DeviceGone();
+        return *ring_;
+    }
+
+    SimulatedSoundSystem& system_;
+    std::shared_ptr<CaptureRing> ring_;
+};
+
+class SimulatedSoundSystem::Playback : public PlaybackDevice {
+public:
+    explicit Playback(SimulatedSoundSystem& system) noexcept : system_(system) {}
+    void SetCooperativeLevel(std::int32_t) override {}
+    PlaybackCapabilities GetCapabilities() override { return {system_.freeHardwareBuffers_}; }
+    std::unique_ptr<PlaybackBuffer> CreateBuffer(const BufferDescription& description) override {
+        system_.FailIfAsked(Operation::kPlaybackBuffer);
+        RequireFormat(description.format);
+        return std::make_unique<PlayBuffer>(system_, description);
+    }
+
+private:
+    SimulatedSoundSystem& system_;
+};
+
+class SimulatedSoundSystem::Capture : public CaptureDevice {
+public:
+    explicit Capture(SimulatedSoundSystem& system) noexcept : system_(system) {}
+    std::unique_ptr<CaptureBuffer> CreateBuffer(const BufferDescription& description) override {
+        system_.FailIfAsked(Operation::kCaptureBuffer);
+        RequireFormat(description.format);
+        return std::make_unique<CaptBuffer>(system_, description);
+    }
+
+private:
+    SimulatedSoundSystem& system_;
+};
+
+SimulatedSoundSystem::SimulatedSoundSystem(EventLoop& loop, Pace pace)
+    : hub_(loop), lostBell_(loop.CreateSignal([this] {
+          if (lostHandler_ && buffers_ > 0) lostHandler_(DeviceGone());
+      })) {
+    if (pace == Pace::kRealTime) thread_ = std::thread([this] { Run(); });
+}
+
+SimulatedSoundSystem::~SimulatedSoundSystem() {
+    {
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+    }
+    wake_.notify_all();
+    if (thread_.joinable()) thread_.join();
+}
+
+void SimulatedSoundSystem::Run() {
+    using Clock = std::chrono::steady_clock;
+    auto last = Clock::now();
+    double owed = 0.0;  // frames
+    std::unique_lock lock(mutex_);
+    while (!wake_.wait_for(lock, kPacingInterval, [this] { return stopping_; })) {
+        lock.unlock();
+        const auto now = Clock::now();
+        const auto elapsed = std::min<Clock::duration>(now - last, kLongestCatchUp);
+        last = now;
+        owed += std::chrono::duration<double>(elapsed).count() * rateHz_.load();
+        const auto frames = static_cast<std::size_t>(owed);
+        card_.Step(frames);
+        owed -= static_cast<double>(frames);
+        lock.lock();
+    }
+}
+
+SoundDeviceList SimulatedSoundSystem::Enumerate() {
+    FailIfAsked(Operation::kEnumerate);
+    SoundDeviceList list{{"", "Primary sound device", ""}};
+    if (card_.Plugged()) list.push_back({kIdentifier, kDescription, "simulated"});
+    return list;
+}
+
+SoundDeviceList SimulatedSoundSystem::EnumeratePlayback() {
+    return Enumerate();
+}
+
+SoundDeviceList SimulatedSoundSystem::EnumerateCapture() {
+    return Enumerate();
+}
+
+void SimulatedSoundSystem::RequirePlugged(const std::string& identifier) const {
+    if (card_.Plugged() && (identifier.empty() || identifier == kIdentifier)) return;
+    throw RuntimeError(sound_error::kNoDriver, "There is no sound device '" + identifier + "'.");
+}
+
+std::unique_ptr<PlaybackDevice> SimulatedSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
+    FailIfAsked(Operation::kPlaybackDevice);
+    RequirePlugged(identifier);
+    return std::make_unique<Playback>(*this);
+}
+
+std::unique_ptr<CaptureDevice> SimulatedSoundSystem::CreateCaptureDevice(const std::string& identifier) {
+    FailIfAsked(Operation::kCaptureDevice);
+    RequirePlugged(identifier);
+    return std::make_unique<Capture>(*this);
+}
+
+void SimulatedSoundSystem::Unplug() {
+    card_.SetPlugged(false);
+    lostBell_->Raise();
+}
+
+void SimulatedSoundSystem::FailNext(Operation operation, const RuntimeError& error) {
+    failures_.insert_or_assign(operation, error);
+}
+
+void SimulatedSoundSystem::FailIfAsked(Operation operation) {
+    const auto found = failures_.find(operation);
+    if (found == failures_.end()) return;
+    const RuntimeError error = found->second;
+    failures_.erase(found);
+    throw error;
+}
+
+}  // namespace sonavex
