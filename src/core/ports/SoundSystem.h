@@ -87,6 +87,7 @@ public:
     virtual void SetCurrentPosition(std::int32_t offset) = 0;
     // Plays from the current position, round and round until stopped.
     virtual void PlayLooping() = 0;
+    // Never fails, not even when the device is lost.
     virtual void Stop() = 0;
     // Hundredths of a decibel, -10000 (silence) to 0 (the samples unchanged). Error 5 outside.
     virtual void SetVolume(std::int32_t hundredthsDb) = 0;
@@ -100,6 +101,7 @@ public:
     virtual void SetNotificationPositions(std::span<const PositionNotification> positions) = 0;
     // Starts at position 0 of the buffer.
     virtual void StartLooping() = 0;
+    // Never fails, not even when the device is lost.
     virtual void Stop() = 0;
     virtual void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) = 0;
     virtual CaptureStatistics Statistics() const = 0;
@@ -125,8 +127,8 @@ public:
 };
 
 // The sound devices of the machine. Every call is made on the user-interface thread, returns within
-// 3 seconds and reports a failure as a RuntimeError with a number of SoundErrors.h (or 5, 7). Devices
-// must be destroyed after their buffers, and the system after its devices.
+// 3 seconds and reports a failure as a RuntimeError with a number of SoundErrors.h (or 5, 7). A buffer
+// may outlive its device, as reference-counted objects do; the system outlives both.
 class SoundSystem {
 public:
     virtual ~SoundSystem() = default;
@@ -141,6 +143,7 @@ public:
     // The handler gets the event's handle, on the user-interface thread, once for every time the
     // event was signalled and not still waiting. Destroying an event discards what is waiting.
     virtual EventHandle CreateEvent(std::function<void(EventHandle)> handler) = 0;
+    // An unknown handle is ignored.
     virtual void DestroyEvent(EventHandle event) = 0;
 
     // Called on the user-interface thread when a device in use is lost (unplugged, server gone, stream

@@ -1,0 +1,140 @@
+#include <algorithm>
+#include <utility>
+
+#include "core/audio/StreamEngine.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kNoOutput =
+    "Unable to find Output Sound Card and/or DirectX. Check proper sound card installation";
+constexpr const char* kNoInput =
+    "Unable to find Inpout Sound Card and/or DirectX. Check proper sound card installation";
+constexpr const char* kNoCaptureBuffer = "Error Creating Input Capture Device\ror sound card is in use.";
+constexpr const char* kNoPlaybackBuffer = "Error Creating Output Sound Device";
+
+constexpr std::int32_t kPriorityLevel = 2;
+constexpr std::int32_t kLowestLevel = -9600;  // hundredths of a dB, as the level control
+
+// Name of the device that an identifier stands for; the primary device goes by the name of the device
+// behind it, the second entry (error 9 when there is none). Empty for an unknown identifier.
+std::string NameOf(const SoundDeviceList& devices, const std::string& identifier) {
+    const auto found = std::find_if(devices.begin(), devices.end(), [&](const SoundDeviceInfo& device) {
+        return device.identifier == identifier;
+    });
+    if (found == devices.end()) return {};
+    if (found != devices.begin()) return found->description;
+    if (devices.size() < 2) throw RuntimeError(error_number::kSubscript);
+    return devices[1].description;
+}
+
+}  // namespace
+
+bool StreamEngine::Report(std::string message, const RuntimeError& error) {
+    env_.errorLog.WriteErrorLog(message, error);
+    return false;
+}
+
+void StreamEngine::EndWithoutPlaybackDevice(const RuntimeError& error) {
+    env_.errorLog.SetFatalError(true);
+    Report(kNoOutput, error);
+    throw EndProgram{1};
+}
+
+SoundDeviceList StreamEngine::EnumeratePlayback() {
+    try {
+        SoundDeviceList devices = env_.sound.EnumeratePlayback();
+        if (devices.size() > 1) return devices;
+    } catch (const RuntimeError& error) {
+        EndWithoutPlaybackDevice(error);
+    }
+    EndWithoutPlaybackDevice(RuntimeError(0, ""));
+}
+
+bool StreamEngine::CreateDevices() {
+    const SoundDeviceList playbackDevices = EnumeratePlayback();
+    if (!CreateDeviceObjects(playbackDevices)) return false;
+    env_.mixers.PointMixersAt(OutputDeviceName, InputDeviceName);
+    ShowDevices();
+    if (env_.shared.NewerGeneration()) env_.mixers.ReopenSoundCard(OutputDeviceName, InputDeviceName);
+    try {
+        playbackDevice_->SetCooperativeLevel(kPriorityLevel);
+    } catch (const RuntimeError& error) {
+        return Report(kNoPlaybackBuffer, error);
+    }
+    return CreateCaptureBuffer() && CreatePlaybackBuffer();
+}
+
+bool StreamEngine::CreateDeviceObjects(const SoundDeviceList& playbackDevices) {
+    InputDeviceId = env_.settings.Text(keys::kInput);
+    OutputDeviceId = env_.settings.Text(keys::kOutput);
+    OutputDeviceName = NameOf(playbackDevices, OutputDeviceId);
+    RuntimeError inputError(0, "");
+    bool inputListed = true;
+    try {
+        InputDeviceName = NameOf(env_.sound.EnumerateCapture(), InputDeviceId);
+    } catch (const RuntimeError& error) {
+        InputDeviceName.clear();
+        inputListed = false;
+        inputError = error;
+    }
+    try {
+        playbackDevice_ = env_.sound.CreatePlaybackDevice(OutputDeviceId);
+    } catch (const RuntimeError& error) {
+        return Report(kNoOutput, error);
+    }
+    if (!inputListed) return Report(kNoInput, inputError);
+    try {
+        captureDevice_ = env_.sound.CreateCaptureDevice(InputDeviceId);
+    } catch (const RuntimeError& error) {
+        return Report(kNoInput, error);
+    }
+    return true;
+}
+
+void StreamEngine::ShowDevices() {
+    controls_.lblInput.SetCaption(InputDeviceName);
+    controls_.lblOutput.SetCaption(OutputDeviceName);
+    controls_.lblSampleRate.SetCaption(CStr(env_.shared.SampleRate));
+}
+
+bool StreamEngine::CreateCaptureBuffer() {
+    const BufferDescription description{0, kCaptureBytes, WaveFormat::Stereo16(env_.shared.SampleRate)};
+    try {
+        captureBuffer_ = captureDevice_->CreateBuffer(description);
+    } catch (const RuntimeError& error) {
+        return Report(kNoCaptureBuffer, error);
+    }
+    lostSegments_ = 0;
+    return true;
+}
+
+bool StreamEngine::CreatePlaybackBuffer() {
+    const std::int32_t level = StoredLevel();
+    BufferDescription description{buffer_flag::kVolumePositionFocus, kPlaybackBytes,
+                                  WaveFormat::Stereo16(env_.shared.SampleRate)};
+    try {
+        description.flags |= MixingLocationFlag();
+        playbackBuffer_ = playbackDevice_->CreateBuffer(description);
+        playbackBuffer_->SetVolume(level);
+    } catch (const RuntimeError& error) {
+        return Report(kNoPlaybackBuffer, error);
+    }
+    return true;
+}
+
+// Virtual cables, and cards without a free voice, mix in software.
+std::uint32_t StreamEngine::MixingLocationFlag() {
+    const PlaybackCapabilities capabilities = playbackDevice_->GetCapabilities();
+    const bool isVirtual = OutputDeviceName.find("Virtual") != std::string::npos ||
+                           OutputDeviceName.find("Cable") != std::string::npos;
+    return isVirtual || capabilities.freeHardwareMixingBuffers < 1 ? buffer_flag::kSoftware
+                                                                   : buffer_flag::kHardware;
+}
+
+std::int32_t StreamEngine::StoredLevel() const {
+    return std::clamp(env_.settings.Long(keys::kLevel), kLowestLevel, 0);
+}
+
+}  // namespace sonavex

@@ -1,0 +1,220 @@
+#include "core/audio/StreamEngine.h"
+
+#include <algorithm>
+
+#include "core/support/ScopedFlag.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kOneInstance =
+    "Only one instance of the Quenby Sonavex can be launched\ror sound card is in use.";
+
+constexpr std::int32_t kLowEdgeAfterRestartHz = 20;
+constexpr std::int32_t kUpperMarginHz = 100;
+constexpr std::size_t kNotifications = 4;
+
+class BusyPointer {
+public:
+    explicit BusyPointer(Dialogs& dialogs) : dialogs_(dialogs) { dialogs_.SetBusyPointer(true); }
+    ~BusyPointer() { dialogs_.SetBusyPointer(false); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+
+private:
+    Dialogs& dialogs_;
+};
+
+}  // namespace
+
+StreamEngine::StreamEngine(const Environment& environment, const Controls& controls)
+    : env_(environment), controls_(controls) {}
+
+StreamEngine::~StreamEngine() {
+    Release();
+}
+
+PlaybackBuffer& StreamEngine::Playback() const {
+    if (!playbackBuffer_) throw RuntimeError(error_number::kObjectMissing);
+    return *playbackBuffer_;
+}
+
+CaptureBuffer& StreamEngine::Capture() const {
+    if (!captureBuffer_) throw RuntimeError(error_number::kObjectMissing);
+    return *captureBuffer_;
+}
+
+CaptureStatistics StreamEngine::CaptureCounts() const {
+    return captureBuffer_ ? captureBuffer_->Statistics() : CaptureStatistics{};
+}
+
+bool StreamEngine::SetEvents() {
+    if (captureBuffer_) captureBuffer_->Stop();
+    DestroyEvents([] {});
+    try {
+        std::array<PositionNotification, kNotifications> notifyPositions;
+        for (std::size_t i = 0; i < kNotifications; ++i) {
+            NotifyEvents[i] =
+                env_.sound.CreateEvent([this](EventHandle event) { DirectXEvent8_DXCallback(event); });
+            const auto quarters = static_cast<std::int32_t>(i + 1);
+            notifyPositions[i] = {kCaptureBytes / 4 * quarters - 1, NotifyEvents[i]};
+        }
+        Capture().SetNotificationPositions(notifyPositions);
+    } catch (const RuntimeError& error) {
+        if (error.Number() != error_number::kObjectMissing) return Report(error.what(), error);
+        env_.dialogs.Message(kOneInstance, MessageIcon::kCritical);
+        throw EndProgram{0};
+    }
+    env_.shared.EventsReady = true;
+    return true;
+}
+
+void StreamEngine::ResetStream() noexcept {
+    RestartPending = true;
+    PlayBlockIndex = 0;
+    BlockOffset = 0;
+    RestartCount = 0;
+    CaptureSegment = 0;
+}
+
+void StreamEngine::StartCapture() {
+    Capture().StartLooping();
+}
+
+void StreamEngine::Stop() {
+    if (captureBuffer_) captureBuffer_->Stop();
+    if (playbackBuffer_) playbackBuffer_->Stop();
+}
+
+void StreamEngine::DestroyEvents(const std::function<void()>& beforeEach) {
+    env_.shared.EventsReady = false;
+    for (auto event = NotifyEvents.rbegin(); event != NotifyEvents.rend(); ++event) {
+        beforeEach();
+        if (*event != 0) env_.sound.DestroyEvent(*event);
+        *event = 0;
+    }
+}
+
+void StreamEngine::Release() {
+    DestroyEvents([] {});
+    ReleaseObjects();
+}
+
+void StreamEngine::ReleaseObjects() {
+    playbackDevice_.reset();
+    playbackBuffer_.reset();
+    captureBuffer_.reset();
+    captureDevice_.reset();
+}
+
+bool StreamEngine::ReStart() {
+    if (restarting_) return false;
+    const BusyPointer busyPointer(env_.dialogs);
+    const ScopedFlag restarting(restarting_);
+    Stop();
+    DestroyEvents([this] { env_.loop.Yield(); });
+    ReleaseObjects();
+    env_.processor.StreamDisturbed();
+    env_.processor.SetUpAnalysis(kLowEdgeAfterRestartHz, env_.shared.SampleRate / 2 - kUpperMarginHz);
+    return CreateDevices() && Rebuild();
+}
+
+bool StreamEngine::Rebuild() {
+    if (!SetEvents()) return false;
+    PlayBlockIndex = 0;
+    RestartPending = true;
+    RestartCount = 0;
+    controls_.sldStartFreq.SetMax(env_.shared.SampleRate / 2);
+    controls_.sldEndFreq.SetMax(env_.shared.SampleRate / 2);
+    Playback().SetCurrentPosition(0);
+    StartCapture();
+    return true;
+}
+
+void StreamEngine::TraceLabel(std::string_view label, std::int32_t cursor) const {
+    if (Trace) Trace(label, cursor);
+}
+
+void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
+    if (restarting_) return;
+    const auto* fired = std::find(NotifyEvents.begin(), NotifyEvents.begin() + kNotifications, eventid);
+    if (fired != NotifyEvents.begin() + kNotifications)
+        CaptureSegment = static_cast<std::int32_t>(fired - NotifyEvents.begin());
+    BlockOffset = CaptureSegment * kCaptureBlockBytes;
+    Capture().ReadBuffer(BlockOffset, CaptureData);
+    NoteDisturbances();
+    env_.processor.ProcessCapturedBlock(CaptureData, PlayData);
+
+    BlockOffset = PlayBlockIndex * kCaptureBlockBytes;
+    BlockEnd = BlockOffset + kCaptureBlockBytes - 1;
+    PlayCursors = Playback().GetCurrentPosition();
+    if (!HandleOverrun()) Playback().WriteBuffer(BlockOffset, PlayData);
+    PlayBlockIndex = PlayBlockIndex >= kLastPlayBlock ? 0 : PlayBlockIndex + 1;
+    CountPriming();
+    ++Blocks;
+}
+
+void StreamEngine::NoteDisturbances() {
+    const std::uint64_t lost = Capture().Statistics().segmentsLost;
+    if (lost != lostSegments_ || RestartPending) env_.processor.StreamDisturbed();
+    lostSegments_ = lost;
+}
+
+// True when the block has been written.
+bool StreamEngine::HandleOverrun() {
+    if (env_.shared.NewerGeneration()) return HandleOverrunNewer();
+    HandleOverrunOlder();
+    return false;
+}
+
+// The block is written where the device reads, and playing goes on from the buffer's start.
+bool StreamEngine::HandleOverrunNewer() {
+    if (PlayCursors.write < BlockOffset || PlayCursors.write > BlockEnd) return false;
+    if (!RestartPending) {
+        ++Overruns;
+        env_.processor.StreamDisturbed();
+        TraceLabel("vista overrun", PlayCursors.write);
+    }
+    Playback().WriteBuffer(BlockOffset, PlayData);
+    Playback().SetCurrentPosition(0);
+    return true;
+}
+
+// Writing starts over at the first block, playback after enough blocks. The end of the block is not
+// moved along: after a write overrun the play cursor is looked for in all that lies before it.
+void StreamEngine::HandleOverrunOlder() {
+    const bool priming = RestartPending;
+    bool overrun = false;
+    if (PlayCursors.write >= BlockOffset && PlayCursors.write <= BlockEnd) {
+        ResetWriting("Restart Play Buffer (write)", PlayCursors.write);
+        overrun = true;
+    }
+    if (PlayCursors.play >= BlockOffset && PlayCursors.play <= BlockEnd) {
+        ResetWriting("Restart Play Buffer (play)", PlayCursors.play);
+        overrun = true;
+    }
+    if (!overrun || priming) return;
+    ++Overruns;
+    env_.processor.StreamDisturbed();
+}
+
+void StreamEngine::ResetWriting(std::string_view label, std::int32_t cursor) {
+    TraceLabel(label, cursor);
+    RestartPending = true;
+    PlayBlockIndex = 0;
+    BlockOffset = 0;
+    RestartCount = 0;
+}
+
+void StreamEngine::CountPriming() {
+    if (!RestartPending) return;
+    if (++RestartCount < kPrimingBlocks) return;
+    RestartPending = false;
+    RestartCount = 0;
+    TraceLabel("RESTARTING");
+    ++PlaybackStarts;
+    Playback().SetCurrentPosition(0);
+    Playback().PlayLooping();
+}
+
+}  // namespace sonavex

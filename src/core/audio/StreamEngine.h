@@ -1,0 +1,151 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "core/audio/BlockProcessor.h"
+#include "core/audio/ErrorLog.h"
+#include "core/audio/MixerBinding.h"
+#include "core/controls/Controls.h"
+#include "core/ports/Dialogs.h"
+#include "core/ports/EventLoop.h"
+#include "core/ports/SoundSystem.h"
+#include "core/settings/Settings.h"
+#include "core/settings/SharedState.h"
+
+namespace sonavex {
+
+// The sound card in full duplex: a capture buffer of four segments and a playback buffer of eight
+// blocks. Each time a segment has been captured, its notification has it analysed and one block of
+// output written, so the capture clock paces the output. User-interface thread only.
+class StreamEngine {
+public:
+    static constexpr std::int32_t kCaptureBlockBytes = 8192;  // 2048 stereo frames
+    static constexpr std::size_t kBlockSamples = 4096;
+    static constexpr std::int32_t kCaptureBytes = 4 * kCaptureBlockBytes;
+    static constexpr std::int32_t kPlaybackBytes = 2 * kCaptureBytes;
+    static constexpr std::int32_t kLastPlayBlock = 7;
+    static constexpr std::int32_t kPrimingBlocks = 7;
+
+    // What the engine works with. Everything must outlive it.
+    struct Environment {
+        SharedState& shared;
+        Settings& settings;
+        SoundSystem& sound;
+        EventLoop& loop;
+        Dialogs& dialogs;
+        ErrorLog& errorLog;
+        MixerBinding& mixers;
+        BlockProcessor& processor;
+    };
+    // Controls of the main form that the engine writes.
+    struct Controls {
+        Label& lblInput;
+        Label& lblOutput;
+        Label& lblSampleRate;
+        Slider& sldStartFreq;
+        Slider& sldEndFreq;
+    };
+
+    StreamEngine(const Environment& environment, const Controls& controls);
+    ~StreamEngine();
+    StreamEngine(const StreamEngine&) = delete;
+    StreamEngine& operator=(const StreamEngine&) = delete;
+
+    // Creates devices and buffers for the stored identifiers. False when that failed; the error log
+    // has the reason. Without any playback device, or when the devices cannot be listed, throws
+    // EndProgram after the message.
+    bool CreateDevices();
+
+    // Arms the four capture notifications. False when that failed; without a capture buffer shows
+    // that the sound card is in use and throws EndProgram with status 0.
+    bool SetEvents();
+
+    // Everything anew, after a change of device or rate. False when it failed, or when it is under
+    // way already.
+    bool ReStart();
+
+    // Playback is to be started from the first block on.
+    void ResetStream() noexcept;
+
+    // Starts the capture; error 91 without a capture buffer.
+    void StartCapture();
+
+    // Shutdown: stops capture, then playback.
+    void Stop();
+    // Shutdown: destroys events and devices.
+    void Release();
+
+    // The notification callback. Errors of the sound objects and of the analysis leave it.
+    void DirectXEvent8_DXCallback(EventHandle eventid);
+
+    bool Restarting() const noexcept { return restarting_; }
+    PlaybackBuffer* SecondaryBuffer() noexcept { return playbackBuffer_.get(); }
+    // Counts of the capture buffer in use; zeros without one.
+    CaptureStatistics CaptureCounts() const;
+
+    // Stream state.
+    std::array<EventHandle, 5> NotifyEvents{};  // 0 to 3: the capture notifications
+    std::int32_t CaptureSegment = 0;            // 0 to 3: segment captured last
+    std::int32_t PlayBlockIndex = 0;            // 0 to 7: next block to write
+    std::int32_t BlockOffset = 0;               // bytes
+    std::int32_t BlockEnd = 0;                  // BlockOffset + 8191
+    BufferCursors PlayCursors;
+    bool RestartPending = false;    // playback starts once enough blocks are written
+    std::int32_t RestartCount = 0;  // blocks written since
+    std::array<std::int16_t, kBlockSamples> CaptureData{};
+    std::array<std::int16_t, kBlockSamples> PlayData{};
+
+    std::string InputDeviceName;
+    std::string OutputDeviceName;
+    std::string InputDeviceId;  // as stored; empty for the primary device
+    std::string OutputDeviceId;
+
+    // Since the engine was made.
+    std::uint64_t Overruns = 0;        // playback ran into the block being written
+    std::uint64_t PlaybackStarts = 0;  // including those after an overrun
+    std::uint64_t Blocks = 0;          // captured blocks processed
+
+    // Receives the debug trace: a label and the cursor it is about (0 for none).
+    std::function<void(std::string_view, std::int32_t)> Trace;
+
+private:
+    bool Report(std::string message, const RuntimeError& error);
+    [[noreturn]] void EndWithoutPlaybackDevice(const RuntimeError& error);
+    SoundDeviceList EnumeratePlayback();
+    bool CreateDeviceObjects(const SoundDeviceList& playbackDevices);
+    void ShowDevices();
+    bool CreateCaptureBuffer();
+    bool CreatePlaybackBuffer();
+    std::uint32_t MixingLocationFlag();
+    std::int32_t StoredLevel() const;
+
+    void DestroyEvents(const std::function<void()>& beforeEach);
+    void ReleaseObjects();
+    bool Rebuild();
+
+    void NoteDisturbances();
+    bool HandleOverrun();
+    bool HandleOverrunNewer();
+    void HandleOverrunOlder();
+    void ResetWriting(std::string_view label, std::int32_t cursor);
+    void CountPriming();
+    void TraceLabel(std::string_view label, std::int32_t cursor = 0) const;
+    PlaybackBuffer& Playback() const;
+    CaptureBuffer& Capture() const;
+
+    Environment env_;
+    Controls controls_;
+    std::unique_ptr<PlaybackDevice> playbackDevice_;
+    std::unique_ptr<CaptureDevice> captureDevice_;
+    std::unique_ptr<PlaybackBuffer> playbackBuffer_;
+    std::unique_ptr<CaptureBuffer> captureBuffer_;
+    std::uint64_t lostSegments_ = 0;
+    bool restarting_ = false;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,127 @@
+#include <cmath>
+
+#include "core/dsp/modDSP.h"
+#include "core/text/Numbers.h"
+#include "core/text/RuntimeError.h"
+
+namespace sonavex::modDSP {
+namespace {
+
+constexpr const char* kNotAvailable = "N/A";
+
+struct HarmonicSums {
+    double all = 0.0;   // fundamental and harmonics
+    double harm = 0.0;  // harmonics alone
+};
+
+double Magnitude(const State& state, std::int32_t bin) {
+    if (bin < 0 || bin >= static_cast<std::int32_t>(kVectorSize))
+        throw RuntimeError(error_number::kSubscript);
+    return state.SpecMag[static_cast<std::size_t>(bin)];
+}
+
+double Power(const State& state, std::int32_t bin) {
+    const double magnitude = Magnitude(state, bin);
+    return magnitude * magnitude;
+}
+
+// Bin below which a harmonic counts.
+std::int32_t MaxBin(const State& state) {
+    return (state.shared.SampleRate / 2 - 1000) / CLng(static_cast<double>(state.BinWidth));
+}
+
+HarmonicSums SecondHarmonicSums(const State& state) {
+    const std::int32_t k = state.PeakBin;
+    if (2 * k >= 2047 || k > 2047) return {};
+    return {std::sqrt(Power(state, 2 * k) + Power(state, k)), std::sqrt(Power(state, 2 * k))};
+}
+
+// Harmonics 2 to h + 1. A harmonic at or beyond MaxBin takes both sums back to zero.
+HarmonicSums SumsUpTo(const State& state, std::int32_t h, std::int32_t maxBin) {
+    if (h == 1) return SecondHarmonicSums(state);
+    const std::int32_t k = state.PeakBin;
+    HarmonicSums sums{Power(state, k), 0.0};
+    for (std::int32_t j = 1; j <= h; ++j) {
+        if ((j + 1) * k < maxBin && j * k <= maxBin) {
+            const double power = Power(state, (j + 1) * k);
+            sums.all += power;
+            sums.harm += power;
+        } else {
+            sums = {};
+        }
+    }
+    return {std::sqrt(sums.all), std::sqrt(sums.harm)};
+}
+
+double RatioToFundamental(const State& state, std::int32_t h, std::int32_t maxBin) {
+    const std::int32_t k = state.PeakBin;
+    if ((h + 1) * k >= maxBin) return 0.0;
+    const double fundamental = Magnitude(state, k);
+    if (fundamental == 0.0) throw RuntimeError(error_number::kDivisionByZero);
+    return Magnitude(state, (h + 1) * k) / fundamental;
+}
+
+double Average(const State& state, std::size_t kind, std::size_t harmonic) {
+    double sum = 0.0;
+    for (std::size_t slot = 0; slot <= static_cast<std::size_t>(kLastSlot); ++slot)
+        sum += state.History[slot][kind][harmonic];
+    return sum / (kLastSlot + 1);
+}
+
+void ShowPercentage(State& state, Label& label, std::size_t harmonic) {
+    double averagePct = Average(state, 0, harmonic);
+    if (state.BaselineOn == 1) averagePct -= state.BaselinePct[harmonic];
+    if (averagePct == 0.0)
+        label.SetCaption(kNotAvailable);
+    else
+        label.SetCaption(Format(averagePct, Pattern::kPercent));
+    state.CurrentPct[harmonic] = Val(label.Caption());
+}
+
+void ShowLevel(State& state, Label& label, std::size_t harmonic) {
+    const double averageRatio = Average(state, 1, harmonic);
+    if (averageRatio == 0.0) {
+        label.SetCaption(kNotAvailable);
+        return;
+    }
+    const double bels = std::log(averageRatio) / std::log(10.0);
+    state.CurrentDb[harmonic] = bels * 10.0 * 2.0;
+    label.SetCaption(Format(state.CurrentDb[harmonic], Pattern::kTwoByTwo));
+}
+
+// The value up to the highest harmonic that could be measured.
+void ShowTotal(MeasurementControls& controls) {
+    for (std::size_t i = kHarmonics; i-- > 0;) {
+        if (controls.lbltest[i].Caption() == kNotAvailable) continue;
+        controls.lblThd.SetCaption(controls.lbltest[i].Caption());
+        return;
+    }
+    controls.lblThd.SetCaption(kNotAvailable);
+}
+
+}  // namespace
+
+void MeasureHarmonics(State& state, MeasurementControls& controls) {
+    const std::int32_t maxBin = MaxBin(state);
+    auto& slot = state.History[static_cast<std::size_t>(state.HistIndex)];
+    for (std::int32_t h = 1; h <= static_cast<std::int32_t>(kHarmonics); ++h) {
+        const auto harmonic = static_cast<std::size_t>(h - 1);
+        const HarmonicSums sums = SumsUpTo(state, h, maxBin);
+        slot[0][harmonic] = sums.all != 0.0 ? sums.harm * 100.0 / sums.all : 0.0;
+        slot[1][harmonic] = RatioToFundamental(state, h, maxBin);
+        if (state.HistIndex != kLastSlot) continue;
+        ShowPercentage(state, controls.lbltest[harmonic], harmonic);
+        ShowLevel(state, controls.lblDb[harmonic], harmonic);
+    }
+    ShowTotal(controls);
+}
+
+void ShowUnlocked(MeasurementControls& controls) {
+    for (std::size_t i = 0; i < kHarmonics; ++i) {
+        controls.lbltest[i].SetCaption("");
+        controls.lblDb[i].SetCaption("");
+    }
+    controls.lblThd.SetCaption(kNotAvailable);
+}
+
+}  // namespace sonavex::modDSP

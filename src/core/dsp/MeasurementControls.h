@@ -1,0 +1,28 @@
+#pragma once
+
+#include <array>
+
+#include "core/controls/Controls.h"
+
+namespace sonavex {
+
+// The controls that the analysis reads and writes. Every caption starts empty. Array element i stands
+// for harmonic i + 2.
+struct MeasurementControls {
+    static constexpr std::size_t kHarmonics = 8;
+
+    ProgressBar prgADC{32760.0F};           // input peak, 16-bit steps
+    ProgressBar prgDAC{32760.0F};           // output peak before the generator's signal, 16-bit steps
+    Label LblLevel;                         // input peak, percent of 32760, or "Ovr"
+    Label lblDACLevel;                      // output peak, percent of 32760, or "Ovr", or "Muted"
+    TextBox txtFreq;                        // fundamental frequency, Hz
+    CheckBox chkAuto;                       // the analysis writes txtFreq
+    CheckBox chkMuteOutput;                 // the input does not go on to the output
+    Indicator picLocked;                    // light green: the peak found is the fundamental asked for
+    Indicator GenLocked;                    // the same on the generator's side
+    std::array<Label, kHarmonics> lbltest;  // distortion up to this harmonic, percent (THD_R), or "N/A"
+    std::array<Label, kHarmonics> lblDb;    // this harmonic against the fundamental, dB, or "N/A"
+    Label lblThd;                           // total: the last of lbltest that is not "N/A"
+};
+
+}  // namespace sonavex

@@ -1,0 +1,67 @@
+#include <algorithm>
+#include <cmath>
+
+#include "core/dsp/modDSP.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex::modDSP {
+namespace {
+
+using namespace modSPL2VB;
+
+// Frames that a block's filter response rings on into the next block.
+constexpr std::int32_t kTail = 2046;
+
+// The filtered input of this block, completed by the tail of the block before.
+void OverlapAdd(State& state) {
+    nspdbCopy(state.SpecRe, state.FilteredRe, kFftLength);
+    nspdbCopy(state.SpecIm, state.FilteredIm, kFftLength);
+    nspzrFftNip(state.plan, state.FilteredRe, state.FilteredIm, state.SpecRe, state.SpecIm, kInverse);
+    nspdbAdd2(state.TailA, state.SpecRe, kTail);
+    nspdbAdd2(state.TailB, state.SpecIm, kTail);
+    std::copy_n(state.SpecRe.begin() + kBlockFrames, kTail, state.TailA.begin());
+    std::copy_n(state.SpecIm.begin() + kBlockFrames, kTail, state.TailB.begin());
+}
+
+void ShowOutputLevel(State& state, MeasurementControls& controls) {
+    state.OutputPeak = std::min(LargestMagnitude(state.SpecRe, state.SpecIm, kBlockFrames), kFullScale);
+    controls.prgDAC.SetValue(static_cast<float>(state.OutputPeak));
+    if (controls.chkMuteOutput.Checked())
+        controls.lblDACLevel.SetCaption("Muted");
+    else if (state.OutputPeak >= kFullScale)
+        controls.lblDACLevel.SetCaption("Ovr");
+    else
+        controls.lblDACLevel.SetCaption(Format(state.OutputPeak / kFullScale * 100.0, Pattern::kWhole));
+}
+
+// The limit holds for the two-channel vector's length, not for each channel.
+void Limit(State& state) {
+    state.SynthPeak = LargestMagnitude(state.SpecRe, state.SpecIm, kBlockFrames);
+    if (state.SynthPeak <= kFullScale) return;
+    nspdbMpy1(kFullScale / state.SynthPeak, state.SpecRe, kBlockFrames);
+    nspdbMpy1(kFullScale / state.SynthPeak, state.SpecIm, kBlockFrames);
+}
+
+void Interleave(const State& state, std::span<std::int16_t> playback) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(kBlockFrames); ++i) {
+        playback[2 * i] = static_cast<std::int16_t>(std::lrint(state.SpecIm[i]));
+        playback[2 * i + 1] = static_cast<std::int16_t>(std::lrint(state.SpecRe[i]));
+    }
+}
+
+}  // namespace
+
+void MakeOutput(State& state, MeasurementControls& controls, BlockFill& generator,
+                std::span<std::int16_t> playback) {
+    OverlapAdd(state);
+    if (controls.chkMuteOutput.Checked()) {
+        state.SpecRe.fill(0.0);
+        state.SpecIm.fill(0.0);
+    }
+    ShowOutputLevel(state, controls);
+    generator.FillGeneratorBlock(state.SpecRe, state.SpecIm, kBlockFrames);
+    Limit(state);
+    Interleave(state, playback);
+}
+
+}  // namespace sonavex::modDSP

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "core/dsp/BlockFill.h"
+#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/modSPL2VB.h"
+#include "core/settings/SharedState.h"
+
+// The analysis of one captured block: band-pass in the frequency domain, search for the fundamental,
+// harmonics, averages over a cycle of 19 blocks, levels, and the next block of output.
+// User-interface thread only.
+namespace sonavex::modDSP {
+
+inline constexpr std::size_t kVectorSize = 4097;
+inline constexpr std::int32_t kFftLength = 4096;
+inline constexpr std::int32_t kBlockFrames = 2048;
+inline constexpr std::size_t kBlockSamples = 4096;  // interleaved stereo
+inline constexpr std::size_t kHarmonics = MeasurementControls::kHarmonics;
+inline constexpr std::int32_t kLastSlot = 18;     // 19 slots make a cycle
+inline constexpr double kFullScale = 32760.0;     // at or above it a level reads "Ovr"; the output's limit
+inline constexpr std::int32_t kLockRangeHz = 14;  // the peak must be nearer than this
+
+// Aligned for the widest vector instructions.
+struct alignas(64) AnalysisVector : std::array<double, kVectorSize> {};
+
+struct State {
+    explicit State(const SharedState& sharedState) noexcept : shared(sharedState) {}
+
+    const SharedState& shared;
+
+    float BinWidth = 0.0F;  // Hz
+    std::int32_t FftOrder = 12;
+    std::int32_t CutoffBin = 0;  // bin of the band's upper edge
+    double LowFraction = 0.0;    // band edges, fractions of the sampling rate
+    double HighFraction = 0.0;
+    AnalysisVector FilterTaps{};
+    AnalysisVector FilterZero{};
+    AnalysisVector FilterRe{};  // frequency response of the band-pass, 4096 bins
+    AnalysisVector FilterIm{};
+
+    AnalysisVector ChanA{};       // second sample of each frame, zero from 2048 on
+    AnalysisVector ChanB{};       // first sample of each frame
+    AnalysisVector SpecRe{};      // filtered spectrum, then the output signal of channel A
+    AnalysisVector SpecIm{};      // and of channel B
+    AnalysisVector FilteredRe{};  // input of the inverse transform
+    AnalysisVector FilteredIm{};
+    AnalysisVector SpecMag{};  // magnitudes of bins 0 to 2048
+    AnalysisVector TailA{};    // what the filter rings on into the next block
+    AnalysisVector TailB{};
+
+    double InputPeak = 0.0;  // 16-bit steps, largest sample by sign
+    double InputPeakB = 0.0;
+    double OutputPeak = 0.0;  // 16-bit steps, longest two-channel vector
+    double SynthPeak = 0.0;
+    std::int32_t PeakBin = 0;
+    std::int32_t PeakMag = 0;
+    std::int32_t FundamentalHz = 0;
+    bool FreqLocked = false;
+
+    std::int32_t HistIndex = 0;
+    // [slot][0: distortion up to the harmonic, percent; 1: harmonic / fundamental][harmonic - 2]
+    std::array<std::array<std::array<double, 10>, 2>, 21> History{};
+    std::array<double, kHarmonics> CurrentPct{};  // as last shown; 0 from "N/A"
+    std::array<double, kHarmonics> CurrentDb{};   // as last computed
+    std::array<double, kHarmonics> BaselinePct{};
+    std::array<double, kHarmonics> BaselineDb{};
+    std::int32_t BaselineOn = 0;  // 1: BaselinePct is subtracted from the percentages shown
+
+    modSPL2VB::FftPlan plan{12};
+};
+
+// Designs the band-pass from lowHz to highHz for the current sampling rate.
+void SetUpAnalysis(State& state, std::int32_t lowHz, std::int32_t highHz);
+
+// Analyses one block and makes the next block of output. captured, playback: kBlockSamples
+// interleaved samples (error 9 when shorter). A frequency text that does not fit a whole number
+// raises error 6, a fundamental of magnitude 0 error 11; the block then ends there. Allocates nothing.
+void ProcessCapturedBlock(State& state, MeasurementControls& controls, BlockFill& generator,
+                          std::span<const std::int16_t> captured, std::span<std::int16_t> playback);
+
+// Steps of the above that stand alone, each with its own file.
+
+// Harmonic sums of this block into the history, and the averages to the labels when the cycle ends.
+void MeasureHarmonics(State& state, MeasurementControls& controls);
+// Empty captions, "N/A" as total.
+void ShowUnlocked(MeasurementControls& controls);
+// From the filtered spectrum to the samples to play.
+void MakeOutput(State& state, MeasurementControls& controls, BlockFill& generator,
+                std::span<std::int16_t> playback);
+
+}  // namespace sonavex::modDSP

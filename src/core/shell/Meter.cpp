@@ -1,0 +1,20 @@
+#include "core/shell/Meter.h"
+
+namespace sonavex {
+
+Meter::Meter(const SharedState& shared) : Tones(shared), analysis_(std::make_unique<modDSP::State>(shared)) {}
+
+void Meter::SetUpAnalysis(std::int32_t lowHz, std::int32_t highHz) {
+    modDSP::SetUpAnalysis(*analysis_, lowHz, highHz);
+}
+
+void Meter::ProcessCapturedBlock(std::span<const std::int16_t> captured, std::span<std::int16_t> playback) {
+    modDSP::ProcessCapturedBlock(*analysis_, Controls, Tones, captured, playback);
+    ++blocks_;
+    if (analysis_->HistIndex == 0) cycleGood_ = !disturbed_;
+    if (disturbed_ || !analysis_->FreqLocked) cycleGood_ = false;
+    disturbed_ = false;
+    if (onBlock_) onBlock_();
+}
+
+}  // namespace sonavex

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+
+#include "core/audio/BlockProcessor.h"
+#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/modDSP.h"
+#include "core/generator/Generator.h"
+#include "core/settings/SharedState.h"
+
+namespace sonavex {
+
+// Analysis and generator as one: takes captured blocks, gives output blocks, shows readings on the
+// measurement controls. What feeds it (the stream engine, a recording) does not matter to it.
+// User-interface thread only.
+class Meter : public BlockProcessor {
+public:
+    static constexpr std::int32_t kCycleBlocks = modDSP::kLastSlot + 1;
+
+    explicit Meter(const SharedState& shared);
+
+    void SetUpAnalysis(std::int32_t lowHz, std::int32_t highHz) override;
+    void ProcessCapturedBlock(std::span<const std::int16_t> captured,
+                              std::span<std::int16_t> playback) override;
+    void StreamDisturbed() override { disturbed_ = true; }
+
+    // Runs after every block.
+    void OnBlock(std::function<void()> handler) { onBlock_ = std::move(handler); }
+
+    // Blocks processed so far.
+    std::int64_t Blocks() const noexcept { return blocks_; }
+    // The block just processed ended a cycle: the harmonic readings are new.
+    bool Updated() const noexcept { return blocks_ > 0 && analysis_->HistIndex == modDSP::kLastSlot; }
+    // Of the cycle so far, all blocks were locked and followed one another; after an update: the
+    // readings average 19 good blocks.
+    bool CycleGood() const noexcept { return cycleGood_; }
+    bool Settled() const noexcept { return Updated() && cycleGood_; }
+    // Blocks of the current cycle, 1 to 19.
+    std::int32_t CyclePosition() const noexcept { return analysis_->HistIndex + 1; }
+
+    MeasurementControls Controls;
+    Generator Tones;
+    modDSP::State& Analysis() noexcept { return *analysis_; }
+    const modDSP::State& Analysis() const noexcept { return *analysis_; }
+
+private:
+    std::unique_ptr<modDSP::State> analysis_;
+    std::function<void()> onBlock_;
+    std::int64_t blocks_ = 0;
+    // The first cycle lacks its first block.
+    bool cycleGood_ = false;
+    bool disturbed_ = false;
+};
+
+}  // namespace sonavex
