@@ -23,15 +23,10 @@ for list in "$@"; do
     done <"$list"
 done
 
-declare -A installed=()
-while read -r package; do
-    installed[$package]=1
-done < <(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' 2>/dev/null |
-    sed -n 's/^installed //p')
-
+installed="$(dpkg-query --show --showformat=':${db:Status-Status}:${Package}:\n')"
 missing=()
 for package in "${wanted[@]}"; do
-    [[ -n ${installed[$package]-} ]] || missing+=("$package")
+    [[ $installed == *":installed:$package:"* ]] || missing+=("$package")
 done
 ((${#missing[@]})) || exit 0
 
