@@ -75,6 +75,12 @@ checks=("$@")
 tools/install-dependencies.sh tools/dependencies.txt tools/dependencies-ci.txt || exit 1
 build_preset dev || exit 1
 
+# An empty list would pass every check.
+if [[ -z $(project_files '*.cpp') ]]; then
+    echo "check.sh: git lists no sources here" >&2
+    exit 1
+fi
+
 failed=()
 for check in "${checks[@]}"; do
     if ! declare -F "check_$check" >/dev/null; then
