@@ -45,9 +45,13 @@ public:
     void SetValue(std::int32_t value) { Assign(value_, std::clamp(value, min_, max_)); }
     // Requires min <= max.
     void SetRange(std::int32_t min, std::int32_t max) {
-        Assign(min_, min);
-        Assign(max_, max);
-        SetValue(value_);
+        const std::int32_t value = std::clamp(value_, min, max);
+        if (min == min_ && max == max_) return;
+        // All three first: the face, once told, finds limits and value that fit together.
+        min_ = min;
+        max_ = max;
+        value_ = value;
+        MarkDirty();
     }
     void SetMax(std::int32_t max) { SetRange(std::min(min_, max), max); }
 

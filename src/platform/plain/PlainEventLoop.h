@@ -35,10 +35,12 @@ private:
         std::chrono::nanoseconds interval;
         std::chrono::nanoseconds due;
         std::function<void()> handler;
+        bool running = false;  // its handler is being called
     };
 
     std::chrono::nanoseconds UntilNextTimer(std::chrono::nanoseconds limit) const;
     void RunDueTimers();
+    void Tick(TimerId id, Timer& timer, std::chrono::nanoseconds now);
 
     std::shared_ptr<Queue> queue_;
     std::map<TimerId, Timer> timers_;
