@@ -27,6 +27,8 @@ using testing::HasSubstr;
 constexpr std::int32_t kRateHz = 48000;
 // The longest time that a call may take and that may pass until a loss is reported.
 constexpr auto kLimit = 3s;
+// Until a stream that moves nothing is given up.
+constexpr auto kStallLimit = 7s;
 
 const NullSink kCard{"card", kRateHz, "TestCard"};
 const NullSink kOther{"other", kRateHz, "OtherCard"};
@@ -60,8 +62,8 @@ public:
     }
 
     // Both buffers report their loss, once, and refuse their use.
-    void ExpectLosses(const std::string& text) {
-        EXPECT_TRUE(loop_.RunUntil([&] { return losses_.size() >= 2; }, kLimit));
+    void ExpectLosses(const std::string& text, std::chrono::nanoseconds limit = kLimit) {
+        EXPECT_TRUE(loop_.RunUntil([&] { return losses_.size() >= 2; }, limit));
         loop_.RunUntil([] { return false; }, 100ms);
         ASSERT_EQ(losses_.size(), 2U);
         for (const RuntimeError& error : losses_) {
@@ -253,6 +255,14 @@ void CheckPauseOf(SoundServer& server) {
     session.Open("card");
     EXPECT_TRUE(session.Captures());
     EXPECT_TRUE(session.losses_.empty());
+    // The stream that was given up while it was being opened is closed as well.
+    session.Close();
+    EXPECT_TRUE(PollUntil(
+        session.loop_,
+        [&] {
+            return server.Control({"list", "short", "sink-inputs"}).empty();
+        },
+        kLimit));
 }
 
 TEST(PulseLoss, ServerStopped) {
@@ -263,6 +273,15 @@ TEST(PulseLoss, ServerStopped) {
 TEST(PulseLoss, ServerStoppedOnPipeWire) {
     PipeWireServer server({kCard});
     CheckPauseOf(server);
+}
+
+TEST(PulseLoss, ServerStandsStill) {
+    PulseServer server({kCard});
+    Session session(server);
+    session.Open("card");
+    ASSERT_TRUE(session.Captures());
+    server.Pause();
+    session.ExpectLosses("stands still", kStallLimit);
 }
 
 TEST(PulseLoss, EndsQuicklyWhileTheServerIsStopped) {

@@ -269,6 +269,29 @@ TYPED_TEST_P(SoundSystemContract, NotifiesTheSegmentsInOrderWithWhatWasPlayed) {
     EXPECT_EQ(this->capture_->Statistics().segmentsLost, 0U);
 }
 
+TYPED_TEST_P(SoundSystemContract, TheDeviceDelayStaysWithinThreeBlocks) {
+    const std::vector<std::int16_t> pattern = RandomPattern(11);
+    this->OpenCapture();
+    this->OpenPlayback();
+    this->playback_->WriteBuffer(0, pattern);
+    this->capture_->StartLooping();
+    this->playback_->PlayLooping();
+    std::int64_t heard = 0;  // frames captured since the first that was played
+    std::vector<std::int16_t> recording(kCaptureBytes / 2);
+    ASSERT_TRUE(PollUntil(
+        this->loop_,
+        [&] {
+            const auto captured = static_cast<std::int64_t>(this->capture_->Statistics().framesCaptured);
+            this->capture_->ReadBuffer(0, recording);
+            const auto first = static_cast<std::int64_t>(CompareLoop(recording, pattern, 0).firstFrame);
+            heard = captured - first;
+            return heard >= kSegmentBytes / 4;
+        },
+        std::chrono::seconds(3)));
+    const std::int64_t handedOver = this->playback_->GetCurrentPosition().write / 4;
+    EXPECT_LE(handedOver - heard, 3 * kSegmentBytes / 4);
+}
+
 TYPED_TEST_P(SoundSystemContract, CountsTheSegmentsThatAStallSwallows) {
     this->OpenCapture();
     SegmentRecorder recorder(*this->system_, *this->capture_);
@@ -338,7 +361,8 @@ REGISTER_TYPED_TEST_SUITE_P(SoundSystemContract, ListsThePrimaryDeviceThenTheDef
                             CursorsOfAStoppedBufferAreZero, CursorsAdvanceWithTheClockAndWrap,
                             ThePlayCursorIsNeverBeforeTheSetPosition, RefusesPositionsOutsideTheBuffer,
                             TakesVolumesInItsRangeOnly, ArmsKnownEventsInsideAStoppedBufferOnly,
-                            NotifiesTheSegmentsInOrderWithWhatWasPlayed, CountsTheSegmentsThatAStallSwallows,
-                            DestroyingAnEventDiscardsWhatIsWaiting, LeavesNothingBehind);
+                            NotifiesTheSegmentsInOrderWithWhatWasPlayed, TheDeviceDelayStaysWithinThreeBlocks,
+                            CountsTheSegmentsThatAStallSwallows, DestroyingAnEventDiscardsWhatIsWaiting,
+                            LeavesNothingBehind);
 
 }  // namespace sonavex

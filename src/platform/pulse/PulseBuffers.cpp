@@ -54,6 +54,7 @@ void PulsePlaybackBuffer::OnWritable(pa_stream* stream, std::size_t bytes, void*
     auto& me = *static_cast<PulsePlaybackBuffer*>(self);
     std::size_t left = bytes / kFrameBytes;
     while (left > 0) {
+        me.stream_.CountMovement();
         void* memory = nullptr;
         std::size_t room = left * kFrameBytes;
         if (pa_stream_begin_write(stream, &memory, &room) < 0) return;
@@ -91,14 +92,15 @@ PulseCaptureBuffer::PulseCaptureBuffer(PulseContext& context, EventLoop& loop, c
 }
 
 void PulseCaptureBuffer::OnReadable(pa_stream* stream, std::size_t, void* self) {
-    CaptureRing& ring = static_cast<PulseCaptureBuffer*>(self)->ring_;
+    auto& me = *static_cast<PulseCaptureBuffer*>(self);
     const void* memory = nullptr;
     std::size_t bytes = 0;
     while (pa_stream_peek(stream, &memory, &bytes) == 0 && bytes > 0) {
+        me.stream_.CountMovement();
         if (memory == nullptr)
-            ring.PushSilence(bytes / kFrameBytes);
+            me.ring_.PushSilence(bytes / kFrameBytes);
         else
-            ring.Push(static_cast<const std::int16_t*>(memory), bytes / kFrameBytes);
+            me.ring_.Push(static_cast<const std::int16_t*>(memory), bytes / kFrameBytes);
         pa_stream_drop(stream);
     }
 }

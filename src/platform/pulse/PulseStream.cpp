@@ -1,11 +1,17 @@
 #include "platform/pulse/PulseStream.h"
 
+#include <chrono>
 #include <utility>
 
 #include "core/ports/SoundErrors.h"
 
 namespace sonavex {
 namespace {
+
+using namespace std::chrono_literals;
+
+// Longer than any device needs to start.
+constexpr int kMostSecondsStill = 4;
 
 constexpr auto kStreamFlags =
     static_cast<pa_stream_flags_t>(PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_AUTO_TIMING_UPDATE |
@@ -51,6 +57,7 @@ void RequirePulseFormat(const BufferDescription& description) {
 
 PulseStream::PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo device, LostHandler onLost)
     : context_(context),
+      loop_(loop),
       device_(std::move(device)),
       lostBell_(loop.CreateSignal([this, handler = std::move(onLost)] {
           const bool removed = loss_.load() == Loss::kDeviceRemoved;
@@ -58,6 +65,7 @@ PulseStream::PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo
       })) {}
 
 PulseStream::~PulseStream() {
+    loop_.StopTimer(watch_);
     if (stream_ == nullptr) return;
     const PulseContext::Lock lock(context_);
     pa_stream_set_write_callback(stream_, nullptr, nullptr);
@@ -97,6 +105,7 @@ void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector&
                            "The sound server does not open the sound device '" + device_.description + "'.");
     if (pa_stream_get_state(stream_) != PA_STREAM_READY) throw OpenError(failure_);
     opened_ = true;
+    watch_ = loop_.StartTimer(1s, [this] { WatchMovement(); });
 }
 
 RuntimeError PulseStream::OpenError(int paError) const {
@@ -128,6 +137,13 @@ void PulseStream::Lose(Loss loss) noexcept {
     if (opened_ && loss_.compare_exchange_strong(none, loss)) lostBell_->Raise();
 }
 
+void PulseStream::WatchMovement() noexcept {
+    const std::uint32_t movements = movements_.load(std::memory_order_relaxed);
+    secondsStill_ = movements == movementsSeen_ ? secondsStill_ + 1 : 0;
+    movementsSeen_ = movements;
+    if (secondsStill_ >= kMostSecondsStill) Lose(Loss::kStalled);
+}
+
 std::string PulseStream::LossText() const {
     const std::string device = "The sound device '" + device_.description + "' ";
     switch (loss_.load()) {
@@ -139,9 +155,12 @@ std::string PulseStream::LossText() const {
             return device + "is no longer used: the sound server moved the stream to another one.";
         case Loss::kSuspended:
             return device + "has been suspended.";
-        default:
-            return device + "is in use.";
+        case Loss::kStalled:
+            return device + "stands still: the sound server moves no samples any more.";
+        case Loss::kNone:
+            break;
     }
+    return device + "is in use.";
 }
 
 void PulseStream::RequireDevice() const {

@@ -39,18 +39,24 @@ public:
     // Throws kBufferLost after a loss.
     void RequireDevice() const;
 
+    // To be called by whatever moves samples: a stream that stands still for seconds counts as lost,
+    // because a server that hangs says nothing. Any thread.
+    void CountMovement() noexcept { movements_.fetch_add(1, std::memory_order_relaxed); }
+
 private:
-    enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended };
+    enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended, kStalled };
 
     static void OnState(pa_stream* stream, void* self);
     static void OnMoved(pa_stream* stream, void* self);
     static void OnSuspended(pa_stream* stream, void* self);
     void Create(pa_context* server, std::uint32_t rateHz, const char* title);
     void Lose(Loss loss) noexcept;
+    void WatchMovement() noexcept;
     std::string LossText() const;
     RuntimeError OpenError(int paError) const;
 
     PulseContext& context_;
+    EventLoop& loop_;
     SoundDeviceInfo device_;
     pa_stream* stream_ = nullptr;
     // Under the context's lock.
@@ -59,6 +65,11 @@ private:
 
     std::atomic<Loss> loss_{Loss::kNone};
     std::unique_ptr<Signal> lostBell_;
+
+    std::atomic<std::uint32_t> movements_{0};
+    EventLoop::TimerId watch_ = 0;
+    std::uint32_t movementsSeen_ = 0;
+    int secondsStill_ = 0;
 };
 
 }  // namespace sonavex
