@@ -40,6 +40,7 @@ private:
         bool AskOkCancel(const std::string&) override { return false; }
         void SetBusyPointer(bool) override {}
         std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
+        void WriteLine(const std::string&) override {}
         void SetFatalError(bool) override {}
         void PointMixersAt(const std::string&, const std::string&) override {}
         void ReopenSoundCard(const std::string&, const std::string&) override {}
