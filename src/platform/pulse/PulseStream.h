@@ -14,7 +14,7 @@
 
 namespace sonavex {
 
-// Error 5, or kBadFormat unless the description asks for 16-bit stereo at a rate the server knows.
+// Throws kBadFormat unless the description asks for 16-bit stereo at a rate that servers know.
 void RequirePulseFormat(const BufferDescription& description);
 
 // One stream of samples to or from a device: opened, watched, closed. What moves the samples is the
