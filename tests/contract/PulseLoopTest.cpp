@@ -54,6 +54,31 @@ TEST(PulseLoop, IsBitExactAtTheRateOfTheSink) {
         ExpectBitExactLoop(server.Address(), SinkOfRate(rateHz), rateHz);
 }
 
+// Sets every stream of the kind ("sink-input", "source-output") to a quarter of the volume, muted.
+void TurnDown(const SoundServer& server, const std::string& kind) {
+    const std::string streams = server.Control({"list", "short", kind + "s"});
+    ASSERT_FALSE(streams.empty());
+    const std::string number = streams.substr(0, streams.find('\t'));
+    server.Control({"set-" + kind + "-volume", number, "25%"});
+    server.Control({"set-" + kind + "-mute", number, "1"});
+}
+
+TEST(PulseLoop, InheritsNoVolumeFromEarlierStreams) {
+    const PulseServer server({{"card", 48000, "TestCard"}});
+    server.Control({"load-module", "module-stream-restore"});
+    {
+        PlainEventLoop loop;
+        PulseSoundSystem system(loop, server.Address());
+        const auto output = system.CreatePlaybackDevice("");
+        const auto input = system.CreateCaptureDevice("");
+        const auto playback = output->CreateBuffer(Stereo(kPlaybackBytes, 48000));
+        const auto capture = input->CreateBuffer(Stereo(kCaptureBytes, 48000));
+        TurnDown(server, "sink-input");
+        TurnDown(server, "source-output");
+    }
+    ExpectBitExactLoop(server.Address(), "card", 48000);
+}
+
 TEST(PulseLoop, IsBitExactOnPipeWire) {
     const PipeWireServer server({{"card", 48000, "TestCard"}});
     ExpectBitExactLoop(server.Address(), "card", 48000);

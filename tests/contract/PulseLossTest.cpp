@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -141,6 +142,27 @@ TEST(PulseLoss, NoServerIsAnError) {
             EXPECT_THAT(error.what(), HasSubstr("No sound server answers"));
         }
     }
+}
+
+TEST(PulseLoss, TheEnvironmentNamesTheServer) {
+    const PulseServer server({kCard});
+    PlainEventLoop loop;
+    setenv("PULSE_SERVER", server.Address().c_str(), 1);
+    PulseSoundSystem system(loop);
+    const SoundDeviceList list = system.EnumeratePlayback();
+    unsetenv("PULSE_SERVER");
+    ASSERT_EQ(list.size(), 2U);
+    EXPECT_EQ(list[1].description, "TestCard");
+}
+
+// When the graph below the protocol server goes, the devices go, the server may go too.
+TEST(PulseLoss, DaemonBelowTheProtocolKilled) {
+    PipeWireServer server({kCard});
+    Session session(server);
+    session.Open("card");
+    ASSERT_TRUE(session.Captures());
+    server.KillDaemon();
+    session.ExpectLosses("", kStallLimit);
 }
 
 TEST(PulseLoss, AServerWithoutDevicesHasThePrimaryEntryOnly) {

@@ -88,4 +88,8 @@ void PipeWireServer::Continue() {
     protocol_->Send(SIGCONT);
 }
 
+void PipeWireServer::KillDaemon() {
+    daemon_->Kill();
+}
+
 }  // namespace sonavex

@@ -91,8 +91,8 @@ void PulseStream::Create(pa_context* server, std::uint32_t rateHz, const char* t
     pa_stream_set_suspended_callback(stream_, OnSuspended, this);
 }
 
-void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector& connect) {
-    const PulseDeadline deadline;
+void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector& connect,
+                       const PulseDeadline& deadline) {
     const PulseContext::Lock lock(context_);
     pa_context* const server = context_.Connected(deadline);
     Create(server, rateHz, title);
@@ -106,6 +106,17 @@ void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector&
     if (pa_stream_get_state(stream_) != PA_STREAM_READY) throw OpenError(failure_);
     opened_ = true;
     watch_ = loop_.StartTimer(1s, [this] { WatchMovement(); });
+}
+
+void PulseStream::ResetCaptureVolume(const PulseDeadline& deadline) {
+    const PulseContext::Lock lock(context_);
+    if (pa_stream_get_state(stream_) != PA_STREAM_READY) return;  // lost: reported elsewhere
+    pa_context* const server = pa_stream_get_context(stream_);
+    const std::uint32_t index = pa_stream_get_index(stream_);
+    pa_cvolume volume;
+    pa_cvolume_reset(&volume, 2);
+    context_.Await(pa_context_set_source_output_volume(server, index, &volume, nullptr, nullptr), deadline);
+    context_.Await(pa_context_set_source_output_mute(server, index, 0, nullptr, nullptr), deadline);
 }
 
 RuntimeError PulseStream::OpenError(int paError) const {
@@ -124,8 +135,9 @@ void PulseStream::OnState(pa_stream* stream, void* self) {
     me.context_.Wake();
 }
 
-void PulseStream::OnMoved(pa_stream*, void* self) {
-    static_cast<PulseStream*>(self)->Lose(Loss::kMoved);
+void PulseStream::OnMoved(pa_stream* stream, void* self) {
+    auto& me = *static_cast<PulseStream*>(self);
+    if (me.device_.identifier != pa_stream_get_device_name(stream)) me.Lose(Loss::kMoved);
 }
 
 void PulseStream::OnSuspended(pa_stream* stream, void* self) {

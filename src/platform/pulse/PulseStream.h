@@ -14,7 +14,7 @@
 
 namespace sonavex {
 
-// Error 5, or kBadFormat unless the description asks for 16-bit stereo at a rate the server knows.
+// Throws kBadFormat unless the description asks for 16-bit stereo at a rate that servers know.
 void RequirePulseFormat(const BufferDescription& description);
 
 // One stream of samples to or from a device: opened, watched, closed. What moves the samples is the
@@ -34,7 +34,11 @@ public:
     // Installs the owner's callbacks and connects to the device; returns what libpulse returned.
     using Connector = std::function<int(pa_stream*, const char* device, pa_stream_flags_t flags)>;
     // Opens the stream and waits until it runs. To be called once; throws when it does not run.
-    void Open(std::uint32_t rateHz, const char* title, const Connector& connect);
+    void Open(std::uint32_t rateHz, const char* title, const Connector& connect,
+              const PulseDeadline& deadline);
+    // For an open stream from a device: full volume, whatever an earlier recording was given. A
+    // volume cannot be passed on opening such a stream.
+    void ResetCaptureVolume(const PulseDeadline& deadline);
 
     // Throws kBufferLost after a loss.
     void RequireDevice() const;
@@ -59,7 +63,7 @@ private:
     EventLoop& loop_;
     SoundDeviceInfo device_;
     pa_stream* stream_ = nullptr;
-    // Under the context's lock.
+    // Changed under the context's lock.
     bool opened_ = false;
     int failure_ = PA_OK;  // why the stream failed
 
