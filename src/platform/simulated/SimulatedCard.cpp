@@ -25,6 +25,16 @@ void SimulatedCard::ConnectCapture(std::shared_ptr<CaptureRing> ring) {
     capture_ = std::move(ring);
 }
 
+void SimulatedCard::DisconnectPlayback(const std::shared_ptr<PlaybackRing>& ring) {
+    const std::lock_guard lock(mutex_);
+    if (playback_ == ring) playback_ = nullptr;
+}
+
+void SimulatedCard::DisconnectCapture(const std::shared_ptr<CaptureRing>& ring) {
+    const std::lock_guard lock(mutex_);
+    if (capture_ == ring) capture_ = nullptr;
+}
+
 void SimulatedCard::Step(std::size_t frames) {
     const std::lock_guard lock(mutex_);
     if (stalled_ || !plugged_) return;

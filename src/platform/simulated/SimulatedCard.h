@@ -22,9 +22,12 @@ public:
     // Replaces the device under test; what its delay still holds is gone.
     void SetDeviceUnderTest(DeviceUnderTestModel model);
 
-    // The rings in use; nullptr for none.
+    // The ring in use from now on, in place of another one.
     void ConnectPlayback(std::shared_ptr<PlaybackRing> ring);
     void ConnectCapture(std::shared_ptr<CaptureRing> ring);
+    // No ring in use, unless another one has taken this one's place already.
+    void DisconnectPlayback(const std::shared_ptr<PlaybackRing>& ring);
+    void DisconnectCapture(const std::shared_ptr<CaptureRing>& ring);
 
     // Moves so many frames through the card, in device periods of at most 256 frames. Does nothing
     // while stalled or unplugged.

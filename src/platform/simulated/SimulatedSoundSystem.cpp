@@ -40,7 +40,7 @@ public:
         ++system_.buffers_;
     }
     ~PlayBuffer() override {
-        system_.card_.ConnectPlayback(nullptr);
+        system_.card_.DisconnectPlayback(ring_);
         --system_.buffers_;
     }
     PlayBuffer(const PlayBuffer&) = delete;
@@ -75,7 +75,7 @@ public:
     }
     ~CaptBuffer() override {
         ring_->Stop();
-        system_.card_.ConnectCapture(nullptr);
+        system_.card_.DisconnectCapture(ring_);
         --system_.buffers_;
     }
     CaptBuffer(const CaptBuffer&) = delete;
