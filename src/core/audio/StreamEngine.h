@@ -129,8 +129,9 @@ private:
     std::int32_t StoredLevel() const;
 
     void DestroyEvents(const std::function<void()>& beforeEach);
+    void DestroyEvent(EventHandle event);
     void ReleaseObjects();
-    bool Rebuild();
+    void StartOver();
 
     void NoteDisturbances();
     bool HandleOverrun();
