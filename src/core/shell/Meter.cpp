@@ -18,6 +18,7 @@ void Meter::ProcessCapturedBlock(std::span<const std::int16_t> captured, std::sp
     ++blocks_;
     if (analysis_->HistIndex == 0) cycleGood_ = true;
     if (disturbed || !analysis_->FreqLocked) cycleGood_ = false;
+    if (Updated()) shownSettled_ = cycleGood_;
     if (onBlock_) onBlock_();
 }
 

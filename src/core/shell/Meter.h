@@ -38,6 +38,8 @@ public:
     // readings average 19 good blocks.
     bool CycleGood() const noexcept { return cycleGood_; }
     bool Settled() const noexcept { return Updated() && cycleGood_; }
+    // The readings that the labels show came from a settled update.
+    bool ShownSettled() const noexcept { return shownSettled_; }
     // Blocks of the current cycle, 1 to 19.
     std::int32_t CyclePosition() const noexcept { return analysis_->HistIndex + 1; }
 
@@ -53,6 +55,7 @@ private:
     // The first cycle lacks its first block.
     bool cycleGood_ = false;
     bool disturbed_ = false;
+    bool shownSettled_ = false;
 };
 
 }  // namespace sonavex

@@ -1,0 +1,187 @@
+#include "ui/Binder.h"
+
+#include <QMetaObject>
+#include <QSignalBlocker>
+#include <utility>
+
+namespace sonavex::ui {
+namespace {
+
+QString Text(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+QColor ColourOf(const Colour& colour) {
+    return {colour.red, colour.green, colour.blue};
+}
+
+// Caption of a button: what the core set, where it did; else what the drawing says.
+void ShowCaption(QPushButton& button, const std::string& caption) {
+    if (!caption.empty()) button.setText(Text(caption));
+}
+
+}  // namespace
+
+Binder::Binder(HandlerGuard& guard, std::function<void()> afterFlush, QObject* parent)
+    : QObject(parent), guard_(guard), afterFlush_(std::move(afterFlush)) {}
+
+void Binder::Add(QObject& widget, Control& control, std::function<void()> show) {
+    entries_.push_back({&widget, &control, std::move(show)});
+    control.OnDirty([this] { Schedule(); });
+    entries_.back().show();
+    control.Clean();
+}
+
+void Binder::Schedule() {
+    if (scheduled_) return;
+    scheduled_ = true;
+    QMetaObject::invokeMethod(
+        this, [this] { Flush(); }, Qt::QueuedConnection);
+}
+
+void Binder::Flush() {
+    scheduled_ = false;
+    for (Entry& entry : entries_) {
+        if (!entry.control->Dirty()) continue;
+        const QSignalBlocker blocker(entry.widget);
+        entry.show();
+    }
+    // Two widgets may show the same control: it is clean once all have.
+    for (Entry& entry : entries_) entry.control->Clean();
+    if (afterFlush_) afterFlush_();
+}
+
+void Binder::Handle(const std::function<void()>& handler) {
+    guard_.Run(handler);
+    Schedule();
+}
+
+std::vector<Binder::Pair> Binder::Pairs() const {
+    std::vector<Pair> pairs;
+    for (const Entry& entry : entries_) pairs.push_back({entry.widget, entry.control});
+    return pairs;
+}
+
+void Binder::Bind(QLabel& widget, Label& control) {
+    Add(widget, control, [&widget, &control] {
+        widget.setText(Text(control.Caption()));
+        widget.setEnabled(control.Enabled());
+    });
+}
+
+void Binder::Bind(QLineEdit& widget, TextBox& control) {
+    Add(widget, control, [&widget, &control] {
+        if (widget.text() != Text(control.Text())) widget.setText(Text(control.Text()));
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &QLineEdit::textEdited, this, [this, &control](const QString& text) {
+        Handle([&] { control.UserTypes(text.toStdString()); });
+    });
+    connect(&widget, &QLineEdit::editingFinished, this,
+            [this, &control] { Handle([&] { control.UserLeaves(); }); });
+}
+
+void Binder::Bind(QSlider& widget, Slider& control) {
+    Add(widget, control, [&widget, &control] {
+        widget.setRange(control.Min(), control.Max());
+        if (!widget.isSliderDown()) widget.setValue(control.Value());
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &QSlider::valueChanged, this, [this, &widget, &control](int value) {
+        Handle([&] { control.UserMoves(value); });
+        if (!widget.isSliderDown()) Handle([&] { control.UserReleases(); });
+    });
+    connect(&widget, &QSlider::sliderReleased, this,
+            [this, &control] { Handle([&] { control.UserReleases(); }); });
+}
+
+void Binder::Bind(FrequencySlider& widget, Slider& control) {
+    Add(widget, control, [&widget, &control] {
+        widget.SetLimits(control.Min(), control.Max());
+        widget.SetHz(control.Value());
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &FrequencySlider::HzMoved, this,
+            [this, &control](int hertz) { Handle([&] { control.UserMoves(hertz); }); });
+    connect(&widget, &FrequencySlider::HzReleased, this,
+            [this, &control] { Handle([&] { control.UserReleases(); }); });
+}
+
+void Binder::Bind(QCheckBox& widget, CheckBox& control) {
+    Add(widget, control, [&widget, &control] {
+        widget.setChecked(control.Checked());
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &QCheckBox::clicked, this,
+            [this, &control](bool checked) { Handle([&] { control.UserSets(checked); }); });
+}
+
+void Binder::Bind(QPushButton& widget, CommandButton& control) {
+    Add(widget, control, [&widget, &control] {
+        ShowCaption(widget, control.Caption());
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &QPushButton::clicked, this, [this, &control] { Handle([&] { control.Press(); }); });
+}
+
+void Binder::Bind(QAction& widget, MenuItem& control) {
+    Add(widget, control, [&widget, &control] { widget.setEnabled(control.Enabled()); });
+    connect(&widget, &QAction::triggered, this, [this, &control] { Handle([&] { control.UserChooses(); }); });
+}
+
+void Binder::Bind(QTabWidget& widget, TabStrip& control) {
+    Add(widget, control, [&widget, &control] { widget.setCurrentIndex(control.Index()); });
+    connect(&widget, &QTabWidget::currentChanged, this, [this, &control](int index) {
+        Handle([&] { control.UserSelects(static_cast<std::int16_t>(index)); });
+    });
+}
+
+void Binder::Bind(QListWidget& widget, ListBox& control) {
+    Add(widget, control, [&widget, &control] {
+        while (widget.count() > control.Count()) delete widget.takeItem(widget.count() - 1);
+        while (widget.count() < control.Count()) widget.addItem(QString());
+        for (int i = 0; i < control.Count(); ++i) {
+            widget.item(i)->setText(Text(control.List(i)));
+            widget.item(i)->setSelected(control.Selected(i));
+        }
+        widget.setEnabled(control.Enabled() && !control.Locked());
+    });
+    connect(&widget, &QListWidget::itemSelectionChanged, this, [this, &widget, &control] {
+        for (int i = 0; i < control.Count() && i < widget.count(); ++i) {
+            const bool selected = widget.item(i)->isSelected();
+            if (selected != control.Selected(i)) Handle([&] { control.UserSelects(i, selected); });
+        }
+    });
+}
+
+void Binder::Bind(WaveChoice& widget, ComboBox& control) {
+    Add(widget, control, [&widget, &control] {
+        QStringList names;
+        for (const std::string& item : control.Items()) names.append(Text(item));
+        widget.SetNames(names);
+        widget.SetIndex(control.ListIndex());
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &WaveChoice::Chosen, this,
+            [this, &control](int index) { Handle([&] { control.UserSelects(index); }); });
+}
+
+void Binder::Bind(LevelBar& widget, ProgressBar& control) {
+    Add(widget, control, [&widget, &control] {
+        widget.SetLevel(static_cast<double>(control.Value()), static_cast<double>(control.Max()));
+        widget.SetOverload(control.Value() >= control.Max());
+    });
+}
+
+void Binder::Bind(LockLamp& widget, Indicator& control) {
+    Add(widget, control, [&widget, &control] {
+        widget.SetColour(ColourOf(control.BackColor()));
+        widget.SetGood(control.BackColor() == kLightGreen);
+    });
+}
+
+void Binder::Bind(StateDot& widget, Indicator& control) {
+    Add(widget, control, [&widget, &control] { widget.SetColour(ColourOf(control.BackColor())); });
+}
+
+}  // namespace sonavex::ui

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QAction>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QObject>
+#include <QPushButton>
+#include <QSlider>
+#include <QTabWidget>
+#include <functional>
+#include <vector>
+
+#include "core/controls/Choices.h"
+#include "core/controls/Commands.h"
+#include "core/controls/Controls.h"
+#include "core/shell/HandlerGuard.h"
+#include "ui/widgets/FrequencySlider.h"
+#include "ui/widgets/LevelBar.h"
+#include "ui/widgets/LockLamp.h"
+#include "ui/widgets/StateDot.h"
+#include "ui/widgets/WaveChoice.h"
+
+namespace sonavex::ui {
+
+// Joins widgets and control values, one call a pair. What the core changes is shown once per event;
+// what the user does reaches the control's handler through the guard. A pair of kinds that do not
+// belong together does not compile.
+class Binder : public QObject {
+    Q_OBJECT
+
+public:
+    // afterFlush runs after every flush, for decoration that depends on several controls.
+    Binder(HandlerGuard& guard, std::function<void()> afterFlush, QObject* parent = nullptr);
+
+    void Bind(QLabel& widget, Label& control);
+    void Bind(QLineEdit& widget, TextBox& control);
+    void Bind(QSlider& widget, Slider& control);
+    void Bind(FrequencySlider& widget, Slider& control);
+    void Bind(QCheckBox& widget, CheckBox& control);
+    void Bind(QPushButton& widget, CommandButton& control);
+    void Bind(QAction& widget, MenuItem& control);
+    void Bind(QTabWidget& widget, TabStrip& control);
+    void Bind(QListWidget& widget, ListBox& control);
+    void Bind(WaveChoice& widget, ComboBox& control);
+    void Bind(LevelBar& widget, ProgressBar& control);
+    void Bind(LockLamp& widget, Indicator& control);
+    void Bind(StateDot& widget, Indicator& control);
+
+    // Shows everything that changed. Called by itself after each event; call it once after binding.
+    void Flush();
+
+    struct Pair {
+        QObject* widget;
+        Control* control;
+    };
+    std::vector<Pair> Pairs() const;
+
+private:
+    struct Entry {
+        QObject* widget;
+        Control* control;
+        std::function<void()> show;
+    };
+
+    void Add(QObject& widget, Control& control, std::function<void()> show);
+    void Schedule();
+    void Handle(const std::function<void()>& handler);
+
+    HandlerGuard& guard_;
+    std::function<void()> afterFlush_;
+    std::vector<Entry> entries_;
+    bool scheduled_ = false;
+};
+
+}  // namespace sonavex::ui

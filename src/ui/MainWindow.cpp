@@ -1,0 +1,186 @@
+#include "ui/MainWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include "core/text/Numbers.h"
+#include "ui/Theme.h"
+#include "ui/widgets/HarmonicBar.h"
+#include "ui_frmMain.h"
+
+namespace sonavex::ui {
+namespace {
+
+// The place is kept while the widget is hidden, so that nothing moves.
+void KeepPlace(QWidget& widget) {
+    QSizePolicy policy = widget.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget.setSizePolicy(policy);
+}
+
+// Width for the widest text that the label will ever show.
+void FixWidth(QWidget& label, const QString& widest) {
+    label.setMinimumWidth(label.fontMetrics().horizontalAdvance(widest));
+}
+
+bool IsReading(const std::string& caption) {
+    return IsNumeric(caption);
+}
+
+}  // namespace
+
+MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
+    : form_(form),
+      simulatedName_(simulatedName),
+      ui_(std::make_unique<Ui::frmMain>()),
+      binder_(form.Guard, [this] { Decorate(); }) {
+    ui_->setupUi(this);
+    for (std::size_t i = 0; i < bars_.size(); ++i)
+        bars_[i] = findChild<HarmonicBar*>("bar_" + QString::number(i));
+    ui_->simulatedNote->setVisible(!simulatedName.isEmpty());
+    for (QWidget* note : {static_cast<QWidget*>(ui_->settlingNote), static_cast<QWidget*>(ui_->baselineNote)})
+        KeepPlace(*note);
+    for (QLabel* unit : {ui_->unitprgADC, ui_->unitprgDAC, ui_->unitThd}) KeepPlace(*unit);
+    ApplyTheme(*this);
+    FixWidth(*ui_->LblLevel, "Muted");
+    FixWidth(*ui_->lblDACLevel, "Muted");
+    FixWidth(*ui_->lockWord, "NOT LOCKED");
+    FixWidth(*ui_->genLockWord, "NOT LOCKED");
+    FixWidth(*ui_->cycleText, "19 of 19");
+    ui_->sldEndFreq->SetResetHz(20);
+    BindControls();
+    ConnectConveniences();
+    Decorate();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::ConnectConveniences() {
+    for (const int hertz : {20, 50, 100, 1000, 10000, 20000}) {
+        auto* button = findChild<QPushButton*>("preset_" + QString::number(hertz));
+        connect(button, &QPushButton::clicked, this, [this, hertz] {
+            ui_->sldStartFreq->SetHz(hertz);
+            emit ui_->sldStartFreq->HzMoved(ui_->sldStartFreq->Hz());
+            emit ui_->sldStartFreq->HzReleased();
+        });
+    }
+}
+
+void MainWindow::TellSize() {
+    form_.Frame.SetSize(frameGeometry().width(), frameGeometry().height());
+}
+
+void MainWindow::ShowPlaced() {
+    const QString caption = QString::fromStdString(form_.Frame.Caption());
+    setWindowTitle(simulatedName_.isEmpty() ? caption : caption + QStringLiteral(" — ") + simulatedName_);
+    move(form_.Frame.Left(), form_.Frame.Top());
+    if (!OnAnyScreen())
+        move(QGuiApplication::primaryScreen()->availableGeometry().center() - rect().center());
+    placed_ = true;
+    binder_.Flush();
+    show();
+}
+
+bool MainWindow::OnAnyScreen() const {
+    const QRect frame(pos(), size());
+    for (const QScreen* screen : QGuiApplication::screens())
+        if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -40, -40))) return true;
+    return false;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    // The form ends the program when its shutdown is through.
+    event->ignore();
+    form_.Guard.Run([this] { form_.Unload(); });
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    if (placed_) form_.Frame.Move(pos().x(), pos().y());
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    TellSize();
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    const bool themeChanged = event->type() == QEvent::PaletteChange || event->type() == QEvent::ThemeChange;
+    if (!themeChanged || applyingTheme_) return;
+    applyingTheme_ = true;
+    ApplyTheme(*this);
+    applyingTheme_ = false;
+}
+
+void MainWindow::Decorate() {
+    DecorateLock();
+    DecorateLevels();
+    DecorateHarmonics();
+    DecorateCycle();
+    DecorateGenerator();
+    ui_->baselineNote->setVisible(form_.BaselineOptions.CapturedElsewhere());
+}
+
+void MainWindow::DecorateLock() {
+    const QString word = ui_->picLocked->Good() ? tr("LOCKED") : tr("NOT LOCKED");
+    ui_->lockWord->setText(word);
+    ui_->genLockWord->setText(word);
+    ui_->picLocked->setAccessibleDescription(word);
+    ui_->GenLocked->setAccessibleDescription(word);
+}
+
+void MainWindow::DecorateLevels() {
+    const MeasurementControls& meter = form_.Measurement.Controls;
+    ui_->unitprgADC->setVisible(IsReading(meter.LblLevel.Caption()));
+    ui_->unitprgDAC->setVisible(IsReading(meter.lblDACLevel.Caption()));
+    // Silence reads as overload too; the word beside it tells the two apart.
+    const bool silent = form_.Measurement.Analysis().InputPeak <= 0.0;
+    const bool over = meter.LblLevel.Caption() == "Ovr";
+    ui_->adcWord->setText(!over ? QString() : silent ? tr("NO SIGNAL") : tr("OVERLOAD"));
+    ui_->dacWord->setText(meter.lblDACLevel.Caption() == "Ovr" ? tr("OVERLOAD") : QString());
+}
+
+void MainWindow::DecorateHarmonics() {
+    const MeasurementControls& meter = form_.Measurement.Controls;
+    for (std::size_t i = 0; i < bars_.size(); ++i) {
+        const std::string& caption = meter.lblDb[i].Caption();
+        if (IsReading(caption))
+            bars_[i]->SetLevelDb(Val(caption));
+        else
+            bars_[i]->Clear();
+    }
+    const bool reading = IsReading(meter.lblThd.Caption());
+    ui_->unitThd->setVisible(reading);
+    ui_->settlingNote->setVisible(reading && !form_.Measurement.ShownSettled());
+}
+
+void MainWindow::DecorateCycle() {
+    const int blocks = form_.Measurement.Blocks() == 0 ? 0 : form_.Measurement.CyclePosition();
+    ui_->cycleBar->setValue(blocks);
+    ui_->cycleText->setText(tr("%1 of 19").arg(blocks));
+}
+
+void MainWindow::DecorateGenerator() {
+    const SignalControls& signal = form_.Signals.Signal;
+    const Generator& generator = form_.Measurement.Tones;
+    const ToneRecord& tone = generator.Tones[0];
+    ui_->wavePicture->SetWave(signal.cmbType.ListIndex());
+    ui_->wavePicture->SetSweep(signal.sldSweepTime.Value() != 0, signal.sldStartFreq.Value(),
+                               signal.sldEndFreq.Value(), signal.chkLoop.Checked());
+    ui_->memoryCount->setText(tr("%1 of 8").arg(form_.Signals.Memory.ToneList.Count()));
+    QString state = tr("Generator stopped");
+    QString detail;
+    if (generator.GeneratorRunning) {
+        state = generator.NumTones == 1 ? tr("Generator playing")
+                                        : tr("Generator playing %1 tones").arg(generator.NumTones);
+        if (generator.NumTones >= 1 && tone.Sweep)
+            detail = tr("sweeping, %1 Hz").arg(tone.Frequency, 0, 'f', 0);
+    }
+    ui_->runningWord->setText(state);
+    ui_->runningDetail->setText(detail);
+}
+
+}  // namespace sonavex::ui

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QMainWindow>
+#include <array>
+#include <memory>
+
+#include "core/shell/frmMain.h"
+#include "ui/Binder.h"
+
+namespace Ui {
+class frmMain;
+}
+
+namespace sonavex::ui {
+
+class HarmonicBar;
+
+// The instrument's window: joins the main form's controls to their widgets and adds what only the eye
+// needs. Decides nothing.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    // The form must outlive the window. simulatedName: name of the simulated card when it is in use, else
+    // empty.
+    MainWindow(frmMain& form, const QString& simulatedName);
+    ~MainWindow() override;
+
+    // Shows the window where the form's start has placed it; in the middle where no screen shows it.
+    void ShowPlaced();
+    // Asked before the form's start: the size that the layout comes to.
+    void TellSize();
+
+    const Binder& Bindings() const noexcept { return binder_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void BindControls();
+    void ConnectConveniences();
+    void Decorate();
+    void DecorateLock();
+    void DecorateLevels();
+    void DecorateHarmonics();
+    void DecorateCycle();
+    void DecorateGenerator();
+    bool OnAnyScreen() const;
+
+    frmMain& form_;
+    QString simulatedName_;
+    std::unique_ptr<Ui::frmMain> ui_;
+    std::array<HarmonicBar*, 8> bars_{};
+    Binder binder_;
+    bool placed_ = false;
+    bool applyingTheme_ = false;
+};
+
+}  // namespace sonavex::ui

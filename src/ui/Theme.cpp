@@ -1,0 +1,145 @@
+#include "ui/Theme.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QPalette>
+#include <QVariant>
+#include <QWidget>
+
+namespace sonavex::ui {
+namespace {
+
+struct RoleFont {
+    const char* role;
+    double scale;
+    bool fixedPitch;
+    bool bold;
+};
+
+constexpr RoleFont kRoleFonts[] = {
+    {"hero", 5.0, true, true},       {"unit", 2.6, false, false},   {"title", 1.12, false, false},
+    {"quiet", 0.92, false, false},   {"value", 1.15, true, true},   {"figure", 1.3, true, false},
+    {"boldfigure", 1.3, true, true}, {"order", 1.15, false, false}, {"state", 1.0, false, true},
+};
+
+QFont FontOf(const RoleFont& role) {
+    const QFont base = QApplication::font();
+    QFont font = role.fixedPitch ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : base;
+    font.setPointSizeF(base.pointSizeF() * role.scale);
+    font.setBold(role.bold);
+    return font;
+}
+
+void ApplyFonts(QWidget& window) {
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        const QByteArray role = widget->property("role").toByteArray();
+        for (const RoleFont& roleFont : kRoleFonts)
+            if (role == roleFont.role) widget->setFont(FontOf(roleFont));
+    }
+}
+
+QString StyleSheet(const Theme& theme) {
+    QString sheet = QStringLiteral(R"(
+QMainWindow, QWidget#centralwidget, QWidget[page="true"] { background: @window; color: @text; }
+QMenuBar { background: @card; color: @text; padding: 2px; }
+QMenuBar::item { padding: 4px 10px; background: transparent; }
+QMenuBar::item:selected { background: @field; }
+QLabel { color: @text; background: transparent; }
+QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet; }
+QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }
+QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
+QFrame[stripe="false"] { background: transparent; border: none; }
+QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
+QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
+    selection-background-color: @accent; selection-color: @onAccent; }
+QLineEdit:focus { border: 2px solid @accent; padding: 3px 7px; }
+QLineEdit:disabled { color: @quiet; }
+QPushButton { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 6px 16px; }
+QPushButton:hover { border-color: @accent; }
+QPushButton:focus { border: 2px solid @accent; padding: 5px 15px; }
+QPushButton:pressed, QPushButton:checked { background: @accent; color: @onAccent; }
+QPushButton:disabled { color: @quiet; background: @window; }
+QPushButton[role="primary"] { background: @accent; color: @onAccent; border-color: @accent; font-weight: bold; }
+QPushButton[role="primary"]:focus { border: 2px solid @text; }
+QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
+QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
+QCheckBox { color: @text; background: transparent; spacing: 8px; padding: 3px; border: 1px solid transparent; border-radius: 4px; }
+QCheckBox:focus { border-color: @accent; }
+QCheckBox:disabled { color: @quiet; }
+QTabWidget::pane { border: none; border-top: 1px solid @border; background: @window; }
+QTabBar { background: @window; }
+QTabBar::tab { background: transparent; color: @quiet; padding: 7px 18px; border: none; border-bottom: 3px solid transparent; margin-right: 12px; }
+QTabBar::tab:selected { color: @text; font-weight: bold; border-bottom-color: @accent; }
+QTabBar::tab:focus { color: @accent; }
+QProgressBar { background: @track; border: none; border-radius: 3px; max-height: 6px; }
+QProgressBar::chunk { background: @accent; border-radius: 3px; }
+QListWidget { background: @card; color: @text; border: none; outline: none; }
+QListWidget::item { background: @stripe; border-radius: 4px; padding: 7px; margin: 2px 0; }
+QListWidget::item:selected { background: @accent; color: @onAccent; }
+QListWidget:focus { border: 1px solid @accent; border-radius: 4px; }
+QSlider::groove:horizontal { background: @track; height: 6px; border-radius: 3px; }
+QSlider::sub-page:horizontal { background: @accent; border-radius: 3px; }
+QSlider::handle:horizontal { background: @accent; width: 16px; margin: -5px 0; border-radius: 8px; border: 1px solid @card; }
+QSlider::handle:horizontal:focus { border: 2px solid @text; }
+QSlider::sub-page:horizontal:disabled, QSlider::handle:horizontal:disabled { background: @quiet; }
+QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 4px; }
+)");
+    const std::pair<const char*, QColor> colours[] = {
+        // Longer names first: a name must not be replaced inside another.
+        {"@onAccent", theme.onAccent}, {"@window", theme.window}, {"@stripe", theme.stripe},
+        {"@border", theme.border},     {"@accent", theme.accent}, {"@warning", theme.warning},
+        {"@quiet", theme.quiet},       {"@field", theme.field},   {"@track", theme.track},
+        {"@card", theme.card},         {"@text", theme.text}};
+    for (const auto& [name, colour] : colours) sheet.replace(QLatin1String(name), colour.name());
+    return sheet;
+}
+
+}  // namespace
+
+Theme Theme::Light() {
+    Theme theme;
+    theme.window = QColor("#f3f5f7");
+    theme.card = QColor("#ffffff");
+    theme.stripe = QColor("#f3f4f6");
+    theme.border = QColor("#dde1e7");
+    theme.text = QColor("#1b1f24");
+    theme.quiet = QColor("#5a6472");
+    theme.accent = QColor("#1668c7");
+    theme.onAccent = QColor("#ffffff");
+    theme.field = QColor("#edeff3");
+    theme.track = QColor("#e1e5eb");
+    theme.warning = QColor("#9a5b00");
+    theme.overload = QColor("#d01818");
+    return theme;
+}
+
+Theme Theme::Dark() {
+    Theme theme;
+    theme.window = QColor("#1b1e23");
+    theme.card = QColor("#242830");
+    theme.stripe = QColor("#1c1f25");
+    theme.border = QColor("#353b46");
+    theme.text = QColor("#e6e9ee");
+    theme.quiet = QColor("#a0a8b4");
+    theme.accent = QColor("#4aa0ff");
+    theme.onAccent = QColor("#0b1320");
+    theme.field = QColor("#2f3540");
+    theme.track = QColor("#14171b");
+    theme.warning = QColor("#ffb648");
+    theme.overload = QColor("#ff5050");
+    theme.dark = true;
+    return theme;
+}
+
+const Theme& Theme::Current() {
+    static const Theme light = Light();
+    static const Theme dark = Dark();
+    return QApplication::palette().color(QPalette::Window).lightness() < 128 ? dark : light;
+}
+
+void ApplyTheme(QWidget& window) {
+    window.setStyleSheet(StyleSheet(Theme::Current()));
+    ApplyFonts(window);
+}
+
+}  // namespace sonavex::ui

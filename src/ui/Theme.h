@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QColor>
+#include <QString>
+
+class QApplication;
+class QWidget;
+
+namespace sonavex::ui {
+
+// The colours of the face, made from the desktop's palette: light or dark as the desktop is.
+struct Theme {
+    QColor window;
+    QColor card;
+    QColor stripe;  // every second row of a table
+    QColor border;
+    QColor text;
+    QColor quiet;  // captions and units
+    QColor accent;
+    QColor onAccent;
+    QColor field;  // entry fields and quiet buttons
+    QColor track;  // the empty part of a bar
+    QColor warning;
+    QColor overload;
+    bool dark = false;
+
+    // Of the application's palette at present.
+    static const Theme& Current();
+
+    static Theme Light();
+    static Theme Dark();
+};
+
+// Takes colours and fonts over to a window and everything in it. A widget says in its property "role"
+// what it is: hero, unit, title, quiet, value, figure, state, primary, note.
+void ApplyTheme(QWidget& window);
+
+}  // namespace sonavex::ui

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+
+namespace sonavex::ui {
+
+// A round patch of colour.
+class StateDot : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StateDot(QWidget* parent = nullptr);
+
+    void SetColour(const QColor& colour);
+    QColor Colour() const { return colour_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QColor colour_{Qt::gray};
+};
+
+}  // namespace sonavex::ui

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QButtonGroup>
+#include <QStringList>
+#include <QWidget>
+
+namespace sonavex::ui {
+
+// A short list of which one entry is chosen, shown as a row of buttons.
+class WaveChoice : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit WaveChoice(QWidget* parent = nullptr);
+
+    void SetNames(const QStringList& names);
+    QStringList Names() const { return names_; }
+    // -1: none.
+    void SetIndex(int index);
+    int Index() const { return group_.checkedId(); }
+
+signals:
+    void Chosen(int index);
+
+private:
+    QStringList names_;
+    QButtonGroup group_;
+};
+
+}  // namespace sonavex::ui
