@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Tones.h"
+#include "support/GeneratorBench.h"
 
 namespace sonavex {
 

@@ -2,7 +2,7 @@
 
 #include "platform/plain/MemorySettingsStore.h"
 #include "support/Errors.h"
-#include "support/Tones.h"
+#include "support/GeneratorBench.h"
 
 namespace sonavex {
 namespace {

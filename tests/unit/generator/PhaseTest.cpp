@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "support/Errors.h"
-#include "support/Tones.h"
+#include "support/GeneratorBench.h"
 
 namespace sonavex {
 namespace {

@@ -6,7 +6,7 @@
 #include <numeric>
 
 #include "core/dsp/modSPL2VB.h"
-#include "support/Tones.h"
+#include "support/GeneratorBench.h"
 
 namespace sonavex {
 namespace {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <random>
 
-#include "support/Tones.h"
+#include "support/GeneratorBench.h"
 
 namespace sonavex {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "support/Tones.h"
+#include "support/GeneratorBench.h"
 
 namespace sonavex {
 namespace {
