@@ -154,6 +154,11 @@ void StreamEngine::TraceLabel(std::string_view label, std::int32_t cursor) const
 
 void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
     if (restarting_) return;
+    if (HoldNotifications) {
+        ++DroppedNotifications;
+        env_.processor.StreamDisturbed();
+        return;
+    }
     const auto* fired = std::find(NotifyEvents.begin(), NotifyEvents.begin() + kNotifications, eventid);
     if (fired != NotifyEvents.begin() + kNotifications)
         CaptureSegment = static_cast<std::int32_t>(fired - NotifyEvents.begin());

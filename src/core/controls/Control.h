@@ -29,6 +29,10 @@ protected:
     void Assign(Field& field, Value&& value) {
         if (field == value) return;
         field = std::forward<Value>(value);
+        MarkDirty();
+    }
+
+    void MarkDirty() {
         if (dirty_) return;
         dirty_ = true;
         if (onDirty_) onDirty_();

@@ -32,6 +32,10 @@ public:
     }
     UserEvent Change;
 
+    // The user finished the entry, with Return or by leaving the box: raises Leave.
+    void UserLeaves() { Leave.Raise(); }
+    UserEvent Leave;
+
 private:
     std::string text_;
 };
@@ -45,11 +49,26 @@ public:
     void SetValue(std::int32_t value) { Assign(value_, std::clamp(value, min_, max_)); }
     // Requires min <= max.
     void SetRange(std::int32_t min, std::int32_t max) {
-        Assign(min_, min);
-        Assign(max_, max);
-        SetValue(value_);
+        const std::int32_t value = std::clamp(value_, min, max);
+        if (min == min_ && max == max_) return;
+        // All three first: the face, once told, finds limits and value that fit together.
+        min_ = min;
+        max_ = max;
+        value_ = value;
+        MarkDirty();
     }
     void SetMax(std::int32_t max) { SetRange(std::min(min_, max), max); }
+
+    // The user moves the slider (drag, wheel, key): stores the value and raises Change.
+    void UserMoves(std::int32_t value) {
+        SetValue(value);
+        Change.Raise();
+    }
+    UserEvent Change;
+
+    // The user lets the slider go, or ends a wheel or key step: raises Release.
+    void UserReleases() { Release.Raise(); }
+    UserEvent Release;
 
 private:
     std::int32_t value_ = 0;

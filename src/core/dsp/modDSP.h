@@ -26,6 +26,8 @@ inline constexpr std::int32_t kLockRangeHz = 14;  // the peak must be nearer tha
 // Aligned for the widest vector instructions.
 struct alignas(64) AnalysisVector : std::array<double, kVectorSize> {};
 
+// The real and imaginary parts of each transform lie one right behind the other, as the plan expects
+// them.
 struct State {
     explicit State(const SharedState& sharedState) noexcept : shared(sharedState) {}
 
@@ -69,7 +71,7 @@ struct State {
     std::array<double, kHarmonics> BaselineDb{};
     std::int32_t BaselineOn = 0;  // 1: BaselinePct is subtracted from the percentages shown
 
-    modSPL2VB::FftPlan plan{12};
+    modSPL2VB::FftPlan plan{12, sizeof(AnalysisVector) / sizeof(double)};
 };
 
 // Designs the band-pass from lowHz to highHz for the current sampling rate.

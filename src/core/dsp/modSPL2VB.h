@@ -1,12 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 
 // Whole-array operations on double-precision vectors. The count, not the size of the array, decides
 // how many elements are touched; an array that is shorter than the count raises error 9. A destination
-// may be one of its sources, but must not overlap it otherwise. Any thread.
+// may be one of its sources (not with the conversions between Cartesian and polar), but must not overlap
+// it otherwise. Any thread.
 namespace sonavex::modSPL2VB {
 
 using Vector = std::span<double>;
@@ -44,12 +46,15 @@ void Sines(ConstVector angle, Vector out, std::int32_t n);
 inline constexpr std::int32_t kForward = 1;
 inline constexpr std::int32_t kInverse = 2;
 
-// What a transform of one length needs to know; made once, used by any number of transforms.
-// Making one is for one thread at a time.
+// What a transform of one length needs to know; made once, used by any number of transforms. One
+// thread at a time.
 class FftPlan {
 public:
-    // Length 2^order, order 1 to 20 (error 5 otherwise).
-    explicit FftPlan(std::int32_t order);
+    // Length 2^order, order 1 to 20. arraySpacing: how many elements behind the real part the
+    // imaginary part starts, for input and output alike; 0 for no gap. Transforms of arrays that lie so,
+    // aligned for vector instructions, run where the arrays are, all others by way of a copy.
+    // Error 5 for another order, or a spacing shorter than the length.
+    explicit FftPlan(std::int32_t order, std::size_t arraySpacing = 0);
     ~FftPlan();
     FftPlan(FftPlan&&) noexcept;
     FftPlan& operator=(FftPlan&&) noexcept;

@@ -1,5 +1,7 @@
 #include "core/shell/Meter.h"
 
+#include <utility>
+
 namespace sonavex {
 
 Meter::Meter(const SharedState& shared) : Tones(shared), analysis_(std::make_unique<modDSP::State>(shared)) {}
@@ -9,11 +11,13 @@ void Meter::SetUpAnalysis(std::int32_t lowHz, std::int32_t highHz) {
 }
 
 void Meter::ProcessCapturedBlock(std::span<const std::int16_t> captured, std::span<std::int16_t> playback) {
+    // A block that fails leaves the next one disturbed.
+    const bool disturbed = std::exchange(disturbed_, true);
     modDSP::ProcessCapturedBlock(*analysis_, Controls, Tones, captured, playback);
-    ++blocks_;
-    if (analysis_->HistIndex == 0) cycleGood_ = !disturbed_;
-    if (disturbed_ || !analysis_->FreqLocked) cycleGood_ = false;
     disturbed_ = false;
+    ++blocks_;
+    if (analysis_->HistIndex == 0) cycleGood_ = true;
+    if (disturbed || !analysis_->FreqLocked) cycleGood_ = false;
     if (onBlock_) onBlock_();
 }
 

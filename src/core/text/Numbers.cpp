@@ -56,17 +56,37 @@ struct LeadingNumber {
     bool overflow = false;
 };
 
+// Decimal exponent that the text gives ("e-05" is -5), 0 when it gives none.
+std::int64_t GivenExponent(std::string_view digits) {
+    constexpr std::int64_t kBeyondAnyText = std::int64_t{1} << 60;
+    std::size_t at = digits.find_first_of("eE");
+    if (at == std::string_view::npos) return 0;
+    at += digits[at + 1] == '+' ? 2 : 1;
+    std::int64_t exponent = 0;
+    const auto status = std::from_chars(digits.data() + at, digits.data() + digits.size(), exponent).ec;
+    if (status == std::errc::result_out_of_range) return digits[at] == '-' ? -kBeyondAnyText : kBeyondAnyText;
+    return exponent;
+}
+
+// Whether a number outside the range of a double (so not 0) is smaller than 1.
+bool IsBelowOne(std::string_view digits) {
+    const std::size_t mantissaEnd = std::min(digits.find_first_of("eE"), digits.size());
+    const std::size_t pointAt = std::min(digits.find('.'), mantissaEnd);
+    const std::size_t leadingAt = digits.find_first_not_of("0.");
+    // Place of the leading digit: 0 for tenths, 1 for units.
+    const auto place = static_cast<std::int64_t>(pointAt) - static_cast<std::int64_t>(leadingAt) +
+                       (leadingAt > pointAt ? 1 : 0);
+    return place + GivenExponent(digits) <= 0;
+}
+
 // A number too small for a double reads as 0, one too large as an overflow.
 LeadingNumber Convert(std::string_view digits, bool negative) {
     LeadingNumber number;
-    const auto [end, status] = std::from_chars(digits.data(), digits.data() + digits.size(), number.value);
+    const auto status = std::from_chars(digits.data(), digits.data() + digits.size(), number.value).ec;
     if (status == std::errc::result_out_of_range) {
-        const std::size_t exponentAt = digits.find_first_of("eE");
-        const bool tiny = exponentAt != std::string_view::npos && digits[exponentAt + 1] == '-';
         number.value = 0.0;
-        number.overflow = !tiny;
+        number.overflow = !IsBelowOne(digits);
     }
-    (void)end;
     if (negative) number.value = -number.value;
     return number;
 }

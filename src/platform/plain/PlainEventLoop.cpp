@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <cstdint>
+#include <limits>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -10,10 +12,14 @@ namespace sonavex {
 
 namespace {
 
+// Between two looks at a condition that no event announces.
+constexpr std::chrono::nanoseconds kLongestSleep = std::chrono::milliseconds(10);
+
 // One bell. It stands in the queue by its own links, so that ringing it needs no memory.
 struct Bell {
     std::function<void()> handler;
     std::shared_ptr<Bell> next;  // while queued
+    std::uint64_t ticket = 0;    // of its last ring; rises with every ring of the loop
     bool queued = false;
     bool destroyed = false;
 };
@@ -25,12 +31,19 @@ struct PlainEventLoop::Queue {
     std::condition_variable wake;
     std::shared_ptr<Bell> first;
     std::shared_ptr<Bell> last;
+    std::uint64_t lastTicket = 0;
+
+    std::uint64_t LastTicket() {
+        const std::lock_guard lock(mutex);
+        return lastTicket;
+    }
 
     bool Push(const std::shared_ptr<Bell>& bell) {
         {
             const std::lock_guard lock(mutex);
             if (bell->queued) return false;
             bell->queued = true;
+            bell->ticket = ++lastTicket;
             (last ? last->next : first) = bell;
             last = bell;
         }
@@ -38,10 +51,11 @@ struct PlainEventLoop::Queue {
         return true;
     }
 
-    std::shared_ptr<Bell> Pop() {
+    // The oldest ring, nothing when it is younger than the ticket.
+    std::shared_ptr<Bell> Pop(std::uint64_t ticket) {
         const std::lock_guard lock(mutex);
         std::shared_ptr<Bell> bell = first;
-        if (!bell) return nullptr;
+        if (!bell || bell->ticket > ticket) return nullptr;
         first = std::move(bell->next);
         bell->next = nullptr;
         if (!first) last = nullptr;
@@ -70,7 +84,7 @@ private:
 PlainEventLoop::PlainEventLoop() : queue_(std::make_shared<Queue>()) {}
 
 PlainEventLoop::~PlainEventLoop() {
-    while (queue_->Pop()) {
+    while (queue_->Pop(std::numeric_limits<std::uint64_t>::max())) {
     }
 }
 
@@ -93,17 +107,11 @@ std::chrono::nanoseconds PlainEventLoop::Now() const {
 }
 
 void PlainEventLoop::Yield() {
-    // Only what is pending now: a handler that rings again is served by the next call.
-    std::size_t waiting = 0;
-    {
-        const std::lock_guard lock(queue_->mutex);
-        for (const Bell* bell = queue_->first.get(); bell != nullptr; bell = bell->next.get()) ++waiting;
-    }
-    while (waiting-- > 0) {
-        const auto bell = queue_->Pop();
-        if (!bell) break;
+    // Only what is pending now: a ring that comes meanwhile is served by the next call, also when a
+    // handler calls Yield itself.
+    const std::uint64_t lastTicket = queue_->LastTicket();
+    while (const auto bell = queue_->Pop(lastTicket))
         if (!bell->destroyed) bell->handler();
-    }
     RunDueTimers();
 }
 
@@ -111,19 +119,35 @@ void PlainEventLoop::RunDueTimers() {
     std::vector<TimerId> due;
     const auto now = Now();
     for (const auto& [id, timer] : timers_)
-        if (timer.due <= now) due.push_back(id);
+        if (!timer.running && timer.due <= now) due.push_back(id);
     for (const TimerId id : due) {
         const auto found = timers_.find(id);
-        if (found == timers_.end()) continue;
-        found->second.due = std::max(found->second.due + found->second.interval, now);
-        const auto handler = found->second.handler;
-        handler();
+        if (found != timers_.end() && !found->second.running) Tick(id, found->second, now);
     }
+}
+
+void PlainEventLoop::Tick(TimerId id, Timer& timer, std::chrono::nanoseconds now) {
+    timer.due += timer.interval;
+    if (timer.due <= now) timer.due = now + timer.interval;
+    // A handler that yields does not meet itself, and it may stop its own timer.
+    struct Running {
+        std::map<TimerId, Timer>& timers;
+        TimerId id;
+        ~Running() {
+            const auto found = timers.find(id);
+            if (found != timers.end()) found->second.running = false;
+        }
+    };
+    timer.running = true;
+    const Running running{timers_, id};
+    const auto handler = timer.handler;
+    handler();
 }
 
 std::chrono::nanoseconds PlainEventLoop::UntilNextTimer(std::chrono::nanoseconds limit) const {
     const auto now = Now();
-    for (const auto& [id, timer] : timers_) limit = std::min(limit, timer.due - now);
+    for (const auto& [id, timer] : timers_)
+        if (!timer.running) limit = std::min(limit, timer.due - now);
     return std::max(limit, std::chrono::nanoseconds::zero());
 }
 
@@ -140,7 +164,7 @@ bool PlainEventLoop::RunUntil(const std::function<bool()>& condition, std::chron
     while (!condition()) {
         const auto left = end - Now();
         if (left <= std::chrono::nanoseconds::zero()) return false;
-        Wait(left);
+        Wait(std::min(left, kLongestSleep));
     }
     return true;
 }

@@ -25,7 +25,8 @@ public:
     // Sleeps until something is pending, a timer is due or the time is over, then delivers it.
     void Wait(std::chrono::nanoseconds limit);
 
-    // Delivers events until the condition holds (true) or the time is over (false).
+    // Delivers events until the condition holds (true) or the time is over (false). The condition is
+    // looked at after every delivery and every 10 ms, so it may depend on the time or on another thread.
     bool RunUntil(const std::function<bool()>& condition, std::chrono::nanoseconds limit);
 
 private:
@@ -35,10 +36,12 @@ private:
         std::chrono::nanoseconds interval;
         std::chrono::nanoseconds due;
         std::function<void()> handler;
+        bool running = false;  // its handler is being called
     };
 
     std::chrono::nanoseconds UntilNextTimer(std::chrono::nanoseconds limit) const;
     void RunDueTimers();
+    void Tick(TimerId id, Timer& timer, std::chrono::nanoseconds now);
 
     std::shared_ptr<Queue> queue_;
     std::map<TimerId, Timer> timers_;

@@ -18,8 +18,8 @@ public:
         : state_(std::make_shared<EventState>()) {
         state_->handler = std::move(handler);
         bell_ = loop.CreateSignal([state = state_, event] {
-            // The handler may destroy its own event.
-            const auto keep = state;
+            // The handler may destroy its own event, and this closure with it.
+            const auto keep = state;  // NOLINT(performance-unnecessary-copy-initialization)
             if (keep->alive) keep->handler(event);
         });
     }

@@ -1,6 +1,6 @@
-#include "core/text/RuntimeError.h"
-
 #include <gtest/gtest.h>
+
+#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

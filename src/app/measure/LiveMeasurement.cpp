@@ -1,0 +1,148 @@
+#include "app/measure/LiveMeasurement.h"
+
+#include <algorithm>
+
+#include "app/measure/Commands.h"
+#include "app/measure/MeasureError.h"
+#include "app/measure/SoundChoice.h"
+#include "core/settings/SampleRates.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex::measure {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::int32_t kLowEdgeHz = 25;
+constexpr int kUpdatesNeeded = 2;
+constexpr auto kFirstBlockLimit = 2500ms;
+constexpr auto kPollInterval = 50ms;
+
+std::int32_t RateOf(const RunOptions& options, std::int32_t osMajorVersion) {
+    if (options.rateHz) return *options.rateHz;
+    return SampleRateTable[static_cast<std::size_t>(DefaultSampleRateIndex(osMajorVersion))];
+}
+
+SharedState MakeShared(const RunOptions& options) {
+    SharedState shared;
+    shared.OsMajorVersion = OsMajorVersion();
+    shared.SampleRate = RateOf(options, shared.OsMajorVersion);
+    return shared;
+}
+
+// How long the capture may stand still: three blocks, at least a second.
+std::chrono::nanoseconds StandstillLimit(std::int32_t rateHz) {
+    const auto threeBlocks =
+        std::chrono::nanoseconds(std::int64_t{3} * modDSP::kBlockFrames * 1'000'000'000 / rateHz);
+    return std::max<std::chrono::nanoseconds>(1s, threeBlocks);
+}
+
+bool Listed(const SoundDeviceList& devices, const std::string& identifier) {
+    return std::any_of(devices.begin(), devices.end(),
+                       [&](const SoundDeviceInfo& device) { return device.identifier == identifier; });
+}
+
+std::string InOneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\r', ' ');
+    return text;
+}
+
+}  // namespace
+
+std::int32_t LiveMeasurement::Console::WriteErrorLog(std::string& tStr, const RuntimeError& error) {
+    message_ = tStr;
+    if (*error.what() != '\0') message_ += std::string(": ") + error.what();
+    return 0;
+}
+
+std::string LiveMeasurement::Console::Line(const std::string& fallback) const {
+    return message_.empty() ? fallback : InOneLine(message_);
+}
+
+LiveMeasurement::LiveMeasurement(const RunOptions& options)
+    : options_(options),
+      shared_(MakeShared(options)),
+      tones_(ParseTones(options.tones, shared_.SampleRate)),
+      sound_(ChooseSound(loop_)),
+      meter_(shared_),
+      engine_({shared_, settings_, *sound_, loop_, console_, console_, console_, meter_},
+              {lblInput_, lblOutput_, lblSampleRate_, sldStartFreq_, sldEndFreq_}),
+      sweepTimer_(loop_, meter_.Tones, [this] { return engine_.Restarting(); }) {
+    settings_.Save(keys::kInput, options_.input);
+    settings_.Save(keys::kOutput, options_.output);
+    settings_.Save(keys::kLevel, CStr(options_.levelHundredthsDb));
+    PrepareMeter(meter_, options_);
+    sound_->OnDeviceLost([this](const RuntimeError& error) { lost_ = error; });
+}
+
+Path LiveMeasurement::DevicePath() const {
+    return {engine_.InputDeviceName, engine_.OutputDeviceName, shared_.SampleRate, sound_->Simulated()};
+}
+
+void LiveMeasurement::CheckDevices() const {
+    if (!Listed(sound_->EnumerateCapture(), options_.input))
+        throw MeasureError("There is no input device '" + options_.input +
+                           "'; 'sonavex-measure devices' lists them.");
+    if (!Listed(sound_->EnumeratePlayback(), options_.output))
+        throw MeasureError("There is no output device '" + options_.output +
+                           "'; 'sonavex-measure devices' lists them.");
+}
+
+void LiveMeasurement::CreateEngineDevices() {
+    bool created = false;
+    try {
+        created = engine_.CreateDevices() && engine_.SetEvents();
+    } catch (const EndProgram&) {
+        created = false;
+    }
+    if (!created) throw MeasureError(console_.Line("The sound devices cannot be used."));
+}
+
+void LiveMeasurement::Start() {
+    CheckDevices();
+    CreateEngineDevices();
+    meter_.SetUpAnalysis(kLowEdgeHz, shared_.SampleRate / 2 - 100);
+    engine_.ResetStream();
+    StartTones(meter_.Tones, tones_);
+    sweepTimer_.SetInterval(1ms);
+    sweepTimer_.SetEnabled(AnySweep(tones_));
+    engine_.StartCapture();
+    lastBlock_ = loop_.Now();
+}
+
+void LiveMeasurement::CheckAlive(std::chrono::nanoseconds now) {
+    if (lost_) throw MeasureError(InOneLine(lost_->what()));
+    if (engine_.Blocks != blocksSeen_) {
+        blocksSeen_ = engine_.Blocks;
+        lastBlock_ = now;
+        return;
+    }
+    const auto limit = blocksSeen_ == 0 ? std::max<std::chrono::nanoseconds>(
+                                              kFirstBlockLimit, StandstillLimit(shared_.SampleRate))
+                                        : StandstillLimit(shared_.SampleRate);
+    if (now - lastBlock_ > limit)
+        throw MeasureError("The input device '" + engine_.InputDeviceName +
+                           "' has stopped delivering sound.");
+}
+
+bool LiveMeasurement::Finished(std::chrono::nanoseconds now) {
+    if (!playbackStart_ && engine_.PlaybackStarts > 0) playbackStart_ = now;
+    if (!playbackStart_ || updates_ < kUpdatesNeeded) return false;
+    return std::chrono::duration<double>(now - *playbackStart_).count() >= options_.seconds;
+}
+
+void LiveMeasurement::Run(const std::function<void()>& onUpdate) {
+    meter_.OnBlock([&] {
+        if (!meter_.Updated()) return;
+        ++updates_;
+        onUpdate();
+    });
+    for (auto now = loop_.Now(); !Finished(now); now = loop_.Now()) {
+        CheckAlive(now);
+        loop_.Wait(kPollInterval);
+    }
+    engine_.Stop();
+    meter_.OnBlock(nullptr);
+}
+
+}  // namespace sonavex::measure

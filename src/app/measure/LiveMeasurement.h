@@ -1,0 +1,83 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/measure/Options.h"
+#include "app/measure/Readings.h"
+#include "app/measure/Tones.h"
+#include "core/audio/StreamEngine.h"
+#include "core/audio/SweepTimer.h"
+#include "core/shell/Meter.h"
+#include "platform/plain/MemorySettingsStore.h"
+#include "platform/plain/PlainEventLoop.h"
+
+namespace sonavex::measure {
+
+// The instrument without its window: engine, meter and generator on one sound system.
+class LiveMeasurement {
+public:
+    explicit LiveMeasurement(const RunOptions& options);
+
+    // Creates devices, starts tones and capture. Throws MeasureError when a device cannot be used.
+    void Start();
+
+    // Measures until the time is over and two updates are complete, calling onUpdate after each.
+    // Throws MeasureError when the device is lost or stands still.
+    void Run(const std::function<void()>& onUpdate);
+
+    const Meter& Readings() const noexcept { return meter_; }
+    Path DevicePath() const;
+
+private:
+    // Messages of the engine, kept for the one line that the program prints.
+    class Console : public Dialogs, public ErrorLog, public MixerBinding {
+    public:
+        void Message(const std::string& text, MessageIcon) override { message_ = text; }
+        bool AskOkCancel(const std::string&) override { return false; }
+        void SetBusyPointer(bool) override {}
+        std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
+        void WriteLine(const std::string&) override {}
+        void SetFatalError(bool) override {}
+        void PointMixersAt(const std::string&, const std::string&) override {}
+        void ReopenSoundCard(const std::string&, const std::string&) override {}
+        // The last message in one line, or the fallback.
+        std::string Line(const std::string& fallback) const;
+
+    private:
+        std::string message_;
+    };
+
+    void CheckDevices() const;
+    void CreateEngineDevices();
+    void CheckAlive(std::chrono::nanoseconds now);
+    bool Finished(std::chrono::nanoseconds now);
+
+    RunOptions options_;
+    SharedState shared_;
+    std::vector<ToneRequest> tones_;
+    PlainEventLoop loop_;
+    std::unique_ptr<SoundSystem> sound_;
+    MemorySettingsStore store_;
+    Settings settings_{store_};
+    Console console_;
+    Meter meter_;
+    Label lblInput_;
+    Label lblOutput_;
+    Label lblSampleRate_;
+    Slider sldStartFreq_;
+    Slider sldEndFreq_;
+    StreamEngine engine_;
+    SweepTimer sweepTimer_;
+
+    std::optional<RuntimeError> lost_;
+    std::uint64_t blocksSeen_ = 0;
+    std::chrono::nanoseconds lastBlock_{0};
+    std::optional<std::chrono::nanoseconds> playbackStart_;
+    int updates_ = 0;
+};
+
+}  // namespace sonavex::measure

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sonavex::measure {
+
+// What run and file have in common.
+struct MeterOptions {
+    std::vector<std::string> tones;
+    std::optional<double> frequencyHz;  // fixed fundamental; automatic without
+    bool noMute = false;                // the filtered input goes on to the output
+    bool json = false;
+};
+
+struct RunOptions : MeterOptions {
+    std::string input;  // identifier; empty for the primary device
+    std::string output;
+    std::optional<std::int32_t> rateHz;
+    std::int32_t levelHundredthsDb = 0;
+    double seconds = 5.0;
+};
+
+struct FileOptions : MeterOptions {
+    std::string input;
+    std::string output;  // empty: nothing is written
+    std::int32_t lowEdgeHz = 25;
+};
+
+struct Options {
+    enum class Command { kDevices, kRun, kFile, kNone } command = Command::kNone;
+    bool devicesJson = false;
+    RunOptions run;
+    FileOptions file;
+    // Text that answers --help or --version; nothing else is to be done then.
+    std::string answer;
+};
+
+// Throws MeasureError for wrong arguments.
+Options ParseOptions(int argc, const char* const* argv);
+
+}  // namespace sonavex::measure

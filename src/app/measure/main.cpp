@@ -1,0 +1,46 @@
+// sonavex-measure: the instrument without a window, for scripts and production lines.
+
+#include <exception>
+#include <iostream>
+
+#include "app/measure/Commands.h"
+#include "app/measure/MeasureError.h"
+#include "app/measure/Readings.h"
+#include "core/ports/Dialogs.h"
+#include "core/text/RuntimeError.h"
+
+namespace {
+
+using namespace sonavex;
+
+int Execute(const measure::Options& options) {
+    switch (options.command) {
+        case measure::Options::Command::kDevices:
+            return measure::ListDevices(options.devicesJson);
+        case measure::Options::Command::kRun:
+            return measure::RunMeasurement(options.run);
+        case measure::Options::Command::kFile:
+            return measure::MeasureFile(options.file);
+        case measure::Options::Command::kNone:
+            break;
+    }
+    measure::Print(options.answer);
+    return measure::kMeasured;
+}
+
+int Fail(const char* text) {
+    std::cerr << "sonavex-measure: " << text << '\n';
+    return measure::kFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Execute(measure::ParseOptions(argc, argv));
+    } catch (const EndProgram& end) {
+        return end.status;
+    } catch (const std::exception& error) {
+        return Fail(error.what());
+    }
+}

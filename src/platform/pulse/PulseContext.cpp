@@ -1,0 +1,106 @@
+#include "platform/pulse/PulseContext.h"
+
+#include <utility>
+
+#include "core/ports/SoundErrors.h"
+
+namespace sonavex {
+namespace {
+
+// Below the three seconds that a call on a sound system may last, with room for the rest of it.
+constexpr pa_usec_t kCallLimit = 2 * PA_USEC_PER_SEC;
+
+constexpr const char* kNotAnswering = "The sound server does not answer.";
+
+struct Alarm {
+    pa_threaded_mainloop* loop;
+    bool rung;
+};
+
+void RingAlarm(pa_mainloop_api*, pa_time_event*, const timeval*, void* alarm) {
+    static_cast<Alarm*>(alarm)->rung = true;
+    pa_threaded_mainloop_signal(static_cast<Alarm*>(alarm)->loop, 0);
+}
+
+void OnContextState(pa_context*, void* context) {
+    static_cast<PulseContext*>(context)->Wake();
+}
+
+void OnOperationState(pa_operation*, void* context) {
+    static_cast<PulseContext*>(context)->Wake();
+}
+
+}  // namespace
+
+PulseDeadline::PulseDeadline() noexcept : time_(pa_rtclock_now() + kCallLimit) {}
+
+PulseContext::PulseContext(std::string serverAddress)
+    : serverAddress_(std::move(serverAddress)), loop_(pa_threaded_mainloop_new()) {
+    if (loop_ == nullptr) throw RuntimeError(error_number::kOutOfMemory);
+    if (pa_threaded_mainloop_start(loop_) == 0) return;
+    pa_threaded_mainloop_free(loop_);
+    throw RuntimeError(sound_error::kGeneric, "The thread of the sound server's connection does not start.");
+}
+
+PulseContext::~PulseContext() {
+    pa_threaded_mainloop_stop(loop_);
+    Drop();
+    pa_threaded_mainloop_free(loop_);
+}
+
+pa_context* PulseContext::Connected(const PulseDeadline& deadline) {
+    if (context_ != nullptr && pa_context_get_state(context_) == PA_CONTEXT_READY) return context_;
+    Drop();
+    Connect();
+    const bool settled = WaitUntil(deadline, [this] {
+        const pa_context_state_t state = pa_context_get_state(context_);
+        return state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state);
+    });
+    if (settled && pa_context_get_state(context_) == PA_CONTEXT_READY) return context_;
+    const std::string reason = settled ? pa_strerror(pa_context_errno(context_)) : "Timeout";
+    const std::string place = serverAddress_.empty() ? "" : " at '" + serverAddress_ + "'";
+    Drop();
+    throw RuntimeError(sound_error::kUninitialized, "No sound server answers" + place + " (" + reason + ").");
+}
+
+void PulseContext::Connect() {
+    context_ = pa_context_new(pa_threaded_mainloop_get_api(loop_), "Sonavex");
+    if (context_ == nullptr) throw RuntimeError(error_number::kOutOfMemory);
+    pa_context_set_state_callback(context_, OnContextState, this);
+    const char* const address = serverAddress_.empty() ? nullptr : serverAddress_.c_str();
+    // A refusal shows in the state.
+    static_cast<void>(pa_context_connect(context_, address, PA_CONTEXT_NOAUTOSPAWN, nullptr));
+}
+
+void PulseContext::Drop() noexcept {
+    if (context_ == nullptr) return;
+    pa_context_set_state_callback(context_, nullptr, nullptr);
+    pa_context_disconnect(context_);
+    pa_context_unref(std::exchange(context_, nullptr));
+}
+
+bool PulseContext::WaitUntil(const PulseDeadline& deadline, const std::function<bool()>& condition) {
+    Alarm alarm{loop_, false};
+    pa_time_event* const timer = pa_context_rttime_new(context_, deadline.Time(), RingAlarm, &alarm);
+    while (!condition() && !alarm.rung) pa_threaded_mainloop_wait(loop_);
+    pa_threaded_mainloop_get_api(loop_)->time_free(timer);
+    return condition();
+}
+
+void PulseContext::Await(pa_operation* operation, const PulseDeadline& deadline) {
+    if (operation == nullptr) {
+        const char* const reason = pa_strerror(pa_context_errno(context_));
+        throw RuntimeError(sound_error::kGeneric, std::string("The sound server refused: ") + reason + ".");
+    }
+    pa_operation_set_state_callback(operation, OnOperationState, this);
+    const bool ended =
+        WaitUntil(deadline, [&] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; });
+    const bool done = pa_operation_get_state(operation) == PA_OPERATION_DONE;
+    if (!ended) pa_operation_cancel(operation);
+    pa_operation_unref(operation);
+    if (!ended) throw RuntimeError(sound_error::kUninitialized, kNotAnswering);
+    // Cancelled by the end of the connection.
+    if (!done) throw RuntimeError(sound_error::kUninitialized, "The sound server has gone.");
+}
+
+}  // namespace sonavex

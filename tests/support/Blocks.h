@@ -1,0 +1,34 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+
+namespace sonavex {
+
+inline constexpr std::size_t kTestBlockFrames = 2048;
+
+// One block of interleaved stereo.
+using Block = std::array<std::int16_t, 2 * kTestBlockFrames>;
+
+// One frame in 16-bit steps, not yet rounded: first and second sample.
+struct Frame {
+    double first = 0.0;
+    double second = 0.0;
+};
+// A signal as a function of the frame's number.
+using Signal = std::function<Frame(std::int64_t)>;
+
+// Frames start to start + 2047, rounded and limited to 16 bit.
+Block MakeBlock(const Signal& signal, std::int64_t start);
+
+// The same sine in both samples; phase in radians.
+Signal Sine(double rateHz, double frequencyHz, double peak, double phase = 0.0);
+Signal Silence();
+// Evenly spread noise from -peak to peak, each sample its own; the frame decides the value.
+Signal Noise(double peak, std::uint32_t seed);
+Signal Sum(Signal a, Signal b);
+// First sample of one signal, second of another.
+Signal Pair(Signal first, Signal second);
+
+}  // namespace sonavex

@@ -1,0 +1,95 @@
+#include "support/PipeWireServer.h"
+
+#include <csignal>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kReadyLimit = 10s;
+
+template <class Condition>
+void WaitFor(const char* what, Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + kReadyLimit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() >= end) throw std::runtime_error(std::string("no ") + what);
+        std::this_thread::sleep_for(5ms);
+    }
+}
+
+}  // namespace
+
+PipeWireServer::PipeWireServer(std::vector<NullSink> sinks) : sinks_(std::move(sinks)) {
+    WriteConfiguration();
+    const auto busSocket = Folder() / "bus";
+    const auto daemonSocket = Folder() / "pipewire-0";
+    bus_ = Launch(
+        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=unix:path=" + busSocket.string()});
+    WaitFor("message bus", [&] { return std::filesystem::exists(busSocket); });
+    daemon_ = Launch({"pipewire"});
+    WaitFor("PipeWire daemon", [&] { return std::filesystem::exists(daemonSocket); });
+    manager_ = Launch({"wireplumber"});
+    StartProtocol();
+}
+
+PipeWireServer::~PipeWireServer() {
+    // Clients before what they are connected to.
+    protocol_.reset();
+    manager_.reset();
+    daemon_.reset();
+    bus_.reset();
+}
+
+void PipeWireServer::WriteConfiguration() const {
+    const auto folder = Folder() / "config" / "pipewire" / "pipewire.conf.d";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "10-rates.conf")
+        << "context.properties = {\n"
+           "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 ]\n"
+           "}\n";
+}
+
+std::unique_ptr<ChildProcess> PipeWireServer::Launch(const Arguments& command) const {
+    Environment environment = FolderEnvironment();
+    environment.emplace_back("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (Folder() / "bus").string());
+    return std::make_unique<ChildProcess>(command, environment, LogPath());
+}
+
+void PipeWireServer::StartProtocol() {
+    protocol_ = Launch({"pipewire-pulse"});
+    WaitUntilReady();
+    for (const NullSink& sink : sinks_) LoadNullSink(sink);
+    if (sinks_.empty()) return;
+    const std::string first = sinks_.front().name;
+    Control({"set-default-sink", first});
+    WaitFor("default sink", [&] { return Control({"get-default-sink"}) == first; });
+}
+
+void PipeWireServer::Kill() {
+    protocol_->Kill();
+}
+
+void PipeWireServer::Restart() {
+    protocol_->Kill();
+    std::filesystem::remove(SocketPath());
+    StartProtocol();
+}
+
+void PipeWireServer::Pause() {
+    protocol_->Send(SIGSTOP);
+}
+
+void PipeWireServer::Continue() {
+    protocol_->Send(SIGCONT);
+}
+
+void PipeWireServer::KillDaemon() {
+    daemon_->Kill();
+}
+
+}  // namespace sonavex

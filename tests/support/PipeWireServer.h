@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "support/SoundServer.h"
+
+namespace sonavex {
+
+// A PipeWire of the test's own: message bus, daemon, session manager and the PulseAudio protocol,
+// with these sinks; the first is the default one. An idle graph takes over the rate of a stream.
+class PipeWireServer : public SoundServer {
+public:
+    explicit PipeWireServer(std::vector<NullSink> sinks);
+    ~PipeWireServer() override;
+
+    // These act on the protocol server; the daemon goes on.
+    void Kill() override;
+    void Restart() override;
+    void Pause() override;
+    void Continue() override;
+
+    void KillDaemon();
+
+protected:
+    std::filesystem::path SocketPath() const override { return Folder() / "pulse" / "native"; }
+
+private:
+    std::unique_ptr<ChildProcess> Launch(const Arguments& command) const;
+    void WriteConfiguration() const;
+    void StartProtocol();
+
+    std::vector<NullSink> sinks_;
+    std::unique_ptr<ChildProcess> bus_;
+    std::unique_ptr<ChildProcess> daemon_;
+    std::unique_ptr<ChildProcess> manager_;
+    std::unique_ptr<ChildProcess> protocol_;
+};
+
+}  // namespace sonavex

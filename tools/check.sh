@@ -1,0 +1,96 @@
+#!/usr/bin/env bash
+# The checks of the sources that continuous integration makes besides the tests:
+#   format     the sources are formatted with clang-format
+#   words      no word that marks unfinished or disabled work, no path of one machine
+#   files      every source file is compiled
+#   headers    every header has an include guard and is included by some source
+#   shell      the shell scripts pass ShellCheck
+#   tidy       clang-tidy has nothing to say about src/
+# Arguments choose checks; without arguments all are made. Every check is made even when an earlier
+# one failed; exit status 0 only when none did.
+set -uo pipefail
+# shellcheck source=tools/build.sh
+source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
+cd "$root" || exit 1
+
+database=build/dev/compile_commands.json
+
+# Tracked and new files that match, without the ignored ones.
+project_files() {
+    git ls-files --cached --others --exclude-standard -- "$@" | sort -u | while IFS= read -r file; do
+        [[ ! -f $file ]] || printf '%s\n' "$file"
+    done
+}
+
+check_format() {
+    project_files '*.h' '*.cpp' | xargs -r -d '\n' clang-format --dry-run -Werror
+}
+
+check_words() {
+    # Written in pieces so that this file does not find itself.
+    local words='TO''DO|FIX''ME|XX''X|HA''CK|GTEST_''SKIP|DISABLED''_|/ho''me/|/ro''ot/|/Us''ers/'
+    ! project_files . | grep -v '^LICENSE$' | xargs -r -d '\n' grep -nIE "$words"
+}
+
+check_files() {
+    local compiled missing
+    compiled="$(sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$database" | sort -u)" || return 1
+    missing="$(comm -23 <(project_files 'src/*.cpp' 'tests/*.cpp' 'bench/*.cpp' | sed "s|^|$root/|" | sort) \
+        <(printf '%s\n' "$compiled"))"
+    [[ -z $missing ]] || printf 'Not compiled: %s\n' "${missing//$'\n'/, }"
+    [[ -n $compiled && -z $missing ]]
+}
+
+check_headers() {
+    local header status=0
+    while IFS= read -r header; do
+        if [[ $(grep -m1 -vE '^(//.*)?$' "$header") != '#pragma once' ]]; then
+            echo "$header: does not begin with #pragma once"
+            status=1
+        fi
+        if ! grep -rqF --include='*.h' --include='*.cpp' -e "\"${header#*/}\"" src tests bench; then
+            echo "$header: is included by nothing"
+            status=1
+        fi
+    done < <(project_files '*.h')
+    return "$status"
+}
+
+check_shell() {
+    {
+        project_files '*.sh'
+        project_files . | xargs -r -d '\n' grep -lIE -m1 '^#!.*\bsh|^#!.*bash'
+    } | sort -u | xargs -r -d '\n' shellcheck --external-sources
+}
+
+check_tidy() {
+    project_files 'src/*.cpp' |
+        xargs -r -d '\n' -n 1 -P "$(nproc)" clang-tidy --quiet -p "${database%/*}" 2>&1 |
+        grep -vE '^[0-9]+ warnings? (and [0-9]+ errors? )?generated\.$|^Suppressed |^Use -header-filter'
+    ((PIPESTATUS[1] == 0))
+}
+
+checks=("$@")
+((${#checks[@]})) || checks=(format words files headers shell tidy)
+tools/install-dependencies.sh tools/dependencies.txt tools/dependencies-ci.txt || exit 1
+build_preset dev || exit 1
+
+# An empty list would pass every check.
+if [[ -z $(project_files '*.cpp') ]]; then
+    echo "check.sh: git lists no sources here" >&2
+    exit 1
+fi
+
+failed=()
+for check in "${checks[@]}"; do
+    if ! declare -F "check_$check" >/dev/null; then
+        echo "check.sh: no check is called $check" >&2
+        exit 1
+    fi
+    "check_$check" || failed+=("$check")
+done
+if ((${#failed[@]})); then
+    echo "Checks failed: ${failed[*]}"
+    exit 1
+fi
+echo "Checks passed: ${checks[*]}"
