@@ -17,9 +17,16 @@ class RecordingDialogs : public Dialogs {
 public:
     explicit RecordingDialogs(CallLog& log) noexcept : log_(log) {}
     void Message(const std::string& text, MessageIcon icon) override {
-        log_.Call("Message", (icon == MessageIcon::kCritical ? "critical " : "information ") + text);
+        const char* kinds[] = {"plain ", "information ", "critical "};
+        log_.Call("Message", kinds[static_cast<std::size_t>(icon)] + text);
+    }
+    bool AskOkCancel(const std::string& text) override {
+        log_.Call("AskOkCancel", text);
+        return Answer;
     }
     void SetBusyPointer(bool busy) override { log_.Note(busy ? "SetBusyPointer on" : "SetBusyPointer off"); }
+    // What AskOkCancel answers.
+    bool Answer = true;
 
 private:
     CallLog& log_;
@@ -34,6 +41,7 @@ public:
         tStr += "\r\rA record was written.";
         return 0;
     }
+    void WriteLine(const std::string& line) override { log_.Call("WriteLine", line); }
     void SetFatalError(bool fatal) override {
         log_.Note(fatal ? "SetFatalError true" : "SetFatalError false");
     }
