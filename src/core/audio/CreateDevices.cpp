@@ -108,7 +108,8 @@ bool StreamEngine::CreateCaptureBuffer() {
     } catch (const RuntimeError& error) {
         return Report(kNoCaptureBuffer, error);
     }
-    lostSegments_ = 0;
+    captureCounts_ = {};
+    gapBefore_ = false;
     return true;
 }
 

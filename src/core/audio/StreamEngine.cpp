@@ -177,9 +177,13 @@ void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
 }
 
 void StreamEngine::NoteDisturbances() {
-    const std::uint64_t lost = Capture().Statistics().segmentsLost;
-    if (lost != lostSegments_ || RestartPending) env_.processor.StreamDisturbed();
-    lostSegments_ = lost;
+    const CaptureStatistics counts = Capture().Statistics();
+    const bool lost = counts.segmentsLost != captureCounts_.segmentsLost;
+    const bool gap = counts.framesMissing != captureCounts_.framesMissing;
+    // A gap that has just been counted lies in this block or in the one being captured.
+    if (lost || gap || gapBefore_ || RestartPending) env_.processor.StreamDisturbed();
+    captureCounts_ = counts;
+    gapBefore_ = gap;
 }
 
 // True when the block has been written.

@@ -149,7 +149,8 @@ private:
     std::unique_ptr<CaptureDevice> captureDevice_;
     std::unique_ptr<PlaybackBuffer> playbackBuffer_;
     std::unique_ptr<CaptureBuffer> captureBuffer_;
-    std::uint64_t lostSegments_ = 0;
+    CaptureStatistics captureCounts_;  // at the last block
+    bool gapBefore_ = false;           // a gap was counted at the last block
     bool restarting_ = false;
 };
 

@@ -131,32 +131,18 @@ TEST(DXCallbackErrors, OfThePlaybackStartLeaveItToo) {
     }
 }
 
-TEST(DXCallback, ReportsLostSegmentsOnceBeforeTheBlock) {
+TEST(DXCallback, DropsAndCountsNotificationsWhileTheyAreHeld) {
     EngineBench bench;
-    bench.RunUpToIndex(1);
-    bench.sound.statistics = {40960, 5, 1};
+    bench.RunUpToIndex(2);
+    bench.engine.HoldNotifications = true;
+    bench.RunBlocks(3);
+    EXPECT_THAT(bench.log.Lines(), ElementsAre("StreamDisturbed", "StreamDisturbed", "StreamDisturbed"));
+    EXPECT_EQ(bench.engine.DroppedNotifications, 3U);
+    EXPECT_EQ(bench.engine.PlayBlockIndex, 2);
+    bench.engine.HoldNotifications = false;
     bench.RunBlocks(1);
-    EXPECT_THAT(bench.log.Lines(),
-                ElementsAre("captureBuffer.ReadBuffer 8192 8192", "StreamDisturbed", "ProcessCapturedBlock",
-                            "playbackBuffer.GetCurrentPosition", "playbackBuffer.WriteBuffer 8192"));
-    EXPECT_EQ(bench.engine.CaptureCounts().segmentsLost, 1U);
-    bench.log.Clear();
-    bench.RunBlocks(1);
-    EXPECT_EQ(bench.log.Count("StreamDisturbed"), 0U);
-}
-
-TEST(DXCallback, CountsLostSegmentsAnewForANewBuffer) {
-    EngineBench bench;
-    bench.Start();
-    bench.sound.statistics.segmentsLost = 3;
-    bench.RunBlocks(7);
-    ASSERT_TRUE(bench.engine.ReStart());
-    bench.sound.statistics.segmentsLost = 0;
-    bench.nextSegment = 0;
-    bench.RunBlocks(7);
-    bench.log.Clear();
-    bench.RunBlocks(1);
-    EXPECT_EQ(bench.log.Count("StreamDisturbed"), 0U);
+    EXPECT_EQ(bench.engine.DroppedNotifications, 3U);
+    EXPECT_EQ(bench.engine.PlayBlockIndex, 3);
 }
 
 }  // namespace

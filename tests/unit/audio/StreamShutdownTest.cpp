@@ -94,12 +94,13 @@ TEST(StartCapture, NeedsACaptureBuffer) {
 
 TEST(CaptureCounts, AreZeroWithoutABuffer) {
     EngineBench bench;
-    bench.sound.statistics = {1, 2, 3};
+    bench.sound.statistics = {1, 2, 3, 4};
     EXPECT_EQ(bench.engine.CaptureCounts().framesCaptured, 0U);
     bench.Start();
     EXPECT_EQ(bench.engine.CaptureCounts().framesCaptured, 1U);
     EXPECT_EQ(bench.engine.CaptureCounts().segmentsCompleted, 2U);
     EXPECT_EQ(bench.engine.CaptureCounts().segmentsLost, 3U);
+    EXPECT_EQ(bench.engine.CaptureCounts().framesMissing, 4U);
 }
 
 }  // namespace

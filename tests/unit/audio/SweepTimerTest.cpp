@@ -165,8 +165,13 @@ TEST_F(HiTimer1, LooksAtTheNumberOfTonesAfterEachYield) {
 TEST_F(HiTimer1, NeverTicksInsideATick) {
     const ToneRecord& tone = Sweep(100, 200, 100);
     timer.SetEnabled(true);
-    loop.OnYield([&] { timer.Tick(); });
+    EXPECT_FALSE(timer.Ticking());
+    loop.OnYield([&] {
+        EXPECT_TRUE(timer.Ticking());
+        timer.Tick();
+    });
     timer.Tick();
+    EXPECT_FALSE(timer.Ticking());
     EXPECT_EQ(loop.Yields(), 2U);
     EXPECT_EQ(tone.Frequency, 101);
     loop.OnYield(nullptr);
