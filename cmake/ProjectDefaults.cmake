@@ -13,6 +13,7 @@ endif()
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
+pkg_check_modules(FFTW3 REQUIRED IMPORTED_TARGET fftw3)
 
 add_library(sonavex_defaults INTERFACE)
 target_include_directories(sonavex_defaults INTERFACE ${PROJECT_SOURCE_DIR}/src)

@@ -20,6 +20,8 @@ public:
     void Pause() override;
     void Continue() override;
 
+    void KillDaemon();
+
 protected:
     std::filesystem::path SocketPath() const override { return Folder() / "pulse" / "native"; }
 

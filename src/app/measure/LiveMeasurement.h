@@ -37,8 +37,10 @@ private:
     class Console : public Dialogs, public ErrorLog, public MixerBinding {
     public:
         void Message(const std::string& text, MessageIcon) override { message_ = text; }
+        bool AskOkCancel(const std::string&) override { return false; }
         void SetBusyPointer(bool) override {}
         std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
+        void WriteLine(const std::string&) override {}
         void SetFatalError(bool) override {}
         void PointMixersAt(const std::string&, const std::string&) override {}
         void ReopenSoundCard(const std::string&, const std::string&) override {}

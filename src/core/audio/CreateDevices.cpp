@@ -17,9 +17,11 @@ constexpr const char* kNoPlaybackBuffer = "Error Creating Output Sound Device";
 constexpr std::int32_t kPriorityLevel = 2;
 constexpr std::int32_t kLowestLevel = -9600;  // hundredths of a dB, as the level control
 
-// Name of the device that an identifier stands for; the primary device goes by the name of the device
-// behind it, the second entry (error 9 when there is none). Empty for an unknown identifier.
+// Name of the device that an identifier stands for; the primary device (empty identifier) goes by the
+// name of the device behind it, the second entry (error 9 when there is none). Empty for an unknown
+// identifier.
 std::string NameOf(const SoundDeviceList& devices, const std::string& identifier) {
+    if (identifier.empty() && devices.size() < 2) throw RuntimeError(error_number::kSubscript);
     const auto found = std::find_if(devices.begin(), devices.end(), [&](const SoundDeviceInfo& device) {
         return device.identifier == identifier;
     });

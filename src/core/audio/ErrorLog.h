@@ -16,6 +16,9 @@ public:
     // tStr is what was shown.
     virtual std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) = 0;
 
+    // Adds a line about something that was shown elsewhere.
+    virtual void WriteLine(const std::string& line) = 0;
+
     // Whether the program cannot go on after the next message.
     virtual void SetFatalError(bool fatal) = 0;
 };

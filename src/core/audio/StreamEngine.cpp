@@ -17,12 +17,18 @@ constexpr std::size_t kNotifications = 4;
 class BusyPointer {
 public:
     explicit BusyPointer(Dialogs& dialogs) : dialogs_(dialogs) { dialogs_.SetBusyPointer(true); }
-    ~BusyPointer() { dialogs_.SetBusyPointer(false); }
+    ~BusyPointer() { Restore(); }
     BusyPointer(const BusyPointer&) = delete;
     BusyPointer& operator=(const BusyPointer&) = delete;
 
+    void Restore() {
+        if (shown_) dialogs_.SetBusyPointer(false);
+        shown_ = false;
+    }
+
 private:
     Dialogs& dialogs_;
+    bool shown_ = true;
 };
 
 }  // namespace
@@ -90,8 +96,18 @@ void StreamEngine::DestroyEvents(const std::function<void()>& beforeEach) {
     env_.shared.EventsReady = false;
     for (auto event = NotifyEvents.rbegin(); event != NotifyEvents.rend(); ++event) {
         beforeEach();
-        if (*event != 0) env_.sound.DestroyEvent(*event);
+        DestroyEvent(*event);
         *event = 0;
+    }
+}
+
+// An event that cannot be destroyed is forgotten like the others.
+void StreamEngine::DestroyEvent(EventHandle event) {
+    if (event == 0) return;
+    try {
+        env_.sound.DestroyEvent(event);
+    } catch (const RuntimeError& error) {
+        TraceLabel(error.what(), event);
     }
 }
 
@@ -109,26 +125,27 @@ void StreamEngine::ReleaseObjects() {
 
 bool StreamEngine::ReStart() {
     if (restarting_) return false;
-    const BusyPointer busyPointer(env_.dialogs);
+    BusyPointer busyPointer(env_.dialogs);
     const ScopedFlag restarting(restarting_);
     Stop();
     DestroyEvents([this] { env_.loop.Yield(); });
     ReleaseObjects();
     env_.processor.StreamDisturbed();
     env_.processor.SetUpAnalysis(kLowEdgeAfterRestartHz, env_.shared.SampleRate / 2 - kUpperMarginHz);
-    return CreateDevices() && Rebuild();
-}
-
-bool StreamEngine::Rebuild() {
-    if (!SetEvents()) return false;
+    if (!CreateDevices() || !SetEvents()) return false;
     PlayBlockIndex = 0;
     RestartPending = true;
     RestartCount = 0;
+    busyPointer.Restore();
+    StartOver();
+    return true;
+}
+
+void StreamEngine::StartOver() {
     controls_.sldStartFreq.SetMax(env_.shared.SampleRate / 2);
     controls_.sldEndFreq.SetMax(env_.shared.SampleRate / 2);
     Playback().SetCurrentPosition(0);
     StartCapture();
-    return true;
 }
 
 void StreamEngine::TraceLabel(std::string_view label, std::int32_t cursor) const {
@@ -137,6 +154,11 @@ void StreamEngine::TraceLabel(std::string_view label, std::int32_t cursor) const
 
 void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
     if (restarting_) return;
+    if (HoldNotifications) {
+        ++DroppedNotifications;
+        env_.processor.StreamDisturbed();
+        return;
+    }
     const auto* fired = std::find(NotifyEvents.begin(), NotifyEvents.begin() + kNotifications, eventid);
     if (fired != NotifyEvents.begin() + kNotifications)
         CaptureSegment = static_cast<std::int32_t>(fired - NotifyEvents.begin());
@@ -170,10 +192,10 @@ bool StreamEngine::HandleOverrun() {
 // The block is written where the device reads, and playing goes on from the buffer's start.
 bool StreamEngine::HandleOverrunNewer() {
     if (PlayCursors.write < BlockOffset || PlayCursors.write > BlockEnd) return false;
+    TraceLabel("vista overrun", PlayCursors.write);
     if (!RestartPending) {
         ++Overruns;
         env_.processor.StreamDisturbed();
-        TraceLabel("vista overrun", PlayCursors.write);
     }
     Playback().WriteBuffer(BlockOffset, PlayData);
     Playback().SetCurrentPosition(0);
@@ -215,6 +237,8 @@ void StreamEngine::CountPriming() {
     ++PlaybackStarts;
     Playback().SetCurrentPosition(0);
     Playback().PlayLooping();
+    // The segment being captured now began before.
+    env_.processor.StreamDisturbed();
 }
 
 }  // namespace sonavex

@@ -110,6 +110,10 @@ public:
     std::uint64_t PlaybackStarts = 0;  // including those after an overrun
     std::uint64_t Blocks = 0;          // captured blocks processed
 
+    // While true, notifications are dropped and counted: somebody is looking at a message.
+    bool HoldNotifications = false;
+    std::uint64_t DroppedNotifications = 0;
+
     // Receives the debug trace: a label and the cursor it is about (0 for none).
     std::function<void(std::string_view, std::int32_t)> Trace;
 
@@ -125,8 +129,9 @@ private:
     std::int32_t StoredLevel() const;
 
     void DestroyEvents(const std::function<void()>& beforeEach);
+    void DestroyEvent(EventHandle event);
     void ReleaseObjects();
-    bool Rebuild();
+    void StartOver();
 
     void NoteDisturbances();
     bool HandleOverrun();

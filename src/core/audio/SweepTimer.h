@@ -25,6 +25,8 @@ public:
     // One tick. Does nothing inside another tick, to whatever that one yields. Ends early when the
     // timer is disabled meanwhile.
     void Tick();
+    // A tick is under way: somebody is called from within it.
+    bool Ticking() const noexcept { return ticking_; }
 
 private:
     EventLoop& loop_;

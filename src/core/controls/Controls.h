@@ -32,6 +32,10 @@ public:
     }
     UserEvent Change;
 
+    // The user finished the entry, with Return or by leaving the box: raises Leave.
+    void UserLeaves() { Leave.Raise(); }
+    UserEvent Leave;
+
 private:
     std::string text_;
 };
@@ -54,6 +58,17 @@ public:
         MarkDirty();
     }
     void SetMax(std::int32_t max) { SetRange(std::min(min_, max), max); }
+
+    // The user moves the slider (drag, wheel, key): stores the value and raises Change.
+    void UserMoves(std::int32_t value) {
+        SetValue(value);
+        Change.Raise();
+    }
+    UserEvent Change;
+
+    // The user lets the slider go, or ends a wheel or key step: raises Release.
+    void UserReleases() { Release.Raise(); }
+    UserEvent Release;
 
 private:
     std::int32_t value_ = 0;

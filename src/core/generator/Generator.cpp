@@ -30,6 +30,11 @@ void AdvanceCount(ToneRecord& tone) {
     tone.SampleCount = tone.SampleCount < tone.Period ? tone.SampleCount + 1.0 : 0.0;
 }
 
+// A tone whose frequency was never set has no period to divide by.
+void RequirePeriod(const ToneRecord& tone) {
+    if (tone.Period == 0.0) throw RuntimeError(error_number::kDivisionByZero);
+}
+
 // Scales both arrays when the second one, the only one looked at, exceeds the threshold.
 void GuardAgainstClipping(std::span<double> first, std::span<double> second) {
     const double peak = modSPL2VB::nspdMax(second, kGuardLength);
@@ -143,6 +148,7 @@ void Generator::MakeSquare(ToneRecord& tone, std::size_t count) {
 }
 
 void Generator::MakeTriangle(ToneRecord& tone, std::size_t count) {
+    RequirePeriod(tone);
     for (std::size_t i = 0; i < count; ++i) {
         const double at = tone.SampleCount;
         const double value = tone.Period / 2.0 < at ? tone.Period - at : at;
@@ -153,6 +159,7 @@ void Generator::MakeTriangle(ToneRecord& tone, std::size_t count) {
 }
 
 void Generator::MakeSawtooth(ToneRecord& tone, std::size_t count) {
+    RequirePeriod(tone);
     for (std::size_t i = 0; i < count; ++i) {
         tone.Phase = tone.SampleCount / tone.Period;
         values_[i] = tone.Phase;

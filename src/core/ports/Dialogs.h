@@ -4,9 +4,9 @@
 
 namespace sonavex {
 
-enum class MessageIcon { kInformation, kCritical };
+enum class MessageIcon { kNone, kInformation, kCritical };
 
-// What the instrument says to the user outside its own forms. User-interface thread only.
+// What the instrument says to the user outside its own forms, and asks. User-interface thread only.
 class Dialogs {
 public:
     virtual ~Dialogs() = default;
@@ -14,6 +14,9 @@ public:
     // Shows a message box titled with the application's title and waits for it to be closed. Line
     // breaks in the text are carriage returns.
     virtual void Message(const std::string& text, MessageIcon icon) = 0;
+
+    // The same with OK and Cancel; true for OK.
+    virtual bool AskOkCancel(const std::string& text) = 0;
 
     // The busy pointer, until it is taken back.
     virtual void SetBusyPointer(bool busy) = 0;

@@ -12,6 +12,9 @@ namespace sonavex {
 
 namespace {
 
+// Between two looks at a condition that no event announces.
+constexpr std::chrono::nanoseconds kLongestSleep = std::chrono::milliseconds(10);
+
 // One bell. It stands in the queue by its own links, so that ringing it needs no memory.
 struct Bell {
     std::function<void()> handler;
@@ -161,7 +164,7 @@ bool PlainEventLoop::RunUntil(const std::function<bool()>& condition, std::chron
     while (!condition()) {
         const auto left = end - Now();
         if (left <= std::chrono::nanoseconds::zero()) return false;
-        Wait(left);
+        Wait(std::min(left, kLongestSleep));
     }
     return true;
 }

@@ -25,7 +25,8 @@ public:
     // Sleeps until something is pending, a timer is due or the time is over, then delivers it.
     void Wait(std::chrono::nanoseconds limit);
 
-    // Delivers events until the condition holds (true) or the time is over (false).
+    // Delivers events until the condition holds (true) or the time is over (false). The condition is
+    // looked at after every delivery and every 10 ms, so it may depend on the time or on another thread.
     bool RunUntil(const std::function<bool()>& condition, std::chrono::nanoseconds limit);
 
 private:

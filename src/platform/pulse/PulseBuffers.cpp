@@ -37,7 +37,7 @@ PulsePlaybackBuffer::PulsePlaybackBuffer(PulseContext& context, EventLoop& loop,
     : rateHz_(description.format.samplesPerSecond),
       ring_(description.bytes, static_cast<std::int32_t>(rateHz_)),
       stream_(context, loop, device, std::move(onLost)) {
-    stream_.Open(rateHz_, "Generator", [this](pa_stream* stream, const char* name, pa_stream_flags_t flags) {
+    const auto connect = [this](pa_stream* stream, const char* name, pa_stream_flags_t flags) {
         pa_stream_set_write_callback(stream, OnWritable, this);
         const pa_buffer_attr attributes = PlaybackAttributes(rateHz_);
         // The samples unchanged, whatever volume an earlier stream was given, and without touching
@@ -47,13 +47,15 @@ PulsePlaybackBuffer::PulsePlaybackBuffer(PulseContext& context, EventLoop& loop,
         const auto allFlags =
             static_cast<pa_stream_flags_t>(flags | PA_STREAM_RELATIVE_VOLUME | PA_STREAM_START_UNMUTED);
         return pa_stream_connect_playback(stream, name, &attributes, allFlags, &volume, nullptr);
-    });
+    };
+    stream_.Open(rateHz_, "Generator", connect, PulseDeadline());
 }
 
 void PulsePlaybackBuffer::OnWritable(pa_stream* stream, std::size_t bytes, void* self) {
     auto& me = *static_cast<PulsePlaybackBuffer*>(self);
     std::size_t left = bytes / kFrameBytes;
     while (left > 0) {
+        me.stream_.CountMovement();
         void* memory = nullptr;
         std::size_t room = left * kFrameBytes;
         if (pa_stream_begin_write(stream, &memory, &room) < 0) return;
@@ -83,22 +85,26 @@ PulseCaptureBuffer::PulseCaptureBuffer(PulseContext& context, EventLoop& loop, c
                                        PulseStream::LostHandler onLost)
     : hub_(hub), ring_(description.bytes), stream_(context, loop, device, std::move(onLost)) {
     const std::uint32_t rateHz = description.format.samplesPerSecond;
-    stream_.Open(rateHz, "Meter", [&](pa_stream* stream, const char* name, pa_stream_flags_t flags) {
+    const auto connect = [&](pa_stream* stream, const char* name, pa_stream_flags_t flags) {
         pa_stream_set_read_callback(stream, OnReadable, this);
         const pa_buffer_attr attributes = CaptureAttributes(rateHz);
         return pa_stream_connect_record(stream, name, &attributes, flags);
-    });
+    };
+    const PulseDeadline deadline;
+    stream_.Open(rateHz, "Meter", connect, deadline);
+    stream_.ResetCaptureVolume(deadline);
 }
 
 void PulseCaptureBuffer::OnReadable(pa_stream* stream, std::size_t, void* self) {
-    CaptureRing& ring = static_cast<PulseCaptureBuffer*>(self)->ring_;
+    auto& me = *static_cast<PulseCaptureBuffer*>(self);
     const void* memory = nullptr;
     std::size_t bytes = 0;
     while (pa_stream_peek(stream, &memory, &bytes) == 0 && bytes > 0) {
+        me.stream_.CountMovement();
         if (memory == nullptr)
-            ring.PushSilence(bytes / kFrameBytes);
+            me.ring_.PushSilence(bytes / kFrameBytes);
         else
-            ring.Push(static_cast<const std::int16_t*>(memory), bytes / kFrameBytes);
+            me.ring_.Push(static_cast<const std::int16_t*>(memory), bytes / kFrameBytes);
         pa_stream_drop(stream);
     }
 }

@@ -1,11 +1,17 @@
 #include "platform/pulse/PulseStream.h"
 
+#include <chrono>
 #include <utility>
 
 #include "core/ports/SoundErrors.h"
 
 namespace sonavex {
 namespace {
+
+using namespace std::chrono_literals;
+
+// Longer than any device needs to start.
+constexpr int kMostSecondsStill = 4;
 
 constexpr auto kStreamFlags =
     static_cast<pa_stream_flags_t>(PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_AUTO_TIMING_UPDATE |
@@ -51,6 +57,7 @@ void RequirePulseFormat(const BufferDescription& description) {
 
 PulseStream::PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo device, LostHandler onLost)
     : context_(context),
+      loop_(loop),
       device_(std::move(device)),
       lostBell_(loop.CreateSignal([this, handler = std::move(onLost)] {
           const bool removed = loss_.load() == Loss::kDeviceRemoved;
@@ -58,6 +65,7 @@ PulseStream::PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo
       })) {}
 
 PulseStream::~PulseStream() {
+    loop_.StopTimer(watch_);
     if (stream_ == nullptr) return;
     const PulseContext::Lock lock(context_);
     pa_stream_set_write_callback(stream_, nullptr, nullptr);
@@ -77,43 +85,59 @@ void PulseStream::Create(pa_context* server, std::uint32_t rateHz, const char* t
     pa_proplist_sets(properties, "state.restore-props", "false");
     stream_ = pa_stream_new_with_proplist(server, title, &spec, nullptr, properties);
     pa_proplist_free(properties);
-    if (stream_ == nullptr) throw OpenError();
+    if (stream_ == nullptr) throw OpenError(pa_context_errno(server));
     pa_stream_set_state_callback(stream_, OnState, this);
     pa_stream_set_moved_callback(stream_, OnMoved, this);
     pa_stream_set_suspended_callback(stream_, OnSuspended, this);
 }
 
-void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector& connect) {
-    const PulseDeadline deadline;
+void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector& connect,
+                       const PulseDeadline& deadline) {
     const PulseContext::Lock lock(context_);
-    Create(context_.Connected(deadline), rateHz, title);
-    if (connect(stream_, device_.identifier.c_str(), kStreamFlags) < 0) throw OpenError();
+    pa_context* const server = context_.Connected(deadline);
+    Create(server, rateHz, title);
+    if (connect(stream_, device_.identifier.c_str(), kStreamFlags) < 0)
+        throw OpenError(pa_context_errno(server));
     const bool settled =
         context_.WaitUntil(deadline, [this] { return pa_stream_get_state(stream_) != PA_STREAM_CREATING; });
     if (!settled)
         throw RuntimeError(sound_error::kGeneric,
                            "The sound server does not open the sound device '" + device_.description + "'.");
-    if (pa_stream_get_state(stream_) != PA_STREAM_READY) throw OpenError();
+    if (pa_stream_get_state(stream_) != PA_STREAM_READY) throw OpenError(failure_);
     opened_ = true;
+    watch_ = loop_.StartTimer(1s, [this] { WatchMovement(); });
 }
 
-RuntimeError PulseStream::OpenError() const {
-    const int error = stream_ == nullptr ? PA_ERR_INTERNAL : pa_context_errno(pa_stream_get_context(stream_));
-    return {OpenErrorNumber(error),
-            "The sound device '" + device_.description + "' cannot be opened: " + pa_strerror(error) + "."};
+void PulseStream::ResetCaptureVolume(const PulseDeadline& deadline) {
+    const PulseContext::Lock lock(context_);
+    if (pa_stream_get_state(stream_) != PA_STREAM_READY) return;  // lost: reported elsewhere
+    pa_context* const server = pa_stream_get_context(stream_);
+    const std::uint32_t index = pa_stream_get_index(stream_);
+    pa_cvolume volume;
+    pa_cvolume_reset(&volume, 2);
+    context_.Await(pa_context_set_source_output_volume(server, index, &volume, nullptr, nullptr), deadline);
+    context_.Await(pa_context_set_source_output_mute(server, index, 0, nullptr, nullptr), deadline);
+}
+
+RuntimeError PulseStream::OpenError(int paError) const {
+    return {OpenErrorNumber(paError),
+            "The sound device '" + device_.description + "' cannot be opened: " + pa_strerror(paError) + "."};
 }
 
 void PulseStream::OnState(pa_stream* stream, void* self) {
     auto& me = *static_cast<PulseStream*>(self);
     if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream))) {
-        const pa_context_state_t server = pa_context_get_state(pa_stream_get_context(stream));
-        me.Lose(PA_CONTEXT_IS_GOOD(server) ? Loss::kDeviceRemoved : Loss::kServerGone);
+        // A failed stream parts with its context after this.
+        pa_context* const server = pa_stream_get_context(stream);
+        me.failure_ = pa_context_errno(server);
+        me.Lose(PA_CONTEXT_IS_GOOD(pa_context_get_state(server)) ? Loss::kDeviceRemoved : Loss::kServerGone);
     }
     me.context_.Wake();
 }
 
-void PulseStream::OnMoved(pa_stream*, void* self) {
-    static_cast<PulseStream*>(self)->Lose(Loss::kMoved);
+void PulseStream::OnMoved(pa_stream* stream, void* self) {
+    auto& me = *static_cast<PulseStream*>(self);
+    if (me.device_.identifier != pa_stream_get_device_name(stream)) me.Lose(Loss::kMoved);
 }
 
 void PulseStream::OnSuspended(pa_stream* stream, void* self) {
@@ -123,6 +147,13 @@ void PulseStream::OnSuspended(pa_stream* stream, void* self) {
 void PulseStream::Lose(Loss loss) noexcept {
     Loss none = Loss::kNone;
     if (opened_ && loss_.compare_exchange_strong(none, loss)) lostBell_->Raise();
+}
+
+void PulseStream::WatchMovement() noexcept {
+    const std::uint32_t movements = movements_.load(std::memory_order_relaxed);
+    secondsStill_ = movements == movementsSeen_ ? secondsStill_ + 1 : 0;
+    movementsSeen_ = movements;
+    if (secondsStill_ >= kMostSecondsStill) Lose(Loss::kStalled);
 }
 
 std::string PulseStream::LossText() const {
@@ -136,9 +167,12 @@ std::string PulseStream::LossText() const {
             return device + "is no longer used: the sound server moved the stream to another one.";
         case Loss::kSuspended:
             return device + "has been suspended.";
-        default:
-            return device + "is in use.";
+        case Loss::kStalled:
+            return device + "stands still: the sound server moves no samples any more.";
+        case Loss::kNone:
+            break;
     }
+    return device + "is in use.";
 }
 
 void PulseStream::RequireDevice() const {

@@ -14,7 +14,7 @@
 
 namespace sonavex {
 
-// Error 5, or kBadFormat unless the description asks for 16-bit stereo at a rate the server knows.
+// Throws kBadFormat unless the description asks for 16-bit stereo at a rate that servers know.
 void RequirePulseFormat(const BufferDescription& description);
 
 // One stream of samples to or from a device: opened, watched, closed. What moves the samples is the
@@ -34,28 +34,46 @@ public:
     // Installs the owner's callbacks and connects to the device; returns what libpulse returned.
     using Connector = std::function<int(pa_stream*, const char* device, pa_stream_flags_t flags)>;
     // Opens the stream and waits until it runs. To be called once; throws when it does not run.
-    void Open(std::uint32_t rateHz, const char* title, const Connector& connect);
+    void Open(std::uint32_t rateHz, const char* title, const Connector& connect,
+              const PulseDeadline& deadline);
+    // For an open stream from a device: full volume, whatever an earlier recording was given. A
+    // volume cannot be passed on opening such a stream.
+    void ResetCaptureVolume(const PulseDeadline& deadline);
 
     // Throws kBufferLost after a loss.
     void RequireDevice() const;
 
+    // To be called by whatever moves samples: a stream that stands still for seconds counts as lost,
+    // because a server that hangs says nothing. Any thread.
+    void CountMovement() noexcept { movements_.fetch_add(1, std::memory_order_relaxed); }
+
 private:
-    enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended };
+    enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended, kStalled };
 
     static void OnState(pa_stream* stream, void* self);
     static void OnMoved(pa_stream* stream, void* self);
     static void OnSuspended(pa_stream* stream, void* self);
     void Create(pa_context* server, std::uint32_t rateHz, const char* title);
     void Lose(Loss loss) noexcept;
+    void WatchMovement() noexcept;
     std::string LossText() const;
-    RuntimeError OpenError() const;
+    RuntimeError OpenError(int paError) const;
 
     PulseContext& context_;
+    EventLoop& loop_;
     SoundDeviceInfo device_;
     pa_stream* stream_ = nullptr;
-    bool opened_ = false;  // under the context's lock
+    // Changed under the context's lock.
+    bool opened_ = false;
+    int failure_ = PA_OK;  // why the stream failed
+
     std::atomic<Loss> loss_{Loss::kNone};
     std::unique_ptr<Signal> lostBell_;
+
+    std::atomic<std::uint32_t> movements_{0};
+    EventLoop::TimerId watch_ = 0;
+    std::uint32_t movementsSeen_ = 0;
+    int secondsStill_ = 0;
 };
 
 }  // namespace sonavex

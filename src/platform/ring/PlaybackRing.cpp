@@ -32,11 +32,14 @@ PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
 void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
     if (!playing_.load()) {
         std::memset(samples, 0, frames * kFrameBytes);
-        gain_ = targetGain_.load();
+        audible_ = false;
         return;
     }
+    if (!audible_) gain_ = targetGain_.load();
+    audible_ = true;
     const Place from = Claim(frames);
-    delay_.store(static_cast<std::uint32_t>(deviceDelay + frames));
+    // Beyond the ring's length the delay only has to stay large.
+    delay_.store(static_cast<std::uint32_t>(std::min<std::size_t>(deviceDelay + frames, kMostHandedOver)));
     std::size_t at = from.frame;
     for (std::size_t i = 0; i < frames; ++i) {
         frames_.Load(at, samples + 2 * i);

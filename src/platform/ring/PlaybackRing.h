@@ -33,7 +33,8 @@ public:
     bool Playing() const noexcept { return playing_.load(); }
 
     // Hundredths of a decibel, -10000 (silence) to 0 (samples unchanged, bit for bit); error 5
-    // outside. A change while playing is spread over 5 ms.
+    // outside. A change while playing is a ramp of at most 5 ms, which full scale takes; a change
+    // while stopped holds from the first frame.
     void SetVolume(std::int32_t hundredthsDb);
 
 private:
@@ -50,8 +51,9 @@ private:
     std::atomic<std::uint32_t> delay_{0};  // frames in the device after the last Pull
     std::atomic<bool> playing_{false};
     std::atomic<double> targetGain_{1.0};
-    double gain_ = 1.0;  // audio thread
-    double gainStep_;
+    bool audible_ = false;  // audio thread: the last Pull played
+    double gain_ = 1.0;     // audio thread
+    double gainStep_;       // per frame; full scale in 5 ms
 };
 
 }  // namespace sonavex

@@ -25,6 +25,16 @@ void SimulatedCard::ConnectCapture(std::shared_ptr<CaptureRing> ring) {
     capture_ = std::move(ring);
 }
 
+void SimulatedCard::Disconnect(const PlaybackRing& ring) {
+    const std::lock_guard lock(mutex_);
+    if (playback_.get() == &ring) playback_ = nullptr;
+}
+
+void SimulatedCard::Disconnect(const CaptureRing& ring) {
+    const std::lock_guard lock(mutex_);
+    if (capture_.get() == &ring) capture_ = nullptr;
+}
+
 void SimulatedCard::Step(std::size_t frames) {
     const std::lock_guard lock(mutex_);
     if (stalled_ || !plugged_) return;
@@ -51,6 +61,9 @@ void SimulatedCard::SetStalled(bool stalled) {
 void SimulatedCard::SetPlugged(bool plugged) {
     const std::lock_guard lock(mutex_);
     plugged_ = plugged;
+    if (plugged_) return;
+    playback_ = nullptr;
+    capture_ = nullptr;
 }
 
 bool SimulatedCard::Plugged() const {

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 #include "platform/ring/CaptureRing.h"
@@ -22,9 +21,12 @@ public:
     // Replaces the device under test; what its delay still holds is gone.
     void SetDeviceUnderTest(DeviceUnderTestModel model);
 
-    // The rings in use; nullptr for none.
+    // The rings in use: each replaces the one before.
     void ConnectPlayback(std::shared_ptr<PlaybackRing> ring);
     void ConnectCapture(std::shared_ptr<CaptureRing> ring);
+    // A ring that is not in use (any more) is ignored.
+    void Disconnect(const PlaybackRing& ring);
+    void Disconnect(const CaptureRing& ring);
 
     // Moves so many frames through the card, in device periods of at most 256 frames. Does nothing
     // while stalled or unplugged.
@@ -32,6 +34,7 @@ public:
 
     // A stalled card keeps its devices but moves nothing.
     void SetStalled(bool stalled);
+    // Unplugging disconnects the rings for good.
     void SetPlugged(bool plugged);
     bool Plugged() const;
 

@@ -29,20 +29,27 @@ void RequireFormat(const WaveFormat& format) {
 
 }  // namespace
 
+// What a buffer and the system both know of the buffer's fate. It holds as long as the buffer exists.
+struct SimulatedSoundSystem::Connection {
+    bool lost = false;
+    bool reported = false;
+
+    void Require() const {
+        if (lost) throw DeviceGone();
+    }
+};
+
 class SimulatedSoundSystem::PlayBuffer : public PlaybackBuffer {
 public:
     PlayBuffer(SimulatedSoundSystem& system, const BufferDescription& description)
         : system_(system),
           ring_(std::make_shared<PlaybackRing>(
-              description.bytes, static_cast<std::int32_t>(description.format.samplesPerSecond))) {
+              description.bytes, static_cast<std::int32_t>(description.format.samplesPerSecond))),
+          connection_(system.Connect()) {
         system_.SetRate(description.format.samplesPerSecond);
         system_.card_.ConnectPlayback(ring_);
-        ++system_.buffers_;
     }
-    ~PlayBuffer() override {
-        system_.card_.ConnectPlayback(nullptr);
-        --system_.buffers_;
-    }
+    ~PlayBuffer() override { system_.card_.Disconnect(*ring_); }
     PlayBuffer(const PlayBuffer&) = delete;
     PlayBuffer& operator=(const PlayBuffer&) = delete;
 
@@ -57,26 +64,27 @@ public:
 
 private:
     PlaybackRing& Ring() {
-        if (!system_.card_.Plugged()) throw DeviceGone();
+        connection_->Require();
         return *ring_;
     }
 
     SimulatedSoundSystem& system_;
     std::shared_ptr<PlaybackRing> ring_;
+    std::shared_ptr<const Connection> connection_;
 };
 
 class SimulatedSoundSystem::CaptBuffer : public CaptureBuffer {
 public:
     CaptBuffer(SimulatedSoundSystem& system, const BufferDescription& description)
-        : system_(system), ring_(std::make_shared<CaptureRing>(description.bytes)) {
+        : system_(system),
+          ring_(std::make_shared<CaptureRing>(description.bytes)),
+          connection_(system.Connect()) {
         system_.SetRate(description.format.samplesPerSecond);
         system_.card_.ConnectCapture(ring_);
-        ++system_.buffers_;
     }
     ~CaptBuffer() override {
         ring_->Stop();
-        system_.card_.ConnectCapture(nullptr);
-        --system_.buffers_;
+        system_.card_.Disconnect(*ring_);
     }
     CaptBuffer(const CaptBuffer&) = delete;
     CaptBuffer& operator=(const CaptBuffer&) = delete;
@@ -96,12 +104,13 @@ public:
 
 private:
     CaptureRing& Ring() {
-        if (!system_.card_.Plugged()) throw DeviceGone();
+        connection_->Require();
         return *ring_;
     }
 
     SimulatedSoundSystem& system_;
     std::shared_ptr<CaptureRing> ring_;
+    std::shared_ptr<const Connection> connection_;
 };
 
 class SimulatedSoundSystem::Playback : public PlaybackDevice {
@@ -111,6 +120,7 @@ public:
     PlaybackCapabilities GetCapabilities() override { return {system_.freeHardwareBuffers_}; }
     std::unique_ptr<PlaybackBuffer> CreateBuffer(const BufferDescription& description) override {
         system_.FailIfAsked(Operation::kPlaybackBuffer);
+        if (!system_.card_.Plugged()) throw DeviceGone();
         RequireFormat(description.format);
         return std::make_unique<PlayBuffer>(system_, description);
     }
@@ -124,6 +134,7 @@ public:
     explicit Capture(SimulatedSoundSystem& system) noexcept : system_(system) {}
     std::unique_ptr<CaptureBuffer> CreateBuffer(const BufferDescription& description) override {
         system_.FailIfAsked(Operation::kCaptureBuffer);
+        if (!system_.card_.Plugged()) throw DeviceGone();
         RequireFormat(description.format);
         return std::make_unique<CaptBuffer>(system_, description);
     }
@@ -133,9 +144,7 @@ private:
 };
 
 SimulatedSoundSystem::SimulatedSoundSystem(EventLoop& loop, Pace pace)
-    : hub_(loop), lostBell_(loop.CreateSignal([this] {
-          if (lostHandler_ && buffers_ > 0) lostHandler_(DeviceGone());
-      })) {
+    : hub_(loop), lostBell_(loop.CreateSignal([this] { ReportLostBuffers(); })) {
     if (pace == Pace::kRealTime) thread_ = std::thread([this] { Run(); });
 }
 
@@ -198,9 +207,30 @@ std::unique_ptr<CaptureDevice> SimulatedSoundSystem::CreateCaptureDevice(const s
     return std::make_unique<Capture>(*this);
 }
 
+std::shared_ptr<const SimulatedSoundSystem::Connection> SimulatedSoundSystem::Connect() {
+    std::erase_if(connections_, [](const auto& connection) { return connection.expired(); });
+    const auto connection = std::make_shared<Connection>();
+    connections_.push_back(connection);
+    return connection;
+}
+
 void SimulatedSoundSystem::Unplug() {
     card_.SetPlugged(false);
+    for (const auto& weak : connections_)
+        if (const auto connection = weak.lock()) connection->lost = true;
     lostBell_->Raise();
+}
+
+void SimulatedSoundSystem::ReportLostBuffers() {
+    bool news = false;
+    for (const auto& weak : connections_) {
+        const auto connection = weak.lock();
+        if (!connection || !connection->lost || connection->reported) continue;
+        connection->reported = true;
+        news = true;
+    }
+    const auto handler = lostHandler_;
+    if (news && handler) handler(DeviceGone());
 }
 
 void SimulatedSoundSystem::FailNext(Operation operation, const RuntimeError& error) {

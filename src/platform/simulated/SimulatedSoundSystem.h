@@ -4,9 +4,9 @@
 #include <condition_variable>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "core/ports/EventLoop.h"
 #include "core/ports/SoundSystem.h"
@@ -49,7 +49,8 @@ public:
     bool Simulated() const noexcept override { return true; }
 
     SimulatedCard& Card() noexcept { return card_; }
-    // Takes the card away: buffers in use are lost, the devices no longer listed.
+    // Takes the card away: buffers in use are lost for good, devices no longer listed. Buffers made
+    // after Plug work again.
     void Unplug();
     void Plug() { card_.SetPlugged(true); }
     // The next such operation fails once with this error.
@@ -58,6 +59,7 @@ public:
     void SetFreeHardwareBuffers(std::int32_t count) noexcept { freeHardwareBuffers_ = count; }
 
 private:
+    struct Connection;
     class Playback;
     class Capture;
     class PlayBuffer;
@@ -66,6 +68,8 @@ private:
     SoundDeviceList Enumerate();
     void RequirePlugged(const std::string& identifier) const;
     void FailIfAsked(Operation operation);
+    std::shared_ptr<const Connection> Connect();
+    void ReportLostBuffers();
     void Run();
     void SetRate(std::uint32_t rateHz) { rateHz_.store(rateHz); }
 
@@ -74,7 +78,7 @@ private:
     std::function<void(const RuntimeError&)> lostHandler_;
     std::unique_ptr<Signal> lostBell_;
     std::map<Operation, RuntimeError> failures_;
-    int buffers_ = 0;
+    std::vector<std::weak_ptr<Connection>> connections_;  // of the buffers
     std::int32_t freeHardwareBuffers_ = 1;
 
     std::atomic<std::uint32_t> rateHz_{0};

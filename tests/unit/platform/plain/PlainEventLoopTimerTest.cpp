@@ -123,6 +123,13 @@ TEST(PlainEventLoop, RunUntilGivesUpAtItsLimit) {
     EXPECT_LT(loop.Now() - start, 5s);
 }
 
+TEST(PlainEventLoop, RunUntilNoticesAConditionThatNoEventAnnounces) {
+    PlainEventLoop loop;
+    const auto start = loop.Now();
+    EXPECT_TRUE(loop.RunUntil([&] { return loop.Now() - start > 5ms; }, 30s));
+    EXPECT_LT(loop.Now() - start, 10s);
+}
+
 TEST(PlainEventLoop, WaitEndsEarlyForARing) {
     PlainEventLoop loop;
     bool rung = false;

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "core/controls/Control.h"
+
+namespace sonavex {
+
+// The outer frame of a form. Positions and sizes in device-independent pixels.
+class Window : public Control {
+public:
+    explicit Window(std::string name) : name_(std::move(name)) {}
+
+    // The form's name, as its position is stored under.
+    const std::string& Name() const noexcept { return name_; }
+
+    const std::string& Caption() const noexcept { return caption_; }
+    void SetCaption(std::string_view caption) { Assign(caption_, caption); }
+
+    std::int32_t Left() const noexcept { return left_; }
+    std::int32_t Top() const noexcept { return top_; }
+    void Move(std::int32_t left, std::int32_t top) {
+        Assign(left_, left);
+        Assign(top_, top);
+    }
+
+    std::int32_t Width() const noexcept { return width_; }
+    std::int32_t Height() const noexcept { return height_; }
+    // The face tells the size that its layout came to.
+    void SetSize(std::int32_t width, std::int32_t height) noexcept {
+        width_ = width;
+        height_ = height;
+    }
+
+private:
+    std::string name_;
+    std::string caption_;
+    std::int32_t left_ = 0;
+    std::int32_t top_ = 0;
+    std::int32_t width_ = 0;
+    std::int32_t height_ = 0;
+};
+
+}  // namespace sonavex

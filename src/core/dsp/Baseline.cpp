@@ -1,0 +1,87 @@
+#include "core/dsp/Baseline.h"
+
+#include <cstdlib>
+
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kCaptured = "Baseline calculations captured";
+
+// Where the face remembers under which conditions the baseline was captured.
+constexpr SettingsKey kCapturedHz{"Face", "Baseline Frequency", "0"};
+constexpr SettingsKey kCapturedRate{"Face", "Baseline Rate", "0"};
+
+double Stored(const Settings& settings, const SettingsKey& key, int harmonic) {
+    const std::string name = keys::Numbered(key, harmonic);
+    return settings.Value({key.section, name, key.fallback});
+}
+
+void Save(Settings& settings, const SettingsKey& key, int harmonic, double value) {
+    settings.Store().Save(key.section, keys::Numbered(key, harmonic), Str(value));
+}
+
+}  // namespace
+
+Baseline::Baseline(Settings& settings, Dialogs& dialogs, modDSP::State& analysis, MeasurementControls& meter)
+    : settings_(settings), dialogs_(dialogs), analysis_(analysis), meter_(meter) {
+    meter_.chkAuto.Click.Handle([this] { chkAuto_Click(); });
+    chkBaseline.Click.Handle([this] { chkBaseline_Click(); });
+    cmdBaseline.Click.Handle([this] { cmdBaseline_Click(); });
+}
+
+void Baseline::RestoreBoxes() {
+    meter_.chkAuto.SetValue(settings_.Integer(keys::kAuto));
+    chkBaseline.SetValue(CInt(settings_.Value(keys::kBaseline)));
+    meter_.chkMuteOutput.SetValue(settings_.Integer(keys::kMuteMeter));
+    ApplyAuto();
+    ApplyBaseline();
+}
+
+void Baseline::ApplyAuto() {
+    meter_.txtFreq.SetEnabled(!meter_.chkAuto.Checked());
+}
+
+void Baseline::chkAuto_Click() {
+    ApplyAuto();
+    settings_.Save(keys::kAuto, CStr(std::int32_t{meter_.chkAuto.Value()}));
+}
+
+void Baseline::ApplyBaseline() {
+    analysis_.BaselineOn = chkBaseline.Value();
+    for (std::size_t i = 0; i < modDSP::kHarmonics; ++i) {
+        analysis_.BaselinePct[i] = Stored(settings_, keys::kThd, static_cast<int>(i));
+        analysis_.BaselineDb[i] = Stored(settings_, keys::kDb, static_cast<int>(i));
+    }
+    capturedHz_ = CLng(settings_.Value(kCapturedHz));
+    capturedRate_ = CLng(settings_.Value(kCapturedRate));
+    cmdBaseline.SetEnabled(!chkBaseline.Checked());
+}
+
+void Baseline::chkBaseline_Click() {
+    settings_.Save(keys::kBaseline, Str(chkBaseline.Value()));
+    ApplyBaseline();
+}
+
+void Baseline::cmdBaseline_Click() {
+    for (std::size_t i = 0; i < modDSP::kHarmonics; ++i) {
+        Save(settings_, keys::kThd, static_cast<int>(i), analysis_.CurrentPct[i]);
+        Save(settings_, keys::kDb, static_cast<int>(i), analysis_.CurrentDb[i]);
+    }
+    analysis_.BaselinePct = analysis_.CurrentPct;
+    analysis_.BaselineDb = analysis_.CurrentDb;
+    capturedHz_ = analysis_.FundamentalHz;
+    capturedRate_ = analysis_.shared.SampleRate;
+    settings_.Save(kCapturedHz, CStr(capturedHz_));
+    settings_.Save(kCapturedRate, CStr(capturedRate_));
+    dialogs_.Message(kCaptured, MessageIcon::kInformation);
+}
+
+bool Baseline::CapturedElsewhere() const {
+    if (analysis_.BaselineOn != 1 || capturedRate_ == 0) return false;
+    return capturedRate_ != analysis_.shared.SampleRate ||
+           std::abs(capturedHz_ - analysis_.FundamentalHz) >= modDSP::kLockRangeHz;
+}
+
+}  // namespace sonavex

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core/controls/Commands.h"
+#include "core/controls/Controls.h"
+#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/modDSP.h"
+#include "core/ports/Dialogs.h"
+#include "core/settings/Settings.h"
+
+namespace sonavex {
+
+// The meter's options: automatic frequency, and the baseline, the sound card's own distortion that is
+// subtracted from the percentages. User-interface thread only.
+class Baseline {
+public:
+    Baseline(Settings& settings, Dialogs& dialogs, modDSP::State& analysis, MeasurementControls& meter);
+
+    CheckBox chkBaseline;
+    CommandButton cmdBaseline;
+
+    // Start-up: the boxes as stored, and their effects. Stores nothing.
+    void RestoreBoxes();
+
+    void chkAuto_Click();
+    void chkBaseline_Click();
+    void cmdBaseline_Click();
+
+    // The applied baseline was captured at another frequency or sampling rate than the present one. A
+    // baseline of which neither is known does not count.
+    bool CapturedElsewhere() const;
+
+private:
+    void ApplyAuto();
+    void ApplyBaseline();
+
+    Settings& settings_;
+    Dialogs& dialogs_;
+    modDSP::State& analysis_;
+    MeasurementControls& meter_;
+    std::int32_t capturedHz_ = 0;  // 0: not known
+    std::int32_t capturedRate_ = 0;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,65 @@
+#include "core/shell/HandlerGuard.h"
+
+#include <new>
+
+#include "core/support/ScopedFlag.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+// Every failure as a run-time error.
+RuntimeError AsRuntimeError(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const RuntimeError& runtimeError) {
+        return runtimeError;
+    } catch (const std::bad_alloc&) {
+        return RuntimeError(error_number::kOutOfMemory);
+    } catch (const std::exception& other) {
+        return {error_number::kInvalidCall, other.what()};
+    }
+}
+
+}  // namespace
+
+std::string HandlerGuard::Text(const RuntimeError& error) {
+    return "Run-time error '" + CStr(error.Number()) + "':\r\r" + error.what();
+}
+
+void HandlerGuard::Show(const RuntimeError& error) {
+    log_.WriteLine("Run-time error '" + CStr(error.Number()) + "': " + error.what());
+    if (OnMessageOpen) OnMessageOpen(true);
+    {
+        const ScopedFlag open(open_);
+        dialogs_.Message(Text(error), MessageIcon::kCritical);
+    }
+    if (OnMessageOpen) OnMessageOpen(false);
+}
+
+void HandlerGuard::Run(const std::function<void()>& handler) {
+    try {
+        handler();
+    } catch (const EndProgram& end) {
+        if (OnEnd) OnEnd(end.status);
+    } catch (...) {
+        Show(AsRuntimeError(std::current_exception()));
+    }
+}
+
+void HandlerGuard::StreamError(std::exception_ptr error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const EndProgram& end) {
+        if (OnEnd) OnEnd(end.status);
+        return;
+    } catch (...) {
+    }
+    const RuntimeError runtimeError = AsRuntimeError(error);
+    const std::string text = Text(runtimeError);
+    if (open_ || text == lastStreamError_) return;
+    lastStreamError_ = text;
+    Show(runtimeError);
+}
+
+}  // namespace sonavex

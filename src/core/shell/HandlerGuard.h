@@ -1,0 +1,44 @@
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <string>
+
+#include "core/audio/ErrorLog.h"
+#include "core/ports/Dialogs.h"
+#include "core/text/RuntimeError.h"
+
+namespace sonavex {
+
+// The last stop of errors that escape a handler: says so, logs a line and lets the instrument live
+// on. User-interface thread only.
+class HandlerGuard {
+public:
+    HandlerGuard(Dialogs& dialogs, ErrorLog& log) : dialogs_(dialogs), log_(log) {}
+
+    // Runs a control's handler. EndProgram passes through to onEnd.
+    void Run(const std::function<void()>& handler);
+
+    // An error that escaped the notification callback or the tick. The same error is shown once, until
+    // BlockSucceeded; nothing is shown while a message is open.
+    void StreamError(std::exception_ptr error);
+    void BlockSucceeded() noexcept { lastStreamError_.clear(); }
+
+    // Told when a message opens (true) and when it has been closed (false).
+    std::function<void(bool)> OnMessageOpen;
+    // The program is to end with this status.
+    std::function<void(int)> OnEnd;
+
+    // "Run-time error '13':" with the text below.
+    static std::string Text(const RuntimeError& error);
+
+private:
+    void Show(const RuntimeError& error);
+
+    Dialogs& dialogs_;
+    ErrorLog& log_;
+    std::string lastStreamError_;
+    bool open_ = false;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,26 @@
+#include "core/shell/frmSplash.h"
+
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+
+frmSplash::frmSplash(Dialogs& dialogs, EventLoop& loop) : dialogs_(dialogs), loop_(loop) {}
+
+void frmSplash::Form_Load(const ApplicationVersion& version) {
+    dialogs_.SetBusyPointer(true);
+    const std::string number = CStr(version.major) + "." + CStr(version.minor) + "." + CStr(version.revision);
+    lblVersion.SetCaption("Version " + number + "  " + version.comment);
+    visible_ = true;
+    loop_.Yield();
+    dialogs_.SetBusyPointer(false);
+}
+
+void frmSplash::Frame_Click() {
+    Unload();
+}
+
+void frmSplash::Unload() {
+    visible_ = false;
+}
+
+}  // namespace sonavex

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+
+#include "core/controls/Controls.h"
+#include "core/controls/Window.h"
+#include "core/ports/Dialogs.h"
+#include "core/ports/EventLoop.h"
+
+namespace sonavex {
+
+// Major, minor and revision number of the program, and what it says of itself.
+struct ApplicationVersion {
+    int major = 0;
+    int minor = 0;
+    int revision = 0;
+    std::string comment;
+};
+
+// What is shown while the instrument starts. User-interface thread only.
+class frmSplash {
+public:
+    frmSplash(Dialogs& dialogs, EventLoop& loop);
+
+    Window Frame{"frmSplash"};
+    Label lblVersion;
+    // True until the splash has been clicked away or the start is over.
+    bool Visible() const noexcept { return visible_; }
+
+    void Form_Load(const ApplicationVersion& version);
+    void Frame_Click();
+    // The start is over.
+    void Unload();
+
+private:
+    Dialogs& dialogs_;
+    EventLoop& loop_;
+    bool visible_ = false;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/audio/StreamEngine.h"
+#include "platform/plain/MemorySettingsStore.h"
+#include "support/FakeSoundSystem.h"
+#include "support/Recorders.h"
+#include "support/VirtualEventLoop.h"
+
+namespace sonavex {
+
+// A stream engine whose whole surroundings are fakes that write to one log. Yields are in the log.
+struct EngineBench {
+    explicit EngineBench(std::int32_t osMajorVersion = 10) {
+        shared.OsMajorVersion = osMajorVersion;
+        shared.SampleRate = 32000;
+        loop.OnYield([this] { log.Note("Yield"); });
+        engine.Trace = [this](std::string_view label, std::int32_t cursor) {
+            traces.push_back(std::string(label) + '@' + std::to_string(cursor));
+        };
+    }
+
+    // Devices, events and stream state as after the start of the program, capture running. Clears
+    // the log.
+    void Start() {
+        ASSERT_TRUE(engine.CreateDevices());
+        ASSERT_TRUE(engine.SetEvents());
+        engine.ResetStream();
+        engine.StartCapture();
+        log.Clear();
+    }
+
+    // Fires the segments in order until so many more blocks have been processed.
+    void RunBlocks(int blocks) {
+        for (int i = 0; i < blocks; ++i) sound.FireSegment(nextSegment++ % 4);
+    }
+
+    // Playback runs; the next block to write is `index`.
+    void RunUpToIndex(std::int32_t index) {
+        Start();
+        sound.restingCursors = {0, 0};
+        RunBlocks(7);
+        RunBlocks(1);
+        sound.restingCursors = {40000, 40000};  // behind the first four blocks
+        RunBlocks(index);
+        ASSERT_EQ(engine.PlayBlockIndex, index);
+        ASSERT_FALSE(engine.RestartPending);
+        ASSERT_EQ(engine.Overruns, 0U);
+        log.Clear();
+        traces.clear();
+        sound.written.clear();
+    }
+
+    CallLog log;
+    std::vector<std::string> traces;  // label@cursor
+    SharedState shared;
+    MemorySettingsStore store;
+    Settings settings{store};
+    FakeSoundSystem sound{log};
+    VirtualEventLoop loop;
+    RecordingDialogs dialogs{log};
+    RecordingErrorLog errorLog{log};
+    RecordingMixers mixers{log};
+    RecordingProcessor processor{log};
+    Label lblInput;
+    Label lblOutput;
+    Label lblSampleRate;
+    Slider sldStartFreq;
+    Slider sldEndFreq;
+    StreamEngine engine{{shared, settings, sound, loop, dialogs, errorLog, mixers, processor},
+                        {lblInput, lblOutput, lblSampleRate, sldStartFreq, sldEndFreq}};
+    std::size_t nextSegment = 0;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+
+#include "core/audio/BlockProcessor.h"
+#include "core/audio/ErrorLog.h"
+#include "core/audio/MixerBinding.h"
+#include "core/ports/Dialogs.h"
+#include "support/CallLog.h"
+
+namespace sonavex {
+
+// "Message critical|information TEXT", "SetBusyPointer on|off".
+class RecordingDialogs : public Dialogs {
+public:
+    explicit RecordingDialogs(CallLog& log) noexcept : log_(log) {}
+    void Message(const std::string& text, MessageIcon icon) override {
+        log_.Call("Message", (icon == MessageIcon::kCritical ? "critical " : "information ") + text);
+    }
+    void SetBusyPointer(bool busy) override { log_.Note(busy ? "SetBusyPointer on" : "SetBusyPointer off"); }
+
+private:
+    CallLog& log_;
+};
+
+// "WriteErrorLog NUMBER TEXT", "SetFatalError true|false".
+class RecordingErrorLog : public ErrorLog {
+public:
+    explicit RecordingErrorLog(CallLog& log) noexcept : log_(log) {}
+    std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override {
+        log_.Call("WriteErrorLog", std::to_string(error.Number()) + ' ' + tStr);
+        tStr += "\r\rA record was written.";
+        return 0;
+    }
+    void SetFatalError(bool fatal) override {
+        log_.Note(fatal ? "SetFatalError true" : "SetFatalError false");
+    }
+
+private:
+    CallLog& log_;
+};
+
+// "PointMixersAt OUTPUT|INPUT", "ReopenSoundCard OUTPUT|INPUT".
+class RecordingMixers : public MixerBinding {
+public:
+    explicit RecordingMixers(CallLog& log) noexcept : log_(log) {}
+    void PointMixersAt(const std::string& outputDeviceName, const std::string& inputDeviceName) override {
+        log_.Call("PointMixersAt", outputDeviceName + '|' + inputDeviceName);
+    }
+    void ReopenSoundCard(const std::string& outputDeviceName, const std::string& inputDeviceName) override {
+        log_.Call("ReopenSoundCard", outputDeviceName + '|' + inputDeviceName);
+        if (mixerLibraryMissing) throw EndProgram{0};
+    }
+    bool mixerLibraryMissing = false;
+
+private:
+    CallLog& log_;
+};
+
+// "SetUpAnalysis LOW HIGH", "ProcessCapturedBlock", "StreamDisturbed".
+class RecordingProcessor : public BlockProcessor {
+public:
+    explicit RecordingProcessor(CallLog& log) noexcept : log_(log) {}
+    void SetUpAnalysis(std::int32_t lowHz, std::int32_t highHz) override {
+        log_.Call("SetUpAnalysis", std::to_string(lowHz) + ' ' + std::to_string(highHz));
+    }
+    void ProcessCapturedBlock(std::span<const std::int16_t> captured,
+                              std::span<std::int16_t> playback) override {
+        log_.Call("ProcessCapturedBlock");
+        if (onBlock) onBlock(captured, playback);
+    }
+    void StreamDisturbed() override { log_.Note("StreamDisturbed"); }
+
+    std::function<void(std::span<const std::int16_t>, std::span<std::int16_t>)> onBlock;
+
+private:
+    CallLog& log_;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,174 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "support/Errors.h"
+#include "support/GeneratorBench.h"
+
+namespace sonavex {
+namespace {
+
+constexpr double kPi = 3.14159265358979;
+constexpr double kTwoPi = 6.28318530717958;
+
+TEST(FrequencyCheck, RemembersTheSweepFrequencyAndComputesIncrements) {
+    GeneratorBench bench(48000);
+    ToneRecord& tone = bench.Add(wave::kSine, 1000.0);
+    bench.Run();
+    tone.Frequency = 2000.0;
+    tone.SweepFrequency = 1500.0;
+    bench.Fill();
+    EXPECT_EQ(tone.LastFrequency, 1500.0);
+    EXPECT_EQ(tone.Period, 24.0);
+    EXPECT_EQ(tone.PhaseIncrement, kTwoPi / 24.0);
+}
+
+TEST(FrequencyCheck, ComputesAgainAsLongAsTheTwoDiffer) {
+    GeneratorBench bench(48000);
+    ToneRecord& tone = bench.Add(wave::kSine, 1000.0);
+    bench.Run();
+    tone.Frequency = 2000.0;
+    tone.SweepFrequency = 1500.0;
+    bench.Fill();
+    bench.shared.SampleRate = 24000;
+    bench.Fill();
+    EXPECT_EQ(tone.Period, 12.0);
+    tone.SweepFrequency = 2000.0;
+    bench.Fill();
+    EXPECT_EQ(tone.LastFrequency, 2000.0);
+    bench.shared.SampleRate = 48000;
+    bench.Fill();
+    EXPECT_EQ(tone.Period, 12.0);
+}
+
+TEST(FrequencyCheck, IsOverWhenTheFillReturns) {
+    GeneratorBench bench;
+    bench.Add(wave::kSine, 1000.0);
+    bench.Run();
+    bench.generator.ToneUpdateBusy = true;
+    bench.Fill();
+    EXPECT_FALSE(bench.generator.ToneUpdateBusy);
+}
+
+TEST(Phase, OfASineIsContinuousOverAChangeOfFrequency) {
+    GeneratorBench bench(48000);
+    ToneRecord& tone = bench.Add(wave::kSine, 1000.0);
+    bench.Run();
+    bench.Fill();
+    const double phase = tone.Phase;
+    tone.Frequency = tone.SweepFrequency = 1234.5;
+    const auto next = bench.Fill();
+    EXPECT_NEAR(next[0], 8191.75 * std::sin(phase + kTwoPi / (48000 / 1234.5)), 1e-8);
+}
+
+TEST(Phase, OfTheOtherWavesGoesOnAtItsCount) {
+    for (const std::int16_t type : {wave::kSquare, wave::kTriangle, wave::kSawtooth}) {
+        GeneratorBench bench(48000);
+        ToneRecord& tone = bench.Add(type, 480.0);  // cycle of 101 samples
+        bench.Run();
+        bench.Fill();
+        EXPECT_EQ(tone.SampleCount, kBlock % 101);
+        tone.Frequency = tone.SweepFrequency = 240.0;  // period 200
+        bench.Fill(1);
+        EXPECT_EQ(tone.SampleCount, kBlock % 101 + 1);
+        EXPECT_EQ(tone.Period, 200.0);
+    }
+}
+
+TEST(Phase, OfASineStaysWithinHalfATurn) {
+    for (const double frequencyHz : {1.0, 997.0, 12000.0, 23999.0, 24000.0}) {
+        GeneratorBench bench(48000);
+        const ToneRecord& tone = bench.Add(wave::kSine, frequencyHz);
+        bench.Run();
+        for (int block = 0; block < 5000; ++block) {
+            bench.generator.FillGeneratorBlock(bench.first, bench.second, 1 + block % 2048);
+            ASSERT_GT(tone.Phase, -kPi - 1e-9) << frequencyHz;
+            ASSERT_LE(tone.Phase, kPi) << frequencyHz;
+        }
+    }
+}
+
+TEST(Phase, OfASineStaysWithinHalfATurnAfterEveryStep) {
+    GeneratorBench bench(44100);
+    const ToneRecord& tone = bench.Add(wave::kSine, 7777.0);
+    bench.Run();
+    for (int i = 0; i < 20000; ++i) {
+        const double before = tone.Phase;
+        bench.generator.FillGeneratorBlock(bench.first, bench.second, 1);
+        const double advanced = before + tone.PhaseIncrement;
+        ASSERT_EQ(tone.Phase, advanced > kPi ? advanced - kTwoPi : advanced);
+        ASSERT_GT(tone.Phase, -kPi);
+        ASSERT_LE(tone.Phase, kPi);
+    }
+}
+
+TEST(ResetTonePhases, StartsChangedTonesAndKeepsTheOthers) {
+    GeneratorBench bench(48000);
+    ToneRecord& kept = bench.Add(wave::kSine, 1000.0);
+    ToneRecord& changed = bench.Add(wave::kSawtooth, 480.0);
+    bench.Run();
+    bench.Fill(30);
+    const ToneRecord before = kept;
+    ASSERT_NE(before.Phase, 0.0);
+    changed.Frequency = 960.0;
+    changed.SweepFrequency = 111.0;
+    bench.generator.ResetTonePhases();
+    EXPECT_EQ(kept.Phase, before.Phase);
+    EXPECT_EQ(kept.PhaseIncrement, before.PhaseIncrement);
+    EXPECT_EQ(changed.Phase, 0.0);
+    EXPECT_EQ(changed.SampleCount, 0.0);
+    EXPECT_EQ(changed.LastFrequency, 960.0);  // the frequency itself, unlike the fill
+    EXPECT_EQ(changed.Period, 50.0);
+    EXPECT_EQ(changed.PhaseIncrement, kTwoPi / 50.0);
+    EXPECT_EQ(changed.SweepFrequency, 111.0);
+}
+
+TEST(ResetTonePhases, KeepsTheCountOfAToneThatStaysAtItsFrequency) {
+    GeneratorBench bench(48000);
+    const ToneRecord& tone = bench.Add(wave::kSawtooth, 480.0);
+    bench.Run();
+    bench.Fill(30);
+    bench.generator.ResetTonePhases();
+    EXPECT_EQ(tone.SampleCount, 30.0);
+}
+
+TEST(ResetTonePhases, TouchesOnlyTheTonesInUse) {
+    GeneratorBench bench;
+    bench.Add(wave::kSine, 1000.0);
+    bench.generator.Tones[1].Frequency = 500.0;
+    bench.generator.ResetTonePhases();
+    EXPECT_EQ(bench.generator.Tones[1].LastFrequency, 0.0);
+    EXPECT_EQ(bench.generator.Tones[1].Period, 0.0);
+}
+
+TEST(ResetTonePhases, RaisesItsErrors) {
+    GeneratorBench bench;
+    ToneRecord& tone = bench.Add(wave::kSine, 1000.0);
+    const auto reset = [&] {
+        bench.generator.ResetTonePhases();
+        return 0;
+    };
+    EXPECT_EQ(ErrorOf(reset), 0);
+    tone.Frequency = 0.0;
+    EXPECT_EQ(ErrorOf(reset), 11);
+    bench.generator.NumTones = 10;
+    for (ToneRecord& record : bench.generator.Tones) record.Frequency = 1.0;
+    EXPECT_EQ(ErrorOf(reset), 9);
+}
+
+TEST(SetGeneratorRunning, KeepsItsState) {
+    GeneratorBench bench;
+    Generator& generator = bench.generator;
+    EXPECT_FALSE(generator.GeneratorRunning);
+    generator.SetGeneratorRunning(true);
+    EXPECT_TRUE(generator.GeneratorRunning);
+    EXPECT_EQ(generator.GeneratorState, 0);
+    generator.SetGeneratorRunning(false);
+    EXPECT_FALSE(generator.GeneratorRunning);
+    EXPECT_EQ(generator.GeneratorState, 8);
+    generator.SetGeneratorRunning(true);
+    EXPECT_EQ(generator.GeneratorState, 8);
+}
+
+}  // namespace
+}  // namespace sonavex
