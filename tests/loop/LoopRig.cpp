@@ -25,6 +25,11 @@ void LoopRig::Message(const std::string& text, MessageIcon) {
     ADD_FAILURE() << text;
 }
 
+bool LoopRig::AskOkCancel(const std::string& text) {
+    ADD_FAILURE() << text;
+    return false;
+}
+
 std::int32_t LoopRig::WriteErrorLog(std::string& tStr, const RuntimeError& error) {
     ADD_FAILURE() << tStr << ' ' << error.what();
     return 0;

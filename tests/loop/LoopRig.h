@@ -42,8 +42,10 @@ public:
 
 private:
     void Message(const std::string& text, MessageIcon icon) override;
+    bool AskOkCancel(const std::string& text) override;
     void SetBusyPointer(bool) override {}
     std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
+    void WriteLine(const std::string&) override {}
     void SetFatalError(bool) override {}
     void PointMixersAt(const std::string&, const std::string&) override {}
     void ReopenSoundCard(const std::string&, const std::string&) override {}
