@@ -65,9 +65,16 @@ void PipeWireServer::StartProtocol() {
     WaitUntilReady();
     for (const NullSink& sink : sinks_) LoadNullSink(sink);
     if (sinks_.empty()) return;
-    const std::string first = sinks_.front().name;
-    Control({"set-default-sink", first});
-    WaitFor("default sink", [&] { return Control({"get-default-sink"}) == first; });
+    WaitFor("default sink", [&] { return TakesDefault(sinks_.front().name); });
+}
+
+bool PipeWireServer::TakesDefault(const std::string& sink) const {
+    try {
+        Control({"set-default-sink", sink});
+        return Control({"get-default-sink"}) == sink;
+    } catch (const std::runtime_error&) {
+        return false;  // not before the session manager has got ready
+    }
 }
 
 void PipeWireServer::Kill() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "support/SoundServer.h"
@@ -29,6 +30,7 @@ private:
     std::unique_ptr<ChildProcess> Launch(const Arguments& command) const;
     void WriteConfiguration() const;
     void StartProtocol();
+    bool TakesDefault(const std::string& sink) const;
 
     std::vector<NullSink> sinks_;
     std::unique_ptr<ChildProcess> bus_;

@@ -23,9 +23,10 @@ pa_buffer_attr PlaybackAttributes(std::uint32_t rateHz) noexcept {
     return {kUnset, frames * kFrameBytes, kUnset, kUnset, kUnset};
 }
 
-// Small against a block, so that its end is noticed soon after it was captured.
+// Small against a block, so that its end is noticed soon after it was captured; not smaller, because
+// PipeWire runs its whole graph at the next lower power of two.
 pa_buffer_attr CaptureAttributes(std::uint32_t rateHz) noexcept {
-    const std::uint32_t frames = std::clamp(FramesOf(rateHz, 10), 1U, kBlockFrames / 4);
+    const std::uint32_t frames = std::clamp(FramesOf(rateHz, 12), 1U, kBlockFrames / 4);
     return {kUnset, kUnset, kUnset, kUnset, frames * kFrameBytes};
 }
 
