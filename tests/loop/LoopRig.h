@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/audio/StreamEngine.h"
+#include "core/settings/Settings.h"
+#include "core/shell/Meter.h"
+#include "platform/plain/MemorySettingsStore.h"
+#include "platform/plain/PlainEventLoop.h"
+#include "platform/simulated/SimulatedSoundSystem.h"
+
+namespace sonavex {
+
+// The whole way of the sound: generator, engine, rings, simulated card with its device under test,
+// and back into the analysis. The card moves only when the test steps it.
+class LoopRig : private Dialogs, private ErrorLog, private MixerBinding {
+public:
+    explicit LoopRig(std::int32_t rateHz);
+
+    // One sine at 0 dB, 8191.75 steps peak, from now on.
+    void PlaySine(double frequencyHz);
+    void Connect(const DeviceUnderTestModel& model) { sound_.Card().SetDeviceUnderTest(model); }
+
+    // So many blocks through the card; every one must come back and be analysed.
+    void Step(int blocks = 1);
+    // Until 19 good blocks in a row are shown.
+    void Settle();
+
+    // Readings of harmonic n, 2 to 9.
+    double Percent(int n) const;
+    double Db(int n) const;
+    std::string PercentText(int n) const;
+    std::string DbText(int n) const;
+
+    SharedState shared;
+    Meter meter{shared};
+
+    StreamEngine& Engine() { return *engine_; }
+
+private:
+    void Message(const std::string& text, MessageIcon icon) override;
+    bool AskOkCancel(const std::string& text) override;
+    void SetBusyPointer(bool) override {}
+    std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
+    void WriteLine(const std::string&) override {}
+    void SetFatalError(bool) override {}
+    void PointMixersAt(const std::string&, const std::string&) override {}
+    void ReopenSoundCard(const std::string&, const std::string&) override {}
+
+    PlainEventLoop loop_;
+    MemorySettingsStore store_;
+    Settings settings_{store_};
+    SimulatedSoundSystem sound_{loop_, SimulatedSoundSystem::Pace::kStepped};
+    Label lblInput_;
+    Label lblOutput_;
+    Label lblSampleRate_;
+    Slider sldStartFreq_;
+    Slider sldEndFreq_;
+    std::unique_ptr<StreamEngine> engine_;
+};
+
+}  // namespace sonavex
