@@ -28,7 +28,8 @@ PipeWireServer::PipeWireServer(std::vector<NullSink> sinks) : sinks_(std::move(s
     WriteConfiguration();
     const auto busSocket = Folder() / "bus";
     const auto daemonSocket = Folder() / "pipewire-0";
-    bus_ = Launch({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=unix:path=" + busSocket.string()});
+    bus_ = Launch(
+        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=unix:path=" + busSocket.string()});
     WaitFor("message bus", [&] { return std::filesystem::exists(busSocket); });
     daemon_ = Launch({"pipewire"});
     WaitFor("PipeWire daemon", [&] { return std::filesystem::exists(daemonSocket); });

@@ -10,8 +10,13 @@ PulseServer::PulseServer(std::vector<NullSink> sinks) : sinks_(std::move(sinks))
 }
 
 void PulseServer::Start() {
-    Arguments command{"pulseaudio",      "--daemonize=no",   "--exit-idle-time=-1", "--use-pid-file=no",
-                      "--realtime=no",   "--high-priority=no", "-n"};
+    Arguments command{"pulseaudio",
+                      "--daemonize=no",
+                      "--exit-idle-time=-1",
+                      "--use-pid-file=no",
+                      "--realtime=no",
+                      "--high-priority=no",
+                      "-n"};
     for (const NullSink& sink : sinks_) {
         std::string module;
         for (const std::string& argument : NullSinkArguments(sink)) module += argument + " ";

@@ -74,6 +74,7 @@ struct CaptureStatistics {
     std::uint64_t framesCaptured = 0;
     std::uint64_t segmentsCompleted = 0;  // notification positions passed while running
     std::uint64_t segmentsLost = 0;       // of these, not notified because the same event was still waiting
+    std::uint64_t framesMissing = 0;      // of those captured, left out by the device and replaced by silence
 };
 
 // A looping playback buffer. Positions and lengths in bytes, multiples of a frame (error 5 otherwise).

@@ -77,7 +77,7 @@ void PulseStream::Create(pa_context* server, std::uint32_t rateHz, const char* t
     pa_proplist_sets(properties, "state.restore-props", "false");
     stream_ = pa_stream_new_with_proplist(server, title, &spec, nullptr, properties);
     pa_proplist_free(properties);
-    if (stream_ == nullptr) throw OpenError();
+    if (stream_ == nullptr) throw OpenError(pa_context_errno(server));
     pa_stream_set_state_callback(stream_, OnState, this);
     pa_stream_set_moved_callback(stream_, OnMoved, this);
     pa_stream_set_suspended_callback(stream_, OnSuspended, this);
@@ -86,28 +86,31 @@ void PulseStream::Create(pa_context* server, std::uint32_t rateHz, const char* t
 void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector& connect) {
     const PulseDeadline deadline;
     const PulseContext::Lock lock(context_);
-    Create(context_.Connected(deadline), rateHz, title);
-    if (connect(stream_, device_.identifier.c_str(), kStreamFlags) < 0) throw OpenError();
+    pa_context* const server = context_.Connected(deadline);
+    Create(server, rateHz, title);
+    if (connect(stream_, device_.identifier.c_str(), kStreamFlags) < 0)
+        throw OpenError(pa_context_errno(server));
     const bool settled =
         context_.WaitUntil(deadline, [this] { return pa_stream_get_state(stream_) != PA_STREAM_CREATING; });
     if (!settled)
         throw RuntimeError(sound_error::kGeneric,
                            "The sound server does not open the sound device '" + device_.description + "'.");
-    if (pa_stream_get_state(stream_) != PA_STREAM_READY) throw OpenError();
+    if (pa_stream_get_state(stream_) != PA_STREAM_READY) throw OpenError(failure_);
     opened_ = true;
 }
 
-RuntimeError PulseStream::OpenError() const {
-    const int error = stream_ == nullptr ? PA_ERR_INTERNAL : pa_context_errno(pa_stream_get_context(stream_));
-    return {OpenErrorNumber(error),
-            "The sound device '" + device_.description + "' cannot be opened: " + pa_strerror(error) + "."};
+RuntimeError PulseStream::OpenError(int paError) const {
+    return {OpenErrorNumber(paError),
+            "The sound device '" + device_.description + "' cannot be opened: " + pa_strerror(paError) + "."};
 }
 
 void PulseStream::OnState(pa_stream* stream, void* self) {
     auto& me = *static_cast<PulseStream*>(self);
     if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream))) {
-        const pa_context_state_t server = pa_context_get_state(pa_stream_get_context(stream));
-        me.Lose(PA_CONTEXT_IS_GOOD(server) ? Loss::kDeviceRemoved : Loss::kServerGone);
+        // A failed stream parts with its context after this.
+        pa_context* const server = pa_stream_get_context(stream);
+        me.failure_ = pa_context_errno(server);
+        me.Lose(PA_CONTEXT_IS_GOOD(pa_context_get_state(server)) ? Loss::kDeviceRemoved : Loss::kServerGone);
     }
     me.context_.Wake();
 }

@@ -48,12 +48,15 @@ private:
     void Create(pa_context* server, std::uint32_t rateHz, const char* title);
     void Lose(Loss loss) noexcept;
     std::string LossText() const;
-    RuntimeError OpenError() const;
+    RuntimeError OpenError(int paError) const;
 
     PulseContext& context_;
     SoundDeviceInfo device_;
     pa_stream* stream_ = nullptr;
-    bool opened_ = false;  // under the context's lock
+    // Under the context's lock.
+    bool opened_ = false;
+    int failure_ = PA_OK;  // why the stream failed
+
     std::atomic<Loss> loss_{Loss::kNone};
     std::unique_ptr<Signal> lostBell_;
 };

@@ -26,9 +26,10 @@ void CaptureRing::Stop() noexcept {
 }
 
 template <class Source>
-void CaptureRing::PushFrom(Source source, std::size_t frames) noexcept {
+bool CaptureRing::PushFrom(Source source, std::size_t frames) noexcept {
     pushing_.store(true);
-    if (running_.load()) {
+    const bool running = running_.load();
+    if (running) {
         if (rewind_.exchange(false)) next_ = 0;
         for (std::size_t i = 0; i < frames; ++i) {
             source(i, next_);
@@ -38,6 +39,7 @@ void CaptureRing::PushFrom(Source source, std::size_t frames) noexcept {
         captured_.fetch_add(frames, std::memory_order_relaxed);
     }
     pushing_.store(false);
+    return running;
 }
 
 void CaptureRing::Notify(std::size_t frame) noexcept {
@@ -54,7 +56,8 @@ void CaptureRing::Push(const std::int16_t* samples, std::size_t frames) noexcept
 }
 
 void CaptureRing::PushSilence(std::size_t frames) noexcept {
-    PushFrom([&](std::size_t, std::size_t at) { frames_.Store(at, 0, 0); }, frames);
+    if (PushFrom([&](std::size_t, std::size_t at) { frames_.Store(at, 0, 0); }, frames))
+        missing_.fetch_add(frames, std::memory_order_relaxed);
 }
 
 void CaptureRing::Read(std::int32_t offset, std::span<std::int16_t> samples) const {
@@ -64,7 +67,7 @@ void CaptureRing::Read(std::int32_t offset, std::span<std::int16_t> samples) con
 }
 
 CaptureStatistics CaptureRing::Statistics() const noexcept {
-    return {captured_.load(), completed_.load(), lost_.load()};
+    return {captured_.load(), completed_.load(), lost_.load(), missing_.load()};
 }
 
 }  // namespace sonavex

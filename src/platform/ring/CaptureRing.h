@@ -32,15 +32,16 @@ public:
 
     // Interleaved stereo, 2 x frames samples.
     void Push(const std::int16_t* samples, std::size_t frames) noexcept;
-    // The same with silence, for a gap in what the device delivered.
+    // The same with silence, for a gap in what the device delivered; counted as missing.
     void PushSilence(std::size_t frames) noexcept;
 
     void Read(std::int32_t offset, std::span<std::int16_t> samples) const;
     CaptureStatistics Statistics() const noexcept;
 
 private:
+    // False when the ring is stopped and nothing was stored.
     template <class Source>
-    void PushFrom(Source source, std::size_t frames) noexcept;
+    bool PushFrom(Source source, std::size_t frames) noexcept;
     void Notify(std::size_t frame) noexcept;
 
     RingFrames frames_;
@@ -53,6 +54,7 @@ private:
     std::atomic<std::uint64_t> captured_{0};
     std::atomic<std::uint64_t> completed_{0};
     std::atomic<std::uint64_t> lost_{0};
+    std::atomic<std::uint64_t> missing_{0};
 };
 
 }  // namespace sonavex
