@@ -12,6 +12,7 @@ namespace sonavex::measure {
 namespace {
 
 constexpr std::int32_t kLongestSweepMs = 10000;
+constexpr double kLowestHz = 0.001;
 
 std::vector<std::string> Split(const std::string& text, char separator) {
     std::vector<std::string> fields;
@@ -45,8 +46,9 @@ std::int32_t SweepTimeOf(const std::string& text, const std::string& field) {
 }
 
 void CheckRange(const std::string& text, double frequencyHz, std::int32_t rateHz) {
-    if (frequencyHz > 0.0 && frequencyHz <= rateHz / 2.0) return;
-    Refuse(text, "has a frequency outside 0 to " + CStr(rateHz / 2) + " Hz, half the sampling rate.");
+    if (frequencyHz >= kLowestHz && frequencyHz <= rateHz / 2.0) return;
+    Refuse(text, "has a frequency outside " + CStr(kLowestHz) + " to " + CStr(rateHz / 2) +
+                     " Hz, half the sampling rate.");
 }
 
 }  // namespace
