@@ -131,7 +131,8 @@ void ExpectShape(const ordered_json& line, bool live) {
 
 std::string Captions(const ordered_json& line, const char* key) {
     std::string text;
-    for (const auto& caption : line.at(key)) text += (text.empty() ? "" : " ") + caption.get<std::string>();
+    for (const auto& caption : line.at(key)) text += caption.get<std::string>() + " ";
+    if (!text.empty()) text.pop_back();
     return text;
 }
 
