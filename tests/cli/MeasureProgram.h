@@ -61,6 +61,11 @@ void ExpectRefusal(const Outcome& outcome, const std::string& text);
 // live: with what a live measurement adds.
 void ExpectShape(const nlohmann::ordered_json& line, bool live);
 
+// The end of the table: every harmonic and the total in percent, every harmonic in dB.
+inline constexpr const char* kReadingsPattern =
+    " 2nd +3rd +4th +5th +6th +7th +8th +9th +Total\n=+\nThd %( +[0-9.]+| +N/A){9}\n"
+    "dB  ( +-?[0-9.]+| +N/A){8}\n$";
+
 // The captions of the line joined by blanks.
 std::string Captions(const nlohmann::ordered_json& line, const char* key);
 
