@@ -37,12 +37,28 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
     return pointers;
 }
 
+// A file that is written at its end; closed with this object.
+class OpenFile {
+public:
+    explicit OpenFile(const std::filesystem::path& path)
+        : descriptor_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOCTTY | O_CLOEXEC, 0600)) {
+        if (descriptor_ < 0) throw std::runtime_error("cannot write " + path.string());
+    }
+    ~OpenFile() { close(descriptor_); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    int Descriptor() const noexcept { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
 // In the new process: only calls that are safe between fork and exec.
-[[noreturn]] void Become(char** command, char** environment, int output) {
+[[noreturn]] void Become(char** command, char** environment, int output, int errors) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(output, STDOUT_FILENO);
-    dup2(output, STDERR_FILENO);
+    dup2(errors, STDERR_FILENO);
     execvpe(command[0], command, environment);
     _exit(127);
 }
@@ -50,18 +66,17 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 }  // namespace
 
 ChildProcess::ChildProcess(const Arguments& command, const Environment& environment,
-                           const std::filesystem::path& output) {
+                           const std::filesystem::path& output, const std::filesystem::path& errors) {
     Arguments commandCopy = command;
     std::vector<std::string> environmentCopy = MergedEnvironment(environment);
     const std::vector<char*> commandPointers = Pointers(commandCopy);
     const std::vector<char*> environmentPointers = Pointers(environmentCopy);
-    const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    if (file < 0) throw std::runtime_error("cannot write " + output.string());
+    const OpenFile outputFile(output);
+    const OpenFile errorsFile(errors);
     pid_ = fork();
     if (pid_ == 0)
         Become(const_cast<char**>(commandPointers.data()), const_cast<char**>(environmentPointers.data()),
-               file);
-    close(file);
+               outputFile.Descriptor(), errorsFile.Descriptor());
     if (pid_ < 0) throw std::runtime_error("cannot start " + command.front());
     // Both sides set the group, so that it exists whoever comes first.
     setpgid(pid_, pid_);

@@ -14,13 +14,16 @@ using Arguments = std::vector<std::string>;
 using Environment = std::vector<std::pair<std::string, std::string>>;
 
 // A program that runs beside the test, in a process group of its own, and ends with it. What it
-// prints goes to a file.
+// prints goes to a file, or to one and its complaints to another.
 class ChildProcess {
 public:
     // The environment's values come on top of the test's own. Throws std::runtime_error when the
     // program cannot be started.
     ChildProcess(const Arguments& command, const Environment& environment,
-                 const std::filesystem::path& output);
+                 const std::filesystem::path& output)
+        : ChildProcess(command, environment, output, output) {}
+    ChildProcess(const Arguments& command, const Environment& environment,
+                 const std::filesystem::path& output, const std::filesystem::path& errors);
     // Ends the group: politely, then by force.
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;

@@ -17,6 +17,7 @@ constexpr std::int32_t kLowEdgeHz = 25;
 constexpr int kUpdatesNeeded = 2;
 constexpr auto kFirstBlockLimit = 2500ms;
 constexpr auto kPollInterval = 50ms;
+constexpr auto kLongestCheckInterval = 4 * kPollInterval;
 
 std::int32_t RateOf(const RunOptions& options, std::int32_t osMajorVersion) {
     if (options.rateHz) return *options.rateHz;
@@ -42,21 +43,26 @@ bool Listed(const SoundDeviceList& devices, const std::string& identifier) {
                        [&](const SoundDeviceInfo& device) { return device.identifier == identifier; });
 }
 
-std::string InOneLine(std::string text) {
-    std::replace(text.begin(), text.end(), '\r', ' ');
-    return text;
+// The primary device stands for another one, so a list of one entry has none.
+void CheckDevice(const SoundDeviceList& devices, const char* direction, const std::string& identifier) {
+    if (devices.size() < 2) throw MeasureError(std::string("There is no ") + direction + " device.");
+    if (!Listed(devices, identifier))
+        throw MeasureError(std::string("There is no ") + direction + " device '" + identifier +
+                           "'; 'sonavex-measure devices' lists them.");
 }
 
 }  // namespace
 
 std::int32_t LiveMeasurement::Console::WriteErrorLog(std::string& tStr, const RuntimeError& error) {
     message_ = tStr;
-    if (*error.what() != '\0') message_ += std::string(": ") + error.what();
+    if (*error.what() == '\0') return 0;
+    if (!message_.empty() && message_.back() == '.') message_.pop_back();
+    message_ += std::string(": ") + error.what();
     return 0;
 }
 
 std::string LiveMeasurement::Console::Line(const std::string& fallback) const {
-    return message_.empty() ? fallback : InOneLine(message_);
+    return message_.empty() ? fallback : message_;
 }
 
 LiveMeasurement::LiveMeasurement(const RunOptions& options)
@@ -80,12 +86,8 @@ Path LiveMeasurement::DevicePath() const {
 }
 
 void LiveMeasurement::CheckDevices() const {
-    if (!Listed(sound_->EnumerateCapture(), options_.input))
-        throw MeasureError("There is no input device '" + options_.input +
-                           "'; 'sonavex-measure devices' lists them.");
-    if (!Listed(sound_->EnumeratePlayback(), options_.output))
-        throw MeasureError("There is no output device '" + options_.output +
-                           "'; 'sonavex-measure devices' lists them.");
+    CheckDevice(sound_->EnumerateCapture(), "input", options_.input);
+    CheckDevice(sound_->EnumeratePlayback(), "output", options_.output);
 }
 
 void LiveMeasurement::CreateEngineDevices() {
@@ -107,20 +109,23 @@ void LiveMeasurement::Start() {
     sweepTimer_.SetInterval(1ms);
     sweepTimer_.SetEnabled(AnySweep(tones_));
     engine_.StartCapture();
-    lastBlock_ = loop_.Now();
+    lastCheck_ = loop_.Now();
 }
 
 void LiveMeasurement::CheckAlive(std::chrono::nanoseconds now) {
-    if (lost_) throw MeasureError(InOneLine(lost_->what()));
+    if (lost_) throw MeasureError(lost_->what());
+    // A time in which this program itself was held up does not count.
+    standstill_ += std::min<std::chrono::nanoseconds>(now - lastCheck_, kLongestCheckInterval);
+    lastCheck_ = now;
     if (engine_.Blocks != blocksSeen_) {
         blocksSeen_ = engine_.Blocks;
-        lastBlock_ = now;
+        standstill_ = 0ns;
         return;
     }
     const auto limit = blocksSeen_ == 0 ? std::max<std::chrono::nanoseconds>(
                                               kFirstBlockLimit, StandstillLimit(shared_.SampleRate))
                                         : StandstillLimit(shared_.SampleRate);
-    if (now - lastBlock_ > limit)
+    if (standstill_ > limit)
         throw MeasureError("The input device '" + engine_.InputDeviceName +
                            "' has stopped delivering sound.");
 }
@@ -131,11 +136,10 @@ bool LiveMeasurement::Finished(std::chrono::nanoseconds now) {
     return std::chrono::duration<double>(now - *playbackStart_).count() >= options_.seconds;
 }
 
-void LiveMeasurement::Run(const std::function<void()>& onUpdate) {
+void LiveMeasurement::Run(const std::function<void()>& onBlock) {
     meter_.OnBlock([&] {
-        if (!meter_.Updated()) return;
-        ++updates_;
-        onUpdate();
+        if (meter_.Updated()) ++updates_;
+        onBlock();
     });
     for (auto now = loop_.Now(); !Finished(now); now = loop_.Now()) {
         CheckAlive(now);

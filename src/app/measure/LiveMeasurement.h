@@ -25,9 +25,10 @@ public:
     // Creates devices, starts tones and capture. Throws MeasureError when a device cannot be used.
     void Start();
 
-    // Measures until the time is over and two updates are complete, calling onUpdate after each.
+    // Measures until the time is over and two updates are complete, calling onBlock after each
+    // block.
     // Throws MeasureError when the device is lost or stands still.
-    void Run(const std::function<void()>& onUpdate);
+    void Run(const std::function<void()>& onBlock);
 
     const Meter& Readings() const noexcept { return meter_; }
     Path DevicePath() const;
@@ -44,7 +45,7 @@ private:
         void SetFatalError(bool) override {}
         void PointMixersAt(const std::string&, const std::string&) override {}
         void ReopenSoundCard(const std::string&, const std::string&) override {}
-        // The last message in one line, or the fallback.
+        // The last message, or the fallback.
         std::string Line(const std::string& fallback) const;
 
     private:
@@ -75,7 +76,8 @@ private:
 
     std::optional<RuntimeError> lost_;
     std::uint64_t blocksSeen_ = 0;
-    std::chrono::nanoseconds lastBlock_{0};
+    std::chrono::nanoseconds standstill_{0};  // since the last block
+    std::chrono::nanoseconds lastCheck_{0};
     std::optional<std::chrono::nanoseconds> playbackStart_;
     int updates_ = 0;
 };

@@ -24,12 +24,21 @@ constexpr double kFullScale = 32768.0;
 
 using Block = std::array<std::int16_t, modDSP::kBlockSamples>;
 
+// What the library says about its last failure, without its prefix.
+std::string Reason(SNDFILE* file) {
+    const std::string text = sf_strerror(file);
+    const std::string prefix = "System error : ";
+    return text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text;
+}
+
 // A recording, delivered in blocks of 16-bit stereo.
 class Recording {
 public:
     explicit Recording(const std::string& path) : file_(sf_open(path.c_str(), SFM_READ, &info_), sf_close) {
-        if (!file_)
-            throw MeasureError("The recording '" + path + "' cannot be read: " + sf_strerror(nullptr));
+        std::error_code ignored;
+        if (std::filesystem::is_directory(path, ignored))
+            throw MeasureError("The recording '" + path + "' is a folder.");
+        if (!file_) throw MeasureError("The recording '" + path + "' cannot be read: " + Reason(nullptr));
         if (info_.frames <= 0) throw MeasureError("The recording '" + path + "' is empty.");
         if (!SampleRateIndex(info_.samplerate))
             throw MeasureError("The recording '" + path + "' has a sampling rate of " +
@@ -43,7 +52,10 @@ public:
 
     // False when less than a block is left.
     bool Read(Block& block) {
-        if (sf_readf_double(file_.get(), samples_.data(), kBlockFrames) < kBlockFrames) return false;
+        if (sf_readf_double(file_.get(), samples_.data(), kBlockFrames) < kBlockFrames) {
+            if (sf_error(file_.get()) == SF_ERR_NO_ERROR) return false;
+            throw MeasureError("The recording cannot be read to its end: " + Reason(file_.get()));
+        }
         const auto channels = static_cast<std::size_t>(info_.channels);
         const std::size_t second = channels > 1 ? 1 : 0;
         for (std::size_t i = 0; i < static_cast<std::size_t>(kBlockFrames); ++i) {
@@ -79,18 +91,18 @@ public:
         info.channels = 2;
         info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
         file_.reset(sf_open(path_.c_str(), SFM_WRITE, &info));
-        if (!file_) Fail(sf_strerror(nullptr));
+        if (!file_) Fail(Reason(nullptr));
     }
 
     void Write(const Block& block) {
         if (file_ && sf_writef_short(file_.get(), block.data(), kBlockFrames) != kBlockFrames)
-            Fail(sf_strerror(file_.get()));
+            Fail(Reason(file_.get()));
     }
 
     void Close() {
         if (!file_) return;
         sf_write_sync(file_.get());
-        if (sf_close(file_.release()) != 0) Fail("the file could not be completed");
+        if (sf_close(file_.release()) != 0) Fail("The file could not be completed.");
     }
 
 private:
@@ -150,8 +162,8 @@ int MeasureFile(const FileOptions& options) {
     }
     output.Close();
     if (meter.Blocks() < kFewestBlocks) {
-        std::cerr << "sonavex-measure: The recording has " << meter.Blocks()
-                  << " blocks of 2048 frames; a reading needs " << kFewestBlocks << ".\n";
+        std::cerr << "sonavex-measure: The recording is too short: " << meter.Blocks() << " of the "
+                  << kFewestBlocks << " blocks of 2048 frames that a reading needs.\n";
         return kNeverLocked;
     }
     Print(table);

@@ -10,8 +10,9 @@
 namespace sonavex::measure {
 namespace {
 
-constexpr std::int32_t kLowestLevel = -9600;
+constexpr double kLowestLevel = -9600.0;
 constexpr double kLongestRunSeconds = 1e6;
+constexpr const char* kSeeHelp = " (sonavex-measure --help explains the arguments).";
 
 std::string RateList() {
     std::string list;
@@ -19,67 +20,115 @@ std::string RateList() {
     return list;
 }
 
+// Refuses what was written after an option; takes says what the option accepts.
+[[noreturn]] void Refuse(const std::string& option, const std::string& takes, const std::string& text) {
+    throw MeasureError(option + " takes " + takes + ", not '" + text + "'.");
+}
+
+struct Range {
+    double lowest;
+    double highest;
+};
+
+double NumberOf(const std::string& option, const std::string& takes, Range range, const std::string& text) {
+    if (!IsNumeric(text)) Refuse(option, takes, text);
+    const double value = CDbl(text);
+    if (value < range.lowest || value > range.highest) Refuse(option, takes, text);
+    return value;
+}
+
+std::int32_t WholeNumberOf(const std::string& option, const std::string& takes, Range range,
+                           const std::string& text) {
+    const double value = NumberOf(option, takes, range, text);
+    if (value != RoundHalfEven(value)) Refuse(option, takes, text);
+    return CLng(value);
+}
+
+std::int32_t RateOf(const std::string& text) {
+    const std::string takes = "one of " + RateList();
+    const std::int32_t rateHz = WholeNumberOf("--rate", takes, {0.0, SampleRateTable[0]}, text);
+    if (!SampleRateIndex(rateHz)) Refuse("--rate", takes, text);
+    return rateHz;
+}
+
+std::int32_t LowEdgeOf(const std::string& text) {
+    const std::int32_t lowEdgeHz = WholeNumberOf("--low-edge", "25 or 20", {20.0, 25.0}, text);
+    if (lowEdgeHz != 25 && lowEdgeHz != 20) Refuse("--low-edge", "25 or 20", text);
+    return lowEdgeHz;
+}
+
+// libsndfile takes "-" for the standard output, where the readings go.
+std::string OutputFileOf(const std::string& text) {
+    if (text.empty() || text == "-") Refuse("--write", "the name of a file", text);
+    return text;
+}
+
 void AddMeterOptions(CLI::App& command, MeterOptions& options) {
     command
         .add_option("--tone", options.tones,
                     "WAVE:HZ[:ENDHZ:MS[:loop]], sine, square, triangle or sawtooth; repeat for several")
+        ->type_name("TONE")
         ->allow_extra_args(false);
-    command.add_option("--frequency", options.frequencyHz, "Fundamental in Hz instead of the automatic one");
+    command
+        .add_option_function<std::string>(
+            "--frequency",
+            [&](const std::string& text) {
+                options.frequencyHz =
+                    NumberOf("--frequency", "1 to 24000 Hz", {1.0, SampleRateTable[0] / 2.0}, text);
+            },
+            "Fundamental in Hz instead of the automatic one")
+        ->type_name("HZ");
     command.add_flag("--no-mute", options.noMute, "Send the filtered input on to the output");
     command.add_flag("--json", options.json, "One line of JSON for each update");
 }
 
 void AddRun(CLI::App& command, RunOptions& options) {
-    command.add_option("--input", options.input, "Identifier of the capture device");
-    command.add_option("--output", options.output, "Identifier of the playback device");
-    command.add_option("--rate", options.rateHz, "Sampling rate in Hz: " + RateList());
+    command.add_option("--input", options.input, "Identifier of the capture device")->type_name("ID");
+    command.add_option("--output", options.output, "Identifier of the playback device")->type_name("ID");
     command
-        .add_option("--level", options.levelHundredthsDb, "Output level in hundredths of a dB, -9600 to 0")
-        ->capture_default_str();
+        .add_option_function<std::string>(
+            "--rate", [&](const std::string& text) { options.rateHz = RateOf(text); },
+            "Sampling rate, one of " + RateList())
+        ->type_name("HZ");
     command
-        .add_option("--seconds", options.seconds,
-                    "Time from the start of playback; goes on until two updates are complete")
-        ->capture_default_str();
+        .add_option_function<std::string>(
+            "--level",
+            [&](const std::string& text) {
+                options.levelHundredthsDb = WholeNumberOf(
+                    "--level", "-9600 to 0 hundredths of a dB, without fraction", {kLowestLevel, 0.0}, text);
+            },
+            "Output level in hundredths of a dB, -9600 to 0")
+        ->type_name("HUNDREDTHS_DB")
+        ->default_str("0");
+    command
+        .add_option_function<std::string>(
+            "--seconds",
+            [&](const std::string& text) {
+                options.seconds =
+                    NumberOf("--seconds", "0 to 1000000 seconds", {0.0, kLongestRunSeconds}, text);
+            },
+            "Time from the start of playback; goes on until two updates are complete")
+        ->type_name("S")
+        ->default_str("5");
     AddMeterOptions(command, options);
 }
 
 void AddFile(CLI::App& command, FileOptions& options) {
-    command.add_option("recording", options.input, "Recording to measure, block by block")->required();
-    command.add_option("--write", options.output, "Write the output blocks as 16-bit stereo WAV");
-    command.add_option("--low-edge", options.lowEdgeHz, "Low edge of the band-pass in Hz, 25 or 20")
-        ->capture_default_str();
+    command.add_option("recording", options.input, "Recording to measure, block by block")
+        ->type_name("FILE")
+        ->required();
+    command
+        .add_option_function<std::string>(
+            "--write", [&](const std::string& text) { options.output = OutputFileOf(text); },
+            "Write the output blocks as 16-bit stereo WAV")
+        ->type_name("FILE");
+    command
+        .add_option_function<std::string>(
+            "--low-edge", [&](const std::string& text) { options.lowEdgeHz = LowEdgeOf(text); },
+            "Low edge of the band-pass, 25 or 20 Hz")
+        ->type_name("HZ")
+        ->default_str("25");
     AddMeterOptions(command, options);
-}
-
-void CheckMeter(const MeterOptions& options) {
-    if (options.frequencyHz &&
-        !(*options.frequencyHz > 0.0 && *options.frequencyHz <= SampleRateTable[0] / 2.0))
-        throw MeasureError("--frequency takes a frequency above 0 and up to 24000 Hz.");
-}
-
-void CheckRun(const RunOptions& options) {
-    CheckMeter(options);
-    if (options.rateHz && !SampleRateIndex(*options.rateHz))
-        throw MeasureError("The sampling rate " + CStr(*options.rateHz) + " Hz is not one of " + RateList() +
-                           ".");
-    if (options.levelHundredthsDb < kLowestLevel || options.levelHundredthsDb > 0)
-        throw MeasureError("--level takes -9600 to 0 hundredths of a dB.");
-    if (!(options.seconds >= 0.0 && options.seconds <= kLongestRunSeconds))
-        throw MeasureError("--seconds takes 0 to 1000000 seconds.");
-}
-
-void CheckFile(const FileOptions& options) {
-    CheckMeter(options);
-    if (options.lowEdgeHz != 25 && options.lowEdgeHz != 20)
-        throw MeasureError("--low-edge takes 25 or 20 Hz.");
-}
-
-// One line, whatever the library says.
-std::string OneLine(std::string text) {
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    for (char& c : text)
-        if (c == '\n') c = ' ';
-    return text;
 }
 
 }  // namespace
@@ -88,7 +137,7 @@ Options ParseOptions(int argc, const char* const* argv) {
     Options options;
     CLI::App app{"Measures total harmonic distortion with the computer's sound card.", "sonavex-measure"};
     app.set_version_flag("--version", "sonavex-measure " SONAVEX_VERSION);
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
     auto* devices = app.add_subcommand("devices", "List the sound devices");
     devices->add_flag("--json", options.devicesJson, "As JSON");
     auto* run = app.add_subcommand("run", "Play tones, capture and print the readings");
@@ -103,17 +152,13 @@ Options ParseOptions(int argc, const char* const* argv) {
         options.answer = out.str();
         return options;
     } catch (const CLI::ParseError& error) {
-        throw MeasureError(OneLine(error.what()) + " (sonavex-measure --help explains the arguments)");
+        throw MeasureError(error.what() + std::string(kSeeHelp));
     }
     if (devices->parsed()) options.command = Options::Command::kDevices;
-    if (run->parsed()) {
-        options.command = Options::Command::kRun;
-        CheckRun(options.run);
-    }
-    if (file->parsed()) {
-        options.command = Options::Command::kFile;
-        CheckFile(options.file);
-    }
+    if (run->parsed()) options.command = Options::Command::kRun;
+    if (file->parsed()) options.command = Options::Command::kFile;
+    if (options.command == Options::Command::kNone)
+        throw MeasureError(std::string("A command is needed: devices, run or file") + kSeeHelp);
     return options;
 }
 

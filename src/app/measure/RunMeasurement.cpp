@@ -17,9 +17,10 @@ public:
     void Show(const Meter& meter) const {
         if (visible_) std::cerr << kStartOfLine << ProgressLine(meter) << std::flush;
     }
-    ~Progress() {
+    void Clear() const {
         if (visible_) std::cerr << kStartOfLine << std::flush;
     }
+    ~Progress() { Clear(); }
 
 private:
     bool visible_ = isatty(STDERR_FILENO) != 0;
@@ -35,13 +36,17 @@ int RunMeasurement(const RunOptions& options) {
     std::string table;
     {
         const Progress progress;
+        const Meter& meter = measurement.Readings();
         measurement.Run([&] {
-            everLocked = everLocked || measurement.Readings().Analysis().FreqLocked;
-            if (options.json)
-                Print(JsonLine(measurement.Readings(), path) + '\n');
-            else
-                table = Table(measurement.Readings(), path);
-            progress.Show(measurement.Readings());
+            if (meter.Updated()) {
+                everLocked = everLocked || meter.Analysis().FreqLocked;
+                progress.Clear();
+                if (options.json)
+                    Print(JsonLine(meter, path) + '\n');
+                else
+                    table = Table(meter, path);
+            }
+            progress.Show(meter);
         });
     }
     Print(table);

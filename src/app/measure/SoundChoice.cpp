@@ -11,6 +11,7 @@ namespace sonavex::measure {
 namespace {
 
 constexpr std::int32_t kThisPlatform = 10;
+constexpr double kHighestMajorVersion = 1000.0;
 
 std::string Environment(const char* name) {
     const char* value = std::getenv(name);
@@ -35,8 +36,10 @@ std::unique_ptr<SoundSystem> ChooseSound(EventLoop& loop) {
 std::int32_t OsMajorVersion() {
     const std::string text = Environment("SONAVEX_OS_MAJOR");
     if (text.empty()) return kThisPlatform;
-    if (!IsNumeric(text)) throw MeasureError("SONAVEX_OS_MAJOR is '" + text + "'; it takes a whole number.");
-    return CLng(text);
+    const double value = IsNumeric(text) ? CDbl(text) : 0.0;
+    if (value < 1.0 || value > kHighestMajorVersion || value != RoundHalfEven(value))
+        throw MeasureError("SONAVEX_OS_MAJOR is '" + text + "'; it takes a whole number of 1 to 1000.");
+    return CLng(value);
 }
 
 }  // namespace sonavex::measure

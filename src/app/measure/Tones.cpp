@@ -12,6 +12,7 @@ namespace sonavex::measure {
 namespace {
 
 constexpr std::int32_t kLongestSweepMs = 10000;
+constexpr double kLowestHz = 0.001;
 
 std::vector<std::string> Split(const std::string& text, char separator) {
     std::vector<std::string> fields;
@@ -33,20 +34,21 @@ std::int16_t WaveOf(const std::string& text, const std::string& name) {
 }
 
 double NumberOf(const std::string& text, const std::string& field, const char* what) {
-    if (!IsNumeric(field)) Refuse(text, std::string("has a ") + what + " that is not a number.");
+    if (!IsNumeric(field)) Refuse(text, std::string("has ") + what + " that is not a number.");
     return CDbl(field);
 }
 
 std::int32_t SweepTimeOf(const std::string& text, const std::string& field) {
-    const double timeMs = NumberOf(text, field, "sweep time");
+    const double timeMs = NumberOf(text, field, "a sweep time");
     if (timeMs < 0.0 || timeMs > kLongestSweepMs || timeMs != RoundHalfEven(timeMs))
         Refuse(text, "has a sweep time that is not a whole number of 0 to 10000 milliseconds.");
     return CLng(timeMs);
 }
 
 void CheckRange(const std::string& text, double frequencyHz, std::int32_t rateHz) {
-    if (frequencyHz > 0.0 && frequencyHz <= rateHz / 2.0) return;
-    Refuse(text, "has a frequency outside 0 to " + CStr(rateHz / 2) + " Hz, half the sampling rate.");
+    if (frequencyHz >= kLowestHz && frequencyHz <= rateHz / 2.0) return;
+    Refuse(text, "has a frequency outside " + CStr(kLowestHz) + " to " + CStr(rateHz / 2) +
+                     " Hz, half the sampling rate.");
 }
 
 }  // namespace
@@ -57,10 +59,10 @@ ToneRequest ParseTone(const std::string& text) {
         Refuse(text, "is not of the form WAVE:HZ[:ENDHZ:MS[:loop]].");
     ToneRequest tone;
     tone.waveType = WaveOf(text, fields[0]);
-    tone.startHz = NumberOf(text, fields[1], "frequency");
+    tone.startHz = NumberOf(text, fields[1], "a frequency");
     tone.endHz = tone.startHz;
     if (fields.size() == 2) return tone;
-    tone.endHz = NumberOf(text, fields[2], "end frequency");
+    tone.endHz = NumberOf(text, fields[2], "an end frequency");
     tone.sweepMs = SweepTimeOf(text, fields[3]);
     if (fields.size() == 4) return tone;
     if (fields[4] != "loop") Refuse(text, "ends with something other than 'loop'.");

@@ -1,7 +1,10 @@
 // sonavex-measure: the instrument without a window, for scripts and production lines.
 
+#include <algorithm>
+#include <cctype>
 #include <exception>
 #include <iostream>
+#include <string>
 
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
@@ -28,7 +31,10 @@ int Execute(const measure::Options& options) {
     return measure::kMeasured;
 }
 
-int Fail(const char* text) {
+// One line, whatever the names in it hold.
+int Fail(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
     std::cerr << "sonavex-measure: " << text << '\n';
     return measure::kFailed;
 }
