@@ -1,0 +1,87 @@
+#include "platform/qt/QtDesktop.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <QString>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace sonavex {
+namespace {
+
+constexpr std::int32_t kNewestGeneration = 10;
+
+std::string_view Environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+// Where a lock file may be, best first. The temporary folder is shared with other users.
+std::vector<std::filesystem::path> LockFiles(const std::string& name) {
+    std::vector<std::filesystem::path> files;
+    const std::filesystem::path runtime = Environment("XDG_RUNTIME_DIR");
+    if (runtime.is_absolute()) files.push_back(runtime / (name + ".lock"));
+    std::error_code error;
+    const auto temporary = std::filesystem::temp_directory_path(error);
+    if (!error) files.push_back(temporary / (name + "-" + std::to_string(geteuid()) + ".lock"));
+    return files;
+}
+
+// The open file, -1 when it cannot be had or somebody else has put something there.
+int OpenLockFile(const std::filesystem::path& file) {
+    const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    if (descriptor < 0) return -1;
+    struct stat status = {};
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid())
+        return descriptor;
+    close(descriptor);
+    return -1;
+}
+
+}  // namespace
+
+QtDesktop::QtDesktop(std::string instanceName) : instanceName_(std::move(instanceName)) {}
+
+QtDesktop::~QtDesktop() {
+    if (lock_ >= 0) close(lock_);
+}
+
+bool QtDesktop::AnotherInstanceRunning() {
+    if (anotherRuns_) return *anotherRuns_;
+    anotherRuns_ = false;
+    for (const auto& file : LockFiles(instanceName_)) {
+        lock_ = OpenLockFile(file);
+        if (lock_ < 0) continue;
+        if (flock(lock_, LOCK_EX | LOCK_NB) == 0) break;
+        anotherRuns_ = errno == EWOULDBLOCK;
+        close(std::exchange(lock_, -1));
+        if (*anotherRuns_) break;
+    }
+    return *anotherRuns_;
+}
+
+std::int32_t QtDesktop::OsMajorVersion() {
+    const std::string_view text = Environment("SONAVEX_OS_MAJOR");
+    const char* const end = text.data() + text.size();
+    std::int32_t version = 0;
+    const auto [read, error] = std::from_chars(text.data(), end, version);
+    return error == std::errc() && read == end ? version : kNewestGeneration;
+}
+
+std::string QtDesktop::ApplicationFolder() {
+    std::string folder = QCoreApplication::applicationDirPath().toStdString();
+    while (!folder.empty() && folder.back() == '/') folder.pop_back();
+    return folder;
+}
+
+}  // namespace sonavex

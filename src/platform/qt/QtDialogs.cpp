@@ -1,0 +1,83 @@
+#include "platform/qt/QtDialogs.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QMessageBox>
+#include <QString>
+#include <utility>
+
+namespace sonavex {
+namespace {
+
+QMessageBox::Icon IconOf(MessageIcon icon) {
+    switch (icon) {
+        case MessageIcon::kInformation:
+            return QMessageBox::Information;
+        case MessageIcon::kCritical:
+            return QMessageBox::Critical;
+        case MessageIcon::kNone:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QString WithLineBreaks(const std::string& text) {
+    return QString::fromStdString(text)
+        .replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
+        .replace(u'\r', u'\n');
+}
+
+// In the box one can click, whatever the program is doing.
+class UsualPointer {
+public:
+    explicit UsualPointer(bool needed) : needed_(needed) {
+        if (needed_) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+    }
+    ~UsualPointer() {
+        if (needed_) QGuiApplication::restoreOverrideCursor();
+    }
+    UsualPointer(const UsualPointer&) = delete;
+    UsualPointer& operator=(const UsualPointer&) = delete;
+
+private:
+    bool needed_;
+};
+
+int ShowBox(const std::string& title, const std::string& text, QMessageBox::Icon icon,
+            QMessageBox::StandardButtons buttons) {
+    const UsualPointer pointer(QGuiApplication::overrideCursor() != nullptr);
+    QMessageBox box(icon, QString::fromStdString(title), WithLineBreaks(text), buttons,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Ok);
+    return box.exec();
+}
+
+}  // namespace
+
+QtDialogs::QtDialogs(std::string title) : title_(std::move(title)) {}
+
+QtDialogs::~QtDialogs() {
+    while (busy_ > 0) SetBusyPointer(false);
+}
+
+void QtDialogs::Message(const std::string& text, MessageIcon icon) {
+    ShowBox(title_, text, IconOf(icon), QMessageBox::Ok);
+}
+
+bool QtDialogs::AskOkCancel(const std::string& text) {
+    return ShowBox(title_, text, QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel) ==
+           QMessageBox::Ok;
+}
+
+void QtDialogs::SetBusyPointer(bool busy) {
+    if (busy) {
+        ++busy_;
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    } else if (busy_ > 0) {
+        --busy_;
+        QGuiApplication::restoreOverrideCursor();
+    }
+}
+
+}  // namespace sonavex

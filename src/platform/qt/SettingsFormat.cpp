@@ -1,0 +1,69 @@
+#include "platform/qt/SettingsFormat.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QFileDevice>
+#include <QSettings>
+#include <QString>
+#include <QVariant>
+
+namespace sonavex {
+namespace {
+
+constexpr QFile::Permissions kOwnerOnly = QFile::ReadOwner | QFile::WriteOwner;
+
+// In between, texts are bytes in the lower half of QString, and names are encoded to letters that the
+// settings class has no use of its own for. The first letter makes empty names possible.
+QString EncodeName(char first, const std::string& name) {
+    return QLatin1String(first + QByteArray::fromStdString(name).toPercentEncoding());
+}
+
+std::string DecodeName(const QString& name) {
+    return QByteArray::fromPercentEncoding(name.mid(1).toLatin1()).toStdString();
+}
+
+QString EncodeKey(const std::string& section, const std::string& key) {
+    return EncodeName('s', section) + u'/' + EncodeName('k', key);
+}
+
+// Damage is no reason to fail here: the store has looked at the file before.
+bool ReadFormat(QIODevice& device, QSettings::SettingsMap& map) {
+    for (const auto& [section, values] : ReadIni(device.readAll().toStdString()).sections)
+        for (const auto& [key, value] : values)
+            map.insert(EncodeKey(section, key), QString::fromLatin1(QByteArray::fromStdString(value)));
+    return true;
+}
+
+bool WriteFormat(QIODevice& device, const QSettings::SettingsMap& map) {
+    IniSections sections;
+    for (auto entry = map.begin(); entry != map.end(); ++entry) {
+        const auto slash = entry.key().indexOf(u'/');
+        sections[DecodeName(entry.key().left(slash))][DecodeName(entry.key().mid(slash + 1))] =
+            entry.value().toString().toLatin1().toStdString();
+    }
+    const QByteArray text = QByteArray::fromStdString(WriteIni(sections));
+    auto* const file = qobject_cast<QFileDevice*>(&device);
+    if (file != nullptr && !file->setPermissions(kOwnerOnly)) return false;
+    return device.write(text) == text.size();
+}
+
+QSettings::Format Format() {
+    static const QSettings::Format format =
+        QSettings::registerFormat(QStringLiteral("sonavex"), ReadFormat, WriteFormat, Qt::CaseSensitive);
+    return format;
+}
+
+}  // namespace
+
+bool ReplaceIniFile(const std::filesystem::path& file, const IniSections& sections) {
+    QSettings settings(QFile::decodeName(file.c_str()), Format());
+    // What it read or remembers of this file does not count.
+    settings.clear();
+    for (const auto& [section, values] : sections)
+        for (const auto& [key, value] : values)
+            settings.setValue(EncodeKey(section, key), QString::fromLatin1(QByteArray::fromStdString(value)));
+    settings.sync();
+    return settings.status() == QSettings::NoError;
+}
+
+}  // namespace sonavex
