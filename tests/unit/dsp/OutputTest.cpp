@@ -69,6 +69,8 @@ TEST(Output, FullScaleIsNotLimited) {
     const Block full = Played({32760.0, 500.0}, {0.0, 500.0});
     EXPECT_EQ(full[1], 32760);
     EXPECT_EQ(full[3], 500);
+    const Block just = Played({32762.0, 500.0}, {0.0, 500.0});
+    EXPECT_EQ(just[1], 32760);
     const Block over = Played({-65520.0, 500.0}, {0.0, 500.0});
     EXPECT_EQ(over[1], -32760);
     EXPECT_EQ(over[3], 250);
