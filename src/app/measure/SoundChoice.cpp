@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "app/common/WantedSound.h"
 #include "app/measure/MeasureError.h"
 #include "core/text/Numbers.h"
 #include "platform/pulse/PulseSoundSystem.h"
@@ -21,14 +22,11 @@ std::string Environment(const char* name) {
 }  // namespace
 
 std::string SoundName() {
-    const std::string name = Environment("SONAVEX_SOUND");
-    if (name.empty() || name == "system") return "system";
-    if (name == "simulated") return name;
-    throw MeasureError("SONAVEX_SOUND is '" + name + "'; it takes 'system' or 'simulated'.");
+    return app::WantedSoundFromEnvironment() == app::WantedSound::kSimulated ? "simulated" : "system";
 }
 
 std::unique_ptr<SoundSystem> ChooseSound(EventLoop& loop) {
-    if (SoundName() == "simulated")
+    if (app::WantedSoundFromEnvironment() == app::WantedSound::kSimulated)
         return std::make_unique<SimulatedSoundSystem>(loop, SimulatedSoundSystem::Pace::kRealTime);
     return std::make_unique<PulseSoundSystem>(loop);
 }

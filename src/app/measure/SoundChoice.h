@@ -9,7 +9,7 @@
 
 namespace sonavex::measure {
 
-// "system" or "simulated", from SONAVEX_SOUND. Throws MeasureError for anything else.
+// "system" or "simulated", from SONAVEX_SOUND.
 std::string SoundName();
 
 // The sound chosen by SONAVEX_SOUND. The loop must outlive it.

@@ -13,6 +13,9 @@ constexpr const char* kOneInstance =
 constexpr std::int32_t kLowEdgeAfterRestartHz = 20;
 constexpr std::int32_t kUpperMarginHz = 100;
 constexpr std::size_t kNotifications = 4;
+// Blocks that the step of a start or of an overrun may take through the devices until it is captured:
+// the playback buffer's length.
+constexpr std::int32_t kSettlingBlocks = 8;
 
 class BusyPointer {
 public:
@@ -181,7 +184,9 @@ void StreamEngine::NoteDisturbances() {
     const bool lost = counts.segmentsLost != captureCounts_.segmentsLost;
     const bool gap = counts.framesMissing != captureCounts_.framesMissing;
     // A gap that has just been counted lies in this block or in the one being captured.
-    if (lost || gap || gapBefore_ || RestartPending) env_.processor.StreamDisturbed();
+    if (RestartPending) settlingBlocks_ = kSettlingBlocks;
+    if (lost || gap || gapBefore_ || settlingBlocks_ > 0) env_.processor.StreamDisturbed();
+    if (settlingBlocks_ > 0) --settlingBlocks_;
     captureCounts_ = counts;
     gapBefore_ = gap;
 }
@@ -199,7 +204,7 @@ bool StreamEngine::HandleOverrunNewer() {
     TraceLabel("vista overrun", PlayCursors.write);
     if (!RestartPending) {
         ++Overruns;
-        env_.processor.StreamDisturbed();
+        settlingBlocks_ = kSettlingBlocks;
     }
     Playback().WriteBuffer(BlockOffset, PlayData);
     Playback().SetCurrentPosition(0);
@@ -221,7 +226,6 @@ void StreamEngine::HandleOverrunOlder() {
     }
     if (!overrun || priming) return;
     ++Overruns;
-    env_.processor.StreamDisturbed();
 }
 
 void StreamEngine::ResetWriting(std::string_view label, std::int32_t cursor) {

@@ -150,7 +150,9 @@ private:
     std::unique_ptr<PlaybackBuffer> playbackBuffer_;
     std::unique_ptr<CaptureBuffer> captureBuffer_;
     CaptureStatistics captureCounts_;  // at the last block
-    bool gapBefore_ = false;           // a gap was counted at the last block
+    bool gapBefore_ = false;
+    std::int32_t settlingBlocks_ = 0;  // blocks that may still carry the step of a start           // a gap
+                                       // was counted at the last block
     bool restarting_ = false;
 };
 
