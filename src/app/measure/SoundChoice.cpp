@@ -21,7 +21,7 @@ std::string Environment(const char* name) {
 }  // namespace
 
 std::string SoundName() {
-    const std::string name = Environment("SONAVEX_SOUND");
+    std::string name = Environment("SONAVEX_SOUND");
     if (name.empty() || name == "system") return "system";
     if (name == "simulated") return name;
     throw MeasureError("SONAVEX_SOUND is '" + name + "'; it takes 'system' or 'simulated'.");
