@@ -24,11 +24,12 @@ struct Outcome {
 // user, unless the additions name one. Ends with this object.
 class MeasureProgram {
 public:
-    // Arguments without the program's name. output, errors: where these go instead of the outcome.
+    // Where its output and its complaints go instead of the outcome; empty for the outcome.
     struct Streams {
         std::filesystem::path output;
         std::filesystem::path errors;
     };
+    // Arguments without the program's name.
     MeasureProgram(const Arguments& arguments, const Environment& additions, const Streams& streams);
     explicit MeasureProgram(const Arguments& arguments, const Environment& additions = {})
         : MeasureProgram(arguments, additions, Streams{}) {}

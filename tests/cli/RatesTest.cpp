@@ -30,7 +30,7 @@ void ExpectLoopUpdate(const ordered_json& line, std::int64_t block, std::uint32_
     ExpectShape(line, true);
     EXPECT_EQ(line["block"], block);
     EXPECT_EQ(line["locked"], true);
-    // The first cycle averages 18 blocks, the first of them silent.
+    // The first cycle has 18 blocks only, the first ones of them silent.
     EXPECT_EQ(line["settled"], block > 18);
     EXPECT_EQ(line["adc"], "25");
     EXPECT_EQ(line["adcPeak"], 8192);

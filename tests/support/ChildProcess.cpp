@@ -130,7 +130,9 @@ std::string RunProgram(const Arguments& command, const Environment& environment,
 }
 
 PrivateFolder::PrivateFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "sonavex-XXXXXX").string();
+    // mkdtemp replaces the last six characters.
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "sonavex-").string() + std::string(6, 'X');
     if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
     path_ = pattern;
 }

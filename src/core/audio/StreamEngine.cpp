@@ -224,8 +224,7 @@ void StreamEngine::HandleOverrunOlder() {
         ResetWriting("Restart Play Buffer (play)", PlayCursors.play);
         overrun = true;
     }
-    if (!overrun || priming) return;
-    ++Overruns;
+    if (overrun && !priming) ++Overruns;
 }
 
 void StreamEngine::ResetWriting(std::string_view label, std::int32_t cursor) {
