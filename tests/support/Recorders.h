@@ -12,20 +12,25 @@
 
 namespace sonavex {
 
-// "Message critical|information TEXT", "SetBusyPointer on|off".
+// "Message critical|information TEXT", "AskOkCancel TEXT", "SetBusyPointer on|off".
 class RecordingDialogs : public Dialogs {
 public:
     explicit RecordingDialogs(CallLog& log) noexcept : log_(log) {}
     void Message(const std::string& text, MessageIcon icon) override {
         log_.Call("Message", (icon == MessageIcon::kCritical ? "critical " : "information ") + text);
     }
+    bool AskOkCancel(const std::string& text) override {
+        log_.Call("AskOkCancel", text);
+        return answersOk;
+    }
     void SetBusyPointer(bool busy) override { log_.Note(busy ? "SetBusyPointer on" : "SetBusyPointer off"); }
+    bool answersOk = true;
 
 private:
     CallLog& log_;
 };
 
-// "WriteErrorLog NUMBER TEXT", "SetFatalError true|false".
+// "WriteErrorLog NUMBER TEXT", "WriteLine TEXT", "SetFatalError true|false".
 class RecordingErrorLog : public ErrorLog {
 public:
     explicit RecordingErrorLog(CallLog& log) noexcept : log_(log) {}
@@ -34,6 +39,7 @@ public:
         tStr += "\r\rA record was written.";
         return 0;
     }
+    void WriteLine(const std::string& line) override { log_.Call("WriteLine", line); }
     void SetFatalError(bool fatal) override {
         log_.Note(fatal ? "SetFatalError true" : "SetFatalError false");
     }
