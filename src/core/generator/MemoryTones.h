@@ -29,9 +29,9 @@ public:
     void ToneList_Click();
     void cmdGenAdd_Click();
     void cmdRemove_Click();
-    // Starts the selected entries or stops. Whatever plays is stopped. Error 9 for more than nine
-    // entries, 11 for a frequency of 0, 13 or 6 for a stored value that does not convert: then nothing
-    // plays.
+    // Starts the selected entries or stops. Whatever plays is stopped. More than nine entries raise
+    // error 9, a stored value that does not convert 13 or 6, a frequency without a finite period 6:
+    // then nothing plays.
     void cmdStartMemory_Click();
 
 private:
