@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/controls/Control.h"
 
@@ -36,8 +37,16 @@ public:
     void UserLeaves() { Leave.Raise(); }
     UserEvent Leave;
 
+    // Asks the face to give the box the keyboard; the face takes the request when it shows the box.
+    void SetFocus() {
+        focusWanted_ = true;
+        MarkDirty();
+    }
+    bool TakeFocusRequest() noexcept { return std::exchange(focusWanted_, false); }
+
 private:
     std::string text_;
+    bool focusWanted_ = false;
 };
 
 // A whole number between two limits. A value outside is clamped, also when the limits move.

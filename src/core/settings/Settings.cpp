@@ -53,6 +53,10 @@ double Settings::Value(const SettingsKey& key) const {
     return Read(key, [](std::string_view text) { return Val(text); });
 }
 
+RuntimeError Settings::Failure(std::int32_t number, const SettingsKey& key) const {
+    return {number, Describe(RuntimeError(number), key, Text(key), store_.Location())};
+}
+
 std::string keys::Numbered(const SettingsKey& key, int number) {
     return std::string(key.key) + Str(number);
 }

@@ -6,6 +6,7 @@
 
 #include "core/ports/SettingsStore.h"
 #include "core/settings/SettingsKeys.h"
+#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 
@@ -25,6 +26,9 @@ public:
     double Value(const SettingsKey& key) const;
 
     void Save(const SettingsKey& key, std::string_view value) { store_.Save(key.section, key.key, value); }
+
+    // The error about a stored value that converts but cannot be used, with such a text.
+    RuntimeError Failure(std::int32_t number, const SettingsKey& key) const;
 
     // The same key with another default.
     static SettingsKey WithFallback(SettingsKey key, std::string_view fallback) noexcept {

@@ -70,6 +70,16 @@ TEST(TextBox, RaisesChangeOnlyForTheUser) {
     EXPECT_EQ(changes, 2);
 }
 
+TEST(TextBox, AsksForTheKeyboardOnce) {
+    Counted<TextBox> box;
+    EXPECT_FALSE(box.control.TakeFocusRequest());
+    box.control.SetFocus();
+    EXPECT_TRUE(box.control.Dirty());
+    EXPECT_EQ(box.told, 1);
+    EXPECT_TRUE(box.control.TakeFocusRequest());
+    EXPECT_FALSE(box.control.TakeFocusRequest());
+}
+
 TEST(CheckBox, RaisesClickOnlyForTheUser) {
     CheckBox box;
     int clicks = 0;

@@ -67,6 +67,15 @@ TEST_F(SettingsTest, ConversionErrorNamesSectionKeyValueAndPlace) {
         "Type mismatch: section \"SoundCard\", key \"SampleRate\", value \"fast\" (settings in memory)");
 }
 
+TEST_F(SettingsTest, FailureNamesAValueThatCannotBeUsed) {
+    settings_.Save(keys::kNumberOfTones, "12");
+    const RuntimeError error = settings_.Failure(error_number::kSubscript, keys::kNumberOfTones);
+    EXPECT_EQ(error.Number(), 9);
+    EXPECT_STREQ(error.what(),
+                 "Subscript out of range: section \"Signal Generator\", key \"NumberOfTones\", value "
+                 "\"12\" (settings in memory)");
+}
+
 TEST_F(SettingsTest, OverflowKeepsItsNumber) {
     settings_.Save(keys::kLevel, "2147483648");
     EXPECT_EQ(ErrorOf([&] { return settings_.Long(keys::kLevel); }), error_number::kOverflow);

@@ -1,0 +1,193 @@
+#include "core/generator/MemoryTones.h"
+
+#include <string>
+
+#include "core/generator/ToneLine.h"
+#include "core/text/Numbers.h"
+#include "core/text/RuntimeError.h"
+
+namespace sonavex {
+namespace {
+
+// One stored value of one entry; the entries count from 1.
+class EntryKey {
+public:
+    EntryKey(const SettingsKey& key, std::int32_t entry)
+        : section_(key.section), key_(keys::Numbered(key, entry)), fallback_(key.fallback) {}
+    SettingsKey Get() const noexcept { return {section_, key_, fallback_}; }
+
+private:
+    std::string_view section_;
+    std::string key_;
+    std::string_view fallback_;
+};
+
+// What damaged settings read as; the start-up and the start of playback differ.
+struct ToneKeys {
+    SettingsKey start = keys::kMemoryStart;
+    SettingsKey end = keys::kMemoryEnd;
+    SettingsKey loop = keys::kMemoryLoop;
+    SettingsKey loopIncrement = keys::kMemoryLoopIncrement;
+};
+
+ToneKeys KeysAtPlayback() {
+    return {Settings::WithFallback(keys::kMemoryStart, "1"), Settings::WithFallback(keys::kMemoryEnd, "1"),
+            Settings::WithFallback(keys::kMemoryLoop, "False"),
+            Settings::WithFallback(keys::kMemoryLoopIncrement, "1000")};
+}
+
+void ReadTone(const Settings& settings, std::int32_t entry, const ToneKeys& toneKeys, ToneRecord& tone) {
+    const auto of = [entry](const SettingsKey& key) { return EntryKey(key, entry); };
+    tone.StartFrequency = settings.Double(of(toneKeys.start).Get());
+    tone.EndFrequency = settings.Double(of(toneKeys.end).Get());
+    tone.SweepTime = settings.Long(of(keys::kMemorySweepTime).Get());
+    tone.Sweep = settings.Boolean(of(keys::kMemorySweep).Get());
+    tone.WaveType = settings.Integer(of(keys::kMemoryType).Get());
+    tone.Loop = settings.Boolean(of(toneKeys.loop).Get());
+    tone.LoopIncrement = settings.Double(of(toneKeys.loopIncrement).Get());
+}
+
+const char* WaveName(const Settings& settings, std::int32_t entry, std::int16_t waveType) {
+    if (waveType >= 0 && static_cast<std::size_t>(waveType) < kWaveNames.size())
+        return kWaveNames[static_cast<std::size_t>(waveType)];
+    throw settings.Failure(error_number::kSubscript, EntryKey(keys::kMemoryType, entry).Get());
+}
+
+}  // namespace
+
+MemoryTones::MemoryTones(const GeneratorEnvironment& environment, MemoryControls& controls,
+                         CurrentSignal& current, SignalControls& signal, PlayInterlock& interlock,
+                         const CheckBox& chkMuteOutput)
+    : env_(environment),
+      controls_(controls),
+      current_(current),
+      signal_(signal),
+      interlock_(interlock),
+      chkMuteOutput_(chkMuteOutput) {
+    controls_.cmdStartMemory.SetCaption("Start Memory");
+    controls_.ToneList.Click.Handle([this] { ToneList_Click(); });
+    controls_.cmdGenAdd.Click.Handle([this] { cmdGenAdd_Click(); });
+    controls_.cmdRemove.Click.Handle([this] { cmdRemove_Click(); });
+    controls_.cmdStartMemory.Click.Handle([this] { cmdStartMemory_Click(); });
+}
+
+void MemoryTones::Load() {
+    controls_.ToneList.Clear();
+    for (std::int32_t entry = 1; entry <= env_.generator.NumTones; ++entry) {
+        if (entry > MemoryControls::kEntries)
+            throw env_.settings.Failure(error_number::kSubscript, keys::kNumberOfTones);
+        ToneRecord& tone = env_.generator.Tones[static_cast<std::size_t>(entry)];
+        ReadTone(env_.settings, entry, ToneKeys(), tone);
+        const bool selected = env_.settings.Boolean(EntryKey(keys::kMemorySelected, entry).Get());
+        controls_.ToneList.AddItem(
+            MakeToneLine(tone, WaveName(env_.settings, entry, tone.WaveType), tone.Loop));
+        controls_.ToneList.SetSelected(entry - 1, selected);
+    }
+}
+
+void MemoryTones::WriteMemoryToRegistry() {
+    Settings& settings = env_.settings;
+    settings.Store().DeleteSection(keys::kSignalGenerator);
+    current_.SaveCurrentSignal();
+    const std::int32_t count = controls_.ToneList.Count();
+    for (std::int32_t position = 0; position < count; ++position) WriteEntry(position);
+    settings.Save(keys::kNumberOfTones, CStr(count));
+    settings.Save(keys::kLevel, CStr(signal_.sldLevel.Value()));
+    settings.Save(keys::kMuteMeter, CStr(std::int32_t{chkMuteOutput_.Value()}));
+}
+
+void MemoryTones::WriteEntry(std::int32_t position) {
+    ToneRecord tone;
+    ParseToneLine(controls_.ToneList.List(position), tone);
+    if (tone.Sweep) tone.LoopIncrement = (tone.EndFrequency - tone.StartFrequency) / tone.SweepTime;
+    const auto save = [this, entry = position + 1](const SettingsKey& key, const std::string& value) {
+        env_.settings.Save(EntryKey(key, entry).Get(), value);
+    };
+    save(keys::kMemoryStart, Str(tone.StartFrequency));
+    save(keys::kMemoryEnd, Str(tone.EndFrequency));
+    save(keys::kMemorySweepTime, Str(tone.SweepTime));
+    save(keys::kMemorySweep, CStr(tone.Sweep));
+    save(keys::kMemoryType, Str(tone.WaveType));
+    save(keys::kMemoryLoop, CStr(tone.Loop));
+    save(keys::kMemorySelected, CStr(controls_.ToneList.Selected(position)));
+    save(keys::kMemoryLoopIncrement, Str(tone.LoopIncrement));
+}
+
+void MemoryTones::ToneList_Click() {
+    interlock_.ShowSelection();
+}
+
+void MemoryTones::cmdGenAdd_Click() {
+    if (!current_.CheckEntries()) return;
+    current_.sldStartFreq_First();
+    current_.sldSweepTime_First();
+    current_.sldEndFreq_First();
+    ToneRecord& tone = env_.generator.Tones.front();
+    tone.Sweep = tone.SweepTime != 0;
+    // Memory tones that played may have left another setting in the record.
+    tone.Loop = signal_.chkLoop.Checked();
+    const bool loop = tone.Loop && signal_.chkLoop.Enabled();
+    controls_.ToneList.AddItem(MakeToneLine(tone, signal_.cmbType.Text(), loop));
+    if (controls_.ToneList.Count() >= MemoryControls::kEntries) controls_.cmdGenAdd.SetEnabled(false);
+    WriteMemoryToRegistry();
+    env_.generator.NumTones = controls_.ToneList.Count() - 1;
+}
+
+void MemoryTones::cmdRemove_Click() {
+    for (std::int32_t position = controls_.ToneList.Count() - 1; position >= 0; --position)
+        if (controls_.ToneList.Selected(position)) controls_.ToneList.RemoveItem(position);
+    interlock_.ShowList();
+    WriteMemoryToRegistry();
+}
+
+void MemoryTones::cmdStartMemory_Click() {
+    if (env_.generator.SweepRunning) {
+        Stop();
+    } else {
+        Start();
+    }
+}
+
+void MemoryTones::Start() {
+    try {
+        StartSelected();
+    } catch (...) {
+        Stop();
+        env_.generator.NumTones = 0;
+        throw;
+    }
+    env_.generator.SetGeneratorRunning(true);
+    env_.generator.SweepRunning = true;
+    controls_.cmdStartMemory.SetCaption("Stop Memory");
+}
+
+void MemoryTones::StartSelected() {
+    interlock_.Show(Playing::kMemory);
+    env_.generator.NumTones = 0;
+    env_.generator.SweepCycleCount = 0;
+    for (std::int32_t position = 0; position < controls_.ToneList.Count(); ++position)
+        if (controls_.ToneList.Selected(position)) StartEntry(position);
+    env_.generator.ResetTonePhases();
+}
+
+void MemoryTones::StartEntry(std::int32_t position) {
+    Generator& generator = env_.generator;
+    if (generator.NumTones >= kToneRecords) throw RuntimeError(error_number::kSubscript);
+    ToneRecord& tone = generator.Tones[static_cast<std::size_t>(generator.NumTones)];
+    ReadTone(env_.settings, position + 1, KeysAtPlayback(), tone);
+    if (tone.Sweep) env_.HiTimer1.SetEnabled(true);
+    tone.LastFrequency = 0.0;
+    tone.Frequency = tone.StartFrequency;
+    tone.SweepFrequency = tone.StartFrequency;
+    ++generator.NumTones;
+}
+
+void MemoryTones::Stop() {
+    env_.generator.SetGeneratorRunning(false);
+    env_.generator.SweepRunning = false;
+    env_.HiTimer1.SetEnabled(false);
+    controls_.cmdStartMemory.SetCaption("Start Memory");
+    interlock_.Show(Playing::kNothing);
+}
+
+}  // namespace sonavex

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "core/controls/Choices.h"
+#include "core/controls/Commands.h"
+#include "core/controls/Controls.h"
+
+namespace sonavex {
+
+// Limits of the sliders; the frequency sliders end at half the sampling rate.
+inline constexpr std::int32_t kLowestLevel = -9600;  // hundredths of a dB
+inline constexpr std::int32_t kHighestLevel = 0;
+inline constexpr std::int32_t kLowestFrequency = 1;     // Hz
+inline constexpr std::int32_t kLongestSweepMs = 10000;  // milliseconds
+
+// Colours of picGenRunning.
+inline constexpr Colour kGeneratorPlaying = kLightGreen;
+inline constexpr Colour kGeneratorStopped{128, 128, 128};
+
+// Controls of the signal that is being set up. Each frequency and the sweep time have a slider and a
+// box with the same value.
+struct SignalControls {
+    ComboBox cmbType;         // waveform, by its index in kWaveNames
+    Slider sldStartFreq;      // Hz
+    TextBox txtGenFreq;       // Hz
+    Slider sldEndFreq;        // Hz
+    TextBox txtGenEndFreq;    // Hz
+    Slider sldSweepTime;      // milliseconds, 0 for no sweep
+    TextBox txtSweepTime;     // milliseconds
+    CheckBox chkLoop;         // the sweep starts again at its end
+    Slider sldLevel;          // output level, hundredths of a dB; also that of the memory tones
+    Label lblGenLevel;        // the same in dB
+    CommandButton Command1;   // "Start Current" or "Stop Current"
+    Indicator picGenRunning;  // kGeneratorPlaying while anything plays
+};
+
+// Controls of the stored signals.
+struct MemoryControls {
+    static constexpr std::int32_t kEntries = 8;
+
+    ListBox ToneList;              // one line a tone
+    CommandButton cmdGenAdd;       // adds the current signal
+    CommandButton cmdRemove;       // removes the selected entries
+    CommandButton cmdStartMemory;  // "Start Memory" or "Stop Memory"
+};
+
+}  // namespace sonavex

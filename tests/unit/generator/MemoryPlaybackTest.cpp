@@ -1,0 +1,305 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "support/Errors.h"
+#include "support/PanelRig.h"
+
+namespace sonavex {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class MemoryPlayback : public PanelRig {
+protected:
+    MemoryPlayback() {
+        Init();
+        SetSweep(100, 1000, 500);
+        signal.chkLoop.UserSets(true);
+        Add();
+        MoveTo(signal.sldSweepTime, 0);
+        MoveTo(signal.sldStartFreq, 200);
+        signal.cmbType.UserSelects(1);
+        Add();
+        MoveTo(signal.sldStartFreq, 300);
+        signal.cmbType.UserSelects(0);
+        Add();
+        log.Clear();
+    }
+    // Whether every control of the current signal but those of a sweep is as told.
+    bool SignalEnabled(bool enabled) const {
+        const std::initializer_list<const Control*> controls{&signal.cmbType,      &signal.sldStartFreq,
+                                                             &signal.txtGenFreq,   &signal.sldSweepTime,
+                                                             &signal.txtSweepTime, &signal.Command1};
+        return std::all_of(controls.begin(), controls.end(),
+                           [enabled](const Control* control) { return control->Enabled() == enabled; });
+    }
+    bool SweepEnabled(bool enabled) const {
+        return signal.sldEndFreq.Enabled() == enabled && signal.txtGenEndFreq.Enabled() == enabled &&
+               signal.chkLoop.Enabled() == enabled;
+    }
+};
+
+TEST_F(MemoryPlayback, StartsTheSelectedTones) {
+    Select(1);
+    Select(2);
+    generator.SweepCycleCount = 5;
+    memory.cmdStartMemory.Press();
+    EXPECT_EQ(generator.NumTones, 2);
+    EXPECT_TRUE(generator.GeneratorRunning);
+    EXPECT_TRUE(generator.SweepRunning);
+    EXPECT_EQ(generator.SweepCycleCount, 0);
+    EXPECT_FALSE(timer.Enabled());
+    EXPECT_EQ(memory.cmdStartMemory.Caption(), "Stop Memory");
+    EXPECT_TRUE(Shown(kGeneratorPlaying));
+    EXPECT_EQ(Tone(0).WaveType, wave::kSquare);
+    EXPECT_EQ(Tone(0).StartFrequency, 200.0);
+    EXPECT_EQ(Tone(0).Frequency, 200.0);
+    EXPECT_EQ(Tone(0).SweepFrequency, 200.0);
+    EXPECT_EQ(Tone(0).LastFrequency, 200.0);
+    EXPECT_EQ(Tone(0).Period, 220.5);
+    EXPECT_EQ(Tone(1).WaveType, wave::kSine);
+    EXPECT_EQ(Tone(1).Frequency, 300.0);
+}
+
+TEST_F(MemoryPlayback, ReadsTheSettingsInOrder) {
+    Select(2);
+    store.Stored.DeleteSection("Signal Generator");
+    memory.cmdStartMemory.Press();
+    const std::string get = "Get Signal Generator|";
+    EXPECT_THAT(log.Lines(),
+                ElementsAre(get + "Memory Signal Start 3|1", get + "Memory Signal End 3|1",
+                            get + "Memory Signal Sweep Time 3|0", get + "Memory Signal Sweep 3|False",
+                            get + "Memory Signal Type 3|0", get + "Memory Signal Loop 3|False",
+                            get + "Memory Signal Loop Increment 3|1000"));
+    EXPECT_EQ(Tone().StartFrequency, 1.0);
+    EXPECT_EQ(Tone().EndFrequency, 1.0);
+    EXPECT_EQ(Tone().LoopIncrement, 1000.0);
+    EXPECT_EQ(Tone().Frequency, 1.0);
+    EXPECT_FALSE(Tone().Sweep);
+    EXPECT_FALSE(Tone().Loop);
+}
+
+TEST_F(MemoryPlayback, SweepsEachToneByItself) {
+    SetSweep(2000, 1000, 1000);
+    signal.chkLoop.UserSets(false);
+    Add();
+    Select(0);
+    Select(2);
+    Select(3);
+    memory.cmdStartMemory.Press();
+    EXPECT_EQ(generator.NumTones, 3);
+    EXPECT_TRUE(timer.Enabled());
+    loop.Advance(std::chrono::milliseconds(250));
+    EXPECT_NEAR(Tone(0).Frequency, 550.0, 1e-6);
+    EXPECT_EQ(Tone(1).Frequency, 300.0);
+    EXPECT_NEAR(Tone(2).Frequency, 1750.0, 1e-6);
+    loop.Advance(std::chrono::milliseconds(260));
+    EXPECT_LT(Tone(0).Frequency, 130.0);
+    EXPECT_NEAR(Tone(2).Frequency, 1490.0, 1e-6);
+    loop.Advance(std::chrono::milliseconds(800));
+    EXPECT_NEAR(Tone(2).Frequency, 1000.0, 1.0);
+}
+
+TEST_F(MemoryPlayback, Stops) {
+    Select(0);
+    memory.cmdStartMemory.Press();
+    memory.cmdStartMemory.Press();
+    EXPECT_FALSE(generator.GeneratorRunning);
+    EXPECT_EQ(generator.GeneratorState, 8);
+    EXPECT_FALSE(generator.SweepRunning);
+    EXPECT_FALSE(timer.Enabled());
+    EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
+    EXPECT_TRUE(Shown(kGeneratorStopped));
+    EXPECT_TRUE(memory.cmdStartMemory.Enabled());
+    EXPECT_TRUE(memory.cmdRemove.Enabled());
+}
+
+TEST_F(MemoryPlayback, StartsWithNothingSelected) {
+    panel.Tones().cmdStartMemory_Click();
+    EXPECT_EQ(generator.NumTones, 0);
+    EXPECT_EQ(memory.cmdStartMemory.Caption(), "Stop Memory");
+    EXPECT_THAT(bench.Fill(), testing::Each(0.0));
+    EXPECT_THAT(log.Lines(), IsEmpty());
+    EXPECT_TRUE(memory.cmdStartMemory.Enabled());
+    memory.cmdStartMemory.Press();
+    EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
+    EXPECT_FALSE(memory.cmdStartMemory.Enabled());
+    EXPECT_FALSE(memory.cmdRemove.Enabled());
+}
+
+TEST_F(MemoryPlayback, LocksTheControls) {
+    Select(0);
+    EXPECT_TRUE(SignalEnabled(true));
+    memory.cmdStartMemory.Press();
+    EXPECT_TRUE(SignalEnabled(false));
+    EXPECT_TRUE(SweepEnabled(false));
+    EXPECT_TRUE(signal.sldLevel.Enabled());
+    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
+    EXPECT_FALSE(memory.cmdRemove.Enabled());
+    EXPECT_TRUE(memory.ToneList.Locked());
+    memory.cmdStartMemory.Press();
+    EXPECT_TRUE(SignalEnabled(true));
+    EXPECT_TRUE(SweepEnabled(false));
+    EXPECT_TRUE(memory.cmdGenAdd.Enabled());
+    EXPECT_FALSE(memory.ToneList.Locked());
+}
+
+TEST_F(MemoryPlayback, GivesTheSweepControlsBack) {
+    MoveTo(signal.sldSweepTime, 100);
+    Select(0);
+    memory.cmdStartMemory.Press();
+    EXPECT_TRUE(SweepEnabled(false));
+    memory.cmdStartMemory.Press();
+    EXPECT_TRUE(SweepEnabled(true));
+}
+
+TEST_F(MemoryPlayback, DoesNotEnableAFullListAgain) {
+    Add(5);
+    Select(7);
+    memory.cmdStartMemory.Press();
+    memory.cmdStartMemory.Press();
+    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
+    signal.Command1.Press();
+    signal.Command1.Press();
+    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
+}
+
+TEST_F(MemoryPlayback, ExcludesTheCurrentSignal) {
+    Select(1);
+    signal.Command1.Press();
+    EXPECT_FALSE(memory.cmdStartMemory.Enabled());
+    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
+    EXPECT_FALSE(memory.cmdRemove.Enabled());
+    EXPECT_TRUE(memory.ToneList.Locked());
+    memory.cmdStartMemory.Press();
+    EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
+    Select(1, false);
+    EXPECT_TRUE(memory.ToneList.Selected(1));
+    signal.Command1.Press();
+    EXPECT_TRUE(memory.cmdStartMemory.Enabled());
+    EXPECT_TRUE(memory.cmdGenAdd.Enabled());
+    EXPECT_TRUE(memory.cmdRemove.Enabled());
+    EXPECT_FALSE(memory.ToneList.Locked());
+    memory.cmdStartMemory.Press();
+    signal.Command1.Press();
+    EXPECT_EQ(signal.Command1.Caption(), "Start Current");
+    EXPECT_EQ(Tone().StartFrequency, 200.0);
+}
+
+TEST_F(MemoryPlayback, LeavesNothingForTheNextCurrentSignal) {
+    Select(0);
+    Select(1);
+    memory.cmdStartMemory.Press();
+    memory.cmdStartMemory.Press();
+    EXPECT_TRUE(Tone().Loop);
+    signal.chkLoop.SetValue(0);
+    signal.Command1.Press();
+    EXPECT_EQ(generator.NumTones, 1);
+    EXPECT_EQ(Tone().WaveType, wave::kSine);
+    EXPECT_EQ(Tone().Frequency, 300.0);
+    EXPECT_EQ(Tone().EndFrequency, 1000.0);
+    EXPECT_FALSE(Tone().Sweep);
+    EXPECT_FALSE(Tone().Loop);
+    EXPECT_FALSE(timer.Enabled());
+}
+
+TEST_F(MemoryPlayback, LeavesNothingForTheNextEntry) {
+    signal.chkLoop.SetValue(0);
+    Select(0);
+    memory.cmdStartMemory.Press();
+    memory.cmdStartMemory.Press();
+    MoveTo(signal.sldSweepTime, 50);
+    Add();
+    EXPECT_EQ(Lines().back(), "300Hz / 1000Hz  / Sine / 50ms / No Loop");
+    EXPECT_EQ(Stored("Current Signal Start"), "300");
+    EXPECT_EQ(Stored("Current Signal Type"), "0");
+}
+
+TEST_F(MemoryPlayback, IsStoredWhileItPlaysAsTheControlsSay) {
+    Select(0);
+    memory.cmdStartMemory.Press();
+    panel.WriteMemoryToRegistry();
+    EXPECT_EQ(Stored("Current Signal Start"), "300");
+    EXPECT_EQ(Stored("Current Signal Sweep"), "False");
+    EXPECT_EQ(Stored("Memory Signal Start 1"), " 100");
+    EXPECT_EQ(Stored("Memory Signal Selected 1"), "True");
+    EXPECT_EQ(Stored("NumberOfTones"), "3");
+}
+
+TEST_F(MemoryPlayback, ChangesTheLevelMeanwhile) {
+    Select(0);
+    memory.cmdStartMemory.Press();
+    volumes.clear();
+    signal.sldLevel.UserMoves(-600);
+    EXPECT_THAT(volumes, ElementsAre(-600));
+}
+
+TEST_F(MemoryPlayback, RefusesATenthTone) {
+    for (std::int32_t entry = 3; entry < 10; ++entry) memory.ToneList.AddItem("entry");
+    for (std::int32_t entry = 0; entry < 9; ++entry) memory.ToneList.SetSelected(entry, true);
+    panel.Tones().cmdStartMemory_Click();
+    EXPECT_EQ(generator.NumTones, 9);
+    panel.Tones().cmdStartMemory_Click();
+    memory.ToneList.SetSelected(9, true);
+    EXPECT_EQ(ErrorOf([this] {
+                  panel.Tones().cmdStartMemory_Click();
+                  return 0;
+              }),
+              9);
+}
+
+// Whatever fails while starting leaves the panel as if nothing had been started.
+TEST_F(MemoryPlayback, PlaysNothingAfterAFailedStart) {
+    Select(0);
+    Select(2);
+    for (const auto& [value, number] :
+         {std::pair{"wrong", 13}, std::pair{"1e999", 6}, std::pair{"1e-310", 6}}) {
+        Store("Memory Signal Start 3", value);
+        EXPECT_EQ(ErrorOf([this] {
+                      memory.cmdStartMemory.Press();
+                      return 0;
+                  }),
+                  number);
+        EXPECT_FALSE(generator.GeneratorRunning);
+        EXPECT_FALSE(generator.SweepRunning);
+        EXPECT_EQ(generator.NumTones, 0);
+        EXPECT_FALSE(timer.Enabled());
+        EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
+        EXPECT_TRUE(Shown(kGeneratorStopped));
+        EXPECT_TRUE(SignalEnabled(true));
+        EXPECT_TRUE(memory.cmdStartMemory.Enabled());
+        EXPECT_FALSE(memory.ToneList.Locked());
+    }
+}
+
+TEST_F(MemoryPlayback, StaysBelowFullScale) {
+    Add(5);
+    for (std::int32_t entry = 1; entry < 8; ++entry) Select(entry);
+    memory.cmdStartMemory.Press();
+    EXPECT_EQ(generator.NumTones, 7);
+    const std::vector<double> samples = bench.Samples(44100);
+    const double largest = std::abs(*std::max_element(
+        samples.begin(), samples.end(), [](double a, double b) { return std::abs(a) < std::abs(b); }));
+    EXPECT_GT(largest, 10000.0);
+    EXPECT_LE(largest, 7.0 * 32767.0 / 2.0 / 8.0 + 1e-6);
+}
+
+TEST_F(MemoryPlayback, StopsWithWhateverPlays) {
+    Select(0);
+    memory.cmdStartMemory.Press();
+    panel.StopPlaying();
+    EXPECT_FALSE(generator.SweepRunning);
+    EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
+    signal.Command1.Press();
+    panel.StopPlaying();
+    EXPECT_FALSE(generator.SweepRunning);
+    EXPECT_EQ(signal.Command1.Caption(), "Start Current");
+    panel.StopPlaying();
+    EXPECT_FALSE(generator.SweepRunning);
+}
+
+}  // namespace
+}  // namespace sonavex
