@@ -115,8 +115,8 @@ std::filesystem::path KeepAside(const std::filesystem::path& file) {
 FolderLock::FolderLock(const std::filesystem::path& folder, std::chrono::milliseconds limit)
     : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     const auto end = std::chrono::steady_clock::now() + limit;
-    while (descriptor_ >= 0 && flock(descriptor_, LOCK_EX | LOCK_NB) != 0 &&
-           std::chrono::steady_clock::now() < end)
+    if (descriptor_ < 0) return;
+    while (!(held_ = flock(descriptor_, LOCK_EX | LOCK_NB) == 0) && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
