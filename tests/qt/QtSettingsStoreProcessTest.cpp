@@ -76,6 +76,7 @@ TEST_F(QtSettingsStoreProcess, ProcessesThatWriteAtTheSameTimeLoseNothing) {
         const int other = std::stoi(store->Get("Counter", "first", "0"));
         EXPECT_GE(other, seen);
         seen = other;
+        std::this_thread::sleep_for(1ms);
     }
     ASSERT_TRUE(first.WaitForEnd(60s));
     ASSERT_TRUE(second.WaitForEnd(60s));
