@@ -204,10 +204,11 @@ TYPED_TEST_P(EventLoopContract, TimerTicksUntilStopped) {
     const auto start = loop.Now();
     const auto id = loop.StartTimer(5ms, [&] { ++ticks; });
     EXPECT_NE(id, 0);
-    EXPECT_TRUE(this->RunUntil([&] { return ticks == 3; }, 10s));
+    EXPECT_TRUE(this->RunUntil([&] { return ticks >= 3; }, 10s));
     EXPECT_GE(loop.Now() - start, 15ms);
     loop.StopTimer(id);
-    EXPECT_FALSE(this->RunUntil([&] { return ticks > 3; }, 30ms));
+    const int atStop = ticks;
+    EXPECT_FALSE(this->RunUntil([&] { return ticks > atStop; }, 30ms));
 }
 
 TYPED_TEST_P(EventLoopContract, TimerDoesNotTickBeforeItsInterval) {
@@ -280,7 +281,7 @@ TYPED_TEST_P(EventLoopContract, TimerGoesOnAfterAnErrorInItsHandler) {
     std::this_thread::sleep_for(5ms);
     this->platform_->Yield();
     EXPECT_EQ(this->platform_->Errors(), 1);
-    EXPECT_TRUE(this->RunUntil([&] { return ticks == 2; }, 10s));
+    EXPECT_TRUE(this->RunUntil([&] { return ticks >= 2; }, 10s));
 }
 
 TYPED_TEST_P(EventLoopContract, TimerStoppingAnUnknownTimerIsIgnored) {

@@ -3,8 +3,10 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <chrono>
 #include <iostream>
 #include <string>
+#include <thread>
 
 #include "platform/qt/QtDesktop.h"
 #include "platform/qt/QtSettingsStore.h"
@@ -22,6 +24,7 @@ int Count(const std::string& settings, const std::string& key, int count) {
     for (int number = 1; number <= count; ++number) {
         store.Save("Counter", key, std::to_string(number));
         if (!store.Write()) return 1;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return 0;
 }

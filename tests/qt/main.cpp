@@ -16,6 +16,8 @@ void WriteMessage(QtMsgType, const QMessageLogContext&, const QString& text) {
 
 int main(int argc, char** argv) {
     if (const auto status = sonavex::RunHelperProgram(argc, argv)) return *status;
+    const sonavex::PrivateFolder runtimeFolder;
+    qputenv("XDG_RUNTIME_DIR", runtimeFolder.Path().c_str());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(WriteMessage);
     testing::InitGoogleMock(&argc, argv);

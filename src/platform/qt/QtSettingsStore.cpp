@@ -14,8 +14,9 @@
 namespace sonavex {
 namespace {
 
-// Shorter than the four segments that the capture buffer holds.
-constexpr std::chrono::milliseconds kLongestWait{100};
+// For other processes that write the file. A writing takes some milliseconds, so only one that was stopped
+// in the middle takes longer.
+constexpr std::chrono::milliseconds kLongestWait{2000};
 
 const std::string* Find(const IniSections& sections, std::string_view section, std::string_view key) {
     const auto values = sections.find(section);
@@ -131,7 +132,8 @@ bool QtSettingsStore::KeepDamaged(const FileReading& reading) {
 // Empty for success, otherwise what stands in the way.
 std::string QtSettingsStore::Replace() {
     if (auto problem = CreateFolder(); !problem.empty()) return problem;
-    const FolderLock lock(file_.parent_path(), kLongestWait);
+    const FolderLock lock(file_.parent_path(), patient_ ? kLongestWait : std::chrono::milliseconds::zero());
+    patient_ = lock.Held();
     const FileReading reading = ReadSettingsFile(file_);
     if (!reading.problem.empty()) return reading.problem;
     if (reading.content.damaged && !KeepDamaged(reading))

@@ -24,8 +24,9 @@ namespace sonavex {
 //
 // When the file cannot be written, that is reported once; the changes stay in effect for the run and every
 // later writing tries again. A file that is damaged is kept under another name before it is replaced, which
-// is reported once too; a file that exists but cannot be read is never replaced. While another process
-// holds the folder's lock, a writing waits for at most 100 ms and then goes on without it.
+// is reported once too; a file that exists but cannot be read is never replaced. Another
+// process that writes is waited for, for at most two seconds; then, and until it has ended its writing, this
+// one writes without regard to it.
 class QtSettingsStore : public SettingsStore {
 public:
     // Gets one sentence or two for the user, at the end of a writing; may run an event loop, must not throw.
@@ -86,6 +87,7 @@ private:
     Changes changes_;
     QTimer writing_;
     int holds_ = 0;
+    bool patient_ = true;  // waits for other processes
     bool failureReported_ = false;
     bool damageReported_ = false;
     std::filesystem::path copy_;  // of the damaged file, kept by this run

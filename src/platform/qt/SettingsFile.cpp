@@ -15,6 +15,8 @@ namespace {
 // No settings are that long; not read into memory.
 constexpr std::uintmax_t kLongestFile = 16 << 20;
 constexpr int kLastCopy = 99;
+// Between two tries for the lock. Short, because a process that writes again and again leaves short gaps.
+constexpr std::chrono::microseconds kLookAgain{50};
 // With less the disk counts as full, in bytes.
 constexpr std::uintmax_t kLeastRoom = 65536;
 
@@ -115,9 +117,9 @@ std::filesystem::path KeepAside(const std::filesystem::path& file) {
 FolderLock::FolderLock(const std::filesystem::path& folder, std::chrono::milliseconds limit)
     : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     const auto end = std::chrono::steady_clock::now() + limit;
-    while (descriptor_ >= 0 && flock(descriptor_, LOCK_EX | LOCK_NB) != 0 &&
-           std::chrono::steady_clock::now() < end)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    if (descriptor_ < 0) return;
+    while (!(held_ = flock(descriptor_, LOCK_EX | LOCK_NB) == 0) && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(kLookAgain);
 }
 
 FolderLock::~FolderLock() {

@@ -38,7 +38,7 @@ FileReading ReadSettingsFile(const std::filesystem::path& file);
 std::filesystem::path KeepAside(const std::filesystem::path& file);
 
 // While it lives, no other process holds one for the same folder. Nothing stays behind, not even when
-// the process is killed. A folder that cannot be locked, or not within the limit, is used without.
+// the process is killed. Where the lock cannot be had within the limit, the object does not hold it.
 class FolderLock {
 public:
     FolderLock(const std::filesystem::path& folder, std::chrono::milliseconds limit);
@@ -46,8 +46,11 @@ public:
     FolderLock(const FolderLock&) = delete;
     FolderLock& operator=(const FolderLock&) = delete;
 
+    bool Held() const noexcept { return held_; }
+
 private:
     int descriptor_;
+    bool held_ = false;
 };
 
 // Why a file of this name cannot be written, as far as can be told; for messages.

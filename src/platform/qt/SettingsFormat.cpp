@@ -26,11 +26,9 @@ QString EncodeKey(const std::string& section, const std::string& key) {
     return EncodeName('s', section) + u'/' + EncodeName('k', key);
 }
 
-// Damage is no reason to fail here: the store has looked at the file before.
-bool ReadFormat(QIODevice& device, QSettings::SettingsMap& map) {
-    for (const auto& [section, values] : ReadIni(device.readAll().toStdString()).sections)
-        for (const auto& [key, value] : values)
-            map.insert(EncodeKey(section, key), QString::fromLatin1(QByteArray::fromStdString(value)));
+// The settings class need not know what the file holds, only that it holds something.
+bool ReadFormat(QIODevice&, QSettings::SettingsMap& map) {
+    map.insert(QStringLiteral("present"), QVariant());
     return true;
 }
 
@@ -38,6 +36,7 @@ bool WriteFormat(QIODevice& device, const QSettings::SettingsMap& map) {
     IniSections sections;
     for (auto entry = map.begin(); entry != map.end(); ++entry) {
         const auto slash = entry.key().indexOf(u'/');
+        if (slash < 0) continue;
         sections[DecodeName(entry.key().left(slash))][DecodeName(entry.key().mid(slash + 1))] =
             entry.value().toString().toLatin1().toStdString();
     }
@@ -57,7 +56,7 @@ QSettings::Format Format() {
 
 bool ReplaceIniFile(const std::filesystem::path& file, const IniSections& sections) {
     QSettings settings(QFile::decodeName(file.c_str()), Format());
-    // What it read or remembers of this file does not count.
+    // Drops what it takes for the present content, so that the file is written even when nothing is left.
     settings.clear();
     for (const auto& [section, values] : sections)
         for (const auto& [key, value] : values)
