@@ -13,6 +13,9 @@ endif()
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
+if(SONAVEX_WITH_QT)
+  find_package(Qt6 REQUIRED COMPONENTS Widgets)
+endif()
 pkg_check_modules(FFTW3 REQUIRED IMPORTED_TARGET fftw3)
 
 add_library(sonavex_defaults INTERFACE)

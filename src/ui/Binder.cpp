@@ -73,6 +73,7 @@ void Binder::Bind(QLineEdit& widget, TextBox& control) {
     Add(widget, control, [&widget, &control] {
         if (widget.text() != Text(control.Text())) widget.setText(Text(control.Text()));
         widget.setEnabled(control.Enabled());
+        if (control.TakeFocusRequest()) widget.setFocus();
     });
     connect(&widget, &QLineEdit::textEdited, this, [this, &control](const QString& text) {
         Handle([&] { control.UserTypes(text.toStdString()); });

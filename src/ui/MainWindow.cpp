@@ -62,8 +62,8 @@ void MainWindow::ConnectConveniences() {
         auto* button = findChild<QPushButton*>("preset_" + QString::number(hertz));
         connect(button, &QPushButton::clicked, this, [this, hertz] {
             ui_->sldStartFreq->SetHz(hertz);
-            emit ui_->sldStartFreq->HzMoved(ui_->sldStartFreq->Hz());
-            emit ui_->sldStartFreq->HzReleased();
+            Q_EMIT ui_->sldStartFreq->HzMoved(ui_->sldStartFreq->Hz());
+            Q_EMIT ui_->sldStartFreq->HzReleased();
         });
     }
 }

@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QString>
 #include <cerrno>
 #include <charconv>
@@ -82,6 +84,18 @@ std::string QtDesktop::ApplicationFolder() {
     std::string folder = QCoreApplication::applicationDirPath().toStdString();
     while (!folder.empty() && folder.back() == '/') folder.pop_back();
     return folder;
+}
+
+ScreenArea QtDesktop::Screens() {
+    ScreenArea area;
+    const QScreen* primary = QGuiApplication::primaryScreen();
+    if (primary == nullptr) return area;
+    const QRect all = primary->availableVirtualGeometry();
+    area.width = primary->availableGeometry().width();
+    area.height = primary->availableGeometry().height();
+    area.right = all.x() + all.width();
+    area.bottom = all.y() + all.height();
+    return area;
 }
 
 }  // namespace sonavex

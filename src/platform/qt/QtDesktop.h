@@ -23,6 +23,7 @@ public:
     // 10, or SONAVEX_OS_MAJOR when it is a whole number.
     std::int32_t OsMajorVersion() override;
     std::string ApplicationFolder() override;
+    ScreenArea Screens() override;
 
 private:
     std::string instanceName_;

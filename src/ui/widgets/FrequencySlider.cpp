@@ -23,8 +23,8 @@ FrequencySlider::FrequencySlider(QWidget* parent) : QSlider(parent) {
     setRange(0, kPositions);
     connect(this, &QSlider::valueChanged, this, [this](int position) {
         hertz_ = HzAt(position);
-        emit HzMoved(hertz_);
-        if (!isSliderDown()) emit HzReleased();
+        Q_EMIT HzMoved(hertz_);
+        if (!isSliderDown()) Q_EMIT HzReleased();
     });
     connect(this, &QSlider::sliderReleased, this, &FrequencySlider::HzReleased);
 }
@@ -56,8 +56,8 @@ int FrequencySlider::HzAt(int position) const {
 
 void FrequencySlider::Step(int hertz) {
     SetHz(hertz);
-    emit HzMoved(hertz_);
-    emit HzReleased();
+    Q_EMIT HzMoved(hertz_);
+    Q_EMIT HzReleased();
 }
 
 void FrequencySlider::keyPressEvent(QKeyEvent* event) {

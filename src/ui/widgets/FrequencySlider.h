@@ -19,7 +19,7 @@ public:
     // Where a double click goes.
     void SetResetHz(int hertz) { resetHz_ = hertz; }
 
-signals:
+Q_SIGNALS:
     void HzMoved(int hertz);
     // The slider was let go, or a wheel, key or click step has ended.
     void HzReleased();

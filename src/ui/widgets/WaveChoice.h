@@ -19,7 +19,7 @@ public:
     void SetIndex(int index);
     int Index() const { return group_.checkedId(); }
 
-signals:
+Q_SIGNALS:
     void Chosen(int index);
 
 private:

@@ -1,0 +1,160 @@
+#include "core/shell/frmMain.h"
+
+#include <chrono>
+#include <filesystem>
+
+#include "core/settings/SampleRates.h"
+#include "core/shell/Windows.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* kAnotherInstance = "Another instance of Quenby Sonavex is running";
+constexpr const char* kInvalidRate = "Invalid Sampling Rate. Resetting to 22050.";
+constexpr const char* kHelpFileName = "Sonavex.chm";
+constexpr std::int32_t kFallbackRateIndex = 3;
+constexpr std::int32_t kLowEdgeAtStartHz = 25;
+constexpr std::int32_t kUpperMarginHz = 100;
+
+}  // namespace
+
+frmMain::frmMain(const World& world)
+    : Stored(world.store),
+      Measurement(Shared),
+      BaselineOptions(Stored, world.dialogs, Measurement.Analysis(), Measurement.Controls),
+      Guard(world.dialogs, world.errorLog),
+      HiTimer1(std::make_unique<SweepTimer>(world.loop, Measurement.Tones,
+                                            [this] { return Engine.Restarting(); })),
+      Signals({Shared, Stored, world.dialogs, Measurement.Tones, *HiTimer1}, mnuPrint,
+              Measurement.Controls.chkMuteOutput),
+      Engine(
+          {Shared, Stored, world.sound, world.loop, world.dialogs, world.errorLog, world.mixers, Measurement},
+          {lblInput, lblOutput, lblSampleRate, Signals.Signal.sldStartFreq, Signals.Signal.sldEndFreq}),
+      world_(world) {
+    cmdExit.Click.Handle([this] { cmdExit_Click(); });
+    mnuExit.Click.Handle([this] { mnuExit_Click(); });
+    Signals.SetPlaybackVolume([this](std::int32_t level) {
+        if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
+    });
+    Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
+    Measurement.OnBlock([this] { Guard.BlockSucceeded(); });
+    unloadLater_ = world.loop.CreateSignal([this] { Unload(); });
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::Form_Load() {
+    RefuseSecondInstance();
+    HelpFile = (std::filesystem::path(world_.desktop.ApplicationFolder()) / kHelpFileName).string();
+    RestorePosition();
+    Reached(Started::kPosition);
+    Shared.OsMajorVersion = world_.desktop.OsMajorVersion();
+    Frame.SetCaption(std::string(kApplicationTitle) + " & Function Generator");
+    BaselineOptions.RestoreBoxes();
+    RestoreSampleRate();
+    LimitFrequencySliders();
+    Signals.InitGenerator();
+    Reached(Started::kGenerator);
+    CreateSoundDevices();
+    Reached(Started::kDevices);
+    StartStream();
+    SelectLastTab();
+    Reached(Started::kTabs);
+}
+
+void frmMain::RefuseSecondInstance() {
+    if (!world_.desktop.AnotherInstanceRunning()) return;
+    world_.dialogs.Message(kAnotherInstance, MessageIcon::kCritical);
+    throw EndProgram{0};
+}
+
+void frmMain::RestorePosition() {
+    const Windows::Place place = Windows::Restore(Stored, Frame, world_.desktop.Screens());
+    Frame.Move(place.left, place.top);
+}
+
+void frmMain::RestoreSampleRate() {
+    const std::string fallback = CStr(DefaultSampleRateIndex(Shared.OsMajorVersion));
+    const std::string stored = Stored.Text(Settings::WithFallback(keys::kSampleRate, fallback));
+    if (IsNumeric(stored)) {
+        const double index = RoundHalfEven(CDbl(stored));
+        if (index >= 0.0 && index < static_cast<double>(SampleRateTable.size())) {
+            Shared.SampleRate = SampleRateTable[static_cast<std::size_t>(index)];
+            return;
+        }
+    }
+    Shared.SampleRate = SampleRateTable[kFallbackRateIndex];
+    Stored.Save(keys::kSampleRate, CStr(kFallbackRateIndex));
+    world_.dialogs.Message(kInvalidRate, MessageIcon::kInformation);
+}
+
+void frmMain::LimitFrequencySliders() {
+    Signals.Signal.sldStartFreq.SetMax(Shared.SampleRate / 2);
+    Signals.Signal.sldEndFreq.SetMax(Shared.SampleRate / 2);
+}
+
+void frmMain::CreateSoundDevices() {
+    if (!Engine.CreateDevices() && ShowDeviceDialog) ShowDeviceDialog();
+}
+
+void frmMain::StartStream() {
+    Engine.SetEvents();
+    Engine.RestartPending = true;
+    Measurement.Analysis().HistIndex = 0;
+    Measurement.SetUpAnalysis(kLowEdgeAtStartHz, Shared.SampleRate / 2 - kUpperMarginHz);
+    world_.mixers.CaptureAndApplySaved();
+    Reached(Started::kMixers);
+    world_.mixers.SetUpSoundControls();
+    Engine.ResetStream();
+    HiTimer1->SetInterval(1ms);
+    Engine.StartCapture();
+}
+
+// Whatever is wrong with the stored tab, the first one opens.
+void frmMain::SelectLastTab() {
+    try {
+        LastTabIndex = Stored.Integer(keys::kLastTab);
+        TabStrip1.SetIndex(LastTabIndex);
+    } catch (const RuntimeError&) {
+        TabStrip1.SetIndex(0);
+    }
+}
+
+void frmMain::Form_QueryUnload() {
+    if (unloaded_) return;
+    unloaded_ = true;
+    HiTimer1->SetEnabled(false);
+    if (Has(Started::kDevices)) Engine.Stop();
+    if (Has(Started::kGenerator)) Signals.WriteMemoryToRegistry();
+    if (Has(Started::kTabs)) Stored.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()}));
+    world_.mixers.UnloadDialogs();
+    if (Has(Started::kMixers)) world_.mixers.SaveAndRestoreInitial();
+    Engine.Release();
+    if (Has(Started::kPosition)) Windows::Store(Stored, Frame);
+}
+
+bool frmMain::Busy() const {
+    return Engine.Restarting() || HiTimer1->Ticking();
+}
+
+void frmMain::Unload() {
+    if (Busy()) {
+        unloadLater_->Raise();
+        return;
+    }
+    Form_QueryUnload();
+    if (OnUnloaded) OnUnloaded();
+}
+
+void frmMain::cmdExit_Click() {
+    Unload();
+}
+
+void frmMain::mnuExit_Click() {
+    cmdExit.Press();
+}
+
+}  // namespace sonavex

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "core/audio/StreamEngine.h"
+#include "core/audio/SweepTimer.h"
+#include "core/controls/Choices.h"
+#include "core/controls/Commands.h"
+#include "core/controls/Controls.h"
+#include "core/controls/Window.h"
+#include "core/dsp/Baseline.h"
+#include "core/generator/GeneratorPanel.h"
+#include "core/mixer/MixerSession.h"
+#include "core/ports/Desktop.h"
+#include "core/settings/Settings.h"
+#include "core/settings/SharedState.h"
+#include "core/shell/HandlerGuard.h"
+#include "core/shell/Meter.h"
+
+namespace sonavex {
+
+// The main form: owns the instrument's shared state and subsystems, starts them and shuts them down in
+// their order. User-interface thread only.
+class frmMain {
+public:
+    static constexpr const char* kApplicationTitle = "Sonavex";
+
+    // What the form works with. Everything must outlive it.
+    struct World {
+        SettingsStore& store;
+        SoundSystem& sound;
+        EventLoop& loop;
+        Dialogs& dialogs;
+        Desktop& desktop;
+        ErrorLog& errorLog;
+        MixerSession& mixers;
+    };
+
+    explicit frmMain(const World& world);
+    ~frmMain();
+    frmMain(const frmMain&) = delete;
+    frmMain& operator=(const frmMain&) = delete;
+
+    // The start. Throws EndProgram when the program is to end, and RuntimeError for stored values that
+    // cannot be used; either way Form_QueryUnload then knows how far it came.
+    void Form_Load();
+
+    // The shutdown; of a start that ended early only the steps that belong to what was started.
+    void Form_QueryUnload();
+
+    // The user closes the window, by whatever way. Runs the shutdown and then OnUnloaded; deferred
+    // until a tick or a restart of the engine that is under way has ended.
+    void Unload();
+    std::function<void()> OnUnloaded;
+
+    void cmdExit_Click();
+    void mnuExit_Click();
+
+    // Shows the device selection dialog and returns when it has closed.
+    std::function<void()> ShowDeviceDialog;
+
+    Window Frame{"frmMain"};
+    Label lblInput;
+    Label lblOutput;
+    Label lblSampleRate;
+    TabStrip TabStrip1{2};
+    CommandButton cmdExit;
+    MenuItem mnuExit;
+    MenuItem mnuPrint;
+
+    SharedState Shared;
+    Settings Stored;
+    Meter Measurement;
+    Baseline BaselineOptions;
+    HandlerGuard Guard;
+    std::unique_ptr<SweepTimer> HiTimer1;
+    GeneratorPanel Signals;
+    StreamEngine Engine;
+
+    std::string HelpFile;
+    std::int16_t LastTabIndex = 0;
+
+private:
+    // How far the start came; the shutdown undoes what lies before.
+    enum class Started { kNothing, kPosition, kGenerator, kDevices, kMixers, kTabs };
+
+    void RefuseSecondInstance();
+    void RestorePosition();
+    void RestoreSampleRate();
+    void LimitFrequencySliders();
+    void CreateSoundDevices();
+    void StartStream();
+    void SelectLastTab();
+    bool Busy() const;
+    void Reached(Started stage) noexcept { started_ = stage; }
+    bool Has(Started stage) const noexcept { return started_ >= stage; }
+
+    World world_;
+    Started started_ = Started::kNothing;
+    bool unloaded_ = false;
+    std::unique_ptr<Signal> unloadLater_;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,147 @@
+// Pictures of the window in its states, for people to look at: sonavex-screenshots FOLDER. One scale a
+// run, by QT_SCALE_FACTOR.
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyleFactory>
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "support/FormRig.h"
+#include "ui/MainWindow.h"
+#include "ui/Theme.h"
+
+namespace {
+
+using namespace sonavex;
+
+struct Scene {
+    const char* name;
+    std::function<void(FormRig&)> play;
+};
+
+void StartSine(FormRig& rig) {
+    rig.form.Signals.Signal.Command1.Press();
+    rig.Step(60);
+}
+
+void AddMemoryTones(FormRig& rig) {
+    SignalControls& signal = rig.form.Signals.Signal;
+    for (int i = 1; i <= 8; ++i) {
+        signal.sldStartFreq.UserMoves(250 * i);
+        signal.sldStartFreq.UserReleases();
+        signal.cmbType.UserSelects(i % 4);
+        rig.form.Signals.Memory.cmdGenAdd.Press();
+    }
+    for (int i = 0; i < 8; i += 2) rig.form.Signals.Memory.ToneList.UserSelects(i, true);
+}
+
+void SetDistortion(FormRig& rig) {
+    DeviceUnderTestModel model;
+    model.harmonicAmplitudes = {0.0004, 0.0002, 0.00008, 0.00005, 0.00003, 0.00002, 0.00002, 0.00001};
+    rig.card.Card().SetDeviceUnderTest(model);
+}
+
+const Scene kScenes[] = {
+    {"meter-start", [](FormRig&) {}},
+    {"meter-locked",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+     }},
+    {"meter-settling",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         rig.form.Signals.Signal.Command1.Press();
+         rig.Step(20);
+     }},
+    {"meter-unlocked",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.Measurement.Controls.chkAuto.UserSets(false);
+         rig.form.Measurement.Controls.txtFreq.UserTypes("440");
+         rig.Step(19);
+     }},
+    {"meter-overloaded",
+     [](FormRig& rig) {
+         DeviceUnderTestModel model;
+         model.gain = 6.0;
+         rig.card.Card().SetDeviceUnderTest(model);
+         rig.form.Measurement.Controls.chkMuteOutput.UserSets(false);
+         StartSine(rig);
+     }},
+    {"meter-baseline",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+         rig.form.BaselineOptions.cmdBaseline.Press();
+         rig.form.BaselineOptions.chkBaseline.UserSets(true);
+         rig.form.Signals.Signal.sldStartFreq.UserMoves(1500);
+         rig.Step(38);
+     }},
+    {"generator-idle", [](FormRig& rig) { rig.form.TabStrip1.SetIndex(1); }},
+    {"generator-playing",
+     [](FormRig& rig) {
+         rig.form.TabStrip1.SetIndex(1);
+         StartSine(rig);
+     }},
+    {"generator-sweeping",
+     [](FormRig& rig) {
+         rig.form.TabStrip1.SetIndex(1);
+         rig.form.Signals.Signal.sldEndFreq.UserMoves(8000);
+         rig.form.Signals.Signal.sldSweepTime.UserMoves(2000);
+         rig.form.Signals.Signal.sldSweepTime.UserReleases();
+         rig.form.Signals.Signal.chkLoop.UserSets(true);
+         StartSine(rig);
+     }},
+    {"generator-memory",
+     [](FormRig& rig) {
+         rig.form.TabStrip1.SetIndex(1);
+         AddMemoryTones(rig);
+         rig.form.Signals.Memory.cmdStartMemory.Press();
+         rig.Step(30);
+     }},
+};
+
+QPalette PaletteOf(bool dark) {
+    const ui::Theme theme = dark ? ui::Theme::Dark() : ui::Theme::Light();
+    QPalette palette(theme.field, theme.window);
+    palette.setColor(QPalette::WindowText, theme.text);
+    palette.setColor(QPalette::Text, theme.text);
+    palette.setColor(QPalette::ButtonText, theme.text);
+    palette.setColor(QPalette::Base, theme.card);
+    palette.setColor(QPalette::Highlight, theme.accent);
+    return palette;
+}
+
+bool Picture(const Scene& scene, bool dark, const QString& folder) {
+    FormRig rig;
+    ui::MainWindow window(rig.form, QString::fromUtf8(SimulatedSoundSystem::kDescription));
+    rig.form.Form_Load();
+    window.ShowPlaced();
+    scene.play(rig);
+    QApplication::processEvents();
+    const QString name = QStringLiteral("%1/%2-%3-%4.png")
+                             .arg(folder, scene.name, dark ? "dark" : "light")
+                             .arg(qRound(window.devicePixelRatio() * 100));
+    return window.grab().save(name);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: sonavex-screenshots FOLDER\n");
+        return 2;
+    }
+    for (const bool dark : {false, true}) {
+        QApplication::setPalette(PaletteOf(dark));
+        for (const Scene& scene : kScenes)
+            if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
+    }
+    return 0;
+}
