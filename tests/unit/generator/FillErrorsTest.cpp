@@ -18,7 +18,8 @@ std::int32_t ErrorOfFill(GeneratorBench& bench, std::int32_t count = kBlock) {
 TEST(FillErrors, OfArraysThatAreTooShort) {
     for (const auto& [firstSize, secondSize, count] :
          {std::tuple{2047, 4096, 2048}, std::tuple{4096, 2047, 2048}, std::tuple{2047, 2047, 1},
-          std::tuple{2048, 4096, 2049}, std::tuple{4096, 2048, 2049}, std::tuple{0, 0, 0}}) {
+          std::tuple{2047, 4096, 1}, std::tuple{2048, 4096, 2049}, std::tuple{4096, 2048, 2049},
+          std::tuple{0, 0, 0}}) {
         GeneratorBench bench;
         bench.Add(wave::kSine, 1000.0);
         bench.Run();
