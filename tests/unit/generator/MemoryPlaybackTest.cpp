@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "support/Errors.h"
-#include "support/PanelRig.h"
+#include "support/MemoryRig.h"
 
 namespace sonavex {
 namespace {
@@ -12,35 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class MemoryPlayback : public PanelRig {
-protected:
-    MemoryPlayback() {
-        Init();
-        SetSweep(100, 1000, 500);
-        signal.chkLoop.UserSets(true);
-        Add();
-        MoveTo(signal.sldSweepTime, 0);
-        MoveTo(signal.sldStartFreq, 200);
-        signal.cmbType.UserSelects(1);
-        Add();
-        MoveTo(signal.sldStartFreq, 300);
-        signal.cmbType.UserSelects(0);
-        Add();
-        log.Clear();
-    }
-    // Whether every control of the current signal but those of a sweep is as told.
-    bool SignalEnabled(bool enabled) const {
-        const std::initializer_list<const Control*> controls{&signal.cmbType,      &signal.sldStartFreq,
-                                                             &signal.txtGenFreq,   &signal.sldSweepTime,
-                                                             &signal.txtSweepTime, &signal.Command1};
-        return std::all_of(controls.begin(), controls.end(),
-                           [enabled](const Control* control) { return control->Enabled() == enabled; });
-    }
-    bool SweepEnabled(bool enabled) const {
-        return signal.sldEndFreq.Enabled() == enabled && signal.txtGenEndFreq.Enabled() == enabled &&
-               signal.chkLoop.Enabled() == enabled;
-    }
-};
+class MemoryPlayback : public MemoryRig {};
 
 TEST_F(MemoryPlayback, StartsTheSelectedTones) {
     Select(1);
@@ -128,94 +100,6 @@ TEST_F(MemoryPlayback, StartsWithNothingSelected) {
     EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
     EXPECT_FALSE(memory.cmdStartMemory.Enabled());
     EXPECT_FALSE(memory.cmdRemove.Enabled());
-}
-
-TEST_F(MemoryPlayback, LocksTheControls) {
-    Select(0);
-    EXPECT_TRUE(SignalEnabled(true));
-    memory.cmdStartMemory.Press();
-    EXPECT_TRUE(SignalEnabled(false));
-    EXPECT_TRUE(SweepEnabled(false));
-    EXPECT_TRUE(signal.sldLevel.Enabled());
-    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
-    EXPECT_FALSE(memory.cmdRemove.Enabled());
-    EXPECT_TRUE(memory.ToneList.Locked());
-    memory.cmdStartMemory.Press();
-    EXPECT_TRUE(SignalEnabled(true));
-    EXPECT_TRUE(SweepEnabled(false));
-    EXPECT_TRUE(memory.cmdGenAdd.Enabled());
-    EXPECT_FALSE(memory.ToneList.Locked());
-}
-
-TEST_F(MemoryPlayback, GivesTheSweepControlsBack) {
-    MoveTo(signal.sldSweepTime, 100);
-    Select(0);
-    memory.cmdStartMemory.Press();
-    EXPECT_TRUE(SweepEnabled(false));
-    memory.cmdStartMemory.Press();
-    EXPECT_TRUE(SweepEnabled(true));
-}
-
-TEST_F(MemoryPlayback, DoesNotEnableAFullListAgain) {
-    Add(5);
-    Select(7);
-    memory.cmdStartMemory.Press();
-    memory.cmdStartMemory.Press();
-    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
-    signal.Command1.Press();
-    signal.Command1.Press();
-    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
-}
-
-TEST_F(MemoryPlayback, ExcludesTheCurrentSignal) {
-    Select(1);
-    signal.Command1.Press();
-    EXPECT_FALSE(memory.cmdStartMemory.Enabled());
-    EXPECT_FALSE(memory.cmdGenAdd.Enabled());
-    EXPECT_FALSE(memory.cmdRemove.Enabled());
-    EXPECT_TRUE(memory.ToneList.Locked());
-    memory.cmdStartMemory.Press();
-    EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
-    Select(1, false);
-    EXPECT_TRUE(memory.ToneList.Selected(1));
-    signal.Command1.Press();
-    EXPECT_TRUE(memory.cmdStartMemory.Enabled());
-    EXPECT_TRUE(memory.cmdGenAdd.Enabled());
-    EXPECT_TRUE(memory.cmdRemove.Enabled());
-    EXPECT_FALSE(memory.ToneList.Locked());
-    memory.cmdStartMemory.Press();
-    signal.Command1.Press();
-    EXPECT_EQ(signal.Command1.Caption(), "Start Current");
-    EXPECT_EQ(Tone().StartFrequency, 200.0);
-}
-
-TEST_F(MemoryPlayback, LeavesNothingForTheNextCurrentSignal) {
-    Select(0);
-    Select(1);
-    memory.cmdStartMemory.Press();
-    memory.cmdStartMemory.Press();
-    EXPECT_TRUE(Tone().Loop);
-    signal.chkLoop.SetValue(0);
-    signal.Command1.Press();
-    EXPECT_EQ(generator.NumTones, 1);
-    EXPECT_EQ(Tone().WaveType, wave::kSine);
-    EXPECT_EQ(Tone().Frequency, 300.0);
-    EXPECT_EQ(Tone().EndFrequency, 1000.0);
-    EXPECT_FALSE(Tone().Sweep);
-    EXPECT_FALSE(Tone().Loop);
-    EXPECT_FALSE(timer.Enabled());
-}
-
-TEST_F(MemoryPlayback, LeavesNothingForTheNextEntry) {
-    signal.chkLoop.SetValue(0);
-    Select(0);
-    memory.cmdStartMemory.Press();
-    memory.cmdStartMemory.Press();
-    MoveTo(signal.sldSweepTime, 50);
-    Add();
-    EXPECT_EQ(Lines().back(), "300Hz / 1000Hz  / Sine / 50ms / No Loop");
-    EXPECT_EQ(Stored("Current Signal Start"), "300");
-    EXPECT_EQ(Stored("Current Signal Type"), "0");
 }
 
 TEST_F(MemoryPlayback, IsStoredWhileItPlaysAsTheControlsSay) {
