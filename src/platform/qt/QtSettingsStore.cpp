@@ -27,8 +27,8 @@ const std::string* Find(const IniSections& sections, std::string_view section, s
 
 }  // namespace
 
-QtSettingsStore::QtSettingsStore(std::filesystem::path file, Report report)
-    : file_(std::filesystem::absolute(std::move(file))), report_(std::move(report)) {
+QtSettingsStore::QtSettingsStore(const std::filesystem::path& file, Report report)
+    : file_(std::filesystem::absolute(file)), report_(std::move(report)) {
     writing_.setSingleShot(true);
     writing_.setInterval(0);
     QObject::connect(&writing_, &QTimer::timeout, &writing_, [this] {

@@ -32,7 +32,7 @@ public:
     // Gets one sentence or two for the user, at the end of a writing; may run an event loop, must not throw.
     using Report = std::function<void(const std::string&)>;
 
-    explicit QtSettingsStore(std::filesystem::path file = DefaultFile(), Report report = {});
+    explicit QtSettingsStore(const std::filesystem::path& file = DefaultFile(), Report report = {});
     ~QtSettingsStore() override;
     QtSettingsStore(const QtSettingsStore&) = delete;
     QtSettingsStore& operator=(const QtSettingsStore&) = delete;

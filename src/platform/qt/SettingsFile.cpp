@@ -105,13 +105,14 @@ std::filesystem::path KeepAside(const std::filesystem::path& file) {
     while (number < kLastCopy &&
            std::filesystem::exists(std::filesystem::symlink_status(CopyName(file, number), error)))
         ++number;
-    const auto copy = CopyName(file, number);
+    auto copy = CopyName(file, number);
     std::filesystem::remove(copy, error);
     // A second name needs no room on a full disk.
     std::filesystem::create_hard_link(original, copy, error);
     if (!error) return copy;
     const bool copied = std::filesystem::copy_file(original, copy, error);
-    return copied && !error ? copy : std::filesystem::path();
+    if (!copied || error) copy.clear();
+    return copy;
 }
 
 FolderLock::FolderLock(const std::filesystem::path& folder, std::chrono::milliseconds limit)
