@@ -71,15 +71,23 @@ void Binder::Bind(QLabel& widget, Label& control) {
 
 void Binder::Bind(QLineEdit& widget, TextBox& control) {
     Add(widget, control, [&widget, &control] {
-        if (widget.text() != Text(control.Text())) widget.setText(Text(control.Text()));
+        if (widget.text() != Text(control.Text())) {
+            const bool modified = widget.isModified();
+            widget.setText(Text(control.Text()));
+            widget.setModified(modified);
+        }
         widget.setEnabled(control.Enabled());
         if (control.TakeFocusRequest()) widget.setFocus();
     });
     connect(&widget, &QLineEdit::textEdited, this, [this, &control](const QString& text) {
         Handle([&] { control.UserTypes(text.toStdString()); });
     });
-    connect(&widget, &QLineEdit::editingFinished, this,
-            [this, &control] { Handle([&] { control.UserLeaves(); }); });
+    // Merely walking through the box is no entry.
+    connect(&widget, &QLineEdit::editingFinished, this, [this, &widget, &control] {
+        if (!widget.isModified()) return;
+        widget.setModified(false);
+        Handle([&] { control.UserLeaves(); });
+    });
 }
 
 void Binder::Bind(QSlider& widget, Slider& control) {

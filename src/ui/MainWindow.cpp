@@ -49,6 +49,7 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     FixWidth(*ui_->lockWord, "NOT LOCKED");
     FixWidth(*ui_->genLockWord, "NOT LOCKED");
     FixWidth(*ui_->cycleText, "19 of 19");
+    FixWidth(*ui_->runningWord, "Generator playing 8 tones");
     ui_->sldEndFreq->SetResetHz(20);
     BindControls();
     ConnectConveniences();

@@ -59,15 +59,15 @@ QPushButton:hover { border-color: @accent; }
 QPushButton:focus { border: 2px solid @accent; padding: 5px 15px; }
 QPushButton:pressed, QPushButton:checked { background: @accent; color: @onAccent; }
 QPushButton:disabled { color: @quiet; background: @window; }
+QPushButton:checked:disabled { background: @track; border-color: @quiet; font-weight: bold; }
 QPushButton[role="primary"] { background: @accent; color: @onAccent; border-color: @accent; font-weight: bold; }
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
-QCheckBox { color: @text; background: transparent; spacing: 8px; padding: 3px; border: 1px solid transparent; border-radius: 4px; }
-QCheckBox:focus { border-color: @accent; }
+QCheckBox { color: @text; background: transparent; spacing: 8px; }
 QCheckBox:disabled { color: @quiet; }
 QTabWidget::pane { border: none; border-top: 1px solid @border; background: @window; }
-QTabBar { background: @window; }
+QTabBar { background: @window; qproperty-drawBase: 0; }
 QTabBar::tab { background: transparent; color: @quiet; padding: 7px 18px; border: none; border-bottom: 3px solid transparent; margin-right: 12px; }
 QTabBar::tab:selected { color: @text; font-weight: bold; border-bottom-color: @accent; }
 QTabBar::tab:focus { color: @accent; }

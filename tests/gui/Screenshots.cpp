@@ -121,7 +121,8 @@ bool Picture(const Scene& scene, bool dark, const QString& folder) {
     rig.form.Form_Load();
     window.ShowPlaced();
     scene.play(rig);
-    QApplication::processEvents();
+    // What was flushed may ask for a new layout.
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
     const QString name = QStringLiteral("%1/%2-%3-%4.png")
                              .arg(folder, scene.name, dark ? "dark" : "light")
                              .arg(qRound(window.devicePixelRatio() * 100));

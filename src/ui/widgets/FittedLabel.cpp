@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QFontDatabase>
 #include <algorithm>
 
 namespace sonavex::ui {
@@ -44,7 +45,8 @@ void FittedLabel::changeEvent(QEvent* event) {
 void FittedLabel::Fit() {
     if (fitting_ || contentsRect().isEmpty()) return;
     fitting_ = true;
-    QFont fitted = font();
+    QFont fitted = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fitted.setBold(true);
     constexpr int kTrial = 100;
     fitted.setPixelSize(kTrial);
     const QFontMetricsF metrics(fitted);
