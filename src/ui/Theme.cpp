@@ -64,7 +64,7 @@ QPushButton[role="primary"] { background: @accent; color: @onAccent; border-colo
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
-QCheckBox { color: @text; background: transparent; spacing: 8px; }
+QCheckBox { color: @text; spacing: 8px; }
 QCheckBox:disabled { color: @quiet; }
 QTabWidget::pane { border: none; border-top: 1px solid @border; background: @window; }
 QTabBar { background: @window; qproperty-drawBase: 0; }

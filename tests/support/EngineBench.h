@@ -37,14 +37,15 @@ struct EngineBench {
         for (int i = 0; i < blocks; ++i) sound.FireSegment(nextSegment++ % 4);
     }
 
-    // Playback runs; the next block to write is `index`.
+    // Playback has run for a while, all is quiet; the next block to write is `index`.
     void RunUpToIndex(std::int32_t index) {
         Start();
         sound.restingCursors = {0, 0};
         RunBlocks(7);
         RunBlocks(1);
+        sound.restingCursors = {-1, -1};  // in no block
+        RunBlocks(8 + index);
         sound.restingCursors = {40000, 40000};  // behind the first four blocks
-        RunBlocks(index);
         ASSERT_EQ(engine.PlayBlockIndex, index);
         ASSERT_FALSE(engine.RestartPending);
         ASSERT_EQ(engine.Overruns, 0U);

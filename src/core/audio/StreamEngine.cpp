@@ -244,8 +244,6 @@ void StreamEngine::CountPriming() {
     ++PlaybackStarts;
     Playback().SetCurrentPosition(0);
     Playback().PlayLooping();
-    // The segment being captured now began before.
-    env_.processor.StreamDisturbed();
 }
 
 }  // namespace sonavex

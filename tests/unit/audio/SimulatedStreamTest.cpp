@@ -100,14 +100,14 @@ TEST_P(SimulatedStream, RunsAThousandBlocksWithoutOverrun) {
 
 TEST_P(SimulatedStream, DeliversEachSegmentOnceAfterAStallOfFive) {
     Start();
-    for (int n = 0; n < 8; ++n) StepSegment();
+    for (int n = 0; n < 16; ++n) StepSegment();
     segments.clear();
     log.Clear();
     sound.Card().Step(5 * kSegmentFrames);
     loop.DeliverSignals();
     EXPECT_THAT(segments, ElementsAre(0, 1, 2, 3));
     EXPECT_EQ(engine.CaptureCounts().segmentsLost, 1U);
-    EXPECT_EQ(engine.CaptureCounts().segmentsCompleted, 13U);
+    EXPECT_EQ(engine.CaptureCounts().segmentsCompleted, 21U);
     EXPECT_THAT(log.Lines(), ElementsAre("StreamDisturbed", "ProcessCapturedBlock", "ProcessCapturedBlock",
                                          "ProcessCapturedBlock", "ProcessCapturedBlock"));
     StepSegment();

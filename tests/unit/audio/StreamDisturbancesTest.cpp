@@ -28,6 +28,8 @@ TEST(StreamDisturbances, CountsLostSegmentsAnewForANewBuffer) {
     bench.sound.statistics.segmentsLost = 0;
     bench.nextSegment = 0;
     bench.RunBlocks(7);
+    bench.sound.restingCursors = {-1, -1};
+    bench.RunBlocks(8);
     bench.log.Clear();
     bench.RunBlocks(1);
     EXPECT_EQ(bench.log.Count("StreamDisturbed"), 0U);
