@@ -1,0 +1,94 @@
+#include <gmock/gmock.h>
+
+#include "core/dsp/Baseline.h"
+#include "platform/plain/MemorySettingsStore.h"
+#include "support/CallLog.h"
+#include "support/Recorders.h"
+
+namespace sonavex {
+namespace {
+
+using testing::ElementsAre;
+
+struct BaselineRig {
+    CallLog log;
+    MemorySettingsStore store;
+    Settings settings{store};
+    RecordingDialogs dialogs{log};
+    SharedState shared;
+    modDSP::State analysis{shared};
+    MeasurementControls meter;
+    Baseline baseline{settings, dialogs, analysis, meter};
+
+    std::string Stored(const char* key) const { return store.Get("Settings", key, "none"); }
+};
+
+TEST(BaselineCapture, BeforeAnyReadingStoresZeros) {
+    BaselineRig rig;
+    rig.baseline.cmdBaseline.Press();
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(rig.Stored(("THD " + std::to_string(i)).c_str()), " 0");
+        EXPECT_EQ(rig.Stored(("DB " + std::to_string(i)).c_str()), " 0");
+    }
+    EXPECT_THAT(rig.log.Of("Message"), ElementsAre("Message information Baseline calculations captured"));
+}
+
+TEST(BaselineCapture, StoresAndTakesTheReadings) {
+    BaselineRig rig;
+    rig.analysis.CurrentPct = {0.8399, 0.5, 0, 0, 0, 0, 0, 1.25};
+    rig.analysis.CurrentDb = {-42.98, 0, 0, 0, 0, 0, 0, -60};
+    rig.baseline.cmdBaseline.Press();
+    EXPECT_EQ(rig.Stored("THD 0"), " .8399");
+    EXPECT_EQ(rig.Stored("THD 7"), " 1.25");
+    EXPECT_EQ(rig.Stored("DB 0"), "-42.98");
+    EXPECT_EQ(rig.analysis.BaselinePct, rig.analysis.CurrentPct);
+    EXPECT_EQ(rig.analysis.BaselineDb, rig.analysis.CurrentDb);
+    EXPECT_EQ(rig.analysis.BaselineOn, 0);
+}
+
+TEST(BaselineBox, LoadsWhatIsStoredAndLocksTheCapture) {
+    BaselineRig rig;
+    rig.store.Save("Settings", "THD 1", " .25");
+    rig.store.Save("Settings", "DB 1", "-52.5");
+    rig.baseline.chkBaseline.UserSets(true);
+    EXPECT_EQ(rig.Stored("Baseline"), " 1");
+    EXPECT_EQ(rig.analysis.BaselineOn, 1);
+    EXPECT_DOUBLE_EQ(rig.analysis.BaselinePct[1], 0.25);
+    EXPECT_DOUBLE_EQ(rig.analysis.BaselineDb[1], -52.5);
+    EXPECT_FALSE(rig.baseline.cmdBaseline.Enabled());
+    rig.baseline.chkBaseline.UserSets(false);
+    EXPECT_EQ(rig.Stored("Baseline"), " 0");
+    EXPECT_EQ(rig.analysis.BaselineOn, 0);
+    EXPECT_TRUE(rig.baseline.cmdBaseline.Enabled());
+}
+
+TEST(AutomaticBox, DecidesWhoWritesTheFrequency) {
+    BaselineRig rig;
+    rig.meter.chkAuto.UserSets(true);
+    EXPECT_FALSE(rig.meter.txtFreq.Enabled());
+    EXPECT_EQ(rig.Stored("Auto"), "1");
+    rig.meter.chkAuto.UserSets(false);
+    EXPECT_TRUE(rig.meter.txtFreq.Enabled());
+    EXPECT_EQ(rig.Stored("Auto"), "0");
+}
+
+TEST(BaselineOfElsewhere, IsToldByFrequencyAndRate) {
+    BaselineRig rig;
+    rig.shared.SampleRate = 48000;
+    rig.analysis.FundamentalHz = 996;
+    rig.baseline.cmdBaseline.Press();
+    rig.baseline.chkBaseline.UserSets(true);
+    EXPECT_FALSE(rig.baseline.CapturedElsewhere());
+    rig.analysis.FundamentalHz = 1009;
+    EXPECT_FALSE(rig.baseline.CapturedElsewhere());
+    rig.analysis.FundamentalHz = 1010;
+    EXPECT_TRUE(rig.baseline.CapturedElsewhere());
+    rig.analysis.FundamentalHz = 996;
+    rig.shared.SampleRate = 44100;
+    EXPECT_TRUE(rig.baseline.CapturedElsewhere());
+    rig.baseline.chkBaseline.UserSets(false);
+    EXPECT_FALSE(rig.baseline.CapturedElsewhere());
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,178 @@
+#include <gmock/gmock.h>
+
+#include "core/ports/SoundErrors.h"
+#include "core/settings/SampleRates.h"
+#include "support/Errors.h"
+#include "support/FakeSoundSystem.h"
+#include "support/FormRig.h"
+
+namespace sonavex {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+// The form on scripted devices that write into the same log as everything else.
+struct ScriptedForm : FormWorld {
+    explicit ScriptedForm(std::int32_t osMajorVersion) { desktop.majorVersion = osMajorVersion; }
+    FakeSoundSystem sound{log};
+    frmMain form{On(sound)};
+};
+
+class Start : public testing::TestWithParam<std::int32_t> {};
+INSTANTIATE_TEST_SUITE_P(Generations, Start, testing::Values(5, 10));
+
+TEST_P(Start, CallsThePortsInItsOrder) {
+    ScriptedForm world(GetParam());
+    world.form.Form_Load();
+    std::vector<std::string> expected{"AnotherInstanceRunning", "Screens", "OsMajorVersion",
+                                      "EnumeratePlayback", "EnumerateCapture"};
+    const std::vector<std::string>& lines = world.log.Lines();
+    ASSERT_GE(lines.size(), 12U);
+    for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_THAT(lines[i], HasSubstr(expected[i])) << i;
+    const auto position = [&](const std::string& what) {
+        const auto found = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
+            return line.find(what) != std::string::npos;
+        });
+        EXPECT_NE(found, lines.end()) << what;
+        return found - lines.begin();
+    };
+    EXPECT_LT(position("EnumerateCapture"), position("PointMixersAt"));
+    EXPECT_LT(position("PointMixersAt"), position("SetCooperativeLevel"));
+    EXPECT_LT(position("SetVolume"), position("SetNotificationPositions"));
+    EXPECT_LT(position("SetNotificationPositions"), position("CaptureAndApplySaved"));
+    EXPECT_LT(position("CaptureAndApplySaved"), position("SetUpSoundControls"));
+    EXPECT_LT(position("SetUpSoundControls"), position("StartLooping"));
+    EXPECT_EQ(position("StartLooping"), static_cast<std::ptrdiff_t>(lines.size()) - 1);
+    EXPECT_EQ(world.log.Of("ReopenSoundCard").size(), GetParam() >= 6 ? 1U : 0U);
+}
+
+TEST_P(Start, OfAFreshAccountStoresTheLevelAndNothingElse) {
+    ScriptedForm world(GetParam());
+    world.form.Form_Load();
+    EXPECT_EQ(world.store.Size(), 1U);
+    EXPECT_EQ(world.store.Get("Signal Generator", "Level", "none"), "-50");
+}
+
+TEST_P(Start, TakesTheGenerationsRate) {
+    ScriptedForm world(GetParam());
+    world.form.Form_Load();
+    EXPECT_EQ(world.form.Shared.SampleRate, GetParam() >= 6 ? 32000 : 44100);
+    EXPECT_EQ(world.form.Shared.OsMajorVersion, GetParam());
+    EXPECT_EQ(world.form.Signals.Signal.sldStartFreq.Max(), world.form.Shared.SampleRate / 2);
+    EXPECT_EQ(world.form.Signals.Signal.sldEndFreq.Max(), world.form.Shared.SampleRate / 2);
+}
+
+TEST_P(Start, LeavesTheStreamPrimingAndTheTimerDisabled) {
+    ScriptedForm world(GetParam());
+    world.form.Form_Load();
+    EXPECT_TRUE(world.form.Shared.EventsReady);
+    EXPECT_TRUE(world.form.Engine.RestartPending);
+    EXPECT_EQ(world.form.Engine.PlayBlockIndex, 0);
+    EXPECT_EQ(world.form.Engine.CaptureSegment, 0);
+    EXPECT_FALSE(world.form.HiTimer1->Enabled());
+    EXPECT_DOUBLE_EQ(world.form.Measurement.Analysis().LowFraction, 25.0 / world.form.Shared.SampleRate);
+    EXPECT_EQ(world.form.Frame.Caption(), "Sonavex & Function Generator");
+    EXPECT_EQ(world.form.HelpFile, "/opt/sonavex/Sonavex.chm");
+}
+
+TEST(SecondInstance, SaysSoEndsWithStatusZeroAndTouchesNothing) {
+    ScriptedForm world(10);
+    world.desktop.anotherInstance = true;
+    int status = -1;
+    try {
+        world.form.Form_Load();
+    } catch (const EndProgram& end) {
+        status = end.status;
+    }
+    EXPECT_EQ(status, 0);
+    world.form.Form_QueryUnload();
+    EXPECT_THAT(
+        world.log.Lines(),
+        ElementsAre("AnotherInstanceRunning",
+                    "Message critical Another instance of Quenby Sonavex is running", "UnloadDialogs"));
+    EXPECT_EQ(world.store.Size(), 0U);
+}
+
+class StoredRate : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Bad, StoredRate, testing::Values("7", "-1", "x", "", "1e300", "6.6"));
+
+TEST_P(StoredRate, OutsideTheTableIsResetWithOneMessage) {
+    ScriptedForm world(10);
+    world.store.Save("SoundCard", "SampleRate", GetParam());
+    world.form.Form_Load();
+    EXPECT_EQ(world.form.Shared.SampleRate, 22050);
+    EXPECT_EQ(world.store.Get("SoundCard", "SampleRate", ""), "3");
+    EXPECT_THAT(world.log.Of("Message"),
+                ElementsAre("Message information Invalid Sampling Rate. Resetting to 22050."));
+}
+
+TEST(StoredRates, SelectTheirRate) {
+    for (std::size_t i = 0; i < SampleRateTable.size(); ++i) {
+        ScriptedForm world(10);
+        world.store.Save("SoundCard", "SampleRate", std::to_string(i));
+        world.form.Form_Load();
+        EXPECT_EQ(world.form.Shared.SampleRate, SampleRateTable[i]);
+        EXPECT_THAT(world.log.Of("Message"), IsEmpty());
+    }
+}
+
+class StoredTab : public testing::TestWithParam<std::pair<const char*, int>> {};
+INSTANTIATE_TEST_SUITE_P(Values, StoredTab,
+                         testing::Values(std::pair{"0", 0}, std::pair{"1", 1}, std::pair{"2", 0},
+                                         std::pair{"-1", 0}, std::pair{"tab", 0}, std::pair{"99999", 0}));
+
+TEST_P(StoredTab, OpensWhereItExists) {
+    ScriptedForm world(10);
+    world.store.Save("Windows", "LastTab", GetParam().first);
+    world.form.Form_Load();
+    EXPECT_EQ(world.form.TabStrip1.Index(), GetParam().second);
+}
+
+TEST(StoredBoxes, AreRestoredWithTheirEffectsAndNotStoredAgain) {
+    ScriptedForm world(10);
+    world.store.Save("Settings", "Auto", "0");
+    world.store.Save("Settings", "Baseline", " 1");
+    world.store.Save("Settings", "THD 0", " .5");
+    world.store.Save("Signal Generator", "MuteMeter", "0");
+    const std::size_t before = world.store.Size();
+    world.form.Form_Load();
+    EXPECT_FALSE(world.form.Measurement.Controls.chkAuto.Checked());
+    EXPECT_TRUE(world.form.Measurement.Controls.txtFreq.Enabled());
+    EXPECT_TRUE(world.form.BaselineOptions.chkBaseline.Checked());
+    EXPECT_FALSE(world.form.BaselineOptions.cmdBaseline.Enabled());
+    EXPECT_EQ(world.form.Measurement.Analysis().BaselineOn, 1);
+    EXPECT_DOUBLE_EQ(world.form.Measurement.Analysis().BaselinePct[0], 0.5);
+    EXPECT_FALSE(world.form.Measurement.Controls.chkMuteOutput.Checked());
+    EXPECT_EQ(world.store.Size(), before + 1);  // the level
+}
+
+TEST(StoredValues, ThatDoNotConvertNameTheirKey) {
+    ScriptedForm world(10);
+    world.store.Save("Settings", "Auto", "perhaps");
+    try {
+        world.form.Form_Load();
+        FAIL() << "no error";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number(), error_number::kTypeMismatch);
+        EXPECT_THAT(error.what(), HasSubstr("\"Auto\""));
+    }
+}
+
+TEST(MissingDevices, OpenTheDeviceDialogAndTheStartGoesOn) {
+    ScriptedForm world(10);
+    world.log.Fail("CreateCaptureDevice", RuntimeError(sound_error::kNoDriver, "gone"));
+    int shown = 0;
+    world.form.ShowDeviceDialog = [&] {
+        ++shown;
+        world.log.Heal("CreateCaptureDevice");
+        ASSERT_TRUE(world.form.Engine.ReStart());
+    };
+    world.form.Form_Load();
+    EXPECT_EQ(shown, 1);
+    EXPECT_TRUE(world.form.Shared.EventsReady);
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,101 @@
+#include <gmock/gmock.h>
+
+#include "support/FakeSoundSystem.h"
+#include "support/FormRig.h"
+
+namespace sonavex {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(Shutdown, CallsThePortsInItsOrder) {
+    FormWorld world;
+    FakeSoundSystem sound(world.log);
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    world.log.Clear();
+    form.Form_QueryUnload();
+    std::vector<std::string> order;
+    for (const std::string& line : world.log.Lines())
+        if (line.find("DestroyEvent") == std::string::npos) order.push_back(line.substr(0, line.find(' ')));
+    EXPECT_THAT(order, ElementsAre("captureBuffer.Stop", "playbackBuffer.Stop", "UnloadDialogs",
+                                   "SaveAndRestoreInitial", "~playbackDevice", "~playbackBuffer",
+                                   "~captureBuffer", "~captureDevice"));
+    EXPECT_EQ(world.store.Get("Windows", "LastTab", "none"), "0");
+    EXPECT_EQ(world.store.Get("Signal Generator", "NumberOfTones", "none"), "0");
+    EXPECT_NE(world.store.Get("Windows", "frmMain Left", "none"), "none");
+}
+
+TEST(Shutdown, HappensOnce) {
+    FormRig rig;
+    rig.form.Form_Load();
+    int unloaded = 0;
+    rig.form.OnUnloaded = [&] { ++unloaded; };
+    rig.form.mnuExit.UserChooses();
+    rig.log.Clear();
+    rig.form.Form_QueryUnload();
+    EXPECT_EQ(unloaded, 1);
+    EXPECT_TRUE(rig.log.Lines().empty());
+}
+
+TEST(Shutdown, OfAStartThatEndedEarlySavesOnlyWhatWasRead) {
+    FormRig rig;
+    rig.card.Unplug();
+    EXPECT_THROW(rig.form.Form_Load(), EndProgram);
+    rig.form.Form_QueryUnload();
+    EXPECT_EQ(rig.store.Get("Windows", "LastTab", "none"), "none");
+    EXPECT_TRUE(rig.log.Of("SaveAndRestoreInitial").empty());
+    EXPECT_NE(rig.store.Get("Windows", "frmMain Left", "none"), "none");
+}
+
+TEST(Closing, WaitsForATickToEnd) {
+    FormRig rig;
+    rig.form.Form_Load();
+    bool unloaded = false;
+    rig.form.OnUnloaded = [&] { unloaded = true; };
+    SignalControls& signal = rig.form.Signals.Signal;
+    signal.sldEndFreq.UserMoves(5000);
+    signal.sldSweepTime.UserMoves(1000);
+    signal.sldSweepTime.UserReleases();
+    signal.Command1.Press();
+    ASSERT_TRUE(rig.form.HiTimer1->Enabled());
+    bool unloadedInsideTick = false;
+    bool asked = false;
+    rig.loop.OnYield([&] {
+        if (!rig.form.HiTimer1->Ticking()) return;
+        if (!asked) rig.form.Unload();
+        asked = true;
+        unloadedInsideTick = unloadedInsideTick || unloaded;
+    });
+    rig.form.HiTimer1->Tick();
+    EXPECT_TRUE(asked);
+    EXPECT_FALSE(unloadedInsideTick);
+    rig.loop.OnYield({});
+    rig.loop.DeliverSignals();
+    EXPECT_TRUE(unloaded);
+}
+
+TEST(Restart, BringsBackWhatWasStored) {
+    FormRig first;
+    first.form.Form_Load();
+    first.form.TabStrip1.UserSelects(1);
+    first.form.Frame.Move(120, 80);
+    first.form.Measurement.Controls.chkMuteOutput.UserSets(false);
+    first.form.Signals.Signal.sldStartFreq.UserMoves(440);
+    first.form.Signals.Memory.cmdGenAdd.Press();
+    first.form.Unload();
+
+    FormRig second;
+    second.store = first.store;
+    second.form.Form_Load();
+    EXPECT_EQ(second.form.TabStrip1.Index(), 1);
+    EXPECT_EQ(second.form.Frame.Left(), 120);
+    EXPECT_EQ(second.form.Frame.Top(), 80);
+    EXPECT_FALSE(second.form.Measurement.Controls.chkMuteOutput.Checked());
+    EXPECT_EQ(second.form.Signals.Signal.sldStartFreq.Value(), 440);
+    ASSERT_EQ(second.form.Signals.Memory.ToneList.Count(), 1);
+    EXPECT_EQ(second.form.Signals.Memory.ToneList.List(0), "440Hz / NA / Sine / NA / No Loop");
+}
+
+}  // namespace
+}  // namespace sonavex

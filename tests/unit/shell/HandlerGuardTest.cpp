@@ -1,0 +1,92 @@
+#include <gmock/gmock.h>
+
+#include <new>
+
+#include "core/shell/HandlerGuard.h"
+#include "core/shell/frmSplash.h"
+#include "support/CallLog.h"
+#include "support/Recorders.h"
+#include "support/VirtualEventLoop.h"
+
+namespace sonavex {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct GuardRig {
+    CallLog log;
+    RecordingDialogs dialogs{log};
+    RecordingErrorLog errorLog{log};
+    HandlerGuard guard{dialogs, errorLog};
+
+    void StreamFails(const RuntimeError& error) { guard.StreamError(std::make_exception_ptr(error)); }
+};
+
+TEST(HandlerGuard, ShowsAndLogsAnEscapedError) {
+    GuardRig rig;
+    rig.guard.Run([] { throw RuntimeError(error_number::kTypeMismatch); });
+    EXPECT_THAT(rig.log.Lines(), ElementsAre("WriteLine Run-time error '13': Type mismatch",
+                                             "Message critical Run-time error '13':\r\rType mismatch"));
+}
+
+TEST(HandlerGuard, KnowsErrorsOfTheLanguageToo) {
+    GuardRig rig;
+    rig.guard.Run([] { throw std::bad_alloc(); });
+    rig.guard.Run([] { throw std::logic_error("odd"); });
+    EXPECT_THAT(rig.log.Of("WriteLine"), ElementsAre("WriteLine Run-time error '7': Out of memory",
+                                                     "WriteLine Run-time error '5': odd"));
+}
+
+TEST(HandlerGuard, EndsTheProgramWhereAsked) {
+    GuardRig rig;
+    int status = -1;
+    rig.guard.OnEnd = [&](int asked) { status = asked; };
+    rig.guard.Run([] { throw EndProgram{3}; });
+    EXPECT_EQ(status, 3);
+    rig.guard.StreamError(std::make_exception_ptr(EndProgram{4}));
+    EXPECT_EQ(status, 4);
+    EXPECT_THAT(rig.log.Lines(), IsEmpty());
+}
+
+TEST(HandlerGuard, ShowsAStreamErrorOnceUntilABlockSucceeds) {
+    GuardRig rig;
+    const RuntimeError overflow(error_number::kOverflow);
+    rig.StreamFails(overflow);
+    rig.StreamFails(overflow);
+    EXPECT_EQ(rig.log.Of("Message").size(), 1U);
+    rig.StreamFails(RuntimeError(error_number::kDivisionByZero));
+    EXPECT_EQ(rig.log.Of("Message").size(), 2U);
+    rig.guard.BlockSucceeded();
+    rig.StreamFails(RuntimeError(error_number::kDivisionByZero));
+    EXPECT_EQ(rig.log.Of("Message").size(), 3U);
+}
+
+TEST(HandlerGuard, TellsWhenAMessageIsOpenAndShowsNoSecondOne) {
+    GuardRig rig;
+    std::vector<bool> told;
+    rig.guard.OnMessageOpen = [&](bool open) {
+        told.push_back(open);
+        if (open) return;
+        EXPECT_EQ(rig.log.Of("Message").size(), 1U);
+    };
+    rig.guard.Run([] { throw RuntimeError(error_number::kOverflow); });
+    EXPECT_THAT(told, ElementsAre(true, false));
+}
+
+TEST(Splash, ShowsItsVersionUnderTheBusyPointerAndYieldsOnce) {
+    CallLog log;
+    RecordingDialogs dialogs(log);
+    VirtualEventLoop loop;
+    frmSplash splash(dialogs, loop);
+    splash.Form_Load({2, 1, 14, "Bench instrument"});
+    EXPECT_EQ(splash.lblVersion.Caption(), "Version 2.1.14  Bench instrument");
+    EXPECT_EQ(loop.Yields(), 1U);
+    EXPECT_THAT(log.Lines(), ElementsAre("SetBusyPointer on", "SetBusyPointer off"));
+    EXPECT_TRUE(splash.Visible());
+    splash.Frame_Click();
+    EXPECT_FALSE(splash.Visible());
+}
+
+}  // namespace
+}  // namespace sonavex
