@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Pictures of the window in its states, light and dark, at 100 %, 125 % and 200 % scale, for people to
+# look at: build/screenshots/*.png. Needs no display and no sound.
+set -euo pipefail
+# shellcheck source=tools/build.sh
+source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
+
+build_preset dev sonavex-screenshots
+mkdir -p "$root/build/screenshots"
+for scale in 1 1.25 2; do
+    QT_SCALE_FACTOR=$scale QT_LOGGING_RULES='*.warning=false' \
+        "$root/build/dev/bin/sonavex-screenshots" "$root/build/screenshots"
+done
+echo "$root/build/screenshots"
