@@ -61,6 +61,7 @@ MainWindow::~MainWindow() = default;
 void MainWindow::ConnectConveniences() {
     for (const int hertz : {20, 50, 100, 1000, 10000, 20000}) {
         auto* button = findChild<QPushButton*>("preset_" + QString::number(hertz));
+        presets_.push_back(button);
         connect(button, &QPushButton::clicked, this, [this, hertz] {
             ui_->sldStartFreq->SetHz(hertz);
             Q_EMIT ui_->sldStartFreq->HzMoved(ui_->sldStartFreq->Hz());
@@ -180,6 +181,7 @@ void MainWindow::DecorateGenerator() {
         if (generator.NumTones >= 1 && tone.Sweep)
             detail = tr("sweeping, %1 Hz").arg(tone.Frequency, 0, 'f', 0);
     }
+    for (QPushButton* preset : presets_) preset->setEnabled(signal.sldStartFreq.Enabled());
     ui_->runningWord->setText(state);
     ui_->runningDetail->setText(detail);
 }

@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <array>
 #include <memory>
+#include <vector>
 
 #include "core/shell/frmMain.h"
 #include "ui/Binder.h"
@@ -54,6 +55,7 @@ private:
     QString simulatedName_;
     std::unique_ptr<Ui::frmMain> ui_;
     std::array<HarmonicBar*, 8> bars_{};
+    std::vector<QPushButton*> presets_;
     Binder binder_;
     bool placed_ = false;
     bool applyingTheme_ = false;

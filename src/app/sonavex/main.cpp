@@ -32,16 +32,16 @@ class Program {
 public:
     Program()
         : dialogs_(frmMain::kApplicationTitle),
-          loop_([this](std::exception_ptr error) { StreamError(error); }),
+          loop_([this](const std::exception_ptr& error) { StreamError(error); }),
           store_(QtSettingsStore::DefaultFile(),
                  [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }),
           errorLog_(dialogs_) {}
 
     int Run() {
+        if (!ChooseSound()) return 1;
         splash_.Form_Load(Version());
         ui::SplashWindow splashWindow(splash_);
         splashWindow.Refresh();
-        if (!ChooseSound()) return 1;
         form_ = std::make_unique<frmMain>(
             frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, errorLog_, mixers_});
         form_->OnUnloaded = [] { QApplication::exit(0); };
@@ -87,7 +87,7 @@ private:
         return QString::fromStdString(sound_->EnumeratePlayback().back().description);
     }
 
-    void StreamError(std::exception_ptr error) {
+    void StreamError(const std::exception_ptr& error) {
         if (form_) form_->Guard.StreamError(error);
     }
 

@@ -47,7 +47,7 @@ void HandlerGuard::Run(const std::function<void()>& handler) {
     }
 }
 
-void HandlerGuard::StreamError(std::exception_ptr error) {
+void HandlerGuard::StreamError(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);
     } catch (const EndProgram& end) {

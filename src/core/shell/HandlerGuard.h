@@ -21,7 +21,7 @@ public:
 
     // An error that escaped the notification callback or the tick. The same error is shown once, until
     // BlockSucceeded; nothing is shown while a message is open.
-    void StreamError(std::exception_ptr error);
+    void StreamError(const std::exception_ptr& error);
     void BlockSucceeded() noexcept { lastStreamError_.clear(); }
 
     // Told when a message opens (true) and when it has been closed (false).
