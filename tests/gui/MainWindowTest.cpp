@@ -7,6 +7,7 @@
 #include <set>
 
 #include "support/FormRig.h"
+#include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/widgets/HarmonicBar.h"
 
@@ -234,7 +235,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleMock(&argc, argv);
     const QApplication application(argc, argv);
-    QApplication::setStyle("Fusion");
+    QApplication::setStyle(new sonavex::ui::FaceStyle);
     QApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();
 }

@@ -3,12 +3,12 @@
 
 #include <QApplication>
 #include <QPalette>
-#include <QStyleFactory>
 #include <cstdio>
 #include <functional>
 #include <string>
 
 #include "support/FormRig.h"
+#include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/Theme.h"
 
@@ -134,7 +134,7 @@ bool Picture(const Scene& scene, bool dark, const QString& folder) {
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setStyle(new ui::FaceStyle);
     if (argc != 2) {
         std::fprintf(stderr, "usage: sonavex-screenshots FOLDER\n");
         return 2;

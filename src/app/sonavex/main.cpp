@@ -1,7 +1,6 @@
 // sonavex: the instrument in its window.
 
 #include <QApplication>
-#include <QStyleFactory>
 #include <exception>
 #include <memory>
 
@@ -14,6 +13,7 @@
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtSettingsStore.h"
+#include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/SplashWindow.h"
 
@@ -111,7 +111,7 @@ private:
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setStyle(new ui::FaceStyle);
     QApplication::setApplicationName(frmMain::kApplicationTitle);
     try {
         Program program;

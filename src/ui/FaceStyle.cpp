@@ -1,0 +1,40 @@
+#include "ui/FaceStyle.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QStyleOption>
+
+#include "ui/Theme.h"
+
+namespace sonavex::ui {
+
+FaceStyle::FaceStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+void FaceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                              const QWidget* widget) const {
+    if (element != PE_IndicatorCheckBox) {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        return;
+    }
+    const Theme& theme = Theme::Current();
+    const bool checked = (option->state & State_On) != 0;
+    const bool enabled = (option->state & State_Enabled) != 0;
+    const QColor mark = enabled ? theme.accent : theme.quiet;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const QRectF box = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter->setPen(QPen(checked ? mark : theme.quiet, 1.2));
+    painter->setBrush(checked ? mark : theme.field);
+    painter->drawRoundedRect(box, 3.0, 3.0);
+    if (checked) {
+        QPainterPath tick(QPointF(box.left() + box.width() * 0.24, box.top() + box.height() * 0.52));
+        tick.lineTo(box.left() + box.width() * 0.43, box.top() + box.height() * 0.72);
+        tick.lineTo(box.left() + box.width() * 0.78, box.top() + box.height() * 0.28);
+        painter->setPen(QPen(theme.onAccent, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawPath(tick);
+    }
+    painter->restore();
+}
+
+}  // namespace sonavex::ui
