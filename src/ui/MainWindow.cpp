@@ -61,6 +61,7 @@ MainWindow::~MainWindow() = default;
 void MainWindow::ConnectConveniences() {
     for (const int hertz : {20, 50, 100, 1000, 10000, 20000}) {
         auto* button = findChild<QPushButton*>("preset_" + QString::number(hertz));
+        button->setProperty("hertz", hertz);
         presets_.push_back(button);
         connect(button, &QPushButton::clicked, this, [this, hertz] {
             ui_->sldStartFreq->SetHz(hertz);
@@ -178,10 +179,12 @@ void MainWindow::DecorateGenerator() {
     if (generator.GeneratorRunning) {
         state = generator.NumTones == 1 ? tr("Generator playing")
                                         : tr("Generator playing %1 tones").arg(generator.NumTones);
-        if (generator.NumTones >= 1 && tone.Sweep)
+        if (generator.NumTones == 1 && tone.Sweep && form_.HiTimer1->Enabled())
             detail = tr("sweeping, %1 Hz").arg(tone.Frequency, 0, 'f', 0);
     }
-    for (QPushButton* preset : presets_) preset->setEnabled(signal.sldStartFreq.Enabled());
+    for (QPushButton* preset : presets_)
+        preset->setEnabled(signal.sldStartFreq.Enabled() &&
+                           preset->property("hertz").toInt() <= signal.sldStartFreq.Max());
     ui_->runningWord->setText(state);
     ui_->runningDetail->setText(detail);
 }

@@ -63,6 +63,7 @@ QPushButton:checked:disabled { background: @track; border-color: @quiet; font-we
 QPushButton[role="primary"] { background: @accent; color: @onAccent; border-color: @accent; font-weight: bold; }
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
+QPushButton[role="preset"]:disabled { color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
 QCheckBox { color: @text; spacing: 8px; }
 QCheckBox:disabled { color: @quiet; }

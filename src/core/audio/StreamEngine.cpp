@@ -147,6 +147,7 @@ bool StreamEngine::ReStart() {
 void StreamEngine::StartOver() {
     controls_.sldStartFreq.SetMax(env_.shared.SampleRate / 2);
     controls_.sldEndFreq.SetMax(env_.shared.SampleRate / 2);
+    if (OnLimitsChanged) OnLimitsChanged();
     Playback().SetCurrentPosition(0);
     StartCapture();
 }

@@ -114,6 +114,9 @@ public:
     bool HoldNotifications = false;
     std::uint64_t DroppedNotifications = 0;
 
+    // Told by ReStart when the frequency sliders have got the limits of the new rate. May be empty.
+    std::function<void()> OnLimitsChanged;
+
     // Receives the debug trace: a label and the cursor it is about (0 for none).
     std::function<void(std::string_view, std::int32_t)> Trace;
 

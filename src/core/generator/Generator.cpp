@@ -130,6 +130,8 @@ void Generator::MakeSine(ToneRecord& tone, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         phase += increment;
         if (phase > kPi) phase -= kTwoPi;
+        // The last step of a downward sweep may end below 0 Hz.
+        if (phase <= -kPi) phase += kTwoPi;
         angles_[i] = phase;
     }
     tone.Phase = phase;

@@ -39,6 +39,7 @@ frmMain::frmMain(const World& world)
     Signals.SetPlaybackVolume([this](std::int32_t level) {
         if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
     });
+    Engine.OnLimitsChanged = [this] { Signals.FollowLimits(); };
     Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
     Measurement.OnBlock([this] { Guard.BlockSucceeded(); });
     unloadLater_ = world.loop.CreateSignal([this] { Unload(); });

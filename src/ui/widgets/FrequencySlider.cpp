@@ -71,10 +71,10 @@ void FrequencySlider::keyPressEvent(QKeyEvent* event) {
             Step(hertz_ + 1);
             break;
         case Qt::Key_PageUp:
-            Step(static_cast<int>(std::lround(hertz_ * ThirdOfAnOctave())));
+            Step(std::max(hertz_ + 1, static_cast<int>(std::lround(hertz_ * ThirdOfAnOctave()))));
             break;
         case Qt::Key_PageDown:
-            Step(static_cast<int>(std::lround(hertz_ / ThirdOfAnOctave())));
+            Step(std::min(hertz_ - 1, static_cast<int>(std::lround(hertz_ / ThirdOfAnOctave()))));
             break;
         case Qt::Key_Home:
             Step(lowestHz_);

@@ -170,5 +170,16 @@ TEST(SetGeneratorRunning, KeepsItsState) {
     EXPECT_EQ(generator.GeneratorState, 8);
 }
 
+TEST(Phase, StaysInRangeBelowZeroHertz) {
+    GeneratorBench bench;
+    bench.Add(wave::kSine, -3652.0);
+    bench.Run();
+    for (int block = 0; block < 50; ++block) {
+        bench.Fill();
+        ASSERT_GT(bench.generator.Tones[0].Phase, -3.14159265358980);
+        ASSERT_LE(bench.generator.Tones[0].Phase, 3.14159265358980);
+    }
+}
+
 }  // namespace
 }  // namespace sonavex

@@ -97,5 +97,26 @@ TEST(Restart, BringsBackWhatWasStored) {
     EXPECT_EQ(second.form.Signals.Memory.ToneList.List(0), "440Hz / NA / Sine / NA / No Loop");
 }
 
+TEST(LowerRate, ClampsTheFrequenciesAndShowsThem) {
+    FormRig rig;
+    rig.form.Form_Load();
+    rig.form.Signals.Signal.sldStartFreq.UserMoves(15000);
+    rig.form.Shared.SampleRate = 16000;
+    ASSERT_TRUE(rig.form.Engine.ReStart());
+    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Value(), 8000);
+    EXPECT_EQ(rig.form.Signals.Signal.txtGenFreq.Text(), "8000");
+    EXPECT_EQ(rig.form.Measurement.Tones.Tones[0].StartFrequency, 8000.0);
+}
+
+TEST(Level, ReachesThePlaybackBufferThroughTheForm) {
+    FormWorld world;
+    FakeSoundSystem sound(world.log);
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    world.log.Clear();
+    form.Signals.Signal.sldLevel.UserMoves(-600);
+    EXPECT_THAT(world.log.Of("playbackBuffer.SetVolume"), ElementsAre("playbackBuffer.SetVolume -600"));
+}
+
 }  // namespace
 }  // namespace sonavex
