@@ -11,6 +11,7 @@ public:
     void ReopenSoundCard(const std::string&, const std::string&) override {}
     void CaptureAndApplySaved() override {}
     void SetUpSoundControls() override {}
+    void ShowSoundCard() override {}
     void UnloadDialogs() override {}
     void SaveAndRestoreInitial() override {}
 };
