@@ -276,7 +276,7 @@ std::unique_ptr<MixerElement> AlsaItem(AlsaCard card, snd_mixer_elem_t* element,
     return std::make_unique<Item>(std::move(card), element, item);
 }
 
-std::unique_ptr<MixerElement> AlsaInputSwitch(AlsaCard card, snd_mixer_elem_t* element,
+std::unique_ptr<MixerElement> AlsaInputSwitch(const AlsaCard& card, snd_mixer_elem_t* element,
                                               snd_mixer_elem_t* other) {
     return std::make_unique<InputSwitch>(card, element, other);
 }

@@ -37,7 +37,7 @@ std::unique_ptr<MixerElement> AlsaChoice(AlsaCard card, snd_mixer_elem_t* elemen
 std::unique_ptr<MixerElement> AlsaItem(AlsaCard card, snd_mixer_elem_t* element, std::int32_t item);
 
 // A capture switch that selects its input: writing 1 also switches the other's off.
-std::unique_ptr<MixerElement> AlsaInputSwitch(AlsaCard card, snd_mixer_elem_t* element,
+std::unique_ptr<MixerElement> AlsaInputSwitch(const AlsaCard& card, snd_mixer_elem_t* element,
                                               snd_mixer_elem_t* other);
 
 }  // namespace sonavex
