@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
 #include <array>
 #include <memory>
 #include <vector>
@@ -57,6 +58,7 @@ private:
     std::array<HarmonicBar*, 8> bars_{};
     std::vector<QPushButton*> presets_;
     Binder binder_;
+    QTimer sweepWatch_;
     bool placed_ = false;
     bool applyingTheme_ = false;
 };
