@@ -42,6 +42,7 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
                            &form.mnuPrint,
                            &meter.prgADC,
                            &meter.prgDAC,
+                           &form.mnuSoundCard,
                            &meter.LblLevel,
                            &meter.lblDACLevel,
                            &meter.txtFreq,

@@ -11,6 +11,7 @@
 namespace sonavex::app {
 namespace {
 
+constexpr const char* kJournalName = "mixer-levels";
 constexpr const char* kComment = "Distortion meter and function generator";
 
 ApplicationVersion Version() {
@@ -51,8 +52,12 @@ std::optional<int> Program::Open() {
 
 void Program::MakeForm() {
     sound_ = ChooseSound(WantedSoundFromEnvironment(), SoundMakers::Of(loop_), dialogs_);
+    mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_,
+                                              QtSettingsStore::DefaultFile().replace_filename(kJournalName));
     form_ = std::make_unique<frmMain>(
-        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, errorLog_, mixers_});
+        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, errorLog_, mixers_->Session()});
+    // The levels are the user's own again however the program is asked to end.
+    termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
     form_->OnUnloaded = [this](int status) {
         endStatus_ = status;
         QApplication::exit(status);
@@ -64,6 +69,7 @@ void Program::Load() {
     splash_.OnShow = [&splashWindow] { splashWindow.Refresh(); };
     splash_.Form_Load(Version());
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
+    mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Session(), form_->Guard, *window_);
     window_->TellSize();
     form_->Form_Load();
     splash_.Unload();

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "app/sonavex/MessageErrorLog.h"
-#include "core/mixer/AbsentMixers.h"
+#include "app/sonavex/ProgramMixers.h"
 #include "core/ports/SoundSystem.h"
 #include "core/shell/frmMain.h"
 #include "core/shell/frmSplash.h"
@@ -14,7 +14,9 @@
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtSettingsStore.h"
+#include "platform/qt/TerminationSignals.h"
 #include "ui/MainWindow.h"
+#include "ui/MixerDialogs.h"
 
 namespace sonavex::app {
 
@@ -36,6 +38,7 @@ public:
 
     // After Open gave no status.
     frmMain& Form() { return *form_; }
+    SoundCardMixers& Mixers() { return mixers_->Session(); }
     ui::MainWindow& Window() { return *window_; }
 
 private:
@@ -53,11 +56,13 @@ private:
     QtDesktop desktop_;
     QtSettingsStore store_;
     MessageErrorLog errorLog_;
-    AbsentMixers mixers_;
     frmSplash splash_{dialogs_, loop_};
     std::unique_ptr<SoundSystem> sound_;
+    std::unique_ptr<ProgramMixers> mixers_;
     std::unique_ptr<frmMain> form_;
     std::unique_ptr<ui::MainWindow> window_;
+    std::unique_ptr<ui::MixerDialogs> mixerDialogs_;
+    std::unique_ptr<TerminationSignals> termination_;
     std::optional<int> endStatus_;
 };
 

@@ -24,12 +24,12 @@ public:
     ModelessForm(const ModelessForm&) = delete;
     ModelessForm& operator=(const ModelessForm&) = delete;
 
-    // Loads the form when it is not loaded, shows it in front and activates it.
+    // Loads the form when it is not loaded, and shows it in front with its present values.
     void Show() {
         if (!loaded_) Form_Load();
         loaded_ = true;
-        if (OnShow) OnShow();
         Form_Activate();
+        if (OnShow) OnShow();
     }
     // Closes the form; one that is not loaded is left alone.
     void Unload() {

@@ -37,6 +37,7 @@ frmMain::frmMain(const World& world)
       world_(world) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
+    mnuSoundCard.Click.Handle([this] { mnuSoundCard_Click(); });
     Signals.SetPlaybackVolume([this](std::int32_t level) {
         if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
     });
@@ -191,6 +192,10 @@ void frmMain::cmdExit_Click() {
 
 void frmMain::mnuExit_Click() {
     cmdExit.Press();
+}
+
+void frmMain::mnuSoundCard_Click() {
+    world_.mixers.ShowSoundCard();
 }
 
 }  // namespace sonavex

@@ -63,6 +63,7 @@ public:
 
     void cmdExit_Click();
     void mnuExit_Click();
+    void mnuSoundCard_Click();
 
     // Shows the device selection dialog and returns when it has closed.
     std::function<void()> ShowDeviceDialog;
@@ -75,6 +76,7 @@ public:
     CommandButton cmdExit;
     MenuItem mnuExit;
     MenuItem mnuPrint;
+    MenuItem mnuSoundCard;
 
     SharedState Shared;
     Settings Stored;
