@@ -14,7 +14,7 @@ public:
     static std::string DefaultInput() { return "alsa:card"; }
 
 private:
-    LoopCards cards_{{{"card", "Test card"}, {"second", "Second card"}}};
+    LoopCards cards_{CardList{{"card", "Test card"}, {"second", "Second card"}}};
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Alsa, SoundSystemContract, LoopCardPlatform);

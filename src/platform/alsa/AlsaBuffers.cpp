@@ -44,8 +44,7 @@ std::size_t TargetFrames(const AlsaPcm& pcm) {
 }  // namespace
 
 AlsaPlaybackBuffer::AlsaPlaybackBuffer(EventLoop& loop, const AlsaDevice& device,
-                                       const BufferDescription& description,
-                                       AlsaStream::LostHandler onLost)
+                                       const BufferDescription& description, AlsaStream::LostHandler onLost)
     : ring_(description.bytes, static_cast<std::int32_t>(description.format.samplesPerSecond)),
       pcm_(device, SND_PCM_STREAM_PLAYBACK, description.format.samplesPerSecond,
            PlaybackShape(description.format.samplesPerSecond)),
@@ -140,7 +139,7 @@ snd_pcm_sframes_t AlsaCaptureBuffer::Move() noexcept {
         ring_.Push(scratch_.data(), static_cast<std::size_t>(read));
         moved += read;
     }
-    readUntil_ = Clock::now();
+    if (moved > 0) readUntil_ = Clock::now();
     return moved;
 }
 

@@ -87,8 +87,8 @@ private:
     CaptureRing ring_;
     AlsaPcm pcm_;
     std::vector<std::int16_t> scratch_;
-    bool started_ = false;         // before an overrun
-    Clock::time_point readUntil_;  // when the card's buffer was last found empty
+    bool started_ = false;         // once; what follows are overruns
+    Clock::time_point readUntil_;  // when the card's buffer was last emptied
     AlsaStream stream_;
 };
 

@@ -12,9 +12,8 @@ namespace {
 constexpr int kDeepestDefinition = 16;
 
 // Types of PCM that end somewhere else than at a card of one's own.
-constexpr std::array<std::string_view, 12> kIndirectTypes{"null",  "file",   "pulse",  "pipewire",
-                                                          "jack",  "oss",    "dmix",   "dsnoop",
-                                                          "share", "dshare", "shm",    "a52"};
+constexpr std::array<std::string_view, 12> kIndirectTypes{
+    "null", "file", "pulse", "pipewire", "jack", "oss", "dmix", "dsnoop", "share", "dshare", "shm", "a52"};
 // Types that hand the samples of their slave on as they are.
 constexpr std::array<std::string_view, 4> kExactTypes{"hooks", "copy", "mmap_emul", "empty"};
 

@@ -52,7 +52,8 @@ std::string Description(const void* hint, const std::string& name, bool converti
 }
 
 bool Known(const std::vector<AlsaDevice>& list, const std::string& name) {
-    return std::any_of(list.begin(), list.end(), [&](const AlsaDevice& device) { return device.pcm == name; });
+    return std::any_of(list.begin(), list.end(),
+                       [&](const AlsaDevice& device) { return device.pcm == name; });
 }
 
 }  // namespace
@@ -71,7 +72,8 @@ std::vector<AlsaDevice> ListAlsaDevices(snd_pcm_stream_t direction) {
                         name,
                         converting});
     }
-    std::stable_partition(list.begin(), list.end(), [](const AlsaDevice& device) { return device.Hardware(); });
+    std::stable_partition(list.begin(), list.end(),
+                          [](const AlsaDevice& device) { return device.Hardware(); });
     return list;
 }
 

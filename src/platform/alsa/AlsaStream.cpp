@@ -92,8 +92,7 @@ int AlsaStream::Wait() noexcept {
     if (filled < 0) return filled;
     if (poll(descriptors_.data(), 1 + static_cast<nfds_t>(filled), kLongestWaitMs) <= 0) return 0;
     unsigned short events = 0;
-    const int error =
-        snd_pcm_poll_descriptors_revents(pcm_, ofPcm, static_cast<unsigned>(filled), &events);
+    const int error = snd_pcm_poll_descriptors_revents(pcm_, ofPcm, static_cast<unsigned>(filled), &events);
     if (error < 0) return error;
     return (events & (POLLERR | POLLHUP | POLLNVAL)) != 0 ? ErrorOfState() : 0;
 }

@@ -79,9 +79,10 @@ LoopCardState& LoopCards::State(const std::string& name) {
         std::find_if(states_.begin(), states_.end(), [&](const auto& state) { return state.first == name; });
     if (known != states_.end()) return *known->second;
     const int file = open(StatePath(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    void* const memory = file < 0 || ftruncate(file, sizeof(LoopCardState)) < 0
-                             ? MAP_FAILED
-                             : mmap(nullptr, sizeof(LoopCardState), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    void* const memory =
+        file < 0 || ftruncate(file, sizeof(LoopCardState)) < 0
+            ? MAP_FAILED
+            : mmap(nullptr, sizeof(LoopCardState), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     close(file);
     if (memory == MAP_FAILED) throw std::runtime_error("cannot map the state of " + name);
     states_.emplace_back(name, static_cast<LoopCardState*>(memory));

@@ -31,8 +31,8 @@ public:
     LoopCards(const LoopCards&) = delete;
     LoopCards& operator=(const LoopCards&) = delete;
 
-    void SetUnplugged(const std::string& name, bool unplugged) { State(name).unplugged.store(unplugged); }
-    void SetStalled(const std::string& name, bool stalled) { State(name).stalled.store(stalled); }
+    // What happens to the card of that name; a card stays as it is set.
+    LoopCardState& State(const std::string& name);
 
     // For programs that are to see the same cards.
     Environment ForPrograms() const { return {{"ALSA_CONFIG_PATH", ConfigurationPath().string()}}; }
@@ -46,10 +46,11 @@ private:
     std::filesystem::path StatePath(const std::string& name) const;
     std::string Definition(const Card& card) const;
     std::string HardwareDefinitions(const Card& card) const;
-    LoopCardState& State(const std::string& name);
 
     PrivateFolder folder_;
     std::vector<std::pair<std::string, std::unique_ptr<LoopCardState, Unmap>>> states_;
 };
+
+using CardList = std::vector<LoopCards::Card>;
 
 }  // namespace sonavex

@@ -1,6 +1,6 @@
 // A plugin for libasound: a sound card whose output is wired to its input. It keeps the pace of the
 // clock, takes only the rates of its configuration, is used by one stream a direction at a time, and
-// can be unplugged and stalled through its file while streams run:
+// can be unplugged, stalled, suspended and made to fail through its file while streams run:
 //
 //   pcm.NAME { type sonavex_loop  state "FILE"  rates [ 48000 44100 ]  channels 2  format "S16_LE" }
 //
@@ -37,8 +37,8 @@ struct Settings {
 };
 
 std::uint32_t Packed(std::int16_t first, std::int16_t second) {
-    return static_cast<std::uint16_t>(first) |
-           static_cast<std::uint32_t>(static_cast<std::uint16_t>(second)) << 16U;
+    return static_cast<std::uint16_t>(first) | static_cast<std::uint32_t>(static_cast<std::uint16_t>(second))
+                                                   << 16U;
 }
 
 // The mapped file, held by one stream a direction.
@@ -56,21 +56,23 @@ public:
     int Open(const std::string& path, snd_pcm_stream_t direction) {
         file_ = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
         if (file_ < 0 || ftruncate(file_, sizeof(LoopCardState)) < 0) return -errno;
+        void* const memory =
+            mmap(nullptr, sizeof(LoopCardState), PROT_READ | PROT_WRITE, MAP_SHARED, file_, 0);
+        if (memory == MAP_FAILED) return -errno;
+        state_ = static_cast<LoopCardState*>(memory);
+        if (Unplugged()) return -ENODEV;
         struct flock mine {};
         mine.l_type = F_WRLCK;
         mine.l_start = direction;
         mine.l_len = 1;
         // Belongs to the open file, so another stream of this process is kept out as well.
-        if (fcntl(file_, F_OFD_SETLK, &mine) < 0) return -EBUSY;
-        void* const memory =
-            mmap(nullptr, sizeof(LoopCardState), PROT_READ | PROT_WRITE, MAP_SHARED, file_, 0);
-        if (memory == MAP_FAILED) return -errno;
-        state_ = static_cast<LoopCardState*>(memory);
-        return Unplugged() ? -ENODEV : 0;
+        return fcntl(file_, F_OFD_SETLK, &mine) < 0 ? -EBUSY : 0;
     }
 
     bool Unplugged() const { return state_->unplugged.load() != 0; }
     bool Stalled() const { return state_->stalled.load() != 0; }
+    bool Suspended() const { return state_->suspended.load() != 0; }
+    bool Failing() const { return state_->failing.load() != 0; }
 
     void Put(std::int64_t number, std::uint32_t frame) { Slot(number).store(Tag(number) << 32U | frame); }
     void Silence(std::int64_t number) { Slot(number).store(0); }
@@ -110,6 +112,8 @@ private:
         clock_gettime(CLOCK_MONOTONIC, &now);
         return now.tv_sec * std::int64_t{io_.rate} + now.tv_nsec * io_.rate / kNanosecondsPerSecond;
     }
+    // Frames that the program has written or read.
+    std::int64_t Application() const { return static_cast<std::int64_t>(io_.appl_ptr); }
     std::int64_t Position() {
         if (running_ && !cable_.Stalled()) position_ = ClockFrames() - start_;
         return position_;
@@ -136,9 +140,8 @@ private:
     int timer_;
     Cable cable_;
     bool running_ = false;
-    std::int64_t start_ = 0;        // number of the frame at position 0
-    std::int64_t position_ = 0;     // of the card
-    std::int64_t application_ = 0;  // frames that were written or read
+    std::int64_t start_ = 0;     // number of the frame at position 0
+    std::int64_t position_ = 0;  // of the card
     std::int64_t availableMin_ = 1;
     std::vector<std::uint32_t> beforeStart_;  // written, not yet on the cable
 };
@@ -147,7 +150,6 @@ int LoopPcm::Prepare() {
     if (cable_.Unplugged()) return -ENODEV;
     running_ = false;
     position_ = 0;
-    application_ = 0;
     beforeStart_.clear();
     return 0;
 }
@@ -166,7 +168,7 @@ int LoopPcm::Start() {
 // What was written and has not been played is not heard any more.
 int LoopPcm::Stop() {
     if (running_ && Playback())
-        for (std::int64_t position = Position(); position < application_; ++position)
+        for (std::int64_t position = Position(); position < Application(); ++position)
             cable_.Silence(start_ + position);
     running_ = false;
     SetTimer(0);
@@ -175,10 +177,15 @@ int LoopPcm::Stop() {
 
 snd_pcm_sframes_t LoopPcm::Pointer() {
     if (cable_.Unplugged()) return -ENODEV;
+    if (running_ && cable_.Failing()) return -EPIPE;
     const std::int64_t position = Position();
-    const std::int64_t behind = Playback() ? position - application_
-                                           : position - application_ -
-                                                 static_cast<std::int64_t>(io_.buffer_size);
+    if (running_ && cable_.Suspended()) {
+        snd_pcm_ioplug_set_state(&io_, SND_PCM_STATE_SUSPENDED);
+        return static_cast<snd_pcm_sframes_t>(position);
+    }
+    const std::int64_t behind = Playback()
+                                    ? position - Application()
+                                    : position - Application() - static_cast<std::int64_t>(io_.buffer_size);
     return behind > 0 ? -EPIPE : static_cast<snd_pcm_sframes_t>(position);
 }
 
@@ -195,7 +202,8 @@ std::uint32_t LoopPcm::LoadFrame(const char* samples) const {
 }
 
 void LoopPcm::StoreFrame(char* samples, std::uint32_t frame) const {
-    const std::int16_t narrow[2] = {static_cast<std::int16_t>(frame), static_cast<std::int16_t>(frame >> 16U)};
+    const std::int16_t narrow[2] = {static_cast<std::int16_t>(frame),
+                                    static_cast<std::int16_t>(frame >> 16U)};
     if (io_.format == SND_PCM_FORMAT_S16_LE) {
         std::memcpy(samples, narrow, 2 * io_.channels);
         return;
@@ -207,8 +215,9 @@ void LoopPcm::StoreFrame(char* samples, std::uint32_t frame) const {
 snd_pcm_sframes_t LoopPcm::Transfer(char* samples, snd_pcm_uframes_t frames) {
     if (cable_.Unplugged()) return -ENODEV;
     const std::size_t frameBytes = io_.channels * (io_.format == SND_PCM_FORMAT_S16_LE ? 2U : 4U);
-    for (snd_pcm_uframes_t i = 0; i < frames; ++i, samples += frameBytes) {
-        const std::int64_t number = start_ + application_++;
+    // What is mapped is read again until the program has taken it.
+    std::int64_t number = start_ + Application();
+    for (snd_pcm_uframes_t i = 0; i < frames; ++i, ++number, samples += frameBytes) {
         if (!Playback())
             StoreFrame(samples, cable_.Get(number));
         else if (running_)
@@ -223,10 +232,10 @@ unsigned short LoopPcm::Events() {
     std::uint64_t ticks = 0;
     static_cast<void>(read(timer_, &ticks, sizeof ticks));
     const snd_pcm_sframes_t position = Pointer();
-    if (position < 0) return POLLERR;
-    const std::int64_t waiting = Playback() ? static_cast<std::int64_t>(io_.buffer_size) -
-                                                  (application_ - position)
-                                            : position - application_;
+    if (position < 0 || cable_.Suspended()) return POLLERR;
+    const std::int64_t waiting = Playback()
+                                     ? static_cast<std::int64_t>(io_.buffer_size) - (Application() - position)
+                                     : position - Application();
     if (waiting < availableMin_) return 0;
     return Playback() ? POLLOUT : POLLIN;
 }
@@ -240,8 +249,7 @@ const snd_pcm_ioplug_callback_t& LoopPcm::Callbacks() {
         callbacks.pointer = [](snd_pcm_ioplug_t* io) { return Of(io).Pointer(); };
         callbacks.transfer = [](snd_pcm_ioplug_t* io, const snd_pcm_channel_area_t* areas,
                                 snd_pcm_uframes_t offset, snd_pcm_uframes_t frames) {
-            char* const samples =
-                static_cast<char*>(areas->addr) + (areas->first + areas->step * offset) / 8;
+            char* const samples = static_cast<char*>(areas->addr) + (areas->first + areas->step * offset) / 8;
             return Of(io).Transfer(samples, frames);
         };
         callbacks.poll_revents = [](snd_pcm_ioplug_t* io, pollfd*, unsigned, unsigned short* events) {
@@ -250,7 +258,7 @@ const snd_pcm_ioplug_callback_t& LoopPcm::Callbacks() {
         };
         callbacks.delay = [](snd_pcm_ioplug_t* io, snd_pcm_sframes_t* frames) {
             LoopPcm& pcm = Of(io);
-            const std::int64_t ahead = pcm.application_ - pcm.Position();
+            const std::int64_t ahead = pcm.Application() - pcm.Position();
             *frames = static_cast<snd_pcm_sframes_t>(pcm.Playback() ? ahead : -ahead);
             return 0;
         };
