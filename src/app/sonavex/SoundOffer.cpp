@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "app/common/SystemSound.h"
 #include "app/common/WantedSound.h"
-#include "platform/pulse/PulseSoundSystem.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
 
 namespace sonavex::app {
@@ -22,7 +22,7 @@ std::string Trouble(SoundSystem& sound) {
 
 std::unique_ptr<SoundSystem> ChooseSound(EventLoop& loop, Dialogs& dialogs) {
     if (WantedSoundFromEnvironment() == WantedSound::kSystem) {
-        auto system = std::make_unique<PulseSoundSystem>(loop);
+        auto system = CreateSystemSound(loop);
         const std::string trouble = Trouble(*system);
         if (trouble.empty()) return system;
         if (!dialogs.AskOkCancel(
