@@ -106,40 +106,29 @@ TEST_F(AlsaFaults, BeingServedTooLateIsCountedAndGoesOn) {
 }
 
 TEST_F(AlsaFaults, HeldByAnotherProgram) {
-    Environment environment = cards_.ForPrograms();
+    using Direction = LoopCards::Direction;
     const PrivateFolder folder;
-    const auto log = folder.Path() / "log";
-    const auto program = [&](const char* name, const char* file) {
-        return std::make_unique<ChildProcess>(
-            Arguments{name, "-q", "-D", "card", "-t", "raw", "-f", "S16_LE", "-c", "2", "-r", "48000", file},
-            environment, log);
-    };
-    const auto busy = [&](auto create) {
-        return PollUntil(
-            session_.loop_,
-            [&] {
-                try {
-                    create();
-                } catch (const RuntimeError& error) {
-                    EXPECT_EQ(error.Number(), sound_error::kAllocated) << error.what();
-                    EXPECT_STREQ(error.what(),
-                                 "The sound device 'Test card (direct)' is in use by another program.");
-                    return true;
-                }
-                return false;
-            },
-            AlsaSession::kLimit);
+    // Holds one direction of the card from here on.
+    const auto holder = [&](const char* program, const std::string& file, Direction direction) {
+        auto process =
+            std::make_unique<ChildProcess>(Arguments{program, "-q", "-D", "card", "-t", "raw", "-f", "S16_LE",
+                                                     "-c", "2", "-r", "48000", file},
+                                           cards_.ForPrograms(), folder.Path() / "log");
+        EXPECT_TRUE(PollUntil(
+            session_.loop_, [&] { return cards_.InUse("card", direction); }, AlsaSession::kLimit));
+        return process;
     };
     const auto output = session_.system_.CreatePlaybackDevice(kDevice);
     const auto input = session_.system_.CreateCaptureDevice(kDevice);
-    const auto createPlayback = [&] { output->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); };
-    const auto createCapture = [&] { input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); };
+    const std::string inUse = "The sound device 'Test card (direct)' is in use by another program.";
     {
-        const auto player = program("aplay", "/dev/zero");
-        EXPECT_TRUE(busy(createPlayback));
-        EXPECT_NO_THROW(createCapture());
-        const auto recorder = program("arecord", (folder.Path() / "recording").c_str());
-        EXPECT_TRUE(busy(createCapture));
+        const auto player = holder("aplay", "/dev/zero", Direction::kPlayback);
+        session_.ExpectError(sound_error::kAllocated, inUse,
+                             [&] { output->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
+        EXPECT_NO_THROW(input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)));
+        const auto recorder = holder("arecord", folder.Path() / "recording", Direction::kCapture);
+        session_.ExpectError(sound_error::kAllocated, inUse,
+                             [&] { input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); });
         // Busy cards are listed all the same.
         EXPECT_EQ(session_.system_.EnumeratePlayback().size(), 3U);
     }

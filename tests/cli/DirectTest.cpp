@@ -19,6 +19,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr const char* kDevice = "alsa:card";
+// Named by a configuration, while the machine has no such card.
+constexpr const char* kAbsent = "alsa:hw:CARD=SonavexAbsent,DEV=0";
 const Arguments kRun{"run",   "--input", kDevice,     "--output",  kDevice, "--rate",
                      "32000", "--tone",  "sine:1000", "--seconds", "0",     "--json"};
 
@@ -62,19 +64,22 @@ TEST(Direct, PcmsOfTheUsersConfigurationFileAreListed) {
     const LoopCards cards(CardList{{"card", "Test card"}});
     const PrivateFolder home;
     const std::string included = cards.ForPrograms().at(0).second;
-    std::ofstream(home.Path() / ".asoundrc") << "<" << included << ">\n";
+    std::ofstream(home.Path() / ".asoundrc")
+        << "<" << included << ">\nnamehint.pcm [ \"" << kAbsent + 5 << "|Absent card\" ]\n";
     // The machine's own configuration, which reads the user's file; it may list cards of its own.
-    const Outcome outcome =
-        Measure({"devices", "--json"},
-                {{"HOME", home.Path().string()}, {"ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf"}});
+    const Environment environment{{"HOME", home.Path().string()},
+                                  {"ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf"}};
+    const Outcome outcome = Measure({"devices", "--json"}, environment);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
     const ordered_json line = outcome.Json().at(0);
     const std::vector<std::string> outputs = Identifiers(line["outputs"]);
-    EXPECT_THAT(outputs, testing::Contains(kDevice));
+    EXPECT_THAT(outputs, testing::IsSupersetOf({kDevice, kAbsent}));
     for (const char* const other :
          {"null", "pulse", "default", "pipewire", "jack", "oss", "lavrate", "upmix"})
         EXPECT_THAT(outputs, testing::Not(testing::Contains(std::string("alsa:") + other)));
+    ExpectRefusal(Measure({"run", "--input", kAbsent, "--output", kAbsent, "--seconds", "0"}, environment),
+                  "The sound device 'Absent card (direct)' is not there.");
 }
 
 TEST(Direct, ALoopMeasuresAsWellAsTheArithmetic) {

@@ -74,6 +74,18 @@ std::filesystem::path LoopCards::StatePath(const std::string& name) const {
     return folder_.Path() / ("state-hw-" + card.substr(0, card.find(',')));
 }
 
+bool LoopCards::InUse(const std::string& name, Direction direction) const {
+    const int file = open(StatePath(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_start = direction == Direction::kPlayback ? 0 : 1;
+    lock.l_len = 1;
+    const bool asked = file >= 0 && fcntl(file, F_OFD_GETLK, &lock) == 0;
+    close(file);
+    if (!asked) throw std::runtime_error("cannot look at the card " + name);
+    return lock.l_type != F_UNLCK;
+}
+
 LoopCardState& LoopCards::State(const std::string& name) {
     const auto known =
         std::find_if(states_.begin(), states_.end(), [&](const auto& state) { return state.first == name; });

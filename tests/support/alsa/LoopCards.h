@@ -34,6 +34,10 @@ public:
     // What happens to the card of that name; a card stays as it is set.
     LoopCardState& State(const std::string& name);
 
+    // Whether somebody has that direction of the card, found out without opening it.
+    enum class Direction { kPlayback, kCapture };
+    bool InUse(const std::string& name, Direction direction) const;
+
     // For programs that are to see the same cards.
     Environment ForPrograms() const { return {{"ALSA_CONFIG_PATH", ConfigurationPath().string()}}; }
 
