@@ -96,10 +96,13 @@ AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling) const {
     Require(snd_pcm_hw_params_any(pcm, parameters.get()));
     Require(snd_pcm_hw_params_set_rate_resample(pcm, parameters.get(),
                                                 resampling == Resampling::kAllowed ? 1 : 0));
+    // One after the other: a card may have this rate in mono only.
     Lacks lacks;
-    lacks.rate = snd_pcm_hw_params_test_rate(pcm, parameters.get(), rateHz_, 0) < 0;
-    lacks.format = snd_pcm_hw_params_test_format(pcm, parameters.get(), kFormat) < 0;
     lacks.channels = snd_pcm_hw_params_test_channels(pcm, parameters.get(), kChannels) < 0;
+    if (!lacks.channels) Require(snd_pcm_hw_params_set_channels(pcm, parameters.get(), kChannels));
+    lacks.format = snd_pcm_hw_params_test_format(pcm, parameters.get(), kFormat) < 0;
+    if (!lacks.format) Require(snd_pcm_hw_params_set_format(pcm, parameters.get(), kFormat));
+    lacks.rate = snd_pcm_hw_params_test_rate(pcm, parameters.get(), rateHz_, 0) < 0;
     return lacks;
 }
 
