@@ -32,6 +32,7 @@ Environment PrivateEnvironment(const std::filesystem::path& folder, const Enviro
     const Environment defaults{{"HOME", folder.string()},
                                {"XDG_RUNTIME_DIR", folder.string()},
                                {"XDG_CONFIG_HOME", folder.string()},
+                               {"ALSA_CONFIG_PATH", "/dev/null"},
                                {"PULSE_RUNTIME_PATH", folder.string()},
                                {"PULSE_COOKIE", (folder / "cookie").string()},
                                {"PULSE_SERVER", "unix:" + (folder / "no-server").string()},
