@@ -69,6 +69,7 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
                            &form.TabStrip1,
                            &form.mnuExit,
                            &form.mnuPrint,
+                           &form.mnuSelectCard,
                            &meter.prgADC,
                            &meter.prgDAC,
                            &meter.LblLevel,

@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "core/settings/SampleRates.h"
-#include "core/shell/Windows.h"
+#include "core/settings/Windows.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -36,6 +36,7 @@ frmMain::frmMain(const World& world)
       world_(world) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
+    mnuSelectCard.Click.Handle([this] { mnuSelectCard_Click(); });
     Signals.SetPlaybackVolume([this](std::int32_t level) {
         if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
     });
@@ -137,6 +138,16 @@ void frmMain::Form_QueryUnload() {
     if (Has(Started::kPosition)) Windows::Store(Stored, Frame);
 }
 
+void frmMain::EndAtOnce() {
+    if (unloaded_) return;
+    unloaded_ = true;
+    HiTimer1->SetEnabled(false);
+    Engine.Stop();
+    world_.mixers.UnloadDialogs();
+    if (Has(Started::kMixers)) world_.mixers.RestoreInitial();
+    Engine.Release();
+}
+
 bool frmMain::Busy() const {
     return Engine.Restarting() || HiTimer1->Ticking();
 }
@@ -156,6 +167,30 @@ void frmMain::cmdExit_Click() {
 
 void frmMain::mnuExit_Click() {
     cmdExit.Press();
+}
+
+void frmMain::mnuSelectCard_Click() {
+    for (Label* label : {&lblInput, &lblOutput, &lblSampleRate}) label->SetCaption("Stopped");
+    world_.mixers.UnloadDialogs();
+    if (ShowDeviceDialog) ShowDeviceDialog();
+}
+
+frmDevices::Environment frmMain::DevicesEnvironment(DesktopFiles& files, Help& help) {
+    return {Shared,
+            Stored,
+            world_.sound,
+            world_.loop,
+            world_.dialogs,
+            world_.desktop,
+            files,
+            help,
+            Engine,
+            Measurement.Tones,
+            [this] { world_.mixers.SetUpSoundControls(); }};
+}
+
+frmDevices::MainControls frmMain::DevicesControls() {
+    return {lblInput, lblOutput, lblSampleRate, Signals.Signal.Command1, Signals.Memory.cmdStartMemory};
 }
 
 }  // namespace sonavex

@@ -7,6 +7,7 @@
 
 #include "core/audio/StreamEngine.h"
 #include "core/audio/SweepTimer.h"
+#include "core/audio/frmDevices.h"
 #include "core/controls/Choices.h"
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
@@ -58,9 +59,17 @@ public:
 
     void cmdExit_Click();
     void mnuExit_Click();
+    // The readings are said to have stopped while the devices are being selected.
+    void mnuSelectCard_Click();
 
-    // Shows the device selection dialog and returns when it has closed.
+    // The end without the shutdown: stops the sound and gives the user's mixer levels back; stores nothing.
+    void EndAtOnce();
+
+    // Shows the device selection dialog and returns when it has closed. May throw EndProgram.
     std::function<void()> ShowDeviceDialog;
+    // What that dialog works with.
+    frmDevices::Environment DevicesEnvironment(DesktopFiles& files, Help& help);
+    frmDevices::MainControls DevicesControls();
 
     Window Frame{"frmMain"};
     Label lblInput;
@@ -70,6 +79,7 @@ public:
     CommandButton cmdExit;
     MenuItem mnuExit;
     MenuItem mnuPrint;
+    MenuItem mnuSelectCard;
 
     SharedState Shared;
     Settings Stored;
