@@ -30,6 +30,11 @@ private:
     std::function<void(const EndProgram&)> before_;
 };
 
+// Positions are told from the top left of the primary screen.
+QPoint PrimaryOrigin() {
+    return QGuiApplication::primaryScreen()->geometry().topLeft();
+}
+
 bool OnAnyScreen(const QRect& frame) {
     // Enough of it to take hold of.
     for (const QScreen* screen : QGuiApplication::screens())
@@ -69,7 +74,7 @@ void FormDialog::TellSize() {
 }
 
 void FormDialog::Place() {
-    move(frame_.Left(), frame_.Top());
+    move(PrimaryOrigin() + QPoint(frame_.Left(), frame_.Top()));
     if (!OnAnyScreen(QRect(pos(), size())))
         move(QGuiApplication::primaryScreen()->availableGeometry().center() - rect().center());
     placed_ = true;
@@ -77,7 +82,9 @@ void FormDialog::Place() {
 
 void FormDialog::moveEvent(QMoveEvent* event) {
     QDialog::moveEvent(event);
-    if (placed_) frame_.Move(pos().x(), pos().y());
+    if (!placed_) return;
+    const QPoint place = pos() - PrimaryOrigin();
+    frame_.Move(place.x(), place.y());
 }
 
 }  // namespace sonavex::ui

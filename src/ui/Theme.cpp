@@ -20,6 +20,7 @@ constexpr RoleFont kRoleFonts[] = {
     {"hero", 5.0, true, true},       {"unit", 2.6, false, false},   {"title", 1.12, false, false},
     {"quiet", 0.92, false, false},   {"value", 1.15, true, true},   {"figure", 1.3, true, false},
     {"boldfigure", 1.3, true, true}, {"order", 1.15, false, false}, {"state", 1.0, false, true},
+    {"rate", 1.0, false, false},
 };
 
 QFont FontOf(const RoleFont& role) {
@@ -49,6 +50,8 @@ QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet;
 QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
+QLabel[stale="true"] { color: @border; }
+QLabel[role="alarm"] { color: @overload; border: 1px solid @overload; border-radius: 9px; padding: 1px 12px; }
 QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
 QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
     selection-background-color: @accent; selection-color: @onAccent; }
@@ -91,8 +94,8 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
         // Longer names first: a name must not be replaced inside another.
         {"@onAccent", theme.onAccent}, {"@window", theme.window}, {"@stripe", theme.stripe},
         {"@border", theme.border},     {"@accent", theme.accent}, {"@warning", theme.warning},
-        {"@quiet", theme.quiet},       {"@field", theme.field},   {"@track", theme.track},
-        {"@card", theme.card},         {"@text", theme.text}};
+        {"@overload", theme.overload}, {"@quiet", theme.quiet},   {"@field", theme.field},
+        {"@track", theme.track},       {"@card", theme.card},     {"@text", theme.text}};
     for (const auto& [name, colour] : colours) sheet.replace(QLatin1String(name), colour.name());
     return sheet;
 }

@@ -5,6 +5,7 @@
 
 #include "core/settings/SampleRates.h"
 #include "core/settings/Windows.h"
+#include "core/support/ScopedFlag.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -33,6 +34,7 @@ frmMain::frmMain(const World& world)
       Engine(
           {Shared, Stored, world.sound, world.loop, world.dialogs, world.errorLog, world.mixers, Measurement},
           {lblInput, lblOutput, lblSampleRate, Signals.Signal.sldStartFreq, Signals.Signal.sldEndFreq}),
+      Watch({world.loop, world.sound, Engine, world.errorLog, Shared}),
       world_(world) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
@@ -42,8 +44,16 @@ frmMain::frmMain(const World& world)
     });
     Engine.OnLimitsChanged = [this] { Signals.FollowLimits(); };
     Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
-    Measurement.OnBlock([this] { Guard.BlockSucceeded(); });
-    unloadLater_ = world.loop.CreateSignal([this] { Unload(); });
+    Guard.OnEnd = [this](const EndProgram& end) { End(end); };
+    Engine.OnBlockQueued = [this] {
+        Guard.BlockSucceeded();
+        Watch.BlockQueued();
+    };
+    Watch.Held = [this] { return choosingDevices_; };
+    Watch.OnChanged = [this] { ShowStreamState(); };
+    Watch.OnRestarted = [this] { world_.mixers.SetUpSoundControls(); };
+    Watch.ChooseDevices = [this] { ChooseDevices(); };
+    endLater_ = world.loop.CreateSignal([this] { End(*end_); });
 }
 
 frmMain::~frmMain() = default;
@@ -99,7 +109,7 @@ void frmMain::LimitFrequencySliders() {
 }
 
 void frmMain::CreateSoundDevices() {
-    if (!Engine.CreateDevices() && ShowDeviceDialog) ShowDeviceDialog();
+    if (!Engine.CreateDevices()) ChooseDevices();
 }
 
 void frmMain::StartStream() {
@@ -113,6 +123,16 @@ void frmMain::StartStream() {
     Engine.ResetStream();
     HiTimer1->SetInterval(1ms);
     Engine.StartCapture();
+    Watch.Start();
+}
+
+// Readings of the past must not look like present ones.
+void frmMain::ShowStreamState() {
+    StreamTrouble.SetCaption(Watch.Reason());
+    if (!Watch.Stopped()) return;
+    Measurement.Controls.picLocked.SetBackColor(kLightRed);
+    Measurement.Controls.GenLocked.SetBackColor(kLightRed);
+    Measurement.StreamDisturbed();
 }
 
 // Whatever is wrong with the stored tab, the first one opens.
@@ -128,37 +148,60 @@ void frmMain::SelectLastTab() {
 void frmMain::Form_QueryUnload() {
     if (unloaded_) return;
     unloaded_ = true;
-    HiTimer1->SetEnabled(false);
-    if (Has(Started::kDevices)) Engine.Stop();
-    if (Has(Started::kGenerator)) Signals.WriteMemoryToRegistry();
-    if (Has(Started::kTabs)) Stored.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()}));
-    world_.mixers.UnloadDialogs();
-    if (Has(Started::kMixers)) world_.mixers.SaveAndRestoreInitial();
-    Engine.Release();
-    if (Has(Started::kPosition)) Windows::Store(Stored, Frame);
+    Watch.Stop();
+    ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
+    ShutdownStep(Has(Started::kDevices), [this] { Engine.Stop(); });
+    ShutdownStep(Has(Started::kGenerator), [this] { Signals.WriteMemoryToRegistry(); });
+    ShutdownStep(Has(Started::kTabs),
+                 [this] { Stored.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()})); });
+    ShutdownStep(true, [this] { world_.mixers.UnloadDialogs(); });
+    ShutdownStep(Has(Started::kMixers), [this] { world_.mixers.SaveAndRestoreInitial(); });
+    ShutdownStep(true, [this] { Engine.Release(); });
+    ShutdownStep(Has(Started::kPosition), [this] { Windows::Store(Stored, Frame); });
+}
+
+void frmMain::ShutdownStep(bool due, const std::function<void()>& step) {
+    if (!due) return;
+    try {
+        step();
+    } catch (const EndProgram&) {
+        // The program is ending already.
+    } catch (...) {
+        Guard.Fatal(std::current_exception());
+    }
 }
 
 void frmMain::EndAtOnce() {
     if (unloaded_) return;
     unloaded_ = true;
-    HiTimer1->SetEnabled(false);
-    Engine.Stop();
-    world_.mixers.UnloadDialogs();
-    if (Has(Started::kMixers)) world_.mixers.RestoreInitial();
-    Engine.Release();
+    Watch.Stop();
+    ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
+    ShutdownStep(true, [this] { Engine.Stop(); });
+    ShutdownStep(true, [this] { world_.mixers.UnloadDialogs(); });
+    ShutdownStep(Has(Started::kMixers), [this] { world_.mixers.RestoreInitial(); });
+    ShutdownStep(true, [this] { Engine.Release(); });
+}
+
+void frmMain::ShutDown(const EndProgram& end) {
+    if (end.atOnce)
+        EndAtOnce();
+    else
+        Form_QueryUnload();
 }
 
 bool frmMain::Busy() const {
     return Engine.Restarting() || HiTimer1->Ticking();
 }
 
-void frmMain::Unload() {
+void frmMain::End(const EndProgram& end) {
+    if (!end_) end_ = end;
     if (Busy()) {
-        unloadLater_->Raise();
+        endLater_->Raise();
         return;
     }
-    Form_QueryUnload();
-    if (OnUnloaded) OnUnloaded();
+    if (unloaded_) return;
+    ShutDown(*end_);
+    if (OnUnloaded) OnUnloaded(end_->status);
 }
 
 void frmMain::cmdExit_Click() {
@@ -172,7 +215,14 @@ void frmMain::mnuExit_Click() {
 void frmMain::mnuSelectCard_Click() {
     for (Label* label : {&lblInput, &lblOutput, &lblSampleRate}) label->SetCaption("Stopped");
     world_.mixers.UnloadDialogs();
-    if (ShowDeviceDialog) ShowDeviceDialog();
+    ChooseDevices();
+}
+
+// One dialog at a time has the engine in its hands.
+void frmMain::ChooseDevices() {
+    if (choosingDevices_ || !ShowDeviceDialog) return;
+    const ScopedFlag choosing(choosingDevices_);
+    ShowDeviceDialog();
 }
 
 frmDevices::Environment frmMain::DevicesEnvironment(DesktopFiles& files, Help& help) {

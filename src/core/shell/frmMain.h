@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/audio/StreamEngine.h"
+#include "core/audio/StreamWatch.h"
 #include "core/audio/SweepTimer.h"
 #include "core/audio/frmDevices.h"
 #include "core/controls/Choices.h"
@@ -49,13 +51,18 @@ public:
     // cannot be used; either way Form_QueryUnload then knows how far it came.
     void Form_Load();
 
-    // The shutdown; of a start that ended early only the steps that belong to what was started.
+    // The shutdown; of a start that ended early only the steps that belong to what was started. A step
+    // that fails is logged and shown, the others run all the same. Does nothing the second time.
     void Form_QueryUnload();
 
-    // The user closes the window, by whatever way. Runs the shutdown and then OnUnloaded; deferred
-    // until a tick or a restart of the engine that is under way has ended.
-    void Unload();
-    std::function<void()> OnUnloaded;
+    // The user closes the window, by whatever way: an end with status 0.
+    void Unload() { End({}); }
+    // Runs the shutdown that this end asks for and then OnUnloaded with its status; deferred until a tick or
+    // a restart of the engine that is under way has ended. The first end asked for counts.
+    void End(const EndProgram& end);
+    // Form_QueryUnload or EndAtOnce.
+    void ShutDown(const EndProgram& end);
+    std::function<void(int status)> OnUnloaded;
 
     void cmdExit_Click();
     void mnuExit_Click();
@@ -89,6 +96,9 @@ public:
     std::unique_ptr<SweepTimer> HiTimer1;
     GeneratorPanel Signals;
     StreamEngine Engine;
+    StreamWatch Watch;
+    // Why nothing is measured at present; empty while blocks come.
+    Label StreamTrouble;
 
     std::string HelpFile;
     std::int16_t LastTabIndex = 0;
@@ -102,16 +112,21 @@ private:
     void RestoreSampleRate();
     void LimitFrequencySliders();
     void CreateSoundDevices();
+    void ChooseDevices();
     void StartStream();
     void SelectLastTab();
+    void ShowStreamState();
     bool Busy() const;
+    void ShutdownStep(bool due, const std::function<void()>& step);
     void Reached(Started stage) noexcept { started_ = stage; }
     bool Has(Started stage) const noexcept { return started_ >= stage; }
 
     World world_;
     Started started_ = Started::kNothing;
     bool unloaded_ = false;
-    std::unique_ptr<Signal> unloadLater_;
+    std::optional<EndProgram> end_;
+    bool choosingDevices_ = false;
+    std::unique_ptr<Signal> endLater_;
 };
 
 }  // namespace sonavex

@@ -11,6 +11,7 @@ void frmSplash::Form_Load(const ApplicationVersion& version) {
     const std::string number = CStr(version.major) + "." + CStr(version.minor) + "." + CStr(version.revision);
     lblVersion.SetCaption("Version " + number + "  " + version.comment);
     visible_ = true;
+    if (OnShow) OnShow();
     loop_.Yield();
     dialogs_.SetBusyPointer(false);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "core/controls/Controls.h"
@@ -28,6 +29,8 @@ public:
     bool Visible() const noexcept { return visible_; }
 
     void Form_Load(const ApplicationVersion& version);
+    // Told when there is something to show. May be empty.
+    std::function<void()> OnShow;
     void Frame_Click();
     // The start is over.
     void Unload();

@@ -1,0 +1,132 @@
+#include "app/sonavex/Program.h"
+
+#include <QApplication>
+#include <algorithm>
+#include <iostream>
+
+#include "app/common/WantedSound.h"
+#include "app/sonavex/SoundOffer.h"
+#include "platform/qt/QtWallClock.h"
+
+namespace sonavex::app {
+namespace {
+
+constexpr const char* kComment = "Distortion meter and function generator";
+
+ApplicationVersion Version() {
+    return {SONAVEX_VERSION_MAJOR, SONAVEX_VERSION_MINOR, SONAVEX_VERSION_PATCH, kComment};
+}
+
+void WriteLine(std::string line) {
+    std::replace(line.begin(), line.end(), '\r', ' ');
+    std::cerr << "sonavex: " << line << '\n';
+}
+
+}  // namespace
+
+Program::Program()
+    : dialogs_(frmMain::kApplicationTitle),
+      loop_([this](const std::exception_ptr& error) { StreamError(error); }),
+      store_(QtSettingsStore::DefaultFile(),
+             [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }) {}
+
+Program::~Program() = default;
+
+int Program::Run() {
+    const std::optional<int> ended = Open();
+    return ended ? *ended : QApplication::exec();
+}
+
+// The start is all or nothing for the settings: until it is through, nothing is written.
+std::optional<int> Program::Open() {
+    const QtSettingsStore::HoldWrites hold(store_);
+    try {
+        MakeForm();
+        Load();
+        if (!endStatus_) ShowWindow();
+    } catch (const EndProgram& end) {
+        CloseSplash();
+        if (form_) form_->ShutDown(end);
+        return end.status;
+    } catch (...) {
+        return GiveUp(std::current_exception());
+    }
+    return endStatus_;
+}
+
+void Program::MakeForm() {
+    sound_ = ChooseSound(WantedSoundFromEnvironment(), SoundMakers::Of(loop_), dialogs_);
+    errorLog_ = std::make_unique<DesktopErrorLog>(
+        DesktopErrorLog::Environment{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
+    errorLog_->OnLine = WriteLine;
+    form_ = std::make_unique<frmMain>(
+        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_});
+    form_->OnUnloaded = [this](int status) {
+        endStatus_ = status;
+        QApplication::exit(status);
+    };
+    ConnectDialogs();
+}
+
+// The splash must not stand over a dialog.
+void Program::ConnectDialogs() {
+    modalForms_ = std::make_unique<ui::ModalForms>(
+        ui::ModalForms::World{*form_, errorLog_->State(), dialogs_, desktopFiles_, diagnostics_, help_});
+    errorLog_->ShowDialog = [this] {
+        CloseSplash();
+        modalForms_->ShowError();
+    };
+    form_->ShowDeviceDialog = [this] {
+        CloseSplash();
+        modalForms_->ShowDevices();
+    };
+}
+
+void Program::CloseSplash() {
+    splash_.OnShow = {};
+    splash_.Unload();
+    splashWindow_.reset();
+}
+
+void Program::Load() {
+    splashWindow_ = std::make_unique<ui::SplashWindow>(splash_);
+    splash_.OnShow = [this] { splashWindow_->Refresh(); };
+    splash_.Form_Load(Version());
+    window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
+    window_->TellSize();
+    form_->Form_Load();
+    CloseSplash();
+}
+
+void Program::ShowWindow() {
+    window_->ShowPlaced();
+}
+
+int Program::GiveUp(const std::exception_ptr& error) {
+    CloseSplash();
+    if (form_) {
+        form_->Guard.Fatal(error);
+        form_->Form_QueryUnload();
+    } else {
+        ReportLastError(error);
+    }
+    store_.DiscardChanges();
+    return 1;
+}
+
+QString Program::SimulatedName() const {
+    if (!sound_->Simulated()) return {};
+    return QString::fromStdString(sound_->EnumeratePlayback().back().description);
+}
+
+void Program::StreamError(const std::exception_ptr& error) {
+    if (form_) form_->Guard.StreamError(error);
+}
+
+void ReportLastError(const std::exception_ptr& error) {
+    const RuntimeError runtimeError = HandlerGuard::AsRuntimeError(error);
+    WriteLine(HandlerGuard::Text(runtimeError));
+    QtDialogs(frmMain::kApplicationTitle).Message(HandlerGuard::Text(runtimeError), MessageIcon::kCritical);
+}
+
+}  // namespace sonavex::app
