@@ -9,12 +9,15 @@
 #include <climits>
 
 #include "core/text/Numbers.h"
+#include "ui/GeneratorWords.h"
 #include "ui/Theme.h"
 #include "ui/widgets/HarmonicBar.h"
 #include "ui_frmMain.h"
 
 namespace sonavex::ui {
 namespace {
+
+constexpr int kSweepWatchMs = 100;
 
 // The place is kept while the widget is hidden, so that nothing moves.
 void KeepPlace(QWidget& widget) {
@@ -65,6 +68,9 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     ApplyTheme(*this);
     FixSizes();
     ui_->sldEndFreq->SetResetHz(20);
+    // A sweep moves no control: its frequency is looked at while it lasts.
+    sweepWatch_.setInterval(kSweepWatchMs);
+    connect(&sweepWatch_, &QTimer::timeout, this, &MainWindow::DecorateGenerator);
     BindControls();
     ConnectConveniences();
     Decorate();
@@ -78,6 +84,9 @@ void MainWindow::FixSizes() {
     for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, tr("NOT LOCKED"));
     FixSize(*ui_->cycleText, "19 of 19");
     FixSize(*ui_->runningWord, "Generator playing 8 tones");
+    // A frequency or a time has five digits; a box wants room around them.
+    for (QLineEdit* box : {ui_->txtGenFreq, ui_->txtGenEndFreq, ui_->txtSweepTime})
+        box->setMinimumWidth(box->fontMetrics().horizontalAdvance("00000000"));
     for (QPushButton* button : {ui_->startCurrentMeter, ui_->Command1}) FixSize(*button, "Start Current");
     for (std::size_t i = 0; i < bars_.size(); ++i) {
         FixSize(*findChild<QLabel*>("lbltest_" + QString::number(i)), "100.0000");
@@ -249,25 +258,24 @@ void MainWindow::DecorateCycle() {
 
 void MainWindow::DecorateGenerator() {
     const SignalControls& signal = form_.Signals.Signal;
-    const Generator& generator = form_.Measurement.Tones;
-    const ToneRecord& tone = generator.Tones[0];
     ui_->wavePicture->SetWave(signal.cmbType.ListIndex());
     ui_->wavePicture->SetSweep(signal.sldSweepTime.Value() != 0, signal.sldStartFreq.Value(),
                                signal.sldEndFreq.Value(), signal.chkLoop.Checked());
     ui_->memoryCount->setText(tr("%1 of 8").arg(form_.Signals.Memory.ToneList.Count()));
-    QString state = tr("Generator stopped");
-    QString detail;
-    if (generator.GeneratorRunning) {
-        state = generator.NumTones == 1 ? tr("Generator playing")
-                                        : tr("Generator playing %1 tones").arg(generator.NumTones);
-        if (generator.NumTones == 1 && tone.Sweep && form_.HiTimer1->Enabled())
-            detail = tr("sweeping, %1 Hz").arg(tone.Frequency, 0, 'f', 0);
-    }
+    ui_->capsldStartFreq->setEnabled(signal.sldStartFreq.Enabled());
+    ui_->capsldEndFreq->setEnabled(signal.sldEndFreq.Enabled());
+    ui_->capsldSweepTime->setEnabled(signal.sldSweepTime.Enabled());
     for (QPushButton* preset : presets_)
         preset->setEnabled(signal.sldStartFreq.Enabled() &&
                            preset->property("hertz").toInt() <= signal.sldStartFreq.Max());
-    ui_->runningWord->setText(state);
-    ui_->runningDetail->setText(detail);
+    const bool sweeps = form_.HiTimer1->Enabled();
+    const GeneratorWords words = GeneratorWords::Of(form_.Measurement.Tones, sweeps);
+    ui_->runningWord->setText(words.state);
+    ui_->runningDetail->setText(words.detail);
+    if (!sweeps)
+        sweepWatch_.stop();
+    else if (!sweepWatch_.isActive())
+        sweepWatch_.start();
 }
 
 }  // namespace sonavex::ui

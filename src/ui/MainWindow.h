@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
 #include <array>
 #include <memory>
 #include <optional>
@@ -62,6 +63,7 @@ private:
     std::array<HarmonicBar*, 8> bars_{};
     std::vector<QPushButton*> presets_;
     Binder binder_;
+    QTimer sweepWatch_;
     // Where the window was put when it was shown, until the user moves it; no position of a window after.
     std::optional<QPoint> placedAt_;
     bool applyingTheme_ = false;

@@ -46,6 +46,7 @@ QMenuBar { background: @card; color: @text; padding: 2px; }
 QMenuBar::item { padding: 4px 10px; background: transparent; }
 QMenuBar::item:selected { background: @field; }
 QLabel { color: @text; background: transparent; }
+QLabel:disabled { color: @quiet; }
 QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet; }
 QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
@@ -62,11 +63,10 @@ QPushButton:hover { border-color: @accent; }
 QPushButton:focus { border: 2px solid @accent; padding: 5px 15px; }
 QPushButton:pressed, QPushButton:checked { background: @accent; color: @onAccent; }
 QPushButton:disabled { color: @quiet; background: @window; }
-QPushButton:checked:disabled { background: @track; border-color: @quiet; font-weight: bold; }
+QPushButton:checked:disabled { background: @track; border-color: @quiet; color: @text; }
 QPushButton[role="primary"] { background: @accent; color: @onAccent; border-color: @accent; font-weight: bold; }
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
-QPushButton[role="preset"]:disabled { color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
 QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @border; outline: none;
     selection-background-color: @accent; selection-color: @onAccent; }
@@ -80,13 +80,13 @@ QTabBar::tab:focus { color: @accent; }
 QProgressBar { background: @track; border: none; border-radius: 3px; max-height: 6px; }
 QProgressBar::chunk { background: @accent; border-radius: 3px; }
 QListWidget { background: @card; color: @text; border: none; outline: none; }
-QListWidget::item { background: @stripe; border-radius: 4px; padding: 7px; margin: 2px 0; }
+QListWidget::item { background: @stripe; border-radius: 4px; padding: 7px 5px; margin: 2px 0; }
 QListWidget::item:selected { background: @accent; color: @onAccent; }
 QListWidget:focus { border: 1px solid @accent; border-radius: 4px; }
 QSlider::groove:horizontal { background: @track; height: 6px; border-radius: 3px; }
 QSlider::sub-page:horizontal { background: @accent; border-radius: 3px; }
-QSlider::handle:horizontal { background: @accent; width: 16px; margin: -5px 0; border-radius: 8px; border: 1px solid @card; }
-QSlider::handle:horizontal:focus { border: 2px solid @text; }
+QSlider::handle:horizontal { background: @accent; width: 14px; margin: -5px 0; border-radius: 8px; border: 1px solid @card; }
+QSlider::handle:horizontal:focus { width: 12px; border: 2px solid @text; }
 QSlider::sub-page:horizontal:disabled, QSlider::handle:horizontal:disabled { background: @quiet; }
 QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 4px; }
 )");
