@@ -201,6 +201,7 @@ void MainWindow::Decorate() {
 // Figures that stand still look unlike figures that are being measured.
 void MainWindow::DecorateStream() {
     const QString trouble = QString::fromStdString(form_.StreamTrouble.Caption());
+    DecoratePath();
     ui_->streamNote->setVisible(!trouble.isEmpty());
     ui_->streamNote->setToolTip(trouble);
     const bool stale = !trouble.isEmpty();
@@ -212,6 +213,25 @@ void MainWindow::DecorateStream() {
         figure->style()->unpolish(figure);
         figure->style()->polish(figure);
     }
+}
+
+void MainWindow::DecoratePath() {
+    const QString notes = QString::fromStdString(form_.PathNote.Caption()).replace('\r', '\n');
+    ui_->pathNote->setVisible(!notes.isEmpty());
+    ui_->pathNote->setToolTip(tr("%1\n\nThe samples do not pass unchanged between the instrument and the "
+                                 "card; the readings include "
+                                 "what this does to them.")
+                                  .arg(notes));
+    const CaptureStatistics counts = form_.Engine.CaptureCounts();
+    ui_->lblSampleRate->setToolTip(
+        tr("Sampling rate of input and output\n%1 blocks measured, %2 lost, %3 dropped behind a message\n"
+           "%4 frames missing in the input\n%5 overruns, %6 underruns of the output")
+            .arg(form_.Engine.Blocks)
+            .arg(counts.segmentsLost)
+            .arg(form_.Engine.DroppedNotifications)
+            .arg(counts.framesMissing)
+            .arg(form_.Engine.Overruns)
+            .arg(form_.Engine.Underruns()));
 }
 
 void MainWindow::DecorateLock() {

@@ -47,6 +47,7 @@ private:
     void ConnectConveniences();
     void Decorate();
     void DecorateStream();
+    void DecoratePath();
     void DecorateLock();
     void DecorateLevels();
     void DecorateHarmonics();

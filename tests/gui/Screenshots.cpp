@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 
+#include "gui/DialogPictures.h"
 #include "support/FormRig.h"
 #include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
@@ -75,6 +76,18 @@ const Scene kScenes[] = {
          rig.card.Card().SetDeviceUnderTest(model);
          rig.form.Measurement.Controls.chkMuteOutput.UserSets(false);
          StartSine(rig);
+     }},
+    {"meter-path",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.PathNote.SetCaption("Input: resampled by the sound server, the device runs at 44100 Hz");
+     }},
+    {"meter-stopped",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+         rig.card.Unplug();
+         rig.loop.DeliverSignals();
      }},
     {"meter-baseline",
      [](FormRig& rig) {
@@ -152,6 +165,7 @@ int main(int argc, char** argv) {
         QApplication::setPalette(PaletteOf(dark));
         for (const Scene& scene : kScenes)
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
+        if (!DialogPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
     }
     return 0;
 }

@@ -183,6 +183,24 @@ TEST(OpenMessage, DropsAndCountsNotifications) {
     EXPECT_EQ(form.Engine.DroppedNotifications, 2U);
 }
 
+TEST(Path, IsToldAndFollowed) {
+    FormWorld world;
+    FakeSoundSystem sound(world.log);
+    sound.inputPathNote = "resampled";
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    EXPECT_EQ(form.PathNote.Caption(), "Input: resampled");
+    sound.inputPathNote.clear();
+    sound.outputPathNote = "volume of the device 50 %";
+    world.loop.Advance(std::chrono::milliseconds(1100));
+    EXPECT_EQ(form.PathNote.Caption(), "Output: volume of the device 50 %");
+    sound.inputPathNote = "resampled";
+    world.loop.Advance(std::chrono::milliseconds(1000));
+    EXPECT_EQ(form.PathNote.Caption(), "Input: resampled\rOutput: volume of the device 50 %");
+    form.Form_QueryUnload();
+    EXPECT_EQ(world.loop.Timers(), 0U);
+}
+
 TEST(Restart, BringsBackWhatWasStored) {
     FormRig first;
     first.form.Form_Load();
