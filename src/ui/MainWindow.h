@@ -53,6 +53,7 @@ private:
     void DecorateHarmonics();
     void DecorateCycle();
     void DecorateGenerator();
+    void ExplainReadings();
     void FixSizes();
     void TakeLayoutSize();
     bool OnAnyScreen() const;

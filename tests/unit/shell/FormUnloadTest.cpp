@@ -75,6 +75,17 @@ TEST(Closing, WaitsForATickToEnd) {
     EXPECT_TRUE(unloaded);
 }
 
+TEST(Closing, IsTheSameByTheButton) {
+    FormRig rig;
+    rig.form.Form_Load();
+    int unloaded = 0;
+    rig.form.OnUnloaded = [&](int) { ++unloaded; };
+    rig.log.Clear();
+    rig.form.cmdExit.Press();
+    EXPECT_EQ(unloaded, 1);
+    EXPECT_THAT(rig.log.Lines(), ElementsAre("UnloadDialogs", "SaveAndRestoreInitial"));
+}
+
 TEST(Ending, KeepsItsStatusAndWaitsForATickToo) {
     FormRig rig;
     rig.form.Form_Load();
