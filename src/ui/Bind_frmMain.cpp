@@ -14,11 +14,13 @@ void MainWindow::BindControls() {
     binder_.Bind(*ui_->lblInput, form_.lblInput);
     binder_.Bind(*ui_->lblOutput, form_.lblOutput);
     binder_.Bind(*ui_->lblSampleRate, form_.lblSampleRate);
+    binder_.Bind(*ui_->pathNote, form_.PathNote);
     binder_.Bind(*ui_->streamText, form_.StreamTrouble);
     binder_.Bind(*ui_->TabStrip1, form_.TabStrip1);
     binder_.Bind(*ui_->mnuExit, form_.mnuExit);
     binder_.Bind(*ui_->mnuPrint, form_.mnuPrint);
     binder_.Bind(*ui_->mnuSoundCard, form_.mnuSoundCard);
+    binder_.Bind(*ui_->mnuSelectCard, form_.mnuSelectCard);
 
     binder_.Bind(*ui_->lblThd, meter.lblThd);
     binder_.Bind(*ui_->txtFreq, meter.txtFreq);

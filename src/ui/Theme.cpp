@@ -69,6 +69,8 @@ QPushButton[role="primary"] { background: @accent; color: @onAccent; border-colo
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
+QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @border; outline: none;
+    selection-background-color: @accent; selection-color: @onAccent; }
 QCheckBox { color: @text; spacing: 8px; }
 QCheckBox:disabled { color: @quiet; }
 QRadioButton { color: @text; spacing: 8px; }

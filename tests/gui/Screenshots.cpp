@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 
+#include "gui/DialogPictures.h"
 #include "gui/MixerRig.h"
 #include "support/FormRig.h"
 #include "ui/FaceStyle.h"
@@ -76,6 +77,18 @@ const Scene kScenes[] = {
          rig.card.Card().SetDeviceUnderTest(model);
          rig.form.Measurement.Controls.chkMuteOutput.UserSets(false);
          StartSine(rig);
+     }},
+    {"meter-path",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.PathNote.SetCaption("Input: resampled by the sound server, the device runs at 44100 Hz");
+     }},
+    {"meter-stopped",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+         rig.card.Unplug();
+         rig.loop.DeliverSignals();
      }},
     {"meter-baseline",
      [](FormRig& rig) {
@@ -209,6 +222,7 @@ int main(int argc, char** argv) {
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
         for (const MixerScene& scene : kMixerScenes)
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
+        if (!DialogPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
     }
     return 0;
 }

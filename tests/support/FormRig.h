@@ -27,7 +27,10 @@ public:
         log_.Call("OsMajorVersion");
         return majorVersion;
     }
-    std::string ApplicationFolder() override { return "/opt/sonavex"; }
+    std::string ApplicationFolder() override {
+        log_.Call("ApplicationFolder");
+        return "/opt/sonavex";
+    }
     ScreenArea Screens() override {
         log_.Call("Screens");
         return screens;
@@ -52,6 +55,7 @@ public:
     void ShowSoundCard() override { log_.Call("ShowSoundCard"); }
     void UnloadDialogs() override { log_.Call("UnloadDialogs"); }
     void SaveAndRestoreInitial() override { log_.Call("SaveAndRestoreInitial"); }
+    void RestoreInitial() override { log_.Call("RestoreInitial"); }
 
 private:
     CallLog& log_;

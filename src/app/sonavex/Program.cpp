@@ -6,7 +6,7 @@
 
 #include "app/common/WantedSound.h"
 #include "app/sonavex/SoundOffer.h"
-#include "ui/SplashWindow.h"
+#include "platform/qt/QtWallClock.h"
 
 namespace sonavex::app {
 namespace {
@@ -18,14 +18,18 @@ ApplicationVersion Version() {
     return {SONAVEX_VERSION_MAJOR, SONAVEX_VERSION_MINOR, SONAVEX_VERSION_PATCH, kComment};
 }
 
+void WriteLine(std::string line) {
+    std::replace(line.begin(), line.end(), '\r', ' ');
+    std::cerr << "sonavex: " << line << '\n';
+}
+
 }  // namespace
 
 Program::Program()
     : dialogs_(frmMain::kApplicationTitle),
       loop_([this](const std::exception_ptr& error) { StreamError(error); }),
       store_(QtSettingsStore::DefaultFile(),
-             [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }),
-      errorLog_(dialogs_) {}
+             [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }) {}
 
 Program::~Program() = default;
 
@@ -42,7 +46,8 @@ std::optional<int> Program::Open() {
         Load();
         if (!endStatus_) ShowWindow();
     } catch (const EndProgram& end) {
-        ShutDown();
+        CloseSplash();
+        if (form_) form_->ShutDown(end);
         return end.status;
     } catch (...) {
         return GiveUp(std::current_exception());
@@ -52,27 +57,51 @@ std::optional<int> Program::Open() {
 
 void Program::MakeForm() {
     sound_ = ChooseSound(WantedSoundFromEnvironment(), SoundMakers::Of(loop_), dialogs_);
+    errorLog_ = std::make_unique<DesktopErrorLog>(
+        DesktopErrorLog::Environment{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
+    errorLog_->OnLine = WriteLine;
     mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_,
                                               QtSettingsStore::DefaultFile().replace_filename(kJournalName));
     form_ = std::make_unique<frmMain>(
-        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, errorLog_, mixers_->Session()});
+        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
     // The levels are the user's own again however the program is asked to end.
     termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
     form_->OnUnloaded = [this](int status) {
         endStatus_ = status;
         QApplication::exit(status);
     };
+    ConnectDialogs();
+}
+
+// The splash must not stand over a dialog.
+void Program::ConnectDialogs() {
+    modalForms_ = std::make_unique<ui::ModalForms>(
+        ui::ModalForms::World{*form_, errorLog_->State(), dialogs_, desktopFiles_, diagnostics_, help_});
+    errorLog_->ShowDialog = [this] {
+        CloseSplash();
+        modalForms_->ShowError();
+    };
+    form_->ShowDeviceDialog = [this] {
+        CloseSplash();
+        modalForms_->ShowDevices();
+    };
+}
+
+void Program::CloseSplash() {
+    splash_.OnShow = {};
+    splash_.Unload();
+    splashWindow_.reset();
 }
 
 void Program::Load() {
-    ui::SplashWindow splashWindow(splash_);
-    splash_.OnShow = [&splashWindow] { splashWindow.Refresh(); };
+    splashWindow_ = std::make_unique<ui::SplashWindow>(splash_);
+    splash_.OnShow = [this] { splashWindow_->Refresh(); };
     splash_.Form_Load(Version());
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
     mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Session(), form_->Guard, *window_);
     window_->TellSize();
     form_->Form_Load();
-    splash_.Unload();
+    CloseSplash();
 }
 
 void Program::ShowWindow() {
@@ -80,17 +109,15 @@ void Program::ShowWindow() {
 }
 
 int Program::GiveUp(const std::exception_ptr& error) {
-    if (form_)
+    CloseSplash();
+    if (form_) {
         form_->Guard.Fatal(error);
-    else
-        HandlerGuard(dialogs_, errorLog_).Fatal(error);
-    ShutDown();
+        form_->Form_QueryUnload();
+    } else {
+        ReportLastError(error);
+    }
     store_.DiscardChanges();
     return 1;
-}
-
-void Program::ShutDown() {
-    if (form_) form_->Form_QueryUnload();
 }
 
 QString Program::SimulatedName() const {
@@ -104,9 +131,7 @@ void Program::StreamError(const std::exception_ptr& error) {
 
 void ReportLastError(const std::exception_ptr& error) {
     const RuntimeError runtimeError = HandlerGuard::AsRuntimeError(error);
-    std::string line = HandlerGuard::Text(runtimeError);
-    std::replace(line.begin(), line.end(), '\r', ' ');
-    std::cerr << "sonavex: " << line << '\n';
+    WriteLine(HandlerGuard::Text(runtimeError));
     QtDialogs(frmMain::kApplicationTitle).Message(HandlerGuard::Text(runtimeError), MessageIcon::kCritical);
 }
 

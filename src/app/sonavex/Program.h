@@ -5,18 +5,24 @@
 #include <memory>
 #include <optional>
 
-#include "app/sonavex/MessageErrorLog.h"
+#include "app/sonavex/MissingHelp.h"
 #include "app/sonavex/ProgramMixers.h"
 #include "core/ports/SoundSystem.h"
+#include "core/report/DesktopErrorLog.h"
+#include "core/settings/Settings.h"
 #include "core/shell/frmMain.h"
 #include "core/shell/frmSplash.h"
 #include "platform/qt/QtDesktop.h"
+#include "platform/qt/QtDesktopFiles.h"
+#include "platform/qt/QtDiagnostics.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "platform/qt/TerminationSignals.h"
 #include "ui/MainWindow.h"
 #include "ui/MixerDialogs.h"
+#include "ui/ModalForms.h"
+#include "ui/SplashWindow.h"
 
 namespace sonavex::app {
 
@@ -44,9 +50,10 @@ public:
 private:
     void MakeForm();
     void Load();
+    void ConnectDialogs();
+    void CloseSplash();
     void ShowWindow();
     int GiveUp(const std::exception_ptr& error);
-    void ShutDown();
     QString SimulatedName() const;
     void StreamError(const std::exception_ptr& error);
 
@@ -55,11 +62,17 @@ private:
     QtEventLoop loop_;
     QtDesktop desktop_;
     QtSettingsStore store_;
-    MessageErrorLog errorLog_;
+    Settings settings_{store_};
+    QtDesktopFiles desktopFiles_;
+    QtDiagnostics diagnostics_;
+    MissingHelp help_{dialogs_, desktop_};
     frmSplash splash_{dialogs_, loop_};
+    std::unique_ptr<ui::SplashWindow> splashWindow_;
     std::unique_ptr<SoundSystem> sound_;
+    std::unique_ptr<DesktopErrorLog> errorLog_;
     std::unique_ptr<ProgramMixers> mixers_;
     std::unique_ptr<frmMain> form_;
+    std::unique_ptr<ui::ModalForms> modalForms_;
     std::unique_ptr<ui::MainWindow> window_;
     std::unique_ptr<ui::MixerDialogs> mixerDialogs_;
     std::unique_ptr<TerminationSignals> termination_;

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/alsa/AlsaControls.h"
+#include "platform/alsa/AlsaDevices.h"
 #include "platform/alsamixer/AlsaMixer.h"
 #include "platform/mixer/LayeredMixer.h"
 #include "platform/pulse/PulseMixer.h"
@@ -12,13 +14,28 @@
 namespace sonavex::app {
 namespace {
 
+snd_pcm_stream_t DirectionOf(MixerSide side) {
+    return side == MixerSide::kPlayback ? SND_PCM_STREAM_PLAYBACK : SND_PCM_STREAM_CAPTURE;
+}
+
+// Those of the cards that are reached beside the server.
+std::vector<std::string> DirectDevices(MixerSide side) {
+    std::vector<std::string> names;
+    for (const AlsaDevice& device : ListAlsaDevices(DirectionOf(side)))
+        names.push_back(device.info.description);
+    return names;
+}
+
+// The card that the server has behind the device, or the one that the device reaches directly.
+std::string ControlOf(PulseMixer& server, const MixerDevice& device) {
+    const std::string number = server.AlsaCardOf(device);
+    return number.empty() ? AlsaControlOf(DirectionOf(device.side), device.name) : "hw:" + number;
+}
+
 std::unique_ptr<MixerHardware> MixersOfTheSystem(EventLoop& loop) {
     auto server = std::make_unique<PulseMixer>(loop);
-    AlsaMixer::Cards cards{[](MixerSide) { return std::vector<std::string>(); },
-                           [&pulse = *server](const MixerDevice& device) {
-                               const std::string number = pulse.AlsaCardOf(device);
-                               return number.empty() ? number : "hw:" + number;
-                           }};
+    AlsaMixer::Cards cards{
+        DirectDevices, [&pulse = *server](const MixerDevice& device) { return ControlOf(pulse, device); }};
     return std::make_unique<LayeredMixer>(std::move(server),
                                           std::make_unique<AlsaMixer>(loop, std::move(cards)));
 }

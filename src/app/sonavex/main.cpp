@@ -13,6 +13,8 @@ int main(int argc, char** argv) {
     if (argc == 2 && std::strcmp(argv[1], "--probe-display") == 0) return 0;
     QApplication::setStyle(new sonavex::ui::FaceStyle);
     QApplication::setApplicationName(sonavex::frmMain::kApplicationTitle);
+    // The main form ends the program; a dialog that closes before it opens does not.
+    QApplication::setQuitOnLastWindowClosed(false);
     try {
         sonavex::app::Program program;
         return program.Run();

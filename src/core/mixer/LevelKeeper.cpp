@@ -61,12 +61,14 @@ bool LevelKeeper::Restored(const Kept& kept) {
     return levels_.Write(kept.device, kept.levels) || levels_.Read(kept.device).has_value();
 }
 
-void LevelKeeper::Remember(const MixerDevice& device) {
+bool LevelKeeper::Remember(const MixerDevice& device) {
     std::erase_if(waiting_, [&](const Kept& kept) { return kept.device == device && Restored(kept); });
-    if (const auto levels = levels_.Read(device)) inUse_.push_back({device, *levels});
+    const auto levels = levels_.Read(device);
+    if (levels) inUse_.push_back({device, *levels});
+    return levels.has_value();
 }
 
-void LevelKeeper::Use(const std::vector<MixerDevice>& devices) {
+bool LevelKeeper::Use(const std::vector<MixerDevice>& devices) {
     ReadJournal();
     const auto gone = std::stable_partition(inUse_.begin(), inUse_.end(), [&](const Kept& kept) {
         return std::find(devices.begin(), devices.end(), kept.device) != devices.end();
@@ -75,14 +77,14 @@ void LevelKeeper::Use(const std::vector<MixerDevice>& devices) {
     for (auto kept = gone; kept != inUse_.end(); ++kept)
         if (!Restored(*kept)) waiting_.push_back(*kept);
     inUse_.erase(gone, inUse_.end());
+    bool remembered = false;
     for (const MixerDevice& device : devices) {
         const bool known = std::any_of(inUse_.begin(), inUse_.end(),
                                        [&](const Kept& kept) { return kept.device == device; });
-        if (known || device.name.empty()) continue;
-        Remember(device);
-        changed = true;
+        if (!known && !device.name.empty() && Remember(device)) remembered = true;
     }
-    if (changed) WriteJournal();
+    if (changed || remembered) WriteJournal();
+    return remembered;
 }
 
 void LevelKeeper::GiveBack() {

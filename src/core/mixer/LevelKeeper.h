@@ -18,8 +18,8 @@ public:
 
     // These devices are in use from now on: devices no longer used get their levels back, new ones are
     // remembered. The first call also gives back what a killed run left behind. Call it before the
-    // levels of a new device are changed.
-    void Use(const std::vector<MixerDevice>& devices);
+    // levels of a new device are changed. True when a device has been remembered.
+    bool Use(const std::vector<MixerDevice>& devices);
 
     // All devices get their levels back and are no longer in use. What belongs to a device that is not
     // there waits in the journal for a later run.
@@ -39,7 +39,7 @@ private:
     void ReadJournal();
     void WriteJournal();
     bool Restored(const Kept& kept);
-    void Remember(const MixerDevice& device);
+    bool Remember(const MixerDevice& device);
 
     DeviceLevels& levels_;
     MixerJournal& journal_;

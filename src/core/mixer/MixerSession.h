@@ -25,6 +25,9 @@ public:
     // Shutdown: saves the present levels and gives the user's own back.
     virtual void SaveAndRestoreInitial() = 0;
 
+    // The end at once: gives the user's own levels back and saves nothing.
+    virtual void RestoreInitial() = 0;
+
     // Numbers of the mixer devices in use, counted from 0; -1 for none.
     std::int32_t PlayMixerDeviceNumber = -1;
     std::int32_t MixerDeviceNumber = -1;

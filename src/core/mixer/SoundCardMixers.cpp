@@ -40,15 +40,15 @@ bool SoundCardMixers::NewerGeneration() const {
 }
 
 void SoundCardMixers::PointMixersAt(const std::string& outputDeviceName, const std::string& inputDeviceName) {
-    otherDevices_ = outputDeviceName != outputDeviceName_ || inputDeviceName != inputDeviceName_;
     outputDeviceName_ = outputDeviceName;
     inputDeviceName_ = inputDeviceName;
-    keeper_.Use({{MixerSide::kPlayback, outputDeviceName}, {MixerSide::kCapture, inputDeviceName}});
+    otherCard_ =
+        keeper_.Use({{MixerSide::kPlayback, outputDeviceName}, {MixerSide::kCapture, inputDeviceName}});
     PlayMixerDeviceNumber = FindMixerDevice(world_.outputMixer, outputDeviceName);
     MixerDeviceNumber = FindMixerDevice(world_.inputMixer, inputDeviceName);
     world_.outputMixer.SelectDevice(PlayMixerDeviceNumber);
     world_.inputMixer.SelectDevice(MixerDeviceNumber);
-    if (started_ && otherDevices_ && !NewerGeneration()) CaptureInitial();
+    if (started_ && otherCard_ && !NewerGeneration()) CaptureInitial();
 }
 
 void SoundCardMixers::ReopenSoundCard(const std::string& outputDeviceName,
@@ -56,7 +56,7 @@ void SoundCardMixers::ReopenSoundCard(const std::string& outputDeviceName,
     std::int32_t status = 0;
     world_.library.CloseSoundCard(status);
     world_.library.OpenSoundCard(outputDeviceName, inputDeviceName, "", status);
-    if (started_ && otherDevices_) CaptureInitial();
+    if (started_ && otherCard_) CaptureInitial();
 }
 
 void SoundCardMixers::CaptureInitial() {
@@ -121,6 +121,16 @@ void SoundCardMixers::SaveAndRestoreInitial() {
     started_ = false;
     // A card that is gone has no levels worth saving.
     if (keeper_.AnyPresent()) Save();
+    GiveBack();
+}
+
+void SoundCardMixers::RestoreInitial() {
+    if (!started_) return;
+    started_ = false;
+    GiveBack();
+}
+
+void SoundCardMixers::GiveBack() {
     PutInitialBack();
     keeper_.GiveBack();
     std::int32_t status = 0;

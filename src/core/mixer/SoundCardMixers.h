@@ -48,6 +48,7 @@ public:
     void ShowSoundCard() override;
     void UnloadDialogs() override;
     void SaveAndRestoreInitial() override;
+    void RestoreInitial() override;
 
     LegacyMixer Legacy;
     SpeakerLocators Speaker;
@@ -63,6 +64,7 @@ private:
     void Apply(const SettingsKey& key, const std::function<void(const std::string&)>& apply);
     void Save();
     void PutInitialBack();
+    void GiveBack();
     void Refresh();
 
     World world_;
@@ -70,8 +72,8 @@ private:
     LevelKeeper keeper_;
     std::string outputDeviceName_;
     std::string inputDeviceName_;
-    bool started_ = false;  // the initial state has been captured
-    bool otherDevices_ = false;
+    bool started_ = false;    // the initial state has been captured
+    bool otherCard_ = false;  // bound since the capture
 
 public:
     // The dialogs.

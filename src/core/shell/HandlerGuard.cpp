@@ -1,5 +1,6 @@
 #include "core/shell/HandlerGuard.h"
 
+#include <algorithm>
 #include <new>
 
 #include "core/support/ScopedFlag.h"
@@ -39,7 +40,7 @@ void HandlerGuard::Run(const std::function<void()>& handler) {
     try {
         handler();
     } catch (const EndProgram& end) {
-        if (OnEnd) OnEnd(end.status);
+        if (OnEnd) OnEnd(end);
     } catch (...) {
         Show(AsRuntimeError(std::current_exception()));
     }
@@ -49,14 +50,16 @@ void HandlerGuard::StreamError(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);
     } catch (const EndProgram& end) {
-        if (OnEnd) OnEnd(end.status);
+        if (OnEnd) OnEnd(end);
         return;
     } catch (...) {
     }
     const RuntimeError runtimeError = AsRuntimeError(error);
     const std::string text = Text(runtimeError);
-    if (open_ || text == lastStreamError_) return;
-    lastStreamError_ = text;
+    const bool shown =
+        std::find(shownStreamErrors_.begin(), shownStreamErrors_.end(), text) != shownStreamErrors_.end();
+    if (open_ || shown) return;
+    shownStreamErrors_.push_back(text);
     Show(runtimeError);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/controls/ModelessForm.h"
-#include "core/shell/Windows.h"
+#include "core/settings/Windows.h"
 
 namespace sonavex {
 

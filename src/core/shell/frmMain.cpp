@@ -4,7 +4,8 @@
 #include <filesystem>
 
 #include "core/settings/SampleRates.h"
-#include "core/shell/Windows.h"
+#include "core/settings/Windows.h"
+#include "core/support/ScopedFlag.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -38,25 +39,27 @@ frmMain::frmMain(const World& world)
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
     mnuSoundCard.Click.Handle([this] { mnuSoundCard_Click(); });
+    mnuSelectCard.Click.Handle([this] { mnuSelectCard_Click(); });
     Signals.SetPlaybackVolume([this](std::int32_t level) {
         if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
     });
     Engine.OnLimitsChanged = [this] { Signals.FollowLimits(); };
     Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
-    Guard.OnEnd = [this](int status) { End(status); };
+    Guard.OnEnd = [this](const EndProgram& end) { End(end); };
     Engine.OnBlockQueued = [this] {
         Guard.BlockSucceeded();
         Watch.BlockQueued();
     };
+    Watch.Held = [this] { return choosingDevices_; };
     Watch.OnChanged = [this] { ShowStreamState(); };
     Watch.OnRestarted = [this] { world_.mixers.SetUpSoundControls(); };
-    Watch.ChooseDevices = [this] {
-        if (ShowDeviceDialog) ShowDeviceDialog();
-    };
-    endLater_ = world.loop.CreateSignal([this] { End(*endStatus_); });
+    Watch.ChooseDevices = [this] { ChooseDevices(); };
+    endLater_ = world.loop.CreateSignal([this] { End(*end_); });
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+    LeavePath();
+}
 
 void frmMain::Form_Load() {
     RefuseSecondInstance();
@@ -109,7 +112,7 @@ void frmMain::LimitFrequencySliders() {
 }
 
 void frmMain::CreateSoundDevices() {
-    if (!Engine.CreateDevices() && ShowDeviceDialog) ShowDeviceDialog();
+    if (!Engine.CreateDevices()) ChooseDevices();
 }
 
 void frmMain::StartStream() {
@@ -124,6 +127,24 @@ void frmMain::StartStream() {
     HiTimer1->SetInterval(1ms);
     Engine.StartCapture();
     Watch.Start();
+    FollowPath();
+}
+
+// Volumes change at any time, and nobody tells.
+void frmMain::FollowPath() {
+    ShowPath();
+    if (pathTimer_ == 0) pathTimer_ = world_.loop.StartTimer(1s, [this] { ShowPath(); });
+}
+
+void frmMain::LeavePath() {
+    world_.loop.StopTimer(pathTimer_);
+    pathTimer_ = 0;
+}
+
+void frmMain::ShowPath() {
+    std::string text;
+    for (const std::string& note : Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
+    PathNote.SetCaption(text);
 }
 
 // Readings of the past must not look like present ones.
@@ -148,6 +169,7 @@ void frmMain::SelectLastTab() {
 void frmMain::Form_QueryUnload() {
     if (unloaded_) return;
     unloaded_ = true;
+    LeavePath();
     Watch.Stop();
     ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
     ShutdownStep(Has(Started::kDevices), [this] { Engine.Stop(); });
@@ -171,19 +193,38 @@ void frmMain::ShutdownStep(bool due, const std::function<void()>& step) {
     }
 }
 
+void frmMain::EndAtOnce() {
+    if (unloaded_) return;
+    unloaded_ = true;
+    LeavePath();
+    Watch.Stop();
+    ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
+    ShutdownStep(true, [this] { Engine.Stop(); });
+    ShutdownStep(true, [this] { world_.mixers.UnloadDialogs(); });
+    ShutdownStep(Has(Started::kMixers), [this] { world_.mixers.RestoreInitial(); });
+    ShutdownStep(true, [this] { Engine.Release(); });
+}
+
+void frmMain::ShutDown(const EndProgram& end) {
+    if (end.atOnce)
+        EndAtOnce();
+    else
+        Form_QueryUnload();
+}
+
 bool frmMain::Busy() const {
     return Engine.Restarting() || HiTimer1->Ticking();
 }
 
-void frmMain::End(int status) {
-    if (!endStatus_) endStatus_ = status;
+void frmMain::End(const EndProgram& end) {
+    if (!end_) end_ = end;
     if (Busy()) {
         endLater_->Raise();
         return;
     }
     if (unloaded_) return;
-    Form_QueryUnload();
-    if (OnUnloaded) OnUnloaded(*endStatus_);
+    ShutDown(*end_);
+    if (OnUnloaded) OnUnloaded(end_->status);
 }
 
 void frmMain::cmdExit_Click() {
@@ -196,6 +237,37 @@ void frmMain::mnuExit_Click() {
 
 void frmMain::mnuSoundCard_Click() {
     world_.mixers.ShowSoundCard();
+}
+
+void frmMain::mnuSelectCard_Click() {
+    for (Label* label : {&lblInput, &lblOutput, &lblSampleRate}) label->SetCaption("Stopped");
+    ChooseDevices();
+}
+
+// One dialog at a time has the engine in its hands; those of the mixers would show a card of the past.
+void frmMain::ChooseDevices() {
+    if (choosingDevices_ || !ShowDeviceDialog) return;
+    const ScopedFlag choosing(choosingDevices_);
+    world_.mixers.UnloadDialogs();
+    ShowDeviceDialog();
+}
+
+frmDevices::Environment frmMain::DevicesEnvironment(DesktopFiles& files, Help& help) {
+    return {Shared,
+            Stored,
+            world_.sound,
+            world_.loop,
+            world_.dialogs,
+            world_.desktop,
+            files,
+            help,
+            Engine,
+            Measurement.Tones,
+            [this] { world_.mixers.SetUpSoundControls(); }};
+}
+
+frmDevices::MainControls frmMain::DevicesControls() {
+    return {lblInput, lblOutput, lblSampleRate, Signals.Signal.Command1, Signals.Memory.cmdStartMemory};
 }
 
 }  // namespace sonavex

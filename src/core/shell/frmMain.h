@@ -9,6 +9,7 @@
 #include "core/audio/StreamEngine.h"
 #include "core/audio/StreamWatch.h"
 #include "core/audio/SweepTimer.h"
+#include "core/audio/frmDevices.h"
 #include "core/controls/Choices.h"
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
@@ -54,19 +55,29 @@ public:
     // that fails is logged and shown, the others run all the same. Does nothing the second time.
     void Form_QueryUnload();
 
-    // The user closes the window, by whatever way: End(0).
-    void Unload() { End(0); }
-    // Runs the shutdown and then OnUnloaded with this status; deferred until a tick or a restart of the
-    // engine that is under way has ended. The first status asked for counts.
-    void End(int status);
+    // The user closes the window, by whatever way: an end with status 0.
+    void Unload() { End({}); }
+    // Runs the shutdown that this end asks for and then OnUnloaded with its status; deferred until a tick or
+    // a restart of the engine that is under way has ended. The first end asked for counts.
+    void End(const EndProgram& end);
+    // Form_QueryUnload or EndAtOnce.
+    void ShutDown(const EndProgram& end);
     std::function<void(int status)> OnUnloaded;
 
     void cmdExit_Click();
     void mnuExit_Click();
     void mnuSoundCard_Click();
+    // The readings are said to have stopped while the devices are being selected.
+    void mnuSelectCard_Click();
 
-    // Shows the device selection dialog and returns when it has closed.
+    // The end without the shutdown: stops the sound and gives the user's mixer levels back; stores nothing.
+    void EndAtOnce();
+
+    // Shows the device selection dialog and returns when it has closed. May throw EndProgram.
     std::function<void()> ShowDeviceDialog;
+    // What that dialog works with.
+    frmDevices::Environment DevicesEnvironment(DesktopFiles& files, Help& help);
+    frmDevices::MainControls DevicesControls();
 
     Window Frame{"frmMain"};
     Label lblInput;
@@ -77,6 +88,7 @@ public:
     MenuItem mnuExit;
     MenuItem mnuPrint;
     MenuItem mnuSoundCard;
+    MenuItem mnuSelectCard;
 
     SharedState Shared;
     Settings Stored;
@@ -89,6 +101,8 @@ public:
     StreamWatch Watch;
     // Why nothing is measured at present; empty while blocks come.
     Label StreamTrouble;
+    // What changes the samples between instrument and cards; empty when nothing is known to.
+    Label PathNote;
 
     std::string HelpFile;
     std::int16_t LastTabIndex = 0;
@@ -102,9 +116,13 @@ private:
     void RestoreSampleRate();
     void LimitFrequencySliders();
     void CreateSoundDevices();
+    void ChooseDevices();
     void StartStream();
     void SelectLastTab();
     void ShowStreamState();
+    void ShowPath();
+    void FollowPath();
+    void LeavePath();
     bool Busy() const;
     void ShutdownStep(bool due, const std::function<void()>& step);
     void Reached(Started stage) noexcept { started_ = stage; }
@@ -113,8 +131,10 @@ private:
     World world_;
     Started started_ = Started::kNothing;
     bool unloaded_ = false;
-    std::optional<int> endStatus_;
+    std::optional<EndProgram> end_;
+    bool choosingDevices_ = false;
     std::unique_ptr<Signal> endLater_;
+    EventLoop::TimerId pathTimer_ = 0;
 };
 
 }  // namespace sonavex

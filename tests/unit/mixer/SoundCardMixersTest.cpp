@@ -85,6 +85,51 @@ TEST(NewerMixers, SaveAndGiveBackAtTheEnd) {
     EXPECT_LT(at("SetLineRecordVolume 60"), at("CloseSoundCard"));
 }
 
+TEST(NewerMixers, AtAnEndAtOnceGiveBackAndSaveNothing) {
+    Newer world;
+    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.Start();
+    world.card.masterVolume = 77;
+    world.levels.devices["playback Speakers"] = "Master\t15 15\n";
+    world.log.Clear();
+    world.mixers.RestoreInitial();
+    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), kProgramLine);
+    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
+    EXPECT_EQ(world.levels.devices["playback Speakers"], "Master\t10 20\n");
+    EXPECT_EQ(world.journal.text, "");
+    EXPECT_EQ(world.log.Count("CloseSoundCard"), 1U);
+    world.log.Clear();
+    world.mixers.RestoreInitial();
+    world.mixers.SaveAndRestoreInitial();
+    EXPECT_THAT(world.log.Lines(), IsEmpty()) << "only once";
+}
+
+TEST(NewerMixers, BeforeTheCaptureHaveNothingToGiveBack) {
+    Newer world;
+    world.Bind();
+    world.log.Clear();
+    world.mixers.RestoreInitial();
+    world.mixers.SaveAndRestoreInitial();
+    EXPECT_THAT(world.log.Lines(), IsEmpty());
+    EXPECT_EQ(world.store.Size(), 0U);
+}
+
+// Levels of a card that did not answer at the start are none that anybody wants back.
+TEST(NewerMixers, CaptureACardThatComesLater) {
+    Newer world;
+    const auto cards = world.levels.devices;
+    world.levels.devices.clear();
+    world.Start();
+    world.levels.devices = cards;
+    world.card.masterVolume = 33;
+    world.Bind();
+    EXPECT_EQ(world.mixers.InitialVistaMixerState, VistaSound::GetVistaMixerState(world.card));
+    EXPECT_NE(world.journal.text, "");
+    world.log.Clear();
+    world.Bind();
+    EXPECT_EQ(world.log.Count("GetMasterVolume"), 0U);
+}
+
 TEST(NewerMixers, GiveRawLevelsBackAfterTheLine) {
     Newer world;
     world.Start();
@@ -208,6 +253,19 @@ TEST(OlderMixers, ApplySaveAndGiveBack) {
     EXPECT_EQ(world.store.Get("Settings", "SoundCard", ""), "0,Microphone Volume,7,7,");
     EXPECT_EQ(GetLegacyMixerState(world.output), world.mixers.InitialOutputMixerState);
     EXPECT_EQ(GetLegacyMixerState(world.input), world.mixers.InitialInputMixerState);
+}
+
+TEST(OlderMixers, AtAnEndAtOnceGiveBackAndSaveNothing) {
+    Older world;
+    world.store.Save("Settings", "OutSoundCard", "0,Master Volume,8,9,");
+    world.Start();
+    world.output.Find("Master Volume").values = {1, 2};
+    world.mixers.RestoreInitial();
+    EXPECT_EQ(world.store.Get("Settings", "OutSoundCard", ""), "0,Master Volume,8,9,");
+    EXPECT_EQ(world.store.Get("Settings", "SoundCard", "none"), "none");
+    EXPECT_EQ(GetLegacyMixerState(world.output), world.mixers.InitialOutputMixerState);
+    EXPECT_EQ(GetLegacyMixerState(world.input), world.mixers.InitialInputMixerState);
+    EXPECT_THAT(world.CallsWith("CloseSoundCard"), IsEmpty());
 }
 
 TEST(OlderMixers, WithNothingSavedLeaveTheMixersUntouched) {

@@ -41,7 +41,7 @@ TEST(HandlerGuard, KnowsErrorsOfTheLanguageToo) {
 TEST(HandlerGuard, EndsTheProgramWhereAsked) {
     GuardRig rig;
     int status = -1;
-    rig.guard.OnEnd = [&](int asked) { status = asked; };
+    rig.guard.OnEnd = [&](const EndProgram& asked) { status = asked.status; };
     rig.guard.Run([] { throw EndProgram{3}; });
     EXPECT_EQ(status, 3);
     rig.guard.StreamError(std::make_exception_ptr(EndProgram{4}));
@@ -56,6 +56,8 @@ TEST(HandlerGuard, ShowsAStreamErrorOnceUntilABlockSucceeds) {
     rig.StreamFails(overflow);
     EXPECT_EQ(rig.log.Of("Message").size(), 1U);
     rig.StreamFails(RuntimeError(error_number::kDivisionByZero));
+    EXPECT_EQ(rig.log.Of("Message").size(), 2U);
+    rig.StreamFails(overflow);
     EXPECT_EQ(rig.log.Of("Message").size(), 2U);
     rig.guard.BlockSucceeded();
     rig.StreamFails(RuntimeError(error_number::kDivisionByZero));
