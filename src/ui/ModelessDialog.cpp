@@ -10,6 +10,12 @@
 #include "ui/Theme.h"
 
 namespace sonavex::ui {
+namespace {
+
+// What a label asks for beside its text.
+constexpr int kLabelPadding = 4;
+
+}  // namespace
 
 ModelessDialog::ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget& parent)
     : QDialog(&parent), form_(form), guard_(guard), binder_(guard, [this] { Decorate(); }) {
@@ -92,7 +98,7 @@ void AlignColumn(std::initializer_list<QWidget*> widgets) {
 
 void ShowPercent(QWidget& dialog, const QString& slider, int percent, bool enabled) {
     auto* const label = dialog.findChild<QLabel*>("percent_" + slider);
-    label->setMinimumWidth(label->fontMetrics().horizontalAdvance("100 %"));
+    label->setMinimumWidth(label->fontMetrics().horizontalAdvance("100 %") + kLabelPadding);
     label->setText(enabled ? QStringLiteral("%1 %").arg(percent) : QStringLiteral("—"));
     label->setEnabled(enabled);
 }

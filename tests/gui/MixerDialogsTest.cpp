@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSlider>
 #include <QTest>
 #include <QTimer>
 #include <set>
@@ -125,6 +126,21 @@ TEST(MixerDialogs, ComeBackWhereTheyWere) {
     rig.dialogs.SoundVista.move(0, 0);
     rig.session.ShowSoundCard();
     EXPECT_EQ(rig.dialogs.SoundVista.pos(), QPoint(123, 77));
+}
+
+// Whatever figures stand beside them.
+TEST(MixerDialogs, EndTheirSlidersInOneLine) {
+    for (const std::int32_t generation : {5, 10}) {
+        MixerRig rig(generation);
+        rig.mixer.SetValues(MixerFunction::kLineRecord, {6554, 6554});
+        rig.session.ShowSoundCard();
+        Settle(rig);
+        QWidget& dialog = generation < 6 ? static_cast<QWidget&>(rig.dialogs.Sound) : rig.dialogs.SoundVista;
+        std::set<int> ends;
+        for (const QSlider* slider : dialog.findChildren<QSlider*>())
+            ends.insert(slider->mapTo(&dialog, slider->rect().topRight()).x());
+        EXPECT_EQ(ends.size(), 1U) << generation;
+    }
 }
 
 TEST(VistaDialog, MovesTheCardAndShowsIt) {
