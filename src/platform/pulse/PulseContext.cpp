@@ -61,7 +61,10 @@ pa_context* PulseContext::Connected(const PulseDeadline& deadline) {
         const pa_context_state_t state = pa_context_get_state(context_);
         return state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state);
     });
-    if (settled && pa_context_get_state(context_) == PA_CONTEXT_READY) return context_;
+    if (settled && pa_context_get_state(context_) == PA_CONTEXT_READY) {
+        if (onConnected_) onConnected_(context_);
+        return context_;
+    }
     const std::string reason = settled ? pa_strerror(pa_context_errno(context_)) : "Timeout";
     const std::string place = serverAddress_.empty() ? "" : " at '" + serverAddress_ + "'";
     Drop();
@@ -80,6 +83,7 @@ void PulseContext::Connect() {
 void PulseContext::Drop() noexcept {
     if (context_ == nullptr) return;
     pa_context_set_state_callback(context_, nullptr, nullptr);
+    pa_context_set_subscribe_callback(context_, nullptr, nullptr);
     pa_context_disconnect(context_);
     pa_context_unref(std::exchange(context_, nullptr));
 }

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "core/text/RuntimeError.h"
 
@@ -46,6 +47,9 @@ public:
         pa_threaded_mainloop* loop_;
     };
 
+    // Called, under lock, with every connection that has been established; before the first one.
+    void OnConnected(std::function<void(pa_context*)> handler) { onConnected_ = std::move(handler); }
+
     // The connection, established if need be. Under lock. Throws kUninitialized when no server
     // answers in time.
     pa_context* Connected(const PulseDeadline& deadline);
@@ -67,6 +71,7 @@ private:
     void Drop() noexcept;
 
     std::string serverAddress_;
+    std::function<void(pa_context*)> onConnected_;
     pa_threaded_mainloop* loop_;
     pa_context* context_ = nullptr;
     pa_usec_t impatientUntil_ = 0;  // of pa_rtclock_now
