@@ -55,7 +55,8 @@ public:
     pa_context* Connected(const PulseDeadline& deadline);
 
     // Waits, under lock, until the condition holds (true) or the time is over (false). The condition
-    // is looked at again after each Wake.
+    // is looked at again after each Wake. For some seconds after a wait that was in vain the next ones
+    // are short: a server that stands still is not to hold up the window call after call.
     bool WaitUntil(const PulseDeadline& deadline, const std::function<bool()>& condition);
     // Lets WaitUntil look again; for callbacks.
     void Wake() noexcept { pa_threaded_mainloop_signal(loop_, 0); }
@@ -65,6 +66,7 @@ public:
     void Await(pa_operation* operation, const PulseDeadline& deadline);
 
 private:
+    pa_usec_t EndOf(const PulseDeadline& deadline) const noexcept;
     void Connect();
     void Drop() noexcept;
 
@@ -72,6 +74,7 @@ private:
     std::function<void(pa_context*)> onConnected_;
     pa_threaded_mainloop* loop_;
     pa_context* context_ = nullptr;
+    pa_usec_t impatientUntil_ = 0;  // of pa_rtclock_now
 };
 
 }  // namespace sonavex
