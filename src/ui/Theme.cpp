@@ -1,7 +1,9 @@
 #include "ui/Theme.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QFontDatabase>
+#include <QLabel>
 #include <QPainter>
 #include <QPalette>
 #include <QVariant>
@@ -53,9 +55,6 @@ QFrame[card="true"] { background: @card; border: 1px solid @border; border-radiu
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
 QLabel[stale="true"] { color: @border; }
-QLabel[ground="card"] { background: @card; }
-QLabel[ground="stripe"] { background: @stripe; }
-QLabel[ground="window"] { background: @window; }
 QLabel[role="alarm"] { color: @overload; border: 1px solid @overload; border-radius: 9px; padding: 1px 12px; }
 QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
 QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
@@ -103,6 +102,21 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
     for (const auto& [name, colour] : colours) sheet.replace(QLatin1String(name), colour.name());
     return sheet;
 }
+
+// Paints a label's ground before the label paints its text.
+class GroundPainter : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* const label = event->type() == QEvent::Paint ? qobject_cast<QLabel*>(watched) : nullptr;
+        if (label == nullptr) return false;
+        QPainter painter(label);
+        PaintGround(painter, *label);
+        return false;
+    }
+};
 
 }  // namespace
 
@@ -160,6 +174,7 @@ void StandOnGround(QWidget& widget) {
     }
     widget.setProperty("ground", QByteArray(ground));
     widget.setAttribute(Qt::WA_OpaquePaintEvent);
+    if (qobject_cast<QLabel*>(&widget) != nullptr) widget.installEventFilter(new GroundPainter(&widget));
 }
 
 void PaintGround(QPainter& painter, const QWidget& widget) {

@@ -39,7 +39,8 @@ void ApplyTheme(QWidget& window);
 // Makes a widget that changes often paint the ground it stands on (card, stripe or window) itself, so that
 // a change paints this widget alone and nothing below it. Before ApplyTheme.
 void StandOnGround(QWidget& widget);
-// For widgets that paint themselves: fills the widget with its ground, if it stands on one.
+// Fills the widget with its ground, if it stands on one. For widgets that paint themselves; labels need
+// not call it.
 void PaintGround(QPainter& painter, const QWidget& widget);
 
 }  // namespace sonavex::ui

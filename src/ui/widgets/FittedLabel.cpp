@@ -7,8 +7,6 @@
 #include <QStyle>
 #include <algorithm>
 
-#include "ui/Theme.h"
-
 namespace sonavex::ui {
 namespace {
 
@@ -52,7 +50,6 @@ const QPixmap& FittedLabel::Figure(QChar character) {
 
 void FittedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    PaintGround(painter, *this);
     const QString shown = text();
     QPoint at(contentsRect().right() + 1, contentsRect().center().y() - fontMetrics().height() / 2);
     for (auto character = shown.crbegin(); character != shown.crend(); ++character) {
