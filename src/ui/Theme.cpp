@@ -55,6 +55,9 @@ QFrame[card="true"] { background: @card; border: 1px solid @border; border-radiu
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
 QLabel[stale="true"] { color: @border; }
+QLabel[ground="card"] { background: @card; }
+QLabel[ground="stripe"] { background: @stripe; }
+QLabel[ground="window"] { background: @window; }
 QLabel[role="alarm"] { color: @overload; border: 1px solid @overload; border-radius: 9px; padding: 1px 12px; }
 QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
 QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
@@ -103,7 +106,8 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
     return sheet;
 }
 
-// Paints a label's ground before the label paints its text.
+// Paints a label's ground before the label paints its text. The style sheet's background only keeps the
+// style from declaring the label transparent: nobody paints it for a label that paints all of itself.
 class GroundPainter : public QObject {
 public:
     using QObject::QObject;
