@@ -47,6 +47,7 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
                            &form.mnuSelectCard,
                            &meter.prgADC,
                            &meter.prgDAC,
+                           &form.mnuSoundCard,
                            &meter.LblLevel,
                            &meter.lblDACLevel,
                            &meter.txtFreq,

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "app/sonavex/MissingHelp.h"
-#include "core/mixer/AbsentMixers.h"
+#include "app/sonavex/ProgramMixers.h"
 #include "core/ports/SoundSystem.h"
 #include "core/report/DesktopErrorLog.h"
 #include "core/settings/Settings.h"
@@ -18,7 +18,9 @@
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
 #include "platform/qt/QtSettingsStore.h"
+#include "platform/qt/TerminationSignals.h"
 #include "ui/MainWindow.h"
+#include "ui/MixerDialogs.h"
 #include "ui/ModalForms.h"
 #include "ui/SplashWindow.h"
 
@@ -42,6 +44,7 @@ public:
 
     // After Open gave no status.
     frmMain& Form() { return *form_; }
+    SoundCardMixers& Mixers() { return mixers_->Session(); }
     ui::MainWindow& Window() { return *window_; }
 
 private:
@@ -63,14 +66,16 @@ private:
     QtDesktopFiles desktopFiles_;
     QtDiagnostics diagnostics_;
     MissingHelp help_{dialogs_, desktop_};
-    AbsentMixers mixers_;
     frmSplash splash_{dialogs_, loop_};
     std::unique_ptr<ui::SplashWindow> splashWindow_;
     std::unique_ptr<SoundSystem> sound_;
     std::unique_ptr<DesktopErrorLog> errorLog_;
+    std::unique_ptr<ProgramMixers> mixers_;
     std::unique_ptr<frmMain> form_;
     std::unique_ptr<ui::ModalForms> modalForms_;
     std::unique_ptr<ui::MainWindow> window_;
+    std::unique_ptr<ui::MixerDialogs> mixerDialogs_;
+    std::unique_ptr<TerminationSignals> termination_;
     std::optional<int> endStatus_;
 };
 

@@ -66,6 +66,7 @@ public:
 
     void cmdExit_Click();
     void mnuExit_Click();
+    void mnuSoundCard_Click();
     // The readings are said to have stopped while the devices are being selected.
     void mnuSelectCard_Click();
 
@@ -86,6 +87,7 @@ public:
     CommandButton cmdExit;
     MenuItem mnuExit;
     MenuItem mnuPrint;
+    MenuItem mnuSoundCard;
     MenuItem mnuSelectCard;
 
     SharedState Shared;
