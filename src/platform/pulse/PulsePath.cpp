@@ -13,6 +13,14 @@ void Append(std::string& note, const std::string& text) {
     note += text;
 }
 
+bool IsSuspended(const pa_sink_info& sink) {
+    return sink.state == PA_SINK_SUSPENDED;
+}
+
+bool IsSuspended(const pa_source_info& source) {
+    return source.state == PA_SOURCE_SUSPENDED;
+}
+
 // "80 %", or "50 % and 150.5 %" where the channels differ.
 std::string Percent(const std::vector<double>& channels) {
     std::string text;
@@ -89,13 +97,17 @@ void PulsePath::TakeDevice(pa_context* server, const Info* info, int, void* self
     auto& me = *static_cast<PulsePath*>(self);
     me.deviceRateHz_ = info->sample_spec.rate;
     me.AskForCardOf(server, *info);
+    me.suspended_ = IsSuspended(*info);
     me.device_ = VolumeOf(info->volume, info->mute);
 }
 
 template <class Info>
 void PulsePath::TakeStream(pa_context*, const Info* info, int, void* self) {
     if (info == nullptr) return;
-    static_cast<PulsePath*>(self)->stream_ = VolumeOf(info->volume, info->mute);
+    auto& me = *static_cast<PulsePath*>(self);
+    me.stream_ = VolumeOf(info->volume, info->mute);
+    // Not every stream has one.
+    if (info->has_volume == 0 || info->volume.channels == 0) me.stream_.percent.clear();
 }
 
 void PulsePath::Ask(pa_stream* stream) {
@@ -135,6 +147,7 @@ std::string PulsePath::Note() const {
                          std::to_string(graphRateHz_) + " Hz by default");
     if (!device_.percent.empty()) Append(note, "volume of the device " + Percent(device_.percent));
     if (!stream_.percent.empty()) Append(note, "volume of the stream " + Percent(stream_.percent));
+    if (suspended_) Append(note, "suspended by the sound server");
     if (device_.muted || stream_.muted) Append(note, "muted by the sound server");
     return note;
 }

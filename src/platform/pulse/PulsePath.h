@@ -60,7 +60,8 @@ private:
     // Written by the connection's thread, under the context's lock.
     std::uint32_t deviceRateHz_ = 0;
     std::string card_;
-    bool virtual_ = false;  // the device is software
+    bool virtual_ = false;    // the device is software
+    bool suspended_ = false;  // the device sleeps
     // Of a server whose virtual devices do not run at the rate that they tell; otherwise 0.
     std::uint32_t graphRateHz_ = 0;
     Volume device_;
