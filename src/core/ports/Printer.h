@@ -24,7 +24,7 @@ struct PageSetUp {
     double height = 11.0;
     int fontSizePoints = 12;
     double characterWidth = 0.1;  // of every character: a 12 point fixed-pitch type has ten to the inch
-    double lineHeight = 1.0 / 6.0;
+    double lineHeight = 0.19;
 };
 
 // Finished pages, and the printers that take them. Failures are a RuntimeError with kPrinterError.

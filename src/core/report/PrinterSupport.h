@@ -15,7 +15,7 @@ public:
     const std::string& Remembered() const noexcept { return remembered_; }
 
     // Makes the remembered printer the default again where it no longer is. Nothing is stored when there
-    // was none, or when nothing changed.
+    // was none, when nothing changed, or when the printer is gone.
     void RestoreDefault();
 
 private:

@@ -35,7 +35,7 @@ TEST_F(PrintCommandTest, PrintsOnceOnTheDefaultPrinter) {
     EXPECT_THAT(log.Lines(), ElementsAre("OsMajorVersion", "ShowPrintDialog", "Select Workshop|",
                                          "BeginPage courier new 12 8.5x11", "EndDoc"));
     ASSERT_EQ(printer.documents.size(), 1U);
-    EXPECT_EQ(printer.documents[0][1], "0.80 0.67 Date : Nov 21, 2026");
+    EXPECT_EQ(printer.documents[0][1], "0.80 0.69 Date : Nov 21, 2026");
 }
 
 TEST_F(PrintCommandTest, PrintsEachCopyAsADocument) {
@@ -94,6 +94,16 @@ TEST_F(PrintCommandTest, GivesTheDefaultPrinterBackThatTheDialogChanged) {
 TEST_F(PrintCommandTest, SetsNoDefaultPrinterWhereNoneWas) {
     printer.defaultPrinter.clear();
     user = [this](frmPrint& dialog) {
+        printer.defaultPrinter = "Office";
+        dialog.cmdOk.Press();
+    };
+    Press();
+    EXPECT_THAT(log.Of("SetDefaultPrinter"), IsEmpty());
+}
+
+TEST_F(PrintCommandTest, DoesNotBringBackAPrinterThatIsGone) {
+    user = [this](frmPrint& dialog) {
+        printer.printers = {"Office"};
         printer.defaultPrinter = "Office";
         dialog.cmdOk.Press();
     };
