@@ -1,0 +1,66 @@
+#include "core/report/MenuCommands.h"
+
+#include <string>
+#include <utility>
+
+#include "core/report/OpenDocument.h"
+#include "core/report/WebPages.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kConnected = "You must be connected to the Internet to continue.\r\r";
+constexpr const char* kCheckQuestion = "Proceed with update check ?";
+constexpr const char* kContactQuestion = "Continue ?";
+
+// Commands of the system's level panels: recording and playback, newer and older generation.
+constexpr const char* kInputPanel = "control.exe mmsys.cpl,,1";
+constexpr const char* kPlayPanel = "control.exe mmsys.cpl,,0";
+constexpr const char* kOlderInputPanel = "sndvol32 -R -D";
+constexpr const char* kOlderPlayPanel = "sndvol32 -P -D";
+
+}  // namespace
+
+MenuCommands::MenuCommands(World world) : world_(std::move(world)) {
+    mnuAbout.Click.Handle([this] { mnuAbout_Click(); });
+    mnuHelpContents.Click.Handle([this] { mnuHelpContents_Click(); });
+    mnuCheckVersion.Click.Handle([this] { mnuCheckVersion_Click(); });
+    mnuemail.Click.Handle([this] { mnuemail_Click(); });
+    mnuInputControl.Click.Handle([this] { mnuInputControl_Click(); });
+    mnuPlayControl.Click.Handle([this] { mnuPlayControl_Click(); });
+}
+
+void MenuCommands::mnuAbout_Click() {
+    if (ShowAbout) ShowAbout();
+}
+
+void MenuCommands::mnuHelpContents_Click() {
+    world_.help.ShowContents();
+}
+
+bool MenuCommands::Connected(const char* question) {
+    return world_.dialogs.AskYesNo(std::string(kConnected) + question);
+}
+
+void MenuCommands::mnuCheckVersion_Click() {
+    if (!Connected(kCheckQuestion)) return;
+    OpenDocument(world_.launcher, world_.dialogs, web_page::UpdateCheck(world_.version));
+}
+
+void MenuCommands::mnuemail_Click() {
+    if (!Connected(kContactQuestion)) return;
+    OpenDocument(world_.launcher, world_.dialogs, web_page::Contact());
+}
+
+void MenuCommands::mnuInputControl_Click() {
+    RunCommand(world_.launcher, world_.dialogs,
+               world_.shared.NewerGeneration() ? kInputPanel : kOlderInputPanel + CStr(MixerDeviceNumber));
+}
+
+void MenuCommands::mnuPlayControl_Click() {
+    RunCommand(world_.launcher, world_.dialogs,
+               world_.shared.NewerGeneration() ? kPlayPanel : kOlderPlayPanel + CStr(PlayMixerDeviceNumber));
+}
+
+}  // namespace sonavex
