@@ -20,6 +20,16 @@ void ShowCaption(QPushButton& button, const std::string& caption) {
     if (!caption.empty()) button.setText(Text(caption));
 }
 
+// A widget on a tab that is not in front takes no keyboard.
+void GiveFocus(QWidget& widget) {
+    for (QWidget* parent = widget.parentWidget(); parent != nullptr; parent = parent->parentWidget()) {
+        auto* tabs = qobject_cast<QTabWidget*>(parent);
+        for (int i = 0; tabs != nullptr && i < tabs->count(); ++i)
+            if (tabs->widget(i)->isAncestorOf(&widget)) tabs->setCurrentIndex(i);
+    }
+    widget.setFocus();
+}
+
 }  // namespace
 
 Binder::Binder(HandlerGuard& guard, std::function<void()> afterFlush, QObject* parent)
@@ -77,7 +87,7 @@ void Binder::Bind(QLineEdit& widget, TextBox& control) {
             widget.setModified(modified);
         }
         widget.setEnabled(control.Enabled());
-        if (control.TakeFocusRequest()) widget.setFocus();
+        if (control.TakeFocusRequest()) GiveFocus(widget);
     });
     connect(&widget, &QLineEdit::textEdited, this, [this, &control](const QString& text) {
         Handle([&] { control.UserTypes(text.toStdString()); });

@@ -4,14 +4,20 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QShortcut>
+#include <QStyle>
+#include <climits>
 
 #include "core/text/Numbers.h"
+#include "ui/GeneratorWords.h"
 #include "ui/Theme.h"
 #include "ui/widgets/HarmonicBar.h"
 #include "ui_frmMain.h"
 
 namespace sonavex::ui {
 namespace {
+
+constexpr int kSweepWatchMs = 100;
 
 // The place is kept while the widget is hidden, so that nothing moves.
 void KeepPlace(QWidget& widget) {
@@ -20,9 +26,26 @@ void KeepPlace(QWidget& widget) {
     widget.setSizePolicy(policy);
 }
 
-// Width for the widest text that the label will ever show.
-void FixWidth(QWidget& label, const QString& widest) {
-    label.setMinimumWidth(label.fontMetrics().horizontalAdvance(widest));
+// Room for the widest text that the label or button will ever show, also while it shows none.
+template <class Widget>
+void FixSize(Widget& widget, const QString& widest) {
+    const QString text = widget.text();
+    widget.setText(widest);
+    widget.ensurePolished();
+    widget.setMinimumSize(widget.sizeHint());
+    widget.setText(text);
+}
+
+// Positions are told from the top left of the primary screen.
+QPoint PrimaryOrigin() {
+    return QGuiApplication::primaryScreen()->geometry().topLeft();
+}
+
+// A level for those who listen to it.
+QString Spoken(const std::string& caption, const QString& word) {
+    if (!word.isEmpty()) return word;
+    const QString text = QString::fromStdString(caption);
+    return IsNumeric(caption) ? text + " %" : text;
 }
 
 bool IsReading(const std::string& caption) {
@@ -40,17 +63,14 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     for (std::size_t i = 0; i < bars_.size(); ++i)
         bars_[i] = findChild<HarmonicBar*>("bar_" + QString::number(i));
     ui_->simulatedNote->setVisible(!simulatedName.isEmpty());
-    for (QWidget* note : {static_cast<QWidget*>(ui_->settlingNote), static_cast<QWidget*>(ui_->baselineNote)})
-        KeepPlace(*note);
+    for (QWidget* note : {ui_->settlingNote, ui_->baselineNote}) KeepPlace(*note);
     for (QLabel* unit : {ui_->unitprgADC, ui_->unitprgDAC, ui_->unitThd}) KeepPlace(*unit);
     ApplyTheme(*this);
-    FixWidth(*ui_->LblLevel, "Muted");
-    FixWidth(*ui_->lblDACLevel, "Muted");
-    FixWidth(*ui_->lockWord, "NOT LOCKED");
-    FixWidth(*ui_->genLockWord, "NOT LOCKED");
-    FixWidth(*ui_->cycleText, "19 of 19");
-    FixWidth(*ui_->runningWord, "Generator playing 8 tones");
+    FixSizes();
     ui_->sldEndFreq->SetResetHz(20);
+    // A sweep moves no control: its frequency is looked at while it lasts.
+    sweepWatch_.setInterval(kSweepWatchMs);
+    connect(&sweepWatch_, &QTimer::timeout, this, &MainWindow::DecorateGenerator);
     BindControls();
     ConnectConveniences();
     Decorate();
@@ -58,10 +78,32 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
 
 MainWindow::~MainWindow() = default;
 
+void MainWindow::FixSizes() {
+    for (QLabel* level : {ui_->LblLevel, ui_->lblDACLevel}) FixSize(*level, "Muted");
+    for (QLabel* word : {ui_->adcWord, ui_->dacWord}) FixSize(*word, tr("NO SIGNAL"));
+    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, tr("NOT LOCKED"));
+    FixSize(*ui_->cycleText, "19 of 19");
+    FixSize(*ui_->runningWord, "Generator playing 8 tones");
+    // A frequency or a time has five digits; a box wants room around them.
+    for (QLineEdit* box : {ui_->txtGenFreq, ui_->txtGenEndFreq, ui_->txtSweepTime})
+        box->setMinimumWidth(box->fontMetrics().horizontalAdvance("00000000"));
+    for (QPushButton* button : {ui_->startCurrentMeter, ui_->Command1}) FixSize(*button, "Start Current");
+    for (std::size_t i = 0; i < bars_.size(); ++i) {
+        FixSize(*findChild<QLabel*>("lbltest_" + QString::number(i)), "100.0000");
+        FixSize(*findChild<QLabel*>("lblDb_" + QString::number(i)), "-100.00");
+    }
+}
+
 void MainWindow::ConnectConveniences() {
+    // A shortcut of a button itself would go with each change of its caption.
+    connect(new QShortcut(QKeySequence(Qt::Key_F5), this), &QShortcut::activated, ui_->Command1,
+            &QPushButton::click);
+    connect(new QShortcut(QKeySequence(Qt::Key_F6), this), &QShortcut::activated, ui_->cmdStartMemory,
+            &QPushButton::click);
     for (const int hertz : {20, 50, 100, 1000, 10000, 20000}) {
         auto* button = findChild<QPushButton*>("preset_" + QString::number(hertz));
         button->setProperty("hertz", hertz);
+        button->setToolTip(tr("Start frequency %1 Hz").arg(hertz));
         presets_.push_back(button);
         connect(button, &QPushButton::clicked, this, [this, hertz] {
             ui_->sldStartFreq->SetHz(hertz);
@@ -71,17 +113,29 @@ void MainWindow::ConnectConveniences() {
     }
 }
 
+// What the style adds to the widgets counts only once they are polished, which showing them would do.
+void MainWindow::TakeLayoutSize() {
+    ensurePolished();
+    for (QWidget* widget : findChildren<QWidget*>()) {
+        widget->ensurePolished();
+        widget->updateGeometry();
+    }
+    resize(size().expandedTo(minimumSizeHint()));
+}
+
 void MainWindow::TellSize() {
+    if (!isVisible()) TakeLayoutSize();
     form_.Frame.SetSize(frameGeometry().width(), frameGeometry().height());
 }
 
 void MainWindow::ShowPlaced() {
     const QString caption = QString::fromStdString(form_.Frame.Caption());
     setWindowTitle(simulatedName_.isEmpty() ? caption : caption + QStringLiteral(" — ") + simulatedName_);
-    move(form_.Frame.Left(), form_.Frame.Top());
+    move(PrimaryOrigin() + QPoint(form_.Frame.Left(), form_.Frame.Top()));
     if (!OnAnyScreen())
         move(QGuiApplication::primaryScreen()->availableGeometry().center() - rect().center());
-    placed_ = true;
+    KeepAboveTheScreensBottom();
+    placedAt_ = pos();
     binder_.Flush();
     show();
 }
@@ -93,6 +147,15 @@ bool MainWindow::OnAnyScreen() const {
     return false;
 }
 
+// Screens may differ in height; the form knows only how far the lowest reaches.
+void MainWindow::KeepAboveTheScreensBottom() {
+    const QScreen* screen = QGuiApplication::screenAt(QRect(pos(), size()).center());
+    if (screen == nullptr) return;
+    const QRect free = screen->availableGeometry();
+    if (height() <= free.height() && pos().y() + height() > free.y() + free.height())
+        move(pos().x(), free.y() + free.height() - height());
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
     // The form ends the program when its shutdown is through.
     event->ignore();
@@ -101,7 +164,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
-    if (placed_) form_.Frame.Move(pos().x(), pos().y());
+    // Where the face itself put the window is not where the user put it.
+    if (!placedAt_ || pos() == *placedAt_) return;
+    placedAt_ = QPoint(INT_MIN, INT_MIN);
+    const QPoint place = pos() - PrimaryOrigin();
+    form_.Frame.Move(place.x(), place.y());
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
@@ -111,14 +178,18 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    const bool themeChanged = event->type() == QEvent::PaletteChange || event->type() == QEvent::ThemeChange;
+    const bool themeChanged = event->type() == QEvent::PaletteChange ||
+                              event->type() == QEvent::ThemeChange ||
+                              event->type() == QEvent::ApplicationFontChange;
     if (!themeChanged || applyingTheme_) return;
     applyingTheme_ = true;
     ApplyTheme(*this);
+    FixSizes();
     applyingTheme_ = false;
 }
 
 void MainWindow::Decorate() {
+    DecorateStream();
     DecorateLock();
     DecorateLevels();
     DecorateHarmonics();
@@ -127,8 +198,24 @@ void MainWindow::Decorate() {
     ui_->baselineNote->setVisible(form_.BaselineOptions.CapturedElsewhere());
 }
 
+// Figures that stand still look unlike figures that are being measured.
+void MainWindow::DecorateStream() {
+    const QString trouble = QString::fromStdString(form_.StreamTrouble.Caption());
+    ui_->streamNote->setVisible(!trouble.isEmpty());
+    ui_->streamNote->setToolTip(trouble);
+    const bool stale = !trouble.isEmpty();
+    if (stale == stale_) return;
+    stale_ = stale;
+    for (QLabel* figure : findChildren<QLabel*>()) {
+        if (!figure->objectName().startsWith("lbl") && !figure->objectName().startsWith("Lbl")) continue;
+        figure->setProperty("stale", stale);
+        figure->style()->unpolish(figure);
+        figure->style()->polish(figure);
+    }
+}
+
 void MainWindow::DecorateLock() {
-    const QString word = ui_->picLocked->Good() ? tr("LOCKED") : tr("NOT LOCKED");
+    const QString word = stale_ ? tr("STOPPED") : ui_->picLocked->Good() ? tr("LOCKED") : tr("NOT LOCKED");
     ui_->lockWord->setText(word);
     ui_->genLockWord->setText(word);
     ui_->picLocked->setAccessibleDescription(word);
@@ -140,10 +227,13 @@ void MainWindow::DecorateLevels() {
     ui_->unitprgADC->setVisible(IsReading(meter.LblLevel.Caption()));
     ui_->unitprgDAC->setVisible(IsReading(meter.lblDACLevel.Caption()));
     // Silence reads as overload too; the word beside it tells the two apart.
-    const bool silent = form_.Measurement.Analysis().InputPeak <= 0.0;
+    const bool silent = form_.Measurement.Blocks() > 0 && form_.Measurement.Analysis().InputPeak <= 0.0;
     const bool over = meter.LblLevel.Caption() == "Ovr";
     ui_->adcWord->setText(!over ? QString() : silent ? tr("NO SIGNAL") : tr("OVERLOAD"));
+    ui_->prgADC->SetSilent(over && silent);
     ui_->dacWord->setText(meter.lblDACLevel.Caption() == "Ovr" ? tr("OVERLOAD") : QString());
+    ui_->prgADC->setAccessibleDescription(Spoken(meter.LblLevel.Caption(), ui_->adcWord->text()));
+    ui_->prgDAC->setAccessibleDescription(Spoken(meter.lblDACLevel.Caption(), ui_->dacWord->text()));
 }
 
 void MainWindow::DecorateHarmonics() {
@@ -157,7 +247,7 @@ void MainWindow::DecorateHarmonics() {
     }
     const bool reading = IsReading(meter.lblThd.Caption());
     ui_->unitThd->setVisible(reading);
-    ui_->settlingNote->setVisible(reading && !form_.Measurement.ShownSettled());
+    ui_->settlingNote->setVisible(reading && !stale_ && !form_.Measurement.ShownSettled());
 }
 
 void MainWindow::DecorateCycle() {
@@ -168,25 +258,24 @@ void MainWindow::DecorateCycle() {
 
 void MainWindow::DecorateGenerator() {
     const SignalControls& signal = form_.Signals.Signal;
-    const Generator& generator = form_.Measurement.Tones;
-    const ToneRecord& tone = generator.Tones[0];
     ui_->wavePicture->SetWave(signal.cmbType.ListIndex());
     ui_->wavePicture->SetSweep(signal.sldSweepTime.Value() != 0, signal.sldStartFreq.Value(),
                                signal.sldEndFreq.Value(), signal.chkLoop.Checked());
     ui_->memoryCount->setText(tr("%1 of 8").arg(form_.Signals.Memory.ToneList.Count()));
-    QString state = tr("Generator stopped");
-    QString detail;
-    if (generator.GeneratorRunning) {
-        state = generator.NumTones == 1 ? tr("Generator playing")
-                                        : tr("Generator playing %1 tones").arg(generator.NumTones);
-        if (generator.NumTones == 1 && tone.Sweep && form_.HiTimer1->Enabled())
-            detail = tr("sweeping, %1 Hz").arg(tone.Frequency, 0, 'f', 0);
-    }
+    ui_->capsldStartFreq->setEnabled(signal.sldStartFreq.Enabled());
+    ui_->capsldEndFreq->setEnabled(signal.sldEndFreq.Enabled());
+    ui_->capsldSweepTime->setEnabled(signal.sldSweepTime.Enabled());
     for (QPushButton* preset : presets_)
         preset->setEnabled(signal.sldStartFreq.Enabled() &&
                            preset->property("hertz").toInt() <= signal.sldStartFreq.Max());
-    ui_->runningWord->setText(state);
-    ui_->runningDetail->setText(detail);
+    const bool sweeps = form_.HiTimer1->Enabled();
+    const GeneratorWords words = GeneratorWords::Of(form_.Measurement.Tones, sweeps);
+    ui_->runningWord->setText(words.state);
+    ui_->runningDetail->setText(words.detail);
+    if (!sweeps)
+        sweepWatch_.stop();
+    else if (!sweepWatch_.isActive())
+        sweepWatch_.start();
 }
 
 }  // namespace sonavex::ui

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/shell/frmMain.h"
@@ -44,12 +46,16 @@ private:
     void BindControls();
     void ConnectConveniences();
     void Decorate();
+    void DecorateStream();
     void DecorateLock();
     void DecorateLevels();
     void DecorateHarmonics();
     void DecorateCycle();
     void DecorateGenerator();
+    void FixSizes();
+    void TakeLayoutSize();
     bool OnAnyScreen() const;
+    void KeepAboveTheScreensBottom();
 
     frmMain& form_;
     QString simulatedName_;
@@ -57,8 +63,11 @@ private:
     std::array<HarmonicBar*, 8> bars_{};
     std::vector<QPushButton*> presets_;
     Binder binder_;
-    bool placed_ = false;
+    QTimer sweepWatch_;
+    // Where the window was put when it was shown, until the user moves it; no position of a window after.
+    std::optional<QPoint> placedAt_;
     bool applyingTheme_ = false;
+    bool stale_ = false;
 };
 
 }  // namespace sonavex::ui

@@ -20,6 +20,7 @@ constexpr RoleFont kRoleFonts[] = {
     {"hero", 5.0, true, true},       {"unit", 2.6, false, false},   {"title", 1.12, false, false},
     {"quiet", 0.92, false, false},   {"value", 1.15, true, true},   {"figure", 1.3, true, false},
     {"boldfigure", 1.3, true, true}, {"order", 1.15, false, false}, {"state", 1.0, false, true},
+    {"rate", 1.0, false, false},
 };
 
 QFont FontOf(const RoleFont& role) {
@@ -45,10 +46,13 @@ QMenuBar { background: @card; color: @text; padding: 2px; }
 QMenuBar::item { padding: 4px 10px; background: transparent; }
 QMenuBar::item:selected { background: @field; }
 QLabel { color: @text; background: transparent; }
+QLabel:disabled { color: @quiet; }
 QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet; }
 QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
+QLabel[stale="true"] { color: @border; }
+QLabel[role="alarm"] { color: @overload; border: 1px solid @overload; border-radius: 9px; padding: 1px 12px; }
 QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
 QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
     selection-background-color: @accent; selection-color: @onAccent; }
@@ -59,11 +63,10 @@ QPushButton:hover { border-color: @accent; }
 QPushButton:focus { border: 2px solid @accent; padding: 5px 15px; }
 QPushButton:pressed, QPushButton:checked { background: @accent; color: @onAccent; }
 QPushButton:disabled { color: @quiet; background: @window; }
-QPushButton:checked:disabled { background: @track; border-color: @quiet; font-weight: bold; }
+QPushButton:checked:disabled { background: @track; border-color: @quiet; color: @text; }
 QPushButton[role="primary"] { background: @accent; color: @onAccent; border-color: @accent; font-weight: bold; }
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
-QPushButton[role="preset"]:disabled { color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
 QCheckBox { color: @text; spacing: 8px; }
 QCheckBox:disabled { color: @quiet; }
@@ -75,13 +78,13 @@ QTabBar::tab:focus { color: @accent; }
 QProgressBar { background: @track; border: none; border-radius: 3px; max-height: 6px; }
 QProgressBar::chunk { background: @accent; border-radius: 3px; }
 QListWidget { background: @card; color: @text; border: none; outline: none; }
-QListWidget::item { background: @stripe; border-radius: 4px; padding: 7px; margin: 2px 0; }
+QListWidget::item { background: @stripe; border-radius: 4px; padding: 7px 5px; margin: 2px 0; }
 QListWidget::item:selected { background: @accent; color: @onAccent; }
 QListWidget:focus { border: 1px solid @accent; border-radius: 4px; }
 QSlider::groove:horizontal { background: @track; height: 6px; border-radius: 3px; }
 QSlider::sub-page:horizontal { background: @accent; border-radius: 3px; }
-QSlider::handle:horizontal { background: @accent; width: 16px; margin: -5px 0; border-radius: 8px; border: 1px solid @card; }
-QSlider::handle:horizontal:focus { border: 2px solid @text; }
+QSlider::handle:horizontal { background: @accent; width: 14px; margin: -5px 0; border-radius: 8px; border: 1px solid @card; }
+QSlider::handle:horizontal:focus { width: 12px; border: 2px solid @text; }
 QSlider::sub-page:horizontal:disabled, QSlider::handle:horizontal:disabled { background: @quiet; }
 QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 4px; }
 )");
@@ -89,8 +92,8 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
         // Longer names first: a name must not be replaced inside another.
         {"@onAccent", theme.onAccent}, {"@window", theme.window}, {"@stripe", theme.stripe},
         {"@border", theme.border},     {"@accent", theme.accent}, {"@warning", theme.warning},
-        {"@quiet", theme.quiet},       {"@field", theme.field},   {"@track", theme.track},
-        {"@card", theme.card},         {"@text", theme.text}};
+        {"@overload", theme.overload}, {"@quiet", theme.quiet},   {"@field", theme.field},
+        {"@track", theme.track},       {"@card", theme.card},     {"@text", theme.text}};
     for (const auto& [name, colour] : colours) sheet.replace(QLatin1String(name), colour.name());
     return sheet;
 }

@@ -1,45 +1,15 @@
-#include <gmock/gmock.h>
-
-#include <QApplication>
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QTest>
 #include <set>
 
-#include "support/FormRig.h"
-#include "ui/FaceStyle.h"
-#include "ui/MainWindow.h"
+#include "gui/WindowRig.h"
 #include "ui/widgets/HarmonicBar.h"
 
 namespace sonavex {
 namespace {
 
-// The real window over the real form on the stepped card.
-class MainWindowTest : public testing::Test {
-protected:
-    void SetUp() override {
-        rig.form.Form_Load();
-        window.ShowPlaced();
-        Settle();
-    }
-    void Settle() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
-    }
-    void Step(int blocks) {
-        rig.Step(blocks);
-        Settle();
-    }
-    template <class Widget>
-    Widget& Find(const char* name) {
-        auto* widget = window.findChild<Widget*>(name);
-        if (widget == nullptr) throw std::runtime_error(name);
-        return *widget;
-    }
-    QString Text(const char* label) { return Find<QLabel>(label).text(); }
-
-    FormRig rig;
-    ui::MainWindow window{rig.form, QStringLiteral("Simulated sound card")};
-};
+using MainWindowTest = WindowRig;
 
 // Names that the instrument gives its controls begin with these.
 const QRegularExpression kControlName(
@@ -66,6 +36,7 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
     std::set<Control*> all{&form.lblInput,
                            &form.lblOutput,
                            &form.lblSampleRate,
+                           &form.StreamTrouble,
                            &form.TabStrip1,
                            &form.mnuExit,
                            &form.mnuPrint,
@@ -210,7 +181,7 @@ TEST_F(MainWindowTest, KeepsMemoryTonesInTheList) {
 
 TEST_F(MainWindowTest, ClosesThroughTheFormsShutdown) {
     bool unloaded = false;
-    rig.form.OnUnloaded = [&] { unloaded = true; };
+    rig.form.OnUnloaded = [&](int) { unloaded = true; };
     window.close();
     EXPECT_TRUE(unloaded);
     EXPECT_EQ(rig.store.Get("Windows", "LastTab", "none"), "0");
@@ -230,12 +201,3 @@ TEST_F(MainWindowTest, DoesNotJumpWhenReadingsComeAndGo) {
 
 }  // namespace
 }  // namespace sonavex
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    testing::InitGoogleMock(&argc, argv);
-    const QApplication application(argc, argv);
-    QApplication::setStyle(new sonavex::ui::FaceStyle);
-    QApplication::setQuitOnLastWindowClosed(false);
-    return RUN_ALL_TESTS();
-}

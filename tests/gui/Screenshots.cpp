@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -29,12 +30,16 @@ void StartSine(FormRig& rig) {
 void AddMemoryTones(FormRig& rig) {
     SignalControls& signal = rig.form.Signals.Signal;
     for (int i = 1; i <= 8; ++i) {
-        signal.sldStartFreq.UserMoves(250 * i);
+        signal.sldStartFreq.UserMoves(i == 3 ? 15555 : 250 * i);
         signal.sldStartFreq.UserReleases();
         signal.cmbType.UserSelects(i % 4);
+        // Some sweep, the third one with the longest line there is.
+        signal.sldEndFreq.UserMoves(16000 - 3 * i);
+        signal.sldSweepTime.UserMoves(i % 3 == 0 ? 10000 : 0);
+        signal.sldSweepTime.UserReleases();
         rig.form.Signals.Memory.cmdGenAdd.Press();
     }
-    for (int i = 0; i < 8; i += 2) rig.form.Signals.Memory.ToneList.UserSelects(i, true);
+    for (int i = 0; i < 8; ++i) rig.form.Signals.Memory.ToneList.UserSelects(i, true);
 }
 
 void SetDistortion(FormRig& rig) {
@@ -93,7 +98,11 @@ const Scene kScenes[] = {
          rig.form.Signals.Signal.sldSweepTime.UserMoves(2000);
          rig.form.Signals.Signal.sldSweepTime.UserReleases();
          rig.form.Signals.Signal.chkLoop.UserSets(true);
-         StartSine(rig);
+         rig.form.Signals.Signal.Command1.Press();
+         for (int i = 0; i < 50; ++i) {
+             rig.Step(1);
+             rig.loop.Advance(std::chrono::milliseconds(64));
+         }
      }},
     {"generator-memory",
      [](FormRig& rig) {

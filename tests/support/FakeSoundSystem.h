@@ -22,7 +22,14 @@ public:
     std::unique_ptr<CaptureDevice> CreateCaptureDevice(const std::string& identifier) override;
     EventHandle CreateEvent(std::function<void(EventHandle)> handler) override;
     void DestroyEvent(EventHandle event) override;
-    void OnDeviceLost(std::function<void(const RuntimeError&)>) override {}
+    void OnDeviceLost(std::function<void(const RuntimeError&)> handler) override {
+        lostHandler_ = std::move(handler);
+    }
+
+    // Tells that a device in use is lost.
+    void Lose(const RuntimeError& error) {
+        if (lostHandler_) lostHandler_(error);
+    }
 
     // Fires the event that is armed at this segment's end, if it still exists.
     void FireSegment(std::size_t segment);
@@ -53,6 +60,7 @@ public:
     CallLog& log;
 
 private:
+    std::function<void(const RuntimeError&)> lostHandler_;
     std::map<EventHandle, std::function<void(EventHandle)>> handlers_;
     EventHandle lastEvent_ = 100;
 };

@@ -19,6 +19,7 @@ public:
     void Message(const std::string& text, MessageIcon icon) override {
         const char* kinds[] = {"plain ", "information ", "critical "};
         log_.Call("Message", kinds[static_cast<std::size_t>(icon)] + text);
+        if (WhileMessage) WhileMessage();
     }
     bool AskOkCancel(const std::string& text) override {
         log_.Call("AskOkCancel", text);
@@ -31,6 +32,8 @@ public:
     void SetBusyPointer(bool busy) override { log_.Note(busy ? "SetBusyPointer on" : "SetBusyPointer off"); }
     // What the questions are answered.
     bool Answer = true;
+    // What happens while a message is open.
+    std::function<void()> WhileMessage;
 
 private:
     CallLog& log_;

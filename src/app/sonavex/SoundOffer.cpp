@@ -1,36 +1,45 @@
 #include "app/sonavex/SoundOffer.h"
 
+#include <exception>
 #include <string>
 
-#include "app/common/WantedSound.h"
 #include "platform/pulse/PulseSoundSystem.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
 
 namespace sonavex::app {
 namespace {
 
-// What keeps the system's sound from being used; empty when nothing does.
+constexpr const char* kOffer =
+    "\r\rThe built-in simulated sound card can be used instead. Its readings are not a measurement.\r"
+    "Select 'OK' to use the simulated sound card.";
+
+// What keeps the system's sound from being used; empty when nothing does. The first entry of a list is
+// the primary device, which stands for one of the others.
 std::string Trouble(SoundSystem& sound) {
     try {
-        return sound.EnumeratePlayback().size() > 1 ? "" : "The system has no sound card.";
-    } catch (const RuntimeError& error) {
-        return error.what();
+        if (sound.EnumeratePlayback().size() <= 1) return "The system has no sound card.";
+        if (sound.EnumerateCapture().size() <= 1) return "The system has no sound input.";
+        return {};
+    } catch (const std::exception& error) {
+        return *error.what() != '\0' ? error.what() : "The system's sound cannot be used.";
     }
 }
 
 }  // namespace
 
-std::unique_ptr<SoundSystem> ChooseSound(EventLoop& loop, Dialogs& dialogs) {
-    if (WantedSoundFromEnvironment() == WantedSound::kSystem) {
-        auto system = std::make_unique<PulseSoundSystem>(loop);
-        const std::string trouble = Trouble(*system);
-        if (trouble.empty()) return system;
-        if (!dialogs.AskOkCancel(
-                trouble + "\r\rThe built-in simulated sound card can be used instead. Its readings are "
-                          "not a measurement.\rSelect 'OK' to use the simulated sound card."))
-            return system;
-    }
-    return std::make_unique<SimulatedSoundSystem>(loop, SimulatedSoundSystem::Pace::kRealTime);
+SoundMakers SoundMakers::Of(EventLoop& loop) {
+    return {[&loop] { return std::make_unique<PulseSoundSystem>(loop); },
+            [&loop] {
+                return std::make_unique<SimulatedSoundSystem>(loop, SimulatedSoundSystem::Pace::kRealTime);
+            }};
+}
+
+std::unique_ptr<SoundSystem> ChooseSound(WantedSound wanted, const SoundMakers& make, Dialogs& dialogs) {
+    if (wanted == WantedSound::kSimulated) return make.simulated();
+    auto system = make.system();
+    const std::string trouble = Trouble(*system);
+    if (trouble.empty() || !dialogs.AskOkCancel(trouble + kOffer)) return system;
+    return make.simulated();
 }
 
 }  // namespace sonavex::app

@@ -34,7 +34,7 @@ std::string NameOf(const SoundDeviceList& devices, const std::string& identifier
 }  // namespace
 
 bool StreamEngine::Report(std::string message, const RuntimeError& error) {
-    env_.errorLog.WriteErrorLog(message, error);
+    if (!quiet_) env_.errorLog.WriteErrorLog(message, error);
     return false;
 }
 
@@ -44,19 +44,22 @@ void StreamEngine::EndWithoutPlaybackDevice(const RuntimeError& error) {
     throw EndProgram{1};
 }
 
+// Empty only for a quiet restart.
 SoundDeviceList StreamEngine::EnumeratePlayback() {
+    RuntimeError trouble(0, "");
     try {
         SoundDeviceList devices = env_.sound.EnumeratePlayback();
         if (devices.size() > 1) return devices;
     } catch (const RuntimeError& error) {
-        EndWithoutPlaybackDevice(error);
+        trouble = error;
     }
-    EndWithoutPlaybackDevice(RuntimeError(0, ""));
+    if (!quiet_) EndWithoutPlaybackDevice(trouble);
+    return {};
 }
 
 bool StreamEngine::CreateDevices() {
     const SoundDeviceList playbackDevices = EnumeratePlayback();
-    if (!CreateDeviceObjects(playbackDevices)) return false;
+    if (playbackDevices.empty() || !CreateDeviceObjects(playbackDevices)) return false;
     env_.mixers.PointMixersAt(OutputDeviceName, InputDeviceName);
     ShowDevices();
     if (env_.shared.NewerGeneration()) env_.mixers.ReopenSoundCard(OutputDeviceName, InputDeviceName);

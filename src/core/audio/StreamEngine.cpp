@@ -88,11 +88,17 @@ void StreamEngine::ResetStream() noexcept {
 
 void StreamEngine::StartCapture() {
     Capture().StartLooping();
+    ++CaptureStarts;
 }
 
 void StreamEngine::Stop() {
     if (captureBuffer_) captureBuffer_->Stop();
     if (playbackBuffer_) playbackBuffer_->Stop();
+}
+
+void StreamEngine::Abandon() {
+    Stop();
+    DestroyEvents([] {});
 }
 
 void StreamEngine::DestroyEvents(const std::function<void()>& beforeEach) {
@@ -126,10 +132,11 @@ void StreamEngine::ReleaseObjects() {
     captureDevice_.reset();
 }
 
-bool StreamEngine::ReStart() {
+bool StreamEngine::ReStart(Telling telling) {
     if (restarting_) return false;
     BusyPointer busyPointer(env_.dialogs);
     const ScopedFlag restarting(restarting_);
+    quiet_ = telling == Telling::kQuiet;
     Stop();
     DestroyEvents([this] { env_.loop.Yield(); });
     ReleaseObjects();
@@ -178,6 +185,7 @@ void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
     PlayBlockIndex = PlayBlockIndex >= kLastPlayBlock ? 0 : PlayBlockIndex + 1;
     CountPriming();
     ++Blocks;
+    if (OnBlockQueued) OnBlockQueued();
 }
 
 void StreamEngine::NoteDisturbances() {

@@ -66,8 +66,12 @@ public:
     bool SetEvents();
 
     // Everything anew, after a change of device or rate. False when it failed, or when it is under
-    // way already.
-    bool ReStart();
+    // way already. A quiet one tells nobody why it failed, and never ends the program.
+    enum class Telling { kReport, kQuiet };
+    bool ReStart(Telling telling = Telling::kReport);
+
+    // The device is lost: stops and destroys the events. ReStart brings the engine back.
+    void Abandon();
 
     // Playback is to be started from the first block on.
     void ResetStream() noexcept;
@@ -109,6 +113,7 @@ public:
     std::uint64_t Overruns = 0;        // playback ran into the block being written
     std::uint64_t PlaybackStarts = 0;  // including those after an overrun
     std::uint64_t Blocks = 0;          // captured blocks processed
+    std::uint64_t CaptureStarts = 0;
 
     // While true, notifications are dropped and counted: somebody is looking at a message.
     bool HoldNotifications = false;
@@ -116,6 +121,9 @@ public:
 
     // Told by ReStart when the frequency sliders have got the limits of the new rate. May be empty.
     std::function<void()> OnLimitsChanged;
+
+    // Told after each block that was processed and queued without an error. May be empty.
+    std::function<void()> OnBlockQueued;
 
     // Receives the debug trace: a label and the cursor it is about (0 for none).
     std::function<void(std::string_view, std::int32_t)> Trace;
@@ -153,10 +161,10 @@ private:
     std::unique_ptr<PlaybackBuffer> playbackBuffer_;
     std::unique_ptr<CaptureBuffer> captureBuffer_;
     CaptureStatistics captureCounts_;  // at the last block
-    bool gapBefore_ = false;
-    std::int32_t settlingBlocks_ = 0;  // blocks that may still carry the step of a start           // a gap
-                                       // was counted at the last block
+    bool gapBefore_ = false;           // a gap was counted at the last block
+    std::int32_t settlingBlocks_ = 0;  // blocks that may still carry the step of a start
     bool restarting_ = false;
+    bool quiet_ = false;
 };
 
 }  // namespace sonavex

@@ -18,6 +18,25 @@ double Stored(const Settings& settings, const SettingsKey& key, int harmonic) {
     return settings.Value({key.section, name, key.fallback});
 }
 
+// The stored state of a box. A number that no box can have names its key.
+std::int16_t StoredBox(const Settings& settings, const SettingsKey& key) {
+    const double value = settings.Value(key);
+    try {
+        return CInt(value);
+    } catch (const RuntimeError& error) {
+        throw settings.Failure(error.Number(), key);
+    }
+}
+
+// A remembered condition; whatever is no such number counts as not known.
+std::int32_t StoredCondition(const Settings& settings, const SettingsKey& key) {
+    try {
+        return CLng(settings.Value(key));
+    } catch (const RuntimeError&) {
+        return 0;
+    }
+}
+
 void Save(Settings& settings, const SettingsKey& key, int harmonic, double value) {
     settings.Store().Save(key.section, keys::Numbered(key, harmonic), Str(value));
 }
@@ -33,10 +52,10 @@ Baseline::Baseline(Settings& settings, Dialogs& dialogs, modDSP::State& analysis
 
 void Baseline::RestoreBoxes() {
     meter_.chkAuto.SetValue(settings_.Integer(keys::kAuto));
-    chkBaseline.SetValue(CInt(settings_.Value(keys::kBaseline)));
+    chkBaseline.SetValue(StoredBox(settings_, keys::kBaseline));
     meter_.chkMuteOutput.SetValue(settings_.Integer(keys::kMuteMeter));
     ApplyAuto();
-    ApplyBaseline();
+    if (chkBaseline.Checked()) ApplyBaseline();
 }
 
 void Baseline::ApplyAuto() {
@@ -54,8 +73,8 @@ void Baseline::ApplyBaseline() {
         analysis_.BaselinePct[i] = Stored(settings_, keys::kThd, static_cast<int>(i));
         analysis_.BaselineDb[i] = Stored(settings_, keys::kDb, static_cast<int>(i));
     }
-    capturedHz_ = CLng(settings_.Value(kCapturedHz));
-    capturedRate_ = CLng(settings_.Value(kCapturedRate));
+    capturedHz_ = StoredCondition(settings_, kCapturedHz);
+    capturedRate_ = StoredCondition(settings_, kCapturedRate);
     cmdBaseline.SetEnabled(!chkBaseline.Checked());
 }
 
@@ -79,7 +98,7 @@ void Baseline::cmdBaseline_Click() {
 }
 
 bool Baseline::CapturedElsewhere() const {
-    if (analysis_.BaselineOn != 1 || capturedRate_ == 0) return false;
+    if (analysis_.BaselineOn != 1 || capturedRate_ == 0 || !analysis_.FreqLocked) return false;
     return capturedRate_ != analysis_.shared.SampleRate ||
            std::abs(capturedHz_ - analysis_.FundamentalHz) >= modDSP::kLockRangeHz;
 }

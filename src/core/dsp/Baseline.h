@@ -27,8 +27,8 @@ public:
     void chkBaseline_Click();
     void cmdBaseline_Click();
 
-    // The applied baseline was captured at another frequency or sampling rate than the present one. A
-    // baseline of which neither is known does not count.
+    // The measurement is locked and the applied baseline was captured at another frequency or sampling
+    // rate. A baseline of which neither is known does not count.
     bool CapturedElsewhere() const;
 
 private:

@@ -67,7 +67,7 @@ void CurrentSignal::Restore() {
     tone.WaveType = settings.Integer(keys::kCurrentType);
     tone.Loop = settings.Boolean(keys::kCurrentLoop);
     tone.LoopIncrement = settings.Double(keys::kCurrentLoopIncrement);
-    if (tone.WaveType < -1 || tone.WaveType >= controls_.cmbType.Count())
+    if (tone.WaveType < 0 || tone.WaveType >= controls_.cmbType.Count())
         throw settings.Failure(error_number::kInvalidCall, keys::kCurrentType);
 
     controls_.chkLoop.SetValue(tone.Loop ? 1 : 0);

@@ -47,6 +47,9 @@ public:
     // the tick shall go on; it is called once, and once more before each tone.
     void AdvanceSweep(const std::function<bool()>& yield);
 
+    // Whether the tone's sweep, if it has one, has not yet reached its end.
+    static bool UnderWay(const ToneRecord& tone);
+
     // What LoadGeneratorDefaults leaves behind.
     struct Defaults {
         double level = 0.0;  // hundredths of a dB, as stored

@@ -47,6 +47,14 @@ void ReadTone(const Settings& settings, std::int32_t entry, const ToneKeys& tone
     tone.LoopIncrement = settings.Double(of(toneKeys.loopIncrement).Get());
 }
 
+// A tone of 0 Hz has no period, and would sound as what its record held before.
+void RequireAudible(const Settings& settings, std::int32_t entry, const SettingsKey& key,
+                    double frequencyHz) {
+    if (frequencyHz > 0.0) return;
+    throw settings.Failure(frequencyHz == 0.0 ? error_number::kDivisionByZero : error_number::kInvalidCall,
+                           EntryKey(key, entry).Get());
+}
+
 const char* WaveName(const Settings& settings, std::int32_t entry, std::int16_t waveType) {
     if (waveType >= 0 && static_cast<std::size_t>(waveType) < kWaveNames.size())
         return kWaveNames[static_cast<std::size_t>(waveType)];
@@ -174,8 +182,13 @@ void MemoryTones::StartEntry(std::int32_t position) {
     Generator& generator = env_.generator;
     if (generator.NumTones >= kToneRecords) throw RuntimeError(error_number::kSubscript);
     ToneRecord& tone = generator.Tones[static_cast<std::size_t>(generator.NumTones)];
-    ReadTone(env_.settings, position + 1, KeysAtPlayback(), tone);
-    if (tone.Sweep) env_.HiTimer1.SetEnabled(true);
+    const ToneKeys toneKeys = KeysAtPlayback();
+    ReadTone(env_.settings, position + 1, toneKeys, tone);
+    RequireAudible(env_.settings, position + 1, toneKeys.start, tone.StartFrequency);
+    if (tone.Sweep) {
+        RequireAudible(env_.settings, position + 1, toneKeys.end, tone.EndFrequency);
+        env_.HiTimer1.SetEnabled(true);
+    }
     tone.LastFrequency = 0.0;
     tone.Frequency = tone.StartFrequency;
     tone.SweepFrequency = tone.StartFrequency;

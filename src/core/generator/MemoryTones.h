@@ -30,8 +30,8 @@ public:
     void cmdGenAdd_Click();
     void cmdRemove_Click();
     // Starts the selected entries or stops. Whatever plays is stopped. More than nine entries raise
-    // error 9, a stored value that does not convert 13 or 6, a frequency without a finite period 6:
-    // then nothing plays.
+    // error 9, a stored value that does not convert 13 or 6, a frequency of 0 Hz 11, one below 5 (both
+    // name the key), one without a finite period 6: then nothing plays.
     void cmdStartMemory_Click();
 
 private:

@@ -6,10 +6,8 @@
 #include "core/text/Numbers.h"
 
 namespace sonavex {
-namespace {
 
-// Every failure as a run-time error.
-RuntimeError AsRuntimeError(const std::exception_ptr& error) {
+RuntimeError HandlerGuard::AsRuntimeError(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);
     } catch (const RuntimeError& runtimeError) {
@@ -18,10 +16,10 @@ RuntimeError AsRuntimeError(const std::exception_ptr& error) {
         return RuntimeError(error_number::kOutOfMemory);
     } catch (const std::exception& other) {
         return {error_number::kInvalidCall, other.what()};
+    } catch (...) {
+        return RuntimeError(error_number::kInvalidCall);
     }
 }
-
-}  // namespace
 
 std::string HandlerGuard::Text(const RuntimeError& error) {
     return "Run-time error '" + CStr(error.Number()) + "':\r\r" + error.what();

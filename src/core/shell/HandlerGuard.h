@@ -16,8 +16,12 @@ class HandlerGuard {
 public:
     HandlerGuard(Dialogs& dialogs, ErrorLog& log) : dialogs_(dialogs), log_(log) {}
 
-    // Runs a control's handler. EndProgram passes through to onEnd.
+    // Runs a control's handler. EndProgram passes through to OnEnd.
     void Run(const std::function<void()>& handler);
+
+    // An error that ended the start or a step of the shutdown: logged and shown, whatever it is.
+    // EndProgram is not an error and must not come here.
+    void Fatal(const std::exception_ptr& error) { Show(AsRuntimeError(error)); }
 
     // An error that escaped the notification callback or the tick. The same error is shown once, until
     // BlockSucceeded; nothing is shown while a message is open.
@@ -31,6 +35,8 @@ public:
 
     // "Run-time error '13':" with the text below.
     static std::string Text(const RuntimeError& error);
+    // Every failure as a run-time error: 7 for exhausted memory, 5 with its text for any other.
+    static RuntimeError AsRuntimeError(const std::exception_ptr& error);
 
 private:
     void Show(const RuntimeError& error);

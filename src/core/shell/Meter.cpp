@@ -4,7 +4,11 @@
 
 namespace sonavex {
 
-Meter::Meter(const SharedState& shared) : Tones(shared), analysis_(std::make_unique<modDSP::State>(shared)) {}
+Meter::Meter(const SharedState& shared) : Tones(shared), analysis_(std::make_unique<modDSP::State>(shared)) {
+    // Nothing is locked before the first block.
+    Controls.picLocked.SetBackColor(kLightRed);
+    Controls.GenLocked.SetBackColor(kLightRed);
+}
 
 void Meter::SetUpAnalysis(std::int32_t lowHz, std::int32_t highHz) {
     modDSP::SetUpAnalysis(*analysis_, lowHz, highHz);

@@ -33,6 +33,7 @@ frmMain::frmMain(const World& world)
       Engine(
           {Shared, Stored, world.sound, world.loop, world.dialogs, world.errorLog, world.mixers, Measurement},
           {lblInput, lblOutput, lblSampleRate, Signals.Signal.sldStartFreq, Signals.Signal.sldEndFreq}),
+      Watch({world.loop, world.sound, Engine, world.errorLog, Shared}),
       world_(world) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
@@ -41,8 +42,17 @@ frmMain::frmMain(const World& world)
     });
     Engine.OnLimitsChanged = [this] { Signals.FollowLimits(); };
     Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
-    Measurement.OnBlock([this] { Guard.BlockSucceeded(); });
-    unloadLater_ = world.loop.CreateSignal([this] { Unload(); });
+    Guard.OnEnd = [this](int status) { End(status); };
+    Engine.OnBlockQueued = [this] {
+        Guard.BlockSucceeded();
+        Watch.BlockQueued();
+    };
+    Watch.OnChanged = [this] { ShowStreamState(); };
+    Watch.OnRestarted = [this] { world_.mixers.SetUpSoundControls(); };
+    Watch.ChooseDevices = [this] {
+        if (ShowDeviceDialog) ShowDeviceDialog();
+    };
+    endLater_ = world.loop.CreateSignal([this] { End(*endStatus_); });
 }
 
 frmMain::~frmMain() = default;
@@ -112,6 +122,16 @@ void frmMain::StartStream() {
     Engine.ResetStream();
     HiTimer1->SetInterval(1ms);
     Engine.StartCapture();
+    Watch.Start();
+}
+
+// Readings of the past must not look like present ones.
+void frmMain::ShowStreamState() {
+    StreamTrouble.SetCaption(Watch.Reason());
+    if (!Watch.Stopped()) return;
+    Measurement.Controls.picLocked.SetBackColor(kLightRed);
+    Measurement.Controls.GenLocked.SetBackColor(kLightRed);
+    Measurement.StreamDisturbed();
 }
 
 // Whatever is wrong with the stored tab, the first one opens.
@@ -127,27 +147,42 @@ void frmMain::SelectLastTab() {
 void frmMain::Form_QueryUnload() {
     if (unloaded_) return;
     unloaded_ = true;
-    HiTimer1->SetEnabled(false);
-    if (Has(Started::kDevices)) Engine.Stop();
-    if (Has(Started::kGenerator)) Signals.WriteMemoryToRegistry();
-    if (Has(Started::kTabs)) Stored.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()}));
-    world_.mixers.UnloadDialogs();
-    if (Has(Started::kMixers)) world_.mixers.SaveAndRestoreInitial();
-    Engine.Release();
-    if (Has(Started::kPosition)) Windows::Store(Stored, Frame);
+    Watch.Stop();
+    ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
+    ShutdownStep(Has(Started::kDevices), [this] { Engine.Stop(); });
+    ShutdownStep(Has(Started::kGenerator), [this] { Signals.WriteMemoryToRegistry(); });
+    ShutdownStep(Has(Started::kTabs),
+                 [this] { Stored.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()})); });
+    ShutdownStep(true, [this] { world_.mixers.UnloadDialogs(); });
+    ShutdownStep(Has(Started::kMixers), [this] { world_.mixers.SaveAndRestoreInitial(); });
+    ShutdownStep(true, [this] { Engine.Release(); });
+    ShutdownStep(Has(Started::kPosition), [this] { Windows::Store(Stored, Frame); });
+}
+
+void frmMain::ShutdownStep(bool due, const std::function<void()>& step) {
+    if (!due) return;
+    try {
+        step();
+    } catch (const EndProgram&) {
+        // The program is ending already.
+    } catch (...) {
+        Guard.Fatal(std::current_exception());
+    }
 }
 
 bool frmMain::Busy() const {
     return Engine.Restarting() || HiTimer1->Ticking();
 }
 
-void frmMain::Unload() {
+void frmMain::End(int status) {
+    if (!endStatus_) endStatus_ = status;
     if (Busy()) {
-        unloadLater_->Raise();
+        endLater_->Raise();
         return;
     }
+    if (unloaded_) return;
     Form_QueryUnload();
-    if (OnUnloaded) OnUnloaded();
+    if (OnUnloaded) OnUnloaded(*endStatus_);
 }
 
 void frmMain::cmdExit_Click() {

@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/audio/StreamEngine.h"
+#include "core/audio/StreamWatch.h"
 #include "core/audio/SweepTimer.h"
 #include "core/controls/Choices.h"
 #include "core/controls/Commands.h"
@@ -48,13 +50,16 @@ public:
     // cannot be used; either way Form_QueryUnload then knows how far it came.
     void Form_Load();
 
-    // The shutdown; of a start that ended early only the steps that belong to what was started.
+    // The shutdown; of a start that ended early only the steps that belong to what was started. A step
+    // that fails is logged and shown, the others run all the same. Does nothing the second time.
     void Form_QueryUnload();
 
-    // The user closes the window, by whatever way. Runs the shutdown and then OnUnloaded; deferred
-    // until a tick or a restart of the engine that is under way has ended.
-    void Unload();
-    std::function<void()> OnUnloaded;
+    // The user closes the window, by whatever way: End(0).
+    void Unload() { End(0); }
+    // Runs the shutdown and then OnUnloaded with this status; deferred until a tick or a restart of the
+    // engine that is under way has ended. The first status asked for counts.
+    void End(int status);
+    std::function<void(int status)> OnUnloaded;
 
     void cmdExit_Click();
     void mnuExit_Click();
@@ -79,6 +84,9 @@ public:
     std::unique_ptr<SweepTimer> HiTimer1;
     GeneratorPanel Signals;
     StreamEngine Engine;
+    StreamWatch Watch;
+    // Why nothing is measured at present; empty while blocks come.
+    Label StreamTrouble;
 
     std::string HelpFile;
     std::int16_t LastTabIndex = 0;
@@ -94,14 +102,17 @@ private:
     void CreateSoundDevices();
     void StartStream();
     void SelectLastTab();
+    void ShowStreamState();
     bool Busy() const;
+    void ShutdownStep(bool due, const std::function<void()>& step);
     void Reached(Started stage) noexcept { started_ = stage; }
     bool Has(Started stage) const noexcept { return started_ >= stage; }
 
     World world_;
     Started started_ = Started::kNothing;
     bool unloaded_ = false;
-    std::unique_ptr<Signal> unloadLater_;
+    std::optional<int> endStatus_;
+    std::unique_ptr<Signal> endLater_;
 };
 
 }  // namespace sonavex

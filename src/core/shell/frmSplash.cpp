@@ -8,6 +8,7 @@ void frmSplash::Form_Load(const ApplicationVersion& version) {
     dialogs_.SetBusyPointer(true);
     lblVersion.SetCaption("Version " + VersionNumber(version) + "  " + version.comment);
     visible_ = true;
+    if (OnShow) OnShow();
     loop_.Yield();
     dialogs_.SetBusyPointer(false);
 }

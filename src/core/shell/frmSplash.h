@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "core/controls/Controls.h"
 #include "core/controls/Window.h"
 #include "core/ports/Dialogs.h"
@@ -19,6 +21,8 @@ public:
     bool Visible() const noexcept { return visible_; }
 
     void Form_Load(const ApplicationVersion& version);
+    // Told when there is something to show. May be empty.
+    std::function<void()> OnShow;
     void Frame_Click();
     // The start is over.
     void Unload();

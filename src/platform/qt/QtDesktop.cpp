@@ -93,8 +93,9 @@ ScreenArea QtDesktop::Screens() {
     const QRect all = primary->availableVirtualGeometry();
     area.width = primary->availableGeometry().width();
     area.height = primary->availableGeometry().height();
-    area.right = all.x() + all.width();
-    area.bottom = all.y() + all.height();
+    const QPoint origin = primary->geometry().topLeft();
+    area.right = all.x() + all.width() - origin.x();
+    area.bottom = all.y() + all.height() - origin.y();
     return area;
 }
 

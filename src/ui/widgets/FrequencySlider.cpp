@@ -1,6 +1,5 @@
 #include "ui/widgets/FrequencySlider.h"
 
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QSignalBlocker>
 #include <QWheelEvent>
@@ -11,9 +10,14 @@ namespace sonavex::ui {
 namespace {
 
 constexpr int kPositions = 10000;
+constexpr int kNotch = QWheelEvent::DefaultDeltasPerStep;
+constexpr double kPageOctaves = 1.0 / 3.0;
+constexpr double kNotchOctaves = kPageOctaves / 4.0;
 
-double ThirdOfAnOctave() {
-    return std::exp2(1.0 / 3.0);
+// The frequency so many octaves away, at least 1 Hz off.
+int Away(int hertz, double octaves) {
+    const int target = static_cast<int>(std::lround(hertz * std::exp2(octaves)));
+    return octaves > 0.0 ? std::max(target, hertz + 1) : std::min(target, hertz - 1);
 }
 
 }  // namespace
@@ -21,11 +25,8 @@ double ThirdOfAnOctave() {
 FrequencySlider::FrequencySlider(QWidget* parent) : QSlider(parent) {
     setOrientation(Qt::Horizontal);
     setRange(0, kPositions);
-    connect(this, &QSlider::valueChanged, this, [this](int position) {
-        hertz_ = HzAt(position);
-        Q_EMIT HzMoved(hertz_);
-        if (!isSliderDown()) Q_EMIT HzReleased();
-    });
+    connect(this, &QSlider::actionTriggered, this, &FrequencySlider::OnAction);
+    connect(this, &QSlider::valueChanged, this, &FrequencySlider::OnPosition);
     connect(this, &QSlider::sliderReleased, this, &FrequencySlider::HzReleased);
 }
 
@@ -36,10 +37,16 @@ void FrequencySlider::SetLimits(int lowestHz, int highestHz) {
 }
 
 void FrequencySlider::SetHz(int hertz) {
-    hertz_ = std::clamp(hertz, lowestHz_, highestHz_);
+    Take(std::clamp(hertz, lowestHz_, highestHz_));
     if (isSliderDown()) return;
     const QSignalBlocker blocker(this);
     setValue(PositionOf(hertz_));
+}
+
+void FrequencySlider::Take(int hertz) {
+    hertz_ = hertz;
+    const QString words = tr("%1 Hz").arg(hertz_);
+    if (words != accessibleDescription()) setAccessibleDescription(words);
 }
 
 int FrequencySlider::PositionOf(int hertz) const {
@@ -54,45 +61,52 @@ int FrequencySlider::HzAt(int position) const {
         std::lround(lowestHz_ * std::pow(ratio, static_cast<double>(position) / kPositions)));
 }
 
+void FrequencySlider::OnPosition(int position) {
+    Take(HzAt(position));
+    Q_EMIT HzMoved(hertz_);
+    if (!isSliderDown()) Q_EMIT HzReleased();
+}
+
+// Keys, clicks beside the handle, assistive technology: steps in hertz instead of positions.
+void FrequencySlider::OnAction(int action) {
+    switch (action) {
+        case SliderSingleStepAdd:
+            Step(hertz_ + 1);
+            break;
+        case SliderSingleStepSub:
+            Step(hertz_ - 1);
+            break;
+        case SliderPageStepAdd:
+            Step(Away(hertz_, kPageOctaves));
+            break;
+        case SliderPageStepSub:
+            Step(Away(hertz_, -kPageOctaves));
+            break;
+        case SliderToMinimum:
+            Step(lowestHz_);
+            break;
+        case SliderToMaximum:
+            Step(highestHz_);
+            break;
+        default:
+            break;
+    }
+}
+
 void FrequencySlider::Step(int hertz) {
     SetHz(hertz);
     Q_EMIT HzMoved(hertz_);
     Q_EMIT HzReleased();
 }
 
-void FrequencySlider::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-        case Qt::Key_Left:
-        case Qt::Key_Down:
-            Step(hertz_ - 1);
-            break;
-        case Qt::Key_Right:
-        case Qt::Key_Up:
-            Step(hertz_ + 1);
-            break;
-        case Qt::Key_PageUp:
-            Step(std::max(hertz_ + 1, static_cast<int>(std::lround(hertz_ * ThirdOfAnOctave()))));
-            break;
-        case Qt::Key_PageDown:
-            Step(std::min(hertz_ - 1, static_cast<int>(std::lround(hertz_ / ThirdOfAnOctave()))));
-            break;
-        case Qt::Key_Home:
-            Step(lowestHz_);
-            break;
-        case Qt::Key_End:
-            Step(highestHz_);
-            break;
-        default:
-            QSlider::keyPressEvent(event);
-            break;
-    }
-}
-
+// A touchpad turns the wheel by parts of a notch.
 void FrequencySlider::wheelEvent(QWheelEvent* event) {
-    const int steps = event->angleDelta().y() / 120;
-    if (steps != 0)
-        Step(static_cast<int>(std::lround(hertz_ * std::pow(ThirdOfAnOctave(), steps / 4.0))) +
-             (steps > 0 ? 1 : -1));
+    const int angle = event->angleDelta().y();
+    if ((angle > 0) != (wheelAngle_ > 0)) wheelAngle_ = 0;
+    wheelAngle_ += angle;
+    const int notches = wheelAngle_ / kNotch;
+    wheelAngle_ -= notches * kNotch;
+    if (notches != 0) Step(Away(hertz_, notches * kNotchOctaves));
     event->accept();
 }
 

@@ -10,6 +10,17 @@ namespace sonavex::ui {
 namespace {
 
 constexpr int kMarksDb[] = {-40, -20, -12, -6, 0};
+constexpr int kMarksPercent[] = {0, 25, 50, 75, 100};
+constexpr double kTick = 3.0;
+constexpr double kGap = 1.0;
+// The figures of the scale against the text around them.
+constexpr double kFigureScale = 0.85;
+
+QFont FigureFont(const QFont& base) {
+    QFont font = base;
+    font.setPointSizeF(base.pointSizeF() * kFigureScale);
+    return font;
+}
 
 }  // namespace
 
@@ -27,33 +38,58 @@ void LevelBar::SetOverload(bool overload) {
     update();
 }
 
+void LevelBar::SetSilent(bool silent) {
+    if (silent == silent_) return;
+    silent_ = silent;
+    update();
+}
+
 QSize LevelBar::sizeHint() const {
-    const int text = fontMetrics().height();
-    return {20 * text, text + text / 2 + 6};
+    const int text = QFontMetrics(FigureFont(font())).height();
+    const int barHeight = fontMetrics().height() * 3 / 4;
+    return {16 * text, 2 * (text + static_cast<int>(kTick + kGap)) + barHeight};
+}
+
+// The scale begins and ends half a figure inside, so that none is cut.
+QRectF LevelBar::Track() const {
+    const QFontMetrics figures(FigureFont(font()));
+    const double left = figures.horizontalAdvance("-40") / 2.0;
+    const double right = figures.horizontalAdvance("0 dBFS") / 2.0;
+    const double top = figures.height() + kTick + kGap;
+    return {left, top, width() - left - right, fontMetrics().height() * 0.75};
+}
+
+void LevelBar::PaintMark(QPainter& painter, const QRectF& track, double fraction, const QString& text,
+                         bool above) const {
+    const double x = track.left() + track.width() * fraction;
+    const double away = above ? -1.0 : 1.0;
+    const double edge = above ? track.top() : track.bottom();
+    painter.drawLine(QPointF(x, edge + away * kGap), QPointF(x, edge + away * (kGap + kTick)));
+    const double height = painter.fontMetrics().height();
+    const double top = above ? edge - kGap - kTick - height : edge + 2.0 * kGap + kTick;
+    const double halfWidth = painter.fontMetrics().horizontalAdvance(text);
+    painter.drawText(QRectF(x - halfWidth, top, 2.0 * halfWidth, height), Qt::AlignCenter, text);
 }
 
 void LevelBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Theme& theme = Theme::Current();
-    const double textHeight = fontMetrics().height();
-    // Room at both ends for half a mark's text.
-    const double inset = fontMetrics().horizontalAdvance("-40") / 2.0;
-    const QRectF track(inset, 0.0, width() - 2.0 * inset, textHeight * 0.75);
+    const QRectF track = Track();
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.track);
     painter.drawRoundedRect(track, 4.0, 4.0);
     QRectF filled = track;
     filled.setWidth(track.width() * fraction_);
-    painter.setBrush(overload_ ? theme.overload : theme.accent);
+    painter.setBrush(silent_ ? theme.border : overload_ ? theme.overload : theme.accent);
     if (fraction_ > 0.0) painter.drawRoundedRect(filled, 4.0, 4.0);
     painter.setPen(theme.quiet);
-    for (const int mark : kMarksDb) {
-        const double x = track.left() + track.width() * std::pow(10.0, mark / 20.0);
-        painter.drawLine(QPointF(x, track.bottom() + 1.0), QPointF(x, track.bottom() + 4.0));
-        const QRectF text(x - 2.0 * inset, track.bottom() + 4.0, 4.0 * inset, textHeight);
-        painter.drawText(text, Qt::AlignHCenter | Qt::AlignTop, QString::number(mark));
-    }
+    painter.setFont(FigureFont(font()));
+    for (const int mark : kMarksPercent)
+        PaintMark(painter, track, mark / 100.0, mark == 100 ? "100 %" : QString::number(mark), true);
+    for (const int mark : kMarksDb)
+        PaintMark(painter, track, std::pow(10.0, mark / 20.0), mark == 0 ? "0 dBFS" : QString::number(mark),
+                  false);
 }
 
 }  // namespace sonavex::ui

@@ -4,7 +4,8 @@
 
 namespace sonavex::ui {
 
-// A level from 0 to full scale, linear in percent, with marks in dBFS below and a visible overload.
+// A level from 0 to full scale: linear, with marks in percent above and in dBFS below, and a visible
+// overload.
 class LevelBar : public QWidget {
     Q_OBJECT
 
@@ -13,8 +14,11 @@ public:
 
     void SetLevel(double level, double fullScale);
     void SetOverload(bool overload);
+    // The level is no signal at all, whatever it reads as: drawn without emphasis.
+    void SetSilent(bool silent);
     double Fraction() const noexcept { return fraction_; }
     bool Overload() const noexcept { return overload_; }
+    bool Silent() const noexcept { return silent_; }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -23,8 +27,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void PaintMark(QPainter& painter, const QRectF& track, double fraction, const QString& text,
+                   bool above) const;
+    QRectF Track() const;
+
     double fraction_ = 0.0;
     bool overload_ = false;
+    bool silent_ = false;
 };
 
 }  // namespace sonavex::ui

@@ -49,17 +49,20 @@ void WavePicture::SetSweep(bool sweeps, double startHz, double endHz, bool loops
 }
 
 QSize WavePicture::sizeHint() const {
-    const int height = fontMetrics().height() * 3;
-    return {height * 4, height};
+    return {fontMetrics().height() * 12, fontMetrics().height() * 4};
 }
 
 void WavePicture::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF all = QRectF(rect()).adjusted(3.0, 3.0, -3.0, -3.0);
+    if (!sweeps_) {
+        DrawWave(painter, all);
+        return;
+    }
     const double half = all.width() / 2.0 - 6.0;
     DrawWave(painter, QRectF(all.left(), all.top(), half, all.height()));
-    if (sweeps_) DrawSweep(painter, QRectF(all.right() - half, all.top(), half, all.height()));
+    DrawSweep(painter, QRectF(all.right() - half, all.top(), half, all.height()));
 }
 
 void WavePicture::DrawWave(QPainter& painter, const QRectF& area) const {

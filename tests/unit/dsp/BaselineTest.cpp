@@ -72,10 +72,52 @@ TEST(AutomaticBox, DecidesWhoWritesTheFrequency) {
     EXPECT_EQ(rig.Stored("Auto"), "0");
 }
 
+TEST(StoredBaseline, IsReadAtStartOnlyWhereItIsApplied) {
+    BaselineRig rig;
+    rig.store.Save("Settings", "THD 0", " 1E400");
+    rig.store.Save("Settings", "Baseline", " 0");
+    rig.baseline.RestoreBoxes();
+    EXPECT_TRUE(rig.baseline.cmdBaseline.Enabled());
+    EXPECT_EQ(rig.analysis.BaselinePct[0], 0.0);
+    rig.store.Save("Settings", "Baseline", " 1");
+    try {
+        rig.baseline.RestoreBoxes();
+        FAIL() << "no error";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number(), error_number::kOverflow);
+        EXPECT_THAT(error.what(), testing::HasSubstr("\"THD 0\""));
+    }
+}
+
+TEST(StoredBaseline, NamesTheKeyOfABoxThatNoBoxCanHave) {
+    BaselineRig rig;
+    rig.store.Save("Settings", "Baseline", "99999");
+    try {
+        rig.baseline.RestoreBoxes();
+        FAIL() << "no error";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number(), error_number::kOverflow);
+        EXPECT_THAT(error.what(), testing::HasSubstr("\"Baseline\""));
+    }
+}
+
+TEST(StoredBaseline, OfUnusableConditionsIsOneOfUnknownConditions) {
+    BaselineRig rig;
+    rig.store.Save("Settings", "Baseline", "1");
+    rig.store.Save("Face", "Baseline Frequency", "1e300");
+    rig.store.Save("Face", "Baseline Rate", "1E400");
+    rig.baseline.RestoreBoxes();
+    rig.analysis.FreqLocked = true;
+    rig.analysis.FundamentalHz = 1000;
+    EXPECT_FALSE(rig.baseline.CapturedElsewhere());
+    EXPECT_EQ(rig.analysis.BaselineOn, 1);
+}
+
 TEST(BaselineOfElsewhere, IsToldByFrequencyAndRate) {
     BaselineRig rig;
     rig.shared.SampleRate = 48000;
     rig.analysis.FundamentalHz = 996;
+    rig.analysis.FreqLocked = true;
     rig.baseline.cmdBaseline.Press();
     rig.baseline.chkBaseline.UserSets(true);
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
@@ -83,6 +125,9 @@ TEST(BaselineOfElsewhere, IsToldByFrequencyAndRate) {
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
     rig.analysis.FundamentalHz = 1010;
     EXPECT_TRUE(rig.baseline.CapturedElsewhere());
+    rig.analysis.FreqLocked = false;
+    EXPECT_FALSE(rig.baseline.CapturedElsewhere());
+    rig.analysis.FreqLocked = true;
     rig.analysis.FundamentalHz = 996;
     rig.shared.SampleRate = 44100;
     EXPECT_TRUE(rig.baseline.CapturedElsewhere());

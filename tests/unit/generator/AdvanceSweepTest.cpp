@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "support/Errors.h"
 #include "support/SweepBench.h"
@@ -128,7 +127,7 @@ TEST_F(AdvanceSweep, RaisesItsErrors) {
     EXPECT_EQ(generator.Tones[8].Frequency, 101.0);  // the others took their step
     ToneRecord& tone = generator.Tones[0];
     tone.SweepFrequency = -1e308;
-    tone.EndFrequency = -std::numeric_limits<double>::infinity();
+    tone.EndFrequency = -1.7e308;
     tone.LoopIncrement = -1e308;
     EXPECT_EQ(ErrorOf(tick), 6);
     EXPECT_EQ(tone.SweepFrequency, -1e308);

@@ -207,8 +207,10 @@ TEST_F(InitGenerator, NamesTheKeyThatDoesNotConvert) {
 TEST_F(InitGenerator, RefusesAWaveformThatDoesNotExist) {
     Store("Current Signal Type", "4");
     EXPECT_THAT(TextOfError(5), HasSubstr("key \"Current Signal Type\", value \"4\""));
-    Store("Current Signal Type", "-2");
-    EXPECT_THAT(TextOfError(5), HasSubstr("value \"-2\""));
+    for (const char* value : {"-1", "-2"}) {
+        Store("Current Signal Type", value);
+        EXPECT_THAT(TextOfError(5), HasSubstr("value \"" + std::string(value) + "\""));
+    }
     Store("Current Signal Type", "3");
     Store("NumberOfTones", "1");
     Store("Memory Signal Type 1", "4");

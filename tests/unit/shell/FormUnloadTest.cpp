@@ -30,7 +30,7 @@ TEST(Shutdown, HappensOnce) {
     FormRig rig;
     rig.form.Form_Load();
     int unloaded = 0;
-    rig.form.OnUnloaded = [&] { ++unloaded; };
+    rig.form.OnUnloaded = [&](int) { ++unloaded; };
     rig.form.mnuExit.UserChooses();
     rig.log.Clear();
     rig.form.Form_QueryUnload();
@@ -52,7 +52,7 @@ TEST(Closing, WaitsForATickToEnd) {
     FormRig rig;
     rig.form.Form_Load();
     bool unloaded = false;
-    rig.form.OnUnloaded = [&] { unloaded = true; };
+    rig.form.OnUnloaded = [&](int) { unloaded = true; };
     SignalControls& signal = rig.form.Signals.Signal;
     signal.sldEndFreq.UserMoves(5000);
     signal.sldSweepTime.UserMoves(1000);
@@ -73,6 +73,114 @@ TEST(Closing, WaitsForATickToEnd) {
     rig.loop.OnYield({});
     rig.loop.DeliverSignals();
     EXPECT_TRUE(unloaded);
+}
+
+TEST(Ending, KeepsItsStatusAndWaitsForATickToo) {
+    FormRig rig;
+    rig.form.Form_Load();
+    std::vector<int> statuses;
+    rig.form.OnUnloaded = [&](int status) { statuses.push_back(status); };
+    SignalControls& signal = rig.form.Signals.Signal;
+    signal.sldSweepTime.UserMoves(1000);
+    signal.sldSweepTime.UserReleases();
+    signal.Command1.Press();
+    bool asked = false;
+    rig.loop.OnYield([&] {
+        if (!asked) rig.form.Guard.Run([] { throw EndProgram{3}; });
+        asked = true;
+        EXPECT_TRUE(statuses.empty());
+    });
+    rig.form.HiTimer1->Tick();
+    rig.loop.OnYield({});
+    rig.form.Unload();
+    rig.loop.DeliverSignals();
+    EXPECT_TRUE(asked);
+    EXPECT_THAT(statuses, ElementsAre(3));
+}
+
+TEST(Closing, WaitsForARestartOfTheEngine) {
+    FormRig rig;
+    rig.form.Form_Load();
+    bool unloaded = false;
+    rig.form.OnUnloaded = [&](int) { unloaded = true; };
+    bool asked = false;
+    rig.loop.OnYield([&] {
+        if (!asked) rig.form.Unload();
+        asked = true;
+        EXPECT_FALSE(unloaded);
+    });
+    EXPECT_TRUE(rig.form.Engine.ReStart());
+    EXPECT_TRUE(asked);
+    rig.loop.OnYield({});
+    rig.loop.DeliverSignals();
+    EXPECT_TRUE(unloaded);
+}
+
+class FailingStep : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(OfTheShutdown, FailingStep,
+                         testing::Values("UnloadDialogs", "SaveAndRestoreInitial"));
+
+TEST_P(FailingStep, IsShownAndLosesNoOther) {
+    FormWorld world;
+    FakeSoundSystem sound(world.log);
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    int status = -1;
+    form.OnUnloaded = [&](int asked) { status = asked; };
+    world.log.Fail(GetParam(), RuntimeError(error_number::kInvalidCall, "broken"));
+    world.log.Clear();
+    form.Unload();
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(world.log.Of("Message"), ElementsAre("Message critical Run-time error '5':\r\rbroken"));
+    EXPECT_EQ(world.log.Count("WriteLine"), 1U);
+    EXPECT_EQ(world.log.Count("SaveAndRestoreInitial"), 1U);
+    EXPECT_EQ(world.log.Count("~captureBuffer"), 1U);
+    EXPECT_EQ(world.store.Get("Windows", "LastTab", "none"), "0");
+    EXPECT_EQ(world.store.Get("Signal Generator", "NumberOfTones", "none"), "0");
+    EXPECT_NE(world.store.Get("Windows", "frmMain Top", "none"), "none");
+}
+
+TEST(StreamError, OfThePlaybackSideIsShownOnce) {
+    FormWorld world;
+    FakeSoundSystem sound(world.log);
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    world.log.Fail("playbackBuffer.GetCurrentPosition", RuntimeError(error_number::kInvalidCall, "stuck"));
+    world.log.Clear();
+    const auto fire = [&](std::size_t segment) {
+        try {
+            sound.FireSegment(segment);
+        } catch (const RuntimeError&) {
+            form.Guard.StreamError(std::current_exception());
+        }
+    };
+    fire(0);
+    fire(1);
+    EXPECT_EQ(world.log.Count("Message"), 1U);
+    EXPECT_EQ(world.log.Count("playbackBuffer.GetCurrentPosition"), 2U);
+    world.log.Heal("playbackBuffer.GetCurrentPosition");
+    fire(2);
+    world.log.Fail("playbackBuffer.GetCurrentPosition", RuntimeError(error_number::kInvalidCall, "stuck"));
+    fire(3);
+    EXPECT_EQ(world.log.Count("Message"), 2U);
+}
+
+TEST(OpenMessage, DropsAndCountsNotifications) {
+    FormWorld world;
+    FakeSoundSystem sound(world.log);
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    sound.FireSegment(0);
+    world.dialogs.WhileMessage = [&] {
+        sound.FireSegment(1);
+        sound.FireSegment(2);
+    };
+    form.Guard.Run([] { throw RuntimeError(error_number::kOverflow); });
+    EXPECT_EQ(form.Engine.DroppedNotifications, 2U);
+    EXPECT_EQ(form.Engine.Blocks, 1U);
+    sound.FireSegment(3);
+    EXPECT_EQ(form.Engine.Blocks, 2U);
+    EXPECT_EQ(form.Engine.DroppedNotifications, 2U);
 }
 
 TEST(Restart, BringsBackWhatWasStored) {

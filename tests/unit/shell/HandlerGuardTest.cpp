@@ -65,13 +65,26 @@ TEST(HandlerGuard, ShowsAStreamErrorOnceUntilABlockSucceeds) {
 TEST(HandlerGuard, TellsWhenAMessageIsOpenAndShowsNoSecondOne) {
     GuardRig rig;
     std::vector<bool> told;
-    rig.guard.OnMessageOpen = [&](bool open) {
-        told.push_back(open);
-        if (open) return;
-        EXPECT_EQ(rig.log.Of("Message").size(), 1U);
-    };
+    rig.guard.OnMessageOpen = [&](bool open) { told.push_back(open); };
+    rig.dialogs.WhileMessage = [&] { rig.StreamFails(RuntimeError(error_number::kDivisionByZero)); };
     rig.guard.Run([] { throw RuntimeError(error_number::kOverflow); });
     EXPECT_THAT(told, ElementsAre(true, false));
+    EXPECT_EQ(rig.log.Of("Message").size(), 1U);
+    rig.dialogs.WhileMessage = {};
+    rig.StreamFails(RuntimeError(error_number::kDivisionByZero));
+    EXPECT_EQ(rig.log.Of("Message").size(), 2U);
+}
+
+TEST(HandlerGuard, LogsAndShowsWhatEndedTheStartWhateverItIs) {
+    GuardRig rig;
+    rig.guard.Fatal(std::make_exception_ptr(RuntimeError(error_number::kOverflow)));
+    rig.guard.Fatal(std::make_exception_ptr(std::bad_alloc()));
+    rig.guard.Fatal(std::make_exception_ptr(17));
+    EXPECT_THAT(
+        rig.log.Of("WriteLine"),
+        ElementsAre("WriteLine Run-time error '6': Overflow", "WriteLine Run-time error '7': Out of memory",
+                    "WriteLine Run-time error '5': " + std::string(RuntimeError(5).what())));
+    EXPECT_EQ(rig.log.Of("Message").size(), 3U);
 }
 
 TEST(Splash, ShowsItsVersionUnderTheBusyPointerAndYieldsOnce) {
@@ -79,10 +92,15 @@ TEST(Splash, ShowsItsVersionUnderTheBusyPointerAndYieldsOnce) {
     RecordingDialogs dialogs(log);
     VirtualEventLoop loop;
     frmSplash splash(dialogs, loop);
+    splash.OnShow = [&] {
+        log.Note("shown " + splash.lblVersion.Caption());
+        EXPECT_EQ(loop.Yields(), 0U);
+    };
     splash.Form_Load({2, 1, 14, "Bench instrument"});
     EXPECT_EQ(splash.lblVersion.Caption(), "Version 2.1.14  Bench instrument");
     EXPECT_EQ(loop.Yields(), 1U);
-    EXPECT_THAT(log.Lines(), ElementsAre("SetBusyPointer on", "SetBusyPointer off"));
+    EXPECT_THAT(log.Lines(), ElementsAre("SetBusyPointer on", "shown Version 2.1.14  Bench instrument",
+                                         "SetBusyPointer off"));
     EXPECT_TRUE(splash.Visible());
     splash.Frame_Click();
     EXPECT_FALSE(splash.Visible());

@@ -1,0 +1,39 @@
+#include "ui/widgets/ElidedLabel.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QToolTip>
+
+namespace sonavex::ui {
+namespace {
+
+constexpr int kLeastCharacters = 8;
+
+}  // namespace
+
+ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+}
+
+QSize ElidedLabel::minimumSizeHint() const {
+    return {kLeastCharacters * fontMetrics().averageCharWidth(), QLabel::minimumSizeHint().height()};
+}
+
+void ElidedLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect place = contentsRect();
+    style()->drawItemText(&painter, place, static_cast<int>(alignment()), palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideRight, place.width()), foregroundRole());
+}
+
+bool ElidedLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || fontMetrics().horizontalAdvance(text()) <= contentsRect().width())
+        return QLabel::event(event);
+    const QString whole = toolTip().isEmpty() ? text() : text() + "\n" + toolTip();
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole, this);
+    return true;
+}
+
+}  // namespace sonavex::ui

@@ -1,0 +1,14 @@
+#include <gmock/gmock.h>
+
+#include <QApplication>
+
+#include "ui/FaceStyle.h"
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleMock(&argc, argv);
+    const QApplication application(argc, argv);
+    QApplication::setStyle(new sonavex::ui::FaceStyle);
+    QApplication::setQuitOnLastWindowClosed(false);
+    return RUN_ALL_TESTS();
+}

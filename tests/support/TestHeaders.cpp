@@ -1,0 +1,1 @@
+// The compiled headers of the tests belong to this otherwise empty source.

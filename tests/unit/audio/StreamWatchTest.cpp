@@ -1,0 +1,187 @@
+#include <gmock/gmock.h>
+
+#include "core/audio/StreamWatch.h"
+#include "core/ports/SoundErrors.h"
+#include "support/EngineBench.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct WatchBench : EngineBench {
+    WatchBench() {
+        Start();
+        engine.OnBlockQueued = [this] { watch.BlockQueued(); };
+        watch.OnChanged = [this] { ++changes; };
+        watch.ChooseDevices = [this] { ++choices; };
+        watch.Start();
+        loop.Advance(0ms);
+        RunBlocks(1);
+    }
+    std::size_t Records() const { return log.Count("WriteErrorLog"); }
+    void Unplug() {
+        kept = sound.playbackDevices;
+        sound.playbackDevices.resize(1);
+        sound.Lose({sound_error::kNoDriver, "The card has been removed."});
+    }
+    void Replug() { sound.playbackDevices = kept; }
+
+    StreamWatch watch{{loop, sound, engine, errorLog, shared}};
+    int changes = 0;
+    int choices = 0;
+    SoundDeviceList kept;
+};
+
+TEST(StreamWatch, IsContentWhileBlocksCome) {
+    WatchBench bench;
+    for (int i = 0; i < 20; ++i) {
+        bench.loop.Advance(900ms);
+        bench.RunBlocks(1);
+    }
+    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
+    EXPECT_EQ(bench.changes, 0);
+}
+
+TEST(StreamWatch, MarksRecordsAndTellsALossOnce) {
+    WatchBench bench;
+    bench.sound.Lose({sound_error::kBufferLost, "The server is gone."});
+    bench.sound.Lose({sound_error::kBufferLost, "The server is gone."});
+    EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_EQ(bench.watch.Reason(), "The server is gone.");
+    ASSERT_EQ(bench.Records(), 1U);
+    EXPECT_THAT(bench.log.Of("WriteErrorLog")[0], HasSubstr("The server is gone."));
+    EXPECT_FALSE(bench.shared.EventsReady);
+    EXPECT_EQ(bench.sound.LiveEvents(), 0U);
+    EXPECT_EQ(bench.choices, 1);
+}
+
+TEST(StreamWatch, FindsAStallAfterItsPatience) {
+    WatchBench bench;
+    bench.loop.Advance(1000ms);
+    EXPECT_FALSE(bench.watch.Stopped());
+    bench.loop.Advance(200ms);
+    EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 1U);
+    EXPECT_EQ(bench.watch.Losses(), 1U);
+}
+
+TEST(StreamWatch, WaitsThreeBlocksAtALowRate) {
+    WatchBench bench;
+    bench.shared.SampleRate = 4000;
+    EXPECT_EQ(bench.watch.Patience(), 1536ms);
+    bench.loop.Advance(1500ms);
+    EXPECT_FALSE(bench.watch.Stopped());
+    bench.loop.Advance(200ms);
+    EXPECT_TRUE(bench.watch.Stopped());
+}
+
+TEST(StreamWatch, MarksALateFirstBlockBeforeItCallsItALoss) {
+    WatchBench bench;
+    ASSERT_TRUE(bench.engine.ReStart());
+    bench.loop.Advance(1300ms);
+    EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
+    bench.nextSegment = 0;
+    bench.RunBlocks(1);
+    EXPECT_FALSE(bench.watch.Stopped());
+    ASSERT_TRUE(bench.engine.ReStart());
+    bench.loop.Advance(3300ms);
+    EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 1U);
+}
+
+TEST(StreamWatch, OffersNoDevicesWhereThereAreNone) {
+    WatchBench bench;
+    bench.Unplug();
+    EXPECT_EQ(bench.Records(), 1U);
+    EXPECT_EQ(bench.choices, 0);
+}
+
+TEST(StreamWatch, StartsAgainWhenTheDeviceIsBack) {
+    WatchBench bench;
+    int restarted = 0;
+    bench.watch.OnRestarted = [&] { ++restarted; };
+    bench.Unplug();
+    bench.loop.Advance(10s);
+    EXPECT_EQ(restarted, 0);
+    EXPECT_TRUE(bench.watch.Stopped());
+    bench.Replug();
+    bench.loop.Advance(1200ms);
+    EXPECT_EQ(restarted, 1);
+    EXPECT_TRUE(bench.watch.Stopped()) << "nothing has been measured yet";
+    bench.nextSegment = 0;
+    bench.RunBlocks(1);
+    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_THAT(bench.watch.Reason(), IsEmpty());
+    EXPECT_EQ(bench.Records(), 1U);
+    bench.sound.Lose({sound_error::kBufferLost, "again"});
+    EXPECT_EQ(bench.Records(), 2U);
+}
+
+TEST(StreamWatch, TriesQuietlyAndNeverEndsTheProgram) {
+    WatchBench bench;
+    bench.Unplug();
+    bench.Replug();
+    bench.log.Fail("CreateCaptureDevice", RuntimeError(sound_error::kNoDriver, "not yet"));
+    bench.loop.Advance(5s);
+    EXPECT_EQ(bench.Records(), 1U);
+    bench.log.Heal("CreateCaptureDevice");
+    bench.log.Fail("EnumeratePlayback", RuntimeError(sound_error::kUninitialized, "no server"));
+    bench.loop.Advance(5s);
+    bench.log.Heal("EnumeratePlayback");
+    bench.loop.Advance(1200ms);
+    EXPECT_TRUE(bench.shared.EventsReady);
+    EXPECT_EQ(bench.Records(), 1U);
+}
+
+TEST(StreamWatch, TellsNothingOfADeviceThatComesBackMute) {
+    WatchBench bench;
+    bench.sound.Lose({sound_error::kBufferLost, "suspended"});
+    bench.loop.Advance(30s);
+    EXPECT_EQ(bench.Records(), 1U);
+    EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_GT(bench.engine.CaptureStarts, 2U);
+}
+
+TEST(StreamWatch, TellsOfADeviceThatTheUserChoseAndThatIsMute) {
+    WatchBench bench;
+    bench.sound.Lose({sound_error::kBufferLost, "suspended"});
+    bench.loop.Advance(1200ms);
+    ASSERT_TRUE(bench.shared.EventsReady);
+    ASSERT_TRUE(bench.engine.ReStart());
+    bench.loop.Advance(3300ms);
+    EXPECT_EQ(bench.Records(), 2U);
+}
+
+TEST(StreamWatch, JudgesNothingWhileTheEngineIsHeld) {
+    WatchBench bench;
+    bool held = true;
+    bench.watch.Held = [&] { return held; };
+    bench.loop.Advance(20s);
+    EXPECT_FALSE(bench.watch.Stopped());
+    held = false;
+    bench.engine.HoldNotifications = true;
+    bench.loop.Advance(20s);
+    EXPECT_FALSE(bench.watch.Stopped());
+    bench.engine.HoldNotifications = false;
+    bench.loop.Advance(900ms);
+    EXPECT_FALSE(bench.watch.Stopped());
+    bench.loop.Advance(300ms);
+    EXPECT_TRUE(bench.watch.Stopped());
+}
+
+TEST(StreamWatch, SeesNothingAfterItsEnd) {
+    WatchBench bench;
+    bench.watch.Stop();
+    bench.sound.Lose({sound_error::kBufferLost, "late"});
+    bench.loop.Advance(20s);
+    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
+}
+
+}  // namespace
+}  // namespace sonavex
