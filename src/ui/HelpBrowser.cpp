@@ -1,5 +1,9 @@
 #include "ui/HelpBrowser.h"
 
+#include <QImage>
+#include <QResizeEvent>
+#include <QScrollBar>
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -8,6 +12,7 @@ namespace {
 
 // Pages have addresses of a kind of their own, so that nothing else can be meant.
 constexpr const char* kScheme = "book";
+constexpr int kLeastPicture = 64;  // dots
 
 QUrl AddressOf(const QString& page) {
     const qsizetype mark = page.indexOf(u'#');
@@ -29,6 +34,8 @@ QString PageOf(const QUrl& address) {
 HelpBrowser::HelpBrowser(QWidget* parent) : QTextBrowser(parent) {
     setOpenExternalLinks(false);
     setOpenLinks(true);
+    // Pictures that fit must not cease to fit by its coming.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
 }
 
 void HelpBrowser::ShowPage(const QString& page) {
@@ -45,7 +52,38 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
     const std::optional<std::string> content = book_->Read(page.toStdString());
     if (!content) return {};
     if (type == QTextDocument::HtmlResource) return QString::fromStdString(*content);
-    return QByteArray::fromStdString(*content);
+    return FittedPicture(QByteArray::fromStdString(*content));
+}
+
+QVariant HelpBrowser::FittedPicture(const QByteArray& content) const {
+    QImage picture = QImage::fromData(content);
+    if (picture.isNull()) return {};
+    const double margins = 2.0 * document()->documentMargin() + 4.0;
+    const int room = static_cast<int>((viewport()->width() - margins) * devicePixelRatioF());
+    const int width = static_cast<int>(picture.width() * devicePixelRatioF());
+    if (room > kLeastPicture)
+        picture = picture.scaledToWidth(std::min(room, width), Qt::SmoothTransformation);
+    picture.setDevicePixelRatio(devicePixelRatioF());
+    return picture;
+}
+
+// The pictures follow the width, once the page that may be under way is laid out.
+void HelpBrowser::resizeEvent(QResizeEvent* event) {
+    QTextBrowser::resizeEvent(event);
+    if (event->size().width() == event->oldSize().width() || refitting_) return;
+    refitting_ = true;
+    QMetaObject::invokeMethod(
+        this, [this] { Refit(); }, Qt::QueuedConnection);
+}
+
+// The reader stays at the same place.
+void HelpBrowser::Refit() {
+    refitting_ = false;
+    if (source().isEmpty()) return;
+    const QScrollBar& bar = *verticalScrollBar();
+    const double place = bar.maximum() > 0 ? static_cast<double>(bar.value()) / bar.maximum() : 0.0;
+    reload();
+    verticalScrollBar()->setValue(static_cast<int>(place * bar.maximum()));
 }
 
 void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type) {

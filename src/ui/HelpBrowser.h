@@ -24,9 +24,16 @@ public:
 
 protected:
     void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // A picture no wider than the page.
+    QVariant FittedPicture(const QByteArray& content) const;
+
+    void Refit();
+
     const HelpBook* book_ = nullptr;
+    bool refitting_ = false;
 };
 
 }  // namespace sonavex::ui

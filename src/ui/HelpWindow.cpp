@@ -57,8 +57,8 @@ HelpWindow::HelpWindow(std::unique_ptr<HelpBook> book, QWidget* parent)
     AddShortcuts();
     TakeTheme();
     const int em = fontMetrics().height();
-    splitter->setSizes({em * 17, em * 45});
-    resize(QSize(em * 64, em * 42).boundedTo(screen()->availableSize() * 0.9));
+    splitter->setSizes({em * 19, em * 45});
+    resize(QSize(em * 66, em * 42).boundedTo(screen()->availableSize() * 0.9));
     FollowPage();
 }
 
@@ -78,6 +78,8 @@ void HelpWindow::BuildLeft(QWidget* left) {
     matches_ = new QListWidget(left);
     matches_->setAccessibleName(tr("Pages found"));
     matches_->setWordWrap(true);
+    matches_->setResizeMode(QListView::Adjust);
+    matches_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lists_ = new QStackedWidget(left);
     lists_->addWidget(contents_);
     lists_->addWidget(matches_);

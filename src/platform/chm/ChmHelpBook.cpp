@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kMaxDepth = 16;
 constexpr std::size_t kExcerptBefore = 40;
-constexpr std::size_t kExcerptLength = 160;
+constexpr std::size_t kExcerptLength = 110;
 
 // Kinds of entries in the file's description of itself.
 constexpr std::uint32_t kContentsFile = 0;
