@@ -32,6 +32,7 @@ Environment PrivateEnvironment(const std::filesystem::path& folder, const Enviro
     const Environment defaults{{"HOME", folder.string()},
                                {"XDG_RUNTIME_DIR", folder.string()},
                                {"XDG_CONFIG_HOME", folder.string()},
+                               {"ALSA_CONFIG_PATH", "/dev/null"},
                                {"PULSE_RUNTIME_PATH", folder.string()},
                                {"PULSE_COOKIE", (folder / "cookie").string()},
                                {"PULSE_SERVER", "unix:" + (folder / "no-server").string()},
@@ -114,7 +115,7 @@ void ExpectRefusal(const Outcome& outcome, const std::string& text) {
 void ExpectShape(const ordered_json& line, bool live) {
     std::vector<std::string> keys{"block",   "frequency", "locked",  "settled", "peakBin", "adc",
                                   "adcPeak", "dac",       "dacPeak", "thd",     "percent", "db"};
-    if (live) keys.insert(keys.end(), {"input", "output", "rate", "simulated"});
+    if (live) keys.insert(keys.end(), {"input", "output", "rate", "simulated", "notes", "blocksLost", "overruns", "underruns"});
     ASSERT_EQ(Keys(line), keys);
     for (const char* key : {"block", "peakBin", "adcPeak", "dacPeak"})
         EXPECT_TRUE(line[key].is_number_integer()) << key;
@@ -127,6 +128,9 @@ void ExpectShape(const ordered_json& line, bool live) {
     EXPECT_TRUE(line["output"].is_string());
     EXPECT_TRUE(line["rate"].is_number_integer());
     EXPECT_TRUE(line["simulated"].is_boolean());
+    EXPECT_TRUE(line["notes"].is_array());
+    for (const char* count : {"blocksLost", "overruns", "underruns"})
+        EXPECT_TRUE(line[count].is_number_unsigned()) << count;
 }
 
 std::string Captions(const ordered_json& line, const char* key) {

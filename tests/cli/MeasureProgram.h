@@ -20,8 +20,8 @@ struct Outcome {
     std::vector<nlohmann::ordered_json> Json() const;
 };
 
-// sonavex-measure, running beside the test: without settings, sound choice or sound server of the
-// user, unless the additions name one. Ends with this object.
+// sonavex-measure, running beside the test: without settings, sound choice, sound server or cards of
+// the user, unless the additions name one. Ends with this object.
 class MeasureProgram {
 public:
     // Where its output and its complaints go instead of the outcome; empty for the outcome.

@@ -82,7 +82,9 @@ LiveMeasurement::LiveMeasurement(const RunOptions& options)
 }
 
 Path LiveMeasurement::DevicePath() const {
-    return {engine_.InputDeviceName, engine_.OutputDeviceName, shared_.SampleRate, sound_->Simulated()};
+    return {engine_.InputDeviceName, engine_.OutputDeviceName, shared_.SampleRate,
+            sound_->Simulated(),     engine_.PathNotes(),      engine_.CaptureCounts().segmentsLost,
+            engine_.Overruns,        engine_.Underruns()};
 }
 
 void LiveMeasurement::CheckDevices() const {

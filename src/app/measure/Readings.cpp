@@ -42,6 +42,7 @@ void Cell(std::ostream& out, const std::string& text) {
 
 void PathLines(std::ostream& out, const Path& path) {
     out << "Input  : " << path.input << "\nOutput : " << path.output << "\nRate : " << path.rateHz << " Hz\n";
+    for (const std::string& note : path.notes) out << "Note : " << note << '\n';
     if (path.simulated) out << "SIMULATED sound card: these readings measure nothing real.\n";
 }
 
@@ -74,6 +75,10 @@ std::string JsonLine(const Meter& meter, const std::optional<Path>& path) {
         line["output"] = path->output;
         line["rate"] = path->rateHz;
         line["simulated"] = path->simulated;
+        line["notes"] = path->notes;
+        line["blocksLost"] = path->blocksLost;
+        line["overruns"] = path->overruns;
+        line["underruns"] = path->underruns;
     }
     // Device names may hold anything; what is not UTF-8 is replaced.
     return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/shell/Meter.h"
 
@@ -14,6 +15,10 @@ struct Path {
     std::string output;
     std::int32_t rateHz = 0;
     bool simulated = false;
+    std::vector<std::string> notes;  // what changes the samples on their way
+    std::uint64_t blocksLost = 0;
+    std::uint64_t overruns = 0;   // the output was not written in time
+    std::uint64_t underruns = 0;  // the output device ran out of samples
 };
 
 // The readings after an update as one line of JSON, without line end. Captions are exactly what the

@@ -31,7 +31,6 @@ private:
 int RunMeasurement(const RunOptions& options) {
     LiveMeasurement measurement(options);
     measurement.Start();
-    const Path path = measurement.DevicePath();
     bool everLocked = false;
     std::string table;
     {
@@ -41,6 +40,7 @@ int RunMeasurement(const RunOptions& options) {
             if (meter.Updated()) {
                 everLocked = everLocked || meter.Analysis().FreqLocked;
                 progress.Clear();
+                const Path path = measurement.DevicePath();
                 if (options.json)
                     Print(JsonLine(meter, path) + '\n');
                 else

@@ -2,10 +2,10 @@
 
 #include <cstdlib>
 
+#include "app/common/SystemSound.h"
 #include "app/common/WantedSound.h"
 #include "app/measure/MeasureError.h"
 #include "core/text/Numbers.h"
-#include "platform/pulse/PulseSoundSystem.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
 
 namespace sonavex::measure {
@@ -28,7 +28,7 @@ std::string SoundName() {
 std::unique_ptr<SoundSystem> ChooseSound(EventLoop& loop) {
     if (app::WantedSoundFromEnvironment() == app::WantedSound::kSimulated)
         return std::make_unique<SimulatedSoundSystem>(loop, SimulatedSoundSystem::Pace::kRealTime);
-    return std::make_unique<PulseSoundSystem>(loop);
+    return app::CreateSystemSound(loop);
 }
 
 std::int32_t OsMajorVersion() {

@@ -3,7 +3,7 @@
 #include <exception>
 #include <string>
 
-#include "platform/pulse/PulseSoundSystem.h"
+#include "app/common/SystemSound.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
 
 namespace sonavex::app {
@@ -28,7 +28,7 @@ std::string Trouble(SoundSystem& sound) {
 }  // namespace
 
 SoundMakers SoundMakers::Of(EventLoop& loop) {
-    return {[&loop] { return std::make_unique<PulseSoundSystem>(loop); },
+    return {[&loop] { return CreateSystemSound(loop); },
             [&loop] {
                 return std::make_unique<SimulatedSoundSystem>(loop, SimulatedSoundSystem::Pace::kRealTime);
             }};

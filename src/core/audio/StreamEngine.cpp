@@ -57,6 +57,19 @@ CaptureStatistics StreamEngine::CaptureCounts() const {
     return captureBuffer_ ? captureBuffer_->Statistics() : CaptureStatistics{};
 }
 
+std::uint64_t StreamEngine::Underruns() const {
+    return playbackBuffer_ ? playbackBuffer_->Underruns() : 0;
+}
+
+std::vector<std::string> StreamEngine::PathNotes() const {
+    std::vector<std::string> notes;
+    const std::string input = captureBuffer_ ? captureBuffer_->PathNote() : std::string();
+    const std::string output = playbackBuffer_ ? playbackBuffer_->PathNote() : std::string();
+    if (!input.empty()) notes.push_back("Input: " + input);
+    if (!output.empty()) notes.push_back("Output: " + output);
+    return notes;
+}
+
 bool StreamEngine::SetEvents() {
     if (captureBuffer_) captureBuffer_->Stop();
     DestroyEvents([] {});

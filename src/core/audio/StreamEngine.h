@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/audio/BlockProcessor.h"
 #include "core/audio/ErrorLog.h"
@@ -91,6 +92,11 @@ public:
     PlaybackBuffer* SecondaryBuffer() noexcept { return playbackBuffer_.get(); }
     // Counts of the capture buffer in use; zeros without one.
     CaptureStatistics CaptureCounts() const;
+    // Times that the device of the playback buffer in use ran out of samples; 0 without one.
+    std::uint64_t Underruns() const;
+    // What changes the samples between the buffers and the cards: "Input: ..." and "Output: ...". Empty
+    // when nothing is known to.
+    std::vector<std::string> PathNotes() const;
 
     // Stream state.
     std::array<EventHandle, 5> NotifyEvents{};  // 0 to 3: the capture notifications

@@ -92,6 +92,11 @@ public:
     virtual void Stop() = 0;
     // Hundredths of a decibel, -10000 (silence) to 0 (the samples unchanged). Error 5 outside.
     virtual void SetVolume(std::int32_t hundredthsDb) = 0;
+    // What changes the samples between this buffer and the card, as a sentence for the user. Empty
+    // when nothing is known to.
+    virtual std::string PathNote() const { return {}; }
+    // Times since the buffer was created that the device ran out of samples.
+    virtual std::uint64_t Underruns() const { return 0; }
 };
 
 // A capture buffer that is filled round and round while started.
@@ -106,6 +111,8 @@ public:
     virtual void Stop() = 0;
     virtual void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) = 0;
     virtual CaptureStatistics Statistics() const = 0;
+    // As PlaybackBuffer::PathNote.
+    virtual std::string PathNote() const { return {}; }
 };
 
 struct PlaybackCapabilities {

@@ -49,7 +49,9 @@ PulsePlaybackBuffer::PulsePlaybackBuffer(PulseContext& context, EventLoop& loop,
             static_cast<pa_stream_flags_t>(flags | PA_STREAM_RELATIVE_VOLUME | PA_STREAM_START_UNMUTED);
         return pa_stream_connect_playback(stream, name, &attributes, allFlags, &volume, nullptr);
     };
-    stream_.Open(rateHz_, "Generator", connect, PulseDeadline());
+    const PulseDeadline deadline;
+    stream_.Open(rateHz_, "Generator", connect, deadline);
+    stream_.FollowPath(PulseDirection::kPlayback, deadline);
 }
 
 void PulsePlaybackBuffer::OnWritable(pa_stream* stream, std::size_t bytes, void* self) {
@@ -94,6 +96,7 @@ PulseCaptureBuffer::PulseCaptureBuffer(PulseContext& context, EventLoop& loop, c
     const PulseDeadline deadline;
     stream_.Open(rateHz, "Meter", connect, deadline);
     stream_.ResetCaptureVolume(deadline);
+    stream_.FollowPath(PulseDirection::kCapture, deadline);
 }
 
 void PulseCaptureBuffer::OnReadable(pa_stream* stream, std::size_t, void* self) {

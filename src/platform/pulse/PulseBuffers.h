@@ -26,6 +26,8 @@ public:
     void PlayLooping() override { Ring().Play(); }
     void Stop() override { ring_.Stop(); }
     void SetVolume(std::int32_t hundredthsDb) override { Ring().SetVolume(hundredthsDb); }
+    std::string PathNote() const override { return stream_.PathNote(); }
+    std::uint64_t Underruns() const override { return stream_.Underruns(); }
 
 private:
     static void OnWritable(pa_stream* stream, std::size_t bytes, void* self);
@@ -59,6 +61,7 @@ public:
         Ring().Read(offset, samples);
     }
     CaptureStatistics Statistics() const override { return ring_.Statistics(); }
+    std::string PathNote() const override { return stream_.PathNote(); }
 
 private:
     static void OnReadable(pa_stream* stream, std::size_t bytes, void* self);

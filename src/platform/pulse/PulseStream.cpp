@@ -66,12 +66,14 @@ PulseStream::PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo
 
 PulseStream::~PulseStream() {
     loop_.StopTimer(watch_);
+    path_.reset();
     if (stream_ == nullptr) return;
     const PulseContext::Lock lock(context_);
     pa_stream_set_write_callback(stream_, nullptr, nullptr);
     pa_stream_set_read_callback(stream_, nullptr, nullptr);
     pa_stream_set_moved_callback(stream_, nullptr, nullptr);
     pa_stream_set_suspended_callback(stream_, nullptr, nullptr);
+    pa_stream_set_underflow_callback(stream_, nullptr, nullptr);
     pa_stream_set_state_callback(stream_, DisconnectWhenReady, nullptr);
     DisconnectWhenReady(stream_, nullptr);
     pa_stream_unref(stream_);
@@ -89,6 +91,7 @@ void PulseStream::Create(pa_context* server, std::uint32_t rateHz, const char* t
     pa_stream_set_state_callback(stream_, OnState, this);
     pa_stream_set_moved_callback(stream_, OnMoved, this);
     pa_stream_set_suspended_callback(stream_, OnSuspended, this);
+    pa_stream_set_underflow_callback(stream_, OnUnderflow, this);
 }
 
 void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector& connect,
@@ -105,7 +108,10 @@ void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector&
                            "The sound server does not open the sound device '" + device_.description + "'.");
     if (pa_stream_get_state(stream_) != PA_STREAM_READY) throw OpenError(failure_);
     opened_ = true;
-    watch_ = loop_.StartTimer(1s, [this] { WatchMovement(); });
+    watch_ = loop_.StartTimer(1s, [this] {
+        WatchMovement();
+        AskForPath();
+    });
 }
 
 void PulseStream::ResetCaptureVolume(const PulseDeadline& deadline) {
@@ -117,6 +123,23 @@ void PulseStream::ResetCaptureVolume(const PulseDeadline& deadline) {
     pa_cvolume_reset(&volume, 2);
     context_.Await(pa_context_set_source_output_volume(server, index, &volume, nullptr, nullptr), deadline);
     context_.Await(pa_context_set_source_output_mute(server, index, 0, nullptr, nullptr), deadline);
+}
+
+void PulseStream::FollowPath(PulseDirection direction, const PulseDeadline& deadline) {
+    path_ = std::make_unique<PulsePath>(context_, direction, pa_stream_get_sample_spec(stream_)->rate);
+    const PulseContext::Lock lock(context_);
+    path_->Ask(stream_);
+    try {
+        path_->Await(deadline);
+    } catch (const RuntimeError&) {
+        // The stream runs all the same; what is asked later may be answered.
+    }
+}
+
+void PulseStream::AskForPath() {
+    if (!path_) return;
+    const PulseContext::Lock lock(context_);
+    path_->Ask(stream_);
 }
 
 RuntimeError PulseStream::OpenError(int paError) const {
@@ -142,6 +165,10 @@ void PulseStream::OnMoved(pa_stream* stream, void* self) {
 
 void PulseStream::OnSuspended(pa_stream* stream, void* self) {
     if (pa_stream_is_suspended(stream) > 0) static_cast<PulseStream*>(self)->Lose(Loss::kSuspended);
+}
+
+void PulseStream::OnUnderflow(pa_stream*, void* self) {
+    static_cast<PulseStream*>(self)->underruns_.fetch_add(1, std::memory_order_relaxed);
 }
 
 void PulseStream::Lose(Loss loss) noexcept {

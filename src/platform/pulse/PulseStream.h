@@ -11,6 +11,7 @@
 #include "core/ports/EventLoop.h"
 #include "core/ports/SoundSystem.h"
 #include "platform/pulse/PulseContext.h"
+#include "platform/pulse/PulsePath.h"
 
 namespace sonavex {
 
@@ -40,9 +41,15 @@ public:
     // volume cannot be passed on opening such a stream.
     void ResetCaptureVolume(const PulseDeadline& deadline);
 
+    // For an open stream: what the server does to its samples is told by PathNote from now on.
+    void FollowPath(PulseDirection direction, const PulseDeadline& deadline);
+    std::string PathNote() const { return path_ ? path_->Note() : std::string(); }
+
     // Throws kBufferLost after a loss.
     void RequireDevice() const;
 
+    // Times that the server ran out of samples of a stream to a device.
+    std::uint64_t Underruns() const noexcept { return underruns_.load(std::memory_order_relaxed); }
     // To be called by whatever moves samples: a stream that stands still for seconds counts as lost,
     // because a server that hangs says nothing. Any thread.
     void CountMovement() noexcept { movements_.fetch_add(1, std::memory_order_relaxed); }
@@ -53,9 +60,11 @@ private:
     static void OnState(pa_stream* stream, void* self);
     static void OnMoved(pa_stream* stream, void* self);
     static void OnSuspended(pa_stream* stream, void* self);
+    static void OnUnderflow(pa_stream* stream, void* self);
     void Create(pa_context* server, std::uint32_t rateHz, const char* title);
     void Lose(Loss loss) noexcept;
     void WatchMovement() noexcept;
+    void AskForPath();
     std::string LossText() const;
     RuntimeError OpenError(int paError) const;
 
@@ -63,6 +72,7 @@ private:
     EventLoop& loop_;
     SoundDeviceInfo device_;
     pa_stream* stream_ = nullptr;
+    std::unique_ptr<PulsePath> path_;
     // Changed under the context's lock.
     bool opened_ = false;
     int failure_ = PA_OK;  // why the stream failed
@@ -71,6 +81,7 @@ private:
     std::unique_ptr<Signal> lostBell_;
 
     std::atomic<std::uint32_t> movements_{0};
+    std::atomic<std::uint64_t> underruns_{0};
     EventLoop::TimerId watch_ = 0;
     std::uint32_t movementsSeen_ = 0;
     int secondsStill_ = 0;

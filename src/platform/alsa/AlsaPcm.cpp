@@ -1,0 +1,162 @@
+#include "platform/alsa/AlsaPcm.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "core/ports/SoundErrors.h"
+
+namespace sonavex {
+namespace {
+
+constexpr snd_pcm_format_t kFormat = SND_PCM_FORMAT_S16;
+constexpr snd_pcm_access_t kAccess = SND_PCM_ACCESS_RW_INTERLEAVED;
+constexpr unsigned kChannels = 2;
+
+struct FreeHardwareParameters {
+    void operator()(snd_pcm_hw_params_t* parameters) const { snd_pcm_hw_params_free(parameters); }
+};
+using HardwareParameters = std::unique_ptr<snd_pcm_hw_params_t, FreeHardwareParameters>;
+
+struct FreeSoftwareParameters {
+    void operator()(snd_pcm_sw_params_t* parameters) const { snd_pcm_sw_params_free(parameters); }
+};
+using SoftwareParameters = std::unique_ptr<snd_pcm_sw_params_t, FreeSoftwareParameters>;
+
+HardwareParameters NewHardwareParameters() {
+    snd_pcm_hw_params_t* parameters = nullptr;
+    if (snd_pcm_hw_params_malloc(&parameters) < 0) throw RuntimeError(error_number::kOutOfMemory);
+    return HardwareParameters(parameters);
+}
+
+std::string Quoted(const AlsaDevice& device) {
+    return "The sound device '" + device.info.description + "' ";
+}
+
+RuntimeError OpenError(const AlsaDevice& device, int error) {
+    switch (-error) {
+        case EBUSY:
+        case EAGAIN:
+            return {sound_error::kAllocated, Quoted(device) + "is in use by another program."};
+        case ENOENT:
+        case ENODEV:
+        case ENXIO:
+            return {sound_error::kNoDriver, Quoted(device) + "is not there."};
+        case EINVAL:
+            return {sound_error::kBadFormat, Quoted(device) + "refuses its settings."};
+        default:
+            return {sound_error::kGeneric, Quoted(device) + "cannot be used: " + snd_strerror(error) + "."};
+    }
+}
+
+}  // namespace
+
+void RequireAlsaFormat(const BufferDescription& description) {
+    const WaveFormat& format = description.format;
+    if (format.formatTag == 1 && format.channels == kChannels && format.bitsPerSample == 16 &&
+        format.blockAlign == 4 && format.samplesPerSecond > 0)
+        return;
+    throw RuntimeError(sound_error::kBadFormat, "Sound cards are used with 16-bit stereo PCM only.");
+}
+
+void AlsaPcm::Close::operator()(snd_pcm_t* pcm) const noexcept {
+    snd_pcm_drop(pcm);
+    snd_pcm_close(pcm);
+}
+
+AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint32_t rateHz, Shape wanted)
+    : device_(device), direction_(direction), rateHz_(rateHz) {
+    Open(device_.pcm);
+    Lacks lacks = Missing(Resampling::kForbidden);
+    if (lacks.Any()) {
+        // The same device with libasound's conversions.
+        if (device_.Hardware()) Open("plug" + device_.pcm);
+        const Lacks stillLacks = Missing(Resampling::kAllowed);
+        if (stillLacks.Any()) RefuseFormat(stillLacks);
+    }
+    note_ = ConversionNote(lacks);
+    Configure(wanted);
+}
+
+void AlsaPcm::Open(const std::string& name) {
+    // An open device would keep itself out.
+    pcm_.reset();
+    snd_pcm_t* pcm = nullptr;
+    const int error = snd_pcm_open(&pcm, name.c_str(), direction_, SND_PCM_NONBLOCK);
+    if (error < 0) throw OpenError(device_, error);
+    pcm_.reset(pcm);
+}
+
+void AlsaPcm::Require(int result) const {
+    if (result < 0) throw OpenError(device_, result);
+}
+
+AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling) const {
+    snd_pcm_t* const pcm = Handle();
+    const HardwareParameters parameters = NewHardwareParameters();
+    Require(snd_pcm_hw_params_any(pcm, parameters.get()));
+    Require(snd_pcm_hw_params_set_rate_resample(pcm, parameters.get(),
+                                                resampling == Resampling::kAllowed ? 1 : 0));
+    // One after the other: a card may have this rate in mono only.
+    Lacks lacks;
+    lacks.channels = snd_pcm_hw_params_test_channels(pcm, parameters.get(), kChannels) < 0;
+    if (!lacks.channels) Require(snd_pcm_hw_params_set_channels(pcm, parameters.get(), kChannels));
+    lacks.format = snd_pcm_hw_params_test_format(pcm, parameters.get(), kFormat) < 0;
+    if (!lacks.format) Require(snd_pcm_hw_params_set_format(pcm, parameters.get(), kFormat));
+    lacks.rate = snd_pcm_hw_params_test_rate(pcm, parameters.get(), rateHz_, 0) < 0;
+    return lacks;
+}
+
+void AlsaPcm::Configure(Shape wanted) {
+    snd_pcm_t* const pcm = Handle();
+    const HardwareParameters owned = NewHardwareParameters();
+    snd_pcm_hw_params_t* const parameters = owned.get();
+    Require(snd_pcm_hw_params_any(pcm, parameters));
+    Require(snd_pcm_hw_params_set_access(pcm, parameters, kAccess));
+    Require(snd_pcm_hw_params_set_format(pcm, parameters, kFormat));
+    Require(snd_pcm_hw_params_set_channels(pcm, parameters, kChannels));
+    Require(snd_pcm_hw_params_set_rate(pcm, parameters, rateHz_, 0));
+    snd_pcm_uframes_t periodFrames = wanted.periodFrames;
+    Require(snd_pcm_hw_params_set_period_size_near(pcm, parameters, &periodFrames, nullptr));
+    snd_pcm_uframes_t bufferFrames = wanted.bufferFrames;
+    Require(snd_pcm_hw_params_set_buffer_size_near(pcm, parameters, &bufferFrames));
+    Require(snd_pcm_hw_params(pcm, parameters));
+    Require(snd_pcm_hw_params_get_period_size(parameters, &periodFrames, nullptr));
+    Require(snd_pcm_hw_params_get_buffer_size(parameters, &bufferFrames));
+    periodFrames_ = static_cast<std::uint32_t>(periodFrames);
+    bufferFrames_ = static_cast<std::uint32_t>(bufferFrames);
+}
+
+void AlsaPcm::SetWakeUp(std::uint32_t frames) {
+    snd_pcm_sw_params_t* raw = nullptr;
+    if (snd_pcm_sw_params_malloc(&raw) < 0) throw RuntimeError(error_number::kOutOfMemory);
+    const SoftwareParameters parameters(raw);
+    snd_pcm_uframes_t never = 0;
+    Require(snd_pcm_sw_params_current(Handle(), raw));
+    Require(snd_pcm_sw_params_get_boundary(raw, &never));
+    Require(snd_pcm_sw_params_set_start_threshold(Handle(), raw, never));
+    Require(snd_pcm_sw_params_set_avail_min(Handle(), raw, frames));
+    Require(snd_pcm_sw_params(Handle(), raw));
+}
+
+std::string AlsaPcm::ConversionNote(const Lacks& lacks) const {
+    std::string note;
+    if (lacks.rate)
+        note = Quoted(device_) + "does not run at " + std::to_string(rateHz_) +
+               " Hz: its samples are converted from another rate.";
+    else if (lacks.format)
+        note = Quoted(device_) + "does not take 16-bit samples: they are converted.";
+    else if (lacks.channels)
+        note = Quoted(device_) + "is not stereo: its channels are converted.";
+    else if (device_.converting)
+        note = Quoted(device_) + "is defined with conversions: samples may change on their way.";
+    return note;
+}
+
+void AlsaPcm::RefuseFormat(const Lacks& lacks) const {
+    std::string reason = "does not take 16-bit samples.";
+    if (lacks.channels) reason = "is not stereo.";
+    if (lacks.rate) reason = "does not run at " + std::to_string(rateHz_) + " Hz.";
+    throw RuntimeError(sound_error::kBadFormat, Quoted(device_) + reason);
+}
+
+}  // namespace sonavex

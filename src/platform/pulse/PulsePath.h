@@ -1,0 +1,56 @@
+#pragma once
+
+#include <pulse/pulseaudio.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/pulse/PulseContext.h"
+#include "platform/pulse/PulseDevices.h"
+
+namespace sonavex {
+
+// What the server does to the samples between a stream and its device: resampling, volumes, muting. The
+// server is asked now and then and answers when it likes. User-interface thread only; to be destroyed
+// before the context.
+class PulsePath {
+public:
+    // rateHz: of the stream.
+    PulsePath(PulseContext& context, PulseDirection direction, std::uint32_t rateHz);
+    ~PulsePath();
+    PulsePath(const PulsePath&) = delete;
+    PulsePath& operator=(const PulsePath&) = delete;
+
+    // Asks the server about the stream and the device it is connected to. Under lock; does not wait.
+    void Ask(pa_stream* stream);
+    // Waits for the answers that are due. Under lock. Throws when the server refuses or does not answer.
+    void Await(const PulseDeadline& deadline);
+
+    // What changes the samples, for the user; empty when nothing does. By the latest answers.
+    std::string Note() const;
+
+private:
+    struct Volume {
+        std::uint32_t percent = 100;
+        bool muted = false;
+    };
+
+    template <class Info>
+    static void TakeDevice(pa_context* server, const Info* info, int end, void* self);
+    template <class Info>
+    static void TakeStream(pa_context* server, const Info* info, int end, void* self);
+    static Volume VolumeOf(const pa_cvolume& volume, int mute) noexcept;
+    void Forget() noexcept;
+
+    PulseContext& context_;
+    PulseDirection direction_;
+    std::uint32_t rateHz_;
+    std::vector<pa_operation*> pending_;
+    // Written by the connection's thread, under the context's lock.
+    std::uint32_t deviceRateHz_ = 0;
+    Volume device_;
+    Volume stream_;
+};
+
+}  // namespace sonavex
