@@ -74,8 +74,10 @@ std::vector<Binder::Pair> Binder::Pairs() const {
 
 void Binder::Bind(QLabel& widget, Label& control) {
     Add(widget, control, [&widget, &control] {
-        widget.setText(Text(control.Caption()));
+        // The instrument's texts break their lines with carriage returns.
+        widget.setText(Text(control.Caption()).replace(u'\r', u'\n'));
         widget.setEnabled(control.Enabled());
+        if (widget.isHidden() == control.Visible()) widget.setVisible(control.Visible());
     });
 }
 
@@ -171,6 +173,23 @@ void Binder::Bind(QListWidget& widget, ListBox& control) {
             if (selected != control.Selected(i)) Handle([&] { control.UserSelects(i, selected); });
         }
     });
+}
+
+void Binder::Bind(QComboBox& widget, ComboBox& control) {
+    Add(widget, control, [&widget, &control] {
+        QStringList shown;
+        QStringList wanted;
+        for (int i = 0; i < widget.count(); ++i) shown.append(widget.itemText(i));
+        for (const std::string& item : control.Items()) wanted.append(Text(item));
+        if (shown != wanted) {
+            widget.clear();
+            widget.addItems(wanted);
+        }
+        widget.setCurrentIndex(control.ListIndex());
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &QComboBox::activated, this,
+            [this, &control](int index) { Handle([&] { control.UserSelects(index); }); });
 }
 
 void Binder::Bind(WaveChoice& widget, ComboBox& control) {

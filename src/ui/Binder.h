@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -43,6 +44,7 @@ public:
     void Bind(QAction& widget, MenuItem& control);
     void Bind(QTabWidget& widget, TabStrip& control);
     void Bind(QListWidget& widget, ListBox& control);
+    void Bind(QComboBox& widget, ComboBox& control);
     void Bind(WaveChoice& widget, ComboBox& control);
     void Bind(LevelBar& widget, ProgressBar& control);
     void Bind(LockLamp& widget, Indicator& control);

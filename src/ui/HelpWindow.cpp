@@ -106,6 +106,7 @@ void HelpWindow::BuildRight(QWidget* right) {
     forward_ = Button(right, tr("Forward"), tr("The page after (Alt+Right)"));
     auto* const home = Button(right, tr("Home"), tr("The first page"));
     browser_ = new HelpBrowser(right);
+    browser_->setObjectName(QStringLiteral("HelpPage"));
     browser_->SetBook(*book_);
     browser_->setAccessibleName(tr("Page"));
     auto* const buttons = new QHBoxLayout;

@@ -41,7 +41,7 @@ void ApplyFonts(QWidget& window) {
 
 QString StyleSheet(const Theme& theme) {
     QString sheet = QStringLiteral(R"(
-QMainWindow, QWidget#centralwidget, QWidget[page="true"] { background: @window; color: @text; }
+QMainWindow, QDialog, QWidget#centralwidget, QWidget[page="true"] { background: @window; color: @text; }
 QMenuBar { background: @card; color: @text; padding: 2px; }
 QMenuBar::item { padding: 4px 10px; background: transparent; }
 QMenuBar::item:selected { background: @field; }
@@ -68,6 +68,8 @@ QPushButton[role="primary"] { background: @accent; color: @onAccent; border-colo
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
+QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @border; outline: none;
+    selection-background-color: @accent; selection-color: @onAccent; }
 QCheckBox { color: @text; spacing: 8px; }
 QCheckBox:disabled { color: @quiet; }
 QTabWidget::pane { border: none; border-top: 1px solid @border; background: @window; }

@@ -9,8 +9,13 @@
 #include <memory>
 
 #include "platform/chm/ChmHelpBook.h"
+#include "support/FormRig.h"
+#include "support/RecordingLauncher.h"
+#include "support/RecordingPrinter.h"
+#include "ui/AboutDialog.h"
 #include "ui/FaceStyle.h"
 #include "ui/HelpWindow.h"
+#include "ui/PrintDialog.h"
 #include "ui/Theme.h"
 
 namespace {
@@ -41,6 +46,28 @@ bool PictureHelp(const Save& save) {
     return save(window, "help-search");
 }
 
+bool PicturePrint(const Save& save) {
+    FormRig rig;
+    RecordingPrinter printer(rig.log);
+    printer.printers = {"Office_LaserJet_Second_Floor", "Workshop"};
+    frmPrint form(printer, rig.dialogs);
+    for (const char* name : {"print", "print-no-printer"}) {
+        form.Form_Load();
+        ui::PrintDialog dialog(form, rig.form.Guard);
+        if (!save(dialog, name)) return false;
+        printer.printers.clear();
+    }
+    return true;
+}
+
+bool PictureAbout(const Save& save) {
+    FormRig rig;
+    RecordingLauncher launcher(rig.log);
+    frmAbout form(launcher, rig.dialogs, "Sonavex", {2, 1, 14, "Distortion meter and function generator"});
+    ui::AboutDialog dialog(form, rig.form.Guard);
+    return save(dialog, "about");
+}
+
 bool PictureAll(const QString& folder, bool dark) {
     const Save save = [&](QWidget& window, const char* name) {
         window.show();
@@ -49,7 +76,7 @@ bool PictureAll(const QString& folder, bool dark) {
                                       .arg(folder, QString::fromLatin1(name), dark ? "dark" : "light")
                                       .arg(qRound(window.devicePixelRatio() * 100)));
     };
-    return PictureHelp(save);
+    return PictureHelp(save) && PicturePrint(save) && PictureAbout(save);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 
+#include "gui/DialogPictures.h"
 #include "support/FormRig.h"
 #include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
@@ -152,6 +153,7 @@ int main(int argc, char** argv) {
         QApplication::setPalette(PaletteOf(dark));
         for (const Scene& scene : kScenes)
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
+        if (!DialogPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
     }
     return 0;
 }

@@ -40,7 +40,15 @@ protected:
     std::function<void(frmPrint&)> user;
     std::vector<std::string> offered;
     std::string preferred;
-    PrintCommand command{{printer, dialogs, desktop, [] { return CalendarDate{2026, 11, 21}; }}, measurement};
+    CommandButton cmdPrint;
+    MenuItem mnuPrint;
+    PrintCommand command{{printer, dialogs, desktop,
+                          [] {
+                              return CalendarDate{2026, 11, 21};
+                          }},
+                         measurement,
+                         cmdPrint,
+                         mnuPrint};
 };
 
 TEST_F(PrintServerTest, PrintsTwoCopiesAsTwoJobs) {
@@ -48,7 +56,7 @@ TEST_F(PrintServerTest, PrintsTwoCopiesAsTwoJobs) {
         dialog.txtCopies.UserTypes("2");
         dialog.cmdOk.Press();
     };
-    command.cmdPrint.Press();
+    cmdPrint.Press();
     const auto jobs = server.Jobs("Workshop", 2);
     ASSERT_THAT(jobs, SizeIs(2));
     for (const auto& job : jobs) EXPECT_THAT(TextOfPdf(job), HasSubstr("Frequency : 1000 Hz"));
@@ -60,7 +68,7 @@ TEST_F(PrintServerTest, OffersThePrintersAndPrintsOnTheOneChosen) {
         dialog.cmbPrinter.UserSelects(0);
         dialog.cmdOk.Press();
     };
-    command.cmdPrint.Press();
+    cmdPrint.Press();
     EXPECT_THAT(offered, ElementsAre("Office", "Workshop", "PDF file"));
     EXPECT_EQ(preferred, "Workshop");
     EXPECT_THAT(server.Jobs("Office", 1), SizeIs(1));
@@ -69,7 +77,7 @@ TEST_F(PrintServerTest, OffersThePrintersAndPrintsOnTheOneChosen) {
 
 TEST_F(PrintServerTest, PrintsNothingAfterACancelledDialog) {
     user = [](frmPrint& dialog) { dialog.cmdCancel.Press(); };
-    command.cmdPrint.Press();
+    cmdPrint.Press();
     EXPECT_THAT(server.Jobs("Office", 0), IsEmpty());
     EXPECT_THAT(server.Jobs("Workshop", 0), IsEmpty());
     EXPECT_THAT(server.Control({"lpstat", "-W", "all", "-o"}), IsEmpty());
@@ -80,14 +88,14 @@ TEST_F(PrintServerTest, GivesTheDefaultPrinterBack) {
         server.Control({"lpoptions", "-d", "Office"});
         dialog.cmdOk.Press();
     };
-    command.cmdPrint.Press();
+    cmdPrint.Press();
     EXPECT_EQ(printer.DefaultPrinter(), "Workshop");
 }
 
 TEST_F(PrintServerTest, PassesOnThatThePrinterTakesNoJobs) {
     server.Control({"cupsreject", "Workshop"});
     user = [](frmPrint& dialog) { dialog.cmdOk.Press(); };
-    command.cmdPrint.Press();
+    cmdPrint.Press();
     ASSERT_THAT(log.Of("Message"), SizeIs(1));
     EXPECT_THAT(log.Of("Message")[0], HasSubstr("The report could not be printed.\r\r"));
     EXPECT_THAT(log.Of("Message")[0], HasSubstr("not accepting jobs"));
@@ -99,7 +107,7 @@ TEST_F(PrintServerTest, PassesOnThatThePrinterIsGone) {
         server.Control({"lpadmin", "-x", "Workshop"});
         dialog.cmdOk.Press();
     };
-    command.cmdPrint.Press();
+    cmdPrint.Press();
     ASSERT_THAT(log.Of("Message"), SizeIs(1));
     EXPECT_THAT(log.Of("Message")[0], HasSubstr("does not exist"));
 }

@@ -51,6 +51,7 @@ public:
     void SetUpSoundControls() override { log_.Call("SetUpSoundControls"); }
     void UnloadDialogs() override { log_.Call("UnloadDialogs"); }
     void SaveAndRestoreInitial() override { log_.Call("SaveAndRestoreInitial"); }
+    void RestoreInitial() override { log_.Call("RestoreInitial"); }
 
 private:
     CallLog& log_;

@@ -5,7 +5,6 @@
 #include <set>
 #include <string>
 
-#include "core/ports/Help.h"
 #include "core/ports/Launcher.h"
 #include "support/CallLog.h"
 
@@ -34,17 +33,6 @@ public:
     std::int32_t error = 0;  // what Open and Run return
     std::set<std::string> files;
     std::map<std::string, MachineValue> values;  // "KEY|NAME", machine-wide
-
-private:
-    CallLog& log_;
-};
-
-// "ShowTopic NUMBER", "ShowContents".
-class RecordingHelp : public Help {
-public:
-    explicit RecordingHelp(CallLog& log) noexcept : log_(log) {}
-    void ShowTopic(std::int32_t topic) override { log_.Call("ShowTopic", std::to_string(topic)); }
-    void ShowContents() override { log_.Call("ShowContents"); }
 
 private:
     CallLog& log_;

@@ -6,7 +6,11 @@
 
 #include "app/common/WantedSound.h"
 #include "app/sonavex/SoundOffer.h"
-#include "ui/SplashWindow.h"
+#include "core/report/frmAbout.h"
+#include "platform/chm/ChmHelpBook.h"
+#include "platform/qt/QtWallClock.h"
+#include "ui/AboutDialog.h"
+#include "ui/PrintDialog.h"
 
 namespace sonavex::app {
 namespace {
@@ -17,6 +21,20 @@ ApplicationVersion Version() {
     return {SONAVEX_VERSION_MAJOR, SONAVEX_VERSION_MINOR, SONAVEX_VERSION_PATCH, kComment};
 }
 
+CalendarDate Today() {
+    const DateTime now = LocalDateTime();
+    return {now.year, now.month, now.day};
+}
+
+std::unique_ptr<HelpBook> OpenHelp(const std::string& file) {
+    return std::make_unique<ChmHelpBook>(file);
+}
+
+void WriteLine(std::string line) {
+    std::replace(line.begin(), line.end(), '\r', ' ');
+    std::cerr << "sonavex: " << line << '\n';
+}
+
 }  // namespace
 
 Program::Program()
@@ -24,7 +42,8 @@ Program::Program()
       loop_([this](const std::exception_ptr& error) { StreamError(error); }),
       store_(QtSettingsStore::DefaultFile(),
              [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }),
-      errorLog_(dialogs_) {}
+      help_(
+          dialogs_, [this] { return frmMain::HelpFileIn(desktop_.ApplicationFolder()); }, OpenHelp) {}
 
 Program::~Program() = default;
 
@@ -41,7 +60,8 @@ std::optional<int> Program::Open() {
         Load();
         if (!endStatus_) ShowWindow();
     } catch (const EndProgram& end) {
-        ShutDown();
+        CloseSplash();
+        if (form_) form_->ShutDown(end);
         return end.status;
     } catch (...) {
         return GiveUp(std::current_exception());
@@ -51,22 +71,61 @@ std::optional<int> Program::Open() {
 
 void Program::MakeForm() {
     sound_ = ChooseSound(WantedSoundFromEnvironment(), SoundMakers::Of(loop_), dialogs_);
+    errorLog_ = std::make_unique<DesktopErrorLog>(
+        DesktopErrorLog::Environment{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
+    errorLog_->OnLine = WriteLine;
     form_ = std::make_unique<frmMain>(
-        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, errorLog_, mixers_});
+        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_});
     form_->OnUnloaded = [this](int status) {
         endStatus_ = status;
         QApplication::exit(status);
     };
+    ConnectDialogs();
+    ConnectMenus();
+}
+
+// The splash must not stand over a dialog.
+void Program::ConnectDialogs() {
+    modalForms_ = std::make_unique<ui::ModalForms>(
+        ui::ModalForms::World{*form_, errorLog_->State(), dialogs_, desktopFiles_, diagnostics_, help_});
+    errorLog_->ShowDialog = [this] {
+        CloseSplash();
+        modalForms_->ShowError();
+    };
+    form_->ShowDeviceDialog = [this] {
+        CloseSplash();
+        modalForms_->ShowDevices();
+    };
+}
+
+void Program::ConnectMenus() {
+    menus_ = std::make_unique<MenuCommands>(
+        MenuCommands::World{launcher_, dialogs_, help_, form_->Shared, Version()}, form_->Menus);
+    menus_->ShowAbout = [this] { ShowAbout(); };
+    print_ = std::make_unique<PrintCommand>(PrintCommand::World{printer_, dialogs_, desktop_, Today},
+                                            form_->Measurement.Controls, form_->cmdPrint, form_->mnuPrint);
+    print_->ShowPrintDialog = [this](frmPrint& form) { ui::PrintDialog(form, form_->Guard).Run(); };
+}
+
+void Program::ShowAbout() {
+    frmAbout about(launcher_, dialogs_, frmMain::kApplicationTitle, Version());
+    ui::AboutDialog(about, form_->Guard).Run();
+}
+
+void Program::CloseSplash() {
+    splash_.OnShow = {};
+    splash_.Unload();
+    splashWindow_.reset();
 }
 
 void Program::Load() {
-    ui::SplashWindow splashWindow(splash_);
-    splash_.OnShow = [&splashWindow] { splashWindow.Refresh(); };
+    splashWindow_ = std::make_unique<ui::SplashWindow>(splash_);
+    splash_.OnShow = [this] { splashWindow_->Refresh(); };
     splash_.Form_Load(Version());
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
     window_->TellSize();
     form_->Form_Load();
-    splash_.Unload();
+    CloseSplash();
 }
 
 void Program::ShowWindow() {
@@ -74,17 +133,15 @@ void Program::ShowWindow() {
 }
 
 int Program::GiveUp(const std::exception_ptr& error) {
-    if (form_)
+    CloseSplash();
+    if (form_) {
         form_->Guard.Fatal(error);
-    else
-        HandlerGuard(dialogs_, errorLog_).Fatal(error);
-    ShutDown();
+        form_->Form_QueryUnload();
+    } else {
+        ReportLastError(error);
+    }
     store_.DiscardChanges();
     return 1;
-}
-
-void Program::ShutDown() {
-    if (form_) form_->Form_QueryUnload();
 }
 
 QString Program::SimulatedName() const {
@@ -98,9 +155,7 @@ void Program::StreamError(const std::exception_ptr& error) {
 
 void ReportLastError(const std::exception_ptr& error) {
     const RuntimeError runtimeError = HandlerGuard::AsRuntimeError(error);
-    std::string line = HandlerGuard::Text(runtimeError);
-    std::replace(line.begin(), line.end(), '\r', ' ');
-    std::cerr << "sonavex: " << line << '\n';
+    WriteLine(HandlerGuard::Text(runtimeError));
     QtDialogs(frmMain::kApplicationTitle).Message(HandlerGuard::Text(runtimeError), MessageIcon::kCritical);
 }
 

@@ -5,16 +5,26 @@
 #include <memory>
 #include <optional>
 
-#include "app/sonavex/MessageErrorLog.h"
 #include "core/mixer/AbsentMixers.h"
 #include "core/ports/SoundSystem.h"
+#include "core/report/DesktopErrorLog.h"
+#include "core/report/MenuCommands.h"
+#include "core/report/PrintCommand.h"
+#include "core/settings/Settings.h"
 #include "core/shell/frmMain.h"
 #include "core/shell/frmSplash.h"
 #include "platform/qt/QtDesktop.h"
+#include "platform/qt/QtDesktopFiles.h"
+#include "platform/qt/QtDiagnostics.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
+#include "platform/qt/QtLauncher.h"
+#include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSettingsStore.h"
+#include "ui/HelpViewer.h"
 #include "ui/MainWindow.h"
+#include "ui/ModalForms.h"
+#include "ui/SplashWindow.h"
 
 namespace sonavex::app {
 
@@ -41,9 +51,12 @@ public:
 private:
     void MakeForm();
     void Load();
+    void ConnectDialogs();
+    void ConnectMenus();
+    void ShowAbout();
+    void CloseSplash();
     void ShowWindow();
     int GiveUp(const std::exception_ptr& error);
-    void ShutDown();
     QString SimulatedName() const;
     void StreamError(const std::exception_ptr& error);
 
@@ -52,11 +65,21 @@ private:
     QtEventLoop loop_;
     QtDesktop desktop_;
     QtSettingsStore store_;
-    MessageErrorLog errorLog_;
+    Settings settings_{store_};
+    QtDesktopFiles desktopFiles_;
+    QtDiagnostics diagnostics_;
+    QtLauncher launcher_;
+    QtPrinter printer_;
+    ui::HelpViewer help_;
     AbsentMixers mixers_;
     frmSplash splash_{dialogs_, loop_};
+    std::unique_ptr<ui::SplashWindow> splashWindow_;
     std::unique_ptr<SoundSystem> sound_;
+    std::unique_ptr<DesktopErrorLog> errorLog_;
     std::unique_ptr<frmMain> form_;
+    std::unique_ptr<ui::ModalForms> modalForms_;
+    std::unique_ptr<MenuCommands> menus_;
+    std::unique_ptr<PrintCommand> print_;
     std::unique_ptr<ui::MainWindow> window_;
     std::optional<int> endStatus_;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/support/BusyPointer.h"
 #include "core/support/ScopedFlag.h"
 
 namespace sonavex {
@@ -16,23 +17,6 @@ constexpr std::size_t kNotifications = 4;
 // Blocks that the step of a start or of an overrun may take through the devices until it is captured:
 // the playback buffer's length.
 constexpr std::int32_t kSettlingBlocks = 8;
-
-class BusyPointer {
-public:
-    explicit BusyPointer(Dialogs& dialogs) : dialogs_(dialogs) { dialogs_.SetBusyPointer(true); }
-    ~BusyPointer() { Restore(); }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-
-    void Restore() {
-        if (shown_) dialogs_.SetBusyPointer(false);
-        shown_ = false;
-    }
-
-private:
-    Dialogs& dialogs_;
-    bool shown_ = true;
-};
 
 }  // namespace
 

@@ -15,9 +15,12 @@ class Label : public Control {
 public:
     const std::string& Caption() const noexcept { return caption_; }
     void SetCaption(std::string_view caption) { Assign(caption_, caption); }
+    bool Visible() const noexcept { return visible_; }
+    void SetVisible(bool visible) { Assign(visible_, visible); }
 
 private:
     std::string caption_;
+    bool visible_ = true;
 };
 
 // A line of text that the user types or the instrument writes.

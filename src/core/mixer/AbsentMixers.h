@@ -13,6 +13,7 @@ public:
     void SetUpSoundControls() override {}
     void UnloadDialogs() override {}
     void SaveAndRestoreInitial() override {}
+    void RestoreInitial() override {}
 };
 
 }  // namespace sonavex

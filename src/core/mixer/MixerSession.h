@@ -19,6 +19,9 @@ public:
 
     // Shutdown: saves the present levels and gives the user's own back.
     virtual void SaveAndRestoreInitial() = 0;
+
+    // The end at once: gives the user's own levels back and saves nothing.
+    virtual void RestoreInitial() = 0;
 };
 
 }  // namespace sonavex

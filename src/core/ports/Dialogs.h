@@ -29,6 +29,8 @@ public:
 // point catches it.
 struct EndProgram {
     int status = 0;
+    // Nothing more is stored; the user's own mixer levels are given back all the same.
+    bool atOnce = false;
 };
 
 }  // namespace sonavex

@@ -22,13 +22,19 @@ constexpr const char* kOlderPlayPanel = "sndvol32 -P -D";
 
 }  // namespace
 
-MenuCommands::MenuCommands(World world) : world_(std::move(world)) {
-    mnuAbout.Click.Handle([this] { mnuAbout_Click(); });
-    mnuHelpContents.Click.Handle([this] { mnuHelpContents_Click(); });
-    mnuCheckVersion.Click.Handle([this] { mnuCheckVersion_Click(); });
-    mnuemail.Click.Handle([this] { mnuemail_Click(); });
-    mnuInputControl.Click.Handle([this] { mnuInputControl_Click(); });
-    mnuPlayControl.Click.Handle([this] { mnuPlayControl_Click(); });
+MenuCommands::MenuCommands(World world, MenuControls& menus) : world_(std::move(world)), menus_(menus) {
+    menus_.mnuAbout.Click.Handle([this] { mnuAbout_Click(); });
+    menus_.mnuHelpContents.Click.Handle([this] { mnuHelpContents_Click(); });
+    menus_.mnuCheckVersion.Click.Handle([this] { mnuCheckVersion_Click(); });
+    menus_.mnuemail.Click.Handle([this] { mnuemail_Click(); });
+    menus_.mnuInputControl.Click.Handle([this] { mnuInputControl_Click(); });
+    menus_.mnuPlayControl.Click.Handle([this] { mnuPlayControl_Click(); });
+}
+
+MenuCommands::~MenuCommands() {
+    for (MenuItem* item : {&menus_.mnuAbout, &menus_.mnuHelpContents, &menus_.mnuCheckVersion,
+                           &menus_.mnuemail, &menus_.mnuInputControl, &menus_.mnuPlayControl})
+        item->Click.Handle({});
 }
 
 void MenuCommands::mnuAbout_Click() {

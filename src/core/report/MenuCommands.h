@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <functional>
 
-#include "core/controls/Commands.h"
 #include "core/ports/Dialogs.h"
 #include "core/ports/Help.h"
 #include "core/ports/Launcher.h"
+#include "core/report/MenuControls.h"
 #include "core/settings/SharedState.h"
 #include "core/text/ApplicationVersion.h"
 
@@ -24,14 +24,11 @@ public:
         ApplicationVersion version;
     };
 
-    explicit MenuCommands(World world);
-
-    MenuItem mnuAbout;
-    MenuItem mnuHelpContents;
-    MenuItem mnuCheckVersion;
-    MenuItem mnuemail;
-    MenuItem mnuInputControl;
-    MenuItem mnuPlayControl;
+    // Handles the entries from now on; they must outlive the commands.
+    MenuCommands(World world, MenuControls& menus);
+    ~MenuCommands();
+    MenuCommands(const MenuCommands&) = delete;
+    MenuCommands& operator=(const MenuCommands&) = delete;
 
     // Mixer devices of the capture and of the playback side, for the older system's volume panels.
     std::int32_t MixerDeviceNumber = 0;
@@ -52,6 +49,7 @@ private:
     bool Connected(const char* question);
 
     World world_;
+    MenuControls& menus_;
 };
 
 }  // namespace sonavex

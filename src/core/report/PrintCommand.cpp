@@ -15,9 +15,20 @@ constexpr std::int32_t kLastGenerationOfOneCopy = 4;
 
 }  // namespace
 
-PrintCommand::PrintCommand(const World& world, const MeasurementControls& measurement)
-    : Dialog(world.printer, world.dialogs), world_(world), measurement_(measurement) {
-    cmdPrint.Click.Handle([this] { cmdPrint_Click(); });
+PrintCommand::PrintCommand(const World& world, const MeasurementControls& measurement,
+                           CommandButton& cmdPrint, MenuItem& mnuPrint)
+    : Dialog(world.printer, world.dialogs),
+      world_(world),
+      measurement_(measurement),
+      cmdPrint_(cmdPrint),
+      mnuPrint_(mnuPrint) {
+    cmdPrint_.Click.Handle([this] { cmdPrint_Click(); });
+    mnuPrint_.Click.Handle([this] { cmdPrint_.Press(); });
+}
+
+PrintCommand::~PrintCommand() {
+    cmdPrint_.Click.Handle({});
+    mnuPrint_.Click.Handle({});
 }
 
 void PrintCommand::cmdPrint_Click() {

@@ -24,9 +24,13 @@ public:
         std::function<CalendarDate()> today;
     };
 
-    PrintCommand(const World& world, const MeasurementControls& measurement);
+    // Handles the button, which the menu entry presses, from now on. Both must outlive the command.
+    PrintCommand(const World& world, const MeasurementControls& measurement, CommandButton& cmdPrint,
+                 MenuItem& mnuPrint);
+    ~PrintCommand();
+    PrintCommand(const PrintCommand&) = delete;
+    PrintCommand& operator=(const PrintCommand&) = delete;
 
-    CommandButton cmdPrint;
     frmPrint Dialog;
 
     // Shows the dialog, loaded, and returns when it has closed. Without it nothing can be chosen and
@@ -40,6 +44,8 @@ private:
 
     World world_;
     const MeasurementControls& measurement_;
+    CommandButton& cmdPrint_;
+    MenuItem& mnuPrint_;
 };
 
 }  // namespace sonavex

@@ -39,7 +39,7 @@ void HandlerGuard::Run(const std::function<void()>& handler) {
     try {
         handler();
     } catch (const EndProgram& end) {
-        if (OnEnd) OnEnd(end.status);
+        if (OnEnd) OnEnd(end);
     } catch (...) {
         Show(AsRuntimeError(std::current_exception()));
     }
@@ -49,7 +49,7 @@ void HandlerGuard::StreamError(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);
     } catch (const EndProgram& end) {
-        if (OnEnd) OnEnd(end.status);
+        if (OnEnd) OnEnd(end);
         return;
     } catch (...) {
     }

@@ -30,8 +30,8 @@ public:
 
     // Told when a message opens (true) and when it has been closed (false).
     std::function<void(bool)> OnMessageOpen;
-    // The program is to end with this status.
-    std::function<void(int)> OnEnd;
+    // The program is to end.
+    std::function<void(const EndProgram&)> OnEnd;
 
     // "Run-time error '13':" with the text below.
     static std::string Text(const RuntimeError& error);

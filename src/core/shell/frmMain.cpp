@@ -4,7 +4,8 @@
 #include <filesystem>
 
 #include "core/settings/SampleRates.h"
-#include "core/shell/Windows.h"
+#include "core/settings/Windows.h"
+#include "core/support/ScopedFlag.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -37,29 +38,36 @@ frmMain::frmMain(const World& world)
       world_(world) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
+    mnuSelectCard.Click.Handle([this] { mnuSelectCard_Click(); });
     Signals.SetPlaybackVolume([this](std::int32_t level) {
         if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
     });
     Engine.OnLimitsChanged = [this] { Signals.FollowLimits(); };
     Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
-    Guard.OnEnd = [this](int status) { End(status); };
+    Guard.OnEnd = [this](const EndProgram& end) { End(end); };
     Engine.OnBlockQueued = [this] {
         Guard.BlockSucceeded();
         Watch.BlockQueued();
     };
+    Measurement.OnBlock([this] {
+        if (Measurement.Updated() && Measurement.Analysis().FreqLocked) mnuPrint.SetEnabled(true);
+    });
+    Watch.Held = [this] { return choosingDevices_; };
     Watch.OnChanged = [this] { ShowStreamState(); };
     Watch.OnRestarted = [this] { world_.mixers.SetUpSoundControls(); };
-    Watch.ChooseDevices = [this] {
-        if (ShowDeviceDialog) ShowDeviceDialog();
-    };
-    endLater_ = world.loop.CreateSignal([this] { End(*endStatus_); });
+    Watch.ChooseDevices = [this] { ChooseDevices(); };
+    endLater_ = world.loop.CreateSignal([this] { End(*end_); });
 }
 
 frmMain::~frmMain() = default;
 
+std::string frmMain::HelpFileIn(const std::string& folder) {
+    return (std::filesystem::path(folder) / kHelpFileName).string();
+}
+
 void frmMain::Form_Load() {
     RefuseSecondInstance();
-    HelpFile = (std::filesystem::path(world_.desktop.ApplicationFolder()) / kHelpFileName).string();
+    HelpFile = HelpFileIn(world_.desktop.ApplicationFolder());
     RestorePosition();
     Reached(Started::kPosition);
     Shared.OsMajorVersion = world_.desktop.OsMajorVersion();
@@ -108,7 +116,7 @@ void frmMain::LimitFrequencySliders() {
 }
 
 void frmMain::CreateSoundDevices() {
-    if (!Engine.CreateDevices() && ShowDeviceDialog) ShowDeviceDialog();
+    if (!Engine.CreateDevices()) ChooseDevices();
 }
 
 void frmMain::StartStream() {
@@ -170,19 +178,37 @@ void frmMain::ShutdownStep(bool due, const std::function<void()>& step) {
     }
 }
 
+void frmMain::EndAtOnce() {
+    if (unloaded_) return;
+    unloaded_ = true;
+    Watch.Stop();
+    ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
+    ShutdownStep(true, [this] { Engine.Stop(); });
+    ShutdownStep(true, [this] { world_.mixers.UnloadDialogs(); });
+    ShutdownStep(Has(Started::kMixers), [this] { world_.mixers.RestoreInitial(); });
+    ShutdownStep(true, [this] { Engine.Release(); });
+}
+
+void frmMain::ShutDown(const EndProgram& end) {
+    if (end.atOnce)
+        EndAtOnce();
+    else
+        Form_QueryUnload();
+}
+
 bool frmMain::Busy() const {
     return Engine.Restarting() || HiTimer1->Ticking();
 }
 
-void frmMain::End(int status) {
-    if (!endStatus_) endStatus_ = status;
+void frmMain::End(const EndProgram& end) {
+    if (!end_) end_ = end;
     if (Busy()) {
         endLater_->Raise();
         return;
     }
     if (unloaded_) return;
-    Form_QueryUnload();
-    if (OnUnloaded) OnUnloaded(*endStatus_);
+    ShutDown(*end_);
+    if (OnUnloaded) OnUnloaded(end_->status);
 }
 
 void frmMain::cmdExit_Click() {
@@ -191,6 +217,37 @@ void frmMain::cmdExit_Click() {
 
 void frmMain::mnuExit_Click() {
     cmdExit.Press();
+}
+
+void frmMain::mnuSelectCard_Click() {
+    for (Label* label : {&lblInput, &lblOutput, &lblSampleRate}) label->SetCaption("Stopped");
+    world_.mixers.UnloadDialogs();
+    ChooseDevices();
+}
+
+// One dialog at a time has the engine in its hands.
+void frmMain::ChooseDevices() {
+    if (choosingDevices_ || !ShowDeviceDialog) return;
+    const ScopedFlag choosing(choosingDevices_);
+    ShowDeviceDialog();
+}
+
+frmDevices::Environment frmMain::DevicesEnvironment(DesktopFiles& files, Help& help) {
+    return {Shared,
+            Stored,
+            world_.sound,
+            world_.loop,
+            world_.dialogs,
+            world_.desktop,
+            files,
+            help,
+            Engine,
+            Measurement.Tones,
+            [this] { world_.mixers.SetUpSoundControls(); }};
+}
+
+frmDevices::MainControls frmMain::DevicesControls() {
+    return {lblInput, lblOutput, lblSampleRate, Signals.Signal.Command1, Signals.Memory.cmdStartMemory};
 }
 
 }  // namespace sonavex

@@ -9,6 +9,7 @@
 #include "core/audio/StreamEngine.h"
 #include "core/audio/StreamWatch.h"
 #include "core/audio/SweepTimer.h"
+#include "core/audio/frmDevices.h"
 #include "core/controls/Choices.h"
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
@@ -17,6 +18,7 @@
 #include "core/generator/GeneratorPanel.h"
 #include "core/mixer/MixerSession.h"
 #include "core/ports/Desktop.h"
+#include "core/report/MenuControls.h"
 #include "core/settings/Settings.h"
 #include "core/settings/SharedState.h"
 #include "core/shell/HandlerGuard.h"
@@ -29,6 +31,9 @@ namespace sonavex {
 class frmMain {
 public:
     static constexpr const char* kApplicationTitle = "Sonavex";
+
+    // Path of the help file in the program's folder.
+    static std::string HelpFileIn(const std::string& folder);
 
     // What the form works with. Everything must outlive it.
     struct World {
@@ -54,18 +59,28 @@ public:
     // that fails is logged and shown, the others run all the same. Does nothing the second time.
     void Form_QueryUnload();
 
-    // The user closes the window, by whatever way: End(0).
-    void Unload() { End(0); }
-    // Runs the shutdown and then OnUnloaded with this status; deferred until a tick or a restart of the
-    // engine that is under way has ended. The first status asked for counts.
-    void End(int status);
+    // The user closes the window, by whatever way: an end with status 0.
+    void Unload() { End({}); }
+    // Runs the shutdown that this end asks for and then OnUnloaded with its status; deferred until a tick or
+    // a restart of the engine that is under way has ended. The first end asked for counts.
+    void End(const EndProgram& end);
+    // Form_QueryUnload or EndAtOnce.
+    void ShutDown(const EndProgram& end);
     std::function<void(int status)> OnUnloaded;
 
     void cmdExit_Click();
     void mnuExit_Click();
+    // The readings are said to have stopped while the devices are being selected.
+    void mnuSelectCard_Click();
 
-    // Shows the device selection dialog and returns when it has closed.
+    // The end without the shutdown: stops the sound and gives the user's mixer levels back; stores nothing.
+    void EndAtOnce();
+
+    // Shows the device selection dialog and returns when it has closed. May throw EndProgram.
     std::function<void()> ShowDeviceDialog;
+    // What that dialog works with.
+    frmDevices::Environment DevicesEnvironment(DesktopFiles& files, Help& help);
+    frmDevices::MainControls DevicesControls();
 
     Window Frame{"frmMain"};
     Label lblInput;
@@ -73,8 +88,11 @@ public:
     Label lblSampleRate;
     TabStrip TabStrip1{2};
     CommandButton cmdExit;
+    CommandButton cmdPrint;
     MenuItem mnuExit;
     MenuItem mnuPrint;
+    MenuItem mnuSelectCard;
+    MenuControls Menus;
 
     SharedState Shared;
     Settings Stored;
@@ -100,6 +118,7 @@ private:
     void RestoreSampleRate();
     void LimitFrequencySliders();
     void CreateSoundDevices();
+    void ChooseDevices();
     void StartStream();
     void SelectLastTab();
     void ShowStreamState();
@@ -111,7 +130,8 @@ private:
     World world_;
     Started started_ = Started::kNothing;
     bool unloaded_ = false;
-    std::optional<int> endStatus_;
+    std::optional<EndProgram> end_;
+    bool choosingDevices_ = false;
     std::unique_ptr<Signal> endLater_;
 };
 

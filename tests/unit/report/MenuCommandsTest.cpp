@@ -4,6 +4,7 @@
 #include "core/report/WebPages.h"
 #include "support/Recorders.h"
 #include "support/RecordingLauncher.h"
+#include "support/ReportFakes.h"
 
 namespace sonavex {
 namespace {
@@ -17,7 +18,8 @@ protected:
     RecordingDialogs dialogs{log};
     RecordingHelp help{log};
     SharedState shared;
-    MenuCommands menus{{launcher, dialogs, help, shared, {2, 1, 14, "Comment"}}};
+    MenuControls menus;
+    MenuCommands commands{{launcher, dialogs, help, shared, {2, 1, 14, "Comment"}}, menus};
 };
 
 TEST_F(MenuCommandsTest, ChecksTheVersionAfterAYes) {
@@ -52,7 +54,7 @@ TEST_F(MenuCommandsTest, TellsTheNumberWhenThePageDoesNotOpen) {
 }
 
 TEST_F(MenuCommandsTest, StartsThePanelsOfTheNewerSystems) {
-    menus.MixerDeviceNumber = 3;
+    commands.MixerDeviceNumber = 3;
     for (const std::int32_t generation : {6, 10}) {
         log.Clear();
         shared.OsMajorVersion = generation;
@@ -66,8 +68,8 @@ TEST_F(MenuCommandsTest, StartsThePanelsOfTheOlderSystemsWithTheMixersNumbers) {
     shared.OsMajorVersion = 5;
     menus.mnuInputControl.UserChooses();
     menus.mnuPlayControl.UserChooses();
-    menus.MixerDeviceNumber = 2;
-    menus.PlayMixerDeviceNumber = 11;
+    commands.MixerDeviceNumber = 2;
+    commands.PlayMixerDeviceNumber = 11;
     menus.mnuInputControl.UserChooses();
     menus.mnuPlayControl.UserChooses();
     EXPECT_THAT(log.Lines(), ElementsAre("Run sndvol32 -R -D0", "Run sndvol32 -P -D0", "Run sndvol32 -R -D2",
@@ -89,14 +91,29 @@ TEST_F(MenuCommandsTest, ShowsTheContentsOfTheHelpFile) {
 
 TEST_F(MenuCommandsTest, ShowsTheAboutBox) {
     menus.mnuAbout.UserChooses();  // nobody listens yet
-    menus.ShowAbout = [this] { log.Call("ShowAbout"); };
+    commands.ShowAbout = [this] { log.Call("ShowAbout"); };
     menus.mnuAbout.UserChooses();
     EXPECT_THAT(log.Lines(), ElementsAre("ShowAbout"));
 }
 
+TEST(MenuCommandsEndTest, LeavesEntriesThatDoNothing) {
+    CallLog log;
+    RecordingLauncher launcher(log);
+    RecordingDialogs dialogs(log);
+    RecordingHelp help(log);
+    const SharedState shared;
+    MenuControls menus;
+    { const MenuCommands commands({launcher, dialogs, help, shared, {}}, menus); }
+    menus.mnuHelpContents.UserChooses();
+    menus.mnuCheckVersion.UserChooses();
+    EXPECT_THAT(log.Lines(), testing::IsEmpty());
+}
+
 TEST(WebPagesTest, AreAllOnTheOneHost) {
+    std::string start = "https://";
+    start.append(web_page::kHost).append("/");
     for (const std::string& page : {web_page::UpdateCheck({}), web_page::Contact(), web_page::Home()})
-        EXPECT_EQ(page.rfind(std::string("https://") + web_page::kHost + "/", 0), 0U) << page;
+        EXPECT_THAT(page, testing::StartsWith(start));
     EXPECT_EQ(web_page::Home(), "https://sonavex.example/");
 }
 

@@ -18,7 +18,7 @@ protected:
             if (user) user(dialog);
         };
     }
-    void Press() { command.cmdPrint.Press(); }
+    void Press() { cmdPrint.Press(); }
 
     CallLog log;
     RecordingPrinter printer{log};
@@ -26,7 +26,15 @@ protected:
     FakeDesktop desktop{log};
     MeasurementControls measurement;
     std::function<void(frmPrint&)> user;
-    PrintCommand command{{printer, dialogs, desktop, [] { return CalendarDate{2026, 11, 21}; }}, measurement};
+    CommandButton cmdPrint;
+    MenuItem mnuPrint;
+    PrintCommand command{{printer, dialogs, desktop,
+                          [] {
+                              return CalendarDate{2026, 11, 21};
+                          }},
+                         measurement,
+                         cmdPrint,
+                         mnuPrint};
 };
 
 TEST_F(PrintCommandTest, PrintsOnceOnTheDefaultPrinter) {
@@ -36,6 +44,15 @@ TEST_F(PrintCommandTest, PrintsOnceOnTheDefaultPrinter) {
                                          "BeginPage courier new 12 8.5x11", "EndDoc"));
     ASSERT_EQ(printer.documents.size(), 1U);
     EXPECT_EQ(printer.documents[0][1], "0.80 0.69 Date : Nov 21, 2026");
+}
+
+TEST_F(PrintCommandTest, IsPressedByTheMenuEntry) {
+    user = [](frmPrint& dialog) { dialog.cmdOk.Press(); };
+    mnuPrint.UserChooses();
+    EXPECT_EQ(log.Count("EndDoc"), 1U);
+    mnuPrint.SetEnabled(false);
+    mnuPrint.UserChooses();
+    EXPECT_EQ(log.Count("EndDoc"), 1U);
 }
 
 TEST_F(PrintCommandTest, PrintsEachCopyAsADocument) {

@@ -41,7 +41,7 @@ TEST(HandlerGuard, KnowsErrorsOfTheLanguageToo) {
 TEST(HandlerGuard, EndsTheProgramWhereAsked) {
     GuardRig rig;
     int status = -1;
-    rig.guard.OnEnd = [&](int asked) { status = asked; };
+    rig.guard.OnEnd = [&](const EndProgram& asked) { status = asked.status; };
     rig.guard.Run([] { throw EndProgram{3}; });
     EXPECT_EQ(status, 3);
     rig.guard.StreamError(std::make_exception_ptr(EndProgram{4}));

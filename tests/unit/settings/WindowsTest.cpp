@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/shell/Windows.h"
+#include "core/settings/Windows.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "support/Errors.h"
 

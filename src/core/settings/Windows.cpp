@@ -1,4 +1,4 @@
-#include "core/shell/Windows.h"
+#include "core/settings/Windows.h"
 
 #include <string>
 

@@ -1,0 +1,121 @@
+#include "core/report/DesktopErrorLog.h"
+
+#include <exception>
+#include <utility>
+
+#include "core/ports/SoundErrors.h"
+#include "core/report/ErrorNames.h"
+#include "core/support/ScopedFlag.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kStart =
+    "+++++++++++++++++++++++++++++++++ START ++++++++++++++++++++++++++++++++++++++";
+constexpr const char* kEnd = "+++++++++++++++++++++++++++++++++ END ++++++++++++++++++++++++++++++++++++++";
+constexpr const char* kInputs = "=================== input Devices =======================";
+constexpr const char* kOutputs = "==================== Output Devices ========================";
+constexpr const char* kSelected = "****** Selected *******";
+constexpr const char* kFileCreated =
+    "\r\rA file named 'Quenby Error.txt' has been created on your desktop\r"
+    "If you are unable to resolve this problem, contact Quenby Software for instuctions to email this file";
+constexpr const char* kFileFailed = "\r\rThe file 'Quenby Error.txt' cannot be written on your desktop:\r";
+
+// What the action returns, nothing when it fails.
+template <class Action>
+auto Attempt(Action action) noexcept -> decltype(action()) {
+    try {
+        return action();
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+std::string Line(const std::string& text) {
+    return text + '\n';
+}
+
+// Description and identifier, with the mark of the selected device.
+std::string Entry(const SoundDeviceInfo& device, const std::string& selected) {
+    return Line(device.description) +
+           Line(device.identifier + (device.identifier == selected ? kSelected : ""));
+}
+
+std::string InputEntries(const SoundDeviceList& devices, const std::string& selected) {
+    std::string text;
+    for (const SoundDeviceInfo& device : devices) text += Entry(device, selected);
+    return text;
+}
+
+std::string OutputEntries(const SoundDeviceList& devices, const std::string& selected) {
+    std::string text;
+    for (const SoundDeviceInfo& device : devices)
+        text += Entry(device, selected) + Line(device.module) + Line("");
+    return text;
+}
+
+std::string ErrorLines(const RuntimeError& error) {
+    return Line(std::string("Error Description: ") + error.what()) +
+           Line("Error Number (Hex/Decimal/Description) : " + Hex(error.Number()) + '/' +
+                CStr(error.Number()) + '/' + SoundErrorName(error.Number()));
+}
+
+}  // namespace
+
+DesktopErrorLog::DesktopErrorLog(Environment environment) : env_(std::move(environment)) {}
+
+std::int32_t DesktopErrorLog::WriteErrorLog(std::string& tStr, const RuntimeError& error) {
+    try {
+        env_.files.Append(desktop_file::kError, Record(tStr, error));
+        tStr += kFileCreated;
+    } catch (const std::exception& failure) {
+        tStr += std::string(kFileFailed) + failure.what();
+    }
+    state_.Message = tStr;
+    if (dialogOpen_ || !ShowDialog) return 0;
+    const ScopedFlag open(dialogOpen_);
+    ShowDialog();
+    return 0;
+}
+
+std::string DesktopErrorLog::Record(const std::string& message, const RuntimeError& error) {
+    const auto stored = [this](const SettingsKey& key) {
+        return Attempt([&] { return env_.settings.Text(key); });
+    };
+    std::string text = Line("") + Line(kStart) + Line(message);
+    text += Line("Three Mixers = " + stored(keys::kThreeMixers));
+    text += ErrorLines(error);
+    text += Line("Output Guid: " + stored(keys::kOutput));
+    text += Line(" Input Guid: " + stored(keys::kInput));
+    text += Line("  OsVersion: " + Attempt([&] { return CStr(env_.desktop.OsMajorVersion()); }));
+    text += Devices();
+    text += Line("Time: " + Attempt([&] { return DateAndTime(env_.now()); }));
+    return text + Line(kEnd);
+}
+
+// A sound server that does not answer is asked once only: each question takes seconds.
+std::string DesktopErrorLog::Devices() {
+    bool answers = true;
+    const auto list = [&](const auto& enumerate) {
+        SoundDeviceList devices;
+        try {
+            if (answers) devices = enumerate();
+        } catch (const RuntimeError& error) {
+            answers = error.Number() != sound_error::kUninitialized;
+        }
+        return devices;
+    };
+    std::string text = Line(kInputs);
+    text +=
+        InputEntries(list([&] { return env_.sound.EnumerateCapture(); }), env_.settings.Text(keys::kInput));
+    text += Line(kOutputs);
+    return text + OutputEntries(list([&] { return env_.sound.EnumeratePlayback(); }),
+                                env_.settings.Text(keys::kOutput));
+}
+
+void DesktopErrorLog::WriteLine(const std::string& line) {
+    if (OnLine) OnLine(line);
+}
+
+}  // namespace sonavex

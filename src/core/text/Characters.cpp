@@ -1,0 +1,30 @@
+#include "core/text/Characters.h"
+
+namespace sonavex {
+namespace {
+
+// Bytes of the character that a first byte announces.
+std::size_t AnnouncedBytes(unsigned char first) noexcept {
+    if (first >= 0xF0U && first < 0xF8U) return 4;
+    if (first >= 0xE0U && first < 0xF0U) return 3;
+    if (first >= 0xC0U && first < 0xE0U) return 2;
+    return 1;
+}
+
+bool Continues(char byte) noexcept {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+}  // namespace
+
+std::string_view Left(std::string_view text, std::size_t characters) noexcept {
+    std::size_t end = 0;
+    for (; characters > 0 && end < text.size(); --characters) {
+        std::size_t left = AnnouncedBytes(static_cast<unsigned char>(text[end]));
+        ++end;
+        while (--left > 0 && end < text.size() && Continues(text[end])) ++end;
+    }
+    return text.substr(0, end);
+}
+
+}  // namespace sonavex

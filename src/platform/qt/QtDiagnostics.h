@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QProcess>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/ports/Diagnostics.h"
+
+namespace sonavex {
+
+// A report made of what the installed programs of the sound system print, one after the other, each with
+// a time limit. They are started directly, without a shell, in the "C" locale and without input.
+class QtDiagnostics : public QObject, public Diagnostics {
+public:
+    struct Command {
+        QString program;
+        QStringList arguments;
+    };
+    // Servers, cards, devices, formats and versions.
+    static std::vector<Command> DefaultCommands();
+    static constexpr std::chrono::milliseconds kDefaultLimit{3000};  // of one command
+    static constexpr qint64 kMostBytes = 1 << 20;                    // of one command's output
+
+    explicit QtDiagnostics(std::vector<Command> commands = DefaultCommands(),
+                           std::chrono::milliseconds limit = kDefaultLimit);
+    ~QtDiagnostics() override;
+    QtDiagnostics(const QtDiagnostics&) = delete;
+    QtDiagnostics& operator=(const QtDiagnostics&) = delete;
+
+    // A program that is not installed is left out; one that has exceeded its limit is not started again.
+    void Start(Done done) override;
+    void Cancel() override;
+
+private:
+    void Begin(const Command& command);
+    void Next();
+    void TakeOutput();
+    void EndOf(const QString& remark);
+    void Stop();
+    void Finish();
+
+    std::vector<Command> commands_;
+    std::chrono::milliseconds limit_;
+    QTimer timer_;
+    std::unique_ptr<QProcess> process_;
+    Done done_;
+    std::size_t next_ = 0;
+    QSet<QString> unusable_;  // programs that are missing or stuck
+    bool anyStarted_ = false;
+    QByteArray output_;  // of the command that runs
+    QByteArray report_;
+};
+
+}  // namespace sonavex

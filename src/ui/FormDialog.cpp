@@ -1,0 +1,90 @@
+#include "ui/FormDialog.h"
+
+#include <QApplication>
+#include <QMoveEvent>
+#include <QScreen>
+#include <optional>
+#include <utility>
+
+namespace sonavex::ui {
+namespace {
+
+// The window that the dialog belongs to. The splash goes before its child would.
+QWidget* Owner() {
+    QWidget* const active = QApplication::activeWindow();
+    const bool splash = active != nullptr && active->windowType() == Qt::SplashScreen;
+    return splash ? nullptr : active;
+}
+
+// Takes the end of the program over while it lives.
+class EndTaker {
+public:
+    EndTaker(HandlerGuard& guard, std::function<void(const EndProgram&)> take)
+        : guard_(guard), before_(std::exchange(guard.OnEnd, std::move(take))) {}
+    ~EndTaker() { guard_.OnEnd = std::move(before_); }
+    EndTaker(const EndTaker&) = delete;
+    EndTaker& operator=(const EndTaker&) = delete;
+
+private:
+    HandlerGuard& guard_;
+    std::function<void(const EndProgram&)> before_;
+};
+
+// Positions are told from the top left of the primary screen.
+QPoint PrimaryOrigin() {
+    return QGuiApplication::primaryScreen()->geometry().topLeft();
+}
+
+bool OnAnyScreen(const QRect& frame) {
+    // Enough of it to take hold of.
+    for (const QScreen* screen : QGuiApplication::screens())
+        if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -40, -40))) return true;
+    return false;
+}
+
+}  // namespace
+
+FormDialog::FormDialog(Window& frame, HandlerGuard& guard, std::function<void()> unload)
+    : QDialog(Owner()), binder_(guard, [] {}), frame_(frame), guard_(guard), unload_(std::move(unload)) {
+    setModal(true);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+}
+
+void FormDialog::Run() {
+    std::optional<EndProgram> end;
+    {
+        const EndTaker taker(guard_, [&](const EndProgram& asked) {
+            if (!end) end = asked;
+            Close();
+        });
+        setWindowTitle(QString::fromStdString(frame_.Caption()));
+        binder_.Flush();
+        exec();
+    }
+    if (end) throw EndProgram(*end);
+}
+
+void FormDialog::reject() {
+    guard_.Run(unload_);
+}
+
+void FormDialog::TellSize() {
+    adjustSize();
+    frame_.SetSize(frameGeometry().width(), frameGeometry().height());
+}
+
+void FormDialog::Place() {
+    move(PrimaryOrigin() + QPoint(frame_.Left(), frame_.Top()));
+    if (!OnAnyScreen(QRect(pos(), size())))
+        move(QGuiApplication::primaryScreen()->availableGeometry().center() - rect().center());
+    placed_ = true;
+}
+
+void FormDialog::moveEvent(QMoveEvent* event) {
+    QDialog::moveEvent(event);
+    if (!placed_) return;
+    const QPoint place = pos() - PrimaryOrigin();
+    frame_.Move(place.x(), place.y());
+}
+
+}  // namespace sonavex::ui

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "core/ports/DesktopFiles.h"
+#include "core/ports/Diagnostics.h"
+#include "core/ports/Dialogs.h"
+#include "core/ports/Help.h"
+#include "core/report/ErrorState.h"
+#include "core/shell/frmMain.h"
+
+namespace sonavex::ui {
+
+// Opens the dialogs about sound devices and returns when they have closed. EndProgram leaves here when
+// one of them, or anything meanwhile, ends the program.
+class ModalForms {
+public:
+    // Everything must outlive this object.
+    struct World {
+        frmMain& form;
+        ErrorState& error;
+        Dialogs& dialogs;
+        DesktopFiles& files;
+        Diagnostics& diagnostics;
+        Help& help;
+    };
+
+    explicit ModalForms(const World& world) noexcept : world_(world) {}
+
+    void ShowDevices();
+    void ShowError();
+
+private:
+    World world_;
+};
+
+}  // namespace sonavex::ui

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QComboBox>
+
+namespace sonavex::ui {
+
+// A drop-down list in the colours of the face. A text that is too long ends in dots.
+class ChoiceBox : public QComboBox {
+    Q_OBJECT
+
+public:
+    explicit ChoiceBox(QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+};
+
+}  // namespace sonavex::ui

@@ -1,0 +1,206 @@
+// Selecting other devices while the instrument measures, on real servers.
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cmath>
+#include <string>
+
+#include "core/report/DesktopErrorLog.h"
+#include "core/text/Numbers.h"
+#include "platform/plain/PlainEventLoop.h"
+#include "platform/pulse/PulseSoundSystem.h"
+#include "support/FormRig.h"
+#include "support/PipeWireServer.h"
+#include "support/PulseServer.h"
+#include "support/ReportFakes.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+const NullSink kCard{"card", 48000, "TestCard"};
+const NullSink kOther{"other", 48000, "OtherCard"};
+
+// The instrument without its window on a server, measuring the monitor of its own sink.
+class Instrument {
+public:
+    explicit Instrument(const SoundServer& server) : sound(loop, server.Address()) {
+        store.Save("SoundCard", "Output", "card");
+        store.Save("SoundCard", "Input", "card.monitor");
+        store.Save("SoundCard", "SampleRate", "0");
+    }
+
+    // Plays a sine and waits until its frequency is read, as exact as a line of the spectrum is.
+    bool Measures() {
+        CommandButton& start = form.Signals.Signal.Command1;
+        if (start.Caption() == "Start Current") start.Press();
+        const std::uint64_t before = form.Engine.Blocks;
+        const MeasurementControls& meter = form.Measurement.Controls;
+        const double lineHz = form.Shared.SampleRate / 4096.0;
+        return loop.RunUntil(
+            [&] {
+                return form.Engine.Blocks > before + 40 && meter.picLocked.BackColor() == kLightGreen &&
+                       std::abs(Val(meter.txtFreq.Text()) - 1000.0) <= lineHz;
+            },
+            20s);
+    }
+    static void Select(ComboBox& list, const std::string& text) {
+        for (std::int32_t i = 0; i < list.Count(); ++i)
+            if (list.Items()[static_cast<std::size_t>(i)] == text) list.UserSelects(i);
+        EXPECT_EQ(list.Text(), text);
+    }
+    // Number of the sink that a sink's name stands for in the server's lists.
+    static std::string NumberOf(const SoundServer& server, const std::string& sink) {
+        const std::string list = "\n" + server.Control({"list", "short", "sinks"});
+        const std::size_t end = list.find("\t" + sink + "\t");
+        const std::size_t begin = list.rfind('\n', end) + 1;
+        return list.substr(begin, end - begin);
+    }
+
+    CallLog log;
+    MemorySettingsStore store;
+    Settings settings{store};
+    PlainEventLoop loop;
+    RecordingDialogs dialogs{log};
+    FakeDesktop desktop{log};
+    RecordingMixerSession mixers{log};
+    MemoryDesktopFiles files{log};
+    RecordingHelp help{log};
+    PulseSoundSystem sound;
+    DesktopErrorLog report{{settings, sound, desktop, files, FixedTime}};
+    frmMain form{{store, sound, loop, dialogs, desktop, report, mixers}};
+};
+
+// The form of the selection, loaded, over the instrument.
+struct Selection {
+    explicit Selection(Instrument& instrument)
+        : form(instrument.form.DevicesEnvironment(instrument.files, instrument.help),
+               instrument.form.DevicesControls()) {
+        form.OnUnloaded = [this] { closed = true; };
+        form.Form_Load();
+    }
+    frmDevices form;
+    bool closed = false;
+};
+
+void CheckSelectionOn(const SoundServer& server) {
+    Instrument instrument(server);
+    instrument.form.Form_Load();
+    ASSERT_TRUE(instrument.Measures());
+    instrument.form.ShowDeviceDialog = [&] {
+        Selection selection(instrument);
+        EXPECT_EQ(selection.form.cmbOutputMixer.Text(), "TestCard");
+        EXPECT_TRUE(selection.form.cmdCancel.Enabled());
+        Instrument::Select(selection.form.cmbOutputMixer, "OtherCard");
+        Instrument::Select(selection.form.cmbInputMixer, "Monitor of OtherCard");
+        selection.form.cmdOkay.Press();
+        EXPECT_TRUE(selection.closed);
+    };
+    instrument.form.mnuSelectCard.UserChooses();
+    EXPECT_EQ(instrument.form.lblOutput.Caption(), "OtherCard");
+    EXPECT_EQ(instrument.form.lblInput.Caption(), "Monitor of OtherCard");
+    EXPECT_EQ(instrument.store.Get("SoundCard", "Output", ""), "other");
+    EXPECT_FALSE(instrument.form.Measurement.Tones.SweepRunning);
+    EXPECT_TRUE(instrument.Measures());
+    EXPECT_THAT(server.Control({"list", "short", "sink-inputs"}),
+                HasSubstr("\t" + Instrument::NumberOf(server, "other") + "\t"));
+    EXPECT_EQ(instrument.log.Count("Append"), 0U);
+    instrument.form.Form_QueryUnload();
+}
+
+TEST(PulseDevicesForm, MovesTheMeasurementToAnotherSink) {
+    const PulseServer server({kCard, kOther});
+    CheckSelectionOn(server);
+}
+
+TEST(PulseDevicesForm, MovesTheMeasurementToAnotherSinkOnPipeWire) {
+    const PipeWireServer server({kCard, kOther});
+    CheckSelectionOn(server);
+}
+
+void CheckRatesOn(const SoundServer& server) {
+    Instrument instrument(server);
+    instrument.form.Form_Load();
+    for (const char* rate : {"44100", "32000", "48000"}) {
+        Selection selection(instrument);
+        Instrument::Select(selection.form.cmbSampleRate, rate);
+        selection.form.cmdOkay.Press();
+        EXPECT_TRUE(selection.closed) << rate;
+        EXPECT_EQ(instrument.form.lblSampleRate.Caption(), rate);
+        EXPECT_TRUE(instrument.Measures()) << rate;
+    }
+    instrument.form.Form_QueryUnload();
+}
+
+TEST(PulseDevicesForm, ChangesTheRate) {
+    const PulseServer server({kCard});
+    CheckRatesOn(server);
+}
+
+TEST(PulseDevicesForm, ChangesTheRateOnPipeWire) {
+    const PipeWireServer server({kCard});
+    CheckRatesOn(server);
+}
+
+// A card is unloaded between the list and the OK: one record, and another card can be taken.
+void CheckVanishedOn(const SoundServer& server) {
+    const std::string module = server.LoadNullSink(kOther);
+    Instrument instrument(server);
+    int shown = 0;
+    instrument.report.ShowDialog = [&] { ++shown; };
+    instrument.form.Form_Load();
+    Selection selection(instrument);
+    Instrument::Select(selection.form.cmbOutputMixer, "OtherCard");
+    server.Control({"unload-module", module});
+    selection.form.cmdOkay.Press();
+    EXPECT_FALSE(selection.closed);
+    EXPECT_FALSE(instrument.form.Shared.EventsReady);
+    EXPECT_EQ(shown, 1);
+    const std::string record = instrument.files.files["Quenby Error.txt"];
+    EXPECT_THAT(record, HasSubstr("Check proper sound card installation\n"));
+    EXPECT_THAT(record, HasSubstr("88780078/-2005401480/DSERR_NODRIVER\n"));
+    EXPECT_THAT(record, HasSubstr("Output Guid: other\n"));
+    EXPECT_THAT(record, HasSubstr("TestCard\ncard\nmodule-null-sink.c\n\n"));
+    EXPECT_THAT(record, HasSubstr("card.monitor****** Selected *******\n"));
+    EXPECT_THAT(record, EndsWith("+ END ++++++++++++++++++++++++++++++++++++++\n"));
+    Instrument::Select(selection.form.cmbOutputMixer, "TestCard");
+    selection.form.cmdOkay.Press();
+    EXPECT_TRUE(selection.closed);
+    EXPECT_EQ(instrument.files.files.count("Quenby Error.txt"), 0U);
+    EXPECT_TRUE(instrument.Measures());
+    instrument.form.Form_QueryUnload();
+}
+
+TEST(PulseDevicesForm, KeepsOpenForAnotherCardWhenOneIsGone) {
+    const PulseServer server({kCard});
+    CheckVanishedOn(server);
+}
+
+// A start with a stored card that is gone leads to the selection, which asks for another one.
+TEST(PulseDevicesForm, StartsThroughTheSelectionWhenTheStoredCardIsGone) {
+    const PulseServer server({kCard});
+    Instrument instrument(server);
+    instrument.store.Save("SoundCard", "Output", "gone");
+    int shown = 0;
+    instrument.report.ShowDialog = [&] { ++shown; };
+    instrument.form.ShowDeviceDialog = [&] {
+        Selection selection(instrument);
+        selection.form.cmdOkay.Press();
+        EXPECT_THAT(instrument.log.Of("Message"),
+                    testing::ElementsAre("Message critical Please select valid Playback/Output device"));
+        Instrument::Select(selection.form.cmbOutputMixer, "TestCard");
+        selection.form.cmdOkay.Press();
+        EXPECT_TRUE(selection.closed);
+    };
+    instrument.form.Form_Load();
+    EXPECT_EQ(shown, 1);
+    EXPECT_TRUE(instrument.Measures());
+    instrument.form.Form_QueryUnload();
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/audio/frmDevices.h"
+#include "support/EngineBench.h"
+#include "support/FormRig.h"
+#include "support/ReportFakes.h"
+
+namespace sonavex {
+
+// The selection of devices over an engine on scripted devices: playback "out-a" and "out-b", capture
+// "in-a" and "in-b", all calls in one log.
+struct DevicesRig : EngineBench {
+    explicit DevicesRig(std::int32_t osMajorVersion = 10) : EngineBench(osMajorVersion) {
+        form.OnUnloaded = [this] { ++unloads; };
+        form.Frame.SetSize(500, 300);
+        for (CommandButton* button : {&startCurrent, &startMemory})
+            button->Click.Handle([this, button] {
+                log.Note("Press " + button->Caption());
+                button->SetCaption("Start");
+            });
+    }
+    std::string Stored(const char* key) const { return store.Get("SoundCard", key, "(absent)"); }
+    // Loads the form and forgets what that recorded.
+    void Load() {
+        form.Form_Load();
+        log.Clear();
+    }
+    // Loads the form with the engine running on the first devices.
+    void LoadRunning() {
+        store.Save("SoundCard", "Output", "out-a");
+        store.Save("SoundCard", "Input", "in-a");
+        Start();
+        Load();
+    }
+
+    FakeDesktop desktop{log};
+    MemoryDesktopFiles files{log};
+    RecordingHelp help{log};
+    Generator generator{shared};
+    CommandButton startCurrent;
+    CommandButton startMemory;
+    frmDevices form{{shared, settings, sound, loop, dialogs, desktop, files, help, engine, generator,
+                     [this] { log.Call("SetUpSoundControls"); }},
+                    {lblInput, lblOutput, lblSampleRate, startCurrent, startMemory}};
+    int unloads = 0;
+};
+
+}  // namespace sonavex
