@@ -36,6 +36,9 @@ void FixSize(Widget& widget, const QString& widest) {
     widget.setText(text);
 }
 
+// As the form keeps from the lowest screen's bottom.
+constexpr int kBottomMargin = 50;
+
 // Positions are told from the top left of the primary screen.
 QPoint PrimaryOrigin() {
     return QGuiApplication::primaryScreen()->geometry().topLeft();
@@ -46,6 +49,12 @@ QString Spoken(const std::string& caption, const QString& word) {
     if (!word.isEmpty()) return word;
     const QString text = QString::fromStdString(caption);
     return IsNumeric(caption) ? text + " %" : text;
+}
+
+// What the total counts; nothing is measurable yet below the 2nd.
+QString HarmonicsUpTo(int highest) {
+    if (highest < 2) return QStringLiteral("H2–H9");
+    return highest == 2 ? QStringLiteral("H2") : QStringLiteral("H2–H%1").arg(highest);
 }
 
 bool IsReading(const std::string& caption) {
@@ -67,6 +76,7 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     for (QLabel* unit : {ui_->unitprgADC, ui_->unitprgDAC, ui_->unitThd}) KeepPlace(*unit);
     ApplyTheme(*this);
     FixSizes();
+    ExplainReadings();
     ui_->sldEndFreq->SetResetHz(20);
     // A sweep moves no control: its frequency is looked at while it lasts.
     sweepWatch_.setInterval(kSweepWatchMs);
@@ -77,6 +87,23 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::ExplainReadings() {
+    ui_->LblLevel->setToolTip(
+        tr("Largest sample of the input block in percent of full scale; Ovr: overload or no signal"));
+    ui_->lblDACLevel->setToolTip(
+        tr("Largest vector of the output block, without the generator, in percent of full scale"));
+    for (std::size_t i = 0; i < bars_.size(); ++i) {
+        const QString number = QString::number(i);
+        const int order = static_cast<int>(i) + 2;
+        findChild<QLabel*>("lbltest_" + number)
+            ->setToolTip(
+                tr("Harmonics 2 to %1 together, as a share of fundamental and harmonics").arg(order));
+        for (QWidget* level :
+             {static_cast<QWidget*>(findChild<QLabel*>("lblDb_" + number)), static_cast<QWidget*>(bars_[i])})
+            level->setToolTip(tr("Level of harmonic %1 alone, relative to the fundamental").arg(order));
+    }
+}
 
 void MainWindow::FixSizes() {
     for (QLabel* level : {ui_->LblLevel, ui_->lblDACLevel}) FixSize(*level, "Muted");
@@ -152,8 +179,9 @@ void MainWindow::KeepAboveTheScreensBottom() {
     const QScreen* screen = QGuiApplication::screenAt(QRect(pos(), size()).center());
     if (screen == nullptr) return;
     const QRect free = screen->availableGeometry();
-    if (height() <= free.height() && pos().y() + height() > free.y() + free.height())
-        move(pos().x(), free.y() + free.height() - height());
+    const int bottom = free.y() + free.height();
+    if (height() <= free.height() && pos().y() > bottom - (height() + kBottomMargin))
+        move(pos().x(), bottom - height());
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -201,6 +229,7 @@ void MainWindow::Decorate() {
 // Figures that stand still look unlike figures that are being measured.
 void MainWindow::DecorateStream() {
     const QString trouble = QString::fromStdString(form_.StreamTrouble.Caption());
+    DecoratePath();
     ui_->streamNote->setVisible(!trouble.isEmpty());
     ui_->streamNote->setToolTip(trouble);
     const bool stale = !trouble.isEmpty();
@@ -212,6 +241,25 @@ void MainWindow::DecorateStream() {
         figure->style()->unpolish(figure);
         figure->style()->polish(figure);
     }
+}
+
+void MainWindow::DecoratePath() {
+    const QString notes = QString::fromStdString(form_.PathNote.Caption()).replace('\r', '\n');
+    ui_->pathNote->setVisible(!notes.isEmpty());
+    ui_->pathNote->setToolTip(tr("%1\n\nThe samples do not pass unchanged between the instrument and the "
+                                 "card; the readings include "
+                                 "what this does to them.")
+                                  .arg(notes));
+    const CaptureStatistics counts = form_.Engine.CaptureCounts();
+    ui_->lblSampleRate->setToolTip(
+        tr("Sampling rate of input and output\n%1 blocks measured, %2 lost, %3 dropped behind a message\n"
+           "%4 frames missing in the input\n%5 overruns, %6 underruns of the output")
+            .arg(form_.Engine.Blocks)
+            .arg(counts.segmentsLost)
+            .arg(form_.Engine.DroppedNotifications)
+            .arg(counts.framesMissing)
+            .arg(form_.Engine.Overruns)
+            .arg(form_.Engine.Underruns()));
 }
 
 void MainWindow::DecorateLock() {
@@ -245,6 +293,10 @@ void MainWindow::DecorateHarmonics() {
         else
             bars_[i]->Clear();
     }
+    int highest = 1;
+    for (std::size_t i = 0; i < meter.lbltest.size(); ++i)
+        if (IsReading(meter.lbltest[i].Caption())) highest = static_cast<int>(i) + 2;
+    ui_->capTotalOf->setText(tr("%1, re total (THD_R)").arg(HarmonicsUpTo(highest)));
     const bool reading = IsReading(meter.lblThd.Caption());
     ui_->unitThd->setVisible(reading);
     ui_->settlingNote->setVisible(reading && !stale_ && !form_.Measurement.ShownSettled());

@@ -47,11 +47,13 @@ private:
     void ConnectConveniences();
     void Decorate();
     void DecorateStream();
+    void DecoratePath();
     void DecorateLock();
     void DecorateLevels();
     void DecorateHarmonics();
     void DecorateCycle();
     void DecorateGenerator();
+    void ExplainReadings();
     void FixSizes();
     void TakeLayoutSize();
     bool OnAnyScreen() const;

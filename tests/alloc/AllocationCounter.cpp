@@ -30,7 +30,14 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
     if (void* const memory = std::aligned_alloc(align, (size + align - 1) / align * align)) return memory;
     throw std::bad_alloc();
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    Note();
+    return std::malloc(size == 0 ? 1 : size);
+}
 void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {

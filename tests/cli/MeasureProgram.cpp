@@ -115,7 +115,9 @@ void ExpectRefusal(const Outcome& outcome, const std::string& text) {
 void ExpectShape(const ordered_json& line, bool live) {
     std::vector<std::string> keys{"block",   "frequency", "locked",  "settled", "peakBin", "adc",
                                   "adcPeak", "dac",       "dacPeak", "thd",     "percent", "db"};
-    if (live) keys.insert(keys.end(), {"input", "output", "rate", "simulated", "notes", "blocksLost", "overruns", "underruns"});
+    if (live)
+        keys.insert(keys.end(),
+                    {"input", "output", "rate", "simulated", "notes", "blocksLost", "overruns", "underruns"});
     ASSERT_EQ(Keys(line), keys);
     for (const char* key : {"block", "peakBin", "adcPeak", "dacPeak"})
         EXPECT_TRUE(line[key].is_number_integer()) << key;

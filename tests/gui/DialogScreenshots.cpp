@@ -50,8 +50,8 @@ bool PicturePrint(const Save& save) {
     FormRig rig;
     RecordingPrinter printer(rig.log);
     printer.printers = {"Office_LaserJet_Second_Floor", "Workshop"};
-    frmPrint form(printer, rig.dialogs);
     for (const char* name : {"print", "print-no-printer"}) {
+        frmPrint form(printer, rig.dialogs);
         form.Form_Load();
         ui::PrintDialog dialog(form, rig.form.Guard);
         if (!save(dialog, name)) return false;

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "gui/GeneratorTabRig.h"
+#include "ui/Theme.h"
 #include "ui/widgets/WaveChoice.h"
 #include "ui/widgets/WavePicture.h"
 
@@ -110,10 +111,11 @@ TEST_F(GeneratorTab, TurnsASweepTimeThatIsNoNumberInto0) {
 }
 
 TEST_F(GeneratorTab, KeepsAFrequencyThatIsNoNumberInItsBox) {
-    Type("txtGenFreq", "12x");
-    EXPECT_EQ(Box("txtGenFreq"), "12x");
-    EXPECT_EQ(Signal().sldStartFreq.Value(), 12);
-    Click("Command1");
+    Type("txtGenFreq", "1000x");
+    EXPECT_EQ(Box("txtGenFreq"), "1000x");
+    // A key does not take the keyboard away from the box, which would finish the entry.
+    QTest::keyClick(&Find<QLineEdit>("txtGenFreq"), Qt::Key_F5);
+    Settle();
     EXPECT_FALSE(rig.form.Measurement.Tones.GeneratorRunning);
     EXPECT_THAT(rig.log.Of("Message"), testing::ElementsAre("Message information Invalid Start Frequency\r\r"
                                                             "Value has to be 20 to 16000"));
@@ -170,6 +172,42 @@ TEST_F(GeneratorTab, DrawsWhatIsChosen) {
     Find<QCheckBox>("chkLoop").click();
     Settle();
     EXPECT_EQ(Picture(), pictures[5]);
+}
+
+// Where the curve of the sweep runs beside the left and the right end: 0 at the top, 1 at the bottom.
+std::pair<double, double> EndsOfCurve(const QImage& picture) {
+    const QColor accent = ui::Theme::Current().accent;
+    std::pair<double, double> ends{-1.0, -1.0};
+    for (int x = 0; x < picture.width(); ++x) {
+        double sum = 0.0;
+        int count = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            if (picture.pixelColor(x, y) == accent) {
+                sum += y;
+                ++count;
+            }
+        if (count == 0) continue;
+        const double height = sum / count / picture.height();
+        if (ends.first < 0.0) ends.first = height;
+        ends.second = height;
+    }
+    return ends;
+}
+
+TEST_F(GeneratorTab, DrawsTheSweepUpDownAndLevel) {
+    TypeAndReturn("txtSweepTime", "500");
+    const auto sweep = [&](const char* from, const char* to) {
+        TypeAndReturn("txtGenFreq", from);
+        TypeAndReturn("txtGenEndFreq", to);
+        const QImage whole = Picture();
+        return EndsOfCurve(whole.copy(whole.width() / 2, 0, whole.width() / 2, whole.height()));
+    };
+    const auto up = sweep("100", "5000");
+    EXPECT_GT(up.first, up.second + 0.3);
+    const auto down = sweep("5000", "100");
+    EXPECT_LT(down.first, down.second - 0.3);
+    const auto level = sweep("1000", "1000");
+    EXPECT_NEAR(level.first, level.second, 0.02);
 }
 
 TEST_F(GeneratorTab, TakesTheLoopBox) {

@@ -1,5 +1,8 @@
+#include <QAction>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QRegularExpression>
+#include <QTabWidget>
 #include <QTest>
 #include <set>
 
@@ -37,6 +40,7 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
                            &form.lblOutput,
                            &form.lblSampleRate,
                            &form.StreamTrouble,
+                           &form.PathNote,
                            &form.TabStrip1,
                            &form.mnuExit,
                            &form.mnuPrint,
@@ -190,9 +194,49 @@ TEST_F(MainWindowTest, KeepsMemoryTonesInTheList) {
 TEST_F(MainWindowTest, ClosesThroughTheFormsShutdown) {
     bool unloaded = false;
     rig.form.OnUnloaded = [&](int) { unloaded = true; };
+    rig.log.Clear();
     window.close();
     EXPECT_TRUE(unloaded);
     EXPECT_EQ(rig.store.Get("Windows", "LastTab", "none"), "0");
+    EXPECT_THAT(rig.log.Lines(), testing::ElementsAre("UnloadDialogs", "SaveAndRestoreInitial"));
+}
+
+TEST_F(MainWindowTest, ClosesFromTheMenuToo) {
+    int unloaded = 0;
+    rig.form.OnUnloaded = [&](int) { ++unloaded; };
+    window.findChild<QAction*>("mnuExit")->trigger();
+    EXPECT_EQ(unloaded, 1);
+}
+
+TEST_F(MainWindowTest, FindsEverythingAgainInASecondRun) {
+    Find<QTabWidget>("TabStrip1").setCurrentIndex(1);
+    Find<QCheckBox>("chkMuteOutput").click();
+    Find<QCheckBox>("chkAuto").click();
+    QTest::mouseClick(&Find<QPushButton>("cmdGenAdd"), Qt::LeftButton);
+    window.move(window.pos() + QPoint(7, 9));
+    Settle();
+    const QPoint place = window.pos();
+    window.close();
+    FormRig again;
+    again.store = rig.store;
+    again.desktop.screens = {4000, 4000, 4000, 4000};
+    ui::MainWindow second(again.form, {});
+    second.TellSize();
+    again.form.Form_Load();
+    EXPECT_EQ(QPoint(again.form.Frame.Left(), again.form.Frame.Top()), place);
+    second.ShowPlaced();
+    Settle();
+    EXPECT_EQ(second.findChild<QTabWidget*>("TabStrip1")->currentIndex(), 1);
+    EXPECT_FALSE(second.findChild<QCheckBox*>("chkMuteOutput")->isChecked());
+    EXPECT_FALSE(second.findChild<QCheckBox*>("chkAuto")->isChecked());
+    EXPECT_EQ(second.findChild<QListWidget*>("ToneList")->count(), 1);
+}
+
+TEST_F(MainWindowTest, SaysWhatTheTotalCounts) {
+    rig.form.Signals.Signal.sldStartFreq.UserMoves(4000);
+    QTest::mouseClick(&Find<QPushButton>("startCurrentMeter"), Qt::LeftButton);
+    Step(60);
+    EXPECT_EQ(Text("capTotalOf"), QString::fromUtf8("H2–H3, re total (THD_R)"));
 }
 
 TEST_F(MainWindowTest, DoesNotJumpWhenReadingsComeAndGo) {

@@ -77,6 +77,18 @@ const Scene kScenes[] = {
          rig.form.Measurement.Controls.chkMuteOutput.UserSets(false);
          StartSine(rig);
      }},
+    {"meter-path",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.PathNote.SetCaption("Input: resampled by the sound server, the device runs at 44100 Hz");
+     }},
+    {"meter-stopped",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+         rig.card.Unplug();
+         rig.loop.DeliverSignals();
+     }},
     {"meter-baseline",
      [](FormRig& rig) {
          SetDistortion(rig);

@@ -12,6 +12,7 @@ public:
     FakePlaybackBuffer(const FakePlaybackBuffer&) = delete;
     FakePlaybackBuffer& operator=(const FakePlaybackBuffer&) = delete;
 
+    std::string PathNote() const override { return system_.outputPathNote; }
     BufferCursors GetCurrentPosition() override {
         system_.log.Call("playbackBuffer.GetCurrentPosition");
         if (system_.cursors.empty()) return system_.restingCursors;
@@ -43,6 +44,7 @@ public:
     FakeCaptureBuffer(const FakeCaptureBuffer&) = delete;
     FakeCaptureBuffer& operator=(const FakeCaptureBuffer&) = delete;
 
+    std::string PathNote() const override { return system_.inputPathNote; }
     void SetNotificationPositions(std::span<const PositionNotification> positions) override {
         std::string arguments = std::to_string(positions.size());
         for (const PositionNotification& position : positions)

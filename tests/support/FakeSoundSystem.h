@@ -44,6 +44,8 @@ public:
     std::deque<BufferCursors> cursors;  // one a call; then `restingCursors`
     BufferCursors restingCursors;
     CaptureStatistics statistics;
+    std::string inputPathNote;
+    std::string outputPathNote;
     // First sample of what is read; the following ones count up.
     std::int16_t firstCapturedSample = 0;
 

@@ -27,7 +27,10 @@ public:
         log_.Call("OsMajorVersion");
         return majorVersion;
     }
-    std::string ApplicationFolder() override { return "/opt/sonavex"; }
+    std::string ApplicationFolder() override {
+        log_.Call("ApplicationFolder");
+        return "/opt/sonavex";
+    }
     ScreenArea Screens() override {
         log_.Call("Screens");
         return screens;

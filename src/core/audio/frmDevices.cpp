@@ -48,6 +48,7 @@ frmDevices::frmDevices(const Environment& environment, const MainControls& mainC
     Frame.SetCaption("Select Sound Devices");
     Label5.SetCaption("Sample Rates above 32000 is not recommended with Vista.");
     std::vector<std::string> rates;
+    rates.reserve(SampleRateTable.size());
     for (const std::int32_t rateHz : SampleRateTable) rates.push_back(CStr(rateHz));
     cmbSampleRate.SetItems(rates);
 }

@@ -90,7 +90,7 @@ void Baseline::cmdBaseline_Click() {
     }
     analysis_.BaselinePct = analysis_.CurrentPct;
     analysis_.BaselineDb = analysis_.CurrentDb;
-    capturedHz_ = analysis_.FundamentalHz;
+    capturedHz_ = analysis_.CurrentHz;
     capturedRate_ = analysis_.shared.SampleRate;
     settings_.Save(kCapturedHz, CStr(capturedHz_));
     settings_.Save(kCapturedRate, CStr(capturedRate_));

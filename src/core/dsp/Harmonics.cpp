@@ -113,6 +113,7 @@ void MeasureHarmonics(State& state, MeasurementControls& controls) {
         ShowPercentage(state, controls.lbltest[harmonic], harmonic);
         ShowLevel(state, controls.lblDb[harmonic], harmonic);
     }
+    if (state.HistIndex == kLastSlot) state.CurrentHz = state.FundamentalHz;
     ShowTotal(controls);
 }
 

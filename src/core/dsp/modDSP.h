@@ -67,6 +67,7 @@ struct State {
     std::array<std::array<std::array<double, 10>, 2>, 21> History{};
     std::array<double, kHarmonics> CurrentPct{};  // as last shown; 0 from "N/A"
     std::array<double, kHarmonics> CurrentDb{};   // as last computed
+    std::int32_t CurrentHz = 0;                   // the fundamental of both; 0 before the first
     std::array<double, kHarmonics> BaselinePct{};
     std::array<double, kHarmonics> BaselineDb{};
     std::int32_t BaselineOn = 0;  // 1: BaselinePct is subtracted from the percentages shown

@@ -17,11 +17,7 @@ constexpr std::int32_t kLastGenerationOfOneCopy = 4;
 
 PrintCommand::PrintCommand(const World& world, const MeasurementControls& measurement,
                            CommandButton& cmdPrint, MenuItem& mnuPrint)
-    : Dialog(world.printer, world.dialogs),
-      world_(world),
-      measurement_(measurement),
-      cmdPrint_(cmdPrint),
-      mnuPrint_(mnuPrint) {
+    : world_(world), measurement_(measurement), cmdPrint_(cmdPrint), mnuPrint_(mnuPrint) {
     cmdPrint_.Click.Handle([this] { cmdPrint_Click(); });
     mnuPrint_.Click.Handle([this] { cmdPrint_.Press(); });
 }
@@ -34,10 +30,11 @@ PrintCommand::~PrintCommand() {
 void PrintCommand::cmdPrint_Click() {
     const std::int32_t generation = world_.desktop.OsMajorVersion();
     PrinterSupport support(world_.printer);
-    Dialog.Form_Load();
-    if (ShowPrintDialog) ShowPrintDialog(Dialog);
-    if (!Dialog.Choice()) return;
-    const PrintChoice choice = *Dialog.Choice();
+    frmPrint dialog(world_.printer, world_.dialogs);
+    dialog.Form_Load();
+    if (ShowPrintDialog) ShowPrintDialog(dialog);
+    if (!dialog.Choice()) return;
+    const PrintChoice choice = *dialog.Choice();
     try {
         PrintCopies(choice.destination, generation > kLastGenerationOfOneCopy ? choice.copies : 1);
     } catch (const RuntimeError& error) {

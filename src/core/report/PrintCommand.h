@@ -31,8 +31,6 @@ public:
     PrintCommand(const PrintCommand&) = delete;
     PrintCommand& operator=(const PrintCommand&) = delete;
 
-    frmPrint Dialog;
-
     // Shows the dialog, loaded, and returns when it has closed. Without it nothing can be chosen and
     // nothing is printed.
     std::function<void(frmPrint&)> ShowPrintDialog;

@@ -1,5 +1,6 @@
 #include "core/shell/HandlerGuard.h"
 
+#include <algorithm>
 #include <new>
 
 #include "core/support/ScopedFlag.h"
@@ -55,8 +56,10 @@ void HandlerGuard::StreamError(const std::exception_ptr& error) {
     }
     const RuntimeError runtimeError = AsRuntimeError(error);
     const std::string text = Text(runtimeError);
-    if (open_ || text == lastStreamError_) return;
-    lastStreamError_ = text;
+    const bool shown =
+        std::find(shownStreamErrors_.begin(), shownStreamErrors_.end(), text) != shownStreamErrors_.end();
+    if (open_ || shown) return;
+    shownStreamErrors_.push_back(text);
     Show(runtimeError);
 }
 

@@ -3,6 +3,7 @@
 #include <exception>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "core/audio/ErrorLog.h"
 #include "core/ports/Dialogs.h"
@@ -23,10 +24,10 @@ public:
     // EndProgram is not an error and must not come here.
     void Fatal(const std::exception_ptr& error) { Show(AsRuntimeError(error)); }
 
-    // An error that escaped the notification callback or the tick. The same error is shown once, until
+    // An error that escaped the notification callback or the tick. Each error is shown once, until
     // BlockSucceeded; nothing is shown while a message is open.
     void StreamError(const std::exception_ptr& error);
-    void BlockSucceeded() noexcept { lastStreamError_.clear(); }
+    void BlockSucceeded() noexcept { shownStreamErrors_.clear(); }
 
     // Told when a message opens (true) and when it has been closed (false).
     std::function<void(bool)> OnMessageOpen;
@@ -43,7 +44,7 @@ private:
 
     Dialogs& dialogs_;
     ErrorLog& log_;
-    std::string lastStreamError_;
+    std::vector<std::string> shownStreamErrors_;
     bool open_ = false;
 };
 

@@ -59,7 +59,9 @@ frmMain::frmMain(const World& world)
     endLater_ = world.loop.CreateSignal([this] { End(*end_); });
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+    LeavePath();
+}
 
 std::string frmMain::HelpFileIn(const std::string& folder) {
     return (std::filesystem::path(folder) / kHelpFileName).string();
@@ -131,6 +133,24 @@ void frmMain::StartStream() {
     HiTimer1->SetInterval(1ms);
     Engine.StartCapture();
     Watch.Start();
+    FollowPath();
+}
+
+// Volumes change at any time, and nobody tells.
+void frmMain::FollowPath() {
+    ShowPath();
+    if (pathTimer_ == 0) pathTimer_ = world_.loop.StartTimer(1s, [this] { ShowPath(); });
+}
+
+void frmMain::LeavePath() {
+    world_.loop.StopTimer(pathTimer_);
+    pathTimer_ = 0;
+}
+
+void frmMain::ShowPath() {
+    std::string text;
+    for (const std::string& note : Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
+    PathNote.SetCaption(text);
 }
 
 // Readings of the past must not look like present ones.
@@ -155,6 +175,7 @@ void frmMain::SelectLastTab() {
 void frmMain::Form_QueryUnload() {
     if (unloaded_) return;
     unloaded_ = true;
+    LeavePath();
     Watch.Stop();
     ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
     ShutdownStep(Has(Started::kDevices), [this] { Engine.Stop(); });
@@ -181,6 +202,7 @@ void frmMain::ShutdownStep(bool due, const std::function<void()>& step) {
 void frmMain::EndAtOnce() {
     if (unloaded_) return;
     unloaded_ = true;
+    LeavePath();
     Watch.Stop();
     ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
     ShutdownStep(true, [this] { Engine.Stop(); });

@@ -105,6 +105,8 @@ public:
     StreamWatch Watch;
     // Why nothing is measured at present; empty while blocks come.
     Label StreamTrouble;
+    // What changes the samples between instrument and cards; empty when nothing is known to.
+    Label PathNote;
 
     std::string HelpFile;
     std::int16_t LastTabIndex = 0;
@@ -122,6 +124,9 @@ private:
     void StartStream();
     void SelectLastTab();
     void ShowStreamState();
+    void ShowPath();
+    void FollowPath();
+    void LeavePath();
     bool Busy() const;
     void ShutdownStep(bool due, const std::function<void()>& step);
     void Reached(Started stage) noexcept { started_ = stage; }
@@ -133,6 +138,7 @@ private:
     std::optional<EndProgram> end_;
     bool choosingDevices_ = false;
     std::unique_ptr<Signal> endLater_;
+    EventLoop::TimerId pathTimer_ = 0;
 };
 
 }  // namespace sonavex

@@ -15,7 +15,7 @@ constexpr std::uint32_t kMostHandedOver = std::numeric_limits<std::uint32_t>::ma
 }  // namespace
 
 PlaybackRing::PlaybackRing(std::int32_t bytes, std::int32_t rateHz)
-    : frames_(bytes), gainStep_(1.0 / (kRampSeconds * std::max(rateHz, 1))) {}
+    : frames_(bytes), rampShare_(1.0 / std::max(kRampSeconds * rateHz, 1.0)) {}
 
 PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
     Place old = place_.load();
@@ -35,7 +35,7 @@ void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t d
         audible_ = false;
         return;
     }
-    if (!audible_) gain_ = targetGain_.load();
+    if (!audible_) gain_ = rampTarget_ = targetGain_.load();
     audible_ = true;
     const Place from = Claim(frames);
     // Beyond the ring's length the delay only has to stay large.
@@ -51,6 +51,10 @@ void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t d
 void PlaybackRing::Amplify(std::int16_t* samples, std::size_t frames) noexcept {
     const double target = targetGain_.load();
     if (gain_ == 1.0 && target == 1.0) return;
+    if (target != rampTarget_) {
+        rampTarget_ = target;
+        gainStep_ = std::abs(target - gain_) * rampShare_;
+    }
     for (std::size_t i = 0; i < frames; ++i) {
         gain_ += std::clamp(target - gain_, -gainStep_, gainStep_);
         for (std::size_t channel = 0; channel < 2; ++channel) {

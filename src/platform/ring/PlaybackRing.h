@@ -33,8 +33,8 @@ public:
     bool Playing() const noexcept { return playing_.load(); }
 
     // Hundredths of a decibel, -10000 (silence) to 0 (samples unchanged, bit for bit); error 5
-    // outside. A change while playing is a ramp of at most 5 ms, which full scale takes; a change
-    // while stopped holds from the first frame.
+    // outside. A change while playing is a ramp of 5 ms; a change while stopped holds from the first
+    // frame.
     void SetVolume(std::int32_t hundredthsDb);
 
 private:
@@ -52,8 +52,11 @@ private:
     std::atomic<bool> playing_{false};
     std::atomic<double> targetGain_{1.0};
     bool audible_ = false;  // audio thread: the last Pull played
-    double gain_ = 1.0;     // audio thread
-    double gainStep_;       // per frame; full scale in 5 ms
+    // Audio thread.
+    double gain_ = 1.0;
+    double rampTarget_ = 1.0;
+    double gainStep_ = 0.0;  // per frame, on the way to the ramp's target
+    double rampShare_;       // of a change, per frame
 };
 
 }  // namespace sonavex

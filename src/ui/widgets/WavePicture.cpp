@@ -85,9 +85,9 @@ void WavePicture::DrawWave(QPainter& painter, const QRectF& area) const {
 
 void WavePicture::DrawSweep(QPainter& painter, const QRectF& area) const {
     const Theme& theme = Theme::Current();
-    const bool up = endHz_ >= startHz_;
-    const double from = up ? area.bottom() : area.top();
-    const double to = up ? area.top() : area.bottom();
+    const int direction = (endHz_ > startHz_) - (endHz_ < startHz_);
+    const double from = area.center().y() + direction * area.height() / 2.0;
+    const double to = area.center().y() - direction * area.height() / 2.0;
     const int cycles = loops_ ? 2 : 1;
     QPainterPath path(QPointF(area.left(), from));
     const double ramp = area.width() / (loops_ ? 2.0 : 1.5);

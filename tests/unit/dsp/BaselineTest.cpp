@@ -116,10 +116,13 @@ TEST(StoredBaseline, OfUnusableConditionsIsOneOfUnknownConditions) {
 TEST(BaselineOfElsewhere, IsToldByFrequencyAndRate) {
     BaselineRig rig;
     rig.shared.SampleRate = 48000;
-    rig.analysis.FundamentalHz = 996;
+    rig.analysis.FundamentalHz = 1500;  // changed since the last readings
+    rig.analysis.CurrentHz = 996;
     rig.analysis.FreqLocked = true;
     rig.baseline.cmdBaseline.Press();
     rig.baseline.chkBaseline.UserSets(true);
+    EXPECT_TRUE(rig.baseline.CapturedElsewhere());
+    rig.analysis.FundamentalHz = 996;
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
     rig.analysis.FundamentalHz = 1009;
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());

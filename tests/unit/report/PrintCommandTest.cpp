@@ -167,7 +167,7 @@ protected:
         dialog.OnUnload = [this] { log.Call("Unload"); };
         dialog.Form_Load();
     }
-    frmPrint& dialog = command.Dialog;
+    frmPrint dialog{printer, dialogs};
 };
 
 TEST_F(PrintDialogTest, OffersThePrintersAndTheFileWithTheDefaultOneSelected) {

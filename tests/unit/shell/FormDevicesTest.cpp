@@ -98,7 +98,7 @@ TEST(SelectCard, AtAFailedStartEndsInARunningInstrument) {
     };
     world.form.Form_Load();
     EXPECT_TRUE(world.form.Shared.EventsReady);
-    EXPECT_THAT(world.Captions(), ElementsAre("Line B", "Card A", "32000"));
+    EXPECT_THAT(world.Captions(), ElementsAre("Line B", "Card A", "44100"));
     EXPECT_EQ(world.log.Count("WriteErrorLog"), 1U);
 }
 

@@ -26,8 +26,8 @@ INSTANTIATE_TEST_SUITE_P(Generations, Start, testing::Values(5, 10));
 TEST_P(Start, CallsThePortsInItsOrder) {
     ScriptedForm world(GetParam());
     world.form.Form_Load();
-    std::vector<std::string> expected{"AnotherInstanceRunning", "Screens", "OsMajorVersion",
-                                      "EnumeratePlayback", "EnumerateCapture"};
+    std::vector<std::string> expected{"AnotherInstanceRunning", "ApplicationFolder", "Screens",
+                                      "OsMajorVersion",         "EnumeratePlayback", "EnumerateCapture"};
     const std::vector<std::string>& lines = world.log.Lines();
     ASSERT_GE(lines.size(), 12U);
     for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_THAT(lines[i], HasSubstr(expected[i])) << i;

@@ -56,6 +56,7 @@ TEST_P(PortOrder, OfTheStart) {
     world.form.Form_Load();
     std::vector<std::string> expected{
         "AnotherInstanceRunning",
+        "ApplicationFolder",
         "Screens",
         "Get Windows|frmMain Left|-1",
         "Get Windows|frmMain Top|-1",

@@ -75,6 +75,17 @@ TEST(Closing, WaitsForATickToEnd) {
     EXPECT_TRUE(unloaded);
 }
 
+TEST(Closing, IsTheSameByTheButton) {
+    FormRig rig;
+    rig.form.Form_Load();
+    int unloaded = 0;
+    rig.form.OnUnloaded = [&](int) { ++unloaded; };
+    rig.log.Clear();
+    rig.form.cmdExit.Press();
+    EXPECT_EQ(unloaded, 1);
+    EXPECT_THAT(rig.log.Lines(), ElementsAre("UnloadDialogs", "SaveAndRestoreInitial"));
+}
+
 TEST(Ending, KeepsItsStatusAndWaitsForATickToo) {
     FormRig rig;
     rig.form.Form_Load();
@@ -181,6 +192,24 @@ TEST(OpenMessage, DropsAndCountsNotifications) {
     sound.FireSegment(3);
     EXPECT_EQ(form.Engine.Blocks, 2U);
     EXPECT_EQ(form.Engine.DroppedNotifications, 2U);
+}
+
+TEST(Path, IsToldAndFollowed) {
+    FormWorld world;
+    FakeSoundSystem sound(world.log);
+    sound.inputPathNote = "resampled";
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    EXPECT_EQ(form.PathNote.Caption(), "Input: resampled");
+    sound.inputPathNote.clear();
+    sound.outputPathNote = "volume of the device 50 %";
+    world.loop.Advance(std::chrono::milliseconds(1100));
+    EXPECT_EQ(form.PathNote.Caption(), "Output: volume of the device 50 %");
+    sound.inputPathNote = "resampled";
+    world.loop.Advance(std::chrono::milliseconds(1000));
+    EXPECT_EQ(form.PathNote.Caption(), "Input: resampled\rOutput: volume of the device 50 %");
+    form.Form_QueryUnload();
+    EXPECT_EQ(world.loop.Timers(), 0U);
 }
 
 TEST(Restart, BringsBackWhatWasStored) {

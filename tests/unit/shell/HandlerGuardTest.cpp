@@ -57,6 +57,8 @@ TEST(HandlerGuard, ShowsAStreamErrorOnceUntilABlockSucceeds) {
     EXPECT_EQ(rig.log.Of("Message").size(), 1U);
     rig.StreamFails(RuntimeError(error_number::kDivisionByZero));
     EXPECT_EQ(rig.log.Of("Message").size(), 2U);
+    rig.StreamFails(overflow);
+    EXPECT_EQ(rig.log.Of("Message").size(), 2U);
     rig.guard.BlockSucceeded();
     rig.StreamFails(RuntimeError(error_number::kDivisionByZero));
     EXPECT_EQ(rig.log.Of("Message").size(), 3U);

@@ -132,15 +132,17 @@ TEST_F(PlaybackVolume, RampGoesOnOverSmallPeriods) {
     EXPECT_EQ(Pull(ring_, 1)[0], 0);
 }
 
-TEST_F(PlaybackVolume, SmallChangeIsDoneSooner) {
+TEST_F(PlaybackVolume, SmallChangeTakesAsLongAsALargeOne) {
     Fill(24000);
     ring_.Play();
     Pull(ring_, 1);
     ring_.SetVolume(-50);
     const auto samples = Pull(ring_, kRampFrames);
     const auto expected = static_cast<std::int16_t>(std::lrint(24000.0 * std::pow(10.0, -0.025)));
-    EXPECT_GT(samples[0], expected);
-    for (std::size_t i = 20; i < kRampFrames; ++i) ASSERT_EQ(samples[2 * i], expected);
+    const double step = (24000.0 - expected) / kRampFrames;
+    for (std::size_t i = 0; i < kRampFrames; ++i)
+        ASSERT_NEAR(samples[2 * i], 24000.0 - step * static_cast<double>(i + 1), 2.0) << i;
+    EXPECT_EQ(Pull(ring_, 1)[0], expected);
 }
 
 }  // namespace
