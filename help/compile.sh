@@ -11,8 +11,9 @@ work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 
 cp "$sources"/*.html "$sources"/Sonavex.hhp "$sources"/contents.hhc "$sources"/pictures/*.png "$work"
+# Pictures have twice the dots of the size that they are shown in, for screens of any density.
 for drawing in "$sources"/pictures/*.svg; do
-    rsvg-convert "$drawing" --output "$work/$(basename "$drawing" .svg).png"
+    rsvg-convert --zoom 2 "$drawing" --output "$work/$(basename "$drawing" .svg).png"
 done
 
 cd "$work"

@@ -1,6 +1,7 @@
 #include "ui/HelpBrowser.h"
 
 #include <QImage>
+#include <QRegularExpression>
 #include <QResizeEvent>
 #include <QScrollBar>
 #include <algorithm>
@@ -13,6 +14,8 @@ namespace {
 // Pages have addresses of a kind of their own, so that nothing else can be meant.
 constexpr const char* kScheme = "book";
 constexpr int kLeastPicture = 64;  // dots
+// A book's pictures have so many dots for one of the size that they are shown in.
+constexpr int kPictureDensity = 2;
 
 QUrl AddressOf(const QString& page) {
     const qsizetype mark = page.indexOf(u'#');
@@ -27,6 +30,12 @@ QUrl AddressOf(const QString& page) {
 QString PageOf(const QUrl& address) {
     if (address.scheme() != QLatin1String(kScheme) || !address.host().isEmpty()) return {};
     return address.path().mid(1);
+}
+
+// The page without the widths of its pictures: they are fitted here.
+QString WithoutWidths(QString html) {
+    static const QRegularExpression width(QStringLiteral("(<img\\b[^>]*?)\\s+width=\"\\d+\""));
+    return html.replace(width, QStringLiteral("\\1"));
 }
 
 }  // namespace
@@ -51,7 +60,7 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
     if (book_ == nullptr || page.isEmpty()) return {};
     const std::optional<std::string> content = book_->Read(page.toStdString());
     if (!content) return {};
-    if (type == QTextDocument::HtmlResource) return QString::fromStdString(*content);
+    if (type == QTextDocument::HtmlResource) return WithoutWidths(QString::fromStdString(*content));
     return FittedPicture(QByteArray::fromStdString(*content));
 }
 
@@ -60,7 +69,7 @@ QVariant HelpBrowser::FittedPicture(const QByteArray& content) const {
     if (picture.isNull()) return {};
     const double margins = 2.0 * document()->documentMargin() + 4.0;
     const int room = static_cast<int>((viewport()->width() - margins) * devicePixelRatioF());
-    const int width = static_cast<int>(picture.width() * devicePixelRatioF());
+    const int width = static_cast<int>(picture.width() * devicePixelRatioF() / kPictureDensity);
     if (room > kLeastPicture)
         picture = picture.scaledToWidth(std::min(room, width), Qt::SmoothTransformation);
     picture.setDevicePixelRatio(devicePixelRatioF());

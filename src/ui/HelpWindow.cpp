@@ -196,19 +196,26 @@ void HelpWindow::changeEvent(QEvent* event) {
 void HelpWindow::TakeTheme() {
     takingTheme_ = true;
     ApplyTheme(*this);
+    // In line with the buttons beside it.
+    search_->setMinimumHeight(back_->sizeHint().height());
     const Theme& theme = Theme::Current();
-    setStyleSheet(styleSheet() + QStringLiteral("QDialog#HelpWindow { background: %1; }"
-                                                "QTextBrowser, QTreeWidget { background: %2; color: %3; "
-                                                "border: 1px solid %4; border-radius: 6px; padding: 6px; }"
-                                                "QTreeWidget::item { padding: 4px 0; }"
-                                                "QTreeWidget::item:selected { background: %5; color: %6; }"
-                                                "QSplitter::handle { background: transparent; }")
-                                     .arg(theme.window.name(), theme.card.name(), theme.text.name(),
-                                          theme.border.name(), theme.accent.name(), theme.onAccent.name()));
+    setStyleSheet(styleSheet() +
+                  QStringLiteral("QDialog#HelpWindow { background: %1; }"
+                                 "QTextBrowser, QTreeWidget, QListWidget { background: %2; color: "
+                                 "%3; border: 1px solid %4; border-radius: 6px; padding: 6px; }"
+                                 "QTreeWidget:focus, QListWidget:focus { border-color: %5; }"
+                                 "QListWidget::item { background: transparent; }"
+                                 "QListWidget::item:selected { background: %5; }"
+                                 "QTreeWidget::item { padding: 4px 0; }"
+                                 "QTreeWidget::item:selected { background: %5; color: %6; }"
+                                 "QSplitter::handle { background: transparent; }")
+                      .arg(theme.window.name(), theme.card.name(), theme.text.name(), theme.border.name(),
+                           theme.accent.name(), theme.onAccent.name()));
     browser_->document()->setDefaultStyleSheet(
         QStringLiteral("a { color: %1; } th { background-color: %2; text-align: left; } code, pre { "
-                       "background-color: %2; }")
-            .arg(theme.accent.name(), theme.stripe.name()));
+                       "background-color: %2; } table { border-collapse: collapse; margin-top: 8px; "
+                       "margin-bottom: 8px; } th, td { border: 1px solid %3; }")
+            .arg(theme.accent.name(), theme.stripe.name(), theme.border.name()));
     browser_->document()->setDocumentMargin(fontMetrics().height());
     takingTheme_ = false;
 }

@@ -123,6 +123,7 @@ TEST_F(HelpBookTest, SearchesTitlesFirst) {
     ASSERT_GE(matches.size(), 3U);
     EXPECT_EQ(matches[0].page, "baseline.html");
     EXPECT_EQ(matches[0].title, "The baseline");
+    EXPECT_THAT(matches[0].excerpt, testing::StartsWith("The baseline is a stored set"));
     for (const auto& match : matches) EXPECT_NE(match.page, "keyboard.html");
 }
 

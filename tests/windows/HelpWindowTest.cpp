@@ -124,6 +124,17 @@ TEST_F(HelpWindowTest, LoadsPicturesOfTheBook) {
     EXPECT_LT(picture().width(), Browser().viewport()->width());
 }
 
+// The widths that other readers go by would not follow the window.
+TEST_F(HelpWindowTest, FitsPicturesByItself) {
+    viewer.ShowContents();
+    for (const char* page : {"index.html", "start.html", "limits.html", "generator.html"}) {
+        const QString html = Browser().loadResource(QTextDocument::HtmlResource, QUrl(page)).toString();
+        EXPECT_TRUE(html.contains("<img src=")) << page;
+        EXPECT_FALSE(html.contains(" width=")) << page;
+        EXPECT_TRUE(html.contains(" alt=")) << page;
+    }
+}
+
 TEST_F(HelpWindowTest, ShowsEachPageOnceWhateverTheSize) {
     viewer.ShowContents();
     for (const int width : {700, 1200, 900}) {

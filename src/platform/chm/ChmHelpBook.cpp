@@ -106,6 +106,12 @@ void CollectPages(const std::vector<HelpBook::Chapter>& chapters, std::vector<st
     }
 }
 
+// A match shows the title beside the text, so the text need not begin with it.
+PageText WithoutHeading(PageText page) {
+    if (page.text.starts_with(page.title + " ")) page.text.erase(0, page.title.size() + 1);
+    return page;
+}
+
 // Begins and ends between words.
 std::string Excerpt(const std::string& text, std::size_t place) {
     std::size_t begin = place > kExcerptBefore ? text.find(' ', place - kExcerptBefore) : 0;
@@ -193,7 +199,7 @@ std::vector<HelpBook::Match> ChmHelpBook::Search(std::string_view words) const {
     for (const std::string& page : pages) {
         const auto html = Read(page);
         if (!html) continue;
-        const PageText content = TextOfPage(*html);
+        const PageText content = WithoutHeading(TextOfPage(*html));
         const std::string text = Lower(content.text);
         const std::string title = Lower(content.title);
         const auto ofTitle = [&](const std::string& word) { return title.find(word) != std::string::npos; };
