@@ -30,7 +30,7 @@ measures() {
     local reading
     reading="$(timeout "$limit" sonavex-measure run --tone sine:1000 --json | tail -n 1)"
     echo "$reading"
-    [[ $reading == *'"frequency":1000'* && $reading == *'"locked":true'* && $reading == *'"simulated":true'* ]] ||
+    [[ $reading == *'"frequency":"1000"'* && $reading == *'"locked":true'* && $reading == *'"simulated":true'* ]] ||
         fail "that is not the reading of a locked tone of 1000 Hz"
 }
 

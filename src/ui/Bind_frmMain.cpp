@@ -19,6 +19,7 @@ void MainWindow::BindControls() {
     binder_.Bind(*ui_->TabStrip1, form_.TabStrip1);
     binder_.Bind(*ui_->mnuExit, form_.mnuExit);
     binder_.Bind(*ui_->mnuPrint, form_.mnuPrint);
+    binder_.Bind(*ui_->mnuSoundCard, form_.mnuSoundCard);
     binder_.Bind(*ui_->mnuSelectCard, form_.mnuSelectCard);
     binder_.Bind(*ui_->mnuAbout, form_.Menus.mnuAbout);
     binder_.Bind(*ui_->mnuHelpContents, form_.Menus.mnuHelpContents);

@@ -112,8 +112,12 @@ void Binder::Bind(QSlider& widget, Slider& control) {
         Handle([&] { control.UserMoves(value); });
         if (!widget.isSliderDown()) Handle([&] { control.UserReleases(); });
     });
-    connect(&widget, &QSlider::sliderReleased, this,
-            [this, &control] { Handle([&] { control.UserReleases(); }); });
+    // While it was held the widget showed where it was dragged to, not what the handler made of it.
+    connect(&widget, &QSlider::sliderReleased, this, [this, &widget, &control] {
+        Handle([&] { control.UserReleases(); });
+        const QSignalBlocker blocker(&widget);
+        widget.setValue(control.Value());
+    });
 }
 
 void Binder::Bind(FrequencySlider& widget, Slider& control) {
@@ -135,6 +139,18 @@ void Binder::Bind(QCheckBox& widget, CheckBox& control) {
     });
     connect(&widget, &QCheckBox::clicked, this,
             [this, &control](bool checked) { Handle([&] { control.UserSets(checked); }); });
+}
+
+void Binder::Bind(QRadioButton& widget, OptionButton& control) {
+    Add(widget, control, [&widget, &control] {
+        widget.setChecked(control.Value());
+        widget.setEnabled(control.Enabled());
+    });
+    connect(&widget, &QRadioButton::clicked, this, [this, &widget, &control] {
+        Handle([&] { control.UserSelects(); });
+        const QSignalBlocker blocker(&widget);
+        widget.setChecked(control.Value());
+    });
 }
 
 void Binder::Bind(QPushButton& widget, CommandButton& control) {

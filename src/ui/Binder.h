@@ -8,6 +8,7 @@
 #include <QListWidget>
 #include <QObject>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSlider>
 #include <QTabWidget>
 #include <functional>
@@ -16,6 +17,7 @@
 #include "core/controls/Choices.h"
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
+#include "core/controls/OptionButton.h"
 #include "core/shell/HandlerGuard.h"
 #include "ui/widgets/FrequencySlider.h"
 #include "ui/widgets/LevelBar.h"
@@ -40,6 +42,7 @@ public:
     void Bind(QSlider& widget, Slider& control);
     void Bind(FrequencySlider& widget, Slider& control);
     void Bind(QCheckBox& widget, CheckBox& control);
+    void Bind(QRadioButton& widget, OptionButton& control);
     void Bind(QPushButton& widget, CommandButton& control);
     void Bind(QAction& widget, MenuItem& control);
     void Bind(QTabWidget& widget, TabStrip& control);

@@ -4,7 +4,8 @@
 
 namespace sonavex::ui {
 
-// The toolkit's own style with check boxes that can be seen on dark and light cards alike.
+// The toolkit's own style with check boxes and option buttons that can be seen on dark and light cards
+// alike.
 class FaceStyle : public QProxyStyle {
 public:
     FaceStyle();

@@ -17,10 +17,10 @@ struct RoleFont {
 };
 
 constexpr RoleFont kRoleFonts[] = {
-    {"hero", 5.0, true, true},       {"unit", 2.6, false, false},   {"title", 1.12, false, false},
-    {"quiet", 0.92, false, false},   {"value", 1.15, true, true},   {"figure", 1.3, true, false},
-    {"boldfigure", 1.3, true, true}, {"order", 1.15, false, false}, {"state", 1.0, false, true},
-    {"rate", 1.0, false, false},
+    {"hero", 5.0, true, true},       {"unit", 2.6, false, false},       {"title", 1.12, false, false},
+    {"quiet", 0.92, false, false},   {"value", 1.15, true, true},       {"figure", 1.3, true, false},
+    {"boldfigure", 1.3, true, true}, {"order", 1.15, false, false},     {"state", 1.0, false, true},
+    {"rate", 1.0, false, false},     {"figureSmall", 1.0, true, false},
 };
 
 QFont FontOf(const RoleFont& role) {
@@ -47,6 +47,7 @@ QMenuBar::item { padding: 4px 10px; background: transparent; }
 QMenuBar::item:selected { background: @field; }
 QLabel { color: @text; background: transparent; }
 QLabel:disabled { color: @quiet; }
+QLabel:disabled { color: @faint; }
 QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet; }
 QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
@@ -72,6 +73,9 @@ QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid
     selection-background-color: @accent; selection-color: @onAccent; }
 QCheckBox { color: @text; spacing: 8px; }
 QCheckBox:disabled { color: @quiet; }
+QRadioButton { color: @text; spacing: 8px; }
+QRadioButton:disabled { color: @faint; }
+QDialog QCheckBox:disabled { color: @faint; }
 QTabWidget::pane { border: none; border-top: 1px solid @border; background: @window; }
 QTabBar { background: @window; qproperty-drawBase: 0; }
 QTabBar::tab { background: transparent; color: @quiet; padding: 7px 18px; border: none; border-bottom: 3px solid transparent; margin-right: 12px; }
@@ -88,6 +92,8 @@ QSlider::sub-page:horizontal { background: @accent; border-radius: 3px; }
 QSlider::handle:horizontal { background: @accent; width: 14px; margin: -5px 0; border-radius: 8px; border: 1px solid @card; }
 QSlider::handle:horizontal:focus { width: 12px; border: 2px solid @text; }
 QSlider::sub-page:horizontal:disabled, QSlider::handle:horizontal:disabled { background: @quiet; }
+QDialog QSlider { min-height: 22px; }
+QDialog QSlider::sub-page:horizontal:disabled, QDialog QSlider::handle:horizontal:disabled { background: @border; }
 QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 4px; }
 )");
     const std::pair<const char*, QColor> colours[] = {
@@ -95,7 +101,8 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
         {"@onAccent", theme.onAccent}, {"@window", theme.window}, {"@stripe", theme.stripe},
         {"@border", theme.border},     {"@accent", theme.accent}, {"@warning", theme.warning},
         {"@overload", theme.overload}, {"@quiet", theme.quiet},   {"@field", theme.field},
-        {"@track", theme.track},       {"@card", theme.card},     {"@text", theme.text}};
+        {"@faint", theme.faint},       {"@track", theme.track},   {"@card", theme.card},
+        {"@text", theme.text}};
     for (const auto& [name, colour] : colours) sheet.replace(QLatin1String(name), colour.name());
     return sheet;
 }
@@ -110,6 +117,7 @@ Theme Theme::Light() {
     theme.border = QColor("#dde1e7");
     theme.text = QColor("#1b1f24");
     theme.quiet = QColor("#5a6472");
+    theme.faint = QColor("#a4acb8");
     theme.accent = QColor("#1668c7");
     theme.onAccent = QColor("#ffffff");
     theme.field = QColor("#edeff3");
@@ -127,6 +135,7 @@ Theme Theme::Dark() {
     theme.border = QColor("#353b46");
     theme.text = QColor("#e6e9ee");
     theme.quiet = QColor("#a0a8b4");
+    theme.faint = QColor("#5c6572");
     theme.accent = QColor("#4aa0ff");
     theme.onAccent = QColor("#0b1320");
     theme.field = QColor("#2f3540");

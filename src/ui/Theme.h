@@ -16,6 +16,7 @@ struct Theme {
     QColor border;
     QColor text;
     QColor quiet;  // captions and units
+    QColor faint;  // what is not available
     QColor accent;
     QColor onAccent;
     QColor field;  // entry fields and quiet buttons
@@ -32,7 +33,7 @@ struct Theme {
 };
 
 // Takes colours and fonts over to a window and everything in it. A widget says in its property "role"
-// what it is: hero, unit, title, quiet, value, figure, state, primary, note.
+// what it is: hero, unit, title, quiet, value, figure, figureSmall, state, primary, note.
 void ApplyTheme(QWidget& window);
 
 }  // namespace sonavex::ui

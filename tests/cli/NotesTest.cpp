@@ -12,8 +12,9 @@ namespace {
 using namespace std::chrono_literals;
 
 // The notes of a short measurement on a card of 48000 Hz.
-std::string Notes(const PulseServer& server, const char* rate) {
-    MeasureProgram program({"run", "--output", "card", "--input", "card.monitor", "--rate", rate, "--tone",
+std::string Notes(const PulseServer& server, const char* rate, const char* output = "card",
+                  const char* input = "card.monitor") {
+    MeasureProgram program({"run", "--output", output, "--input", input, "--rate", rate, "--tone",
                             "sine:1000", "--seconds", "0.2", "--json"},
                            sonavex::Environment{{"PULSE_SERVER", server.Address()}});
     const Outcome outcome = program.End(30s);
@@ -40,6 +41,17 @@ TEST(Notes, TellOfVolumesAndMuting) {
     server.Control({"set-source-volume", "card.monitor", "80%"});
     EXPECT_EQ(Notes(server, "48000"),
               R"(["Input: volume of the device 80 %","Output: volume of the device 50 %"])");
+}
+
+// Which card a device belongs to is what the server says of it.
+TEST(Notes, TellOfTwoCards) {
+    const PulseServer server({{"card", 48000, "Card"}});
+    for (const char* number : {"3", "7"})
+        server.Control({"load-module", "module-null-sink", std::string("sink_name=card") + number,
+                        "rate=48000", std::string("sink_properties=alsa.card=") + number});
+    EXPECT_EQ(Notes(server, "48000", "card3", "card3.monitor"), "[]");
+    EXPECT_EQ(Notes(server, "48000", "card3", "card7.monitor"),
+              R"(["Clocks: input and output run on different clocks"])");
 }
 
 }  // namespace

@@ -54,6 +54,7 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
                            &form.Menus.mnuPlayControl,
                            &meter.prgADC,
                            &meter.prgDAC,
+                           &form.mnuSoundCard,
                            &meter.LblLevel,
                            &meter.lblDACLevel,
                            &meter.txtFreq,

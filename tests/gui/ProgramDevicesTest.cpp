@@ -82,6 +82,22 @@ TEST_F(ProgramDevices, CanBeEndedAtOnce) {
     EXPECT_THAT(Content(SettingsFile()), testing::Not(HasSubstr("frmMain Left")));
 }
 
+TEST_F(ProgramDevices, ShowsTheTopicOfTheSelectionInTheHelp) {
+    app::Program program;
+    {
+        const DialogDriver driver(
+            {[](QDialog& error) { Click(error, "closeButton"); },
+             [](QDialog& devices) {
+                 Click(devices, "cmdHelp");
+                 EXPECT_THAT(Find<QTextBrowser>(devices, "HelpPage").toPlainText().toStdString(),
+                             testing::StartsWith("Sound devices\n"));
+                 Click(devices, "cmdOkay");
+             }});
+        ASSERT_EQ(program.Open(), std::nullopt);
+    }
+    program.Form().Form_QueryUnload();
+}
+
 TEST_F(ProgramDevices, ShowsTheTopicOfTheErrorInTheHelp) {
     const DialogDriver driver({[](QDialog& error) {
         Click(error, "Command2");

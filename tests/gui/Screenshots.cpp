@@ -9,6 +9,7 @@
 #include <string>
 
 #include "gui/DialogPictures.h"
+#include "gui/MixerRig.h"
 #include "support/FormRig.h"
 #include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
@@ -137,6 +138,60 @@ QPalette PaletteOf(bool dark) {
     return palette;
 }
 
+// The mixers' dialogs: with everything, and with what a plain USB card has.
+struct MixerScene {
+    const char* name;
+    std::int32_t osMajorVersion;
+    bool complete;
+    QWidget& (*show)(MixerRig&);
+};
+
+QWidget& ShowSound(MixerRig& rig) {
+    rig.session.ShowSoundCard();
+    return rig.dialogs.Sound;
+}
+
+QWidget& ShowSoundVista(MixerRig& rig) {
+    rig.session.ShowSoundCard();
+    return rig.dialogs.SoundVista;
+}
+
+QWidget& ShowTone(MixerRig& rig) {
+    rig.session.SoundVista.ShowTone();
+    return rig.dialogs.Tone;
+}
+
+const MixerScene kMixerScenes[] = {
+    {"sound", 5, true, ShowSound},
+    {"sound-sparse", 5, false, ShowSound},
+    {"sound-vista", 10, true, ShowSoundVista},
+    {"sound-vista-sparse", 10, false, ShowSoundVista},
+    {"tone", 10, true, ShowTone},
+    {"tone-sparse", 10, false, ShowTone},
+};
+
+const std::vector<MixerFunction> kNotOfAPlainCard{
+    MixerFunction::kWaveVolume, MixerFunction::kWaveMute,  MixerFunction::kLineVolume,
+    MixerFunction::kLineMute,   MixerFunction::kMicVolume, MixerFunction::kMicMute,
+    MixerFunction::kMidRange,   MixerFunction::kMicBoost,  MixerFunction::kMonitorOff,
+    MixerFunction::kMicRecord,  MixerFunction::kMicSource, MixerFunction::kLineSource};
+
+bool Picture(const MixerScene& scene, bool dark, const QString& folder) {
+    MixerRig rig(scene.osMajorVersion, scene.complete ? std::vector<MixerFunction>{} : kNotOfAPlainCard);
+    rig.mixer.SetValues(MixerFunction::kMasterVolume, {52428, 52428});
+    rig.mixer.SetValues(MixerFunction::kLineRecord, {45874, 45874});
+    rig.mixer.SetValues(MixerFunction::kBass, {-6});
+    rig.mixer.SetValues(MixerFunction::kTreble, {3});
+    rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
+    QWidget& dialog = scene.show(rig);
+    rig.loop.DeliverSignals();
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    const QString name = QStringLiteral("%1/%2-%3-%4.png")
+                             .arg(folder, scene.name, dark ? "dark" : "light")
+                             .arg(qRound(dialog.devicePixelRatio() * 100));
+    return dialog.grab().save(name);
+}
+
 bool Picture(const Scene& scene, bool dark, const QString& folder) {
     FormRig rig;
     ui::MainWindow window(rig.form, QString::fromUtf8(SimulatedSoundSystem::kDescription));
@@ -164,6 +219,8 @@ int main(int argc, char** argv) {
     for (const bool dark : {false, true}) {
         QApplication::setPalette(PaletteOf(dark));
         for (const Scene& scene : kScenes)
+            if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
+        for (const MixerScene& scene : kMixerScenes)
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
         if (!DialogPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
     }

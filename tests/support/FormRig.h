@@ -52,6 +52,7 @@ public:
     void ReopenSoundCard(const std::string&, const std::string&) override { log_.Call("ReopenSoundCard"); }
     void CaptureAndApplySaved() override { log_.Call("CaptureAndApplySaved"); }
     void SetUpSoundControls() override { log_.Call("SetUpSoundControls"); }
+    void ShowSoundCard() override { log_.Call("ShowSoundCard"); }
     void UnloadDialogs() override { log_.Call("UnloadDialogs"); }
     void SaveAndRestoreInitial() override { log_.Call("SaveAndRestoreInitial"); }
     void RestoreInitial() override { log_.Call("RestoreInitial"); }

@@ -15,6 +15,7 @@
 namespace sonavex::app {
 namespace {
 
+constexpr const char* kJournalName = "mixer-levels";
 constexpr const char* kComment = "Distortion meter and function generator";
 
 ApplicationVersion Version() {
@@ -74,8 +75,12 @@ void Program::MakeForm() {
     errorLog_ = std::make_unique<DesktopErrorLog>(
         DesktopErrorLog::Environment{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
     errorLog_->OnLine = WriteLine;
+    mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_,
+                                              QtSettingsStore::DefaultFile().replace_filename(kJournalName));
     form_ = std::make_unique<frmMain>(
-        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_});
+        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
+    // The levels are the user's own again however the program is asked to end.
+    termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
     form_->OnUnloaded = [this](int status) {
         endStatus_ = status;
         QApplication::exit(status);
@@ -100,7 +105,8 @@ void Program::ConnectDialogs() {
 
 void Program::ConnectMenus() {
     menus_ = std::make_unique<MenuCommands>(
-        MenuCommands::World{launcher_, dialogs_, help_, form_->Shared, Version()}, form_->Menus);
+        MenuCommands::World{launcher_, dialogs_, help_, form_->Shared, mixers_->Session(), Version()},
+        form_->Menus);
     menus_->ShowAbout = [this] { ShowAbout(); };
     print_ = std::make_unique<PrintCommand>(PrintCommand::World{printer_, dialogs_, desktop_, Today},
                                             form_->Measurement.Controls, form_->cmdPrint, form_->mnuPrint);
@@ -123,6 +129,7 @@ void Program::Load() {
     splash_.OnShow = [this] { splashWindow_->Refresh(); };
     splash_.Form_Load(Version());
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
+    mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Session(), form_->Guard, *window_);
     window_->TellSize();
     form_->Form_Load();
     CloseSplash();

@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/mixer/AbsentMixers.h"
+#include "app/sonavex/ProgramMixers.h"
 #include "core/ports/SoundSystem.h"
 #include "core/report/DesktopErrorLog.h"
 #include "core/report/MenuCommands.h"
@@ -21,8 +21,10 @@
 #include "platform/qt/QtLauncher.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSettingsStore.h"
+#include "platform/qt/TerminationSignals.h"
 #include "ui/HelpViewer.h"
 #include "ui/MainWindow.h"
+#include "ui/MixerDialogs.h"
 #include "ui/ModalForms.h"
 #include "ui/SplashWindow.h"
 
@@ -46,6 +48,7 @@ public:
 
     // After Open gave no status.
     frmMain& Form() { return *form_; }
+    SoundCardMixers& Mixers() { return mixers_->Session(); }
     ui::MainWindow& Window() { return *window_; }
 
 private:
@@ -71,16 +74,18 @@ private:
     QtLauncher launcher_;
     QtPrinter printer_;
     ui::HelpViewer help_;
-    AbsentMixers mixers_;
     frmSplash splash_{dialogs_, loop_};
     std::unique_ptr<ui::SplashWindow> splashWindow_;
     std::unique_ptr<SoundSystem> sound_;
     std::unique_ptr<DesktopErrorLog> errorLog_;
+    std::unique_ptr<ProgramMixers> mixers_;
     std::unique_ptr<frmMain> form_;
     std::unique_ptr<ui::ModalForms> modalForms_;
     std::unique_ptr<MenuCommands> menus_;
     std::unique_ptr<PrintCommand> print_;
     std::unique_ptr<ui::MainWindow> window_;
+    std::unique_ptr<ui::MixerDialogs> mixerDialogs_;
+    std::unique_ptr<TerminationSignals> termination_;
     std::optional<int> endStatus_;
 };
 

@@ -1,6 +1,7 @@
 #include "core/audio/StreamEngine.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/support/BusyPointer.h"
 #include "core/support/ScopedFlag.h"
@@ -51,6 +52,10 @@ std::vector<std::string> StreamEngine::PathNotes() const {
     const std::string output = playbackBuffer_ ? playbackBuffer_->PathNote() : std::string();
     if (!input.empty()) notes.push_back("Input: " + input);
     if (!output.empty()) notes.push_back("Output: " + output);
+    const std::string clocks =
+        ClockNote(captureBuffer_ ? captureBuffer_->ClockName() : std::string(),
+                  playbackBuffer_ ? playbackBuffer_->ClockName() : std::string(), drift_.Ppm());
+    if (!clocks.empty()) notes.push_back("Clocks: " + clocks);
     return notes;
 }
 
@@ -123,6 +128,7 @@ void StreamEngine::Release() {
 }
 
 void StreamEngine::ReleaseObjects() {
+    drift_.Forget();
     playbackDevice_.reset();
     playbackBuffer_.reset();
     captureBuffer_.reset();
@@ -189,12 +195,23 @@ void StreamEngine::NoteDisturbances() {
     const CaptureStatistics counts = Capture().Statistics();
     const bool lost = counts.segmentsLost != captureCounts_.segmentsLost;
     const bool gap = counts.framesMissing != captureCounts_.framesMissing;
+    const std::uint64_t underruns = Underruns();
+    const bool underrun = std::exchange(underruns_, underruns) < underruns;
     // A gap that has just been counted lies in this block or in the one being captured.
-    if (RestartPending) settlingBlocks_ = kSettlingBlocks;
+    if (RestartPending || underrun) settlingBlocks_ = kSettlingBlocks;
+    FollowClocks(lost || gap || settlingBlocks_ > 0);
     if (lost || gap || gapBefore_ || settlingBlocks_ > 0) env_.processor.StreamDisturbed();
     if (settlingBlocks_ > 0) --settlingBlocks_;
     captureCounts_ = counts;
     gapBefore_ = gap;
+}
+
+// An interruption sets the leads back by an unknown time.
+void StreamEngine::FollowClocks(bool disturbed) {
+    if (disturbed) return drift_.Restart();
+    const auto input = Capture().ClockLead();
+    const auto output = Playback().ClockLead();
+    if (input && output) drift_.Add(env_.loop.Now(), *input - *output);
 }
 
 // True when the block has been written.

@@ -4,11 +4,13 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/audio/BlockProcessor.h"
+#include "core/audio/ClockDrift.h"
 #include "core/audio/ErrorLog.h"
 #include "core/audio/MixerBinding.h"
 #include "core/controls/Controls.h"
@@ -94,9 +96,12 @@ public:
     CaptureStatistics CaptureCounts() const;
     // Times that the device of the playback buffer in use ran out of samples; 0 without one.
     std::uint64_t Underruns() const;
-    // What changes the samples between the buffers and the cards: "Input: ..." and "Output: ...". Empty
-    // when nothing is known to.
+    // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and
+    // "Clocks: ...". Empty when nothing is known to.
     std::vector<std::string> PathNotes() const;
+    // How much faster the input's clock is than the output's, in ppm; nothing until it is known, which
+    // takes a minute.
+    std::optional<double> ClockDriftPpm() const noexcept { return drift_.Ppm(); }
 
     // Stream state.
     std::array<EventHandle, 5> NotifyEvents{};  // 0 to 3: the capture notifications
@@ -151,6 +156,7 @@ private:
     void StartOver();
 
     void NoteDisturbances();
+    void FollowClocks(bool disturbed);
     bool HandleOverrun();
     bool HandleOverrunNewer();
     void HandleOverrunOlder();
@@ -167,6 +173,8 @@ private:
     std::unique_ptr<PlaybackBuffer> playbackBuffer_;
     std::unique_ptr<CaptureBuffer> captureBuffer_;
     CaptureStatistics captureCounts_;  // at the last block
+    std::uint64_t underruns_ = 0;      // at the last block
+    ClockDrift drift_;
     bool gapBefore_ = false;           // a gap was counted at the last block
     std::int32_t settlingBlocks_ = 0;  // blocks that may still carry the step of a start
     bool restarting_ = false;

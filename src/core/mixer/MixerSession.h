@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "core/audio/MixerBinding.h"
 
 namespace sonavex {
@@ -14,6 +16,9 @@ public:
     // Finds the controls behind the dialogs; on the older generation also the table of lines.
     virtual void SetUpSoundControls() = 0;
 
+    // Shows the generation's dialog of the sound card's levels.
+    virtual void ShowSoundCard() = 0;
+
     // Closes the dialogs that are open.
     virtual void UnloadDialogs() = 0;
 
@@ -22,6 +27,10 @@ public:
 
     // The end at once: gives the user's own levels back and saves nothing.
     virtual void RestoreInitial() = 0;
+
+    // Numbers of the mixer devices in use, counted from 0; -1 for none.
+    std::int32_t PlayMixerDeviceNumber = -1;
+    std::int32_t MixerDeviceNumber = -1;
 };
 
 }  // namespace sonavex

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -97,6 +99,11 @@ public:
     virtual std::string PathNote() const { return {}; }
     // Times since the buffer was created that the device ran out of samples.
     virtual std::uint64_t Underruns() const { return 0; }
+    // How far the device's clock has got ahead of the system's since the device began: the time that its
+    // frames stand for at their nominal rate, less the time that has passed. Nothing when not known.
+    virtual std::optional<std::chrono::nanoseconds> ClockLead() const { return std::nullopt; }
+    // Names the clock that the device runs on; the same for everything on one clock. Empty when not known.
+    virtual std::string ClockName() const { return {}; }
 };
 
 // A capture buffer that is filled round and round while started.
@@ -113,6 +120,9 @@ public:
     virtual CaptureStatistics Statistics() const = 0;
     // As PlaybackBuffer::PathNote.
     virtual std::string PathNote() const { return {}; }
+    // As PlaybackBuffer::ClockLead and ClockName.
+    virtual std::optional<std::chrono::nanoseconds> ClockLead() const { return std::nullopt; }
+    virtual std::string ClockName() const { return {}; }
 };
 
 struct PlaybackCapabilities {

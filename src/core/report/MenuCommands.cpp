@@ -61,12 +61,14 @@ void MenuCommands::mnuemail_Click() {
 
 void MenuCommands::mnuInputControl_Click() {
     RunCommand(world_.launcher, world_.dialogs,
-               world_.shared.NewerGeneration() ? kInputPanel : kOlderInputPanel + CStr(MixerDeviceNumber));
+               world_.shared.NewerGeneration() ? kInputPanel
+                                               : kOlderInputPanel + CStr(world_.mixers.MixerDeviceNumber));
 }
 
 void MenuCommands::mnuPlayControl_Click() {
     RunCommand(world_.launcher, world_.dialogs,
-               world_.shared.NewerGeneration() ? kPlayPanel : kOlderPlayPanel + CStr(PlayMixerDeviceNumber));
+               world_.shared.NewerGeneration() ? kPlayPanel
+                                               : kOlderPlayPanel + CStr(world_.mixers.PlayMixerDeviceNumber));
 }
 
 }  // namespace sonavex

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 
+#include "core/mixer/MixerSession.h"
 #include "core/ports/Dialogs.h"
 #include "core/ports/Help.h"
 #include "core/ports/Launcher.h"
@@ -21,6 +21,7 @@ public:
         Dialogs& dialogs;
         Help& help;
         const SharedState& shared;
+        const MixerSession& mixers;
         ApplicationVersion version;
     };
 
@@ -29,10 +30,6 @@ public:
     ~MenuCommands();
     MenuCommands(const MenuCommands&) = delete;
     MenuCommands& operator=(const MenuCommands&) = delete;
-
-    // Mixer devices of the capture and of the playback side, for the older system's volume panels.
-    std::int32_t MixerDeviceNumber = 0;
-    std::int32_t PlayMixerDeviceNumber = 0;
 
     // Shows the about box and returns when it has closed.
     std::function<void()> ShowAbout;

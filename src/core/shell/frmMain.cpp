@@ -38,6 +38,7 @@ frmMain::frmMain(const World& world)
       world_(world) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
+    mnuSoundCard.Click.Handle([this] { mnuSoundCard_Click(); });
     mnuSelectCard.Click.Handle([this] { mnuSelectCard_Click(); });
     Signals.SetPlaybackVolume([this](std::int32_t level) {
         if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
@@ -241,16 +242,20 @@ void frmMain::mnuExit_Click() {
     cmdExit.Press();
 }
 
+void frmMain::mnuSoundCard_Click() {
+    world_.mixers.ShowSoundCard();
+}
+
 void frmMain::mnuSelectCard_Click() {
     for (Label* label : {&lblInput, &lblOutput, &lblSampleRate}) label->SetCaption("Stopped");
-    world_.mixers.UnloadDialogs();
     ChooseDevices();
 }
 
-// One dialog at a time has the engine in its hands.
+// One dialog at a time has the engine in its hands; those of the mixers would show a card of the past.
 void frmMain::ChooseDevices() {
     if (choosingDevices_ || !ShowDeviceDialog) return;
     const ScopedFlag choosing(choosingDevices_);
+    world_.mixers.UnloadDialogs();
     ShowDeviceDialog();
 }
 

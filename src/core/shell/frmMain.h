@@ -70,6 +70,7 @@ public:
 
     void cmdExit_Click();
     void mnuExit_Click();
+    void mnuSoundCard_Click();
     // The readings are said to have stopped while the devices are being selected.
     void mnuSelectCard_Click();
 
@@ -91,6 +92,7 @@ public:
     CommandButton cmdPrint;
     MenuItem mnuExit;
     MenuItem mnuPrint;
+    MenuItem mnuSoundCard;
     MenuItem mnuSelectCard;
     MenuControls Menus;
 

@@ -46,6 +46,7 @@ std::size_t TargetFrames(const AlsaPcm& pcm) {
 AlsaPlaybackBuffer::AlsaPlaybackBuffer(EventLoop& loop, const AlsaDevice& device,
                                        const BufferDescription& description, AlsaStream::LostHandler onLost)
     : ring_(description.bytes, static_cast<std::int32_t>(description.format.samplesPerSecond)),
+      clock_(description.format.samplesPerSecond),
       pcm_(device, SND_PCM_STREAM_PLAYBACK, description.format.samplesPerSecond,
            PlaybackShape(description.format.samplesPerSecond)),
       targetFrames_(TargetFrames(pcm_)),
@@ -83,7 +84,9 @@ snd_pcm_sframes_t AlsaPlaybackBuffer::Write(std::size_t frames) noexcept {
     if (pendingFrames_ == 0) {
         scratchFrames_ = std::min(frames, kScratchFrames);
         pendingFrames_ = scratchFrames_;
-        ring_.Pull(scratch_.data(), scratchFrames_, DelayFrames(scratchFrames_));
+        const std::size_t delayFrames = DelayFrames(scratchFrames_);
+        ring_.Pull(scratch_.data(), scratchFrames_, delayFrames);
+        clock_.Moved(scratchFrames_, delayFrames + scratchFrames_);
     }
     const std::int16_t* const samples = scratch_.data() + 2 * (scratchFrames_ - pendingFrames_);
     const snd_pcm_sframes_t written =
@@ -102,6 +105,7 @@ AlsaCaptureBuffer::AlsaCaptureBuffer(EventLoop& loop, const NotificationHub& hub
                                      const BufferDescription& description, AlsaStream::LostHandler onLost)
     : hub_(hub),
       ring_(description.bytes),
+      clock_(description.format.samplesPerSecond),
       pcm_(device, SND_PCM_STREAM_CAPTURE, description.format.samplesPerSecond,
            CaptureShape(description.format.samplesPerSecond)),
       scratch_(2 * kScratchFrames),
@@ -113,7 +117,7 @@ AlsaCaptureBuffer::AlsaCaptureBuffer(EventLoop& loop, const NotificationHub& hub
 int AlsaCaptureBuffer::Start() noexcept {
     const int error = snd_pcm_start(pcm_.Handle());
     if (error < 0) return error;
-    if (started_) ring_.PushSilence(LostFrames());
+    if (started_) ring_.PushSilence(LostFrames());  // of unknown length: no matter of the clock
     started_ = true;
     readUntil_ = Clock::now();
     return 0;
@@ -137,6 +141,7 @@ snd_pcm_sframes_t AlsaCaptureBuffer::Move() noexcept {
         if (read < 0) return read == -EAGAIN && moved > 0 ? moved : read;
         if (read == 0) break;
         ring_.Push(scratch_.data(), static_cast<std::size_t>(read));
+        clock_.Moved(static_cast<std::size_t>(read), 0);
         moved += read;
     }
     if (moved > 0) readUntil_ = Clock::now();

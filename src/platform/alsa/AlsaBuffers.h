@@ -9,6 +9,7 @@
 #include "platform/alsa/AlsaPcm.h"
 #include "platform/alsa/AlsaStream.h"
 #include "platform/ring/CaptureRing.h"
+#include "platform/ring/ClockMeter.h"
 #include "platform/ring/NotificationHub.h"
 #include "platform/ring/PlaybackRing.h"
 
@@ -31,6 +32,8 @@ public:
     void SetVolume(std::int32_t hundredthsDb) override { Ring().SetVolume(hundredthsDb); }
     std::string PathNote() const override { return pcm_.Note(); }
     std::uint64_t Underruns() const override { return stream_.Xruns(); }
+    std::optional<std::chrono::nanoseconds> ClockLead() const override { return clock_.Lead(); }
+    std::string ClockName() const override { return pcm_.ClockName(); }
 
 private:
     int Start() noexcept override;
@@ -45,6 +48,7 @@ private:
     }
 
     PlaybackRing ring_;
+    ClockMeter clock_;
     AlsaPcm pcm_;
     std::size_t targetFrames_;  // how full the card's buffer is kept
     std::vector<std::int16_t> scratch_;
@@ -71,6 +75,8 @@ public:
     }
     CaptureStatistics Statistics() const override { return ring_.Statistics(); }
     std::string PathNote() const override { return pcm_.Note(); }
+    std::optional<std::chrono::nanoseconds> ClockLead() const override { return clock_.Lead(); }
+    std::string ClockName() const override { return pcm_.ClockName(); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -85,6 +91,7 @@ private:
 
     const NotificationHub& hub_;
     CaptureRing ring_;
+    ClockMeter clock_;
     AlsaPcm pcm_;
     std::vector<std::int16_t> scratch_;
     bool started_ = false;         // once; what follows are overruns

@@ -159,4 +159,12 @@ void AlsaPcm::RefuseFormat(const Lacks& lacks) const {
     throw RuntimeError(sound_error::kBadFormat, Quoted(device_) + reason);
 }
 
+std::string AlsaPcm::ClockName() const {
+    snd_pcm_info_t* info = nullptr;
+    if (snd_pcm_info_malloc(&info) < 0) return {};
+    const int card = snd_pcm_info(pcm_.get(), info) == 0 ? snd_pcm_info_get_card(info) : -1;
+    snd_pcm_info_free(info);
+    return card < 0 ? std::string() : "card " + std::to_string(card);
+}
+
 }  // namespace sonavex

@@ -40,6 +40,9 @@ public:
     // What happens to the samples on their way, for the user; empty when they pass bit for bit.
     const std::string& Note() const noexcept { return note_; }
 
+    // "card N" with the system's number of the card; empty when the device is no card's.
+    std::string ClockName() const;
+
 private:
     // What the device cannot do by itself.
     struct Lacks {

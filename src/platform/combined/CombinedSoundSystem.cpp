@@ -63,6 +63,8 @@ public:
     }
     CaptureStatistics Statistics() const override { return buffer_->Statistics(); }
     std::string PathNote() const override { return buffer_->PathNote(); }
+    std::optional<std::chrono::nanoseconds> ClockLead() const override { return buffer_->ClockLead(); }
+    std::string ClockName() const override { return buffer_->ClockName(); }
 
 private:
     // An unknown event is refused by the buffer as well.

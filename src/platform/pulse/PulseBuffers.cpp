@@ -37,6 +37,7 @@ PulsePlaybackBuffer::PulsePlaybackBuffer(PulseContext& context, EventLoop& loop,
                                          PulseStream::LostHandler onLost)
     : rateHz_(description.format.samplesPerSecond),
       ring_(description.bytes, static_cast<std::int32_t>(rateHz_)),
+      clock_(rateHz_),
       stream_(context, loop, device, std::move(onLost)) {
     const auto connect = [this](pa_stream* stream, const char* name, pa_stream_flags_t flags) {
         pa_stream_set_write_callback(stream, OnWritable, this);
@@ -63,7 +64,9 @@ void PulsePlaybackBuffer::OnWritable(pa_stream* stream, std::size_t bytes, void*
         std::size_t room = left * kFrameBytes;
         if (pa_stream_begin_write(stream, &memory, &room) < 0) return;
         const std::size_t frames = std::min(room / kFrameBytes, left);
-        me.ring_.Pull(static_cast<std::int16_t*>(memory), frames, me.DelayFrames(stream, frames));
+        const std::size_t delayFrames = me.DelayFrames(stream, frames);
+        me.ring_.Pull(static_cast<std::int16_t*>(memory), frames, delayFrames);
+        me.clock_.Moved(frames, delayFrames + frames);
         if (pa_stream_write(stream, memory, frames * kFrameBytes, nullptr, 0, PA_SEEK_RELATIVE) < 0) return;
         left -= frames;
     }
@@ -86,7 +89,10 @@ std::size_t PulsePlaybackBuffer::DelayFrames(pa_stream* stream, std::size_t writ
 PulseCaptureBuffer::PulseCaptureBuffer(PulseContext& context, EventLoop& loop, const NotificationHub& hub,
                                        const SoundDeviceInfo& device, const BufferDescription& description,
                                        PulseStream::LostHandler onLost)
-    : hub_(hub), ring_(description.bytes), stream_(context, loop, device, std::move(onLost)) {
+    : hub_(hub),
+      ring_(description.bytes),
+      clock_(description.format.samplesPerSecond),
+      stream_(context, loop, device, std::move(onLost)) {
     const std::uint32_t rateHz = description.format.samplesPerSecond;
     const auto connect = [&](pa_stream* stream, const char* name, pa_stream_flags_t flags) {
         pa_stream_set_read_callback(stream, OnReadable, this);
@@ -109,6 +115,7 @@ void PulseCaptureBuffer::OnReadable(pa_stream* stream, std::size_t, void* self) 
             me.ring_.PushSilence(bytes / kFrameBytes);
         else
             me.ring_.Push(static_cast<const std::int16_t*>(memory), bytes / kFrameBytes);
+        me.clock_.Moved(bytes / kFrameBytes, 0);
         pa_stream_drop(stream);
     }
 }

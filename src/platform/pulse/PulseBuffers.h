@@ -6,6 +6,7 @@
 
 #include "platform/pulse/PulseStream.h"
 #include "platform/ring/CaptureRing.h"
+#include "platform/ring/ClockMeter.h"
 #include "platform/ring/NotificationHub.h"
 #include "platform/ring/PlaybackRing.h"
 
@@ -28,6 +29,8 @@ public:
     void SetVolume(std::int32_t hundredthsDb) override { Ring().SetVolume(hundredthsDb); }
     std::string PathNote() const override { return stream_.PathNote(); }
     std::uint64_t Underruns() const override { return stream_.Underruns(); }
+    std::optional<std::chrono::nanoseconds> ClockLead() const override { return clock_.Lead(); }
+    std::string ClockName() const override { return stream_.ClockName(); }
 
 private:
     static void OnWritable(pa_stream* stream, std::size_t bytes, void* self);
@@ -40,6 +43,7 @@ private:
 
     std::uint32_t rateHz_;
     PlaybackRing ring_;
+    ClockMeter clock_;
     PulseStream stream_;
 };
 
@@ -62,6 +66,8 @@ public:
     }
     CaptureStatistics Statistics() const override { return ring_.Statistics(); }
     std::string PathNote() const override { return stream_.PathNote(); }
+    std::optional<std::chrono::nanoseconds> ClockLead() const override { return clock_.Lead(); }
+    std::string ClockName() const override { return stream_.ClockName(); }
 
 private:
     static void OnReadable(pa_stream* stream, std::size_t bytes, void* self);
@@ -72,6 +78,7 @@ private:
 
     const NotificationHub& hub_;
     CaptureRing ring_;
+    ClockMeter clock_;
     PulseStream stream_;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/pulse/PulseContext.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/ports/SoundErrors.h"
@@ -9,6 +10,10 @@ namespace {
 
 // Below the three seconds that a call on a sound system may last, with room for the rest of it.
 constexpr pa_usec_t kCallLimit = 2 * PA_USEC_PER_SEC;
+
+// After a wait in vain: how long waits are short, and how short.
+constexpr pa_usec_t kImpatience = 4 * PA_USEC_PER_SEC;
+constexpr pa_usec_t kImpatientLimit = PA_USEC_PER_SEC / 10;
 
 constexpr const char* kNotAnswering = "The sound server does not answer.";
 
@@ -56,7 +61,10 @@ pa_context* PulseContext::Connected(const PulseDeadline& deadline) {
         const pa_context_state_t state = pa_context_get_state(context_);
         return state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state);
     });
-    if (settled && pa_context_get_state(context_) == PA_CONTEXT_READY) return context_;
+    if (settled && pa_context_get_state(context_) == PA_CONTEXT_READY) {
+        if (onConnected_) onConnected_(context_);
+        return context_;
+    }
     const std::string reason = settled ? pa_strerror(pa_context_errno(context_)) : "Timeout";
     const std::string place = serverAddress_.empty() ? "" : " at '" + serverAddress_ + "'";
     Drop();
@@ -75,16 +83,27 @@ void PulseContext::Connect() {
 void PulseContext::Drop() noexcept {
     if (context_ == nullptr) return;
     pa_context_set_state_callback(context_, nullptr, nullptr);
+    pa_context_set_subscribe_callback(context_, nullptr, nullptr);
     pa_context_disconnect(context_);
     pa_context_unref(std::exchange(context_, nullptr));
 }
 
+pa_usec_t PulseContext::EndOf(const PulseDeadline& deadline) const noexcept {
+    const pa_usec_t now = pa_rtclock_now();
+    return now < impatientUntil_ ? std::min(deadline.Time(), now + kImpatientLimit) : deadline.Time();
+}
+
 bool PulseContext::WaitUntil(const PulseDeadline& deadline, const std::function<bool()>& condition) {
     Alarm alarm{loop_, false};
-    pa_time_event* const timer = pa_context_rttime_new(context_, deadline.Time(), RingAlarm, &alarm);
+    pa_time_event* const timer = pa_context_rttime_new(context_, EndOf(deadline), RingAlarm, &alarm);
     while (!condition() && !alarm.rung) pa_threaded_mainloop_wait(loop_);
     pa_threaded_mainloop_get_api(loop_)->time_free(timer);
-    return condition();
+    const bool met = condition();
+    if (met)
+        impatientUntil_ = 0;
+    else if (pa_rtclock_now() >= impatientUntil_)
+        impatientUntil_ = pa_rtclock_now() + kImpatience;
+    return met;
 }
 
 void PulseContext::Await(pa_operation* operation, const PulseDeadline& deadline) {

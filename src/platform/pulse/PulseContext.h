@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "core/text/RuntimeError.h"
 
@@ -46,12 +47,16 @@ public:
         pa_threaded_mainloop* loop_;
     };
 
+    // Called, under lock, with every connection that has been established; before the first one.
+    void OnConnected(std::function<void(pa_context*)> handler) { onConnected_ = std::move(handler); }
+
     // The connection, established if need be. Under lock. Throws kUninitialized when no server
     // answers in time.
     pa_context* Connected(const PulseDeadline& deadline);
 
     // Waits, under lock, until the condition holds (true) or the time is over (false). The condition
-    // is looked at again after each Wake.
+    // is looked at again after each Wake. For some seconds after a wait that was in vain the next ones
+    // are short: a server that stands still is not to hold up the window call after call.
     bool WaitUntil(const PulseDeadline& deadline, const std::function<bool()>& condition);
     // Lets WaitUntil look again; for callbacks.
     void Wake() noexcept { pa_threaded_mainloop_signal(loop_, 0); }
@@ -61,12 +66,15 @@ public:
     void Await(pa_operation* operation, const PulseDeadline& deadline);
 
 private:
+    pa_usec_t EndOf(const PulseDeadline& deadline) const noexcept;
     void Connect();
     void Drop() noexcept;
 
     std::string serverAddress_;
+    std::function<void(pa_context*)> onConnected_;
     pa_threaded_mainloop* loop_;
     pa_context* context_ = nullptr;
+    pa_usec_t impatientUntil_ = 0;  // of pa_rtclock_now
 };
 
 }  // namespace sonavex

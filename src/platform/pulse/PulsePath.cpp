@@ -39,6 +39,8 @@ void PulsePath::TakeDevice(pa_context*, const Info* info, int, void* self) {
     if (info == nullptr) return;
     auto& me = *static_cast<PulsePath*>(self);
     me.deviceRateHz_ = info->sample_spec.rate;
+    const char* const card = pa_proplist_gets(info->proplist, "alsa.card");
+    me.card_ = card == nullptr ? "" : card;
     me.device_ = VolumeOf(info->volume, info->mute);
 }
 
@@ -85,6 +87,11 @@ std::string PulsePath::Note() const {
         Append(note, "volume of the stream " + std::to_string(stream_.percent) + " %");
     if (device_.muted || stream_.muted) Append(note, "muted by the sound server");
     return note;
+}
+
+std::string PulsePath::ClockName() const {
+    const PulseContext::Lock lock(context_);
+    return card_.empty() ? std::string() : "card " + card_;
 }
 
 }  // namespace sonavex

@@ -30,6 +30,10 @@ public:
     // What changes the samples, for the user; empty when nothing does. By the latest answers.
     std::string Note() const;
 
+    // "card N" with the system's number of the sound card behind the device; empty when the device is
+    // no card's.
+    std::string ClockName() const;
+
 private:
     struct Volume {
         std::uint32_t percent = 100;
@@ -49,6 +53,7 @@ private:
     std::vector<pa_operation*> pending_;
     // Written by the connection's thread, under the context's lock.
     std::uint32_t deviceRateHz_ = 0;
+    std::string card_;
     Volume device_;
     Volume stream_;
 };

@@ -44,6 +44,8 @@ public:
     // For an open stream: what the server does to its samples is told by PathNote from now on.
     void FollowPath(PulseDirection direction, const PulseDeadline& deadline);
     std::string PathNote() const { return path_ ? path_->Note() : std::string(); }
+    // Of the card behind the device; empty when there is none.
+    std::string ClockName() const { return path_ ? path_->ClockName() : std::string(); }
 
     // Throws kBufferLost after a loss.
     void RequireDevice() const;

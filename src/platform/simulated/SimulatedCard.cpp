@@ -15,6 +15,16 @@ void SimulatedCard::SetDeviceUnderTest(DeviceUnderTestModel model) {
     device_ = DeviceUnderTest(std::move(model));
 }
 
+void SimulatedCard::SetMixerGains(const MixerGains& gains) {
+    const std::lock_guard lock(mutex_);
+    mixer_.SetGains(gains);
+}
+
+void SimulatedCard::SetRate(std::uint32_t rateHz) {
+    const std::lock_guard lock(mutex_);
+    mixer_.SetRate(rateHz);
+}
+
 void SimulatedCard::ConnectPlayback(std::shared_ptr<PlaybackRing> ring) {
     const std::lock_guard lock(mutex_);
     playback_ = std::move(ring);
@@ -49,7 +59,9 @@ void SimulatedCard::StepPeriod(std::size_t frames) {
     played_.assign(2 * device_.FramesNeeded(frames), 0);
     captured_.resize(2 * frames);
     if (playback_) playback_->Pull(played_.data(), played_.size() / 2, 0);
+    mixer_.ProcessOutput(played_);
     device_.Process(played_, captured_);
+    mixer_.ProcessInput(captured_);
     if (capture_) capture_->Push(captured_.data(), frames);
 }
 

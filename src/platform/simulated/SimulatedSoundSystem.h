@@ -71,7 +71,10 @@ private:
     std::shared_ptr<const Connection> Connect();
     void ReportLostBuffers();
     void Run();
-    void SetRate(std::uint32_t rateHz) { rateHz_.store(rateHz); }
+    void SetRate(std::uint32_t rateHz) {
+        rateHz_.store(rateHz);
+        card_.SetRate(rateHz);
+    }
 
     NotificationHub hub_;
     SimulatedCard card_;

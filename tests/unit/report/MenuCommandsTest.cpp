@@ -2,7 +2,7 @@
 
 #include "core/report/MenuCommands.h"
 #include "core/report/WebPages.h"
-#include "support/Recorders.h"
+#include "support/FormRig.h"
 #include "support/RecordingLauncher.h"
 #include "support/ReportFakes.h"
 
@@ -18,8 +18,9 @@ protected:
     RecordingDialogs dialogs{log};
     RecordingHelp help{log};
     SharedState shared;
+    RecordingMixerSession mixers{log};
     MenuControls menus;
-    MenuCommands commands{{launcher, dialogs, help, shared, {2, 1, 14, "Comment"}}, menus};
+    MenuCommands commands{{launcher, dialogs, help, shared, mixers, {2, 1, 14, "Comment"}}, menus};
 };
 
 TEST_F(MenuCommandsTest, ChecksTheVersionAfterAYes) {
@@ -54,7 +55,7 @@ TEST_F(MenuCommandsTest, TellsTheNumberWhenThePageDoesNotOpen) {
 }
 
 TEST_F(MenuCommandsTest, StartsThePanelsOfTheNewerSystems) {
-    commands.MixerDeviceNumber = 3;
+    mixers.MixerDeviceNumber = 3;
     for (const std::int32_t generation : {6, 10}) {
         log.Clear();
         shared.OsMajorVersion = generation;
@@ -66,10 +67,12 @@ TEST_F(MenuCommandsTest, StartsThePanelsOfTheNewerSystems) {
 
 TEST_F(MenuCommandsTest, StartsThePanelsOfTheOlderSystemsWithTheMixersNumbers) {
     shared.OsMajorVersion = 5;
+    mixers.MixerDeviceNumber = 0;
+    mixers.PlayMixerDeviceNumber = 0;
     menus.mnuInputControl.UserChooses();
     menus.mnuPlayControl.UserChooses();
-    commands.MixerDeviceNumber = 2;
-    commands.PlayMixerDeviceNumber = 11;
+    mixers.MixerDeviceNumber = 2;
+    mixers.PlayMixerDeviceNumber = 11;
     menus.mnuInputControl.UserChooses();
     menus.mnuPlayControl.UserChooses();
     EXPECT_THAT(log.Lines(), ElementsAre("Run sndvol32 -R -D0", "Run sndvol32 -P -D0", "Run sndvol32 -R -D2",
@@ -102,8 +105,9 @@ TEST(MenuCommandsEndTest, LeavesEntriesThatDoNothing) {
     RecordingDialogs dialogs(log);
     RecordingHelp help(log);
     const SharedState shared;
+    const RecordingMixerSession mixers(log);
     MenuControls menus;
-    { const MenuCommands commands({launcher, dialogs, help, shared, {}}, menus); }
+    { const MenuCommands commands({launcher, dialogs, help, shared, mixers, {}}, menus); }
     menus.mnuHelpContents.UserChooses();
     menus.mnuCheckVersion.UserChooses();
     EXPECT_THAT(log.Lines(), testing::IsEmpty());

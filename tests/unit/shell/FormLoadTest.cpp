@@ -160,6 +160,13 @@ TEST(StoredValues, ThatDoNotConvertNameTheirKey) {
     }
 }
 
+TEST(SoundCardMenu, ShowsTheMixersDialog) {
+    ScriptedForm world(10);
+    world.form.Form_Load();
+    world.form.mnuSoundCard.UserChooses();
+    EXPECT_EQ(world.log.Count("ShowSoundCard"), 1U);
+}
+
 TEST(MissingDevices, OpenTheDeviceDialogAndTheStartGoesOn) {
     ScriptedForm world(10);
     world.log.Fail("CreateCaptureDevice", RuntimeError(sound_error::kNoDriver, "gone"));

@@ -1,0 +1,103 @@
+#include "core/mixer/LevelKeeper.h"
+
+#include <algorithm>
+#include <sstream>
+#include <string_view>
+
+namespace sonavex {
+namespace {
+
+// A device's entry: its head line, the lines of its levels, an empty line.
+constexpr std::string_view kPlaybackHead = "playback\t";
+constexpr std::string_view kCaptureHead = "capture\t";
+
+std::string_view HeadOf(MixerSide side) {
+    return side == MixerSide::kPlayback ? kPlaybackHead : kCaptureHead;
+}
+
+}  // namespace
+
+std::vector<LevelKeeper::Kept> LevelKeeper::Parse(const std::string& text) {
+    std::vector<Kept> all;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const bool playback = line.starts_with(kPlaybackHead);
+        if (!playback && !line.starts_with(kCaptureHead)) continue;
+        Kept kept;
+        kept.device.side = playback ? MixerSide::kPlayback : MixerSide::kCapture;
+        kept.device.name = line.substr(HeadOf(kept.device.side).size());
+        while (std::getline(lines, line) && !line.empty()) kept.levels += line + '\n';
+        all.push_back(kept);
+    }
+    return all;
+}
+
+std::string LevelKeeper::Text(const std::vector<Kept>& kept) {
+    std::string text;
+    for (const Kept& entry : kept) {
+        text += HeadOf(entry.device.side);
+        text += entry.device.name + '\n' + entry.levels + '\n';
+    }
+    return text;
+}
+
+void LevelKeeper::WriteJournal() {
+    std::vector<Kept> all = inUse_;
+    all.insert(all.end(), waiting_.begin(), waiting_.end());
+    journal_.Write(Text(all));
+}
+
+void LevelKeeper::ReadJournal() {
+    if (journalRead_) return;
+    journalRead_ = true;
+    waiting_ = Parse(journal_.Read());
+    if (waiting_.empty()) return;
+    std::erase_if(waiting_, [this](const Kept& kept) { return Restored(kept); });
+    WriteJournal();
+}
+
+// A control that does not take its level is not tried again; a device that is not there is.
+bool LevelKeeper::Restored(const Kept& kept) {
+    return levels_.Write(kept.device, kept.levels) || levels_.Read(kept.device).has_value();
+}
+
+bool LevelKeeper::Remember(const MixerDevice& device) {
+    std::erase_if(waiting_, [&](const Kept& kept) { return kept.device == device && Restored(kept); });
+    const auto levels = levels_.Read(device);
+    if (levels) inUse_.push_back({device, *levels});
+    return levels.has_value();
+}
+
+bool LevelKeeper::Use(const std::vector<MixerDevice>& devices) {
+    ReadJournal();
+    const auto gone = std::stable_partition(inUse_.begin(), inUse_.end(), [&](const Kept& kept) {
+        return std::find(devices.begin(), devices.end(), kept.device) != devices.end();
+    });
+    bool changed = gone != inUse_.end();
+    for (auto kept = gone; kept != inUse_.end(); ++kept)
+        if (!Restored(*kept)) waiting_.push_back(*kept);
+    inUse_.erase(gone, inUse_.end());
+    bool remembered = false;
+    for (const MixerDevice& device : devices) {
+        const bool known = std::any_of(inUse_.begin(), inUse_.end(),
+                                       [&](const Kept& kept) { return kept.device == device; });
+        if (!known && !device.name.empty() && Remember(device)) remembered = true;
+    }
+    if (changed || remembered) WriteJournal();
+    return remembered;
+}
+
+void LevelKeeper::GiveBack() {
+    if (inUse_.empty()) return;
+    for (const Kept& kept : inUse_)
+        if (!Restored(kept)) waiting_.push_back(kept);
+    inUse_.clear();
+    WriteJournal();
+}
+
+bool LevelKeeper::AnyPresent() {
+    return std::any_of(inUse_.begin(), inUse_.end(),
+                       [this](const Kept& kept) { return levels_.Read(kept.device).has_value(); });
+}
+
+}  // namespace sonavex

@@ -1,0 +1,135 @@
+#include "platform/mixer/HardwareMixerControl.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+#include "core/text/RuntimeError.h"
+#include "platform/mixer/LevelScale.h"
+
+namespace sonavex {
+namespace {
+
+using Kind = HardwareMixerControl::Kind;
+
+constexpr Kind kPlaybackKinds[] = {
+    {MixerFunction::kWaveVolume, "Wave Volume", 1, mixer_type::kLevel},
+    {MixerFunction::kWaveMute, "Wave Mute", 1, mixer_type::kSwitch},
+    {MixerFunction::kLineVolume, "Line Volume", 2, mixer_type::kLevel},
+    {MixerFunction::kLineMute, "Line Mute", 2, mixer_type::kSwitch},
+    {MixerFunction::kMicVolume, "Microphone Volume", 3, mixer_type::kLevel},
+    {MixerFunction::kMicMute, "Microphone Mute", 3, mixer_type::kSwitch},
+    {MixerFunction::kMasterVolume, "Master Volume", 0, mixer_type::kLevel},
+    {MixerFunction::kMasterMute, "Master Mute", 0, mixer_type::kSwitch},
+};
+constexpr Kind kCaptureKinds[] = {
+    {MixerFunction::kMicRecord, "Microphone Volume", 1, mixer_type::kLevel},
+    {MixerFunction::kLineRecord, "Line Volume", 2, mixer_type::kLevel},
+    {MixerFunction::kMicBoost, "Microphone Boost", 1, mixer_type::kSwitch},
+    {MixerFunction::kMonitorOff, "Monitor Off", 0, mixer_type::kSwitch},
+    {MixerFunction::kMicSource, "Microphone Select", 0, mixer_type::kSwitch},
+    {MixerFunction::kLineSource, "Line Select", 0, mixer_type::kSwitch},
+};
+
+std::span<const Kind> KindsOf(MixerSide side) {
+    if (side == MixerSide::kPlayback) return kPlaybackKinds;
+    return kCaptureKinds;
+}
+
+std::int32_t MaximumOf(std::int32_t type) {
+    return type == mixer_type::kLevel ? 65535 : 1;
+}
+
+}  // namespace
+
+std::int32_t HardwareMixerControl::DeviceCount() {
+    names_ = hardware_.Devices(side_);
+    std::stable_sort(names_.begin(), names_.end(), [](const std::string& left, const std::string& right) {
+        return left.size() > right.size();
+    });
+    return static_cast<std::int32_t>(names_.size());
+}
+
+std::string HardwareMixerControl::DeviceName(std::int32_t number) {
+    if (number < 0 || static_cast<std::size_t>(number) >= names_.size()) return {};
+    return names_[static_cast<std::size_t>(number)];
+}
+
+void HardwareMixerControl::SelectDevice(std::int32_t number) {
+    deviceName_ = DeviceName(number);
+    controls_.clear();
+    pending_ = {};
+    device_ = deviceName_.empty() ? nullptr : hardware_.Open({side_, deviceName_});
+    if (!device_) return;
+    for (const Kind& kind : KindsOf(side_))
+        if (MixerElement* element = device_->Find(kind.function)) controls_.push_back({&kind, element});
+}
+
+std::int16_t HardwareMixerControl::ControlCount() {
+    return destination_ == 0 ? static_cast<std::int16_t>(controls_.size()) : std::int16_t{0};
+}
+
+void HardwareMixerControl::SetControl(std::int16_t control) {
+    control_ = control;
+    pending_ = {};
+    if (const Present* selected = Selected()) line_ = selected->kind->line;
+}
+
+const HardwareMixerControl::Present* HardwareMixerControl::Selected() const {
+    if (destination_ != 0 || control_ < 0 || static_cast<std::size_t>(control_) >= controls_.size())
+        return nullptr;
+    return &controls_[static_cast<std::size_t>(control_)];
+}
+
+std::string HardwareMixerControl::ControlName() {
+    const Present* const selected = Selected();
+    return selected == nullptr ? "" : selected->kind->name;
+}
+
+MixerControlDescription HardwareMixerControl::Description() {
+    const Present* const selected = Selected();
+    if (selected == nullptr) return {};
+    return {selected->kind->type, 0, MaximumOf(selected->kind->type)};
+}
+
+std::int32_t HardwareMixerControl::Value(std::int16_t channel) {
+    const Present* const selected = Selected();
+    if (selected == nullptr || channel < 0 || channel > 1) return -1;
+    try {
+        const std::vector<std::int32_t> values = selected->element->Read();
+        const std::size_t place = std::min(static_cast<std::size_t>(channel), values.size() - 1);
+        return ToScale(values[place], selected->element->Range(), MaximumOf(selected->kind->type));
+    } catch (const RuntimeError&) {
+        return -1;
+    }
+}
+
+void HardwareMixerControl::SetValue(std::int16_t channel, std::int32_t value) {
+    const Present* const selected = Selected();
+    if (selected == nullptr || channel < 0 || channel > 1) return;
+    pending_[static_cast<std::size_t>(channel)] = std::clamp(value, 0, MaximumOf(selected->kind->type));
+}
+
+// Further channels follow left and right in turn; a single one follows the left.
+void HardwareMixerControl::Commit() {
+    const auto pending = std::exchange(pending_, {});
+    const Present* const selected = Selected();
+    if (selected == nullptr) return;
+    const RawRange range = selected->element->Range();
+    const std::int32_t full = MaximumOf(selected->kind->type);
+    try {
+        const std::vector<std::int32_t> before = selected->element->Read();
+        std::vector<std::int32_t> values = before;
+        for (std::size_t channel = 0; channel < values.size(); ++channel) {
+            std::optional<std::int32_t> wanted = pending[channel % 2];
+            if (!wanted && values.size() == 1) wanted = pending[1];
+            if (wanted && *wanted != ToScale(before[channel], range, full))
+                values[channel] = FromScale(*wanted, range, full);
+        }
+        if (values != before) selected->element->Write(values);
+    } catch (const RuntimeError&) {
+        // The control keeps its value, and reading tells.
+    }
+}
+
+}  // namespace sonavex

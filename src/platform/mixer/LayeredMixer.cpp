@@ -1,0 +1,55 @@
+#include "platform/mixer/LayeredMixer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sonavex {
+namespace {
+
+class LayeredDevice : public DeviceMixer {
+public:
+    LayeredDevice(std::shared_ptr<DeviceMixer> front, std::shared_ptr<DeviceMixer> back)
+        : front_(std::move(front)), back_(std::move(back)) {}
+
+    MixerElement* Find(MixerFunction function) override {
+        MixerElement* const found = front_->Find(function);
+        return found != nullptr ? found : back_->Find(function);
+    }
+    bool Serves(MixerFunction function) override {
+        return front_->Find(function) != nullptr ? front_->Serves(function) : back_->Serves(function);
+    }
+    // The server may move the card's controls when it takes its levels, so the card comes last.
+    std::vector<RawEntry> RawEntries() override {
+        std::vector<RawEntry> entries = front_->RawEntries();
+        for (const RawEntry& entry : back_->RawEntries())
+            entries.push_back({"card " + entry.key, entry.element});
+        return entries;
+    }
+
+private:
+    std::shared_ptr<DeviceMixer> front_;
+    std::shared_ptr<DeviceMixer> back_;
+};
+
+}  // namespace
+
+std::vector<std::string> LayeredMixer::Devices(MixerSide side) {
+    std::vector<std::string> names = front_->Devices(side);
+    for (const std::string& name : back_->Devices(side))
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+    return names;
+}
+
+std::shared_ptr<DeviceMixer> LayeredMixer::Open(const MixerDevice& device) {
+    std::shared_ptr<DeviceMixer> front = front_->Open(device);
+    std::shared_ptr<DeviceMixer> back = back_->Open(device);
+    if (front && back) return std::make_shared<LayeredDevice>(std::move(front), std::move(back));
+    return front ? front : back;
+}
+
+void LayeredMixer::OnChange(std::function<void()> handler) {
+    front_->OnChange(handler);
+    back_->OnChange(std::move(handler));
+}
+
+}  // namespace sonavex

@@ -1,0 +1,70 @@
+#include "ui/MixerDialogs.h"
+
+#include "ui_frmSound.h"
+#include "ui_frmSoundVista.h"
+#include "ui_frmVistaTone.h"
+
+namespace sonavex::ui {
+
+SoundDialog::SoundDialog(frmSound& form, HandlerGuard& guard, QWidget& parent)
+    : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmSound>()) {
+    ui_->setupUi(this);
+    BindControls();
+    Complete();
+}
+
+SoundDialog::~SoundDialog() = default;
+
+void SoundDialog::Align() {
+    AlignColumn(
+        {ui_->MasterMute, ui_->WaveMute, ui_->LinePlayMute, ui_->micPlayMute, ui_->chkmic, ui_->chkline});
+    AlignColumn({ui_->lblPlayMic, ui_->lblMicrophone, ui_->lblLineRec, ui_->lblMaster});
+}
+
+void SoundDialog::Decorate() {
+    const std::pair<const char*, const Slider*> sliders[] = {
+        {"MasterOut", &form_.MasterOut}, {"WaveOut", &form_.WaveOut}, {"LineOut", &form_.LineOut},
+        {"playMic", &form_.playMic},     {"MicIn", &form_.MicIn},     {"LineIn", &form_.LineIn}};
+    for (const auto& [name, slider] : sliders) ShowPercent(*this, name, -slider->Value(), slider->Enabled());
+}
+
+SoundVistaDialog::SoundVistaDialog(frmSoundVista& form, HandlerGuard& guard, QWidget& parent)
+    : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmSoundVista>()) {
+    ui_->setupUi(this);
+    BindControls();
+    Complete();
+}
+
+SoundVistaDialog::~SoundVistaDialog() = default;
+
+void SoundVistaDialog::Align() {
+    AlignColumn({ui_->chkSpeakerMute, ui_->chkMasterMute, ui_->chkLinePlay, ui_->chkMicPlay, ui_->chkBoost,
+                 ui_->chkNoMon});
+    AlignColumn({ui_->lblMicPlay, ui_->lblMicRecord, ui_->lblSpeaker, ui_->lblLineRecord});
+}
+
+void SoundVistaDialog::Decorate() {
+    const std::pair<const char*, const Slider*> sliders[] = {
+        {"sldSpeakers", &form_.sldSpeakers}, {"sldMaster", &form_.sldMaster},
+        {"sldLinePlay", &form_.sldLinePlay}, {"sldMicPlay", &form_.sldMicPlay},
+        {"sldMic", &form_.sldMic},           {"sldLine", &form_.sldLine}};
+    for (const auto& [name, slider] : sliders) ShowPercent(*this, name, slider->Value(), slider->Enabled());
+    ui_->capMaster->setEnabled(form_.sldMaster.Enabled());
+}
+
+VistaToneDialog::VistaToneDialog(frmVistaTone& form, HandlerGuard& guard, QWidget& parent)
+    : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmVistaTone>()) {
+    ui_->setupUi(this);
+    KeepsPlace = false;
+    BindControls();
+    Complete();
+}
+
+void VistaToneDialog::Align() {
+    for (QLabel* value : {ui_->lblBassValue, ui_->lblMidValue, ui_->lblTrebleValue})
+        value->setMinimumWidth(value->fontMetrics().horizontalAdvance("-100 dB"));
+}
+
+VistaToneDialog::~VistaToneDialog() = default;
+
+}  // namespace sonavex::ui

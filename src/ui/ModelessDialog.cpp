@@ -1,0 +1,106 @@
+#include "ui/ModelessDialog.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QScreen>
+#include <algorithm>
+#include <climits>
+
+#include "ui/Theme.h"
+
+namespace sonavex::ui {
+namespace {
+
+// What a label asks for beside its text.
+constexpr int kLabelPadding = 4;
+
+}  // namespace
+
+ModelessDialog::ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget& parent)
+    : QDialog(&parent), form_(form), guard_(guard), binder_(guard, [this] { Decorate(); }) {
+    setModal(false);
+    form_.OnShow = [this] { ShowForm(); };
+    form_.OnUnload = [this] {
+        placedAt_.reset();
+        hide();
+    };
+}
+
+void ModelessDialog::Complete() {
+    ApplyTheme(*this);
+    Align();
+    setWindowTitle(QString::fromStdString(form_.Frame.Caption()));
+    ensurePolished();
+    for (QWidget* widget : findChildren<QWidget*>()) widget->ensurePolished();
+    resize(sizeHint().expandedTo(minimumSizeHint()));
+    form_.Frame.SetSize(width(), height());
+    Decorate();
+}
+
+void ModelessDialog::ShowForm() {
+    if (!isVisible()) {
+        if (KeepsPlace)
+            move(form_.Frame.Left(), form_.Frame.Top());
+        else
+            PlaceBesideParent();
+        placedAt_ = pos();
+    }
+    binder_.Flush();
+    show();
+    raise();
+    activateWindow();
+}
+
+void ModelessDialog::PlaceBesideParent() {
+    const QRect free = parentWidget()->screen()->availableGeometry();
+    const QPoint middle = parentWidget()->geometry().center() - rect().center();
+    move(qBound(free.left(), middle.x(), qMax(free.left(), free.right() - width())),
+         qBound(free.top(), middle.y(), qMax(free.top(), free.bottom() - height())));
+}
+
+void ModelessDialog::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    guard_.Run([this] { form_.Unload(); });
+}
+
+void ModelessDialog::reject() {
+    guard_.Run([this] { form_.Unload(); });
+}
+
+// Where the face itself put the window is not where the user put it.
+void ModelessDialog::moveEvent(QMoveEvent* event) {
+    QDialog::moveEvent(event);
+    if (!placedAt_ || pos() == *placedAt_) return;
+    placedAt_ = QPoint(INT_MIN, INT_MIN);
+    form_.Frame.Move(pos().x(), pos().y());
+}
+
+void ModelessDialog::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        guard_.Run([this] { form_.Activate(); });
+    const bool themeChanged = event->type() == QEvent::PaletteChange ||
+                              event->type() == QEvent::ThemeChange ||
+                              event->type() == QEvent::ApplicationFontChange;
+    if (!themeChanged || applyingTheme_) return;
+    applyingTheme_ = true;
+    ApplyTheme(*this);
+    Align();
+    applyingTheme_ = false;
+}
+
+void AlignColumn(std::initializer_list<QWidget*> widgets) {
+    int width = 0;
+    for (const QWidget* widget : widgets) width = std::max(width, widget->sizeHint().width());
+    for (QWidget* widget : widgets) widget->setMinimumWidth(width);
+}
+
+void ShowPercent(QWidget& dialog, const QString& slider, int percent, bool enabled) {
+    auto* const label = dialog.findChild<QLabel*>("percent_" + slider);
+    label->setMinimumWidth(label->fontMetrics().horizontalAdvance("100 %") + kLabelPadding);
+    label->setText(enabled ? QStringLiteral("%1 %").arg(percent) : QStringLiteral("—"));
+    label->setEnabled(enabled);
+}
+
+}  // namespace sonavex::ui

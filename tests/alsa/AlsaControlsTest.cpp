@@ -1,0 +1,45 @@
+// Whose mixer belongs to a device that is reached directly.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "platform/alsa/AlsaControls.h"
+#include "platform/alsa/AlsaSoundSystem.h"
+#include "platform/plain/PlainEventLoop.h"
+#include "support/alsa/LoopCards.h"
+
+namespace sonavex {
+namespace {
+
+TEST(AlsaControls, AreThoseOfTheCardInThePcmsName) {
+    const std::pair<const char*, const char*> cases[] = {{"hw:CARD=PCH,DEV=0", "hw:PCH"},
+                                                         {"hw:CARD=PCH,DEV=3", "hw:PCH"},
+                                                         {"hw:CARD=3", "hw:3"},
+                                                         {"hw:1,0", "hw:1"},
+                                                         {"hw:1", "hw:1"},
+                                                         {"hw:PCH", "hw:PCH"},
+                                                         {"hw:", ""},
+                                                         {"hw:,0", ""},
+                                                         {"hw:CARD=", ""},
+                                                         {"plughw:1,0", ""},
+                                                         {"bench", ""},
+                                                         {"", ""}};
+    for (const auto& [pcm, control] : cases) EXPECT_EQ(AlsaControlOfPcm(pcm), control) << pcm;
+}
+
+TEST(AlsaControls, AreFoundByTheDevicesDescription) {
+    PlainEventLoop loop;
+    const AlsaSoundSystem quiet(loop);
+    const LoopCards cards(CardList{{"bench", "Bench card"}, {"hw:CARD=Fake,DEV=0", "Fake card"}});
+    for (const snd_pcm_stream_t direction : {SND_PCM_STREAM_PLAYBACK, SND_PCM_STREAM_CAPTURE}) {
+        EXPECT_EQ(AlsaControlOf(direction, "Fake card (direct)"), "hw:Fake");
+        EXPECT_EQ(AlsaControlOf(direction, "Bench card (direct)"), "") << "names no card";
+        EXPECT_EQ(AlsaControlOf(direction, "Fake card"), "");
+        EXPECT_EQ(AlsaControlOf(direction, ""), "");
+    }
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,224 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "contract/MixerControlContract.h"
+#include "contract/MixerLibraryContract.h"
+#include "core/ports/SoundSystem.h"
+#include "platform/pulse/PulseMixer.h"
+#include "platform/pulse/PulseSoundSystem.h"
+#include "support/PulseServer.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* kSinkName = "card";
+constexpr const char* kDescription = "Test-Card";
+
+// A server of the test's own with one sink; the capture device is its monitor, a line input by name.
+class PulseMixerPlatform {
+public:
+    std::unique_ptr<MixerHardware> Create(EventLoop& loop) {
+        return std::make_unique<PulseMixer>(loop, server_.Address());
+    }
+    static std::string PlaybackName() { return kDescription; }
+    static std::string CaptureName() { return std::string("Monitor of ") + kDescription; }
+    static std::set<MixerFunction> Functions() {
+        return {MixerFunction::kMasterVolume, MixerFunction::kMasterMute, MixerFunction::kLineRecord};
+    }
+    static std::vector<std::int32_t> OddValues() { return {20123, 40111}; }
+    void ChangeOutside(MixerFunction function, const std::vector<std::int32_t>& values) {
+        ASSERT_EQ(function, MixerFunction::kMasterVolume);
+        server_.Control(
+            {"set-sink-volume", kSinkName, std::to_string(values.at(0)), std::to_string(values.at(1))});
+    }
+    void TakeAway() { server_.Kill(); }
+
+    PulseServer& Server() { return server_; }
+
+private:
+    PulseServer server_{{{kSinkName, 48000, kDescription}}};
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Pulse, MixerControlContract, PulseMixerPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Pulse, MixerLibraryContract, PulseMixerPlatform);
+
+// The sink with a sine on it and its monitor.
+class AudibleSink {
+public:
+    static constexpr std::int32_t kRateHz = 48000;
+
+    AudibleSink() {
+        playback_ = system_.CreatePlaybackDevice(kSinkName)->CreateBuffer(
+            {buffer_flag::kVolumePositionFocus, 65536, WaveFormat::Stereo16(kRateHz)});
+        capture_ = system_.CreateCaptureDevice(std::string(kSinkName) + ".monitor")
+                       ->CreateBuffer({0, 32768, WaveFormat::Stereo16(kRateHz)});
+        std::vector<std::int16_t> samples(32768);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = static_cast<std::int16_t>(
+                std::lround(16000.0 * std::sin(2.0 * std::numbers::pi * static_cast<double>(i / 2) / 64.0)));
+        playback_->WriteBuffer(0, samples);
+        capture_->StartLooping();
+        playback_->PlayLooping();
+    }
+
+    // Level of each captured channel against the played sine, in decibels, a while from now.
+    std::array<double, 2> LevelsDb() {
+        PollUntil(
+            loop, [] { return false; }, 700ms);
+        std::vector<std::int16_t> captured(16384);
+        capture_->ReadBuffer(0, captured);
+        std::array<double, 2> power{};
+        for (std::size_t i = 0; i < captured.size(); ++i) power[i % 2] += captured[i] * captured[i];
+        const double played = 16000.0 * 16000.0 / 2.0 * 8192.0;
+        return {10.0 * std::log10(power[0] / played), 10.0 * std::log10(power[1] / played)};
+    }
+
+    PulseMixerPlatform platform;
+    PlainEventLoop loop;
+    PulseMixer mixer{loop, platform.Server().Address()};
+    HardwareMixerLibrary library{mixer};
+
+private:
+    PulseSoundSystem system_{loop, platform.Server().Address()};
+    std::unique_ptr<PlaybackBuffer> playback_;
+    std::unique_ptr<CaptureBuffer> capture_;
+};
+
+TEST(PulseMixer, ActsOnWhatIsHeard) {
+    AudibleSink sink;
+    std::int32_t status = -1;
+    sink.library.OpenSoundCard(kDescription, "", "", status);
+    ASSERT_EQ(status, 0);
+    EXPECT_NEAR(sink.LevelsDb()[0], 0.0, 0.1);
+    // The server's volumes are cubes of the amplitude.
+    sink.library.SetMasterVolume(50, status);
+    EXPECT_NEAR(sink.LevelsDb()[0], 60.0 * std::log10(0.5), 0.1);
+    sink.platform.ChangeOutside(MixerFunction::kMasterVolume, {65536, 32768});
+    const auto balanced = sink.LevelsDb();
+    EXPECT_NEAR(balanced[0], 0.0, 0.1);
+    EXPECT_NEAR(balanced[1], 60.0 * std::log10(0.5), 0.1);
+    sink.library.SetMasterMute(true, status);
+    EXPECT_LT(sink.LevelsDb()[0], -90.0);
+    sink.library.SetMasterMute(false, status);
+    EXPECT_NEAR(sink.LevelsDb()[0], 0.0, 0.1);
+}
+
+TEST(PulseMixer, KeepsVolumesAboveFull) {
+    PulseMixerPlatform platform;
+    PlainEventLoop loop;
+    const auto mixer = platform.Create(loop);
+    HardwareMixerLibrary library(*mixer);
+    std::int32_t status = -1;
+    library.OpenSoundCard(kDescription, "", "", status);
+    platform.ChangeOutside(MixerFunction::kMasterVolume, {90000, 80000});
+    EXPECT_EQ(library.GetMasterVolume(status), 100);
+    library.SetMasterVolume(100, status);
+    HardwareLevels levels(*mixer);
+    const MixerDevice sink{MixerSide::kPlayback, kDescription};
+    const auto loud = levels.Read(sink);
+    EXPECT_THAT(loud.value_or(""), testing::HasSubstr("volume\t90000 80000\n"));
+    library.SetMasterVolume(40, status);
+    EXPECT_TRUE(levels.Write(sink, *loud));
+    EXPECT_EQ(levels.Read(sink), loud);
+}
+
+TEST(PulseMixer, OfAServerThatStandsStillFailsOnceAndThenAtOnce) {
+    PulseMixerPlatform platform;
+    PlainEventLoop loop;
+    const auto mixer = platform.Create(loop);
+    HardwareMixerLibrary library(*mixer);
+    std::int32_t status = -1;
+    library.OpenSoundCard(kDescription, "", "", status);
+    platform.Server().Pause();
+    const auto before = loop.Now();
+    EXPECT_EQ(VistaSound::GetVistaMixerState(library), "100,False,0,True,0,True,False,True,0,0,0,100,100,");
+    EXPECT_LT(loop.Now() - before, 4s) << "thirteen levels, one wait";
+    platform.Server().Continue();
+    EXPECT_TRUE(PollUntil(
+        loop,
+        [&] {
+            static_cast<void>(library.GetMasterVolume(status));
+            return status == 0;
+        },
+        10s));
+}
+
+TEST(PulseMixer, FindsAServerThatCameBack) {
+    PulseMixerPlatform platform;
+    PlainEventLoop loop;
+    const auto mixer = platform.Create(loop);
+    HardwareMixerLibrary library(*mixer);
+    std::int32_t status = -1;
+    library.OpenSoundCard(kDescription, "", "", status);
+    platform.Server().Restart();
+    EXPECT_TRUE(PollUntil(
+        loop,
+        [&] {
+            static_cast<void>(library.GetMasterVolume(status));
+            return status == 0;
+        },
+        10s));
+    int changes = 0;
+    mixer->OnChange([&] { ++changes; });
+    platform.ChangeOutside(MixerFunction::kMasterVolume, {1000, 1000});
+    EXPECT_TRUE(PollUntil(
+        loop, [&] { return changes > 0; }, 5s));
+}
+
+TEST(PulseMixer, OfASourceByNameIsAMicrophone) {
+    PulseServer server({{"mic", 48000, "USB-Microphone"}});
+    PlainEventLoop loop;
+    PulseMixer mixer(loop, server.Address());
+    HardwareMixerLibrary library(mixer);
+    std::int32_t status = -1;
+    library.OpenSoundCard("", "Monitor of USB-Microphone", "", status);
+    static_cast<void>(library.GetMicRecordVolume(status));
+    EXPECT_EQ(status, 0);
+    static_cast<void>(library.GetLineRecordVolume(status));
+    EXPECT_NE(status, 0);
+}
+
+TEST(PulseMixer, NamesTheCardBehindADevice) {
+    PulseServer server({});
+    server.Control({"load-module", "module-null-sink", "sink_name=usb",
+                    "sink_properties='device.description=Usb alsa.card=3'"});
+    server.Control(
+        {"load-module", "module-null-sink", "sink_name=none", "sink_properties=device.description=None"});
+    PlainEventLoop loop;
+    PulseMixer mixer(loop, server.Address());
+    EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "Usb"}), "3");
+    EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "None"}), "");
+    EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "Unknown"}), "");
+}
+
+TEST(PulseInputs, AreToldByTypeThenByName) {
+    EXPECT_EQ(InputOfPort(PA_DEVICE_PORT_TYPE_MIC, "x", "Line"), PulseInput::kMicrophone);
+    EXPECT_EQ(InputOfPort(PA_DEVICE_PORT_TYPE_HEADSET, "x", ""), PulseInput::kMicrophone);
+    EXPECT_EQ(InputOfPort(PA_DEVICE_PORT_TYPE_LINE, "analog-input-mic", ""), PulseInput::kLine);
+    EXPECT_EQ(InputOfPort(0, "analog-input-rear-mic", ""), PulseInput::kMicrophone);
+    EXPECT_EQ(InputOfPort(0, "x", "Front Microphone"), PulseInput::kMicrophone);
+    EXPECT_EQ(InputOfPort(0, "analog-input-linein", ""), PulseInput::kLine);
+    EXPECT_EQ(InputOfPort(PA_DEVICE_PORT_TYPE_HDMI, "hdmi-output-0", "HDMI"), PulseInput::kOther);
+}
+
+TEST(PulseInputs, FollowTheActivePort) {
+    const std::vector<PulsePort> both{{"other", PulseInput::kOther},
+                                      {"mic", PulseInput::kMicrophone},
+                                      {"line", PulseInput::kLine},
+                                      {"line2", PulseInput::kLine}};
+    EXPECT_EQ(PulsePorts(both, "line2", "Microphone array").Active(), PulseInput::kLine);
+    EXPECT_EQ(PulsePorts(both, "mic", "Card").Active(), PulseInput::kMicrophone);
+    EXPECT_EQ(PulsePorts(both, "other", "usb mic").Active(), PulseInput::kMicrophone);
+    EXPECT_EQ(PulsePorts(both, "", "Card").Active(), PulseInput::kLine);
+    EXPECT_EQ(PulsePorts(both, "mic", "Card").PortFor(PulseInput::kLine), "line");
+    EXPECT_TRUE(PulsePorts(both, "mic", "Card").Offers(PulseInput::kLine));
+    EXPECT_FALSE(PulsePorts({}, "", "Card").Offers(PulseInput::kMicrophone));
+    EXPECT_EQ(PulsePorts({}, "", "Card").PortFor(PulseInput::kLine), "");
+}
+
+}  // namespace
+}  // namespace sonavex

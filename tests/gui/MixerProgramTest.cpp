@@ -1,0 +1,173 @@
+// The program on a sound server of the test's own: the user's levels survive it, however it ends.
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "support/ChildProcess.h"
+#include "support/PulseServer.h"
+#include "support/alsa/FakeMixerCards.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+// Between percents, and not alike.
+constexpr const char* kOwnVolumes[] = {"20123", "40111"};
+constexpr const char* kProgramLine = "30,False,0,True,0,True,False,True,0,0,0,55,60,";
+
+class MixerProgram : public testing::Test {
+protected:
+    MixerProgram() {
+        server_.Control({"set-sink-volume", "card", kOwnVolumes[0], kOwnVolumes[1]});
+        Write(kProgramLine);
+    }
+
+    std::filesystem::path Folder() const { return folder_.Path() / "Sonavex"; }
+    std::filesystem::path Journal() const { return Folder() / "mixer-levels"; }
+    void Write(const std::string& line, const std::string& output = "", const std::string& input = "") {
+        std::filesystem::create_directories(Folder());
+        std::ofstream(Folder() / "Sonavex.ini")
+            << "[Settings]\nVistaSoundCard=" << line << "\n[SoundCard]\nOutput=" << output
+            << "\nInput=" << input << "\n";
+    }
+    std::string Stored() const {
+        std::ostringstream text;
+        text << std::ifstream(Folder() / "Sonavex.ini").rdbuf();
+        return text.str();
+    }
+    std::unique_ptr<ChildProcess> Start() {
+        const std::string folder = folder_.Path().string();
+        return std::make_unique<ChildProcess>(Arguments{SONAVEX_PROGRAM},
+                                              Environment{{"QT_QPA_PLATFORM", "offscreen"},
+                                                          {"PULSE_SERVER", server_.Address()},
+                                                          {"XDG_CONFIG_HOME", folder},
+                                                          {"XDG_RUNTIME_DIR", folder}},
+                                              folder_.Path() / "output");
+    }
+    std::string Volumes() const { return server_.Control({"get-sink-volume", "card"}); }
+    // Within a limit that a loaded machine keeps.
+    bool Reaches(const std::string& volume) const {
+        const auto end = std::chrono::steady_clock::now() + 30s;
+        while (Volumes().find(volume) == std::string::npos) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            std::this_thread::sleep_for(20ms);
+        }
+        return true;
+    }
+    void ExpectOwnVolumes() const {
+        EXPECT_THAT(Volumes(), HasSubstr(kOwnVolumes[0]));
+        EXPECT_THAT(Volumes(), HasSubstr(kOwnVolumes[1]));
+    }
+
+    PrivateFolder folder_;
+    PulseServer server_{{{"card", 48000, "Test-Card"}}};
+};
+
+TEST_F(MixerProgram, PutsTheUsersLevelsBackWhenAskedToEnd) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        const auto program = Start();
+        ASSERT_TRUE(Reaches("30%")) << "the program's own level";
+        EXPECT_TRUE(std::filesystem::exists(Journal()));
+        program->Send(signal);
+        ASSERT_TRUE(program->WaitForEnd(30s));
+        EXPECT_EQ(program->Status(), 0);
+        ExpectOwnVolumes();
+        EXPECT_FALSE(std::filesystem::exists(Journal()));
+        EXPECT_THAT(Stored(), HasSubstr("30,False,0,True,0,True,False,True,0,0,0,"));
+    }
+}
+
+TEST_F(MixerProgram, OfAKilledRunIsMadeGoodByTheNextOne) {
+    const auto killed = Start();
+    ASSERT_TRUE(Reaches("30%"));
+    killed->Kill();
+    EXPECT_THAT(Volumes(), HasSubstr("30%"));
+    ASSERT_TRUE(std::filesystem::exists(Journal()));
+    Write("");
+    const auto next = Start();
+    ASSERT_TRUE(Reaches(kOwnVolumes[1])) << "given back at the start";
+    next->Send(SIGTERM);
+    ASSERT_TRUE(next->WaitForEnd(30s));
+    ExpectOwnVolumes();
+}
+
+// The message about the line stands open, and nobody answers it.
+TEST_F(MixerProgram, WithALineThatDoesNotConvertEndsInOrderToo) {
+    Write("30,False,loud,");
+    const auto program = Start();
+    ASSERT_TRUE(Reaches("30%")) << "the fields before are applied";
+    program->Send(SIGTERM);
+    ASSERT_TRUE(program->WaitForEnd(30s));
+    ExpectOwnVolumes();
+    EXPECT_FALSE(std::filesystem::exists(Journal()));
+    EXPECT_THAT(Stored(), HasSubstr("VistaSoundCard=30,False,loud,"));
+}
+
+// A sink that names the card that serves it: what the server does not manage is the card's own.
+class CardProgram : public MixerProgram {
+protected:
+    static constexpr int kCard = 3;
+    static constexpr const char* kCardLine = "30,False,100,False,0,True,True,False,-10.5,0,6,55,60,";
+
+    CardProgram() {
+        cards_.PutIn(kCard);
+        server_.Control({"load-module", "module-null-sink", "sink_name=usb",
+                         "sink_properties='device.description=Usb alsa.card=3'"});
+        Write(kCardLine, "usb", "usb.monitor");
+        server_.Control({"set-sink-volume", "usb", "65536"});
+    }
+    std::vector<std::int32_t> At(FakeControl control) const { return cards_.Values(kCard, control); }
+    bool Reaches(FakeControl control, const std::vector<std::int32_t>& values) const {
+        const auto end = std::chrono::steady_clock::now() + 30s;
+        while (At(control) != values) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            std::this_thread::sleep_for(20ms);
+        }
+        return true;
+    }
+    void ExpectOwnLevels() const {
+        EXPECT_EQ(At(kFakeLine), (std::vector<std::int32_t>{23, 23}));
+        EXPECT_EQ(At(kFakeBass)[0], 7);
+        EXPECT_EQ(At(kFakeTreble)[0], 7);
+        EXPECT_EQ(At(kFakeMaster), (std::vector<std::int32_t>{60, 50}));
+        EXPECT_THAT(server_.Control({"get-sink-volume", "usb"}), HasSubstr("65536"));
+    }
+
+    FakeMixerCards cards_;
+};
+
+TEST_F(CardProgram, SetsTheCardBehindTheServerAndPutsItBack) {
+    const auto program = Start();
+    ASSERT_TRUE(Reaches(kFakeLine, {31, 31}));
+    ASSERT_TRUE(Reaches(kFakeTreble, {11, 0}));
+    EXPECT_EQ(At(kFakeBass)[0], 0);
+    EXPECT_EQ(At(kFakeMaster), (std::vector<std::int32_t>{60, 50})) << "the server's to manage";
+    program->Send(SIGTERM);
+    ASSERT_TRUE(program->WaitForEnd(30s));
+    EXPECT_EQ(program->Status(), 0);
+    ExpectOwnLevels();
+    EXPECT_THAT(Stored(), HasSubstr("VistaSoundCard=30,False,100,False,0,True,"));
+}
+
+TEST_F(CardProgram, OfAKilledRunIsMadeGoodByTheNextOne) {
+    const auto killed = Start();
+    ASSERT_TRUE(Reaches(kFakeTreble, {11, 0}));
+    killed->Kill();
+    EXPECT_EQ(At(kFakeLine), (std::vector<std::int32_t>{31, 31}));
+    Write("", "usb", "usb.monitor");
+    const auto next = Start();
+    ASSERT_TRUE(Reaches(kFakeTreble, {7, 0}));
+    next->Send(SIGTERM);
+    ASSERT_TRUE(next->WaitForEnd(30s));
+    ExpectOwnLevels();
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QWidget>
+
+#include "core/mixer/SoundCardMixers.h"
+#include "core/shell/StoredPlaces.h"
+#include "platform/mixer/HardwareLevels.h"
+#include "platform/mixer/HardwareMixerControl.h"
+#include "platform/mixer/HardwareMixerLibrary.h"
+#include "platform/simulated/SimulatedMixer.h"
+#include "support/FormRig.h"
+#include "support/MixerWorld.h"
+#include "ui/MixerDialogs.h"
+
+namespace sonavex {
+
+// The real dialogs over the real forms on the simulated card's mixer, after the start.
+struct MixerRig {
+    explicit MixerRig(std::int32_t osMajorVersion, const std::vector<MixerFunction>& missing = {}) {
+        desktop.majorVersion = osMajorVersion;
+        for (const MixerFunction function : missing) mixer.Remove(function);
+        const std::string name = SimulatedSoundSystem::kDescription;
+        session.PointMixersAt(name, name);
+        if (osMajorVersion >= 6) session.ReopenSoundCard(name, name);
+        session.CaptureAndApplySaved();
+        session.SetUpSoundControls();
+    }
+
+    CallLog log;
+    VirtualEventLoop loop;
+    MemorySettingsStore store;
+    FakeDesktop desktop{log};
+    RecordingDialogs messages{log};
+    RecordingErrorLog errorLog{log};
+    SimulatedSoundSystem card{loop, SimulatedSoundSystem::Pace::kStepped};
+    SimulatedMixer mixer{card, loop};
+    HardwareMixerControl output{mixer, MixerSide::kPlayback};
+    HardwareMixerControl input{mixer, MixerSide::kCapture};
+    HardwareMixerLibrary library{mixer};
+    HardwareLevels levels{mixer};
+    StoredPlaces places{store, desktop};
+    MemoryJournal journal;
+    SoundCardMixers session{{store, desktop, messages, places, output, input, library, levels, journal}};
+    HandlerGuard guard{messages, errorLog};
+    QWidget parent;
+    ui::MixerDialogs dialogs{session, guard, parent};
+};
+
+}  // namespace sonavex

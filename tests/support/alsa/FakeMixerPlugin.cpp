@@ -1,0 +1,249 @@
+// A sound card that is only a mixer, as a plugin of libasound ("ctl" of type "fakemixer"). Its controls
+// are those of a common card; their values are in the file that the configuration's "state" names.
+// Whoever writes the file is another program that changes the levels.
+
+#define PIC 1  // libasound's headers export the plugin's version by it
+#include <alsa/asoundlib.h>
+// This header needs the one above.
+#include <alsa/control_external.h>
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "support/alsa/FakeMixerState.h"
+
+namespace {
+
+using namespace sonavex;
+
+enum class Kind { kVolume, kSwitch, kChoice };
+
+struct Definition {
+    const char* name;
+    Kind kind;
+    int channels;
+    long maximum;
+    int minimumHundredthsDb;
+    int stepHundredthsDb;
+};
+
+constexpr std::array<Definition, kFakeControls> kDefinitions{{
+    {"Master Playback Volume", Kind::kVolume, 2, 87, -6525, 75},
+    {"Master Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
+    {"PCM Playback Volume", Kind::kVolume, 2, 255, -5100, 20},
+    {"PCM Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
+    {"Line Playback Volume", Kind::kVolume, 2, 31, -3450, 150},
+    {"Line Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
+    {"Mic Playback Volume", Kind::kVolume, 1, 31, -3450, 150},
+    {"Mic Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
+    {"Mic Boost Volume", Kind::kVolume, 1, 3, 0, 1000},
+    {"Capture Volume", Kind::kVolume, 2, 46, -1200, 75},
+    {"Capture Switch", Kind::kSwitch, 2, 1, 0, 0},
+    {"Input Source", Kind::kChoice, 1, 2, 0, 0},
+    {"Monitor Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
+    {"Tone Control - Bass", Kind::kVolume, 1, 15, -1050, 150},
+    {"Tone Control - Treble", Kind::kVolume, 1, 15, -1050, 150},
+}};
+constexpr std::array<const char*, 3> kSources{"CD", "Front Mic", "Line"};
+
+struct FakeCard {
+    snd_ctl_ext_t ext{};
+    int file = -1;
+    FakeMixerState seen;  // as the events told so far
+};
+
+FakeCard& CardOf(snd_ctl_ext_t* ext) {
+    return *static_cast<FakeCard*>(ext->private_data);
+}
+
+// 0, or the error of a card that is gone.
+int Load(const FakeCard& card, FakeMixerState& state) {
+    const ssize_t bytes = pread(card.file, &state, sizeof state, 0);
+    return bytes == static_cast<ssize_t>(sizeof state) && state.pulledOut == 0 ? 0 : -ENODEV;
+}
+
+void Close(snd_ctl_ext_t* ext) {
+    const std::unique_ptr<FakeCard> card(&CardOf(ext));
+    close(card->file);
+    close(ext->poll_fd);
+}
+
+int Count(snd_ctl_ext_t*) {
+    return kFakeControls;
+}
+
+int List(snd_ctl_ext_t*, unsigned offset, snd_ctl_elem_id_t* id) {
+    if (offset >= kFakeControls) return -EINVAL;
+    snd_ctl_elem_id_set_interface(id, SND_CTL_ELEM_IFACE_MIXER);
+    snd_ctl_elem_id_set_name(id, kDefinitions[offset].name);
+    return 0;
+}
+
+snd_ctl_ext_key_t Find(snd_ctl_ext_t*, const snd_ctl_elem_id_t* id) {
+    const unsigned number = snd_ctl_elem_id_get_numid(id);
+    if (number > 0 && number <= kFakeControls) return number - 1;
+    for (std::size_t i = 0; i < kDefinitions.size(); ++i)
+        if (std::strcmp(kDefinitions[i].name, snd_ctl_elem_id_get_name(id)) == 0) return i;
+    return SND_CTL_EXT_KEY_NOT_FOUND;
+}
+
+int GetAttribute(snd_ctl_ext_t*, snd_ctl_ext_key_t key, int* type, unsigned* access, unsigned* count) {
+    const Definition& definition = kDefinitions.at(key);
+    *type = definition.kind == Kind::kVolume   ? SND_CTL_ELEM_TYPE_INTEGER
+            : definition.kind == Kind::kSwitch ? SND_CTL_ELEM_TYPE_BOOLEAN
+                                               : SND_CTL_ELEM_TYPE_ENUMERATED;
+    *access = SND_CTL_EXT_ACCESS_READWRITE;
+    if (definition.kind == Kind::kVolume)
+        *access |= SND_CTL_EXT_ACCESS_TLV_READ | SND_CTL_EXT_ACCESS_TLV_CALLBACK;
+    *count = static_cast<unsigned>(definition.channels);
+    return 0;
+}
+
+int Decibels(snd_ctl_ext_t*, snd_ctl_ext_key_t key, int operation, unsigned, unsigned* tlv, unsigned size) {
+    const Definition& definition = kDefinitions.at(key);
+    if (operation != 0 || definition.kind != Kind::kVolume || size < 4 * sizeof(unsigned)) return -ENXIO;
+    tlv[0] = SND_CTL_TLVT_DB_SCALE;
+    tlv[1] = 2 * sizeof(unsigned);
+    tlv[2] = static_cast<unsigned>(definition.minimumHundredthsDb);
+    tlv[3] = static_cast<unsigned>(definition.stepHundredthsDb);
+    return 0;
+}
+
+int GetRange(snd_ctl_ext_t*, snd_ctl_ext_key_t key, long* minimum, long* maximum, long* step) {
+    *minimum = 0;
+    *maximum = kDefinitions.at(key).maximum;
+    *step = 1;
+    return 0;
+}
+
+int Read(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, long* values) {
+    FakeMixerState state;
+    if (const int error = Load(CardOf(ext), state); error < 0) return error;
+    for (int channel = 0; channel < kDefinitions.at(key).channels; ++channel)
+        values[channel] = state.values.at(key).at(static_cast<std::size_t>(channel));
+    return 0;
+}
+
+int Write(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, long* values) {
+    FakeMixerState state;
+    if (const int error = Load(CardOf(ext), state); error < 0) return error;
+    const auto before = state.values.at(key);
+    for (int channel = 0; channel < kDefinitions.at(key).channels; ++channel) {
+        if (values[channel] < 0 || values[channel] > kDefinitions.at(key).maximum) return -EINVAL;
+        state.values.at(key).at(static_cast<std::size_t>(channel)) =
+            static_cast<std::int32_t>(values[channel]);
+    }
+    if (state.values.at(key) == before) return 0;
+    return pwrite(CardOf(ext).file, &state, sizeof state, 0) == static_cast<ssize_t>(sizeof state) ? 1 : -EIO;
+}
+
+int GetChoice(snd_ctl_ext_t*, snd_ctl_ext_key_t, unsigned* items) {
+    *items = kSources.size();
+    return 0;
+}
+
+int GetChoiceName(snd_ctl_ext_t*, snd_ctl_ext_key_t, unsigned item, char* name, size_t size) {
+    if (item >= kSources.size()) return -EINVAL;
+    std::snprintf(name, size, "%s", kSources.at(item));
+    return 0;
+}
+
+int ReadChoice(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, unsigned* item) {
+    long value = 0;
+    const int result = Read(ext, key, &value);
+    *item = static_cast<unsigned>(value);
+    return result;
+}
+
+int WriteChoice(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, unsigned* item) {
+    long value = *item;
+    return Write(ext, key, &value);
+}
+
+void Subscribe(snd_ctl_ext_t*, int) {}
+
+// One control that differs from what was told last; nothing more to tell ends the round.
+int ReadEvent(snd_ctl_ext_t* ext, snd_ctl_elem_id_t* id, unsigned* mask) {
+    FakeCard& card = CardOf(ext);
+    FakeMixerState state;
+    if (const int error = Load(card, state); error < 0) return error;
+    for (unsigned key = 0; key < kFakeControls; ++key) {
+        if (state.values.at(key) == card.seen.values.at(key)) continue;
+        card.seen.values.at(key) = state.values.at(key);
+        List(ext, key, id);
+        snd_ctl_elem_id_set_numid(id, key + 1);
+        *mask = SND_CTL_EVENT_MASK_VALUE;
+        return 1;
+    }
+    std::array<char, 4096> notices{};
+    while (read(ext->poll_fd, notices.data(), notices.size()) > 0) {
+    }
+    return -EAGAIN;
+}
+
+const snd_ctl_ext_callback_t kCallbacks = [] {
+    snd_ctl_ext_callback_t callbacks{};
+    callbacks.close = Close;
+    callbacks.elem_count = Count;
+    callbacks.elem_list = List;
+    callbacks.find_elem = Find;
+    callbacks.get_attribute = GetAttribute;
+    callbacks.get_integer_info = GetRange;
+    callbacks.read_integer = Read;
+    callbacks.write_integer = Write;
+    callbacks.get_enumerated_info = GetChoice;
+    callbacks.get_enumerated_name = GetChoiceName;
+    callbacks.read_enumerated = ReadChoice;
+    callbacks.write_enumerated = WriteChoice;
+    callbacks.subscribe_events = Subscribe;
+    callbacks.read_event = ReadEvent;
+    return callbacks;
+}();
+
+// The file that the configuration names; nullptr without one.
+const char* StateFile(snd_config_t* configuration) {
+    snd_config_t* entry = nullptr;
+    const char* file = nullptr;
+    if (snd_config_search(configuration, "state", &entry) < 0) return nullptr;
+    return snd_config_get_string(entry, &file) < 0 ? nullptr : file;
+}
+
+int Open(snd_ctl_t** handle, const char* name, snd_config_t* configuration, int mode) {
+    const char* const file = StateFile(configuration);
+    if (file == nullptr) return -EINVAL;
+    auto card = std::make_unique<FakeCard>();
+    card->file = open(file, O_RDWR | O_CLOEXEC);
+    if (card->file < 0) return -errno;
+    if (const int error = Load(*card, card->seen); error < 0) {
+        close(card->file);
+        return error;
+    }
+    card->ext.version = SND_CTL_EXT_VERSION;
+    std::strcpy(card->ext.id, "fakemixer");
+    std::strcpy(card->ext.name, "Fake mixer");
+    std::strcpy(card->ext.longname, "Fake mixer of the tests");
+    card->ext.callback = &kCallbacks;
+    card->ext.private_data = card.get();
+    card->ext.tlv.c = Decibels;
+    card->ext.poll_fd = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    inotify_add_watch(card->ext.poll_fd, file, IN_MODIFY);
+    if (const int error = snd_ctl_ext_create(&card->ext, name, mode); error < 0) return error;
+    *handle = card->ext.handle;
+    static_cast<void>(card.release());
+    return 0;
+}
+
+}  // namespace
+
+extern "C" {
+SND_CTL_PLUGIN_DEFINE_FUNC(fakemixer) {
+    static_cast<void>(root);
+    return Open(handlep, name, conf, mode);
+}
+SND_CTL_PLUGIN_SYMBOL(fakemixer);
+}

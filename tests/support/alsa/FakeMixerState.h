@@ -1,0 +1,34 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace sonavex {
+
+// What the fake card's file holds: shared by the plugin that libasound loads and by the tests, which
+// play the other program.
+enum FakeControl : std::uint32_t {
+    kFakeMaster,
+    kFakeMasterSwitch,
+    kFakePcm,
+    kFakePcmSwitch,
+    kFakeLine,
+    kFakeLineSwitch,
+    kFakeMic,
+    kFakeMicSwitch,
+    kFakeBoost,
+    kFakeCapture,
+    kFakeCaptureSwitch,
+    kFakeSource,
+    kFakeMonitor,
+    kFakeBass,
+    kFakeTreble,
+    kFakeControls
+};
+
+struct FakeMixerState {
+    std::uint32_t pulledOut = 0;
+    std::array<std::array<std::int32_t, 2>, kFakeControls> values{};
+};
+
+}  // namespace sonavex
