@@ -91,6 +91,8 @@ TEST_F(ProgramDevices, ShowsTheTopicOfTheSelectionInTheHelp) {
                  Click(devices, "cmdHelp");
                  EXPECT_THAT(Find<QTextBrowser>(devices, "HelpPage").toPlainText().toStdString(),
                              testing::StartsWith("Sound devices\n"));
+                 for (const char* name : {"cmbOutputMixer", "cmbInputMixer"})
+                     QTest::keyClick(&Find<QComboBox>(devices, name), Qt::Key_Down);
                  Click(devices, "cmdOkay");
              }});
         ASSERT_EQ(program.Open(), std::nullopt);
