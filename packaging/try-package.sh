@@ -21,7 +21,7 @@ wait_for() {
 
 install_package() {
     apt-get -qq update
-    apt-get -qq --yes --no-install-recommends install "$package" xvfb x11-utils xdotool fonts-dejavu-core >/tmp/log 2>&1 ||
+    apt-get -qq --yes --no-install-recommends install "$package" xvfb xdotool fonts-dejavu-core >/tmp/log 2>&1 ||
         { tail /tmp/log >&2; fail "the package does not install"; }
 }
 
@@ -34,9 +34,9 @@ measures() {
         fail "that is not the reading of a locked tone of 1000 Hz"
 }
 
-screen_answers() { xwininfo -root; }
-# window_is_open TITLE: a window whose title begins so.
-window_is_open() { xwininfo -root -tree | grep -q "\"$1"; }
+screen_answers() { xdotool getdisplaygeometry; }
+# window NAME: prints the window whose title matches, once it is shown.
+window() { xdotool search --onlyvisible --name "$1"; }
 
 opens_window() {
     Xvfb :7 -screen 0 1280x1024x24 >/dev/null 2>&1 &
@@ -44,14 +44,14 @@ opens_window() {
     mkdir -m 700 "$XDG_RUNTIME_DIR"
     wait_for screen_answers
     sonavex &
-    local window=$!
-    wait_for window_is_open Sonavex
-    sleep 3
-    kill -0 "$window" || fail "the program ended by itself"
-    xdotool key F1
-    wait_for window_is_open 'Sonavex Help'
-    xwininfo -root -tree | grep '"Sonavex'
-    kill "$window"
+    local program=$!
+    wait_for window '^Sonavex & Function Generator'
+    xdotool getwindowname "$(window '^Sonavex & Function Generator')"
+    # The help is found where it was installed.
+    xdotool windowfocus --sync "$(window '^Sonavex & Function Generator')" key F1
+    wait_for window '^Sonavex Help$'
+    kill -0 "$program" || fail "the program ended by itself"
+    kill "$program"
 }
 
 leaves_nothing() {

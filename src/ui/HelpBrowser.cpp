@@ -65,7 +65,8 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
 }
 
 QVariant HelpBrowser::FittedPicture(const QByteArray& content) const {
-    QImage picture = QImage::fromData(content);
+    // In full colours: scaling would scatter dots over a picture of few.
+    QImage picture = QImage::fromData(content).convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull()) return {};
     const double margins = 2.0 * document()->documentMargin() + 4.0;
     const int room = static_cast<int>((viewport()->width() - margins) * devicePixelRatioF());

@@ -119,6 +119,7 @@ TEST_F(HelpWindowTest, LoadsPicturesOfTheBook) {
     };
     viewer.Open()->resize(1600, 900);
     EXPECT_EQ(picture().width(), 720);
+    EXPECT_EQ(picture().depth(), 32);
     viewer.Open()->resize(700, 500);
     EXPECT_GT(picture().width(), 100);
     EXPECT_LT(picture().width(), Browser().viewport()->width());
