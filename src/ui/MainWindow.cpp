@@ -246,10 +246,10 @@ void MainWindow::DecorateStream() {
 void MainWindow::DecoratePath() {
     const QString notes = QString::fromStdString(form_.PathNote.Caption()).replace('\r', '\n');
     ui_->pathNote->setVisible(!notes.isEmpty());
-    ui_->pathNote->setToolTip(tr("%1\n\nThe samples do not pass unchanged between the instrument and the "
-                                 "card; the readings include "
-                                 "what this does to them.")
-                                  .arg(notes));
+    ui_->pathNote->setToolTip(
+        tr("%1\n\nThe readings include what this does to the samples on their way between the instrument "
+           "and the cards.")
+            .arg(notes));
     const CaptureStatistics counts = form_.Engine.CaptureCounts();
     ui_->lblSampleRate->setToolTip(
         tr("Sampling rate of input and output\n%1 blocks measured, %2 lost, %3 dropped behind a message\n"

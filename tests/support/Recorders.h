@@ -46,8 +46,11 @@ public:
     std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override {
         log_.Call("WriteErrorLog", std::to_string(error.Number()) + ' ' + tStr);
         tStr += "\r\rA record was written.";
+        if (onWrite) onWrite();
         return 0;
     }
+    // While the message is open.
+    std::function<void()> onWrite;
     void WriteLine(const std::string& line) override { log_.Call("WriteLine", line); }
     void SetFatalError(bool fatal) override {
         log_.Note(fatal ? "SetFatalError true" : "SetFatalError false");

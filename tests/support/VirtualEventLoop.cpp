@@ -44,6 +44,11 @@ void VirtualEventLoop::DeliverNextSignal() {
     if (!bell->destroyed) bell->handler();
 }
 
+void VirtualEventLoop::Skip(std::chrono::nanoseconds time) {
+    now_ += time;
+    for (auto& [id, timer] : timers_) timer.due = std::max(timer.due, now_);
+}
+
 void VirtualEventLoop::DeliverSignals() {
     while (!waiting_.empty()) DeliverNextSignal();
 }

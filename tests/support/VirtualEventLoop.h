@@ -20,6 +20,8 @@ public:
 
     // Moves time on, stopping at every timer that is due on the way and delivering signals.
     void Advance(std::chrono::nanoseconds time);
+    // Moves time on while nobody is served: what was due by then comes once, with the next Advance.
+    void Skip(std::chrono::nanoseconds time);
     // Delivers signals until none is waiting.
     void DeliverSignals();
 

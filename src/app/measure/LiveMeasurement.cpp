@@ -82,9 +82,10 @@ LiveMeasurement::LiveMeasurement(const RunOptions& options)
 }
 
 Path LiveMeasurement::DevicePath() const {
+    const CaptureStatistics counts = engine_.CaptureCounts();
     return {engine_.InputDeviceName, engine_.OutputDeviceName, shared_.SampleRate,
-            sound_->Simulated(),     engine_.PathNotes(),      engine_.CaptureCounts().segmentsLost,
-            engine_.Overruns,        engine_.Underruns()};
+            sound_->Simulated(),     engine_.PathNotes(),      counts.segmentsLost,
+            counts.framesMissing,    engine_.Overruns,         engine_.Underruns()};
 }
 
 void LiveMeasurement::CheckDevices() const {

@@ -77,6 +77,7 @@ std::string JsonLine(const Meter& meter, const std::optional<Path>& path) {
         line["simulated"] = path->simulated;
         line["notes"] = path->notes;
         line["blocksLost"] = path->blocksLost;
+        line["framesMissing"] = path->framesMissing;
         line["overruns"] = path->overruns;
         line["underruns"] = path->underruns;
     }

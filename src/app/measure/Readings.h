@@ -17,6 +17,7 @@ struct Path {
     bool simulated = false;
     std::vector<std::string> notes;  // what changes the samples on their way
     std::uint64_t blocksLost = 0;
+    std::uint64_t framesMissing = 0;  // in the input, replaced by silence
     std::uint64_t overruns = 0;   // the output was not written in time
     std::uint64_t underruns = 0;  // the output device ran out of samples
 };

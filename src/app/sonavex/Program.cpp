@@ -157,7 +157,7 @@ QString Program::SimulatedName() const {
 }
 
 void Program::StreamError(const std::exception_ptr& error) {
-    if (form_) form_->Guard.StreamError(error);
+    if (form_) form_->StreamError(error);
 }
 
 void ReportLastError(const std::exception_ptr& error) {

@@ -39,11 +39,18 @@ CaptureBuffer& StreamEngine::Capture() const {
 }
 
 CaptureStatistics StreamEngine::CaptureCounts() const {
-    return captureBuffer_ ? captureBuffer_->Statistics() : CaptureStatistics{};
+    CaptureStatistics counts = countsBefore_;
+    if (!captureBuffer_) return counts;
+    const CaptureStatistics present = captureBuffer_->Statistics();
+    counts.framesCaptured += present.framesCaptured;
+    counts.segmentsCompleted += present.segmentsCompleted;
+    counts.segmentsLost += present.segmentsLost;
+    counts.framesMissing += present.framesMissing;
+    return counts;
 }
 
 std::uint64_t StreamEngine::Underruns() const {
-    return playbackBuffer_ ? playbackBuffer_->Underruns() : 0;
+    return underrunsBefore_ + (playbackBuffer_ ? playbackBuffer_->Underruns() : 0);
 }
 
 std::vector<std::string> StreamEngine::PathNotes() const {
@@ -129,6 +136,8 @@ void StreamEngine::Release() {
 
 void StreamEngine::ReleaseObjects() {
     drift_.Forget();
+    countsBefore_ = CaptureCounts();
+    underrunsBefore_ = Underruns();
     playbackDevice_.reset();
     playbackBuffer_.reset();
     captureBuffer_.reset();
@@ -168,6 +177,7 @@ void StreamEngine::TraceLabel(std::string_view label, std::int32_t cursor) const
 
 void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
     if (restarting_) return;
+    if (OnNotified) OnNotified();
     if (HoldNotifications) {
         ++DroppedNotifications;
         env_.processor.StreamDisturbed();
@@ -209,8 +219,9 @@ void StreamEngine::NoteDisturbances() {
 // An interruption sets the leads back by an unknown time.
 void StreamEngine::FollowClocks(bool disturbed) {
     if (disturbed) return drift_.Restart();
-    const auto input = Capture().ClockLead();
-    const auto output = Playback().ClockLead();
+    if (!captureBuffer_ || !playbackBuffer_) return;
+    const auto input = captureBuffer_->ClockLead();
+    const auto output = playbackBuffer_->ClockLead();
     if (input && output) drift_.Add(env_.loop.Now(), *input - *output);
 }
 

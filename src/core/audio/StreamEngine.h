@@ -92,9 +92,9 @@ public:
 
     bool Restarting() const noexcept { return restarting_; }
     PlaybackBuffer* SecondaryBuffer() noexcept { return playbackBuffer_.get(); }
-    // Counts of the capture buffer in use; zeros without one.
+    // Counts of all capture buffers since the engine was made.
     CaptureStatistics CaptureCounts() const;
-    // Times that the device of the playback buffer in use ran out of samples; 0 without one.
+    // Times since the engine was made that the playback device in use ran out of samples.
     std::uint64_t Underruns() const;
     // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and
     // "Clocks: ...". Empty when nothing is known to.
@@ -132,6 +132,9 @@ public:
 
     // Told by ReStart when the frequency sliders have got the limits of the new rate. May be empty.
     std::function<void()> OnLimitsChanged;
+
+    // Told of each notification, before anything is done with its block. May be empty.
+    std::function<void()> OnNotified;
 
     // Told after each block that was processed and queued without an error. May be empty.
     std::function<void()> OnBlockQueued;
@@ -174,6 +177,9 @@ private:
     std::unique_ptr<CaptureBuffer> captureBuffer_;
     CaptureStatistics captureCounts_;  // at the last block
     std::uint64_t underruns_ = 0;      // at the last block
+    // Of the buffers that are gone.
+    CaptureStatistics countsBefore_;
+    std::uint64_t underrunsBefore_ = 0;
     ClockDrift drift_;
     bool gapBefore_ = false;           // a gap was counted at the last block
     std::int32_t settlingBlocks_ = 0;  // blocks that may still carry the step of a start

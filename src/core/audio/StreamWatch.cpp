@@ -1,6 +1,7 @@
 #include "core/audio/StreamWatch.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/ports/SoundErrors.h"
 #include "core/support/ScopedFlag.h"
@@ -20,14 +21,31 @@ constexpr auto kLeastStartPatience = 3s;
 constexpr std::int64_t kPatientBlocks = 3;
 constexpr std::int64_t kBlockFrames = 2048;
 
+// The window was not served for so long: what was waited for may have waited too.
+constexpr auto kHoldUp = 1s;
+
 constexpr const char* kLostMessage = "The sound device in use was lost. Measuring has stopped.";
 constexpr const char* kWaiting = "Waiting for the sound device.";
 constexpr const char* kStalled = "The sound device no longer delivers anything.";
+constexpr const char* kHeldBack = "Measuring waits until the message is closed.";
+constexpr const char* kFailing = "What is captured cannot be measured.";
+constexpr const char* kNotRunning = "No sound device is in use.";
 
-bool Lists(const SoundDeviceList& devices, const std::string& identifier) {
-    if (identifier.empty()) return devices.size() > 1;
+// The device that is used at present, and the choice that is stored.
+struct Choice {
+    std::string stored;
+    std::string usedIdentifier;
+    std::string usedName;
+};
+
+// Whether a start would open the device again that was in use: the primary device may stand for
+// another one by now.
+bool Lists(const SoundDeviceList& devices, const Choice& choice) {
+    if (choice.stored.empty())
+        return devices.size() > 1 &&
+               (!choice.usedIdentifier.empty() || devices[1].description == choice.usedName);
     return std::any_of(devices.begin(), devices.end(),
-                       [&](const SoundDeviceInfo& device) { return device.identifier == identifier; });
+                       [&](const SoundDeviceInfo& device) { return device.identifier == choice.stored; });
 }
 
 }  // namespace
@@ -40,7 +58,8 @@ StreamWatch::~StreamWatch() {
 
 void StreamWatch::Start() {
     BeginPatience();
-    env_.sound.OnDeviceLost([this](const RuntimeError& error) { Lost(error); });
+    lastLook_ = env_.loop.Now();
+    env_.sound.OnDeviceLost([this](const RuntimeError& error) { DeviceLost(error); });
     if (timer_ == 0) timer_ = env_.loop.StartTimer(kLookEvery, [this] { Look(); });
 }
 
@@ -51,17 +70,24 @@ void StreamWatch::Stop() {
     env_.sound.OnDeviceLost({});
 }
 
-void StreamWatch::BlockQueued() {
-    lastBlock_ = env_.loop.Now();
+void StreamWatch::Notified() {
+    lastNotification_ = env_.loop.Now();
     awaitingFirst_ = false;
+}
+
+void StreamWatch::BlockQueued() {
+    Notified();
+    if (loss_) return;
+    lastBlock_ = lastNotification_;
     onTrial_ = false;
     SetStopped(false, {});
 }
 
 void StreamWatch::BeginPatience() {
     seenStarts_ = env_.engine.CaptureStarts;
-    lastBlock_ = env_.loop.Now();
+    lastBlock_ = lastNotification_ = env_.loop.Now();
     awaitingFirst_ = true;
+    loss_.reset();
 }
 
 std::chrono::nanoseconds StreamWatch::Patience() const {
@@ -75,37 +101,67 @@ std::chrono::nanoseconds StreamWatch::StartPatience() const {
 }
 
 bool StreamWatch::Watching() const {
-    return !reporting_ && !env_.engine.Restarting() && !(Held && Held());
+    return !reporting_ && !env_.engine.Restarting() && !env_.engine.HoldNotifications && !(Held && Held());
 }
 
 void StreamWatch::Look() {
+    const Time now = env_.loop.Now();
+    ForgiveHoldUp(now);
+    FollowStarts();
+    MarkStandstill(now);
     // While somebody reads a message or chooses devices nothing is judged, and the patience begins anew
-    // after it, as it does after a start.
-    if (!Watching() || env_.engine.HoldNotifications) {
-        lastBlock_ = env_.loop.Now();
+    // after it.
+    if (!Watching()) {
+        lastNotification_ = now;
         return;
     }
-    if (env_.engine.CaptureStarts != seenStarts_) {
-        BeginPatience();
-        onTrial_ = false;
-    }
-    if (env_.shared.EventsReady)
-        LookForStall();
-    else if (stopped_)
+    if (!env_.shared.EventsReady)
         LookForReturn();
-}
-
-void StreamWatch::LookForStall() {
-    const std::chrono::nanoseconds silence = env_.loop.Now() - lastBlock_;
-    if (silence <= Patience()) return;
-    if (awaitingFirst_ && silence <= StartPatience())
-        SetStopped(true, kWaiting);
+    else if (loss_)
+        GiveUp(RuntimeError(*loss_));
     else
-        Lost({sound_error::kBufferLost, kStalled});
+        LookForStall(now);
 }
 
-void StreamWatch::Lost(const RuntimeError& error) {
-    if (!Watching() || !env_.shared.EventsReady) return;
+void StreamWatch::ForgiveHoldUp(Time now) {
+    const Time pause = now - std::exchange(lastLook_, now);
+    if (pause < kHoldUp) return;
+    lastNotification_ = std::min(lastNotification_ + pause, now);
+    lastBlock_ = std::min(lastBlock_ + pause, now);
+}
+
+// A start that somebody else made.
+void StreamWatch::FollowStarts() {
+    if (env_.engine.CaptureStarts == seenStarts_) return;
+    BeginPatience();
+    onTrial_ = false;
+}
+
+void StreamWatch::MarkStandstill(Time now) {
+    if (stopped_ || now - lastBlock_ <= Patience()) return;
+    const char* reason = kFailing;
+    if (!env_.shared.EventsReady)
+        reason = kNotRunning;
+    else if (env_.engine.HoldNotifications)
+        reason = kHeldBack;
+    else if (awaitingFirst_)
+        reason = kWaiting;
+    SetStopped(true, reason);
+}
+
+void StreamWatch::LookForStall(Time now) {
+    if (now - lastNotification_ > (awaitingFirst_ ? StartPatience() : Patience()))
+        GiveUp({sound_error::kBufferLost, kStalled});
+}
+
+void StreamWatch::DeviceLost(const RuntimeError& error) {
+    if (loss_ || !env_.shared.EventsReady) return;
+    loss_ = error;
+    SetStopped(true, error.what());
+}
+
+void StreamWatch::GiveUp(const RuntimeError& error) {
+    loss_.reset();
     env_.engine.Abandon();
     nextTry_ = env_.loop.Now() + kTryEvery;
     SetStopped(true, error.what());
@@ -118,15 +174,21 @@ void StreamWatch::Report(const RuntimeError& error) {
     ++losses_;
     std::string message = std::string(kLostMessage) + "\r\r" + error.what();
     env_.errorLog.WriteErrorLog(message, error);
-    if (stopped_ && ChooseDevices && DevicesListed()) ChooseDevices();
+    if (stopped_ && ChooseDevices && (ChoiceGivenUp() || DevicesListed())) ChooseDevices();
+}
+
+// By the message's own button.
+bool StreamWatch::ChoiceGivenUp() const {
+    return env_.settings.Text(keys::kOutput) != env_.engine.OutputDeviceId ||
+           env_.settings.Text(keys::kInput) != env_.engine.InputDeviceId;
 }
 
 void StreamWatch::LookForReturn() {
-    const std::chrono::nanoseconds begin = env_.loop.Now();
+    const Time begin = env_.loop.Now();
     if (begin < nextTry_) return;
     if (DevicesListed()) TryAgain();
-    const std::chrono::nanoseconds end = env_.loop.Now();
-    nextTry_ = end + std::max<std::chrono::nanoseconds>(kTryEvery, kPauseOverTry * (end - begin));
+    const Time end = env_.loop.Now();
+    nextTry_ = end + std::max<Time>(kTryEvery, kPauseOverTry * (end - begin));
 }
 
 void StreamWatch::TryAgain() {
@@ -141,9 +203,12 @@ void StreamWatch::TryAgain() {
 }
 
 bool StreamWatch::DevicesListed() {
+    const Choice output{env_.settings.Text(keys::kOutput), env_.engine.OutputDeviceId,
+                        env_.engine.OutputDeviceName};
+    const Choice input{env_.settings.Text(keys::kInput), env_.engine.InputDeviceId,
+                       env_.engine.InputDeviceName};
     try {
-        return Lists(env_.sound.EnumeratePlayback(), env_.engine.OutputDeviceId) &&
-               Lists(env_.sound.EnumerateCapture(), env_.engine.InputDeviceId);
+        return Lists(env_.sound.EnumeratePlayback(), output) && Lists(env_.sound.EnumerateCapture(), input);
     } catch (const RuntimeError&) {
         return false;
     }

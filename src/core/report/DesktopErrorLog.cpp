@@ -3,7 +3,6 @@
 #include <exception>
 #include <utility>
 
-#include "core/ports/SoundErrors.h"
 #include "core/report/ErrorNames.h"
 #include "core/support/ScopedFlag.h"
 #include "core/text/Numbers.h"
@@ -94,24 +93,15 @@ std::string DesktopErrorLog::Record(const std::string& message, const RuntimeErr
     return text + Line(kEnd);
 }
 
-// A sound server that does not answer is asked once only: each question takes seconds.
 std::string DesktopErrorLog::Devices() {
-    bool answers = true;
-    const auto list = [&](const auto& enumerate) {
-        SoundDeviceList devices;
-        try {
-            if (answers) devices = enumerate();
-        } catch (const RuntimeError& error) {
-            answers = error.Number() != sound_error::kUninitialized;
-        }
-        return devices;
+    const auto stored = [this](const SettingsKey& key) {
+        return Attempt([&] { return env_.settings.Text(key); });
     };
     std::string text = Line(kInputs);
-    text +=
-        InputEntries(list([&] { return env_.sound.EnumerateCapture(); }), env_.settings.Text(keys::kInput));
+    text += InputEntries(Attempt([&] { return env_.sound.EnumerateCapture(); }), stored(keys::kInput));
     text += Line(kOutputs);
-    return text + OutputEntries(list([&] { return env_.sound.EnumeratePlayback(); }),
-                                env_.settings.Text(keys::kOutput));
+    return text +
+           OutputEntries(Attempt([&] { return env_.sound.EnumeratePlayback(); }), stored(keys::kOutput));
 }
 
 void DesktopErrorLog::WriteLine(const std::string& line) {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "core/ports/SoundErrors.h"
 #include "core/settings/SampleRates.h"
 #include "core/settings/Windows.h"
 #include "core/support/ScopedFlag.h"
@@ -34,18 +35,17 @@ frmMain::frmMain(const World& world)
       Engine(
           {Shared, Stored, world.sound, world.loop, world.dialogs, world.errorLog, world.mixers, Measurement},
           {lblInput, lblOutput, lblSampleRate, Signals.Signal.sldStartFreq, Signals.Signal.sldEndFreq}),
-      Watch({world.loop, world.sound, Engine, world.errorLog, Shared}),
+      Watch({world.loop, world.sound, Engine, world.errorLog, Shared, Stored}),
       world_(world) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
     mnuSoundCard.Click.Handle([this] { mnuSoundCard_Click(); });
     mnuSelectCard.Click.Handle([this] { mnuSelectCard_Click(); });
-    Signals.SetPlaybackVolume([this](std::int32_t level) {
-        if (PlaybackBuffer* buffer = Engine.SecondaryBuffer()) buffer->SetVolume(level);
-    });
+    Signals.SetPlaybackVolume([this](std::int32_t level) { SetVolume(level); });
     Engine.OnLimitsChanged = [this] { Signals.FollowLimits(); };
     Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
     Guard.OnEnd = [this](const EndProgram& end) { End(end); };
+    Engine.OnNotified = [this] { Watch.Notified(); };
     Engine.OnBlockQueued = [this] {
         Guard.BlockSucceeded();
         Watch.BlockQueued();
@@ -123,7 +123,7 @@ void frmMain::CreateSoundDevices() {
 }
 
 void frmMain::StartStream() {
-    Engine.SetEvents();
+    if (!Engine.SetEvents()) ChooseDevices();
     Engine.RestartPending = true;
     Measurement.Analysis().HistIndex = 0;
     Measurement.SetUpAnalysis(kLowEdgeAtStartHz, Shared.SampleRate / 2 - kUpperMarginHz);
@@ -132,9 +132,21 @@ void frmMain::StartStream() {
     world_.mixers.SetUpSoundControls();
     Engine.ResetStream();
     HiTimer1->SetInterval(1ms);
-    Engine.StartCapture();
-    Watch.Start();
+    StartCapture();
     FollowPath();
+}
+
+// A device that went away since it was opened is a loss like any other.
+void frmMain::StartCapture() {
+    std::optional<RuntimeError> loss;
+    try {
+        Engine.StartCapture();
+    } catch (const RuntimeError& error) {
+        if (error.Number() != sound_error::kBufferLost) throw;
+        loss = error;
+    }
+    Watch.Start();
+    if (loss) Watch.DeviceLost(*loss);
 }
 
 // Volumes change at any time, and nobody tells.
@@ -152,6 +164,27 @@ void frmMain::ShowPath() {
     std::string text;
     for (const std::string& note : Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
     PathNote.SetCaption(text);
+}
+
+// A lost device is told of by the watch; the next one gets the level as it is made.
+void frmMain::SetVolume(std::int32_t hundredthsDb) {
+    PlaybackBuffer* const buffer = Engine.SecondaryBuffer();
+    if (buffer == nullptr) return;
+    try {
+        buffer->SetVolume(hundredthsDb);
+    } catch (const RuntimeError& error) {
+        if (error.Number() != sound_error::kBufferLost) throw;
+    }
+}
+
+void frmMain::StreamError(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const RuntimeError& loss) {
+        if (loss.Number() == sound_error::kBufferLost) return Watch.DeviceLost(loss);
+    } catch (...) {
+    }
+    Guard.StreamError(error);
 }
 
 // Readings of the past must not look like present ones.
@@ -247,13 +280,14 @@ void frmMain::mnuSoundCard_Click() {
 }
 
 void frmMain::mnuSelectCard_Click() {
+    if (Engine.Restarting()) return;
     for (Label* label : {&lblInput, &lblOutput, &lblSampleRate}) label->SetCaption("Stopped");
     ChooseDevices();
 }
 
 // One dialog at a time has the engine in its hands; those of the mixers would show a card of the past.
 void frmMain::ChooseDevices() {
-    if (choosingDevices_ || !ShowDeviceDialog) return;
+    if (choosingDevices_ || Engine.Restarting() || !ShowDeviceDialog) return;
     const ScopedFlag choosing(choosingDevices_);
     world_.mixers.UnloadDialogs();
     ShowDeviceDialog();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -74,6 +75,10 @@ public:
     // The readings are said to have stopped while the devices are being selected.
     void mnuSelectCard_Click();
 
+    // An error that left a handler of the sound system: a lost device is the watch's, everything else the
+    // guard's.
+    void StreamError(const std::exception_ptr& error);
+
     // The end without the shutdown: stops the sound and gives the user's mixer levels back; stores nothing.
     void EndAtOnce();
 
@@ -124,6 +129,8 @@ private:
     void CreateSoundDevices();
     void ChooseDevices();
     void StartStream();
+    void StartCapture();
+    void SetVolume(std::int32_t hundredthsDb);
     void SelectLastTab();
     void ShowStreamState();
     void ShowPath();

@@ -3,12 +3,26 @@
 #include <cmath>
 #include <utility>
 
+#include "core/text/Numbers.h"
+
 namespace sonavex {
 namespace {
 
 void Append(std::string& note, const std::string& text) {
     if (!note.empty()) note += "; ";
     note += text;
+}
+
+// "80 %", or "50 % and 150.5 %" where the channels differ.
+std::string Percent(const std::vector<double>& channels) {
+    std::string text;
+    for (const double percent : channels) {
+        const double tenths = std::round(10.0 * percent) / 10.0;
+        // What is not 100 % must not read so.
+        text += (text.empty() ? "" : " and ") + CStr(tenths == 100.0 && percent != 100.0 ? percent : tenths) +
+                " %";
+    }
+    return text;
 }
 
 }  // namespace
@@ -29,18 +43,42 @@ void PulsePath::Forget() noexcept {
     pending_.clear();
 }
 
-PulsePath::Volume PulsePath::VolumeOf(const pa_cvolume& volume, int mute) noexcept {
-    const double share = static_cast<double>(pa_cvolume_avg(&volume)) / PA_VOLUME_NORM;
-    return {static_cast<std::uint32_t>(std::lround(100.0 * share)), mute != 0};
+// Either every channel counts or none does.
+PulsePath::Volume PulsePath::VolumeOf(const pa_cvolume& volume, int mute) {
+    Volume taken;
+    taken.muted = mute != 0;
+    if (pa_cvolume_channels_equal_to(&volume, PA_VOLUME_NORM) != 0) return taken;
+    const bool alike = pa_cvolume_channels_equal_to(&volume, volume.values[0]) != 0;
+    for (unsigned i = 0; i < (alike ? 1U : volume.channels); ++i)
+        taken.percent.push_back(100.0 * volume.values[i] / PA_VOLUME_NORM);
+    return taken;
 }
 
 template <class Info>
-void PulsePath::TakeDevice(pa_context*, const Info* info, int, void* self) {
+void PulsePath::TakeCard(pa_context*, const Info* info, int, void* self) {
+    if (info == nullptr) return;
+    const char* const card = pa_proplist_gets(info->proplist, "alsa.card");
+    static_cast<PulsePath*>(self)->card_ = card == nullptr ? "" : card;
+}
+
+void PulsePath::AskForCardOf(pa_context* server, const pa_sink_info& sink) {
+    TakeCard(server, &sink, 0, this);
+}
+
+// A monitor runs on the clock of its sink and does not say so itself.
+void PulsePath::AskForCardOf(pa_context* server, const pa_source_info& source) {
+    if (source.monitor_of_sink == PA_INVALID_INDEX) return TakeCard(server, &source, 0, this);
+    pa_operation* const operation =
+        pa_context_get_sink_info_by_index(server, source.monitor_of_sink, TakeCard<pa_sink_info>, this);
+    if (operation != nullptr) pending_.push_back(operation);
+}
+
+template <class Info>
+void PulsePath::TakeDevice(pa_context* server, const Info* info, int, void* self) {
     if (info == nullptr) return;
     auto& me = *static_cast<PulsePath*>(self);
     me.deviceRateHz_ = info->sample_spec.rate;
-    const char* const card = pa_proplist_gets(info->proplist, "alsa.card");
-    me.card_ = card == nullptr ? "" : card;
+    me.AskForCardOf(server, *info);
     me.device_ = VolumeOf(info->volume, info->mute);
 }
 
@@ -81,10 +119,8 @@ std::string PulsePath::Note() const {
     if (deviceRateHz_ != rateHz_)
         Append(note,
                "resampled by the sound server, the device runs at " + std::to_string(deviceRateHz_) + " Hz");
-    if (device_.percent != 100)
-        Append(note, "volume of the device " + std::to_string(device_.percent) + " %");
-    if (stream_.percent != 100)
-        Append(note, "volume of the stream " + std::to_string(stream_.percent) + " %");
+    if (!device_.percent.empty()) Append(note, "volume of the device " + Percent(device_.percent));
+    if (!stream_.percent.empty()) Append(note, "volume of the stream " + Percent(stream_.percent));
     if (device_.muted || stream_.muted) Append(note, "muted by the sound server");
     return note;
 }

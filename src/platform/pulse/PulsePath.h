@@ -36,7 +36,7 @@ public:
 
 private:
     struct Volume {
-        std::uint32_t percent = 100;
+        std::vector<double> percent;  // of each channel that is not at exactly 100
         bool muted = false;
     };
 
@@ -44,7 +44,12 @@ private:
     static void TakeDevice(pa_context* server, const Info* info, int end, void* self);
     template <class Info>
     static void TakeStream(pa_context* server, const Info* info, int end, void* self);
-    static Volume VolumeOf(const pa_cvolume& volume, int mute) noexcept;
+    // Names the card of a sink or source.
+    template <class Info>
+    static void TakeCard(pa_context* server, const Info* info, int end, void* self);
+    void AskForCardOf(pa_context* server, const pa_sink_info& sink);
+    void AskForCardOf(pa_context* server, const pa_source_info& source);
+    static Volume VolumeOf(const pa_cvolume& volume, int mute);
     void Forget() noexcept;
 
     PulseContext& context_;

@@ -46,10 +46,8 @@ void WriteAll(QFileDevice& file, const std::string& text) {
 }  // namespace
 
 QString QtDesktopFiles::Folder() {
-    for (const char* name : {"userprofile", "USERPROFILE"}) {
-        const QString profile = qEnvironmentVariable(name);
-        if (!profile.isEmpty()) return QDir::cleanPath(profile) + QStringLiteral("/desktop");
-    }
+    const QString profile = qEnvironmentVariable("userprofile");
+    if (!profile.isEmpty()) return QDir::cleanPath(profile) + QStringLiteral("/desktop");
     return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
 }
 

@@ -14,6 +14,7 @@ using testing::IsEmpty;
 struct WatchBench : EngineBench {
     WatchBench() {
         Start();
+        engine.OnNotified = [this] { watch.Notified(); };
         engine.OnBlockQueued = [this] { watch.BlockQueued(); };
         watch.OnChanged = [this] { ++changes; };
         watch.ChooseDevices = [this] { ++choices; };
@@ -22,14 +23,20 @@ struct WatchBench : EngineBench {
         RunBlocks(1);
     }
     std::size_t Records() const { return log.Count("WriteErrorLog"); }
+    void Lose(const RuntimeError& error) {
+        sound.Lose(error);
+        loop.Advance(kLook);
+    }
     void Unplug() {
         kept = sound.playbackDevices;
         sound.playbackDevices.resize(1);
-        sound.Lose({sound_error::kNoDriver, "The card has been removed."});
+        Lose({sound_error::kNoDriver, "The card has been removed."});
     }
+    // Longer than between two looks.
+    static constexpr auto kLook = 150ms;
     void Replug() { sound.playbackDevices = kept; }
 
-    StreamWatch watch{{loop, sound, engine, errorLog, shared}};
+    StreamWatch watch{{loop, sound, engine, errorLog, shared, settings}};
     int changes = 0;
     int choices = 0;
     SoundDeviceList kept;
@@ -49,9 +56,12 @@ TEST(StreamWatch, IsContentWhileBlocksCome) {
 TEST(StreamWatch, MarksRecordsAndTellsALossOnce) {
     WatchBench bench;
     bench.sound.Lose({sound_error::kBufferLost, "The server is gone."});
-    bench.sound.Lose({sound_error::kBufferLost, "The server is gone."});
+    // The mark is seen before a message stands before it.
     EXPECT_TRUE(bench.watch.Stopped());
     EXPECT_EQ(bench.watch.Reason(), "The server is gone.");
+    EXPECT_EQ(bench.Records(), 0U);
+    bench.Lose({sound_error::kBufferLost, "The server is gone."});
+    EXPECT_TRUE(bench.watch.Stopped());
     ASSERT_EQ(bench.Records(), 1U);
     EXPECT_THAT(bench.log.Of("WriteErrorLog")[0], HasSubstr("The server is gone."));
     EXPECT_FALSE(bench.shared.EventsReady);
@@ -118,7 +128,7 @@ TEST(StreamWatch, StartsAgainWhenTheDeviceIsBack) {
     EXPECT_FALSE(bench.watch.Stopped());
     EXPECT_THAT(bench.watch.Reason(), IsEmpty());
     EXPECT_EQ(bench.Records(), 1U);
-    bench.sound.Lose({sound_error::kBufferLost, "again"});
+    bench.Lose({sound_error::kBufferLost, "again"});
     EXPECT_EQ(bench.Records(), 2U);
 }
 
@@ -140,7 +150,7 @@ TEST(StreamWatch, TriesQuietlyAndNeverEndsTheProgram) {
 
 TEST(StreamWatch, TellsNothingOfADeviceThatComesBackMute) {
     WatchBench bench;
-    bench.sound.Lose({sound_error::kBufferLost, "suspended"});
+    bench.Lose({sound_error::kBufferLost, "suspended"});
     bench.loop.Advance(30s);
     EXPECT_EQ(bench.Records(), 1U);
     EXPECT_TRUE(bench.watch.Stopped());
@@ -149,7 +159,7 @@ TEST(StreamWatch, TellsNothingOfADeviceThatComesBackMute) {
 
 TEST(StreamWatch, TellsOfADeviceThatTheUserChoseAndThatIsMute) {
     WatchBench bench;
-    bench.sound.Lose({sound_error::kBufferLost, "suspended"});
+    bench.Lose({sound_error::kBufferLost, "suspended"});
     bench.loop.Advance(1200ms);
     ASSERT_TRUE(bench.shared.EventsReady);
     ASSERT_TRUE(bench.engine.ReStart());
@@ -157,21 +167,106 @@ TEST(StreamWatch, TellsOfADeviceThatTheUserChoseAndThatIsMute) {
     EXPECT_EQ(bench.Records(), 2U);
 }
 
-TEST(StreamWatch, JudgesNothingWhileTheEngineIsHeld) {
+TEST(StreamWatch, GivesNothingUpWhileTheEngineIsHeldButMarksWhatStandsStill) {
     WatchBench bench;
     bool held = true;
     bench.watch.Held = [&] { return held; };
     bench.loop.Advance(20s);
-    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_TRUE(bench.watch.Stopped());
     held = false;
+    bench.RunBlocks(1);
+    EXPECT_FALSE(bench.watch.Stopped());
     bench.engine.HoldNotifications = true;
     bench.loop.Advance(20s);
-    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_THAT(bench.watch.Reason(), HasSubstr("until the message is closed"));
+    EXPECT_EQ(bench.Records(), 0U);
     bench.engine.HoldNotifications = false;
     bench.loop.Advance(900ms);
-    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
     bench.loop.Advance(300ms);
+    EXPECT_EQ(bench.Records(), 1U);
+}
+
+TEST(StreamWatch, TellsOfALossBehindADialogWhenThatHasClosed) {
+    WatchBench bench;
+    bool held = true;
+    bench.watch.Held = [&] { return held; };
+    bench.Lose({sound_error::kNoDriver, "removed"});
     EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
+    // Blocks of the device that is left change nothing.
+    bench.RunBlocks(1);
+    EXPECT_TRUE(bench.watch.Stopped());
+    held = false;
+    bench.loop.Advance(WatchBench::kLook);
+    ASSERT_EQ(bench.Records(), 1U);
+    EXPECT_THAT(bench.log.Of("WriteErrorLog")[0], HasSubstr("removed"));
+}
+
+TEST(StreamWatch, ForgetsALossWhenTheDialogHasStartedTheEngineAnew) {
+    WatchBench bench;
+    bool held = true;
+    bench.watch.Held = [&] { return held; };
+    bench.Lose({sound_error::kNoDriver, "removed"});
+    ASSERT_TRUE(bench.engine.ReStart());
+    held = false;
+    bench.loop.Advance(WatchBench::kLook);
+    bench.nextSegment = 0;
+    bench.RunBlocks(1);
+    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
+}
+
+// The stream is alive: only what is done with it fails.
+TEST(StreamWatch, MarksBlocksThatCannotBeMeasuredAndGoesOn) {
+    WatchBench bench;
+    bench.engine.OnBlockQueued = {};
+    for (int i = 0; i < 20; ++i) {
+        bench.loop.Advance(500ms);
+        bench.RunBlocks(1);
+    }
+    EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_THAT(bench.watch.Reason(), HasSubstr("cannot be measured"));
+    EXPECT_EQ(bench.Records(), 0U);
+    EXPECT_TRUE(bench.shared.EventsReady);
+}
+
+TEST(StreamWatch, ForgivesATimeInWhichItWasNotServedItself) {
+    WatchBench bench;
+    bench.loop.Skip(60s);
+    bench.loop.Advance(900ms);
+    EXPECT_FALSE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
+    bench.loop.Advance(300ms);
+    EXPECT_EQ(bench.Records(), 1U);
+}
+
+// The default has become another device: that is not the one that was lost.
+TEST(StreamWatch, WaitsForTheDeviceThatThePrimaryOneStoodFor) {
+    WatchBench bench;
+    ASSERT_EQ(bench.engine.OutputDeviceId, "");
+    const SoundDeviceList all = bench.sound.playbackDevices;
+    bench.sound.playbackDevices.erase(bench.sound.playbackDevices.begin() + 1);
+    ASSERT_GE(bench.sound.playbackDevices.size(), 2U);
+    bench.Lose({sound_error::kNoDriver, "removed"});
+    bench.loop.Advance(10s);
+    EXPECT_FALSE(bench.shared.EventsReady);
+    EXPECT_EQ(bench.choices, 0);
+    bench.sound.playbackDevices = all;
+    bench.loop.Advance(1200ms);
+    EXPECT_TRUE(bench.shared.EventsReady);
+}
+
+TEST(StreamWatch, OffersDevicesWhenTheLostOneIsGivenUp) {
+    WatchBench bench;
+    bench.settings.Save(keys::kOutput, bench.sound.playbackDevices[1].identifier);
+    ASSERT_TRUE(bench.engine.ReStart());
+    bench.loop.Advance(WatchBench::kLook);
+    bench.nextSegment = 0;
+    bench.RunBlocks(1);
+    bench.errorLog.onWrite = [&] { bench.settings.Save(keys::kOutput, ""); };
+    bench.Unplug();
+    EXPECT_EQ(bench.choices, 1);
 }
 
 TEST(StreamWatch, SeesNothingAfterItsEnd) {

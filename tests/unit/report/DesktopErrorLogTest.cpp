@@ -184,15 +184,6 @@ TEST(ErrorLogFailure, OfOneDeviceListKeepsTheOther) {
     EXPECT_THAT(rig.files.files[kFile], HasSubstr("Card A\nout-a\n"));
 }
 
-TEST(ErrorLogFailure, OfTheServerIsNotWaitedForTwice) {
-    LogRig rig;
-    rig.log.Fail("EnumerateCapture", RuntimeError(sound_error::kUninitialized, "no server"));
-    rig.Write("It failed", RuntimeError(5));
-    EXPECT_EQ(rig.log.Count("EnumerateCapture"), 1U);
-    EXPECT_EQ(rig.log.Count("EnumeratePlayback"), 0U);
-    EXPECT_EQ(rig.LineOf("Time"), "Time: 2024-03-09 07:05:00");
-}
-
 TEST(ErrorLogFailure, OfSystemAndClockLeavesTheirLinesEmpty) {
     LogRig rig;
     rig.log.Fail("OsMajorVersion", RuntimeError(5));

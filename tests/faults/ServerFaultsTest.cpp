@@ -1,0 +1,212 @@
+// The whole program while things go wrong with a real sound server of the test's own.
+
+#include "faults/FaultRig.h"
+#include "support/PipeWireServer.h"
+#include "support/PulseServer.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::IsEmpty;
+
+const NullSink kCard{"card", 32000, "TestCard"};
+const NullSink kOther{"other", 32000, "OtherCard"};
+
+constexpr const char* kOnTheCard = "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n";
+constexpr const char* kOnBoth = "[SoundCard]\nInput=other.monitor\nOutput=card\nSampleRate=2\n";
+
+class ServerFaults : public FaultRig {
+protected:
+    static void Use(const SoundServer& server) { setenv("PULSE_SERVER", server.Address().c_str(), 1); }
+
+    // The protocol server dies and comes back after a while, in which nothing more is said.
+    void CheckDeathOf(SoundServer& server) {
+        Use(server);
+        Twice([&] {
+            ExpectMeasuring();
+            server.Kill();
+            ExpectLoss("The sound server has gone.");
+            EXPECT_EQ(User().Selections, 0);
+            Wait(3s);
+            EXPECT_TRUE(Form().Watch.Stopped());
+            EXPECT_TRUE(Note().isVisible());
+            server.Restart();
+            ExpectReturn();
+            ExpectLoop();
+        });
+    }
+
+    void CheckUnloadingAt(const SoundServer& server) {
+        Use(server);
+        Store(kOnTheCard);
+        std::string module = server.LoadNullSink(kCard);
+        Twice([&] {
+            ExpectMeasuring();
+            server.Control({"unload-module", module});
+            ExpectLoss("has been removed");
+            Wait(2s);
+            EXPECT_TRUE(Form().Watch.Stopped());
+            module = server.LoadNullSink(kCard);
+            ExpectReturn();
+            ExpectLoop();
+        });
+    }
+
+    // Nothing says that a server stands still: it is noticed by what does not come.
+    void CheckPauseOf(SoundServer& server) {
+        Use(server);
+        Twice([&] {
+            ExpectMeasuring();
+            server.Pause();
+            ExpectLoss("no longer delivers anything");
+            Wait(3s);
+            EXPECT_TRUE(Form().Watch.Stopped());
+            server.Continue();
+            ExpectReturn();
+            ExpectLoop();
+        });
+    }
+
+    // The stream stays where it is; what is opened later follows the default.
+    void CheckDefaultOf(const SoundServer& server) {
+        Use(server);
+        Twice([&] {
+            server.Control({"set-default-sink", "card"});
+            server.Control({"set-default-source", "card.monitor"});
+            EXPECT_TRUE(Form().Engine.ReStart());
+            ExpectMeasuring();
+            EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
+            server.Control({"set-default-sink", "other"});
+            server.Control({"set-default-source", "other.monitor"});
+            Wait(1s);
+            ExpectMeasuring();
+            EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
+            EXPECT_TRUE(Form().Engine.ReStart());
+            ExpectMeasuring();
+            EXPECT_EQ(Form().lblOutput.Caption(), "OtherCard");
+            EXPECT_EQ(Form().lblInput.Caption(), "Monitor of OtherCard");
+            ExpectLoop();
+            EXPECT_THAT(User().Errors, IsEmpty());
+        });
+    }
+
+    // As many as there are in a life of the program, without a pause.
+    void CheckRestartsOn(const SoundServer& server) {
+        Use(server);
+        Twice([&] {
+            ExpectMeasuring();
+            const auto restart = [&](int times) {
+                for (int i = 0; i < times; ++i) {
+                    ASSERT_TRUE(Form().Engine.ReStart()) << i;
+                    if (i % 20 == 0) Wait(30ms);
+                }
+                ExpectMeasuring();
+            };
+            restart(20);
+            const Holdings before = Holdings::Now();
+            restart(200);
+            ExpectNothingKept(before);
+            EXPECT_THAT(User().Errors, IsEmpty());
+        });
+    }
+};
+
+TEST_F(ServerFaults, PulseAudioKilledAndStartedAgain) {
+    PulseServer server({kCard});
+    CheckDeathOf(server);
+}
+
+TEST_F(ServerFaults, PipeWireKilledAndStartedAgain) {
+    PipeWireServer server({kCard});
+    CheckDeathOf(server);
+}
+
+TEST_F(ServerFaults, SinkOfPulseAudioUnloadedAndLoadedAgain) {
+    CheckUnloadingAt(PulseServer({kOther}));
+}
+
+TEST_F(ServerFaults, SinkOfPipeWireUnloadedAndLoadedAgain) {
+    CheckUnloadingAt(PipeWireServer({kOther}));
+}
+
+TEST_F(ServerFaults, SourceUnloadedAndLoadedAgain) {
+    const PulseServer server({kCard});
+    Use(server);
+    Store(kOnBoth);
+    std::string module = server.LoadNullSink(kOther);
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"unload-module", module});
+        ExpectLoss("'Monitor of OtherCard' has been removed");
+        module = server.LoadNullSink(kOther);
+        ExpectReturn();
+        EXPECT_EQ(Form().lblInput.Caption(), "Monitor of OtherCard");
+    });
+}
+
+// The devices are still listed, so the user is asked to choose, and chooses the same once they run.
+TEST_F(ServerFaults, SinkSuspendedAndResumed) {
+    const PulseServer server({kCard});
+    Use(server);
+    Store(kOnTheCard);
+    onSelection = [&](QDialog&) {
+        EXPECT_TRUE(Note().isVisible());
+        server.Control({"suspend-sink", "card", "0"});
+    };
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"suspend-sink", "card", "1"});
+        ExpectLoss("has been suspended");
+        EXPECT_EQ(User().Selections, 1);
+        ExpectReturn();
+        ExpectLoop();
+    });
+}
+
+// Nothing is said of a sink that is suspended for a moment while the user looks at the selection, and
+// the choice of a device that sleeps ends in a second message.
+TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
+    const PulseServer server({kCard});
+    Use(server);
+    Store(kOnTheCard);
+    onSelection = [&](QDialog&) {
+        if (User().Selections == 2) server.Control({"suspend-sink", "card", "0"});
+    };
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"suspend-sink", "card", "1"});
+        EXPECT_TRUE(Within(kLimit, [&] { return User().Selections == 2; }));
+        ExpectMeasuring();
+        EXPECT_EQ(User().Errors.size(), 2U);
+    });
+}
+
+TEST_F(ServerFaults, PulseAudioStandsStillAndGoesOn) {
+    PulseServer server({kCard});
+    CheckPauseOf(server);
+}
+
+TEST_F(ServerFaults, PipeWireStandsStillAndGoesOn) {
+    PipeWireServer server({kCard});
+    CheckPauseOf(server);
+}
+
+TEST_F(ServerFaults, DefaultDeviceOfPulseAudioChanged) {
+    CheckDefaultOf(PulseServer({kCard, kOther}));
+}
+
+TEST_F(ServerFaults, DefaultDeviceOfPipeWireChanged) {
+    CheckDefaultOf(PipeWireServer({kCard, kOther}));
+}
+
+TEST_F(ServerFaults, TwoHundredRestartsOnPulseAudio) {
+    CheckRestartsOn(PulseServer({kCard}));
+}
+
+TEST_F(ServerFaults, TwoHundredRestartsOnPipeWire) {
+    CheckRestartsOn(PipeWireServer({kCard}));
+}
+
+}  // namespace
+}  // namespace sonavex
