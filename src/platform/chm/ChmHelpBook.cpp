@@ -169,7 +169,7 @@ void ChmHelpBook::ReadTopics() {
 // The compiler writes the paths that the pages had where it ran; the book knows the end of them.
 std::string ChmHelpBook::LongestSuffix(const std::string& path) const {
     for (std::size_t from = 0; from < path.size();) {
-        const std::string suffix = path.substr(path[from] == '/' ? from + 1 : from);
+        std::string suffix = path.substr(path[from] == '/' ? from + 1 : from);
         if (!suffix.empty() && archive_.Exists("/" + suffix)) return suffix;
         from = path.find('/', from + 1);
     }
