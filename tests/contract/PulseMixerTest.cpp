@@ -8,6 +8,7 @@
 #include "core/ports/SoundSystem.h"
 #include "platform/pulse/PulseMixer.h"
 #include "platform/pulse/PulseSoundSystem.h"
+#include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
 
 namespace sonavex {
@@ -19,7 +20,8 @@ constexpr const char* kSinkName = "card";
 constexpr const char* kDescription = "Test-Card";
 
 // A server of the test's own with one sink; the capture device is its monitor, a line input by name.
-class PulseMixerPlatform {
+template <class Server>
+class ServerMixerPlatform {
 public:
     std::unique_ptr<MixerHardware> Create(EventLoop& loop) {
         return std::make_unique<PulseMixer>(loop, server_.Address());
@@ -37,16 +39,21 @@ public:
     }
     void TakeAway() { server_.Kill(); }
 
-    PulseServer& Server() { return server_; }
+    Server& TheServer() { return server_; }
 
 private:
-    PulseServer server_{{{kSinkName, 48000, kDescription}}};
+    Server server_{{{kSinkName, 48000, kDescription}}};
 };
+using PulseMixerPlatform = ServerMixerPlatform<PulseServer>;
+using PipeWireMixerPlatform = ServerMixerPlatform<PipeWireServer>;
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Pulse, MixerControlContract, PulseMixerPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Pulse, MixerLibraryContract, PulseMixerPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(PipeWire, MixerControlContract, PipeWireMixerPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(PipeWire, MixerLibraryContract, PipeWireMixerPlatform);
 
 // The sink with a sine on it and its monitor.
+template <class Platform>
 class AudibleSink {
 public:
     static constexpr std::int32_t kRateHz = 48000;
@@ -77,19 +84,20 @@ public:
         return {10.0 * std::log10(power[0] / played), 10.0 * std::log10(power[1] / played)};
     }
 
-    PulseMixerPlatform platform;
+    Platform platform;
     PlainEventLoop loop;
-    PulseMixer mixer{loop, platform.Server().Address()};
+    PulseMixer mixer{loop, platform.TheServer().Address()};
     HardwareMixerLibrary library{mixer};
 
 private:
-    PulseSoundSystem system_{loop, platform.Server().Address()};
+    PulseSoundSystem system_{loop, platform.TheServer().Address()};
     std::unique_ptr<PlaybackBuffer> playback_;
     std::unique_ptr<CaptureBuffer> capture_;
 };
 
-TEST(PulseMixer, ActsOnWhatIsHeard) {
-    AudibleSink sink;
+template <class Platform>
+void ExpectHeard() {
+    AudibleSink<Platform> sink;
     std::int32_t status = -1;
     sink.library.OpenSoundCard(kDescription, "", "", status);
     ASSERT_EQ(status, 0);
@@ -105,6 +113,14 @@ TEST(PulseMixer, ActsOnWhatIsHeard) {
     EXPECT_LT(sink.LevelsDb()[0], -90.0);
     sink.library.SetMasterMute(false, status);
     EXPECT_NEAR(sink.LevelsDb()[0], 0.0, 0.1);
+}
+
+TEST(PulseMixer, ActsOnWhatIsHeard) {
+    ExpectHeard<PulseMixerPlatform>();
+}
+
+TEST(PulseMixer, ActsOnWhatIsHeardOnPipeWire) {
+    ExpectHeard<PipeWireMixerPlatform>();
 }
 
 TEST(PulseMixer, KeepsVolumesAboveFull) {
@@ -133,11 +149,11 @@ TEST(PulseMixer, OfAServerThatStandsStillFailsOnceAndThenAtOnce) {
     HardwareMixerLibrary library(*mixer);
     std::int32_t status = -1;
     library.OpenSoundCard(kDescription, "", "", status);
-    platform.Server().Pause();
+    platform.TheServer().Pause();
     const auto before = loop.Now();
     EXPECT_EQ(VistaSound::GetVistaMixerState(library), "100,False,0,True,0,True,False,True,0,0,0,100,100,");
     EXPECT_LT(loop.Now() - before, 4s) << "thirteen levels, one wait";
-    platform.Server().Continue();
+    platform.TheServer().Continue();
     EXPECT_TRUE(PollUntil(
         loop,
         [&] {
@@ -154,7 +170,7 @@ TEST(PulseMixer, FindsAServerThatCameBack) {
     HardwareMixerLibrary library(*mixer);
     std::int32_t status = -1;
     library.OpenSoundCard(kDescription, "", "", status);
-    platform.Server().Restart();
+    platform.TheServer().Restart();
     EXPECT_TRUE(PollUntil(
         loop,
         [&] {
