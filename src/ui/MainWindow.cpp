@@ -26,14 +26,33 @@ void KeepPlace(QWidget& widget) {
     widget.setSizePolicy(policy);
 }
 
-// Room for the widest text that the label or button will ever show, also while it shows none.
+// The layout that places the widget.
+QLayout* LayoutOf(const QWidget& widget) {
+    for (QLayout* layout : widget.parentWidget()->findChildren<QLayout*>())
+        if (layout->indexOf(&widget) >= 0) return layout;
+    return nullptr;
+}
+
+// Size of the widget while it shows this text.
 template <class Widget>
-void FixSize(Widget& widget, const QString& widest) {
-    const QString text = widget.text();
-    widget.setText(widest);
-    widget.ensurePolished();
-    widget.setMinimumSize(widget.sizeHint());
+QSize SizeWith(Widget& widget, const QString& text) {
+    const QString shown = widget.text();
     widget.setText(text);
+    widget.ensurePolished();
+    const QSize size = widget.sizeHint();
+    widget.setText(shown);
+    return size;
+}
+
+// Room for the widest text that the button will ever show.
+void FixSize(QPushButton& button, const QString& widest) {
+    button.setMinimumSize(SizeWith(button, widest));
+}
+
+// The same for a label, which keeps exactly this size: its texts then come and go without any layout.
+void FixSize(QLabel& label, const QString& widest) {
+    label.setFixedSize(SizeWith(label, widest));
+    if (QLayout* const layout = LayoutOf(label)) layout->setAlignment(&label, label.alignment());
 }
 
 // As the form keeps from the lowest screen's bottom.
@@ -74,6 +93,7 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     ui_->simulatedNote->setVisible(!simulatedName.isEmpty());
     for (QWidget* note : {ui_->settlingNote, ui_->baselineNote}) KeepPlace(*note);
     for (QLabel* unit : {ui_->unitprgADC, ui_->unitprgDAC, ui_->unitThd}) KeepPlace(*unit);
+    StandOnGrounds();
     ApplyTheme(*this);
     FixSizes();
     ExplainReadings();
@@ -103,6 +123,20 @@ void MainWindow::ExplainReadings() {
              {static_cast<QWidget*>(findChild<QLabel*>("lblDb_" + number)), static_cast<QWidget*>(bars_[i])})
             level->setToolTip(tr("Level of harmonic %1 alone, relative to the fundamental").arg(order));
     }
+}
+
+// What changes from block to block.
+void MainWindow::StandOnGrounds() {
+    std::vector<QWidget*> readings{ui_->lblThd,    ui_->LblLevel,  ui_->lblDACLevel, ui_->adcWord,
+                                   ui_->dacWord,   ui_->lockWord,  ui_->genLockWord, ui_->picLocked,
+                                   ui_->GenLocked, ui_->cycleText, ui_->prgADC,      ui_->prgDAC};
+    for (std::size_t i = 0; i < bars_.size(); ++i) {
+        const QString number = QString::number(i);
+        readings.push_back(bars_[i]);
+        readings.push_back(findChild<QLabel*>("lbltest_" + number));
+        readings.push_back(findChild<QLabel*>("lblDb_" + number));
+    }
+    for (QWidget* reading : readings) StandOnGround(*reading);
 }
 
 void MainWindow::FixSizes() {

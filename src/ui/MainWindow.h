@@ -54,6 +54,7 @@ private:
     void DecorateCycle();
     void DecorateGenerator();
     void ExplainReadings();
+    void StandOnGrounds();
     void FixSizes();
     void TakeLayoutSize();
     bool OnAnyScreen() const;

@@ -1,7 +1,10 @@
 #include "ui/Theme.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QFontDatabase>
+#include <QLabel>
+#include <QPainter>
 #include <QPalette>
 #include <QVariant>
 #include <QWidget>
@@ -53,6 +56,9 @@ QFrame[card="true"] { background: @card; border: 1px solid @border; border-radiu
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
 QLabel[stale="true"] { color: @border; }
+QLabel[ground="card"] { background: @card; }
+QLabel[ground="stripe"] { background: @stripe; }
+QLabel[ground="window"] { background: @window; }
 QLabel[role="alarm"] { color: @overload; border: 1px solid @overload; border-radius: 9px; padding: 1px 12px; }
 QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
 QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
@@ -107,6 +113,22 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
     return sheet;
 }
 
+// Paints a label's ground before the label paints its text. The style sheet's background only keeps the
+// style from declaring the label transparent: nobody paints it for a label that paints all of itself.
+class GroundPainter : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* const label = event->type() == QEvent::Paint ? qobject_cast<QLabel*>(watched) : nullptr;
+        if (label == nullptr) return false;
+        QPainter painter(label);
+        PaintGround(painter, *label);
+        return false;
+    }
+};
+
 }  // namespace
 
 Theme Theme::Light() {
@@ -150,6 +172,31 @@ const Theme& Theme::Current() {
     static const Theme light = Light();
     static const Theme dark = Dark();
     return QApplication::palette().color(QPalette::Window).lightness() < 128 ? dark : light;
+}
+
+void StandOnGround(QWidget& widget) {
+    const char* ground = "window";
+    for (const QWidget* below = widget.parentWidget(); below != nullptr; below = below->parentWidget()) {
+        if (below->property("stripe").toBool())
+            ground = "stripe";
+        else if (below->property("card").toBool())
+            ground = "card";
+        else
+            continue;
+        break;
+    }
+    widget.setProperty("ground", QByteArray(ground));
+    widget.setAttribute(Qt::WA_OpaquePaintEvent);
+    if (qobject_cast<QLabel*>(&widget) != nullptr) widget.installEventFilter(new GroundPainter(&widget));
+}
+
+void PaintGround(QPainter& painter, const QWidget& widget) {
+    const QByteArray ground = widget.property("ground").toByteArray();
+    if (ground.isEmpty()) return;
+    const Theme& theme = Theme::Current();
+    painter.fillRect(widget.rect(), ground == "card"     ? theme.card
+                                    : ground == "stripe" ? theme.stripe
+                                                         : theme.window);
 }
 
 void ApplyTheme(QWidget& window) {

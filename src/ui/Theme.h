@@ -4,6 +4,7 @@
 #include <QString>
 
 class QApplication;
+class QPainter;
 class QWidget;
 
 namespace sonavex::ui {
@@ -35,5 +36,12 @@ struct Theme {
 // Takes colours and fonts over to a window and everything in it. A widget says in its property "role"
 // what it is: hero, unit, title, quiet, value, figure, figureSmall, state, primary, note.
 void ApplyTheme(QWidget& window);
+
+// Makes a widget that changes often paint the ground it stands on (card, stripe or window) itself, so that
+// a change paints this widget alone and nothing below it. Before ApplyTheme.
+void StandOnGround(QWidget& widget);
+// Fills the widget with its ground, if it stands on one. For widgets that paint themselves; labels need
+// not call it.
+void PaintGround(QPainter& painter, const QWidget& widget);
 
 }  // namespace sonavex::ui

@@ -59,6 +59,19 @@ TEST(AllocationCounter, CountsOnlyWhileItExists) {
     EXPECT_EQ(counter.Count(), 0U);
 }
 
+TEST(LabelAllocation, AnEqualCaptionAsksForNoMemory) {
+    const std::string sentence(60, 'a');
+    const std::string longer(200, 'b');
+    Label label;
+    label.SetCaption(sentence);
+    const AllocationCounter counter;
+    for (int i = 0; i < 3; ++i) label.SetCaption(sentence);
+    EXPECT_EQ(counter.Count(), 0U);
+    label.SetCaption(longer);
+    EXPECT_EQ(counter.Count(), 1U);
+    EXPECT_EQ(label.Caption(), longer);
+}
+
 struct Setting {
     std::int16_t waveType;
     std::int32_t tones;

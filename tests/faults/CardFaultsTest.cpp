@@ -98,7 +98,7 @@ TEST_F(CardFaults, RateRefused) {
 
 TEST_F(CardFaults, TwoHundredRestarts) {
     LoopCards cards(CardList{{"card", "Test card"}});
-    Twice([&] {
+    Run([&] {
         ExpectMeasuring();
         const auto restart = [&](int times) {
             for (int i = 0; i < times; ++i) ASSERT_TRUE(Form().Engine.ReStart()) << i;

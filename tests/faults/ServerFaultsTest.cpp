@@ -3,6 +3,7 @@
 #include "faults/FaultRig.h"
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
+#include "support/alsa/LoopCards.h"
 
 namespace sonavex {
 namespace {
@@ -94,7 +95,7 @@ protected:
     // As many as there are in a life of the program, without a pause.
     void CheckRestartsOn(const SoundServer& server) {
         Use(server);
-        Twice([&] {
+        Run([&] {
             ExpectMeasuring();
             const auto restart = [&](int times) {
                 for (int i = 0; i < times; ++i) {
@@ -179,6 +180,122 @@ TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
         EXPECT_TRUE(Within(kLimit, [&] { return User().Selections == 2; }));
         ExpectMeasuring();
         EXPECT_EQ(User().Errors.size(), 2U);
+    });
+}
+
+// The suspended stream may tell of it, or may simply deliver nothing.
+TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
+    const PipeWireServer server({kCard});
+    Use(server);
+    Store(kOnTheCard);
+    onSelection = [&](QDialog&) { server.Control({"suspend-sink", "card", "0"}); };
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"suspend-sink", "card", "1"});
+        ExpectLoss("");
+        ExpectReturn();
+        ExpectLoop();
+    });
+}
+
+// The input goes on without the output.
+TEST_F(ServerFaults, OnlyTheOutputUnloaded) {
+    const PulseServer server({kOther});
+    Use(server);
+    Store(kOnBoth);
+    std::string module = server.LoadNullSink(kCard);
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"unload-module", module});
+        ExpectLoss("'TestCard' has been removed");
+        module = server.LoadNullSink(kCard);
+        ExpectReturn();
+    });
+}
+
+// The cards that are left are not what was measured with: nobody is asked, and nothing is taken instead.
+TEST_F(ServerFaults, ServerKilledBesideACard) {
+    const LoopCards cards(CardList{{"spare", "Spare card"}});
+    PulseServer server({kCard});
+    Use(server);
+    Twice([&] {
+        ExpectMeasuring();
+        server.Kill();
+        ExpectLoss("The sound server has gone.");
+        EXPECT_EQ(User().Selections, 0);
+        Wait(3s);
+        EXPECT_TRUE(Form().Watch.Stopped());
+        server.Restart();
+        ExpectReturn();
+        EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
+    });
+}
+
+// The user opens the selection; meanwhile the device goes, and is chosen all the same until it is back.
+TEST_F(ServerFaults, SinkUnloadedWhileDevicesAreSelected) {
+    const PulseServer server({kOther});
+    Use(server);
+    Store(kOnTheCard);
+    std::string module = server.LoadNullSink(kCard);
+    onSelection = [&](QDialog&) {
+        if (User().Selections == 1) {
+            server.Control({"unload-module", module});
+            EXPECT_TRUE(Within(kHangLimit, [&] { return Note().isVisible(); }));
+        } else {
+            module = server.LoadNullSink(kCard);
+        }
+    };
+    Twice([&] {
+        ExpectMeasuring();
+        Form().mnuSelectCard_Click();
+        EXPECT_EQ(User().Selections, 2);
+        EXPECT_EQ(User().Errors.size(), 1U);
+        ExpectMeasuring();
+    });
+}
+
+// The level is moved while there is nothing to move it on, and holds when the device is back.
+TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
+    PulseServer server({kCard});
+    Use(server);
+    Run([&] {
+        ExpectMeasuring();
+        server.Kill();
+        ExpectLoss("The sound server has gone.");
+        Form().Signals.Signal.sldLevel.SetValue(-600);
+        server.Restart();
+        ExpectReturn();
+        Form().Signals.Signal.Command1.Press();
+        // A quarter of full scale, half of it.
+        EXPECT_TRUE(Within(kLimit, [&] { return Form().Measurement.Controls.LblLevel.Caption() == "13"; }))
+            << Form().Measurement.Controls.LblLevel.Caption();
+        Form().Signals.Signal.Command1.Press();
+    });
+}
+
+TEST_F(ServerFaults, VolumesChangedMeanwhileAreSaid) {
+    const PulseServer server({kCard});
+    Use(server);
+    Run([&] {
+        ExpectMeasuring();
+        const auto expectNote = [&](const std::string& note) {
+            EXPECT_TRUE(Within(kLimit, [&] { return Form().PathNote.Caption() == note; }))
+                << Form().PathNote.Caption();
+        };
+        const auto stream = [&](const char* kind) {
+            const std::string list = server.Control({"list", "short", kind});
+            return list.substr(0, list.find('\t'));
+        };
+        expectNote("");
+        server.Control({"set-sink-volume", "card", "50%"});
+        expectNote("Output: volume of the device 50 %");
+        server.Control({"set-sink-volume", "card", "100%"});
+        server.Control({"set-sink-input-volume", stream("sink-inputs"), "70%"});
+        server.Control({"set-source-output-mute", stream("source-outputs"), "1"});
+        expectNote("Input: muted by the sound server\rOutput: volume of the stream 70 %");
+        server.Control({"set-sink-input-volume", stream("sink-inputs"), "100%"});
+        server.Control({"set-source-output-mute", stream("source-outputs"), "0"});
+        expectNote("");
     });
 }
 

@@ -18,8 +18,8 @@ struct Path {
     std::vector<std::string> notes;  // what changes the samples on their way
     std::uint64_t blocksLost = 0;
     std::uint64_t framesMissing = 0;  // in the input, replaced by silence
-    std::uint64_t overruns = 0;   // the output was not written in time
-    std::uint64_t underruns = 0;  // the output device ran out of samples
+    std::uint64_t overruns = 0;       // the output was not written in time
+    std::uint64_t underruns = 0;      // the output device ran out of samples
 };
 
 // The readings after an update as one line of JSON, without line end. Captions are exactly what the

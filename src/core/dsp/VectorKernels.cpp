@@ -8,7 +8,8 @@
 extern "C" __attribute__((simd("notinbranch"))) double sin(double) noexcept;
 extern "C" __attribute__((simd("notinbranch"))) double cos(double) noexcept;
 extern "C" __attribute__((simd("notinbranch"))) double atan2(double, double) noexcept;
-#if !defined(SONAVEX_SANITIZED)
+// SONAVEX_PLAIN_KERNELS: for tests and measurements of what the oldest machines run.
+#if !defined(SONAVEX_SANITIZED) && !defined(SONAVEX_PLAIN_KERNELS)
 #define SONAVEX_EVERY_MACHINE __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #endif
 #endif

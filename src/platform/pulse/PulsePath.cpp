@@ -57,8 +57,18 @@ PulsePath::Volume PulsePath::VolumeOf(const pa_cvolume& volume, int mute) {
 template <class Info>
 void PulsePath::TakeCard(pa_context*, const Info* info, int, void* self) {
     if (info == nullptr) return;
+    auto& me = *static_cast<PulsePath*>(self);
     const char* const card = pa_proplist_gets(info->proplist, "alsa.card");
-    static_cast<PulsePath*>(self)->card_ = card == nullptr ? "" : card;
+    me.card_ = card == nullptr ? "" : card;
+    me.virtual_ = card == nullptr && pa_proplist_contains(info->proplist, PA_PROP_DEVICE_API) == 0;
+}
+
+// PipeWire runs everything at one rate at a time. A card tells what it runs at; a virtual device tells
+// what it was made for.
+void PulsePath::TakeServer(pa_context*, const pa_server_info* info, void* self) {
+    if (info == nullptr || info->server_name == nullptr) return;
+    const bool pipeWire = std::string(info->server_name).find("PipeWire") != std::string::npos;
+    static_cast<PulsePath*>(self)->graphRateHz_ = pipeWire ? info->sample_spec.rate : 0;
 }
 
 void PulsePath::AskForCardOf(pa_context* server, const pa_sink_info& sink) {
@@ -101,7 +111,8 @@ void PulsePath::Ask(pa_stream* stream) {
             : std::pair{
                   pa_context_get_source_info_by_index(server, device, TakeDevice<pa_source_info>, this),
                   pa_context_get_source_output_info(server, index, TakeStream<pa_source_output_info>, this)};
-    for (pa_operation* operation : {asked.first, asked.second})
+    pa_operation* const askedServer = pa_context_get_server_info(server, TakeServer, this);
+    for (pa_operation* operation : {asked.first, asked.second, askedServer})
         if (operation != nullptr) pending_.push_back(operation);
 }
 
@@ -119,6 +130,9 @@ std::string PulsePath::Note() const {
     if (deviceRateHz_ != rateHz_)
         Append(note,
                "resampled by the sound server, the device runs at " + std::to_string(deviceRateHz_) + " Hz");
+    else if (virtual_ && graphRateHz_ != 0 && graphRateHz_ != rateHz_)
+        Append(note, "may be resampled: the sound server runs virtual devices at a rate of its own, " +
+                         std::to_string(graphRateHz_) + " Hz by default");
     if (!device_.percent.empty()) Append(note, "volume of the device " + Percent(device_.percent));
     if (!stream_.percent.empty()) Append(note, "volume of the stream " + Percent(stream_.percent));
     if (device_.muted || stream_.muted) Append(note, "muted by the sound server");

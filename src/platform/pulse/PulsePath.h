@@ -49,6 +49,7 @@ private:
     static void TakeCard(pa_context* server, const Info* info, int end, void* self);
     void AskForCardOf(pa_context* server, const pa_sink_info& sink);
     void AskForCardOf(pa_context* server, const pa_source_info& source);
+    static void TakeServer(pa_context* server, const pa_server_info* info, void* self);
     static Volume VolumeOf(const pa_cvolume& volume, int mute);
     void Forget() noexcept;
 
@@ -59,6 +60,9 @@ private:
     // Written by the connection's thread, under the context's lock.
     std::uint32_t deviceRateHz_ = 0;
     std::string card_;
+    bool virtual_ = false;  // the device is software
+    // Of a server whose virtual devices do not run at the rate that they tell; otherwise 0.
+    std::uint32_t graphRateHz_ = 0;
     Volume device_;
     Volume stream_;
 };

@@ -57,7 +57,10 @@ std::string ReadAll(const std::filesystem::path& file, std::string& text) {
 std::filesystem::path CopyName(const std::filesystem::path& file, int number) {
     std::filesystem::path name = file;
     name += ".damaged";
-    if (number > 0) name += "-" + std::to_string(number);
+    if (number > 0) {
+        name += "-";
+        name += std::to_string(number);
+    }
     return name;
 }
 

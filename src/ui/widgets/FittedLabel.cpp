@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFontDatabase>
+#include <QPainter>
+#include <QStyle>
 #include <algorithm>
 
 namespace sonavex::ui {
@@ -32,6 +34,31 @@ QSize FittedLabel::sizeHint() const {
     return minimumSizeHint() * 5 / 3;
 }
 
+const QPixmap& FittedLabel::Figure(QChar character) {
+    QPixmap& figure = figures_[character];
+    if (!figure.isNull()) return figure;
+    const QSize size(fontMetrics().horizontalAdvance(character), fontMetrics().height());
+    figure = QPixmap(size * devicePixelRatio());
+    figure.setDevicePixelRatio(devicePixelRatio());
+    figure.fill(Qt::transparent);
+    QPainter painter(&figure);
+    painter.setFont(font());
+    style()->drawItemText(&painter, QRect(QPoint(), size), Qt::AlignCenter, palette(), isEnabled(), character,
+                          foregroundRole());
+    return figure;
+}
+
+void FittedLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QString shown = text();
+    QPoint at(contentsRect().right() + 1, contentsRect().center().y() - fontMetrics().height() / 2);
+    for (auto character = shown.crbegin(); character != shown.crend(); ++character) {
+        const QPixmap& figure = Figure(*character);
+        at.rx() -= fontMetrics().horizontalAdvance(*character);
+        painter.drawPixmap(at, figure);
+    }
+}
+
 void FittedLabel::resizeEvent(QResizeEvent* event) {
     QLabel::resizeEvent(event);
     Fit();
@@ -39,6 +66,7 @@ void FittedLabel::resizeEvent(QResizeEvent* event) {
 
 void FittedLabel::changeEvent(QEvent* event) {
     QLabel::changeEvent(event);
+    figures_.clear();
     if (event->type() == QEvent::StyleChange || event->type() == QEvent::ApplicationFontChange) Fit();
 }
 
@@ -54,8 +82,34 @@ void FittedLabel::Fit() {
     const double byHeight = contentsRect().height() * kTrial / metrics.height();
     const int size = static_cast<int>(std::min(byWidth, byHeight));
     fitted.setPixelSize(std::clamp(size, 8, kLargestFactor * TextHeight()));
+    figures_.clear();
     setFont(fitted);
     fitting_ = false;
+}
+
+FittedPlace::FittedPlace(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+FittedLabel& FittedPlace::Child() const {
+    return *findChild<FittedLabel*>();
+}
+
+QSize FittedPlace::sizeHint() const {
+    return Child().sizeHint();
+}
+
+QSize FittedPlace::minimumSizeHint() const {
+    return Child().minimumSizeHint();
+}
+
+void FittedPlace::resizeEvent(QResizeEvent* /*event*/) {
+    Child().setGeometry(rect());
+}
+
+void FittedPlace::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) updateGeometry();
 }
 
 }  // namespace sonavex::ui

@@ -17,13 +17,20 @@ HarmonicBar::HarmonicBar(QWidget* parent) : QWidget(parent) {
 }
 
 void HarmonicBar::SetLevelDb(double levelDb) {
-    fraction_ = std::clamp(1.0 - levelDb / kFloorDb, 0.0, 1.0);
-    update();
+    SetFraction(std::clamp(1.0 - levelDb / kFloorDb, 0.0, 1.0));
 }
 
 void HarmonicBar::Clear() {
-    fraction_ = 0.0;
-    update();
+    SetFraction(0.0);
+}
+
+void HarmonicBar::SetFraction(double fraction) {
+    if (fraction == fraction_) return;
+    // The ends are round: as far as the radius, which is below half the height.
+    const int from = static_cast<int>(width() * std::min(fraction, fraction_)) - height() / 2 - 1;
+    const int to = static_cast<int>(width() * std::max(fraction, fraction_)) + height() / 2 + 2;
+    fraction_ = fraction;
+    update(from, 0, to - from, height());
 }
 
 QSize HarmonicBar::sizeHint() const {
@@ -32,6 +39,7 @@ QSize HarmonicBar::sizeHint() const {
 
 void HarmonicBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    PaintGround(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Theme& theme = Theme::Current();
     QRectF track(rect());

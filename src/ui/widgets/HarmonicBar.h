@@ -24,6 +24,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void SetFraction(double fraction);
+
     double fraction_ = 0.0;
 };
 

@@ -1,5 +1,6 @@
 #include "ui/widgets/LevelBar.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -13,6 +14,7 @@ constexpr int kMarksDb[] = {-40, -20, -12, -6, 0};
 constexpr int kMarksPercent[] = {0, 25, 50, 75, 100};
 constexpr double kTick = 3.0;
 constexpr double kGap = 1.0;
+constexpr double kRadius = 4.0;
 // The figures of the scale against the text around them.
 constexpr double kFigureScale = 0.85;
 
@@ -29,11 +31,17 @@ LevelBar::LevelBar(QWidget* parent) : QWidget(parent) {
 }
 
 void LevelBar::SetLevel(double level, double fullScale) {
-    fraction_ = std::clamp(level / fullScale, 0.0, 1.0);
-    update();
+    const double fraction = std::clamp(level / fullScale, 0.0, 1.0);
+    if (fraction == fraction_) return;
+    const QRectF track = Track();
+    const double from = track.left() + track.width() * std::min(fraction, fraction_) - kRadius;
+    const double to = track.left() + track.width() * std::max(fraction, fraction_) + kRadius;
+    fraction_ = fraction;
+    update(QRectF(from, track.top(), to - from, track.height()).toAlignedRect());
 }
 
 void LevelBar::SetOverload(bool overload) {
+    if (overload == overload_) return;
     overload_ = overload;
     update();
 }
@@ -71,19 +79,25 @@ void LevelBar::PaintMark(QPainter& painter, const QRectF& track, double fraction
     painter.drawText(QRectF(x - halfWidth, top, 2.0 * halfWidth, height), Qt::AlignCenter, text);
 }
 
-void LevelBar::paintEvent(QPaintEvent*) {
+void LevelBar::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
+    PaintGround(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Theme& theme = Theme::Current();
     const QRectF track = Track();
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.track);
-    painter.drawRoundedRect(track, 4.0, 4.0);
+    painter.drawRoundedRect(track, kRadius, kRadius);
     QRectF filled = track;
     filled.setWidth(track.width() * fraction_);
     painter.setBrush(silent_ ? theme.border : overload_ ? theme.overload : theme.accent);
-    if (fraction_ > 0.0) painter.drawRoundedRect(filled, 4.0, 4.0);
-    painter.setPen(theme.quiet);
+    if (fraction_ > 0.0) painter.drawRoundedRect(filled, kRadius, kRadius);
+    // A change of the level alone touches no mark.
+    if (!track.toAlignedRect().contains(event->rect())) PaintMarks(painter, track);
+}
+
+void LevelBar::PaintMarks(QPainter& painter, const QRectF& track) const {
+    painter.setPen(Theme::Current().quiet);
     painter.setFont(FigureFont(font()));
     for (const int mark : kMarksPercent)
         PaintMark(painter, track, mark / 100.0, mark == 100 ? "100 %" : QString::number(mark), true);

@@ -29,6 +29,7 @@ protected:
 private:
     void PaintMark(QPainter& painter, const QRectF& track, double fraction, const QString& text,
                    bool above) const;
+    void PaintMarks(QPainter& painter, const QRectF& track) const;
     QRectF Track() const;
 
     double fraction_ = 0.0;

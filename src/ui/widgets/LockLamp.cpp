@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "ui/Theme.h"
+
 namespace sonavex::ui {
 
 LockLamp::LockLamp(QWidget* parent) : QWidget(parent) {
@@ -10,11 +12,13 @@ LockLamp::LockLamp(QWidget* parent) : QWidget(parent) {
 }
 
 void LockLamp::SetColour(const QColor& colour) {
+    if (colour == colour_) return;
     colour_ = colour;
     update();
 }
 
 void LockLamp::SetGood(bool good) {
+    if (good == good_) return;
     good_ = good;
     update();
 }
@@ -26,6 +30,7 @@ QSize LockLamp::sizeHint() const {
 
 void LockLamp::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    PaintGround(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double side = std::min(width(), height());
     painter.translate((width() - side) / 2.0, (height() - side) / 2.0);

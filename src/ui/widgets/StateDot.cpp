@@ -9,6 +9,7 @@ StateDot::StateDot(QWidget* parent) : QWidget(parent) {
 }
 
 void StateDot::SetColour(const QColor& colour) {
+    if (colour == colour_) return;
     colour_ = colour;
     update();
 }

@@ -36,11 +36,13 @@ WavePicture::WavePicture(QWidget* parent) : QWidget(parent) {
 }
 
 void WavePicture::SetWave(int waveType) {
+    if (waveType == waveType_) return;
     waveType_ = waveType;
     update();
 }
 
 void WavePicture::SetSweep(bool sweeps, double startHz, double endHz, bool loops) {
+    if (sweeps == sweeps_ && startHz == startHz_ && endHz == endHz_ && loops == loops_) return;
     sweeps_ = sweeps;
     startHz_ = startHz;
     endHz_ = endHz;

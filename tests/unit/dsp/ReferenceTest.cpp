@@ -90,6 +90,21 @@ TEST(Reference, GeneratorOverThePassedSignal) {
     both.Feed(Sine(32000, 440, 30000), 4);
 }
 
+TEST(Reference, EveryWaveform) {
+    for (const std::int16_t waveType : {wave::kSine, wave::kSquare, wave::kTriangle, wave::kSawtooth}) {
+        SCOPED_TRACE(kWaveNames[static_cast<std::size_t>(waveType)]);
+        SideBySide both(48000, 25);
+        both.Automatic(true);
+        both.Mute(true);
+        for (int i = 0; i < 9; ++i) {
+            both.Play(waveType, 440.0 + 317.0 * i);
+            both.Feed(Sine(48000, 1003.7, 9000), 1);
+        }
+        both.Mute(false);
+        both.Feed(Sine(48000, 1003.7, 9000), 3);
+    }
+}
+
 TEST(Reference, FixedFrequencyAndBaseline) {
     SideBySide both(32000, 20);
     both.Frequency("1000");

@@ -119,6 +119,9 @@ private:
         const double scale = std::max(1.0, literal_.synthPeak);
         ASSERT_NEAR(state.SynthPeak, literal_.synthPeak, kTolerance * scale);
         ASSERT_NEAR(state.OutputPeak, literal_.outputPeak, kTolerance * scale);
+        const double loudest = std::max(Largest(literal_.outputA), Largest(literal_.outputB));
+        ExpectClose(state.SpecRe, literal_.outputA, kTestBlockFrames, loudest, "output A");
+        ExpectClose(state.SpecIm, literal_.outputB, kTestBlockFrames, loudest, "output B");
         for (std::size_t i = 0; i < kTestBlockFrames; ++i) {
             // The whole number next to the literal value; either of two when it lies on the half.
             ASSERT_NEAR(rig_.playback[2 * i], literal_.outputB[i], 0.5 + kTolerance * scale) << i;

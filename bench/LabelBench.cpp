@@ -1,0 +1,58 @@
+// The end of a measuring cycle: the averages of all harmonics become texts on labels.
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <memory>
+
+#include "core/dsp/modDSP.h"
+
+namespace {
+
+using namespace sonavex;
+
+constexpr std::int32_t kFundamentalBin = 85;
+
+// A fundamental with eight harmonics, the higher the smaller.
+void DrawLines(modDSP::State& state, double distortion) {
+    state.SpecMag[kFundamentalBin] = 1.0e6;
+    for (std::size_t order = 2; order <= 9; ++order)
+        state.SpecMag[order * kFundamentalBin] = 1.0e6 * distortion / static_cast<double>(order);
+}
+
+// Argument: 1 when every caption changes with each update, 0 when none does.
+void BM_LabelUpdate(benchmark::State& state) {
+    SharedState shared;
+    shared.SampleRate = 48000;
+    MeasurementControls controls;
+    const auto analysis = std::make_unique<modDSP::State>(shared);
+    modDSP::SetUpAnalysis(*analysis, 25, 23900);
+    analysis->PeakBin = kFundamentalBin;
+    analysis->HistIndex = modDSP::kLastSlot;
+    const bool changes = state.range(0) != 0;
+    bool odd = false;
+    for (auto _ : state) {
+        odd = changes && !odd;
+        DrawLines(*analysis, odd ? 0.31 : 0.17);
+        modDSP::MeasureHarmonics(*analysis, controls);
+        benchmark::ClobberMemory();
+    }
+    state.SetLabel(controls.lblThd.Caption() + " %");
+}
+BENCHMARK(BM_LabelUpdate)->Arg(0)->Arg(1);
+
+// One caption. Argument: as above.
+void BM_SetCaption(benchmark::State& state) {
+    Label label;
+    const bool changes = state.range(0) != 0;
+    bool odd = false;
+    for (auto _ : state) {
+        odd = changes && !odd;
+        label.SetCaption(odd ? "0.8399" : "0.8401");
+        label.Clean();
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(BM_SetCaption)->Arg(0)->Arg(1);
+
+}  // namespace

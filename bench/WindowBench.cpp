@@ -1,0 +1,137 @@
+// What the window costs the user-interface thread for each captured block: captions to the widgets, what
+// is derived from them, layout and painting. Without a display; at 200 % scale unless QT_SCALE_FACTOR says
+// otherwise. Processor time of the thread, so that other programs do not count.
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QEvent>
+#include <array>
+#include <ctime>
+#include <functional>
+#include <string>
+
+#include "support/FormRig.h"
+#include "ui/FaceStyle.h"
+#include "ui/MainWindow.h"
+
+namespace {
+
+using namespace sonavex;
+
+double ThreadSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+// How many widgets have been painted.
+class PaintCounter : public QObject {
+public:
+    PaintCounter() { QApplication::instance()->installEventFilter(this); }
+    int Count = 0;
+
+protected:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() == QEvent::Paint) ++Count;
+        return false;
+    }
+};
+
+// The window of an instrument that plays a sine through a slightly distorting card and is locked.
+class WindowOnDisplay {
+public:
+    WindowOnDisplay() {
+        rig.form.Form_Load();
+        DeviceUnderTestModel model;
+        model.harmonicAmplitudes = {0.0004, 0.0002, 0.00008, 0.00005, 0.00003, 0.00002, 0.00002, 0.00001};
+        model.noiseRms = 3.0;  // no block is like the one before
+        rig.card.Card().SetDeviceUnderTest(model);
+        rig.form.Signals.Signal.Command1.Press();
+        window.ShowPlaced();
+        Deliver();
+        rig.Step(60);
+        Deliver();
+    }
+    void Deliver() {
+        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    }
+
+    FormRig rig;
+    ui::MainWindow window{rig.form, QStringLiteral("Simulated sound card")};
+};
+
+// Times only what the window does with what `change` has changed.
+void MeasureWindow(benchmark::State& state, const std::function<void(WindowOnDisplay&)>& change) {
+    WindowOnDisplay display;
+    PaintCounter paints;
+    for (auto _ : state) {
+        change(display);
+        const double begin = ThreadSeconds();
+        display.Deliver();
+        state.SetIterationTime(ThreadSeconds() - begin);
+    }
+    state.counters["painted"] =
+        benchmark::Counter(static_cast<double>(paints.Count), benchmark::Counter::kAvgIterations);
+}
+
+// The end of a cycle: every figure and bar of the meter tab is another one than before.
+void ChangeFigures(MeasurementControls& meter, bool odd) {
+    for (std::size_t i = 0; i < meter.lbltest.size(); ++i) {
+        const std::string digit = std::to_string(i + 1);
+        meter.lbltest[i].SetCaption((odd ? "0.83" : "0.84") + digit);
+        meter.lblDb[i].SetCaption((odd ? "-41.0" : "-62.5") + digit);
+    }
+    meter.lblThd.SetCaption(odd ? "0.838" : "0.848");
+    meter.LblLevel.SetCaption(odd ? "24" : "25");
+    meter.lblDACLevel.SetCaption(odd ? "23" : "26");
+    meter.prgADC.SetValue(odd ? 8000.0F : 8200.0F);
+    meter.prgDAC.SetValue(odd ? 7900.0F : 8100.0F);
+}
+
+void BM_MeterUpdate(benchmark::State& state) {
+    bool odd = false;
+    MeasureWindow(state, [&odd](WindowOnDisplay& display) {
+        odd = !odd;
+        ChangeFigures(display.rig.form.Measurement.Controls, odd);
+    });
+}
+BENCHMARK(BM_MeterUpdate)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+// The same with the lock lost or found, and another frequency.
+void BM_MeterUpdateWithLock(benchmark::State& state) {
+    bool odd = false;
+    MeasureWindow(state, [&odd](WindowOnDisplay& display) {
+        odd = !odd;
+        MeasurementControls& meter = display.rig.form.Measurement.Controls;
+        ChangeFigures(meter, odd);
+        meter.txtFreq.SetText(odd ? "996" : "1007");
+        meter.picLocked.SetBackColor(odd ? kLightGreen : kLightRed);
+        meter.GenLocked.SetBackColor(odd ? kLightGreen : kLightRed);
+    });
+}
+BENCHMARK(BM_MeterUpdateWithLock)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+// One block after the other of the running instrument, of which each 19th ends a cycle.
+void BM_MeterBlock(benchmark::State& state) {
+    MeasureWindow(state, [](WindowOnDisplay& display) { display.rig.Step(1); });
+}
+BENCHMARK(BM_MeterBlock)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) qputenv("QT_SCALE_FACTOR", "2");
+    qputenv("QT_LOGGING_RULES", "*.warning=false");
+    // Paints with the next event; otherwise updates of several blocks would be painted as one.
+    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+    benchmark::Initialize(&argc, argv);
+    const QApplication application(argc, argv);
+    QApplication::setStyle(new sonavex::ui::FaceStyle);
+    QApplication::setQuitOnLastWindowClosed(false);
+    benchmark::AddCustomContext("window_scale", std::to_string(application.devicePixelRatio()));
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

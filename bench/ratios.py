@@ -1,0 +1,103 @@
+#!/usr/bin/env python3
+"""ratios.py FOLDER: what the benchmarks in FOLDER measured, against their targets.
+
+Reads block.json, sse2.json, window.json (Google Benchmark, with repetitions) and *.start; prints tables and
+writes summary.json there. Exit status 1 when a target was missed.
+"""
+
+import json
+import pathlib
+import sys
+
+# Times the two transforms that a block cannot avoid, FFTW with an estimated plan on split arrays.
+RATIO_TARGETS = {"BM_Block/0": 3.0, "BM_Block/1": 3.3, "BM_Block/9": 6.0}
+SSE2_ALLOWANCE = 3.0
+METER_UPDATE_US = 1000.0
+START_MS = 300.0
+
+MICROSECONDS = {"ns": 1e-3, "us": 1.0, "ms": 1e3}
+
+
+def medians(file):
+    """Median processor time of each benchmark in microseconds; of the timed part where it is timed by hand."""
+    result = {}
+    for entry in json.loads(file.read_text())["benchmarks"]:
+        if entry.get("aggregate_name") != "median":
+            continue
+        manual = entry["run_name"].endswith("/manual_time")
+        time = entry["real_time" if manual else "cpu_time"]
+        result[entry["run_name"].removesuffix("/manual_time")] = time * MICROSECONDS[entry["time_unit"]]
+    # The order they ran in is shuffled.
+    return dict(sorted(result.items()))
+
+
+def rated(name, value, unit, target):
+    row = {"name": name, "value": round(value, 3), "unit": unit}
+    if target is not None:
+        row |= {"target": target, "met": value <= target}
+    return row
+
+
+def ratio_rows(times, allowance):
+    floor = 2.0 * times["BM_Fft4096"]
+    rows = []
+    for name, time in times.items():
+        if not name.startswith("BM_Block"):
+            continue
+        target = RATIO_TARGETS.get(name)
+        rows.append(rated(name, time / floor, "x", target and target * allowance) | {"us": round(time, 2)})
+    return rows
+
+
+def time_rows(times, targets):
+    return [rated(name, time, "us", targets.get(name)) for name, time in times.items()]
+
+
+def start_rows(folder):
+    rows = []
+    for file in sorted(folder.glob("*.start")):
+        word, value = file.read_text().splitlines()[-1].split()
+        assert word == "median", file
+        rows.append(rated(file.stem, float(value), "ms", START_MS if file.stem == "sonavex" else None))
+    return rows
+
+
+def show(title, rows):
+    print(f"\n{title}")
+    for row in rows:
+        target = f"{row['target']:>8g} {'met' if row['met'] else 'MISSED'}" if "target" in row else ""
+        time = f"{row['us']:>10.2f} us" if "us" in row else ""
+        print(f"  {row['name']:<28}{row['value']:>10.3f} {row['unit']:<3}{time:<14}{target}".rstrip())
+
+
+def main(folder):
+    block = medians(folder / "block.json")
+    sse2 = medians(folder / "sse2.json")
+    context = json.loads((folder / "block.json").read_text())["context"]
+    tables = {
+        "block": ratio_rows(block, 1.0),
+        "blockSse2": ratio_rows(sse2, SSE2_ALLOWANCE),
+        "parts": time_rows({n: t for n, t in block.items() if not n.startswith("BM_Block")}, {}),
+        "window": time_rows(medians(folder / "window.json"), {"BM_MeterUpdate": METER_UPDATE_US}),
+        "start": start_rows(folder),
+    }
+    titles = {
+        "block": f"Block path / (2 x BM_Fft4096 = {2 * block['BM_Fft4096']:.2f} us)",
+        "blockSse2": f"The same with SSE2 kernels / (2 x BM_Fft4096 = {2 * sse2['BM_Fft4096']:.2f} us)",
+        "parts": "Parts",
+        "window": "Window at 200 % scale: captions, layout and painting",
+        "start": "Start of the process to the first captured block, simulated card, 48000 Hz",
+    }
+    print(f"Medians. Load at the beginning: {context['load_avg']}")
+    for name, rows in tables.items():
+        show(titles[name], rows)
+    missed = [row["name"] for rows in tables.values() for row in rows if row.get("met") is False]
+    summary = {"date": context["date"], "load": context["load_avg"], **tables, "missed": missed}
+    (folder / "summary.json").write_text(json.dumps(summary, indent=2) + "\n")
+    return 1 if missed else 0
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    sys.exit(main(pathlib.Path(sys.argv[1])))
