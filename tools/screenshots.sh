@@ -5,10 +5,12 @@ set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
 
-build_preset dev sonavex-screenshots
+build_preset dev sonavex-screenshots sonavex-dialog-screenshots
 mkdir -p "$root/build/screenshots"
 for scale in 1 1.25 2; do
-    QT_SCALE_FACTOR=$scale QT_LOGGING_RULES='*.warning=false' \
-        "$root/build/dev/bin/sonavex-screenshots" "$root/build/screenshots"
+    for program in sonavex-screenshots sonavex-dialog-screenshots; do
+        QT_SCALE_FACTOR=$scale QT_LOGGING_RULES='*.warning=false' \
+            "$root/build/dev/bin/$program" "$root/build/screenshots"
+    done
 done
 echo "$root/build/screenshots"

@@ -21,6 +21,13 @@ void MainWindow::BindControls() {
     binder_.Bind(*ui_->mnuPrint, form_.mnuPrint);
     binder_.Bind(*ui_->mnuSoundCard, form_.mnuSoundCard);
     binder_.Bind(*ui_->mnuSelectCard, form_.mnuSelectCard);
+    binder_.Bind(*ui_->mnuAbout, form_.Menus.mnuAbout);
+    binder_.Bind(*ui_->mnuHelpContents, form_.Menus.mnuHelpContents);
+    binder_.Bind(*ui_->mnuCheckVersion, form_.Menus.mnuCheckVersion);
+    binder_.Bind(*ui_->mnuemail, form_.Menus.mnuemail);
+    binder_.Bind(*ui_->mnuInputControl, form_.Menus.mnuInputControl);
+    binder_.Bind(*ui_->mnuPlayControl, form_.Menus.mnuPlayControl);
+    binder_.Bind(*ui_->cmdPrint, form_.cmdPrint);
 
     binder_.Bind(*ui_->lblThd, meter.lblThd);
     binder_.Bind(*ui_->txtFreq, meter.txtFreq);

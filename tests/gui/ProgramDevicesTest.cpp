@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QTextBrowser>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -81,19 +82,31 @@ TEST_F(ProgramDevices, CanBeEndedAtOnce) {
     EXPECT_THAT(Content(SettingsFile()), testing::Not(HasSubstr("frmMain Left")));
 }
 
-TEST_F(ProgramDevices, SaysThatTheHelpFileIsMissing) {
-    const DialogDriver driver({[](QDialog& error) { Click(error, "Command2"); },
-                               [](QDialog& message) {
-                                   EXPECT_THAT(message.property("text").toString().toStdString(),
-                                               HasSubstr("'Sonavex.chm' was not found"));
-                                   message.accept();
-                                   QTimer::singleShot(0, [] {
-                                       auto* const error =
-                                           qobject_cast<QDialog*>(QApplication::activeModalWidget());
-                                       ASSERT_NE(error, nullptr);
-                                       Click(*error, "Command1");
-                                   });
-                               }});
+TEST_F(ProgramDevices, ShowsTheTopicOfTheSelectionInTheHelp) {
+    app::Program program;
+    {
+        const DialogDriver driver(
+            {[](QDialog& error) { Click(error, "closeButton"); },
+             [](QDialog& devices) {
+                 Click(devices, "cmdHelp");
+                 EXPECT_THAT(Find<QTextBrowser>(devices, "HelpPage").toPlainText().toStdString(),
+                             testing::StartsWith("Sound devices\n"));
+                 for (const char* name : {"cmbOutputMixer", "cmbInputMixer"})
+                     QTest::keyClick(&Find<QComboBox>(devices, name), Qt::Key_Down);
+                 Click(devices, "cmdOkay");
+             }});
+        ASSERT_EQ(program.Open(), std::nullopt);
+    }
+    program.Form().Form_QueryUnload();
+}
+
+TEST_F(ProgramDevices, ShowsTheTopicOfTheErrorInTheHelp) {
+    const DialogDriver driver({[](QDialog& error) {
+        Click(error, "Command2");
+        EXPECT_THAT(Find<QTextBrowser>(error, "HelpPage").toPlainText().toStdString(),
+                    HasSubstr("Sound device errors\n"));
+        Click(error, "Command1");
+    }});
     app::Program program;
     EXPECT_EQ(program.Open(), 1);
 }

@@ -43,6 +43,7 @@ public:
 private:
     void Message(const std::string& text, MessageIcon icon) override;
     bool AskOkCancel(const std::string& text) override;
+    bool AskYesNo(const std::string& text) override { return AskOkCancel(text); }
     void SetBusyPointer(bool) override {}
     std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
     void WriteLine(const std::string&) override {}

@@ -91,6 +91,24 @@ TEST_F(QtDialogsTest, AskingTellsOkFromEverythingElse) {
     EXPECT_FALSE(answer([](QMessageBox& box) { box.close(); }));
 }
 
+TEST_F(QtDialogsTest, AskingTellsYesFromEverythingElse) {
+    const auto answer = [&](const std::function<void(QMessageBox&)>& act) {
+        bool result = false;
+        WithBox([&] { result = dialogs_.AskYesNo("Proceed?"); },
+                [&](QMessageBox& box) {
+                    EXPECT_EQ(box.standardButtons(), QMessageBox::Yes | QMessageBox::No);
+                    act(box);
+                });
+        return result;
+    };
+    EXPECT_TRUE(
+        answer([](QMessageBox& box) { QTest::mouseClick(box.button(QMessageBox::Yes), Qt::LeftButton); }));
+    EXPECT_FALSE(
+        answer([](QMessageBox& box) { QTest::mouseClick(box.button(QMessageBox::No), Qt::LeftButton); }));
+    EXPECT_TRUE(answer([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }));
+    EXPECT_FALSE(answer([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }));
+}
+
 TEST_F(QtDialogsTest, TheBoxBelongsToTheActiveWindow) {
     QWidget window;
     window.show();

@@ -25,8 +25,12 @@ public:
         log_.Call("AskOkCancel", text);
         return Answer;
     }
+    bool AskYesNo(const std::string& text) override {
+        log_.Call("AskYesNo", text);
+        return Answer;
+    }
     void SetBusyPointer(bool busy) override { log_.Note(busy ? "SetBusyPointer on" : "SetBusyPointer off"); }
-    // What AskOkCancel answers.
+    // What the questions are answered.
     bool Answer = true;
     // What happens while a message is open.
     std::function<void()> WhileMessage;

@@ -58,11 +58,12 @@ private:
     Done done_;
 };
 
-// "ShowTopic NUMBER".
+// "ShowTopic NUMBER", "ShowContents".
 class RecordingHelp : public Help {
 public:
     explicit RecordingHelp(CallLog& log) noexcept : log_(log) {}
     void ShowTopic(std::int32_t topic) override { log_.Call("ShowTopic", std::to_string(topic)); }
+    void ShowContents() override { log_.Call("ShowContents"); }
 
 private:
     CallLog& log_;

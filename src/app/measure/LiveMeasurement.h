@@ -39,6 +39,7 @@ private:
     public:
         void Message(const std::string& text, MessageIcon) override { message_ = text; }
         bool AskOkCancel(const std::string&) override { return false; }
+        bool AskYesNo(const std::string&) override { return false; }
         void SetBusyPointer(bool) override {}
         std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
         void WriteLine(const std::string&) override {}

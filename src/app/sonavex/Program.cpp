@@ -6,7 +6,11 @@
 
 #include "app/common/WantedSound.h"
 #include "app/sonavex/SoundOffer.h"
+#include "core/report/frmAbout.h"
+#include "platform/chm/ChmHelpBook.h"
 #include "platform/qt/QtWallClock.h"
+#include "ui/AboutDialog.h"
+#include "ui/PrintDialog.h"
 
 namespace sonavex::app {
 namespace {
@@ -16,6 +20,15 @@ constexpr const char* kComment = "Distortion meter and function generator";
 
 ApplicationVersion Version() {
     return {SONAVEX_VERSION_MAJOR, SONAVEX_VERSION_MINOR, SONAVEX_VERSION_PATCH, kComment};
+}
+
+CalendarDate Today() {
+    const DateTime now = LocalDateTime();
+    return {now.year, now.month, now.day};
+}
+
+std::unique_ptr<HelpBook> OpenHelp(const std::string& file) {
+    return std::make_unique<ChmHelpBook>(file);
 }
 
 void WriteLine(std::string line) {
@@ -29,7 +42,9 @@ Program::Program()
     : dialogs_(frmMain::kApplicationTitle),
       loop_([this](const std::exception_ptr& error) { StreamError(error); }),
       store_(QtSettingsStore::DefaultFile(),
-             [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }) {}
+             [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }),
+      help_(
+          dialogs_, [this] { return frmMain::HelpFileIn(desktop_.ApplicationFolder()); }, OpenHelp) {}
 
 Program::~Program() = default;
 
@@ -71,6 +86,7 @@ void Program::MakeForm() {
         QApplication::exit(status);
     };
     ConnectDialogs();
+    ConnectMenus();
 }
 
 // The splash must not stand over a dialog.
@@ -85,6 +101,21 @@ void Program::ConnectDialogs() {
         CloseSplash();
         modalForms_->ShowDevices();
     };
+}
+
+void Program::ConnectMenus() {
+    menus_ = std::make_unique<MenuCommands>(
+        MenuCommands::World{launcher_, dialogs_, help_, form_->Shared, mixers_->Session(), Version()},
+        form_->Menus);
+    menus_->ShowAbout = [this] { ShowAbout(); };
+    print_ = std::make_unique<PrintCommand>(PrintCommand::World{printer_, dialogs_, desktop_, Today},
+                                            form_->Measurement.Controls, form_->cmdPrint, form_->mnuPrint);
+    print_->ShowPrintDialog = [this](frmPrint& form) { ui::PrintDialog(form, form_->Guard).Run(); };
+}
+
+void Program::ShowAbout() {
+    frmAbout about(launcher_, dialogs_, frmMain::kApplicationTitle, Version());
+    ui::AboutDialog(about, form_->Guard).Run();
 }
 
 void Program::CloseSplash() {

@@ -5,10 +5,11 @@
 #include <memory>
 #include <optional>
 
-#include "app/sonavex/MissingHelp.h"
 #include "app/sonavex/ProgramMixers.h"
 #include "core/ports/SoundSystem.h"
 #include "core/report/DesktopErrorLog.h"
+#include "core/report/MenuCommands.h"
+#include "core/report/PrintCommand.h"
 #include "core/settings/Settings.h"
 #include "core/shell/frmMain.h"
 #include "core/shell/frmSplash.h"
@@ -17,8 +18,11 @@
 #include "platform/qt/QtDiagnostics.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
+#include "platform/qt/QtLauncher.h"
+#include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "platform/qt/TerminationSignals.h"
+#include "ui/HelpViewer.h"
 #include "ui/MainWindow.h"
 #include "ui/MixerDialogs.h"
 #include "ui/ModalForms.h"
@@ -51,6 +55,8 @@ private:
     void MakeForm();
     void Load();
     void ConnectDialogs();
+    void ConnectMenus();
+    void ShowAbout();
     void CloseSplash();
     void ShowWindow();
     int GiveUp(const std::exception_ptr& error);
@@ -65,7 +71,9 @@ private:
     Settings settings_{store_};
     QtDesktopFiles desktopFiles_;
     QtDiagnostics diagnostics_;
-    MissingHelp help_{dialogs_, desktop_};
+    QtLauncher launcher_;
+    QtPrinter printer_;
+    ui::HelpViewer help_;
     frmSplash splash_{dialogs_, loop_};
     std::unique_ptr<ui::SplashWindow> splashWindow_;
     std::unique_ptr<SoundSystem> sound_;
@@ -73,6 +81,8 @@ private:
     std::unique_ptr<ProgramMixers> mixers_;
     std::unique_ptr<frmMain> form_;
     std::unique_ptr<ui::ModalForms> modalForms_;
+    std::unique_ptr<MenuCommands> menus_;
+    std::unique_ptr<PrintCommand> print_;
     std::unique_ptr<ui::MainWindow> window_;
     std::unique_ptr<ui::MixerDialogs> mixerDialogs_;
     std::unique_ptr<TerminationSignals> termination_;

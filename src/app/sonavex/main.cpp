@@ -2,6 +2,7 @@
 // where there is a display to open a window on; the toolkit ends it with an abort where there is none.
 
 #include <QApplication>
+#include <QIcon>
 #include <cstring>
 #include <exception>
 
@@ -12,6 +13,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     if (argc == 2 && std::strcmp(argv[1], "--probe-display") == 0) return 0;
     QApplication::setStyle(new sonavex::ui::FaceStyle);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/sonavex.png")));
+    QGuiApplication::setDesktopFileName(QStringLiteral("sonavex"));
     QApplication::setApplicationName(sonavex::frmMain::kApplicationTitle);
     // The main form ends the program; a dialog that closes before it opens does not.
     QApplication::setQuitOnLastWindowClosed(false);

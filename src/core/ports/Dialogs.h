@@ -18,6 +18,9 @@ public:
     // The same with OK and Cancel; true for OK.
     virtual bool AskOkCancel(const std::string& text) = 0;
 
+    // The same with Yes and No; true for Yes.
+    virtual bool AskYesNo(const std::string& text) = 0;
+
     // The busy pointer, until it is taken back.
     virtual void SetBusyPointer(bool busy) = 0;
 };

@@ -17,6 +17,9 @@ public:
 
     // Shows a topic of the help file; says so where there is no help file. Never fails.
     virtual void ShowTopic(std::int32_t topic) = 0;
+
+    // The same with the help file's table of contents.
+    virtual void ShowContents() = 0;
 };
 
 }  // namespace sonavex

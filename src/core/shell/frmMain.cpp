@@ -50,6 +50,9 @@ frmMain::frmMain(const World& world)
         Guard.BlockSucceeded();
         Watch.BlockQueued();
     };
+    Measurement.OnBlock([this] {
+        if (Measurement.Updated() && Measurement.Analysis().FreqLocked) mnuPrint.SetEnabled(true);
+    });
     Watch.Held = [this] { return choosingDevices_; };
     Watch.OnChanged = [this] { ShowStreamState(); };
     Watch.OnRestarted = [this] { world_.mixers.SetUpSoundControls(); };
@@ -61,9 +64,13 @@ frmMain::~frmMain() {
     LeavePath();
 }
 
+std::string frmMain::HelpFileIn(const std::string& folder) {
+    return (std::filesystem::path(folder) / kHelpFileName).string();
+}
+
 void frmMain::Form_Load() {
     RefuseSecondInstance();
-    HelpFile = (std::filesystem::path(world_.desktop.ApplicationFolder()) / kHelpFileName).string();
+    HelpFile = HelpFileIn(world_.desktop.ApplicationFolder());
     RestorePosition();
     Reached(Started::kPosition);
     Shared.OsMajorVersion = world_.desktop.OsMajorVersion();

@@ -19,6 +19,7 @@
 #include "core/generator/GeneratorPanel.h"
 #include "core/mixer/MixerSession.h"
 #include "core/ports/Desktop.h"
+#include "core/report/MenuControls.h"
 #include "core/settings/Settings.h"
 #include "core/settings/SharedState.h"
 #include "core/shell/HandlerGuard.h"
@@ -31,6 +32,9 @@ namespace sonavex {
 class frmMain {
 public:
     static constexpr const char* kApplicationTitle = "Sonavex";
+
+    // Path of the help file in the program's folder.
+    static std::string HelpFileIn(const std::string& folder);
 
     // What the form works with. Everything must outlive it.
     struct World {
@@ -90,10 +94,12 @@ public:
     Label lblSampleRate;
     TabStrip TabStrip1{2};
     CommandButton cmdExit;
+    CommandButton cmdPrint;
     MenuItem mnuExit;
     MenuItem mnuPrint;
     MenuItem mnuSoundCard;
     MenuItem mnuSelectCard;
+    MenuControls Menus;
 
     SharedState Shared;
     Settings Stored;

@@ -1,15 +1,12 @@
 #include "core/shell/frmSplash.h"
 
-#include "core/text/Numbers.h"
-
 namespace sonavex {
 
 frmSplash::frmSplash(Dialogs& dialogs, EventLoop& loop) : dialogs_(dialogs), loop_(loop) {}
 
 void frmSplash::Form_Load(const ApplicationVersion& version) {
     dialogs_.SetBusyPointer(true);
-    const std::string number = CStr(version.major) + "." + CStr(version.minor) + "." + CStr(version.revision);
-    lblVersion.SetCaption("Version " + number + "  " + version.comment);
+    lblVersion.SetCaption("Version " + VersionNumber(version) + "  " + version.comment);
     visible_ = true;
     if (OnShow) OnShow();
     loop_.Yield();

@@ -1,22 +1,14 @@
 #pragma once
 
 #include <functional>
-#include <string>
 
 #include "core/controls/Controls.h"
 #include "core/controls/Window.h"
 #include "core/ports/Dialogs.h"
 #include "core/ports/EventLoop.h"
+#include "core/text/ApplicationVersion.h"
 
 namespace sonavex {
-
-// Major, minor and revision number of the program, and what it says of itself.
-struct ApplicationVersion {
-    int major = 0;
-    int minor = 0;
-    int revision = 0;
-    std::string comment;
-};
 
 // What is shown while the instrument starts. User-interface thread only.
 class frmSplash {

@@ -49,7 +49,7 @@ int ShowBox(const std::string& title, const std::string& text, QMessageBox::Icon
     QMessageBox box(icon, QString::fromStdString(title), WithLineBreaks(text), buttons,
                     QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton(QMessageBox::Ok);
+    box.setDefaultButton((buttons & QMessageBox::Yes) != 0 ? QMessageBox::Yes : QMessageBox::Ok);
     return box.exec();
 }
 
@@ -68,6 +68,11 @@ void QtDialogs::Message(const std::string& text, MessageIcon icon) {
 bool QtDialogs::AskOkCancel(const std::string& text) {
     return ShowBox(title_, text, QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel) ==
            QMessageBox::Ok;
+}
+
+bool QtDialogs::AskYesNo(const std::string& text) {
+    return ShowBox(title_, text, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No) ==
+           QMessageBox::Yes;
 }
 
 void QtDialogs::SetBusyPointer(bool busy) {

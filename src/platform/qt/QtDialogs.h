@@ -20,6 +20,7 @@ public:
     // when it looks like markup. The box has the usual pointer also while the program is busy.
     void Message(const std::string& text, MessageIcon icon) override;
     bool AskOkCancel(const std::string& text) override;
+    bool AskYesNo(const std::string& text) override;
     // Counts: the busy pointer goes when it was taken back as often as it was set. Taking back what was
     // not set does nothing.
     void SetBusyPointer(bool busy) override;

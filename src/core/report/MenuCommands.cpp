@@ -1,0 +1,74 @@
+#include "core/report/MenuCommands.h"
+
+#include <string>
+#include <utility>
+
+#include "core/report/OpenDocument.h"
+#include "core/report/WebPages.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kConnected = "You must be connected to the Internet to continue.\r\r";
+constexpr const char* kCheckQuestion = "Proceed with update check ?";
+constexpr const char* kContactQuestion = "Continue ?";
+
+// Commands of the system's level panels: recording and playback, newer and older generation.
+constexpr const char* kInputPanel = "control.exe mmsys.cpl,,1";
+constexpr const char* kPlayPanel = "control.exe mmsys.cpl,,0";
+constexpr const char* kOlderInputPanel = "sndvol32 -R -D";
+constexpr const char* kOlderPlayPanel = "sndvol32 -P -D";
+
+}  // namespace
+
+MenuCommands::MenuCommands(World world, MenuControls& menus) : world_(std::move(world)), menus_(menus) {
+    menus_.mnuAbout.Click.Handle([this] { mnuAbout_Click(); });
+    menus_.mnuHelpContents.Click.Handle([this] { mnuHelpContents_Click(); });
+    menus_.mnuCheckVersion.Click.Handle([this] { mnuCheckVersion_Click(); });
+    menus_.mnuemail.Click.Handle([this] { mnuemail_Click(); });
+    menus_.mnuInputControl.Click.Handle([this] { mnuInputControl_Click(); });
+    menus_.mnuPlayControl.Click.Handle([this] { mnuPlayControl_Click(); });
+}
+
+MenuCommands::~MenuCommands() {
+    for (MenuItem* item : {&menus_.mnuAbout, &menus_.mnuHelpContents, &menus_.mnuCheckVersion,
+                           &menus_.mnuemail, &menus_.mnuInputControl, &menus_.mnuPlayControl})
+        item->Click.Handle({});
+}
+
+void MenuCommands::mnuAbout_Click() {
+    if (ShowAbout) ShowAbout();
+}
+
+void MenuCommands::mnuHelpContents_Click() {
+    world_.help.ShowContents();
+}
+
+bool MenuCommands::Connected(const char* question) {
+    return world_.dialogs.AskYesNo(std::string(kConnected) + question);
+}
+
+void MenuCommands::mnuCheckVersion_Click() {
+    if (!Connected(kCheckQuestion)) return;
+    OpenDocument(world_.launcher, world_.dialogs, web_page::UpdateCheck(world_.version));
+}
+
+void MenuCommands::mnuemail_Click() {
+    if (!Connected(kContactQuestion)) return;
+    OpenDocument(world_.launcher, world_.dialogs, web_page::Contact());
+}
+
+void MenuCommands::mnuInputControl_Click() {
+    RunCommand(world_.launcher, world_.dialogs,
+               world_.shared.NewerGeneration() ? kInputPanel
+                                               : kOlderInputPanel + CStr(world_.mixers.MixerDeviceNumber));
+}
+
+void MenuCommands::mnuPlayControl_Click() {
+    RunCommand(world_.launcher, world_.dialogs,
+               world_.shared.NewerGeneration() ? kPlayPanel
+                                               : kOlderPlayPanel + CStr(world_.mixers.PlayMixerDeviceNumber));
+}
+
+}  // namespace sonavex

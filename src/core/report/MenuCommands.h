@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+
+#include "core/mixer/MixerSession.h"
+#include "core/ports/Dialogs.h"
+#include "core/ports/Help.h"
+#include "core/ports/Launcher.h"
+#include "core/report/MenuControls.h"
+#include "core/settings/SharedState.h"
+#include "core/text/ApplicationVersion.h"
+
+namespace sonavex {
+
+// The menu commands that lead out of the measuring work. User-interface thread only.
+class MenuCommands {
+public:
+    // Everything must outlive the commands.
+    struct World {
+        Launcher& launcher;
+        Dialogs& dialogs;
+        Help& help;
+        const SharedState& shared;
+        const MixerSession& mixers;
+        ApplicationVersion version;
+    };
+
+    // Handles the entries from now on; they must outlive the commands.
+    MenuCommands(World world, MenuControls& menus);
+    ~MenuCommands();
+    MenuCommands(const MenuCommands&) = delete;
+    MenuCommands& operator=(const MenuCommands&) = delete;
+
+    // Shows the about box and returns when it has closed.
+    std::function<void()> ShowAbout;
+
+    void mnuAbout_Click();
+    void mnuHelpContents_Click();
+    void mnuCheckVersion_Click();
+    void mnuemail_Click();
+    void mnuInputControl_Click();
+    void mnuPlayControl_Click();
+
+private:
+    // Asks before anything goes to the Internet.
+    bool Connected(const char* question);
+
+    World world_;
+    MenuControls& menus_;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,23 @@
+#include "core/report/OpenDocument.h"
+
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+void Tell(Dialogs& dialogs, std::int32_t error) {
+    if (error == 0) return;
+    dialogs.Message("Unable to execute command Error: " + CStr(error), MessageIcon::kNone);
+}
+
+}  // namespace
+
+void OpenDocument(Launcher& launcher, Dialogs& dialogs, const std::string& target) {
+    Tell(dialogs, launcher.Open(target));
+}
+
+void RunCommand(Launcher& launcher, Dialogs& dialogs, const std::string& commandLine) {
+    Tell(dialogs, launcher.Run(commandLine));
+}
+
+}  // namespace sonavex

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "core/ports/Printer.h"
+
+namespace sonavex {
+
+// Keeps the user's default printer over a print command. User-interface thread only.
+class PrinterSupport {
+public:
+    // Remembers the present default printer. The printer must outlive this object.
+    explicit PrinterSupport(Printer& printer);
+
+    const std::string& Remembered() const noexcept { return remembered_; }
+
+    // Makes the remembered printer the default again where it no longer is. Nothing is stored when there
+    // was none, when nothing changed, or when the printer is gone.
+    void RestoreDefault();
+
+private:
+    Printer& printer_;
+    std::string remembered_;
+};
+
+}  // namespace sonavex

@@ -1,0 +1,28 @@
+#include "core/text/Dates.h"
+
+#include <array>
+
+#include "core/text/RuntimeError.h"
+
+namespace sonavex {
+namespace {
+
+constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+std::string Padded(int number, std::size_t digits) {
+    std::string text = std::to_string(number);
+    if (text.size() < digits) text.insert(std::size_t{0}, digits - text.size(), '0');
+    return text;
+}
+
+}  // namespace
+
+std::string FormatDate(const CalendarDate& date) {
+    if (date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31)
+        throw RuntimeError(error_number::kInvalidCall);
+    return kMonths[static_cast<std::size_t>(date.month) - 1] + (" " + Padded(date.day, 2)) + ", " +
+           Padded(date.year, 4);
+}
+
+}  // namespace sonavex

@@ -1,0 +1,135 @@
+#include "platform/qt/QtPrinter.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFileInfo>
+#include <QFont>
+#include <QFontMetricsF>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <utility>
+
+#include "core/text/RuntimeError.h"
+#include "platform/qt/PrintSystem.h"
+
+namespace sonavex {
+namespace {
+
+constexpr int kDotsPerInch = 1200;
+
+QString Title() {
+    return QStringLiteral("Sonavex report");
+}
+
+QFont PageFont(const PageSetUp& page) {
+    QFont font(QString::fromStdString(page.fontName));
+    font.setStyleHint(QFont::TypeWriter);
+    font.setFixedPitch(true);
+    font.setKerning(false);
+    font.setPointSize(page.fontSizePoints);
+    return font;
+}
+
+void WriteFile(const QString& file, const QByteArray& content) {
+    QSaveFile target(file);
+    if (target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.commit())
+        return;
+    throw RuntimeError(kPrinterError, (file + QStringLiteral(": ") + target.errorString()).toStdString());
+}
+
+}  // namespace
+
+// One page on its way to becoming a PDF.
+class QtPrinter::Document {
+public:
+    explicit Document(const PageSetUp& page) : writer_(&buffer_) {
+        buffer_.open(QIODevice::WriteOnly);
+        writer_.setTitle(Title());
+        writer_.setCreator(QStringLiteral("Sonavex"));
+        writer_.setResolution(kDotsPerInch);
+        writer_.setPageLayout(QPageLayout(QPageSize(QSizeF(page.width, page.height), QPageSize::Inch),
+                                          QPageLayout::Portrait, QMarginsF()));
+        if (!painter_.begin(&writer_)) throw RuntimeError(kPrinterError, "The page cannot be drawn.");
+        painter_.setFont(PageFont(page));
+        const QFontMetricsF metrics(painter_.font(), &writer_);
+        stretch_ = page.characterWidth * kDotsPerInch / metrics.horizontalAdvance(u'0');
+        baseline_ = (page.lineHeight * kDotsPerInch + metrics.ascent() - metrics.descent()) / 2.0;
+    }
+
+    void Text(double x, double y, std::string_view text) {
+        painter_.save();
+        painter_.translate(x * kDotsPerInch, y * kDotsPerInch + baseline_);
+        painter_.scale(stretch_, 1.0);
+        painter_.drawText(QPointF(), QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+        painter_.restore();
+    }
+
+    QByteArray Finish() {
+        if (!painter_.end()) throw RuntimeError(kPrinterError, "The page cannot be drawn.");
+        return buffer_.data();
+    }
+
+private:
+    QBuffer buffer_;
+    QPdfWriter writer_;
+    QPainter painter_;
+    double baseline_ = 0.0;  // dots below the top of a line
+    double stretch_ = 1.0;   // to the page's character width, whatever font was found
+};
+
+QtPrinter::QtPrinter() = default;
+QtPrinter::~QtPrinter() = default;
+
+std::vector<std::string> QtPrinter::Printers() {
+    std::vector<std::string> names;
+    for (const QString& name : PrintSystem::Printers()) names.push_back(name.toStdString());
+    return names;
+}
+
+std::string QtPrinter::DefaultPrinter() {
+    return PrintSystem::DefaultPrinter().toStdString();
+}
+
+void QtPrinter::SetDefaultPrinter(const std::string& name) {
+    PrintSystem::SetDefaultPrinter(QString::fromStdString(name));
+}
+
+std::string QtPrinter::SuggestedFile() {
+    QDir folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    if (!folder.exists()) folder = QDir::home();
+    QString name = Title() + QStringLiteral(".pdf");
+    for (int number = 2; folder.exists(name); ++number)
+        name = Title() + QStringLiteral(" %1.pdf").arg(number);
+    return folder.filePath(name).toStdString();
+}
+
+bool QtPrinter::FileExists(const std::string& file) {
+    return QFileInfo::exists(QString::fromStdString(file));
+}
+
+void QtPrinter::Select(const PrintDestination& destination) {
+    destination_ = destination;
+}
+
+void QtPrinter::BeginPage(const PageSetUp& page) {
+    document_ = std::make_unique<Document>(page);
+}
+
+void QtPrinter::Text(double x, double y, std::string_view text) {
+    if (document_) document_->Text(x, y, text);
+}
+
+void QtPrinter::EndDoc() {
+    if (!document_) return;
+    const QByteArray pdf = std::exchange(document_, nullptr)->Finish();
+    if (destination_.file.empty())
+        PrintSystem::Send(QString::fromStdString(destination_.printer), Title(), pdf);
+    else
+        WriteFile(QString::fromStdString(destination_.file), pdf);
+}
+
+}  // namespace sonavex

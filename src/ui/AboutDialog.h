@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "core/report/frmAbout.h"
+#include "ui/FormDialog.h"
+
+namespace Ui {
+class frmAbout;
+}
+
+namespace sonavex::ui {
+
+// The about box on the screen.
+class AboutDialog : public FormDialog {
+    Q_OBJECT
+
+public:
+    // Loads the form. Both must outlive the dialog.
+    AboutDialog(frmAbout& form, HandlerGuard& guard);
+    ~AboutDialog() override;
+
+private:
+    frmAbout& form_;
+    std::unique_ptr<Ui::frmAbout> ui_;
+};
+
+}  // namespace sonavex::ui

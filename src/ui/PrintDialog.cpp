@@ -1,0 +1,48 @@
+#include "ui/PrintDialog.h"
+
+#include <QFileDialog>
+
+#include "ui/Theme.h"
+#include "ui_frmPrint.h"
+
+namespace sonavex::ui {
+namespace {
+
+constexpr int kCharactersOfAName = 44;
+
+}  // namespace
+
+PrintDialog::PrintDialog(frmPrint& form, HandlerGuard& guard)
+    : FormDialog(form.Frame, guard, [&form] { form.cmdCancel_Click(); }),
+      form_(form),
+      ui_(std::make_unique<Ui::frmPrint>()) {
+    ui_->setupUi(this);
+    ApplyTheme(*this);
+    ui_->txtFile->setMinimumWidth(fontMetrics().averageCharWidth() * kCharactersOfAName);
+    form_.lblNote.SetVisible(!form_.lblNote.Caption().empty());
+    binder_.Bind(*ui_->cmbPrinter, form_.cmbPrinter);
+    binder_.Bind(*ui_->txtFile, form_.txtFile);
+    binder_.Bind(*ui_->txtCopies, form_.txtCopies);
+    binder_.Bind(*ui_->cmdBrowse, form_.cmdBrowse);
+    binder_.Bind(*ui_->cmdOk, form_.cmdOk);
+    binder_.Bind(*ui_->cmdCancel, form_.cmdCancel);
+    binder_.Bind(*ui_->lblNote, form_.lblNote);
+    form_.OnUnload = [this] { Close(); };
+    form_.ChooseFile = [this](const std::string& first) { return AskForFile(first); };
+    ui_->txtCopies->selectAll();
+    ui_->txtCopies->setFocus();
+}
+
+PrintDialog::~PrintDialog() {
+    form_.OnUnload = {};
+    form_.ChooseFile = {};
+}
+
+// The form asks about replacing.
+std::string PrintDialog::AskForFile(const std::string& first) {
+    return QFileDialog::getSaveFileName(this, tr("PDF file"), QString::fromStdString(first),
+                                        tr("PDF files (*.pdf)"), nullptr, QFileDialog::DontConfirmOverwrite)
+        .toStdString();
+}
+
+}  // namespace sonavex::ui

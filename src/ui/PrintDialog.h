@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+
+#include "core/report/frmPrint.h"
+#include "ui/FormDialog.h"
+
+namespace Ui {
+class frmPrint;
+}
+
+namespace sonavex::ui {
+
+// The print dialog on the screen.
+class PrintDialog : public FormDialog {
+    Q_OBJECT
+
+public:
+    // The form has been loaded. Both must outlive the dialog.
+    PrintDialog(frmPrint& form, HandlerGuard& guard);
+    ~PrintDialog() override;
+
+private:
+    std::string AskForFile(const std::string& first);
+
+    frmPrint& form_;
+    std::unique_ptr<Ui::frmPrint> ui_;
+};
+
+}  // namespace sonavex::ui

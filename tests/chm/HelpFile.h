@@ -1,0 +1,20 @@
+#pragma once
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace sonavex {
+
+// The help file that the build made.
+inline std::string HelpFile() {
+    return SONAVEX_HELP_FILE;
+}
+
+inline std::string BytesOf(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    std::string content((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    return content;
+}
+
+}  // namespace sonavex

@@ -1,0 +1,151 @@
+#include <gmock/gmock.h>
+
+#include <QDesktopServices>
+#include <QObject>
+#include <QUrl>
+#include <chrono>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "platform/qt/QtLauncher.h"
+#include "support/ChildProcess.h"
+#include "support/ScopedVariable.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+constexpr const char* kInput = "control.exe mmsys.cpl,,1";
+constexpr const char* kPlay = "control.exe mmsys.cpl,,0";
+
+// Opens web addresses in place of a browser.
+class AddressTaker : public QObject {
+    Q_OBJECT
+public:
+    AddressTaker() { QDesktopServices::setUrlHandler("https", this, "Take"); }
+    ~AddressTaker() override { QDesktopServices::unsetUrlHandler("https"); }
+    Q_INVOKABLE void Take(const QUrl& address) { taken.push_back(address.toString().toStdString()); }
+    std::vector<std::string> taken;
+};
+
+// A computer on which only the programs of the test are installed. Each writes how it was called.
+class QtLauncherTest : public testing::Test {
+protected:
+    void Install(const std::string& program) {
+        const auto file = programs_.Path() / program;
+        std::ofstream(file) << "#!/bin/sh\nfor word in \"$0\" \"$@\"; do echo \"$word\"; done > "
+                            << Calls().string() << ".part\nmv " << Calls().string() << ".part "
+                            << Calls().string() << '\n';
+        std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+        // The script itself needs one program.
+        if (!std::filesystem::exists(programs_.Path() / "mv"))
+            std::filesystem::create_symlink("/bin/mv", programs_.Path() / "mv");
+    }
+    // The call that was made, one word an entry, the program without its folder.
+    std::vector<std::string> Called() {
+        const auto end = std::chrono::steady_clock::now() + 10s;
+        while (!std::filesystem::exists(Calls()) && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(2ms);
+        std::vector<std::string> words;
+        std::ifstream file(Calls());
+        for (std::string word; std::getline(file, word);) words.push_back(word);
+        if (!words.empty()) words[0] = std::filesystem::path(words[0]).filename();
+        std::filesystem::remove(Calls());
+        return words;
+    }
+    std::string Path(const std::string& program) const { return programs_.Path() / program; }
+
+    QtLauncher launcher_;
+
+private:
+    std::filesystem::path Calls() const { return record_.Path() / "calls"; }
+
+    PrivateFolder programs_;
+    PrivateFolder record_;
+    ScopedVariable path_{"PATH", programs_.Path()};
+    ScopedVariable desktop_{"XDG_CURRENT_DESKTOP", "GNOME"};
+};
+
+TEST_F(QtLauncherTest, StartsTheVolumeControlWithThePageOfTheSide) {
+    Install("pavucontrol");
+    EXPECT_EQ(launcher_.Run(kInput), 0);
+    EXPECT_THAT(Called(), ElementsAre("pavucontrol", "--tab=4"));
+    EXPECT_EQ(launcher_.Run(kPlay), 0);
+    EXPECT_THAT(Called(), ElementsAre("pavucontrol", "--tab=3"));
+    EXPECT_EQ(launcher_.Run("sndvol32 -R -D0"), 0);
+    EXPECT_THAT(Called(), ElementsAre("pavucontrol", "--tab=4"));
+    EXPECT_EQ(launcher_.Run("sndvol32 -P -D12"), 0);
+    EXPECT_THAT(Called(), ElementsAre("pavucontrol", "--tab=3"));
+}
+
+TEST_F(QtLauncherTest, PrefersTheSettingsOfTheRunningDesktop) {
+    Install("pavucontrol");
+    Install("systemsettings");
+    Install("gnome-control-center");
+    EXPECT_EQ(launcher_.Run(kPlay), 0);
+    EXPECT_THAT(Called(), ElementsAre("gnome-control-center", "sound"));
+    const ScopedVariable desktop("XDG_CURRENT_DESKTOP", "KDE");
+    EXPECT_EQ(launcher_.Run(kPlay), 0);
+    EXPECT_THAT(Called(), ElementsAre("systemsettings", "kcm_pulseaudio"));
+    const ScopedVariable other("XDG_CURRENT_DESKTOP", "XFCE");
+    EXPECT_EQ(launcher_.Run(kPlay), 0);
+    EXPECT_THAT(Called(), ElementsAre("pavucontrol", "--tab=3"));
+}
+
+TEST_F(QtLauncherTest, FallsBackToTheMixerInATerminal) {
+    Install("x-terminal-emulator");
+    EXPECT_EQ(launcher_.Run(kInput), 2) << "the terminal has nothing to show";
+    Install("alsamixer");
+    EXPECT_EQ(launcher_.Run(kInput), 0);
+    EXPECT_THAT(Called(), ElementsAre("x-terminal-emulator", "-e", "alsamixer", "-V", "capture"));
+    EXPECT_EQ(launcher_.Run(kPlay), 0);
+    EXPECT_THAT(Called(), ElementsAre("x-terminal-emulator", "-e", "alsamixer", "-V", "playback"));
+}
+
+TEST_F(QtLauncherTest, TellsThatNoPanelIsInstalled) {
+    EXPECT_EQ(launcher_.Run(kInput), 2);
+    EXPECT_EQ(launcher_.Run(kPlay), 2);
+}
+
+TEST_F(QtLauncherTest, RunsAProgramByItsPathAsOneWord) {
+    Install("strange tool; exit");
+    EXPECT_EQ(launcher_.Run(Path("strange tool; exit")), 0);
+    EXPECT_THAT(Called(), ElementsAre("strange tool; exit"));
+    EXPECT_EQ(launcher_.Run(Path("missing")), 2);
+}
+
+TEST_F(QtLauncherTest, NamesTheInstalledToolThatTellsAboutTheComputer) {
+    const auto read = [&](RootKey root, const char* key, const char* name) {
+        return launcher_.ReadMachineValue(root, key, name);
+    };
+    constexpr const char* kKey = "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO";
+    EXPECT_EQ(read(RootKey::kLocalMachine, kKey, "PATH"), std::nullopt);
+    Install("hardinfo");
+    EXPECT_EQ(read(RootKey::kLocalMachine, kKey, "PATH"), MachineValue(Path("hardinfo")));
+    EXPECT_EQ(read(RootKey::kCurrentUser, kKey, "PATH"), std::nullopt);
+    EXPECT_EQ(read(RootKey::kLocalMachine, kKey, "OTHER"), std::nullopt);
+    EXPECT_EQ(read(RootKey::kLocalMachine, "SOFTWARE\\Microsoft\\Shared Tools Location", "MSINFO"),
+              std::nullopt);
+    EXPECT_TRUE(launcher_.FileExists(Path("hardinfo")));
+    EXPECT_FALSE(launcher_.FileExists(Path("hardinfo2")));
+}
+
+TEST_F(QtLauncherTest, OpensWebAddressesAsTheyAre) {
+    AddressTaker browser;
+    constexpr const char* kAddress = "https://sonavex.example/check_sonavex_version.asp?Version=2.1.14";
+    EXPECT_EQ(launcher_.Open(kAddress), 0);
+    EXPECT_THAT(browser.taken, ElementsAre(kAddress));
+}
+
+TEST_F(QtLauncherTest, TellsWhyNothingOpens) {
+    EXPECT_EQ(launcher_.Open(Path("missing.pdf")), 2);
+    EXPECT_EQ(launcher_.Open("https://sonavex.example/"), 31) << "no browser is installed";
+}
+
+}  // namespace
+}  // namespace sonavex
+
+#include "QtLauncherTest.moc"
