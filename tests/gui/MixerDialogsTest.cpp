@@ -181,13 +181,40 @@ TEST(VistaDialog, GreysWhatTheCardLacks) {
     MixerRig rig(10, {MixerFunction::kMicRecord, MixerFunction::kLineMute, MixerFunction::kMasterVolume});
     rig.session.ShowSoundCard();
     Settle(rig);
-    for (const char* name :
-         {"sldMic", "lblMicRecord", "percent_sldMic", "chkLinePlay", "sldMaster", "capMaster", "sldSpeakers"})
-        if (std::string(name) != "sldSpeakers") {
-            EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
-        }
-    EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, "sldLine").isEnabled());
+    for (const char* name : {"sldMic", "lblMicRecord", "percent_sldMic", "chkLinePlay", "sldMaster",
+                             "capMaster", "sldSpeakers", "lblSpeaker"})
+        EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
+    for (const char* name : {"sldLine", "chkSpeakerMute", "chkMasterMute", "sldMicPlay", "chkMicPlay"})
+        EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
     EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "lblInputMixer").text(), "Not Selected");
+}
+
+// The last volume and the last mute would otherwise be the microphone's.
+TEST(VistaDialog, OfACardWithoutMasterMovesNothingElse) {
+    MixerRig rig(10, {MixerFunction::kMasterVolume, MixerFunction::kMasterMute});
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    const auto level = rig.mixer.Values(MixerFunction::kMicVolume);
+    const auto mute = rig.mixer.Values(MixerFunction::kMicMute);
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
+    Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(90);
+    rig.session.SoundVista.chkSpeakerMute.UserSets(mute.front() == 0);
+    Settle(rig);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicVolume), level);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute), mute);
+    EXPECT_EQ(rig.mixer.Writes(), 0);
+}
+
+TEST(VistaDialog, OfAMasterWithoutMuteLeavesTheMicrophonesMute) {
+    MixerRig rig(10, {MixerFunction::kMasterMute});
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
+    rig.session.SoundVista.chkSpeakerMute.UserSets(false);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute)[0], 1);
+    EXPECT_EQ(rig.mixer.Writes(), 0);
 }
 
 TEST(ToneDialog, MovesTheCardsTones) {
