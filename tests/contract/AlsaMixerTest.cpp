@@ -81,10 +81,51 @@ TEST(AlsaMixer, BoostsByTheStepOfTwentyDecibels) {
     EXPECT_EQ(rig.At(kFakeBoost)[0], 2);
     rig.library.SetMicBoost(false, rig.status);
     EXPECT_EQ(rig.At(kFakeBoost)[0], 0);
-    rig.platform.Cards().Change(kCard, kFakeBoost, {3});
+    rig.platform.Cards().Change(kCard, kFakeBoost, {3, 3});
     EXPECT_TRUE(rig.library.GetMicBoost(rig.status));
     rig.library.SetMicBoost(true, rig.status);
     EXPECT_EQ(rig.At(kFakeBoost)[0], 3) << "on already";
+}
+
+TEST(AlsaMixer, SwitchesEveryChannelByTheFirst) {
+    Rig rig;
+    HardwareMixerControl output(*rig.hardware, MixerSide::kPlayback);
+    HardwareMixerControl input(*rig.hardware, MixerSide::kCapture);
+    LegacyMixer mixer{output, input};
+    for (MixerControl* control : {static_cast<MixerControl*>(&output), static_cast<MixerControl*>(&input)}) {
+        control->DeviceCount();
+        control->SelectDevice(0);
+    }
+    SetUpSoundControls(mixer);
+    const auto write = [](MixerControl& control, const MixerLocator& entry, std::int32_t value) {
+        SelectLocated(control, entry);
+        control.SetValue(0, value);
+        control.Commit();
+    };
+    write(output, mixer.MixerLocators.MasterMute, 1);
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(0, 0));
+    write(output, mixer.MixerLocators.MasterMute, 0);
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(1, 1));
+    write(input, mixer.MixerLocators.MicBoost, 1);
+    EXPECT_THAT(rig.At(kFakeBoost), ElementsAre(2, 2));
+    write(input, mixer.MixerLocators.MonitorOff, 0);
+    EXPECT_THAT(rig.At(kFakeMonitor), ElementsAre(1, 1));
+    write(input, mixer.MixerLocators.MonitorOff, 1);
+    EXPECT_THAT(rig.At(kFakeMonitor), ElementsAre(0, 0));
+}
+
+TEST(AlsaMixer, MakesChannelsThatDifferAlike) {
+    Rig rig;
+    rig.platform.Cards().Change(kCard, kFakeMasterSwitch, {0, 1});
+    EXPECT_FALSE(rig.library.GetMasterMute(rig.status));
+    rig.library.SetMasterMute(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(0, 0));
+    rig.platform.Cards().Change(kCard, kFakeBoost, {3, 0});
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeBoost), ElementsAre(3, 2));
+    rig.platform.Cards().Change(kCard, kFakeMonitor, {0, 1});
+    rig.library.SetNoMonitor(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeMonitor), ElementsAre(0, 0));
 }
 
 TEST(AlsaMixer, GivesTheRecordLevelToTheSelectedSource) {

@@ -150,12 +150,20 @@ public:
 
     RawRange Range() const override { return {0, 1}; }
     std::vector<std::int32_t> Read() override {
-        return {static_cast<std::int32_t>(steps_.Read().front() > steps_.Range().minimum)};
+        std::vector<std::int32_t> values = steps_.Read();
+        for (std::int32_t& value : values)
+            value = static_cast<std::int32_t>(value > steps_.Range().minimum);
+        return values;
     }
+    // A channel that is on keeps its step.
     void Write(const std::vector<std::int32_t>& values) override {
         const RawRange range = steps_.Range();
-        const std::int32_t step = values.at(0) != 0 ? BoostStep(range) : range.minimum;
-        steps_.Write(std::vector<std::int32_t>(steps_.Read().size(), step));
+        std::vector<std::int32_t> steps = steps_.Read();
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            if (values.at(i) == 0) steps[i] = range.minimum;
+            if (values.at(i) != 0 && steps[i] == range.minimum) steps[i] = BoostStep(range);
+        }
+        steps_.Write(steps);
     }
 
 private:
@@ -219,7 +227,10 @@ public:
     InputSwitch(const AlsaCard& card, snd_mixer_elem_t* element, snd_mixer_elem_t* other)
         : switch_(card, element, AlsaSide::kCapture, false), other_(card, other, AlsaSide::kCapture, false) {}
     RawRange Range() const override { return {0, 1}; }
-    std::vector<std::int32_t> Read() override { return {switch_.Read().front()}; }
+    std::vector<std::int32_t> Read() override {
+        const std::vector<std::int32_t> values = switch_.Read();
+        return {*std::min_element(values.begin(), values.end())};
+    }
     void Write(const std::vector<std::int32_t>& values) override {
         if (values.at(0) == 0) return;
         switch_.Write(std::vector<std::int32_t>(switch_.Read().size(), 1));

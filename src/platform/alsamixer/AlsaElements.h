@@ -25,7 +25,7 @@ std::unique_ptr<MixerElement> AlsaVolume(AlsaCard card, snd_mixer_elem_t* elemen
 std::unique_ptr<MixerElement> AlsaSwitch(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side,
                                          bool inverted);
 
-// A microphone's boost that is a volume in steps: 1 when any is on. Switched on it takes the step
+// A microphone's boost that is a volume in steps: 1 above the lowest. Switched on it takes the step
 // nearest to +20 dB; the highest one where the card tells no decibels.
 std::unique_ptr<MixerElement> AlsaBoost(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side);
 

@@ -41,11 +41,11 @@ constexpr std::array<Definition, kFakeControls> kDefinitions{{
     {"Line Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
     {"Mic Playback Volume", Kind::kVolume, 1, 31, -3450, 150},
     {"Mic Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
-    {"Mic Boost Volume", Kind::kVolume, 1, 3, 0, 1000},
+    {"Mic Boost Volume", Kind::kVolume, 2, 3, 0, 1000},
     {"Capture Volume", Kind::kVolume, 2, 46, -1200, 75},
     {"Capture Switch", Kind::kSwitch, 2, 1, 0, 0},
     {"Input Source", Kind::kChoice, 1, 2, 0, 0},
-    {"Monitor Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
+    {"Monitor Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
     {"Tone Control - Bass", Kind::kVolume, 1, 15, -1050, 150},
     {"Tone Control - Treble", Kind::kVolume, 1, 15, -1050, 150},
 }};
