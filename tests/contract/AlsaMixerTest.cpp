@@ -174,6 +174,45 @@ TEST(AlsaMixer, FindsACardThatIsPutInAgain) {
     EXPECT_EQ(rig.status, 0);
 }
 
+TEST(AlsaMixer, ForgetsAControlThatTheDriverTakesAway) {
+    Rig rig;
+    HardwareMixerControl output(*rig.hardware, MixerSide::kPlayback);
+    output.DeviceCount();
+    output.SelectDevice(0);
+    const auto levels = rig.levels.Read({MixerSide::kPlayback, kName});
+    for (const FakeControl control : {kFakeMaster, kFakeMasterSwitch, kFakeBass, kFakeSource, kFakeBoost})
+        rig.platform.Cards().Offer(kCard, control, false);
+    for (int round = 0; round < 3; ++round) {
+        static_cast<void>(rig.library.GetMasterVolume(rig.status));
+        EXPECT_NE(rig.status, 0);
+        rig.library.SetMasterMute(true, rig.status);
+        EXPECT_NE(rig.status, 0);
+        rig.library.SetBass(3.0, rig.status);
+        EXPECT_NE(rig.status, 0);
+        rig.library.SetMicBoost(true, rig.status);
+        EXPECT_NE(rig.status, 0);
+        static_cast<void>(rig.library.GetLinePlayBack(rig.status));
+        EXPECT_EQ(rig.status, 0) << "the others stay";
+        SetLegacyMixerState(output, GetLegacyMixerState(output));
+    }
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(1, 1));
+    EXPECT_TRUE(rig.levels.Write({MixerSide::kPlayback, kName}, *levels));
+}
+
+TEST(AlsaMixer, FindsAControlThatTheDriverBringsAgain) {
+    Rig rig;
+    rig.platform.Cards().Offer(kCard, kFakeLine, false);
+    rig.platform.Cards().Offer(kCard, kFakeLineSwitch, false);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    static_cast<void>(rig.library.GetLinePlayBack(rig.status));
+    EXPECT_NE(rig.status, 0);
+    rig.platform.Cards().Offer(kCard, kFakeLine, true);
+    rig.platform.Cards().Offer(kCard, kFakeLineSwitch, true);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    EXPECT_EQ(rig.library.GetLinePlayBack(rig.status), 74);
+    EXPECT_EQ(rig.status, 0);
+}
+
 TEST(AlsaMixer, TellsOnceOfACardThatIsPulledOut) {
     Rig rig;
     int changes = 0;

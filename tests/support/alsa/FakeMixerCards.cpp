@@ -72,6 +72,12 @@ std::vector<std::int32_t> FakeMixerCards::Values(int number, FakeControl control
     return {values.begin(), values.end()};
 }
 
+void FakeMixerCards::Offer(int number, FakeControl control, bool offered) {
+    FakeMixerState state = Load(number);
+    state.missing.at(control) = offered ? 0 : 1;
+    Save(number, state);
+}
+
 void FakeMixerCards::PullOut(int number) {
     FakeMixerState state = Load(number);
     state.pulledOut = 1;
