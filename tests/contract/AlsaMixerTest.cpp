@@ -141,6 +141,40 @@ TEST(AlsaMixer, GivesTheRecordLevelToTheSelectedSource) {
     EXPECT_EQ(rig.status, 0);
 }
 
+TEST(AlsaMixer, CountsEveryInputThatIsAMicrophone) {
+    Rig rig;
+    rig.platform.Cards().Change(kCard, kFakeSource, {3});
+    static_cast<void>(rig.library.GetMicRecordVolume(rig.status));
+    EXPECT_EQ(rig.status, 0);
+    static_cast<void>(rig.library.GetLineRecordVolume(rig.status));
+    EXPECT_NE(rig.status, 0);
+    const auto mixer = rig.hardware->Open({MixerSide::kCapture, kName});
+    MixerElement& mic = *mixer->Find(MixerFunction::kMicSource);
+    EXPECT_EQ(mic.Read().front(), 1);
+    mic.Write({1});
+    EXPECT_EQ(rig.At(kFakeSource)[0], 3) << "one microphone is as good as another";
+    rig.platform.Cards().Change(kCard, kFakeSource, {2});
+    mic.Write({1});
+    EXPECT_EQ(rig.At(kFakeSource)[0], 1);
+}
+
+TEST(AlsaMixer, BoostsTheMicrophoneAndNothingElse) {
+    Rig rig;
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeBoost), ElementsAre(2, 2));
+    rig.platform.Cards().Offer(kCard, kFakeBoost, false);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_NE(rig.status, 0) << "a bass and a line are no microphones";
+    rig.platform.Cards().Offer(kCard, kFakePlainBoost, true);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_EQ(rig.status, 0);
+    EXPECT_EQ(rig.At(kFakePlainBoost)[0], 1);
+    EXPECT_THAT(rig.At(kFakeBassBoost), ElementsAre(0, 0));
+    EXPECT_THAT(rig.At(kFakeLineBoost), ElementsAre(0, 0));
+}
+
 TEST(AlsaMixer, GivesASourceBackThatIsNeitherMicrophoneNorLine) {
     Rig rig;
     rig.platform.Cards().Change(kCard, kFakeSource, {0});

@@ -221,21 +221,22 @@ private:
     RawRange range_;
 };
 
-class Item : public MixerElement {
+class AnyItem : public MixerElement {
 public:
-    Item(AlsaCard card, snd_mixer_elem_t* element, std::int32_t item)
-        : choice_(std::move(card), element), item_(item) {}
+    AnyItem(AlsaCard card, snd_mixer_elem_t* element, std::vector<std::int32_t> items)
+        : choice_(std::move(card), element), items_(std::move(items)) {}
     RawRange Range() const override { return {0, 1}; }
     std::vector<std::int32_t> Read() override {
-        return {static_cast<std::int32_t>(choice_.Read().front() == item_)};
+        const std::int32_t selected = choice_.Read().front();
+        return {static_cast<std::int32_t>(std::find(items_.begin(), items_.end(), selected) != items_.end())};
     }
     void Write(const std::vector<std::int32_t>& values) override {
-        if (values.at(0) != 0) choice_.Write({item_});
+        if (values.at(0) != 0 && Read().front() == 0) choice_.Write({items_.front()});
     }
 
 private:
     Choice choice_;
-    std::int32_t item_;
+    std::vector<std::int32_t> items_;
 };
 
 class InputSwitch : public MixerElement {
@@ -299,8 +300,9 @@ std::unique_ptr<MixerElement> AlsaChoice(AlsaCard card, snd_mixer_elem_t* elemen
     return std::make_unique<Choice>(std::move(card), element);
 }
 
-std::unique_ptr<MixerElement> AlsaItem(AlsaCard card, snd_mixer_elem_t* element, std::int32_t item) {
-    return std::make_unique<Item>(std::move(card), element, item);
+std::unique_ptr<MixerElement> AlsaAnyItem(AlsaCard card, snd_mixer_elem_t* element,
+                                          std::vector<std::int32_t> items) {
+    return std::make_unique<AnyItem>(std::move(card), element, std::move(items));
 }
 
 std::unique_ptr<MixerElement> AlsaInputSwitch(const AlsaCard& card, snd_mixer_elem_t* element,

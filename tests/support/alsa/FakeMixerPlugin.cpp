@@ -45,12 +45,15 @@ constexpr std::array<Definition, kFakeControls> kDefinitions{{
     {"Mic Boost Volume", Kind::kVolume, 2, 3, 0, 1000},
     {"Capture Volume", Kind::kVolume, 2, 46, -1200, 75},
     {"Capture Switch", Kind::kSwitch, 2, 1, 0, 0},
-    {"Input Source", Kind::kChoice, 1, 2, 0, 0},
+    {"Input Source", Kind::kChoice, 1, 3, 0, 0},
     {"Monitor Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
     {"Tone Control - Bass", Kind::kVolume, 1, 15, -1050, 150},
     {"Tone Control - Treble", Kind::kVolume, 1, 15, -1050, 150},
+    {"Dynamic Bass Boost Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
+    {"Line Boost Volume", Kind::kVolume, 2, 3, 0, 1000},
+    {"Boost (+20dB) Capture Switch", Kind::kSwitch, 1, 1, 0, 0},
 }};
-constexpr std::array<const char*, 3> kSources{"CD", "Front Mic", "Line"};
+constexpr std::array<const char*, 4> kSources{"CD", "Front Mic", "Line", "Rear Mic"};
 
 struct FakeCard {
     snd_ctl_ext_t ext{};

@@ -23,6 +23,9 @@ enum FakeControl : std::uint32_t {
     kFakeMonitor,
     kFakeBass,
     kFakeTreble,
+    kFakeBassBoost,
+    kFakeLineBoost,
+    kFakePlainBoost,
     kFakeControls
 };
 
