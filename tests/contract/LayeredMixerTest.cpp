@@ -37,9 +37,9 @@ public:
     static std::string CaptureName() { return std::string("Monitor of ") + kName; }
     static std::set<MixerFunction> Functions() {
         using enum MixerFunction;
-        return {kMasterVolume, kMasterMute, kWaveVolume, kWaveMute,  kLineVolume, kLineMute,
-                kMicVolume,    kMicMute,    kBass,       kTreble,    kLineRecord, kMicBoost,
-                kMonitorOff,   kMicSource,  kLineSource};
+        return {kMasterVolume, kMasterMute, kWaveVolume, kWaveMute,  kLineVolume,
+                kLineMute,     kMicVolume,  kMicMute,    kBass,      kTreble,
+                kLineRecord,   kMicBoost,   kMonitorOff, kMicSource, kLineSource};
     }
     static std::vector<std::int32_t> OddValues() { return {20123, 40111}; }
     void ChangeOutside(MixerFunction function, const std::vector<std::int32_t>& values) {

@@ -73,7 +73,10 @@ private:
 class Volume : public ElementOfCard {
 public:
     Volume(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side)
-        : ElementOfCard(std::move(card), element), side_(side), range_(VolumeRange(element, side)), channels_(ChannelsOf(element, side)) {}
+        : ElementOfCard(std::move(card), element),
+          side_(side),
+          range_(VolumeRange(element, side)),
+          channels_(ChannelsOf(element, side)) {}
 
     RawRange Range() const override { return range_; }
 
@@ -173,14 +176,12 @@ private:
 
 class Boost : public MixerElement {
 public:
-    Boost(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side)
-        : steps_(std::move(card), element, side) {}
+    Boost(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side) : steps_(std::move(card), element, side) {}
 
     RawRange Range() const override { return {0, 1}; }
     std::vector<std::int32_t> Read() override {
         std::vector<std::int32_t> values = steps_.Read();
-        for (std::int32_t& value : values)
-            value = static_cast<std::int32_t>(value > steps_.Range().minimum);
+        for (std::int32_t& value : values) value = static_cast<std::int32_t>(value > steps_.Range().minimum);
         return values;
     }
     // A channel that is on keeps its step.
@@ -202,8 +203,7 @@ private:
 class Choice : public ElementOfCard {
 public:
     Choice(AlsaCard card, snd_mixer_elem_t* element)
-        : ElementOfCard(std::move(card), element),
-          range_{0, snd_mixer_selem_get_enum_items(element) - 1} {}
+        : ElementOfCard(std::move(card), element), range_{0, snd_mixer_selem_get_enum_items(element) - 1} {}
     RawRange Range() const override { return range_; }
 
 protected:

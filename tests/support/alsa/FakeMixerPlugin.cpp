@@ -194,7 +194,7 @@ int ReadEvent(snd_ctl_ext_t* ext, snd_ctl_elem_id_t* id, unsigned* mask) {
         card.seen.values.at(key) = state.values.at(key);
         card.seen.missing.at(key) = state.missing.at(key);
         Describe(key, id);
-        *mask = !moved                        ? SND_CTL_EVENT_MASK_VALUE
+        *mask = !moved                       ? SND_CTL_EVENT_MASK_VALUE
                 : state.missing.at(key) != 0 ? SND_CTL_EVENT_MASK_REMOVE
                                              : SND_CTL_EVENT_MASK_ADD;
         return 1;
