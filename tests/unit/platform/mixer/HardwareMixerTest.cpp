@@ -149,7 +149,7 @@ TEST(SwitchesOfSeveralChannels, AreWrittenWholeByOne) {
 
 TEST(SwitchesOfSeveralChannels, TakeTwoValuesApart) {
     Rig rig({{kMasterMute, Switch({0, 0})}});
-    rig.control.SetControl(1);
+    rig.control.SetControl(0);
     ASSERT_EQ(rig.control.ControlName(), "Master Mute");
     rig.control.SetValue(0, 0);
     rig.control.SetValue(1, 1);
