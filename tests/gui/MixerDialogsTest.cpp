@@ -85,6 +85,65 @@ TEST(MixerDialogs, HaveTheirCaptionsAndToolTips) {
     EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldTreble").toolTip(), "Adjust Treble Response");
 }
 
+using Captions = std::vector<std::pair<const char*, const char*>>;
+
+// Of labels, boxes and buttons by name; the empty name stands for any label, such as a frame's title.
+void ExpectCaptions(QWidget& dialog, const Captions& captions) {
+    std::set<std::string> titles;
+    for (const QLabel* label : dialog.findChildren<QLabel*>()) titles.insert(label->text().toStdString());
+    for (const auto& [name, caption] : captions) {
+        if (*name == '\0') {
+            EXPECT_THAT(titles, Contains(caption));
+            continue;
+        }
+        EXPECT_EQ(Find<QWidget>(dialog, name).property("text").toString(), caption) << name;
+    }
+}
+
+TEST(MixerDialogs, NameTheirControls) {
+    MixerRig rig(5);
+    ExpectCaptions(rig.dialogs.Sound, {{"", "Play Controls (Output)"},
+                                       {"", "Record Controls (Input)"},
+                                       {"lblMaster", "Master"},
+                                       {"lblWave", "Wave"},
+                                       {"lblLine", "Line"},
+                                       {"lblMicrophone", "Microphone"},
+                                       {"lblLineRec", "Line Rec"},
+                                       {"MasterMute", "Mute"},
+                                       {"WaveMute", "Mute"},
+                                       {"LinePlayMute", "Mute"},
+                                       {"micPlayMute", "Mute"},
+                                       {"chkmic", "Select"},
+                                       {"chkline", "Select"},
+                                       {"chk20Db", "+20 Db"},
+                                       {"chkNoMon", "Mon Off"},
+                                       {"Command1", "Sync"},
+                                       {"cmdOk", "Close"}});
+}
+
+TEST(VistaDialog, NamesItsControls) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    ExpectCaptions(rig.dialogs.SoundVista, {{"", "Playback"},
+                                            {"", "Record"},
+                                            {"lblSpeaker", "Speaker :"},
+                                            {"chkSpeakerMute", "Mute"},
+                                            {"chkMasterMute", "Mute"},
+                                            {"lblLinePlay", "Line :"},
+                                            {"chkLinePlay", "Mute"},
+                                            {"lblMicPlay", "Microphone :"},
+                                            {"chkMicPlay", "Mute"},
+                                            {"cmdTone", "Tone"},
+                                            {"lblMicRecord", "Microphone :"},
+                                            {"lblLineRecord", "Line In :"},
+                                            {"chkBoost", "+20 dB"},
+                                            {"chkNoMon", "No Mon"},
+                                            {"cmdSync", "Sync"}});
+    ExpectCaptions(
+        rig.dialogs.Tone,
+        {{"lblBass", "Bass :"}, {"lblMid", "Mid Range :"}, {"lblTreble", "Treble :"}, {"cmdClose", "Close"}});
+}
+
 TEST(MixerDialogs, OpenOnceBesideTheMainWindow) {
     MixerRig rig(10);
     rig.session.ShowSoundCard();
@@ -165,6 +224,16 @@ TEST(VistaDialog, ShowsWhatOthersChangeAtOnce) {
     Settle(rig);
     EXPECT_EQ(Find<QSlider>(rig.dialogs.SoundVista, "sldLine").value(), 10);
     EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "percent_sldLine").text(), "10 %");
+}
+
+TEST(VistaDialog, ChecksTheBoostThatOthersSwitchOn) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_FALSE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
+    rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
+    Settle(rig);
+    EXPECT_TRUE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
 }
 
 TEST(VistaDialog, TellsOfADivisionByZero) {
