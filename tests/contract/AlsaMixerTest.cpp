@@ -81,10 +81,51 @@ TEST(AlsaMixer, BoostsByTheStepOfTwentyDecibels) {
     EXPECT_EQ(rig.At(kFakeBoost)[0], 2);
     rig.library.SetMicBoost(false, rig.status);
     EXPECT_EQ(rig.At(kFakeBoost)[0], 0);
-    rig.platform.Cards().Change(kCard, kFakeBoost, {3});
+    rig.platform.Cards().Change(kCard, kFakeBoost, {3, 3});
     EXPECT_TRUE(rig.library.GetMicBoost(rig.status));
     rig.library.SetMicBoost(true, rig.status);
     EXPECT_EQ(rig.At(kFakeBoost)[0], 3) << "on already";
+}
+
+TEST(AlsaMixer, SwitchesEveryChannelByTheFirst) {
+    Rig rig;
+    HardwareMixerControl output(*rig.hardware, MixerSide::kPlayback);
+    HardwareMixerControl input(*rig.hardware, MixerSide::kCapture);
+    LegacyMixer mixer{output, input};
+    for (MixerControl* control : {static_cast<MixerControl*>(&output), static_cast<MixerControl*>(&input)}) {
+        control->DeviceCount();
+        control->SelectDevice(0);
+    }
+    SetUpSoundControls(mixer);
+    const auto write = [](MixerControl& control, const MixerLocator& entry, std::int32_t value) {
+        SelectLocated(control, entry);
+        control.SetValue(0, value);
+        control.Commit();
+    };
+    write(output, mixer.MixerLocators.MasterMute, 1);
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(0, 0));
+    write(output, mixer.MixerLocators.MasterMute, 0);
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(1, 1));
+    write(input, mixer.MixerLocators.MicBoost, 1);
+    EXPECT_THAT(rig.At(kFakeBoost), ElementsAre(2, 2));
+    write(input, mixer.MixerLocators.MonitorOff, 0);
+    EXPECT_THAT(rig.At(kFakeMonitor), ElementsAre(1, 1));
+    write(input, mixer.MixerLocators.MonitorOff, 1);
+    EXPECT_THAT(rig.At(kFakeMonitor), ElementsAre(0, 0));
+}
+
+TEST(AlsaMixer, MakesChannelsThatDifferAlike) {
+    Rig rig;
+    rig.platform.Cards().Change(kCard, kFakeMasterSwitch, {0, 1});
+    EXPECT_FALSE(rig.library.GetMasterMute(rig.status));
+    rig.library.SetMasterMute(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(0, 0));
+    rig.platform.Cards().Change(kCard, kFakeBoost, {3, 0});
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeBoost), ElementsAre(3, 2));
+    rig.platform.Cards().Change(kCard, kFakeMonitor, {0, 1});
+    rig.library.SetNoMonitor(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeMonitor), ElementsAre(0, 0));
 }
 
 TEST(AlsaMixer, GivesTheRecordLevelToTheSelectedSource) {
@@ -98,6 +139,40 @@ TEST(AlsaMixer, GivesTheRecordLevelToTheSelectedSource) {
     EXPECT_NE(rig.status, 0);
     static_cast<void>(rig.library.GetLineRecordVolume(rig.status));
     EXPECT_EQ(rig.status, 0);
+}
+
+TEST(AlsaMixer, CountsEveryInputThatIsAMicrophone) {
+    Rig rig;
+    rig.platform.Cards().Change(kCard, kFakeSource, {3});
+    static_cast<void>(rig.library.GetMicRecordVolume(rig.status));
+    EXPECT_EQ(rig.status, 0);
+    static_cast<void>(rig.library.GetLineRecordVolume(rig.status));
+    EXPECT_NE(rig.status, 0);
+    const auto mixer = rig.hardware->Open({MixerSide::kCapture, kName});
+    MixerElement& mic = *mixer->Find(MixerFunction::kMicSource);
+    EXPECT_EQ(mic.Read().front(), 1);
+    mic.Write({1});
+    EXPECT_EQ(rig.At(kFakeSource)[0], 3) << "one microphone is as good as another";
+    rig.platform.Cards().Change(kCard, kFakeSource, {2});
+    mic.Write({1});
+    EXPECT_EQ(rig.At(kFakeSource)[0], 1);
+}
+
+TEST(AlsaMixer, BoostsTheMicrophoneAndNothingElse) {
+    Rig rig;
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_THAT(rig.At(kFakeBoost), ElementsAre(2, 2));
+    rig.platform.Cards().Offer(kCard, kFakeBoost, false);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_NE(rig.status, 0) << "a bass and a line are no microphones";
+    rig.platform.Cards().Offer(kCard, kFakePlainBoost, true);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    rig.library.SetMicBoost(true, rig.status);
+    EXPECT_EQ(rig.status, 0);
+    EXPECT_EQ(rig.At(kFakePlainBoost)[0], 1);
+    EXPECT_THAT(rig.At(kFakeBassBoost), ElementsAre(0, 0));
+    EXPECT_THAT(rig.At(kFakeLineBoost), ElementsAre(0, 0));
 }
 
 TEST(AlsaMixer, GivesASourceBackThatIsNeitherMicrophoneNorLine) {
@@ -130,6 +205,45 @@ TEST(AlsaMixer, FindsACardThatIsPutInAgain) {
     rig.platform.Cards().PutIn(kCard);
     rig.library.OpenSoundCard(kName, kName, "", rig.status);
     static_cast<void>(rig.library.GetMasterVolume(rig.status));
+    EXPECT_EQ(rig.status, 0);
+}
+
+TEST(AlsaMixer, ForgetsAControlThatTheDriverTakesAway) {
+    Rig rig;
+    HardwareMixerControl output(*rig.hardware, MixerSide::kPlayback);
+    output.DeviceCount();
+    output.SelectDevice(0);
+    const auto levels = rig.levels.Read({MixerSide::kPlayback, kName});
+    for (const FakeControl control : {kFakeMaster, kFakeMasterSwitch, kFakeBass, kFakeSource, kFakeBoost})
+        rig.platform.Cards().Offer(kCard, control, false);
+    for (int round = 0; round < 3; ++round) {
+        static_cast<void>(rig.library.GetMasterVolume(rig.status));
+        EXPECT_NE(rig.status, 0);
+        rig.library.SetMasterMute(true, rig.status);
+        EXPECT_NE(rig.status, 0);
+        rig.library.SetBass(3.0, rig.status);
+        EXPECT_NE(rig.status, 0);
+        rig.library.SetMicBoost(true, rig.status);
+        EXPECT_NE(rig.status, 0);
+        static_cast<void>(rig.library.GetLinePlayBack(rig.status));
+        EXPECT_EQ(rig.status, 0) << "the others stay";
+        SetLegacyMixerState(output, GetLegacyMixerState(output));
+    }
+    EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(1, 1));
+    EXPECT_TRUE(rig.levels.Write({MixerSide::kPlayback, kName}, *levels));
+}
+
+TEST(AlsaMixer, FindsAControlThatTheDriverBringsAgain) {
+    Rig rig;
+    rig.platform.Cards().Offer(kCard, kFakeLine, false);
+    rig.platform.Cards().Offer(kCard, kFakeLineSwitch, false);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    static_cast<void>(rig.library.GetLinePlayBack(rig.status));
+    EXPECT_NE(rig.status, 0);
+    rig.platform.Cards().Offer(kCard, kFakeLine, true);
+    rig.platform.Cards().Offer(kCard, kFakeLineSwitch, true);
+    rig.library.OpenSoundCard(kName, kName, "", rig.status);
+    EXPECT_EQ(rig.library.GetLinePlayBack(rig.status), 74);
     EXPECT_EQ(rig.status, 0);
 }
 

@@ -37,9 +37,9 @@ public:
     static std::string CaptureName() { return std::string("Monitor of ") + kName; }
     static std::set<MixerFunction> Functions() {
         using enum MixerFunction;
-        return {kMasterVolume, kMasterMute, kWaveVolume, kWaveMute,  kLineVolume, kLineMute,
-                kMicVolume,    kMicMute,    kBass,       kTreble,    kMicRecord,  kLineRecord,
-                kMicBoost,     kMonitorOff, kMicSource,  kLineSource};
+        return {kMasterVolume, kMasterMute, kWaveVolume, kWaveMute,  kLineVolume,
+                kLineMute,     kMicVolume,  kMicMute,    kBass,      kTreble,
+                kLineRecord,   kMicBoost,   kMonitorOff, kMicSource, kLineSource};
     }
     static std::vector<std::int32_t> OddValues() { return {20123, 40111}; }
     void ChangeOutside(MixerFunction function, const std::vector<std::int32_t>& values) {
@@ -77,6 +77,24 @@ TEST(LayeredMixer, LeavesTheServerWhatItManages) {
     EXPECT_THAT(levels.Read({MixerSide::kPlayback, kName}).value_or(""),
                 testing::AllOf(testing::StartsWith("volume\t13107 13107\nmute\t0\n"),
                                testing::HasSubstr("card Line 0 playback volume\t31 31\n")));
+}
+
+// The server's source has no ports and no MIC in its name: its level is a line's, and the card's own
+// microphone level is not shown beside it.
+TEST(LayeredMixer, LeavesTheRecordLevelToTheServer) {
+    LayeredPlatform platform;
+    PlainEventLoop loop;
+    const auto mixer = platform.Create(loop);
+    HardwareMixerLibrary library(*mixer);
+    std::int32_t status = -1;
+    library.OpenSoundCard(kName, platform.CaptureName(), "", status);
+    static_cast<void>(library.GetMicRecordVolume(status));
+    EXPECT_NE(status, 0);
+    library.SetMicRecordVolume(3, status);
+    library.SetLineRecordVolume(40, status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(library.GetLineRecordVolume(status), 40);
+    EXPECT_THAT(platform.Cards().Values(3, kFakeCapture), testing::ElementsAre(16, 20));
 }
 
 }  // namespace

@@ -1,4 +1,8 @@
+#include <arpa/inet.h>
 #include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <numbers>
@@ -209,6 +213,35 @@ TEST(PulseMixer, NamesTheCardBehindADevice) {
     EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "Usb"}), "3");
     EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "None"}), "");
     EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "Unknown"}), "");
+}
+
+// A port of this address that nobody listens at.
+std::uint16_t FreePort(const char* address) {
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in place{};
+    place.sin_family = AF_INET;
+    inet_pton(AF_INET, address, &place.sin_addr);
+    socklen_t size = sizeof place;
+    const bool bound = bind(listener, reinterpret_cast<sockaddr*>(&place), size) == 0 &&
+                       getsockname(listener, reinterpret_cast<sockaddr*>(&place), &size) == 0;
+    close(listener);
+    return bound ? ntohs(place.sin_port) : std::uint16_t{0};
+}
+
+// By network, even from here, a server counts as another machine's.
+TEST(PulseMixer, NamesNoCardOfAServerInTheNetwork) {
+    constexpr const char* kHost = "127.0.0.2";
+    PulseServer server({});
+    server.Control({"load-module", "module-null-sink", "sink_name=usb",
+                    "sink_properties='device.description=Usb alsa.card=3'"});
+    const std::uint16_t port = FreePort(kHost);
+    ASSERT_NE(port, 0);
+    server.Control({"load-module", "module-native-protocol-tcp", "auth-anonymous=1",
+                    std::string("listen=") + kHost, "port=" + std::to_string(port)});
+    PlainEventLoop loop;
+    PulseMixer mixer(loop, std::string("tcp:") + kHost + ':' + std::to_string(port));
+    ASSERT_THAT(mixer.Devices(MixerSide::kPlayback), testing::Contains("Usb"));
+    EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "Usb"}), "");
 }
 
 TEST(PulseInputs, AreToldByTypeThenByName) {

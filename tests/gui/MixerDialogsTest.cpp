@@ -85,6 +85,65 @@ TEST(MixerDialogs, HaveTheirCaptionsAndToolTips) {
     EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldTreble").toolTip(), "Adjust Treble Response");
 }
 
+using Captions = std::vector<std::pair<const char*, const char*>>;
+
+// Of labels, boxes and buttons by name; the empty name stands for any label, such as a frame's title.
+void ExpectCaptions(QWidget& dialog, const Captions& captions) {
+    std::set<std::string> titles;
+    for (const QLabel* label : dialog.findChildren<QLabel*>()) titles.insert(label->text().toStdString());
+    for (const auto& [name, caption] : captions) {
+        if (*name == '\0') {
+            EXPECT_THAT(titles, Contains(caption));
+            continue;
+        }
+        EXPECT_EQ(Find<QWidget>(dialog, name).property("text").toString(), caption) << name;
+    }
+}
+
+TEST(MixerDialogs, NameTheirControls) {
+    MixerRig rig(5);
+    ExpectCaptions(rig.dialogs.Sound, {{"", "Play Controls (Output)"},
+                                       {"", "Record Controls (Input)"},
+                                       {"lblMaster", "Master"},
+                                       {"lblWave", "Wave"},
+                                       {"lblLine", "Line"},
+                                       {"lblMicrophone", "Microphone"},
+                                       {"lblLineRec", "Line Rec"},
+                                       {"MasterMute", "Mute"},
+                                       {"WaveMute", "Mute"},
+                                       {"LinePlayMute", "Mute"},
+                                       {"micPlayMute", "Mute"},
+                                       {"chkmic", "Select"},
+                                       {"chkline", "Select"},
+                                       {"chk20Db", "+20 Db"},
+                                       {"chkNoMon", "Mon Off"},
+                                       {"Command1", "Sync"},
+                                       {"cmdOk", "Close"}});
+}
+
+TEST(VistaDialog, NamesItsControls) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    ExpectCaptions(rig.dialogs.SoundVista, {{"", "Playback"},
+                                            {"", "Record"},
+                                            {"lblSpeaker", "Speaker :"},
+                                            {"chkSpeakerMute", "Mute"},
+                                            {"chkMasterMute", "Mute"},
+                                            {"lblLinePlay", "Line :"},
+                                            {"chkLinePlay", "Mute"},
+                                            {"lblMicPlay", "Microphone :"},
+                                            {"chkMicPlay", "Mute"},
+                                            {"cmdTone", "Tone"},
+                                            {"lblMicRecord", "Microphone :"},
+                                            {"lblLineRecord", "Line In :"},
+                                            {"chkBoost", "+20 dB"},
+                                            {"chkNoMon", "No Mon"},
+                                            {"cmdSync", "Sync"}});
+    ExpectCaptions(
+        rig.dialogs.Tone,
+        {{"lblBass", "Bass :"}, {"lblMid", "Mid Range :"}, {"lblTreble", "Treble :"}, {"cmdClose", "Close"}});
+}
+
 TEST(MixerDialogs, OpenOnceBesideTheMainWindow) {
     MixerRig rig(10);
     rig.session.ShowSoundCard();
@@ -167,6 +226,16 @@ TEST(VistaDialog, ShowsWhatOthersChangeAtOnce) {
     EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "percent_sldLine").text(), "10 %");
 }
 
+TEST(VistaDialog, ChecksTheBoostThatOthersSwitchOn) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_FALSE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
+    rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
+    Settle(rig);
+    EXPECT_TRUE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
+}
+
 TEST(VistaDialog, TellsOfADivisionByZero) {
     MixerRig rig(10);
     rig.session.ShowSoundCard();
@@ -181,13 +250,40 @@ TEST(VistaDialog, GreysWhatTheCardLacks) {
     MixerRig rig(10, {MixerFunction::kMicRecord, MixerFunction::kLineMute, MixerFunction::kMasterVolume});
     rig.session.ShowSoundCard();
     Settle(rig);
-    for (const char* name :
-         {"sldMic", "lblMicRecord", "percent_sldMic", "chkLinePlay", "sldMaster", "capMaster", "sldSpeakers"})
-        if (std::string(name) != "sldSpeakers") {
-            EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
-        }
-    EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, "sldLine").isEnabled());
+    for (const char* name : {"sldMic", "lblMicRecord", "percent_sldMic", "chkLinePlay", "sldMaster",
+                             "capMaster", "sldSpeakers", "lblSpeaker"})
+        EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
+    for (const char* name : {"sldLine", "chkSpeakerMute", "chkMasterMute", "sldMicPlay", "chkMicPlay"})
+        EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
     EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "lblInputMixer").text(), "Not Selected");
+}
+
+// The last volume and the last mute would otherwise be the microphone's.
+TEST(VistaDialog, OfACardWithoutMasterMovesNothingElse) {
+    MixerRig rig(10, {MixerFunction::kMasterVolume, MixerFunction::kMasterMute});
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    const auto level = rig.mixer.Values(MixerFunction::kMicVolume);
+    const auto mute = rig.mixer.Values(MixerFunction::kMicMute);
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
+    Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(90);
+    rig.session.SoundVista.chkSpeakerMute.UserSets(mute.front() == 0);
+    Settle(rig);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicVolume), level);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute), mute);
+    EXPECT_EQ(rig.mixer.Writes(), 0);
+}
+
+TEST(VistaDialog, OfAMasterWithoutMuteLeavesTheMicrophonesMute) {
+    MixerRig rig(10, {MixerFunction::kMasterMute});
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
+    rig.session.SoundVista.chkSpeakerMute.UserSets(false);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute)[0], 1);
+    EXPECT_EQ(rig.mixer.Writes(), 0);
 }
 
 TEST(ToneDialog, MovesTheCardsTones) {

@@ -95,9 +95,10 @@ void LevelKeeper::GiveBack() {
     WriteJournal();
 }
 
-bool LevelKeeper::AnyPresent() {
-    return std::any_of(inUse_.begin(), inUse_.end(),
-                       [this](const Kept& kept) { return levels_.Read(kept.device).has_value(); });
+bool LevelKeeper::Present(MixerSide side) {
+    return std::any_of(inUse_.begin(), inUse_.end(), [&](const Kept& kept) {
+        return kept.device.side == side && levels_.Read(kept.device).has_value();
+    });
 }
 
 }  // namespace sonavex

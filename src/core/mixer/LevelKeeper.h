@@ -25,8 +25,8 @@ public:
     // there waits in the journal for a later run.
     void GiveBack();
 
-    // Whether any device in use is there.
-    bool AnyPresent();
+    // Whether a device in use of this side is there.
+    bool Present(MixerSide side);
 
 private:
     struct Kept {

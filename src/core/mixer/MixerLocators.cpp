@@ -50,7 +50,9 @@ void LocateSlot(MixerControl& mixer, MixerLocator& entry,
                 const std::function<bool(const std::string&)>& matches) {
     entry.Value = kNotSearched;
     ForEachControl(mixer, [&](const std::string& name) {
-        if (entry.Value == kNotSearched && matches(name)) entry = ReadSelected(mixer);
+        if (entry.Value != kNotSearched || !matches(name)) return;
+        const MixerLocator read = ReadSelected(mixer);
+        if (read.Available()) entry = read;
     });
     if (entry.Value == kNotSearched) entry = {};
 }

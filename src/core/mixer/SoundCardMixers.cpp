@@ -101,6 +101,7 @@ void SoundCardMixers::SetUpSoundControls() {
         Speaker = VistaSound::SetUpVistaSoundControls(world_.outputMixer);
     else
         sonavex::SetUpSoundControls(Legacy);
+    Refresh();
 }
 
 void SoundCardMixers::ShowSoundCard() {
@@ -119,8 +120,7 @@ void SoundCardMixers::UnloadDialogs() {
 void SoundCardMixers::SaveAndRestoreInitial() {
     if (!started_) return;
     started_ = false;
-    // A card that is gone has no levels worth saving.
-    if (keeper_.AnyPresent()) Save();
+    Save();
     GiveBack();
 }
 
@@ -137,13 +137,18 @@ void SoundCardMixers::GiveBack() {
     if (NewerGeneration()) world_.library.CloseSoundCard(status);
 }
 
+// A card that is gone has no levels worth saving, nor has a control that the card lacks.
 void SoundCardMixers::Save() {
+    const bool playback = keeper_.Present(MixerSide::kPlayback);
+    const bool capture = keeper_.Present(MixerSide::kCapture);
     if (NewerGeneration()) {
-        settings_.Save(keys::kVistaMixerState, VistaSound::GetVistaMixerState(world_.library));
+        if (!playback && !capture) return;
+        const std::string saved = settings_.Text(keys::kVistaMixerState);
+        settings_.Save(keys::kVistaMixerState, VistaSound::StateToSave(world_.library, saved));
         return;
     }
-    settings_.Save(keys::kOutputMixerState, GetLegacyMixerState(world_.outputMixer));
-    settings_.Save(keys::kInputMixerState, GetLegacyMixerState(world_.inputMixer));
+    if (playback) settings_.Save(keys::kOutputMixerState, GetLegacyMixerState(world_.outputMixer));
+    if (capture) settings_.Save(keys::kInputMixerState, GetLegacyMixerState(world_.inputMixer));
 }
 
 void SoundCardMixers::PutInitialBack() {
@@ -155,7 +160,7 @@ void SoundCardMixers::PutInitialBack() {
     SetLegacyMixerState(world_.inputMixer, InitialInputMixerState);
 }
 
-// Somebody has changed the levels: what is open shows it.
+// The levels, or where they are found, have changed: what is open shows it.
 void SoundCardMixers::Refresh() {
     if (Sound.Loaded()) Sound.RefreshSoundControls();
     if (SoundVista.Loaded()) SoundVista.RefreshVistaSoundControls();

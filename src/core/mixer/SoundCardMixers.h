@@ -44,6 +44,7 @@ public:
     void ReopenSoundCard(const std::string& outputDeviceName, const std::string& inputDeviceName) override;
     // A saved line that does not convert is told of, and the start goes on with what was applied.
     void CaptureAndApplySaved() override;
+    // Dialogs that are open show what was found.
     void SetUpSoundControls() override;
     void ShowSoundCard() override;
     void UnloadDialogs() override;

@@ -1,11 +1,17 @@
 #include "core/mixer/VistaSound.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "core/mixer/ControlNames.h"
 #include "core/mixer/StateFields.h"
 #include "core/text/Numbers.h"
+#include "core/text/RuntimeError.h"
 
 namespace sonavex::VistaSound {
 namespace {
+
+constexpr std::size_t kFields = 13;
 
 std::string Text(std::int32_t level) {
     return CStr(level);
@@ -23,25 +29,75 @@ std::int32_t Rounded(std::string_view field) {
     return CLng(CDbl(field));
 }
 
+// Calls the Gets in the order of the fields; take(value, status) with each result.
+template <class Take>
+void ForEachField(QuenbyVista& library, Take take) {
+    std::int32_t status = 0;
+    const auto get = [&](auto operation) {
+        const auto value = (library.*operation)(status);
+        take(value, status);
+    };
+    get(&QuenbyVista::GetMasterVolume);
+    get(&QuenbyVista::GetMasterMute);
+    get(&QuenbyVista::GetLinePlayBack);
+    get(&QuenbyVista::GetLinePlayBackMute);
+    get(&QuenbyVista::GetMicPlayBack);
+    get(&QuenbyVista::GetMicPlayBackMute);
+    get(&QuenbyVista::GetMicBoost);
+    get(&QuenbyVista::GetNoMonitor);
+    get(&QuenbyVista::GetBass);
+    get(&QuenbyVista::GetMidRange);
+    get(&QuenbyVista::GetTreble);
+    get(&QuenbyVista::GetMicRecordVolume);
+    get(&QuenbyVista::GetLineRecordVolume);
+}
+
+// Whether the field converts to the type of the value that it stands for.
+bool Converts(std::string_view field, bool) {
+    try {
+        static_cast<void>(CBool(field));
+        return true;
+    } catch (const RuntimeError&) {
+        return false;
+    }
+}
+
+template <class Number>
+bool Converts(std::string_view field, Number) {
+    try {
+        static_cast<void>(Rounded(field));
+        return true;
+    } catch (const RuntimeError&) {
+        return false;
+    }
+}
+
+// The fields of a line that has them all; none of any other.
+std::vector<std::string_view> FieldsOf(std::string_view line) {
+    if (static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) != kFields) return {};
+    std::vector<std::string_view> all;
+    for (StateFields fields(line); all.size() < kFields;) all.push_back(fields.Next());
+    return all;
+}
+
 }  // namespace
 
 std::string GetVistaMixerState(QuenbyVista& library) {
     std::string line;
-    std::int32_t status = 0;
-    const auto add = [&line](auto value) { line += Text(value) + ','; };
-    add(library.GetMasterVolume(status));
-    add(library.GetMasterMute(status));
-    add(library.GetLinePlayBack(status));
-    add(library.GetLinePlayBackMute(status));
-    add(library.GetMicPlayBack(status));
-    add(library.GetMicPlayBackMute(status));
-    add(library.GetMicBoost(status));
-    add(library.GetNoMonitor(status));
-    add(library.GetBass(status));
-    add(library.GetMidRange(status));
-    add(library.GetTreble(status));
-    add(library.GetMicRecordVolume(status));
-    add(library.GetLineRecordVolume(status));
+    ForEachField(library, [&line](auto value, std::int32_t) { line += Text(value) + ','; });
+    return line;
+}
+
+std::string StateToSave(QuenbyVista& library, std::string_view savedBefore) {
+    const std::vector<std::string_view> before = FieldsOf(savedBefore);
+    std::string line;
+    std::size_t number = 0;
+    ForEachField(library, [&](auto value, std::int32_t status) {
+        const std::string_view old = number < before.size() ? before[number] : std::string_view();
+        ++number;
+        line += status != 0 && Converts(old, value) ? std::string(old) : Text(value);
+        line += ',';
+    });
     return line;
 }
 

@@ -29,6 +29,10 @@ namespace VistaSound {
 // monitor, bass, mid range, treble, microphone record volume, line record volume.
 std::string GetVistaMixerState(QuenbyVista& library);
 
+// The line to save: as above, but a control that the card lacks keeps its field of the line saved before,
+// where that has one, so that a level that nobody has set is not saved as one.
+std::string StateToSave(QuenbyVista& library, std::string_view savedBefore);
+
 // Puts a state line on the card, field by field. Errors 5 (a comma is missing), 13 (a field that does
 // not convert, or is empty) and 6 (out of range) after the fields before it have been applied.
 void SetVistaMixerState(QuenbyVista& library, std::string_view line);

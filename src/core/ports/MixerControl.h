@@ -50,9 +50,10 @@ public:
     virtual std::string ControlName() = 0;
     virtual MixerControlDescription Description() = 0;
     // Levels run from 0 to 65535 whatever the card counts in. Channel 0 is left, 1 right; a control
-    // with one channel has it as both.
+    // with one channel has it as both. A control that stands for one that the card lacks has the value -1.
     virtual std::int32_t Value(std::int16_t channel) = 0;
-    // Takes effect with Commit. A value outside the control's range becomes its nearest limit.
+    // Takes effect with Commit. A value outside the control's range becomes its nearest limit. A switch
+    // of which one channel alone is set takes it for both.
     virtual void SetValue(std::int16_t channel, std::int32_t value) = 0;
     // Writes the values set since the last commit to the device. A value equal to the present one is
     // not written, so that a finer raw value stays.

@@ -2,6 +2,7 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -37,6 +38,39 @@ AlsaCardMixer::AlsaCardMixer(const std::string& ctl) : ctl_(ctl) {
     for (snd_mixer_elem_t* element = snd_mixer_first_elem(mixer_.get()); element != nullptr;
          element = snd_mixer_elem_next(element))
         elements_.push_back(element);
+    for (snd_mixer_elem_t* element : elements_) {
+        snd_mixer_elem_set_callback_private(element, this);
+        snd_mixer_elem_set_callback(element, ElementEvent);
+    }
+    snd_mixer_set_callback_private(mixer_.get(), this);
+    snd_mixer_set_callback(mixer_.get(), CardEvent);
+}
+
+// Closing takes every element away and tells this object so.
+AlsaCardMixer::~AlsaCardMixer() {
+    mixer_.reset();
+}
+
+bool AlsaCardMixer::Holds(const snd_mixer_elem_t* element) const noexcept {
+    return std::find(elements_.begin(), elements_.end(), element) != elements_.end();
+}
+
+void AlsaCardMixer::Forget(const snd_mixer_elem_t* element) {
+    std::erase(elements_, element);
+    altered_ = true;
+}
+
+int AlsaCardMixer::ElementEvent(snd_mixer_elem_t* element, unsigned mask) {
+    auto* const card = static_cast<AlsaCardMixer*>(snd_mixer_elem_get_callback_private(element));
+    if (mask == SND_CTL_EVENT_MASK_REMOVE) card->Forget(element);
+    return 0;
+}
+
+// What comes later is found when the card is opened again.
+int AlsaCardMixer::CardEvent(snd_mixer_t* mixer, unsigned mask, snd_mixer_elem_t*) {
+    auto* const card = static_cast<AlsaCardMixer*>(snd_mixer_get_callback_private(mixer));
+    if ((mask & SND_CTL_EVENT_MASK_ADD) != 0) card->altered_ = true;
+    return 0;
 }
 
 bool AlsaCardMixer::TakeChange() noexcept {

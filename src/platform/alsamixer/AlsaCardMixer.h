@@ -13,9 +13,17 @@ class AlsaCardMixer {
 public:
     // ctl: libasound's name of the card's control, such as "hw:0". RuntimeError when it does not open.
     explicit AlsaCardMixer(const std::string& ctl);
+    ~AlsaCardMixer();
+    AlsaCardMixer(const AlsaCardMixer&) = delete;
+    AlsaCardMixer& operator=(const AlsaCardMixer&) = delete;
 
-    // Every simple element of the card.
+    // Every simple element that the card had when it was opened and still has.
     const std::vector<snd_mixer_elem_t*>& Elements() const noexcept { return elements_; }
+    // Whether it is still one of them. A driver may take an element away in any Update; what asks for one
+    // that is gone must not touch it.
+    bool Holds(const snd_mixer_elem_t* element) const noexcept;
+    // Whether elements have come or gone since the card was opened.
+    bool Altered() const noexcept { return altered_; }
 
     // Takes in what others changed. RuntimeError when the card is gone, from then on always.
     void Update();
@@ -34,6 +42,9 @@ private:
         void operator()(snd_mixer_t* mixer) const noexcept { snd_mixer_close(mixer); }
     };
 
+    static int ElementEvent(snd_mixer_elem_t* element, unsigned mask);
+    static int CardEvent(snd_mixer_t* mixer, unsigned mask, snd_mixer_elem_t* element);
+    void Forget(const snd_mixer_elem_t* element);
     bool Pending();
     [[noreturn]] void Lose();
 
@@ -42,6 +53,7 @@ private:
     std::vector<snd_mixer_elem_t*> elements_;
     bool changed_ = false;
     bool gone_ = false;
+    bool altered_ = false;
 };
 
 // Throws the RuntimeError of a libasound result below 0.

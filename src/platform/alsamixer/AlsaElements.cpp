@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "core/ports/SoundErrors.h"
 #include "core/text/RuntimeError.h"
 
 namespace sonavex {
@@ -26,17 +27,27 @@ Channels ChannelsOf(snd_mixer_elem_t* element, AlsaSide side) {
     return channels;
 }
 
-// What all kinds share: live values, and changes that are noted.
+RawRange VolumeRange(snd_mixer_elem_t* element, AlsaSide side) {
+    long minimum = 0;
+    long maximum = 1;
+    const auto get = side == AlsaSide::kPlayback ? snd_mixer_selem_get_playback_volume_range
+                                                 : snd_mixer_selem_get_capture_volume_range;
+    CheckAlsa(get(element, &minimum, &maximum));
+    return {static_cast<std::int32_t>(minimum), static_cast<std::int32_t>(maximum)};
+}
+
+// What all kinds share: live values, and changes that are noted. Of an element that the driver has
+// taken away nothing is read or written.
 class ElementOfCard : public MixerElement {
 public:
     ElementOfCard(AlsaCard card, snd_mixer_elem_t* element) : element_(element), card_(std::move(card)) {}
 
     std::vector<std::int32_t> Read() final {
-        card_->Update();
+        Prepare();
         return Values();
     }
     void Write(const std::vector<std::int32_t>& values) final {
-        card_->Update();
+        Prepare();
         Put(values);
         card_->NoteChange();
     }
@@ -46,28 +57,48 @@ protected:
     virtual void Put(const std::vector<std::int32_t>& values) = 0;
 
     AlsaCardMixer& Card() const noexcept { return *card_; }
+    bool Present() const noexcept { return card_->Holds(element_); }
 
     snd_mixer_elem_t* const element_;  // NOLINT(readability-identifier-naming): the kinds' own
 
 private:
+    void Prepare() {
+        card_->Update();
+        if (!Present()) throw RuntimeError(sound_error::kGeneric, "The card no longer has this control.");
+    }
+
     AlsaCard card_;
 };
 
 class Volume : public ElementOfCard {
 public:
     Volume(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side)
-        : ElementOfCard(std::move(card), element), side_(side), channels_(ChannelsOf(element, side)) {}
+        : ElementOfCard(std::move(card), element),
+          side_(side),
+          range_(VolumeRange(element, side)),
+          channels_(ChannelsOf(element, side)) {}
 
-    RawRange Range() const override {
-        long minimum = 0;
-        long maximum = 1;
-        const auto get = side_ == AlsaSide::kPlayback ? snd_mixer_selem_get_playback_volume_range
-                                                      : snd_mixer_selem_get_capture_volume_range;
-        CheckAlsa(get(element_, &minimum, &maximum));
-        return {static_cast<std::int32_t>(minimum), static_cast<std::int32_t>(maximum)};
+    RawRange Range() const override { return range_; }
+
+    // The step above the lowest whose gain is nearest; the highest one where the card tells no decibels.
+    std::int32_t StepNearest(long hundredthsDb) const {
+        const auto ask = side_ == AlsaSide::kPlayback ? snd_mixer_selem_ask_playback_vol_dB
+                                                      : snd_mixer_selem_ask_capture_vol_dB;
+        std::int32_t best = range_.maximum;
+        long bestDistance = -1;
+        for (std::int32_t step = range_.minimum + 1; Present() && step <= range_.maximum; ++step) {
+            long gain = 0;
+            if (ask(element_, step, &gain) < 0) return range_.maximum;
+            const long distance = std::abs(gain - hundredthsDb);
+            if (bestDistance >= 0 && distance >= bestDistance) continue;
+            bestDistance = distance;
+            best = step;
+        }
+        return best;
     }
 
     std::optional<GainRange> Gains() const override {
+        if (!Present()) return {};
         long minimum = 0;
         long maximum = 0;
         const auto get = side_ == AlsaSide::kPlayback ? snd_mixer_selem_get_playback_dB_range
@@ -98,13 +129,13 @@ protected:
 
 private:
     bool PlainDecibels(long& minimum, long& maximum) const {
-        const RawRange range = Range();
         const std::string name = snd_mixer_selem_get_name(element_);
-        return Card().Decibels("Tone Control - " + name, range.minimum, range.maximum, minimum, maximum) ||
-               Card().Decibels(name, range.minimum, range.maximum, minimum, maximum);
+        return Card().Decibels("Tone Control - " + name, range_.minimum, range_.maximum, minimum, maximum) ||
+               Card().Decibels(name, range_.minimum, range_.maximum, minimum, maximum);
     }
 
     AlsaSide side_;
+    RawRange range_;
     Channels channels_;
 };
 
@@ -145,45 +176,35 @@ private:
 
 class Boost : public MixerElement {
 public:
-    Boost(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side)
-        : element_(element), side_(side), steps_(std::move(card), element, side) {}
+    Boost(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side) : steps_(std::move(card), element, side) {}
 
     RawRange Range() const override { return {0, 1}; }
     std::vector<std::int32_t> Read() override {
-        return {static_cast<std::int32_t>(steps_.Read().front() > steps_.Range().minimum)};
+        std::vector<std::int32_t> values = steps_.Read();
+        for (std::int32_t& value : values) value = static_cast<std::int32_t>(value > steps_.Range().minimum);
+        return values;
     }
+    // A channel that is on keeps its step.
     void Write(const std::vector<std::int32_t>& values) override {
         const RawRange range = steps_.Range();
-        const std::int32_t step = values.at(0) != 0 ? BoostStep(range) : range.minimum;
-        steps_.Write(std::vector<std::int32_t>(steps_.Read().size(), step));
+        std::vector<std::int32_t> steps = steps_.Read();
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            if (values.at(i) == 0) steps[i] = range.minimum;
+            if (values.at(i) != 0 && steps[i] == range.minimum)
+                steps[i] = steps_.StepNearest(kBoostHundredthsDb);
+        }
+        steps_.Write(steps);
     }
 
 private:
-    std::int32_t BoostStep(const RawRange& range) const {
-        const auto ask = side_ == AlsaSide::kPlayback ? snd_mixer_selem_ask_playback_vol_dB
-                                                      : snd_mixer_selem_ask_capture_vol_dB;
-        std::int32_t best = range.maximum;
-        long bestDistance = -1;
-        for (std::int32_t step = range.minimum + 1; step <= range.maximum; ++step) {
-            long hundredthsDb = 0;
-            if (ask(element_, step, &hundredthsDb) < 0) return range.maximum;
-            const long distance = std::abs(hundredthsDb - kBoostHundredthsDb);
-            if (bestDistance >= 0 && distance >= bestDistance) continue;
-            bestDistance = distance;
-            best = step;
-        }
-        return best;
-    }
-
-    snd_mixer_elem_t* element_;
-    AlsaSide side_;
     Volume steps_;
 };
 
 class Choice : public ElementOfCard {
 public:
-    using ElementOfCard::ElementOfCard;
-    RawRange Range() const override { return {0, snd_mixer_selem_get_enum_items(element_) - 1}; }
+    Choice(AlsaCard card, snd_mixer_elem_t* element)
+        : ElementOfCard(std::move(card), element), range_{0, snd_mixer_selem_get_enum_items(element) - 1} {}
+    RawRange Range() const override { return range_; }
 
 protected:
     std::vector<std::int32_t> Values() override {
@@ -195,23 +216,27 @@ protected:
         CheckAlsa(snd_mixer_selem_set_enum_item(element_, SND_MIXER_SCHN_MONO,
                                                 static_cast<unsigned>(values.at(0))));
     }
+
+private:
+    RawRange range_;
 };
 
-class Item : public MixerElement {
+class AnyItem : public MixerElement {
 public:
-    Item(AlsaCard card, snd_mixer_elem_t* element, std::int32_t item)
-        : choice_(std::move(card), element), item_(item) {}
+    AnyItem(AlsaCard card, snd_mixer_elem_t* element, std::vector<std::int32_t> items)
+        : choice_(std::move(card), element), items_(std::move(items)) {}
     RawRange Range() const override { return {0, 1}; }
     std::vector<std::int32_t> Read() override {
-        return {static_cast<std::int32_t>(choice_.Read().front() == item_)};
+        const std::int32_t selected = choice_.Read().front();
+        return {static_cast<std::int32_t>(std::find(items_.begin(), items_.end(), selected) != items_.end())};
     }
     void Write(const std::vector<std::int32_t>& values) override {
-        if (values.at(0) != 0) choice_.Write({item_});
+        if (values.at(0) != 0 && Read().front() == 0) choice_.Write({items_.front()});
     }
 
 private:
     Choice choice_;
-    std::int32_t item_;
+    std::vector<std::int32_t> items_;
 };
 
 class InputSwitch : public MixerElement {
@@ -219,7 +244,10 @@ public:
     InputSwitch(const AlsaCard& card, snd_mixer_elem_t* element, snd_mixer_elem_t* other)
         : switch_(card, element, AlsaSide::kCapture, false), other_(card, other, AlsaSide::kCapture, false) {}
     RawRange Range() const override { return {0, 1}; }
-    std::vector<std::int32_t> Read() override { return {switch_.Read().front()}; }
+    std::vector<std::int32_t> Read() override {
+        const std::vector<std::int32_t> values = switch_.Read();
+        return {*std::min_element(values.begin(), values.end())};
+    }
     void Write(const std::vector<std::int32_t>& values) override {
         if (values.at(0) == 0) return;
         switch_.Write(std::vector<std::int32_t>(switch_.Read().size(), 1));
@@ -272,8 +300,9 @@ std::unique_ptr<MixerElement> AlsaChoice(AlsaCard card, snd_mixer_elem_t* elemen
     return std::make_unique<Choice>(std::move(card), element);
 }
 
-std::unique_ptr<MixerElement> AlsaItem(AlsaCard card, snd_mixer_elem_t* element, std::int32_t item) {
-    return std::make_unique<Item>(std::move(card), element, item);
+std::unique_ptr<MixerElement> AlsaAnyItem(AlsaCard card, snd_mixer_elem_t* element,
+                                          std::vector<std::int32_t> items) {
+    return std::make_unique<AnyItem>(std::move(card), element, std::move(items));
 }
 
 std::unique_ptr<MixerElement> AlsaInputSwitch(const AlsaCard& card, snd_mixer_elem_t* element,

@@ -25,7 +25,7 @@ std::unique_ptr<MixerElement> AlsaVolume(AlsaCard card, snd_mixer_elem_t* elemen
 std::unique_ptr<MixerElement> AlsaSwitch(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side,
                                          bool inverted);
 
-// A microphone's boost that is a volume in steps: 1 when any is on. Switched on it takes the step
+// A microphone's boost that is a volume in steps: 1 above the lowest. Switched on it takes the step
 // nearest to +20 dB; the highest one where the card tells no decibels.
 std::unique_ptr<MixerElement> AlsaBoost(AlsaCard card, snd_mixer_elem_t* element, AlsaSide side);
 
@@ -33,8 +33,9 @@ std::unique_ptr<MixerElement> AlsaBoost(AlsaCard card, snd_mixer_elem_t* element
 std::vector<std::string> AlsaItems(snd_mixer_elem_t* element);
 // The number of the selected item.
 std::unique_ptr<MixerElement> AlsaChoice(AlsaCard card, snd_mixer_elem_t* element);
-// 1 when this item is selected; writing 1 selects it.
-std::unique_ptr<MixerElement> AlsaItem(AlsaCard card, snd_mixer_elem_t* element, std::int32_t item);
+// 1 when one of these items is selected; writing 1 selects the first of them, unless one is already.
+std::unique_ptr<MixerElement> AlsaAnyItem(AlsaCard card, snd_mixer_elem_t* element,
+                                          std::vector<std::int32_t> items);
 
 // A capture switch that selects its input: writing 1 also switches the other's off.
 std::unique_ptr<MixerElement> AlsaInputSwitch(const AlsaCard& card, snd_mixer_elem_t* element,

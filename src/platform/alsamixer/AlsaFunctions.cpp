@@ -51,11 +51,38 @@ std::string NameOf(snd_mixer_elem_t* element) {
     return snd_mixer_selem_get_name(element);
 }
 
-// The number of the first item that holds the word, -1 without one.
-std::int32_t ItemHolding(const std::vector<std::string>& items, const char* word) {
-    const auto found =
-        std::find_if(items.begin(), items.end(), [&](const std::string& item) { return Holds(item, word); });
-    return found == items.end() ? -1 : static_cast<std::int32_t>(found - items.begin());
+// The numbers of the items that hold the word.
+std::vector<std::int32_t> ItemsHolding(const std::vector<std::string>& items, const char* word) {
+    std::vector<std::int32_t> numbers;
+    for (std::size_t number = 0; number < items.size(); ++number)
+        if (Holds(items[number], word)) numbers.push_back(static_cast<std::int32_t>(number));
+    return numbers;
+}
+
+bool IsLetter(char letter) {
+    return letter >= 'A' && letter <= 'Z';
+}
+
+// A word of the name begins with MIC: that of "Dynamic" does not.
+bool NamesMicrophone(const std::string& upper) {
+    for (std::size_t at = upper.find("MIC"); at != std::string::npos; at = upper.find("MIC", at + 1))
+        if (at == 0 || !IsLetter(upper[at - 1])) return true;
+    return false;
+}
+
+// Nothing is said but the boost itself: "Boost", "+20dB", "Boost (+20 dB)".
+bool NamesBoostAlone(std::string upper) {
+    for (const char* word : {"BOOST", "DB"})
+        if (const std::size_t at = upper.find(word); at != std::string::npos)
+            upper.erase(at, std::string(word).size());
+    return std::none_of(upper.begin(), upper.end(), IsLetter);
+}
+
+// The microphone's own, not that of a bass or of a line.
+bool BoostsMicrophone(snd_mixer_elem_t* element) {
+    const std::string upper = UpperCase(NameOf(element));
+    const bool boost = upper.find("BOOST") != std::string::npos || upper.find("+20") != std::string::npos;
+    return boost && (NamesMicrophone(upper) || NamesBoostAlone(upper)) && AnyControl(element);
 }
 
 const std::vector<const char*> kMasterNames{"Master",   "Speaker", "Front",  "Headphone",
@@ -159,11 +186,11 @@ void AlsaFunctions::AddSources() {
         return;
     }
     const std::vector<std::string> items = AlsaItems(choice);
-    const std::int32_t mic = ItemHolding(items, "MIC");
-    const std::int32_t line = ItemHolding(items, "LINE");
-    if (mic >= 0) Add(MixerFunction::kMicSource, AlsaItem(card_, choice, mic));
-    if (line >= 0) Add(MixerFunction::kLineSource, AlsaItem(card_, choice, line));
-    if (mic >= 0 || line >= 0) Keep(choice, "source", AlsaChoice(card_, choice));
+    const std::vector<std::int32_t> mics = ItemsHolding(items, "MIC");
+    const std::vector<std::int32_t> lines = ItemsHolding(items, "LINE");
+    if (!mics.empty()) Add(MixerFunction::kMicSource, AlsaAnyItem(card_, choice, mics));
+    if (!lines.empty()) Add(MixerFunction::kLineSource, AlsaAnyItem(card_, choice, lines));
+    if (!mics.empty() || !lines.empty()) Keep(choice, "source", AlsaChoice(card_, choice));
 }
 
 void AlsaFunctions::AddInputSwitches() {
@@ -177,7 +204,7 @@ void AlsaFunctions::AddInputSwitches() {
 }
 
 void AlsaFunctions::AddBoost() {
-    snd_mixer_elem_t* const boost = NameHolding({"BOOST", "+20"}, AnyControl);
+    snd_mixer_elem_t* const boost = NameHolding({"BOOST", "+20"}, BoostsMicrophone);
     if (boost == nullptr) return;
     for (const AlsaSide side : {AlsaSide::kCapture, AlsaSide::kPlayback}) {
         if (HasVolume(boost, side)) {

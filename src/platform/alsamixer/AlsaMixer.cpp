@@ -35,7 +35,8 @@ AlsaMixer::~AlsaMixer() {
 
 std::shared_ptr<AlsaCardMixer> AlsaMixer::OpenCard(const std::string& control) {
     std::shared_ptr<AlsaCardMixer> card = open_[control].lock();
-    if (!card || card->Gone()) {
+    if (card && !card->Gone()) card->Update();
+    if (!card || card->Gone() || card->Altered()) {
         card = std::make_shared<AlsaCardMixer>(control);
         open_[control] = card;
     }

@@ -40,6 +40,19 @@ std::int32_t MaximumOf(std::int32_t type) {
     return type == mixer_type::kLevel ? 65535 : 1;
 }
 
+bool IsMaster(MixerFunction function) {
+    return function == MixerFunction::kMasterVolume || function == MixerFunction::kMasterMute;
+}
+
+using Pending = std::array<std::optional<std::int32_t>, 2>;
+
+// What a channel shall become. Further channels follow left and right in turn; a single one takes what
+// there is, and so do all of a switch.
+std::optional<std::int32_t> WantedFor(std::size_t channel, const Pending& pending, bool any) {
+    const std::optional<std::int32_t>& own = pending.at(channel % 2);
+    return own || !any ? own : pending.at((channel + 1) % 2);
+}
+
 }  // namespace
 
 std::int32_t HardwareMixerControl::DeviceCount() {
@@ -61,8 +74,11 @@ void HardwareMixerControl::SelectDevice(std::int32_t number) {
     pending_ = {};
     device_ = deviceName_.empty() ? nullptr : hardware_.Open({side_, deviceName_});
     if (!device_) return;
-    for (const Kind& kind : KindsOf(side_))
-        if (MixerElement* element = device_->Find(kind.function)) controls_.push_back({&kind, element});
+    for (const Kind& kind : KindsOf(side_)) {
+        MixerElement* const element = device_->Find(kind.function);
+        if (element != nullptr || (IsMaster(kind.function) && !controls_.empty()))
+            controls_.push_back({&kind, element});
+    }
 }
 
 std::int16_t HardwareMixerControl::ControlCount() {
@@ -94,7 +110,7 @@ MixerControlDescription HardwareMixerControl::Description() {
 
 std::int32_t HardwareMixerControl::Value(std::int16_t channel) {
     const Present* const selected = Selected();
-    if (selected == nullptr || channel < 0 || channel > 1) return -1;
+    if (selected == nullptr || selected->element == nullptr || channel < 0 || channel > 1) return -1;
     try {
         const std::vector<std::int32_t> values = selected->element->Read();
         const std::size_t place = std::min(static_cast<std::size_t>(channel), values.size() - 1);
@@ -110,19 +126,18 @@ void HardwareMixerControl::SetValue(std::int16_t channel, std::int32_t value) {
     pending_[static_cast<std::size_t>(channel)] = std::clamp(value, 0, MaximumOf(selected->kind->type));
 }
 
-// Further channels follow left and right in turn; a single one follows the left.
 void HardwareMixerControl::Commit() {
-    const auto pending = std::exchange(pending_, {});
+    const Pending pending = std::exchange(pending_, {});
     const Present* const selected = Selected();
-    if (selected == nullptr) return;
-    const RawRange range = selected->element->Range();
+    if (selected == nullptr || selected->element == nullptr) return;
     const std::int32_t full = MaximumOf(selected->kind->type);
     try {
+        const RawRange range = selected->element->Range();
         const std::vector<std::int32_t> before = selected->element->Read();
+        const bool any = before.size() == 1 || selected->kind->type == mixer_type::kSwitch;
         std::vector<std::int32_t> values = before;
         for (std::size_t channel = 0; channel < values.size(); ++channel) {
-            std::optional<std::int32_t> wanted = pending[channel % 2];
-            if (!wanted && values.size() == 1) wanted = pending[1];
+            const std::optional<std::int32_t> wanted = WantedFor(channel, pending, any);
             if (wanted && *wanted != ToScale(before[channel], range, full))
                 values[channel] = FromScale(*wanted, range, full);
         }

@@ -12,7 +12,9 @@
 namespace sonavex {
 
 // The older mixer control on any hardware: one destination with the controls that the device has, the
-// master's last. Of devices whose names begin alike the longer name comes first, so that a sound
+// master's last. A master, or its mute, that the device lacks stands in its place and never answers, so
+// that the last volume and the last mute are the speaker's or nobody's. Writing one channel of a switch
+// writes all of them. Of devices whose names begin alike the longer name comes first, so that a sound
 // device finds its own mixer.
 class HardwareMixerControl : public MixerControl {
 public:
@@ -51,7 +53,7 @@ public:
 private:
     struct Present {
         const Kind* kind;
-        MixerElement* element;
+        MixerElement* element;  // nullptr for one that never answers
     };
     const Present* Selected() const;
 

@@ -22,6 +22,11 @@ bool IsCapture(MixerFunction function) {
     return function >= MixerFunction::kMicRecord;
 }
 
+// A switch of several channels is on where every one is: a mute then leaves none open.
+bool AllOn(const std::vector<std::int32_t>& values) {
+    return std::all_of(values.begin(), values.end(), [](std::int32_t value) { return value != 0; });
+}
+
 // Runs what asks the card; false, with the status, when the card does not answer.
 template <class Action>
 void Ask(std::int32_t& status, Action action) {
@@ -77,7 +82,7 @@ void HardwareMixerLibrary::SetLevel(MixerFunction function, std::int32_t level, 
 bool HardwareMixerLibrary::Switch(MixerFunction function, bool absent, std::int32_t& status) {
     bool on = absent;
     if (MixerElement* const element = Find(function, status))
-        Ask(status, [&] { on = element->Read().front() != 0; });
+        Ask(status, [&] { on = AllOn(element->Read()); });
     return on;
 }
 
@@ -86,7 +91,7 @@ void HardwareMixerLibrary::SetSwitch(MixerFunction function, bool on, std::int32
     if (element == nullptr) return;
     Ask(status, [&] {
         const std::vector<std::int32_t> values = element->Read();
-        if ((values.front() != 0) == on) return;
+        if (AllOn(values) == on) return;
         element->Write(std::vector<std::int32_t>(values.size(), on ? 1 : 0));
     });
 }

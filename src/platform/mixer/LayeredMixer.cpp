@@ -11,13 +11,8 @@ public:
     LayeredDevice(std::shared_ptr<DeviceMixer> front, std::shared_ptr<DeviceMixer> back)
         : front_(std::move(front)), back_(std::move(back)) {}
 
-    MixerElement* Find(MixerFunction function) override {
-        MixerElement* const found = front_->Find(function);
-        return found != nullptr ? found : back_->Find(function);
-    }
-    bool Serves(MixerFunction function) override {
-        return front_->Find(function) != nullptr ? front_->Serves(function) : back_->Serves(function);
-    }
+    MixerElement* Find(MixerFunction function) override { return LayerOf(function).Find(function); }
+    bool Serves(MixerFunction function) override { return LayerOf(function).Serves(function); }
     // The server may move the card's controls when it takes its levels, so the card comes last.
     std::vector<RawEntry> RawEntries() override {
         std::vector<RawEntry> entries = front_->RawEntries();
@@ -27,6 +22,15 @@ public:
     }
 
 private:
+    // A front that has one record level knows whose it is: the other is then not the card's either.
+    DeviceMixer& LayerOf(MixerFunction function) {
+        const bool record = function == MixerFunction::kMicRecord || function == MixerFunction::kLineRecord;
+        const bool atFront = record ? front_->Find(MixerFunction::kMicRecord) != nullptr ||
+                                          front_->Find(MixerFunction::kLineRecord) != nullptr
+                                    : front_->Find(function) != nullptr;
+        return atFront ? *front_ : *back_;
+    }
+
     std::shared_ptr<DeviceMixer> front_;
     std::shared_ptr<DeviceMixer> back_;
 };

@@ -9,8 +9,8 @@
 namespace sonavex {
 
 // Two ways to the levels of a device in one: what the front has is used there, what only the back has
-// is used there. So a sound server keeps the levels that it manages, and the card behind it adds the
-// rest. The devices are those of both, the front's first.
+// is used there; record levels are the front's alone when it has any. So a sound server keeps the levels that
+// it manages, and the card behind it adds the rest. The devices are those of both, the front's first.
 class LayeredMixer : public MixerHardware {
 public:
     LayeredMixer(std::unique_ptr<MixerHardware> front, std::unique_ptr<MixerHardware> back)

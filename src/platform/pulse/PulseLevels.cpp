@@ -39,6 +39,12 @@ void TakeState(pa_context*, const Info* info, int, void* list) {
     if (info != nullptr) static_cast<std::vector<PulseLevelState>*>(list)->push_back(StateOf(*info));
 }
 
+// Another machine counts its own cards.
+void KeepCardsOf(pa_context* server, std::vector<PulseLevelState>& states) {
+    if (pa_context_is_local(server) == 1) return;
+    for (PulseLevelState& state : states) state.alsaCard.clear();
+}
+
 void TakeSuccess(pa_context*, int success, void* done) {
     *static_cast<bool*>(done) = success != 0;
 }
@@ -102,6 +108,7 @@ std::vector<PulseLevelState> PulseLevels::List(PulseDirection direction) {
                            ? pa_context_get_sink_info_list(server, TakeState<pa_sink_info>, &list)
                            : pa_context_get_source_info_list(server, TakeState<pa_source_info>, &list),
                        deadline);
+        KeepCardsOf(server, list);
     });
     return list;
 }
@@ -114,6 +121,7 @@ PulseLevelState PulseLevels::Read(PulseDirection direction, const std::string& n
                 ? pa_context_get_sink_info_by_name(server, name.c_str(), TakeState<pa_sink_info>, &found)
                 : pa_context_get_source_info_by_name(server, name.c_str(), TakeState<pa_source_info>, &found),
             deadline);
+        KeepCardsOf(server, found);
     });
     if (found.empty() || found.front().volumes.empty())
         throw RuntimeError(sound_error::kNoDriver, "There is no sound device '" + name + "'.");

@@ -22,7 +22,8 @@ struct PulseLevelState {
     bool muted = false;
     std::vector<PulsePort> ports;
     std::string activePort;
-    std::string alsaCard;  // number of the card behind the device; empty without one
+    // Number of this machine's card behind the device; empty without one, and at another machine's server.
+    std::string alsaCard;
 };
 
 // Reads and sets levels at the server, each by one request. RuntimeError when the server refuses or

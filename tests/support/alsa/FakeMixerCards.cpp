@@ -56,6 +56,7 @@ std::string FakeMixerCards::PutIn(int number) {
     state.values[kFakeSource] = {1, 0};
     state.values[kFakeBass] = {7, 0};
     state.values[kFakeTreble] = {7, 0};
+    state.missing.at(kFakePlainBoost) = 1;  // the microphone's own is there
     Save(number, state);
     return "hw:" + std::to_string(number);
 }
@@ -70,6 +71,12 @@ void FakeMixerCards::Change(int number, FakeControl control, const std::vector<s
 std::vector<std::int32_t> FakeMixerCards::Values(int number, FakeControl control) const {
     const auto values = Load(number).values.at(control);
     return {values.begin(), values.end()};
+}
+
+void FakeMixerCards::Offer(int number, FakeControl control, bool offered) {
+    FakeMixerState state = Load(number);
+    state.missing.at(control) = offered ? 0 : 1;
+    Save(number, state);
 }
 
 void FakeMixerCards::PullOut(int number) {

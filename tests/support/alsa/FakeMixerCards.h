@@ -23,6 +23,8 @@ public:
     void Change(int number, FakeControl control, const std::vector<std::int32_t>& values);
     std::vector<std::int32_t> Values(int number, FakeControl control) const;
     void PullOut(int number);
+    // The driver takes the control away, or brings it again.
+    void Offer(int number, FakeControl control, bool offered);
 
 private:
     std::string StatePath(int number) const;

@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "support/alsa/FakeMixerState.h"
 
@@ -41,15 +42,18 @@ constexpr std::array<Definition, kFakeControls> kDefinitions{{
     {"Line Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
     {"Mic Playback Volume", Kind::kVolume, 1, 31, -3450, 150},
     {"Mic Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
-    {"Mic Boost Volume", Kind::kVolume, 1, 3, 0, 1000},
+    {"Mic Boost Volume", Kind::kVolume, 2, 3, 0, 1000},
     {"Capture Volume", Kind::kVolume, 2, 46, -1200, 75},
     {"Capture Switch", Kind::kSwitch, 2, 1, 0, 0},
-    {"Input Source", Kind::kChoice, 1, 2, 0, 0},
-    {"Monitor Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
+    {"Input Source", Kind::kChoice, 1, 3, 0, 0},
+    {"Monitor Playback Switch", Kind::kSwitch, 2, 1, 0, 0},
     {"Tone Control - Bass", Kind::kVolume, 1, 15, -1050, 150},
     {"Tone Control - Treble", Kind::kVolume, 1, 15, -1050, 150},
+    {"Dynamic Bass Boost Playback Switch", Kind::kSwitch, 1, 1, 0, 0},
+    {"Line Boost Volume", Kind::kVolume, 2, 3, 0, 1000},
+    {"Boost (+20dB) Capture Switch", Kind::kSwitch, 1, 1, 0, 0},
 }};
-constexpr std::array<const char*, 3> kSources{"CD", "Front Mic", "Line"};
+constexpr std::array<const char*, 4> kSources{"CD", "Front Mic", "Line", "Rear Mic"};
 
 struct FakeCard {
     snd_ctl_ext_t ext{};
@@ -73,22 +77,34 @@ void Close(snd_ctl_ext_t* ext) {
     close(ext->poll_fd);
 }
 
-int Count(snd_ctl_ext_t*) {
-    return kFakeControls;
+// Of the controls that the driver has told of and not taken away.
+std::vector<unsigned> OfferedKeys(const FakeCard& card) {
+    std::vector<unsigned> keys;
+    for (unsigned key = 0; key < kFakeControls; ++key)
+        if (card.seen.missing.at(key) == 0) keys.push_back(key);
+    return keys;
 }
 
-int List(snd_ctl_ext_t*, unsigned offset, snd_ctl_elem_id_t* id) {
-    if (offset >= kFakeControls) return -EINVAL;
+int Count(snd_ctl_ext_t* ext) {
+    return static_cast<int>(OfferedKeys(CardOf(ext)).size());
+}
+
+void Describe(unsigned key, snd_ctl_elem_id_t* id) {
     snd_ctl_elem_id_set_interface(id, SND_CTL_ELEM_IFACE_MIXER);
-    snd_ctl_elem_id_set_name(id, kDefinitions[offset].name);
+    snd_ctl_elem_id_set_name(id, kDefinitions.at(key).name);
+}
+
+int List(snd_ctl_ext_t* ext, unsigned offset, snd_ctl_elem_id_t* id) {
+    const std::vector<unsigned> keys = OfferedKeys(CardOf(ext));
+    if (offset >= keys.size()) return -EINVAL;
+    Describe(keys[offset], id);
     return 0;
 }
 
-snd_ctl_ext_key_t Find(snd_ctl_ext_t*, const snd_ctl_elem_id_t* id) {
-    const unsigned number = snd_ctl_elem_id_get_numid(id);
-    if (number > 0 && number <= kFakeControls) return number - 1;
-    for (std::size_t i = 0; i < kDefinitions.size(); ++i)
-        if (std::strcmp(kDefinitions[i].name, snd_ctl_elem_id_get_name(id)) == 0) return i;
+// Numbers move when a control goes; names stay.
+snd_ctl_ext_key_t Find(snd_ctl_ext_t* ext, const snd_ctl_elem_id_t* id) {
+    for (const unsigned key : OfferedKeys(CardOf(ext)))
+        if (std::strcmp(kDefinitions.at(key).name, snd_ctl_elem_id_get_name(id)) == 0) return key;
     return SND_CTL_EXT_KEY_NOT_FOUND;
 }
 
@@ -173,11 +189,14 @@ int ReadEvent(snd_ctl_ext_t* ext, snd_ctl_elem_id_t* id, unsigned* mask) {
     FakeMixerState state;
     if (const int error = Load(card, state); error < 0) return error;
     for (unsigned key = 0; key < kFakeControls; ++key) {
-        if (state.values.at(key) == card.seen.values.at(key)) continue;
+        const bool moved = state.missing.at(key) != card.seen.missing.at(key);
+        if (!moved && state.values.at(key) == card.seen.values.at(key)) continue;
         card.seen.values.at(key) = state.values.at(key);
-        List(ext, key, id);
-        snd_ctl_elem_id_set_numid(id, key + 1);
-        *mask = SND_CTL_EVENT_MASK_VALUE;
+        card.seen.missing.at(key) = state.missing.at(key);
+        Describe(key, id);
+        *mask = !moved                       ? SND_CTL_EVENT_MASK_VALUE
+                : state.missing.at(key) != 0 ? SND_CTL_EVENT_MASK_REMOVE
+                                             : SND_CTL_EVENT_MASK_ADD;
         return 1;
     }
     std::array<char, 4096> notices{};

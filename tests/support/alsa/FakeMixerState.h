@@ -23,12 +23,16 @@ enum FakeControl : std::uint32_t {
     kFakeMonitor,
     kFakeBass,
     kFakeTreble,
+    kFakeBassBoost,
+    kFakeLineBoost,
+    kFakePlainBoost,
     kFakeControls
 };
 
 struct FakeMixerState {
     std::uint32_t pulledOut = 0;
     std::array<std::array<std::int32_t, 2>, kFakeControls> values{};
+    std::array<std::uint8_t, kFakeControls> missing{};  // 1: the driver does not offer the control
 };
 
 }  // namespace sonavex

@@ -220,18 +220,64 @@ TEST(Master, OfAMixerWithoutSpeakerControlIsMovedFreely) {
     EXPECT_THAT(rig.output.written, IsEmpty());
 }
 
+// As another mixer program: no control stays as it was.
+void ChangeEverything(Rig& rig) {
+    rig.output.Find("Master Volume").values = {6550, 6550};
+    rig.output.Find("Master Mute").values = {0, 0};
+    rig.card.masterVolume = 5;
+    rig.card.masterMute = true;
+    rig.card.linePlayBack = 6;
+    rig.card.linePlayBackMute = false;
+    rig.card.micPlayBack = 7;
+    rig.card.micPlayBackMute = false;
+    rig.card.micRecordVolume = 8;
+    rig.card.micBoost = true;
+    rig.card.lineRecordVolume = 9;
+    rig.card.noMonitor = false;
+}
+
 TEST(Sync, BringsEveryControlToThePresentValues) {
     Rig rig;
     rig.form.Show();
-    rig.card.masterVolume = 5;
-    rig.card.masterMute = true;
-    rig.card.lineRecordVolume = 6;
-    rig.output.Find("Master Volume").values = {6550, 6550};
+    ChangeEverything(rig);
     rig.form.cmdSync.Press();
+    EXPECT_EQ(rig.form.sldSpeakers.Value(), 10);
+    EXPECT_FALSE(rig.form.chkSpeakerMute.Checked());
     EXPECT_EQ(rig.form.sldMaster.Value(), 5);
     EXPECT_TRUE(rig.form.chkMasterMute.Checked());
-    EXPECT_EQ(rig.form.sldLine.Value(), 6);
-    EXPECT_EQ(rig.form.sldSpeakers.Value(), 10);
+    EXPECT_EQ(rig.form.sldLinePlay.Value(), 6);
+    EXPECT_FALSE(rig.form.chkLinePlay.Checked());
+    EXPECT_EQ(rig.form.sldMicPlay.Value(), 7);
+    EXPECT_FALSE(rig.form.chkMicPlay.Checked());
+    EXPECT_EQ(rig.form.sldMic.Value(), 8);
+    EXPECT_TRUE(rig.form.chkBoost.Checked());
+    EXPECT_EQ(rig.form.sldLine.Value(), 9);
+    EXPECT_FALSE(rig.form.chkNoMon.Checked());
+    EXPECT_THAT(rig.Sets(), IsEmpty());
+    EXPECT_THAT(rig.output.written, IsEmpty());
+}
+
+// The speaker's controls on the last of three destinations, on lines of their own.
+TEST(SpeakerSelectors, ReachOtherDestinationsAndLines) {
+    Rig rig;
+    rig.output = FakeMixerControl(
+        {{FakeMixerControl::Level("Wave Volume", 1, 1), FakeMixerControl::Switch("Wave Mute", 1, 1)},
+         {FakeMixerControl::Switch("Speaker Mute", 1, 4), FakeMixerControl::Level("Bass", 2, 5)},
+         {FakeMixerControl::Level("Line", 3, 6), FakeMixerControl::Level("Speaker Volume", 32750, 7)}});
+    rig.speaker = VistaSound::SetUpVistaSoundControls(rig.output);
+    rig.form.Show();
+    EXPECT_EQ(rig.form.sldSpeakers.Value(), 50);
+    EXPECT_TRUE(rig.form.chkSpeakerMute.Checked());
+    rig.form.sldSpeakers.UserMoves(10);
+    EXPECT_EQ(rig.output.Destination(), 2);
+    EXPECT_EQ(rig.output.Control(), 1);
+    EXPECT_EQ(rig.output.Line(), 7);
+    rig.form.chkSpeakerMute.UserSets(false);
+    EXPECT_EQ(rig.output.Destination(), 1);
+    EXPECT_EQ(rig.output.Control(), 0);
+    EXPECT_EQ(rig.output.Line(), 4);
+    EXPECT_THAT(rig.output.written,
+                ElementsAre("Speaker Volume/0=6550", "Speaker Volume/1=6550", "Speaker Mute/0=0"));
 }
 
 TEST(VistaForm, KeepsItsPlaceShowsTheTonesAndCloses) {

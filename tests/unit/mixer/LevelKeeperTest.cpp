@@ -104,11 +104,21 @@ TEST(Keeper, DoesNotInsistOnControlsThatDoNotTakeTheirLevel) {
     EXPECT_EQ(rig.journal.text, "");
 }
 
+TEST(Keeper, KnowsWhichSideIsThere) {
+    Rig rig;
+    rig.keeper.Use({kSpeakers, kMicrophone});
+    EXPECT_TRUE(rig.keeper.Present(MixerSide::kPlayback));
+    EXPECT_TRUE(rig.keeper.Present(MixerSide::kCapture));
+    rig.levels.devices.erase("playback Speakers");
+    EXPECT_FALSE(rig.keeper.Present(MixerSide::kPlayback));
+    EXPECT_TRUE(rig.keeper.Present(MixerSide::kCapture));
+}
+
 TEST(Keeper, LeavesDevicesAloneThatHaveNoLevels) {
     Rig rig;
     rig.levels.devices.clear();
     rig.keeper.Use({kSpeakers, {MixerSide::kCapture, ""}});
-    EXPECT_FALSE(rig.keeper.AnyPresent());
+    EXPECT_FALSE(rig.keeper.Present(MixerSide::kPlayback));
     rig.keeper.GiveBack();
     EXPECT_THAT(rig.log.Lines(), IsEmpty());
     EXPECT_EQ(rig.journal.text, "");

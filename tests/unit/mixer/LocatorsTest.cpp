@@ -101,6 +101,28 @@ TEST_P(BoostNames, AreTestedWithTheirLetterCase) {
     EXPECT_EQ(table.MonitorOff, kAbsent);
 }
 
+TEST(Locators, PassOverMatchesThatCannotBeRead) {
+    Rig rig{
+        FakeMixerControl({{FakeMixerControl::Level("Master Volume", -1, 1),
+                           FakeMixerControl::Level("Master Volume 2", 65535, 2)}}),
+        FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", -1, 1),
+                           FakeMixerControl::Switch("+20dB", 1, 2), FakeMixerControl::Switch("Boost", 0, 3)},
+                          {FakeMixerControl::Switch("Monitor Off", 7, 4),
+                           FakeMixerControl::Switch("Monitor Off 2", 0, 5)}})};
+    const MixerLocatorTable& table = rig.Locate();
+    EXPECT_EQ(table.MasterVolume, (MixerLocator{2, 0, 1, 100.0F}));
+    EXPECT_EQ(table.MicBoost, (MixerLocator{2, 0, 1, 1.0F}));
+    EXPECT_EQ(table.MonitorOff, (MixerLocator{5, 1, 1, 0.0F}));
+}
+
+TEST(Locators, OfSlotsThatCannotBeReadAreAbsent) {
+    Rig rig{FakeMixerControl(), FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", -1, 1),
+                                                   FakeMixerControl::Switch("Monitor Off", 2, 1)}})};
+    const MixerLocatorTable& table = rig.Locate();
+    EXPECT_EQ(table.MicBoost, kAbsent);
+    EXPECT_EQ(table.MonitorOff, kAbsent);
+}
+
 TEST(Locators, DoNotTakeTheBoostForTheMicrophonesLevel) {
     Rig rig{FakeMixerControl(), FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", 1),
                                                    FakeMixerControl::Level("Microphone Volume", 65535)}})};

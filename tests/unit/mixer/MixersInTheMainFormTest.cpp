@@ -94,6 +94,17 @@ TEST(MixersInTheMainForm, AreGivenBackByAnEndAtOnce) {
     EXPECT_EQ(world.LevelsOf("out-a"), kOwnLevels);
 }
 
+TEST(MixersInTheMainForm, ShowTheCardThatCameBackWithARestart) {
+    MixedForm world(10);
+    world.form.Form_Load();
+    world.mixers.ShowSoundCard();
+    world.card.masterVolume = 44;
+    world.card.missing = {"LinePlayBack"};
+    world.form.Watch.OnRestarted();
+    EXPECT_EQ(world.mixers.SoundVista.sldMaster.Value(), 44);
+    EXPECT_FALSE(world.mixers.SoundVista.sldLinePlay.Enabled());
+}
+
 TEST(MixersInTheMainForm, ShowTheGenerationsDialogFromTheMenu) {
     for (const std::int32_t generation : {5, 6, 10}) {
         MixedForm world(generation);

@@ -196,6 +196,33 @@ TEST(NewerMixers, DoNotSaveTheLevelsOfACardThatIsGone) {
     EXPECT_NE(world.journal.text, "") << "its own levels wait for it";
 }
 
+TEST(NewerMixers, KeepWhatWasSavedOfASideThatIsGone) {
+    Newer world;
+    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.Start();
+    world.levels.devices.erase("capture Microphone");
+    world.card.missing = {"MicBoost", "NoMonitor", "MicRecordVolume", "LineRecordVolume"};
+    world.card.masterVolume = 77;
+    world.card.micRecordVolume = 100;
+    world.card.lineRecordVolume = 100;
+    world.mixers.SaveAndRestoreInitial();
+    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""),
+              "77,True,12,False,13,False,True,False,1,2,3,14,15,");
+}
+
+TEST(OlderMixers, KeepWhatWasSavedOfASideThatIsGone) {
+    Older world;
+    world.store.Save("Settings", "SoundCard", "0,Microphone Volume,7,7,");
+    world.store.Save("Settings", "OutSoundCard", "0,Master Volume,8,9,0,Master Mute,1,1,");
+    world.Start();
+    world.levels.devices.erase("capture Microphone");
+    world.output.Find("Master Volume").values = {1, 2};
+    world.input.Find("Microphone Volume").values = {-1, -1};
+    world.mixers.SaveAndRestoreInitial();
+    EXPECT_EQ(world.store.Get("Settings", "OutSoundCard", ""), "0,Master Volume,1,2,0,Master Mute,1,1,");
+    EXPECT_EQ(world.store.Get("Settings", "SoundCard", ""), "0,Microphone Volume,7,7,");
+}
+
 struct BadLine {
     std::string line;
     const char* number;
@@ -317,6 +344,27 @@ TEST(MixerDialogs, AreTheGenerationsOwn) {
     older.mixers.ShowSoundCard();
     EXPECT_TRUE(older.mixers.Sound.Loaded());
     EXPECT_FALSE(older.mixers.SoundVista.Loaded());
+}
+
+// A restart may have brought another card, or the same one with other controls.
+TEST(MixerDialogs, ShowWhatANewSearchFinds) {
+    Newer newer;
+    newer.Start();
+    newer.mixers.ShowSoundCard();
+    newer.mixers.SoundVista.cmdTone.Press();
+    newer.card.masterVolume = 12;
+    newer.card.bass = 5.0;
+    newer.output.Find("Master Volume").values = {65500, 65500};
+    newer.mixers.SetUpSoundControls();
+    EXPECT_EQ(newer.mixers.SoundVista.sldMaster.Value(), 12);
+    EXPECT_EQ(newer.mixers.SoundVista.sldSpeakers.Value(), 100);
+    EXPECT_EQ(newer.mixers.Tone.sldBass.Value(), 5);
+    Older older;
+    older.Start();
+    older.mixers.ShowSoundCard();
+    older.output.Find("Master Volume").values = {65535, 65535};
+    older.mixers.SetUpSoundControls();
+    EXPECT_EQ(older.mixers.Sound.MasterOut.Value(), -100);
 }
 
 TEST(MixerDialogs, ShowWhatOthersChangeAtOnce) {

@@ -99,6 +99,32 @@ TEST_P(MalformedLines, RaiseTheirErrorAfterTheFieldsBefore) {
     EXPECT_EQ(OperationsOf(log), Operations("Set", GetParam().applied));
 }
 
+TEST(StateToSave, KeepsTheFieldsOfControlsThatTheCardLacks) {
+    CallLog log;
+    MemoryVista card(log);
+    card.missing = {"MicBoost", "Bass", "MicRecordVolume", "LineRecordVolume"};
+    EXPECT_EQ(VistaSound::StateToSave(card, "1,True,2,False,3,False,True,False,4.5,5,6,33,44,"),
+              "80,False,30,True,20,True,True,True,4.5,0,6,33,44,");
+    EXPECT_EQ(OperationsOf(log), Operations("Get", 13));
+}
+
+TEST(StateToSave, IsThePresentStateOfACardWithEverything) {
+    CallLog log;
+    MemoryVista card(log);
+    EXPECT_EQ(VistaSound::StateToSave(card, "1,True,2,False,3,False,True,False,4.5,5,6,33,44,"),
+              VistaSound::GetVistaMixerState(card));
+}
+
+// A field that cannot be applied is not handed on.
+TEST(StateToSave, TakesNothingFromALineThatDoesNotConvert) {
+    CallLog log;
+    MemoryVista card(log);
+    card.missing = {"MicBoost", "MicRecordVolume", "LineRecordVolume"};
+    const std::string present = VistaSound::GetVistaMixerState(card);
+    for (const char* before : {"", "noise", "1,2,3,", "1,True,2,False,3,False,maybe,False,4.5,5,6,loud,,"})
+        EXPECT_EQ(VistaSound::StateToSave(card, before), present) << before;
+}
+
 TEST(SpeakerControls, AreTheLastOnesOfTheirNames) {
     FakeMixerControl mixer(
         {{FakeMixerControl::Level("Wave Volume", 1, 1), FakeMixerControl::Switch("Wave Mute", 1, 1)},
