@@ -117,7 +117,7 @@ TEST_F(DiagnosticsTest, CanBeCancelled) {
 }
 
 TEST_F(DiagnosticsTest, StartOverWhenStartedAgain) {
-    QtDiagnostics diagnostics({Program("counting", "echo run")});
+    QtDiagnostics diagnostics({Program("counting", "sleep 0.3; echo run")});
     Start(diagnostics);
     QTest::qWait(1);
     Start(diagnostics);

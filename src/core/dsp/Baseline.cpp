@@ -9,10 +9,6 @@ namespace {
 
 constexpr const char* kCaptured = "Baseline calculations captured";
 
-// Where the face remembers under which conditions the baseline was captured.
-constexpr SettingsKey kCapturedHz{"Face", "Baseline Frequency", "0"};
-constexpr SettingsKey kCapturedRate{"Face", "Baseline Rate", "0"};
-
 double Stored(const Settings& settings, const SettingsKey& key, int harmonic) {
     const std::string name = keys::Numbered(key, harmonic);
     return settings.Value({key.section, name, key.fallback});
@@ -73,8 +69,8 @@ void Baseline::ApplyBaseline() {
         analysis_.BaselinePct[i] = Stored(settings_, keys::kThd, static_cast<int>(i));
         analysis_.BaselineDb[i] = Stored(settings_, keys::kDb, static_cast<int>(i));
     }
-    capturedHz_ = StoredCondition(settings_, kCapturedHz);
-    capturedRate_ = StoredCondition(settings_, kCapturedRate);
+    capturedHz_ = StoredCondition(settings_, keys::kBaselineHz);
+    capturedRate_ = StoredCondition(settings_, keys::kBaselineRate);
     cmdBaseline.SetEnabled(!chkBaseline.Checked());
 }
 
@@ -92,8 +88,8 @@ void Baseline::cmdBaseline_Click() {
     analysis_.BaselineDb = analysis_.CurrentDb;
     capturedHz_ = analysis_.CurrentHz;
     capturedRate_ = analysis_.shared.SampleRate;
-    settings_.Save(kCapturedHz, CStr(capturedHz_));
-    settings_.Save(kCapturedRate, CStr(capturedRate_));
+    settings_.Save(keys::kBaselineHz, CStr(capturedHz_));
+    settings_.Save(keys::kBaselineRate, CStr(capturedRate_));
     dialogs_.Message(kCaptured, MessageIcon::kInformation);
 }
 

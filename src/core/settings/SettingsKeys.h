@@ -19,6 +19,7 @@ inline constexpr std::string_view kSettings = "Settings";
 inline constexpr std::string_view kSoundCard = "SoundCard";
 inline constexpr std::string_view kSignalGenerator = "Signal Generator";
 inline constexpr std::string_view kWindows = "Windows";
+inline constexpr std::string_view kFace = "Face";
 
 // Check boxes of the meter, "1" or "0".
 inline constexpr SettingsKey kAuto{kSettings, "Auto", "1"};
@@ -26,6 +27,9 @@ inline constexpr SettingsKey kBaseline{kSettings, "Baseline", "0"};
 // Baseline of the 2nd to 9th harmonic; Numbered(.., 0) to Numbered(.., 7).
 inline constexpr SettingsKey kThd{kSettings, "THD", "0"};
 inline constexpr SettingsKey kDb{kSettings, "DB", "0"};
+// Where the baseline was captured: frequency and sampling rate in Hz.
+inline constexpr SettingsKey kBaselineHz{kFace, "Baseline Frequency", "0"};
+inline constexpr SettingsKey kBaselineRate{kFace, "Baseline Rate", "0"};
 // Mixer states; empty means "leave the mixer as it is".
 inline constexpr SettingsKey kInputMixerState{kSettings, "SoundCard", ""};
 inline constexpr SettingsKey kOutputMixerState{kSettings, "OutSoundCard", ""};

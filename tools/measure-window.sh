@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# Measures the whole instrument as a user has it: its window on an X server of its own, and a PulseAudio of
+# its own whose sink at 48000 Hz returns what is played. Prints the time to the first captured block and to
+# the first reading (18 blocks later), the processor time and the memory. Best on an
+# idle machine. Argument: seconds to look at, 20 by default.
+set -euo pipefail
+# shellcheck source=tools/build.sh
+source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
+
+seconds="${1:-20}"
+bin="$root/build/dev/bin"
+build_preset dev sonavex sonavex-start-time
+work="$(mktemp -d)"
+pids=()
+finish() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap finish EXIT
+
+# await WHAT COMMAND...: until the command succeeds, ten seconds at most.
+await() {
+    local what="$1" i
+    shift
+    for ((i = 0; i < 100; ++i)); do
+        if "$@" >/dev/null 2>&1; then return; fi
+        sleep 0.1
+    done
+    echo "There is no $what." >&2
+    exit 1
+}
+
+export HOME="$work" XDG_CONFIG_HOME="$work" XDG_RUNTIME_DIR="$work" userprofile="$work" LC_ALL=C.UTF-8
+export PULSE_SERVER="unix:$work/native"
+unset SONAVEX_SOUND SONAVEX_OS_MAJOR QT_QPA_PLATFORM
+pulseaudio -n --daemonize=no --exit-idle-time=-1 --use-pid-file=no \
+    -L "module-native-protocol-unix socket=$work/native auth-anonymous=1" \
+    -L "module-null-sink sink_name=card rate=48000 norewinds=1" >"$work/pulse.log" 2>&1 &
+pids+=($!)
+await "sound server" pactl info
+
+Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp 3>"$work/display" 2>"$work/x.log" &
+pids+=($!)
+await "X server" test -s "$work/display"
+DISPLAY=":$(cat "$work/display")"
+export DISPLAY
+
+mkdir -p "$work/Sonavex"
+printf '[SoundCard]\nSampleRate=0\n' >"$work/Sonavex/Sonavex.ini"
+first_ms="$("$bin/sonavex-start-time" 5 "$bin/sonavex" | sed -n 's/^median //p')"
+
+"$bin/sonavex" 2>"$work/sonavex.log" &
+program=$!
+pids+=("$program")
+sleep 3
+# F5 starts the current signal. Without xdotool silence is measured, which costs the same but for the tone.
+signal="silence"
+if command -v xdotool >/dev/null && xdotool key F5; then signal="a sine"; fi
+ticks() { awk '{ print $14 + $15 }' "/proc/$program/stat"; }
+before="$(ticks)"
+sleep "$seconds"
+after="$(ticks)"
+resident_kb="$(awk '/^VmRSS/ { print $2 }' "/proc/$program/status")"
+
+awk -v first="$first_ms" -v ticks="$((after - before))" -v hz="$(getconf CLK_TCK)" -v s="$seconds" \
+    -v kb="$resident_kb" -v signal="$signal" 'BEGIN {
+    printf "first captured block     %6.0f ms after the start of the process\n", first
+    printf "first reading            %6.0f ms\n", first + 18 * 2048 / 48
+    printf "processor time           %6.1f %% of one core over %d s, measuring %s\n", 100 * ticks / hz / s, s, signal
+    printf "resident memory          %6.1f MB\n", kb / 1024
+}'
