@@ -1,19 +1,30 @@
 #include "ui/FormDialog.h"
 
 #include <QApplication>
+#include <QMainWindow>
 #include <QMoveEvent>
 #include <QScreen>
 #include <optional>
 #include <utility>
 
+#include "ui/HelpWindow.h"
+
 namespace sonavex::ui {
 namespace {
 
-// The window that the dialog belongs to. The splash goes before its child would.
+// The splash and the help go, or move to another window, before their child would.
+bool MayOwn(const QWidget& window) {
+    return window.windowType() != Qt::SplashScreen && qobject_cast<const HelpWindow*>(&window) == nullptr;
+}
+
+// The window that the dialog belongs to: a dialog that is open, else the main window, which stays as long
+// as there are dialogs, else the active one.
 QWidget* Owner() {
+    if (QWidget* const modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
+    for (QWidget* const window : QApplication::topLevelWidgets())
+        if (window->isVisible() && qobject_cast<QMainWindow*>(window) != nullptr) return window;
     QWidget* const active = QApplication::activeWindow();
-    const bool splash = active != nullptr && active->windowType() == Qt::SplashScreen;
-    return splash ? nullptr : active;
+    return active != nullptr && MayOwn(*active) ? active : nullptr;
 }
 
 // Takes the end of the program over while it lives.

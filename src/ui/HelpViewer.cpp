@@ -6,6 +6,15 @@
 #include "ui/HelpWindow.h"
 
 namespace sonavex::ui {
+namespace {
+
+// Whether the widget, if any, is the window or inside what the window owns.
+bool BelongsTo(const QWidget* widget, const QWidget& window) {
+    while (widget != nullptr && widget != &window) widget = widget->parentWidget();
+    return widget != nullptr;
+}
+
+}  // namespace
 
 HelpViewer::HelpViewer(Dialogs& dialogs, std::function<std::string()> helpFile,
                        std::function<std::unique_ptr<HelpBook>(const std::string&)> open)
@@ -19,15 +28,17 @@ HelpWindow* HelpViewer::Open() const {
     return window_.data();
 }
 
-// A modal dialog blocks every window that does not belong to it, so the help belongs to the dialog that
-// asks for it, and goes with it.
+// A modal dialog blocks every window that does not belong to it, so the help moves to the dialog that asks
+// for it, and goes with it. It is moved, not made anew: what belongs to the help has to stay.
 HelpWindow* HelpViewer::Window() {
     QWidget* const owner = QApplication::activeModalWidget();
-    if (window_ != nullptr && window_->parentWidget() == owner) return window_;
+    if (window_ != nullptr) {
+        if (window_->parentWidget() != owner && !BelongsTo(owner, *window_))
+            window_->setParent(owner, window_->windowFlags());
+        return window_;
+    }
     try {
-        auto book = open_(helpFile_());
-        delete window_.data();
-        window_ = new HelpWindow(std::move(book), owner);
+        window_ = new HelpWindow(open_(helpFile_()), owner);
     } catch (const HelpFileError& error) {
         dialogs_.Message("The help file '" + helpFile_() + "' cannot be shown.\r\r" + error.what(),
                          MessageIcon::kInformation);

@@ -52,7 +52,7 @@ bool PicturePrint(const Save& save) {
     printer.printers = {"Office_LaserJet_Second_Floor", "Workshop"};
     for (const char* name : {"print", "print-no-printer"}) {
         frmPrint form(printer, rig.dialogs);
-        form.Form_Load();
+        form.Form_Load(printer.Printers());
         ui::PrintDialog dialog(form, rig.form.Guard);
         if (!save(dialog, name)) return false;
         printer.printers.clear();

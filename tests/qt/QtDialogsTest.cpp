@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -117,6 +118,21 @@ TEST_F(QtDialogsTest, TheBoxBelongsToTheActiveWindow) {
     WithBox([&] { dialogs_.Message("text", MessageIcon::kNone); },
             [&](QMessageBox& box) {
                 EXPECT_EQ(box.parentWidget(), &window);
+                box.accept();
+            });
+}
+
+// Windows beside the main one may close, or be closed by what goes on while the box is open.
+TEST_F(QtDialogsTest, TheBoxBelongsToTheMainWindowWhateverOtherWindowIsActive) {
+    QMainWindow main;
+    main.show();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other, 5000));
+    WithBox([&] { dialogs_.Message("text", MessageIcon::kNone); },
+            [&](QMessageBox& box) {
+                EXPECT_EQ(box.parentWidget(), &main);
                 box.accept();
             });
 }

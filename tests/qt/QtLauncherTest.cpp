@@ -95,6 +95,41 @@ TEST_F(QtLauncherTest, PrefersTheSettingsOfTheRunningDesktop) {
     EXPECT_THAT(Called(), ElementsAre("pavucontrol", "--tab=3"));
 }
 
+struct DesktopPanel {
+    const char* desktop;
+    std::vector<std::string> recording;
+    std::vector<std::string> playback;
+};
+
+class DesktopPanelTest : public QtLauncherTest, public testing::WithParamInterface<DesktopPanel> {};
+
+TEST_P(DesktopPanelTest, StartsTheDesktopsOwnBeforeAllOthers) {
+    const ScopedVariable desktop("XDG_CURRENT_DESKTOP", GetParam().desktop);
+    for (const char* other : {"pavucontrol", "alsamixer", "x-terminal-emulator"}) Install(other);
+    Install(GetParam().recording[0]);
+    EXPECT_EQ(launcher_.Run(kInput), 0);
+    EXPECT_EQ(Called(), GetParam().recording);
+    EXPECT_EQ(launcher_.Run(kPlay), 0);
+    EXPECT_EQ(Called(), GetParam().playback);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, DesktopPanelTest,
+    testing::Values(
+        DesktopPanel{"ubuntu:GNOME", {"gnome-control-center", "sound"}, {"gnome-control-center", "sound"}},
+        DesktopPanel{"KDE", {"systemsettings", "kcm_pulseaudio"}, {"systemsettings", "kcm_pulseaudio"}},
+        DesktopPanel{"KDE", {"systemsettings5", "kcm_pulseaudio"}, {"systemsettings5", "kcm_pulseaudio"}},
+        DesktopPanel{"X-Cinnamon", {"cinnamon-settings", "sound"}, {"cinnamon-settings", "sound"}},
+        DesktopPanel{
+            "MATE", {"mate-volume-control", "--page=input"}, {"mate-volume-control", "--page=output"}},
+        DesktopPanel{"LXQt", {"pavucontrol-qt", "--tab=4"}, {"pavucontrol-qt", "--tab=3"}}));
+
+TEST_F(QtLauncherTest, StartsAnotherDesktopsPanelBeforeATerminal) {
+    for (const char* other : {"alsamixer", "x-terminal-emulator", "mate-volume-control"}) Install(other);
+    EXPECT_EQ(launcher_.Run(kPlay), 0);
+    EXPECT_THAT(Called(), ElementsAre("mate-volume-control", "--page=output"));
+}
+
 TEST_F(QtLauncherTest, FallsBackToTheMixerInATerminal) {
     Install("x-terminal-emulator");
     EXPECT_EQ(launcher_.Run(kInput), 2) << "the terminal has nothing to show";
@@ -115,6 +150,15 @@ TEST_F(QtLauncherTest, RunsAProgramByItsPathAsOneWord) {
     EXPECT_EQ(launcher_.Run(Path("strange tool; exit")), 0);
     EXPECT_THAT(Called(), ElementsAre("strange tool; exit"));
     EXPECT_EQ(launcher_.Run(Path("missing")), 2);
+}
+
+TEST_F(QtLauncherTest, PrefersTheFullestToolThatTellsAboutTheComputer) {
+    for (const char* tool : {"lshw-gtk", "kinfocenter", "hardinfo", "hardinfo2"}) {
+        Install(tool);
+        EXPECT_EQ(launcher_.ReadMachineValue(RootKey::kLocalMachine,
+                                             "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO", "PATH"),
+                  MachineValue(Path(tool)));
+    }
 }
 
 TEST_F(QtLauncherTest, NamesTheInstalledToolThatTellsAboutTheComputer) {

@@ -18,8 +18,10 @@ class RecordingPrinter : public Printer {
 public:
     explicit RecordingPrinter(CallLog& log) noexcept : log_(log) {}
 
-    std::vector<std::string> Printers() override { return printers; }
-    std::string DefaultPrinter() override { return defaultPrinter; }
+    InstalledPrinters Printers() override {
+        log_.Note("Printers");
+        return {printers, defaultPrinter, trouble};
+    }
     void SetDefaultPrinter(const std::string& name) override {
         log_.Call("SetDefaultPrinter", name);
         defaultPrinter = name;
@@ -43,11 +45,13 @@ public:
     }
     void EndDoc() override {
         log_.Call("EndDoc");
+        if (failAtItem != 0 && items.size() == failAtItem) throw RuntimeError(kPrinterError, "Out of paper");
         if (!items.empty()) documents.push_back(items);
     }
 
     std::vector<std::string> printers{"Office", "Workshop"};
     std::string defaultPrinter = "Workshop";
+    std::string trouble;
     std::set<std::string> files;
     std::size_t failAtItem = 0;  // counted from 1; 0 for never
     std::vector<std::string> items;

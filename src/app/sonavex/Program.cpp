@@ -44,7 +44,7 @@ Program::Program()
       store_(QtSettingsStore::DefaultFile(),
              [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }),
       help_(
-          dialogs_, [this] { return frmMain::HelpFileIn(desktop_.ApplicationFolder()); }, OpenHelp) {}
+          dialogs_, [this] { return form_->HelpFile; }, OpenHelp) {}
 
 Program::~Program() = default;
 

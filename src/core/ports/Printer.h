@@ -27,17 +27,23 @@ struct PageSetUp {
     double lineHeight = 0.19;
 };
 
+// What the print system says when it is asked.
+struct InstalledPrinters {
+    std::vector<std::string> names;
+    std::string preferred;  // the user's default printer, empty for none
+    std::string trouble;    // why there may be printers all the same: a sentence, empty when it answered
+};
+
 // Finished pages, and the printers that take them. Failures are a RuntimeError with kPrinterError.
 // User-interface thread only.
 class Printer {
 public:
     virtual ~Printer() = default;
 
-    // Names of the printers; empty when none is installed or the print system does not answer in time.
-    virtual std::vector<std::string> Printers() = 0;
+    // Asks the print system once, and waits for some seconds at most. Notifications and timers go on
+    // meanwhile, as in all the calls that wait for the print system; the user's input waits.
+    virtual InstalledPrinters Printers() = 0;
 
-    // Name of the user's default printer, empty for none.
-    virtual std::string DefaultPrinter() = 0;
     virtual void SetDefaultPrinter(const std::string& name) = 0;
 
     // Path of a PDF file for a report that does not exist yet, in the user's folder of documents.

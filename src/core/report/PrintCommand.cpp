@@ -10,8 +10,20 @@ namespace sonavex {
 namespace {
 
 constexpr const char* kNotPrinted = "The report could not be printed.";
+constexpr const char* kNotRestored = "The default printer could not be set back.";
 // Up to this generation of the system the printer made the copies itself.
 constexpr std::int32_t kLastGenerationOfOneCopy = 4;
+
+class BusyPointer {
+public:
+    explicit BusyPointer(Dialogs& dialogs) : dialogs_(dialogs) { dialogs_.SetBusyPointer(true); }
+    ~BusyPointer() { dialogs_.SetBusyPointer(false); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+
+private:
+    Dialogs& dialogs_;
+};
 
 }  // namespace
 
@@ -29,18 +41,31 @@ PrintCommand::~PrintCommand() {
 
 void PrintCommand::cmdPrint_Click() {
     const std::int32_t generation = world_.desktop.OsMajorVersion();
-    PrinterSupport support(world_.printer);
+    const InstalledPrinters present = AskForPrinters();
+    PrinterSupport support(world_.printer, present);
     frmPrint dialog(world_.printer, world_.dialogs);
-    dialog.Form_Load();
+    dialog.Form_Load(present);
     if (ShowPrintDialog) ShowPrintDialog(dialog);
-    if (!dialog.Choice()) return;
-    const PrintChoice choice = *dialog.Choice();
+    if (const auto choice = dialog.Choice(); choice)
+        Try(kNotPrinted, [&] {
+            PrintCopies(choice->destination, generation > kLastGenerationOfOneCopy ? choice->copies : 1);
+        });
+    Try(kNotRestored, [&] { support.RestoreDefault(); });
+}
+
+InstalledPrinters PrintCommand::AskForPrinters() {
+    const BusyPointer busy(world_.dialogs);
+    return world_.printer.Printers();
+}
+
+// The pointer is the usual one again before the message.
+void PrintCommand::Try(const char* failure, const std::function<void()>& action) {
     try {
-        PrintCopies(choice.destination, generation > kLastGenerationOfOneCopy ? choice.copies : 1);
+        const BusyPointer busy(world_.dialogs);
+        action();
     } catch (const RuntimeError& error) {
-        world_.dialogs.Message(std::string(kNotPrinted) + "\r\r" + error.what(), MessageIcon::kCritical);
+        world_.dialogs.Message(std::string(failure) + "\r\r" + error.what(), MessageIcon::kCritical);
     }
-    support.RestoreDefault();
 }
 
 void PrintCommand::PrintCopies(const PrintDestination& destination, std::int32_t copies) {

@@ -13,7 +13,8 @@
 namespace sonavex {
 
 // The print button: asks where to and how often, prints the report of the measurement on screen, leaves
-// the user's default printer as it was. User-interface thread only.
+// the user's default printer as it was. The first copy that fails is the last one. The pointer is busy while
+// the print system is waited for. User-interface thread only.
 class PrintCommand {
 public:
     // Everything must outlive the command.
@@ -38,6 +39,8 @@ public:
     void cmdPrint_Click();
 
 private:
+    InstalledPrinters AskForPrinters();
+    void Try(const char* failure, const std::function<void()>& action);
     void PrintCopies(const PrintDestination& destination, std::int32_t copies);
 
     World world_;

@@ -1,16 +1,17 @@
 #include "core/report/PrinterSupport.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace sonavex {
 
-PrinterSupport::PrinterSupport(Printer& printer) : printer_(printer), remembered_(printer.DefaultPrinter()) {}
+PrinterSupport::PrinterSupport(Printer& printer, const InstalledPrinters& present)
+    : printer_(printer), remembered_(present.preferred) {}
 
 void PrinterSupport::RestoreDefault() {
-    if (remembered_.empty() || printer_.DefaultPrinter() == remembered_) return;
-    const std::vector<std::string> printers = printer_.Printers();
-    if (std::find(printers.begin(), printers.end(), remembered_) == printers.end()) return;
+    if (remembered_.empty()) return;
+    const InstalledPrinters now = printer_.Printers();
+    if (now.preferred == remembered_) return;
+    if (std::find(now.names.begin(), now.names.end(), remembered_) == now.names.end()) return;
     printer_.SetDefaultPrinter(remembered_);
 }
 

@@ -7,10 +7,17 @@
 namespace sonavex {
 namespace {
 
-constexpr const char* kNoPrinter = "No printer is installed. The report can be written to a PDF file.";
+constexpr const char* kNoPrinter = "No printer is installed.";
+constexpr const char* kFileInstead = " The report can be written to a PDF file.";
 constexpr const char* kInvalidCopies = "Invalid number of copies. Please enter 1 to 99.";
 constexpr const char* kNoFile = "Please enter the name of the PDF file.";
 constexpr std::string_view kSuffix = ".pdf";
+
+// Why only the file can be chosen.
+std::string NoteOf(const InstalledPrinters& present) {
+    if (!present.names.empty()) return {};
+    return (present.trouble.empty() ? std::string(kNoPrinter) : present.trouble) + kFileInstead;
+}
 
 bool EndsWithSuffix(std::string_view file) {
     if (file.size() < kSuffix.size()) return false;
@@ -27,14 +34,13 @@ frmPrint::frmPrint(Printer& printer, Dialogs& dialogs) : printer_(printer), dial
     cmdCancel.Click.Handle([this] { cmdCancel_Click(); });
 }
 
-void frmPrint::Form_Load() {
+void frmPrint::Form_Load(const InstalledPrinters& present) {
     choice_.reset();
     Frame.SetCaption("Print");
-    std::vector<std::string> items = printer_.Printers();
-    const std::string preferred = printer_.DefaultPrinter();
-    const auto found = std::find(items.begin(), items.end(), preferred);
+    std::vector<std::string> items = present.names;
+    const auto found = std::find(items.begin(), items.end(), present.preferred);
     const auto selected = found == items.end() ? 0 : found - items.begin();
-    lblNote.SetCaption(items.empty() ? kNoPrinter : "");
+    lblNote.SetCaption(NoteOf(present));
     items.emplace_back(kPdfFile);
     cmbPrinter.SetItems(std::move(items));
     cmbPrinter.SetListIndex(static_cast<std::int32_t>(selected));

@@ -38,9 +38,9 @@ public:
     CommandButton cmdCancel;
     Label lblNote;  // why there is nothing but the PDF file to choose
 
-    // Before the dialog is shown: the default printer is selected, else the first one, else the PDF file;
-    // one copy.
-    void Form_Load();
+    // Before the dialog is shown, with the printers to choose from: the default printer is selected, else the
+    // first one, else the PDF file; one copy.
+    void Form_Load(const InstalledPrinters& present);
     void cmbPrinter_Click();
     void cmdBrowse_Click();
     void cmdOk_Click();

@@ -1,16 +1,20 @@
 #include "platform/qt/PrintSystem.h"
 
+#include <QEventLoop>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QTimer>
 
-#include "core/ports/Printer.h"
 #include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {
 
-constexpr int kAnswerLimitMs = 5000;
+constexpr int kAnswerLimitMs = 3000;
 constexpr int kSendLimitMs = 15000;
+constexpr int kKillLimitMs = 1000;
+// Lines of the answer; the others that hold no blank are names of printers.
+constexpr auto kNotRunning = "scheduler is not running";
 constexpr auto kDefaultPrefix = "system default destination: ";
 
 struct Answer {
@@ -18,11 +22,29 @@ struct Answer {
     QString trouble;  // empty when all went well
 };
 
-// "lp: The printer or class does not exist." without the name of the program.
+// "/usr/bin/lp: The printer or class does not exist." without the program.
 QString Complaint(const QString& program, const QByteArray& errors) {
     QString text = QString::fromUtf8(errors).trimmed();
-    if (text.startsWith(program + QStringLiteral(": "))) text.remove(0, program.size() + 2);
+    const QString before = program + QStringLiteral(": ");
+    const qsizetype blank = text.indexOf(u' ');
+    if (text.first(blank + 1).endsWith(before)) text.remove(0, blank + 1);
     return text.isEmpty() ? QStringLiteral("The print system reports an error.") : text;
+}
+
+// Waits until the process has ended or the time is over.
+void Wait(QProcess& process, const QString& program, const QStringList& arguments, int limitMs,
+          const QByteArray& input) {
+    QEventLoop loop;
+    QObject::connect(&process, &QProcess::started, &loop, [&] {
+        process.write(input);
+        process.closeWriteChannel();
+    });
+    QObject::connect(&process, &QProcess::stateChanged, &loop, [&](QProcess::ProcessState state) {
+        if (state == QProcess::NotRunning) loop.quit();
+    });
+    QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
+    process.start(program, arguments);
+    if (process.state() != QProcess::NotRunning) loop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
 Answer Run(const QString& program, const QStringList& arguments, int limitMs, const QByteArray& input = {}) {
@@ -30,15 +52,14 @@ Answer Run(const QString& program, const QStringList& arguments, int limitMs, co
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     process.setProcessEnvironment(environment);
-    process.start(program, arguments);
-    if (!process.waitForStarted(limitMs)) return {{}, QStringLiteral("The print system is not installed.")};
-    process.write(input);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(limitMs)) {
+    Wait(process, program, arguments, limitMs, input);
+    if (process.state() != QProcess::NotRunning) {
         process.kill();
-        process.waitForFinished(kAnswerLimitMs);
+        process.waitForFinished(kKillLimitMs);
         return {{}, QStringLiteral("The print system does not answer.")};
     }
+    if (process.error() == QProcess::FailedToStart)
+        return {{}, QStringLiteral("The print system is not installed.")};
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
         return {{}, Complaint(program, process.readAllStandardError())};
     return {QString::fromUtf8(process.readAllStandardOutput()), {}};
@@ -50,16 +71,22 @@ void RaiseTrouble(const Answer& answer) {
 
 }  // namespace
 
-QStringList PrintSystem::Printers() {
-    const Answer answer = Run(QStringLiteral("lpstat"), {QStringLiteral("-e")}, kAnswerLimitMs);
-    return answer.output.split(u'\n', Qt::SkipEmptyParts);
-}
-
-QString PrintSystem::DefaultPrinter() {
-    const Answer answer = Run(QStringLiteral("lpstat"), {QStringLiteral("-d")}, kAnswerLimitMs);
-    const QString line = answer.output.trimmed();
-    const QLatin1String prefix(kDefaultPrefix);
-    return line.startsWith(prefix) ? line.mid(prefix.size()) : QString();
+InstalledPrinters PrintSystem::Printers() {
+    const Answer answer =
+        Run(QStringLiteral("lpstat"), {QStringLiteral("-r"), QStringLiteral("-e"), QStringLiteral("-d")},
+            kAnswerLimitMs);
+    InstalledPrinters printers;
+    printers.trouble = answer.trouble.toStdString();
+    const QLatin1String preferred(kDefaultPrefix);
+    for (const QString& line : answer.output.split(u'\n', Qt::SkipEmptyParts)) {
+        if (line == QLatin1String(kNotRunning))
+            printers.trouble = "The print system is not running.";
+        else if (line.startsWith(preferred))
+            printers.preferred = line.mid(preferred.size()).toStdString();
+        else if (!line.contains(u' '))
+            printers.names.push_back(line.toStdString());
+    }
+    return printers;
 }
 
 void PrintSystem::SetDefaultPrinter(const QString& name) {

@@ -2,18 +2,18 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QStringList>
+
+#include "core/ports/Printer.h"
 
 namespace sonavex {
 
-// The system's printers (CUPS), by its own programs lpstat, lp and lpoptions. None of the calls waits
-// longer than some seconds. Any thread that may start processes.
+// The system's printers (CUPS), by its own programs lpstat, lp and lpoptions. Each call waits in an event
+// loop of its own, where signals and timers go on and the user's input waits: three seconds at most, and
+// fifteen for a document. An application object must exist; its thread only.
 class PrintSystem {
 public:
-    // Empty when there is no print system or it does not answer.
-    static QStringList Printers();
-    // Empty for none.
-    static QString DefaultPrinter();
+    // With trouble when there is no print system, when it does not run or when it does not answer.
+    static InstalledPrinters Printers();
 
     // Both raise kPrinterError with what the print system says against it.
     static void SetDefaultPrinter(const QString& name);

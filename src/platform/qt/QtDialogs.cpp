@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QString>
 #include <utility>
@@ -43,11 +44,19 @@ private:
     bool needed_;
 };
 
+// The window that a box belongs to. Beside the main window and its dialogs there may be windows, such as
+// the help, that go while the box is open.
+QWidget* Owner() {
+    if (QWidget* const modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
+    for (QWidget* const window : QApplication::topLevelWidgets())
+        if (window->isVisible() && qobject_cast<QMainWindow*>(window) != nullptr) return window;
+    return QApplication::activeWindow();
+}
+
 int ShowBox(const std::string& title, const std::string& text, QMessageBox::Icon icon,
             QMessageBox::StandardButtons buttons) {
     const UsualPointer pointer(QGuiApplication::overrideCursor() != nullptr);
-    QMessageBox box(icon, QString::fromStdString(title), WithLineBreaks(text), buttons,
-                    QApplication::activeWindow());
+    QMessageBox box(icon, QString::fromStdString(title), WithLineBreaks(text), buttons, Owner());
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton((buttons & QMessageBox::Yes) != 0 ? QMessageBox::Yes : QMessageBox::Ok);
     return box.exec();

@@ -51,9 +51,10 @@ public:
         writer_.setTitle(Title());
         writer_.setCreator(QStringLiteral("Sonavex"));
         writer_.setResolution(kDotsPerInch);
-        writer_.setPageLayout(QPageLayout(QPageSize(QSizeF(page.width, page.height), QPageSize::Inch),
-                                          QPageLayout::Portrait, QMarginsF()));
-        if (!painter_.begin(&writer_)) throw RuntimeError(kPrinterError, "The page cannot be drawn.");
+        const QPageLayout layout(QPageSize(QSizeF(page.width, page.height), QPageSize::Inch),
+                                 QPageLayout::Portrait, QMarginsF());
+        if (!layout.isValid() || !writer_.setPageLayout(layout) || !painter_.begin(&writer_))
+            throw RuntimeError(kPrinterError, "The page cannot be drawn.");
         painter_.setFont(PageFont(page));
         const QFontMetricsF metrics(painter_.font(), &writer_);
         stretch_ = page.characterWidth * kDotsPerInch / metrics.horizontalAdvance(u'0');
@@ -84,14 +85,8 @@ private:
 QtPrinter::QtPrinter() = default;
 QtPrinter::~QtPrinter() = default;
 
-std::vector<std::string> QtPrinter::Printers() {
-    std::vector<std::string> names;
-    for (const QString& name : PrintSystem::Printers()) names.push_back(name.toStdString());
-    return names;
-}
-
-std::string QtPrinter::DefaultPrinter() {
-    return PrintSystem::DefaultPrinter().toStdString();
+InstalledPrinters QtPrinter::Printers() {
+    return PrintSystem::Printers();
 }
 
 void QtPrinter::SetDefaultPrinter(const std::string& name) {
@@ -116,7 +111,14 @@ void QtPrinter::Select(const PrintDestination& destination) {
 }
 
 void QtPrinter::BeginPage(const PageSetUp& page) {
-    document_ = std::make_unique<Document>(page);
+    document_.reset();
+    failure_.reset();
+    try {
+        document_ = std::make_unique<Document>(page);
+    } catch (const RuntimeError& error) {
+        failure_ = error;
+        throw;
+    }
 }
 
 void QtPrinter::Text(double x, double y, std::string_view text) {
@@ -124,6 +126,7 @@ void QtPrinter::Text(double x, double y, std::string_view text) {
 }
 
 void QtPrinter::EndDoc() {
+    if (const auto failure = std::exchange(failure_, std::nullopt); failure) throw RuntimeError(*failure);
     if (!document_) return;
     const QByteArray pdf = std::exchange(document_, nullptr)->Finish();
     if (destination_.file.empty())

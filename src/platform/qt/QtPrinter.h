@@ -1,11 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "core/ports/Printer.h"
+#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 
@@ -19,8 +20,7 @@ public:
     QtPrinter(const QtPrinter&) = delete;
     QtPrinter& operator=(const QtPrinter&) = delete;
 
-    std::vector<std::string> Printers() override;
-    std::string DefaultPrinter() override;
+    InstalledPrinters Printers() override;
     void SetDefaultPrinter(const std::string& name) override;
     // "Sonavex report.pdf" with a number when that is taken, in the user's folder of documents or, where
     // there is none, in the home folder.
@@ -37,6 +37,7 @@ private:
 
     PrintDestination destination_;
     std::unique_ptr<Document> document_;
+    std::optional<RuntimeError> failure_;  // why the document could not be begun
 };
 
 }  // namespace sonavex

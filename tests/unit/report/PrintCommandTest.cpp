@@ -40,8 +40,11 @@ protected:
 TEST_F(PrintCommandTest, PrintsOnceOnTheDefaultPrinter) {
     user = [](frmPrint& dialog) { dialog.cmdOk.Press(); };
     Press();
-    EXPECT_THAT(log.Lines(), ElementsAre("OsMajorVersion", "ShowPrintDialog", "Select Workshop|",
-                                         "BeginPage courier new 12 8.5x11", "EndDoc"));
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("OsMajorVersion", "SetBusyPointer on", "Printers", "SetBusyPointer off",
+                            "ShowPrintDialog", "SetBusyPointer on", "Select Workshop|",
+                            "BeginPage courier new 12 8.5x11", "EndDoc", "SetBusyPointer off",
+                            "SetBusyPointer on", "Printers", "SetBusyPointer off"));
     ASSERT_EQ(printer.documents.size(), 1U);
     EXPECT_EQ(printer.documents[0][1], "0.80 0.69 Date : Nov 21, 2026");
 }
@@ -86,8 +89,21 @@ TEST_F(PrintCommandTest, PrintsNothingWhenTheUserCancels) {
     Press();
     user = nullptr;  // closed with the window's frame
     Press();
-    EXPECT_THAT(log.Lines(),
-                ElementsAre("OsMajorVersion", "ShowPrintDialog", "OsMajorVersion", "ShowPrintDialog"));
+    EXPECT_EQ(log.Count("ShowPrintDialog"), 2U);
+    for (const char* call : {"Select", "BeginPage", "EndDoc", "Message"})
+        EXPECT_THAT(log.Of(call), IsEmpty()) << call;
+}
+
+// The print system is waited for before the dialog, where it may not answer.
+TEST_F(PrintCommandTest, AsksForThePrintersOnceBeforeTheDialog) {
+    user = [this](frmPrint&) { EXPECT_EQ(log.Count("Printers"), 1U); };
+    Press();
+    printer.printers.clear();
+    printer.defaultPrinter.clear();
+    printer.trouble = "The print system does not answer.";
+    log.Clear();
+    Press();
+    EXPECT_EQ(log.Count("Printers"), 1U) << "nothing to restore, nothing to ask for";
 }
 
 TEST_F(PrintCommandTest, DoesNotRepeatTheLastChoiceAfterACancelledDialog) {
@@ -105,7 +121,26 @@ TEST_F(PrintCommandTest, GivesTheDefaultPrinterBackThatTheDialogChanged) {
     };
     Press();
     EXPECT_THAT(log.Of("SetDefaultPrinter"), ElementsAre("SetDefaultPrinter Workshop"));
-    EXPECT_EQ(log.Lines().back(), "SetDefaultPrinter Workshop");
+    EXPECT_THAT(log.Of("EndDoc"), testing::SizeIs(1));
+}
+
+TEST_F(PrintCommandTest, GivesTheDefaultPrinterBackAfterACancelledDialog) {
+    user = [this](frmPrint& dialog) {
+        printer.defaultPrinter = "Office";
+        dialog.cmdCancel.Press();
+    };
+    Press();
+    EXPECT_THAT(log.Of("SetDefaultPrinter"), ElementsAre("SetDefaultPrinter Workshop"));
+    EXPECT_THAT(log.Of("EndDoc"), IsEmpty());
+}
+
+TEST_F(PrintCommandTest, SaysWhyTheDefaultPrinterIsNotTheOldOne) {
+    log.Fail("SetDefaultPrinter", RuntimeError(kPrinterError, "Not allowed."));
+    user = [this](frmPrint&) { printer.defaultPrinter = "Office"; };
+    Press();
+    EXPECT_THAT(log.Of("Message"),
+                ElementsAre("Message critical The default printer could not be set back.\r\rNot allowed."));
+    EXPECT_EQ(log.Lines()[log.Lines().size() - 2], "SetBusyPointer off");
 }
 
 TEST_F(PrintCommandTest, SetsNoDefaultPrinterWhereNoneWas) {
@@ -142,12 +177,17 @@ TEST_F(PrintCommandTest, SaysWhyADocumentWasNotPrintedAndStopsThere) {
     EXPECT_EQ(printer.defaultPrinter, "Workshop");
 }
 
-TEST_F(PrintCommandTest, EndsThePageOfABrokenPrinterAndGoesOnToTheEndOfTheDocument) {
+TEST_F(PrintCommandTest, EndsThePageOfABrokenPrinterAndSaysSoAtTheEndOfTheDocument) {
     printer.failAtItem = 2;
-    user = [](frmPrint& dialog) { dialog.cmdOk.Press(); };
+    user = [](frmPrint& dialog) {
+        dialog.txtCopies.UserTypes("2");
+        dialog.cmdOk.Press();
+    };
     Press();
-    EXPECT_EQ(log.Lines().back(), "EndDoc");
-    EXPECT_THAT(log.Of("Message"), IsEmpty());
+    EXPECT_EQ(printer.items.size(), 2U);
+    EXPECT_EQ(log.Count("EndDoc"), 1U);
+    EXPECT_THAT(log.Of("Message"),
+                ElementsAre("Message critical The report could not be printed.\r\rOut of paper"));
 }
 
 TEST_F(PrintCommandTest, WritesEachCopyIntoAFileOfItsOwn) {
@@ -165,7 +205,8 @@ class PrintDialogTest : public PrintCommandTest {
 protected:
     PrintDialogTest() {
         dialog.OnUnload = [this] { log.Call("Unload"); };
-        dialog.Form_Load();
+        dialog.Form_Load(printer.Printers());
+        log.Clear();
     }
     frmPrint dialog{printer, dialogs};
 };
@@ -182,18 +223,28 @@ TEST_F(PrintDialogTest, OffersThePrintersAndTheFileWithTheDefaultOneSelected) {
 
 TEST_F(PrintDialogTest, SelectsTheFirstPrinterWithoutADefaultOne) {
     printer.defaultPrinter.clear();
-    dialog.Form_Load();
+    dialog.Form_Load(printer.Printers());
     EXPECT_EQ(dialog.cmbPrinter.Text(), "Office");
 }
 
 TEST_F(PrintDialogTest, SaysSoWhereNoPrinterIsInstalledAndOffersTheFile) {
     printer.printers.clear();
     printer.defaultPrinter.clear();
-    dialog.Form_Load();
+    dialog.Form_Load(printer.Printers());
     EXPECT_EQ(dialog.lblNote.Caption(), "No printer is installed. The report can be written to a PDF file.");
     EXPECT_EQ(dialog.cmbPrinter.Text(), "PDF file");
     EXPECT_TRUE(dialog.txtFile.Enabled());
     EXPECT_TRUE(dialog.cmdBrowse.Enabled());
+}
+
+TEST_F(PrintDialogTest, SaysWhatIsTheMatterWithThePrintSystem) {
+    dialog.Form_Load({{}, "", "The print system does not answer."});
+    EXPECT_EQ(dialog.lblNote.Caption(),
+              "The print system does not answer. The report can be written to a PDF file.");
+    EXPECT_THAT(dialog.cmbPrinter.Items(), ElementsAre("PDF file"));
+    dialog.Form_Load({{"Office"}, "", "The print system is not running."});
+    EXPECT_EQ(dialog.lblNote.Caption(), "");
+    EXPECT_EQ(dialog.cmbPrinter.Text(), "Office");
 }
 
 TEST_F(PrintDialogTest, AsksForAFileNameOnlyForTheFile) {
@@ -224,7 +275,7 @@ TEST_F(PrintDialogTest, AsksBeforeItReplacesAFileOfAnyCopy) {
     dialog.txtFile.UserTypes("/tmp/a.pdf");
     dialog.cmdOk.Press();
     EXPECT_TRUE(dialog.Choice());
-    dialog.Form_Load();
+    dialog.Form_Load(printer.Printers());
     dialog.cmbPrinter.UserSelects(2);
     dialog.txtFile.UserTypes("/tmp/a.pdf");
     dialog.txtCopies.UserTypes("2");
@@ -234,7 +285,7 @@ TEST_F(PrintDialogTest, AsksBeforeItReplacesAFileOfAnyCopy) {
     dialog.cmdOk.Press();
     EXPECT_TRUE(dialog.Choice());
     EXPECT_THAT(log.Lines(),
-                ElementsAre("Unload", "AskOkCancel '/tmp/a-2.pdf' exists already.\r\rReplace it?",
+                ElementsAre("Unload", "Printers", "AskOkCancel '/tmp/a-2.pdf' exists already.\r\rReplace it?",
                             "AskOkCancel '/tmp/a-2.pdf' exists already.\r\rReplace it?", "Unload"));
 }
 

@@ -1,0 +1,84 @@
+#include <gmock/gmock.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QMessageBox>
+
+#include "app/sonavex/Program.h"
+#include "support/ChildProcess.h"
+#include "support/DialogDriver.h"
+#include "support/ScopedVariable.h"
+#include "ui/HelpWindow.h"
+
+namespace sonavex {
+namespace {
+
+// The menus of the whole program on the simulated card, in a private account.
+class ProgramMenus : public testing::Test {
+protected:
+    ProgramMenus() { opened_ = !program.Open(); }
+    ~ProgramMenus() override {
+        if (opened_) program.Form().Form_QueryUnload();
+    }
+    void SetUp() override { ASSERT_TRUE(opened_); }
+    // The step has to close the dialog that the entry opens.
+    void Choose(const char* action, std::function<void(QDialog&)> step) {
+        const DialogDriver driver({std::move(step)});
+        Trigger(action);
+    }
+    void Trigger(const char* action) { program.Window().findChild<QAction*>(action)->trigger(); }
+    static ui::HelpWindow* Help() {
+        for (QWidget* const window : QApplication::topLevelWidgets())
+            if (auto* const help = qobject_cast<ui::HelpWindow*>(window); help != nullptr) return help;
+        return nullptr;
+    }
+
+private:
+    PrivateFolder folder_;
+    const ScopedVariable config_{"XDG_CONFIG_HOME", folder_.Path()};
+    const ScopedVariable runtime_{"XDG_RUNTIME_DIR", folder_.Path()};
+    const ScopedVariable sound_{"SONAVEX_SOUND", "simulated"};
+    bool opened_ = false;
+
+protected:
+    app::Program program;
+};
+
+TEST_F(ProgramMenus, TheAboutBoxTellsTheVersion) {
+    Choose("mnuAbout", [&](QDialog& dialog) {
+        EXPECT_EQ(dialog.parentWidget(), &program.Window());
+        EXPECT_THAT(Find<QLabel>(dialog, "lblVersion").text().toStdString(),
+                    testing::HasSubstr(SONAVEX_VERSION));
+        Click(dialog, "cmdOk");
+    });
+}
+
+TEST_F(ProgramMenus, PrintingAsksFirst) {
+    program.Form().mnuPrint.SetEnabled(true);
+    QApplication::processEvents();
+    Choose("mnuPrint", [&](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Print");
+        EXPECT_EQ(
+            Find<QComboBox>(dialog, "cmbPrinter").itemText(Find<QComboBox>(dialog, "cmbPrinter").count() - 1),
+            "PDF file");
+        Click(dialog, "cmdCancel");
+    });
+}
+
+TEST_F(ProgramMenus, TheHelpIsTheFormsOwnFile) {
+    program.Form().HelpFile = "/nowhere/Sonavex.chm";
+    Choose("mnuHelpContents", [](QDialog& dialog) {
+        EXPECT_THAT(dynamic_cast<QMessageBox&>(dialog).text().toStdString(),
+                    testing::StartsWith("The help file '/nowhere/Sonavex.chm' cannot be shown."));
+        dialog.close();
+    });
+    EXPECT_EQ(Help(), nullptr);
+    program.Form().HelpFile = SONAVEX_HELP_FILE;
+    Trigger("mnuHelpContents");
+    ASSERT_NE(Help(), nullptr);
+    EXPECT_TRUE(Help()->isVisible());
+}
+
+}  // namespace
+}  // namespace sonavex

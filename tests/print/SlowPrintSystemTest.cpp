@@ -1,0 +1,144 @@
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QTimer>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "core/report/PrintCommand.h"
+#include "platform/qt/QtPrinter.h"
+#include "support/ChildProcess.h"
+#include "support/FormRig.h"
+#include "support/ScopedVariable.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// The print command with print programs of the test's own, while a timer runs as the instrument's do.
+class SlowPrintSystem : public testing::Test {
+protected:
+    SlowPrintSystem() {
+        Program("lpstat", "echo 'scheduler is running'; echo Office; echo 'no system default destination'");
+        Program("lp", "cat > /dev/null; echo lp >> " + Calls());
+        QObject::connect(&timer_, &QTimer::timeout, [this] { ++ticks; });
+        timer_.start(10ms);
+        command.ShowPrintDialog = [this](frmPrint& dialog) {
+            ticksBeforeDialog = ticks;
+            note = dialog.lblNote.Caption();
+            if (user) user(dialog);
+        };
+    }
+    void Program(const std::string& name, const std::string& script) {
+        const auto file = folder_.Path() / name;
+        std::ofstream(file) << "#!/bin/sh\n" << script << '\n';
+        std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+    }
+    std::string Calls() const { return (folder_.Path() / "calls").string(); }
+    int Sent() const {
+        std::ifstream calls(Calls());
+        int sent = 0;
+        for (std::string line; std::getline(calls, line);) ++sent;
+        return sent;
+    }
+    std::chrono::steady_clock::duration Press() {
+        const auto begin = std::chrono::steady_clock::now();
+        cmdPrint.Press();
+        return std::chrono::steady_clock::now() - begin;
+    }
+    static std::function<void(frmPrint&)> Copies(const std::string& copies) {
+        return [copies](frmPrint& dialog) {
+            dialog.txtCopies.UserTypes(copies);
+            dialog.cmdOk.Press();
+        };
+    }
+
+    CallLog log;
+    RecordingDialogs dialogs{log};
+    FakeDesktop desktop{log};
+    QtPrinter printer;
+    MeasurementControls measurement;
+    std::function<void(frmPrint&)> user;
+    CommandButton cmdPrint;
+    MenuItem mnuPrint;
+    PrintCommand command{{printer, dialogs, desktop,
+                          [] {
+                              return CalendarDate{2026, 11, 21};
+                          }},
+                         measurement,
+                         cmdPrint,
+                         mnuPrint};
+    int ticks = 0;
+    int ticksBeforeDialog = 0;
+    std::string note;
+
+private:
+    PrivateFolder folder_;
+    const ScopedVariable path_{"PATH", folder_.Path().string() + ':' + std::getenv("PATH")};
+    QTimer timer_;
+};
+
+TEST_F(SlowPrintSystem, TimersGoOnUntilThePrintersAreKnown) {
+    Program("lpstat", "sleep 0.5; echo Office");
+    EXPECT_GE(Press(), 500ms);
+    EXPECT_GE(ticksBeforeDialog, 20);
+    EXPECT_EQ(note, "");
+}
+
+TEST_F(SlowPrintSystem, TimersGoOnBetweenAndDuringTheCopies) {
+    Program("lp", "cat > /dev/null; sleep 0.2; echo lp >> " + Calls());
+    user = Copies("3");
+    EXPECT_GE(Press(), 600ms);
+    EXPECT_GE(ticks - ticksBeforeDialog, 25);
+    EXPECT_EQ(Sent(), 3);
+    EXPECT_THAT(log.Of("Message"), IsEmpty());
+}
+
+TEST_F(SlowPrintSystem, WaitsThreeSecondsInAllForAnAnswer) {
+    Program("lpstat", "exec sleep 60");
+    const auto took = Press();
+    EXPECT_GE(took, 2500ms);
+    EXPECT_LT(took, 4500ms);
+    EXPECT_GE(ticksBeforeDialog, 100);
+    EXPECT_EQ(note, "The print system does not answer. The report can be written to a PDF file.");
+}
+
+TEST_F(SlowPrintSystem, StopsAtTheFirstCopyThatFails) {
+    Program("lp", "echo lp >> " + Calls() + "; echo \"$0: Out of paper.\" >&2; exit 1");
+    user = Copies("99");
+    Press();
+    EXPECT_EQ(Sent(), 1);
+    EXPECT_THAT(log.Of("Message"),
+                ElementsAre("Message critical The report could not be printed.\r\rOut of paper."));
+}
+
+TEST_F(SlowPrintSystem, PassesOnWhatThePrintSystemSaysInsteadOfPrinters) {
+    Program("lpstat", "echo \"$0: Forbidden.\" >&2; exit 1");
+    Press();
+    EXPECT_EQ(note, "Forbidden. The report can be written to a PDF file.");
+}
+
+TEST(PageTest, ThatCannotBeBegunIsToldAtTheEndOfTheDocument) {
+    QtPrinter printer;
+    PageSetUp page;
+    page.width = -1.0;
+    EXPECT_THROW(printer.BeginPage(page), RuntimeError);
+    printer.Text(1.0, 1.0, "text");
+    try {
+        printer.EndDoc();
+        FAIL() << "no failure";
+    } catch (const RuntimeError& error) {
+        EXPECT_STREQ(error.what(), "The page cannot be drawn.");
+        EXPECT_EQ(error.Number(), kPrinterError);
+    }
+    EXPECT_NO_THROW(printer.EndDoc()) << "told once";
+}
+
+}  // namespace
+}  // namespace sonavex
