@@ -48,6 +48,20 @@ TEST_F(AlsaFaults, UnpluggedWhileRunningAndPluggedInAgain) {
     ExpectRecovery();
 }
 
+// The card keeps the system's clock, so neither direction gains on it.
+TEST_F(AlsaFaults, BothDirectionsCompareTheirClockWithTheSystems) {
+    OpenAndRun();
+    const auto lead = [&](const auto& buffer) { return buffer->ClockLead().value_or(1h); };
+    session_.loop_.RunUntil([] { return false; }, 300ms);
+    const auto captureBefore = lead(session_.capture_);
+    const auto playbackBefore = lead(session_.playback_);
+    session_.loop_.RunUntil([] { return false; }, 1s);
+    // The device moves pieces of 12 to 20 ms.
+    EXPECT_LT(std::chrono::abs(lead(session_.capture_) - captureBefore), 60ms);
+    EXPECT_LT(std::chrono::abs(lead(session_.playback_) - playbackBefore), 60ms);
+    EXPECT_EQ(session_.capture_->ClockName(), "");
+}
+
 TEST_F(AlsaFaults, SuspendedAndResumed) {
     OpenAndRun();
     card_.suspended = 1;
