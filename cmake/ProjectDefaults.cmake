@@ -28,7 +28,9 @@ target_compile_options(sonavex_defaults INTERFACE
   "$<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>")
 if(SONAVEX_SANITIZE)
   target_compile_options(sonavex_defaults INTERFACE
-    -fsanitize=${SONAVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${SONAVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    # With the checks in between, the compiler loses sight of what the standard library has set.
+    "$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>")
   target_link_options(sonavex_defaults INTERFACE -fsanitize=${SONAVEX_SANITIZE})
   # Function multiversioning resolves before the sanitizer runtime is ready.
   target_compile_definitions(sonavex_defaults INTERFACE SONAVEX_SANITIZED)
