@@ -51,7 +51,19 @@ std::string SoundServer::LoadNullSink(const NullSink& sink) const {
     Arguments command{"load-module"};
     for (const std::string& argument : NullSinkArguments(sink)) command.push_back(argument);
     command.emplace_back("norewinds=1");
-    return Control(command);
+    const std::string module = Control(command);
+    WaitUntilListed(sink.name);
+    return module;
+}
+
+// PipeWire takes its time.
+void SoundServer::WaitUntilListed(const std::string& sink) const {
+    const auto end = std::chrono::steady_clock::now() + kReadyLimit;
+    while (Control({"list", "short", "sinks"}).find('\t' + sink + '\t') == std::string::npos ||
+           Control({"list", "short", "sources"}).find('\t' + sink + ".monitor\t") == std::string::npos) {
+        if (std::chrono::steady_clock::now() >= end) throw std::runtime_error("the sink does not come");
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
 }
 
 void SoundServer::WaitUntilReady() const {

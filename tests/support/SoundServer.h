@@ -43,6 +43,7 @@ protected:
     Environment FolderEnvironment() const;
     // Throws std::runtime_error with the server's output when it does not answer.
     void WaitUntilReady() const;
+    void WaitUntilListed(const std::string& sink) const;
     std::filesystem::path LogPath() const { return Folder() / "log"; }
 
     static Arguments NullSinkArguments(const NullSink& sink);

@@ -105,6 +105,9 @@ template <class Info>
 void PulsePath::TakeStream(pa_context*, const Info* info, int, void* self) {
     if (info == nullptr) return;
     auto& me = *static_cast<PulsePath*>(self);
+    // PipeWire tells a volume of 0 while it does not know better.
+    const bool zero = pa_cvolume_is_muted(&info->volume) != 0;
+    if (std::exchange(me.zeroBefore_, zero) != zero && zero) return;
     me.stream_ = VolumeOf(info->volume, info->mute);
     // Not every stream has one.
     if (info->has_volume == 0 || info->volume.channels == 0) me.stream_.percent.clear();

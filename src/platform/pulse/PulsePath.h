@@ -66,6 +66,7 @@ private:
     std::uint32_t graphRateHz_ = 0;
     Volume device_;
     Volume stream_;
+    bool zeroBefore_ = false;  // the answer before told of a stream without any volume
 };
 
 }  // namespace sonavex
