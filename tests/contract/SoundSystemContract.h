@@ -249,35 +249,24 @@ TYPED_TEST_P(SoundSystemContract, ArmsKnownEventsInsideAStoppedBufferOnly) {
     EXPECT_EQ(arm(kSegmentBytes - 1, event), 5);
 }
 
-// A machine that is too busy tears a server's stream without a word; then again.
 TYPED_TEST_P(SoundSystemContract, NotifiesTheSegmentsInOrderWithWhatWasPlayed) {
     constexpr std::int32_t kPosition = kSegmentBytes + 400;
     const std::vector<std::int16_t> pattern = RandomPattern(7);
     this->OpenCapture();
     this->OpenPlayback();
-    LoopComparison comparison;
-    bool exact = false;
-    for (int attempt = 0; attempt < 4 && !exact; ++attempt) {
-        SegmentRecorder recorder(*this->system_, *this->capture_);
-        this->playback_->WriteBuffer(0, pattern);
-        this->playback_->SetCurrentPosition(kPosition);
-        const CaptureStatistics before = this->capture_->Statistics();
-        this->capture_->StartLooping();
-        this->playback_->PlayLooping();
-        ASSERT_TRUE(
-            this->loop_.RunUntil([&] { return recorder.Order().size() >= 16; }, std::chrono::seconds(5)));
-        for (std::size_t i = 0; i < recorder.Order().size(); ++i)
-            EXPECT_EQ(recorder.Order()[i], static_cast<std::int32_t>(i % 4)) << i;
-        const CaptureStatistics after = this->capture_->Statistics();
-        comparison = CompareLoop(recorder.Samples(), pattern, kPosition / 4);
-        exact = comparison.comparedFrames >= 16384 && comparison.differentFrames == 0 &&
-                after.framesMissing == before.framesMissing && after.segmentsLost == before.segmentsLost;
-        this->playback_->Stop();
-        this->capture_->Stop();
-        if (!exact) this->loop_.RunUntil([] { return false; }, std::chrono::milliseconds(500));
-    }
-    EXPECT_TRUE(exact) << comparison.differentFrames << " frames of " << comparison.comparedFrames
-                       << " differ";
+    SegmentRecorder recorder(*this->system_, *this->capture_);
+    this->playback_->WriteBuffer(0, pattern);
+    this->playback_->SetCurrentPosition(kPosition);
+    this->capture_->StartLooping();
+    this->playback_->PlayLooping();
+    ASSERT_TRUE(this->loop_.RunUntil([&] { return recorder.Order().size() >= 16; }, std::chrono::seconds(5)));
+    for (std::size_t i = 0; i < recorder.Order().size(); ++i)
+        EXPECT_EQ(recorder.Order()[i], static_cast<std::int32_t>(i % 4)) << i;
+    const LoopComparison comparison = CompareLoop(recorder.Samples(), pattern, kPosition / 4);
+    EXPECT_GE(comparison.comparedFrames, 16384U);
+    EXPECT_EQ(comparison.differentFrames, 0U);
+    EXPECT_EQ(this->capture_->Statistics().framesMissing, 0U);
+    EXPECT_EQ(this->capture_->Statistics().segmentsLost, 0U);
 }
 
 TYPED_TEST_P(SoundSystemContract, TheDeviceDelayStaysWithinThreeBlocks) {

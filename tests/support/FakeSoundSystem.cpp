@@ -13,6 +13,9 @@ public:
     FakePlaybackBuffer& operator=(const FakePlaybackBuffer&) = delete;
 
     std::string PathNote() const override { return system_.outputPathNote; }
+    std::uint64_t Underruns() const override { return system_.underruns; }
+    std::optional<std::chrono::nanoseconds> ClockLead() const override { return system_.outputLead; }
+    std::string ClockName() const override { return system_.outputClock; }
     BufferCursors GetCurrentPosition() override {
         system_.log.Call("playbackBuffer.GetCurrentPosition");
         if (system_.cursors.empty()) return system_.restingCursors;
@@ -45,6 +48,8 @@ public:
     FakeCaptureBuffer& operator=(const FakeCaptureBuffer&) = delete;
 
     std::string PathNote() const override { return system_.inputPathNote; }
+    std::optional<std::chrono::nanoseconds> ClockLead() const override { return system_.inputLead; }
+    std::string ClockName() const override { return system_.inputClock; }
     void SetNotificationPositions(std::span<const PositionNotification> positions) override {
         std::string arguments = std::to_string(positions.size());
         for (const PositionNotification& position : positions)

@@ -46,6 +46,11 @@ public:
     CaptureStatistics statistics;
     std::string inputPathNote;
     std::string outputPathNote;
+    std::uint64_t underruns = 0;
+    std::optional<std::chrono::nanoseconds> inputLead;
+    std::optional<std::chrono::nanoseconds> outputLead;
+    std::string inputClock;
+    std::string outputClock;
     // First sample of what is read; the following ones count up.
     std::int16_t firstCapturedSample = 0;
 

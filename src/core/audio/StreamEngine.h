@@ -99,9 +99,6 @@ public:
     // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and
     // "Clocks: ...". Empty when nothing is known to.
     std::vector<std::string> PathNotes() const;
-    // How much faster the input's clock is than the output's, in ppm; nothing until it is known, which
-    // takes a minute.
-    std::optional<double> ClockDriftPpm() const noexcept { return drift_.Ppm(); }
 
     // Stream state.
     std::array<EventHandle, 5> NotifyEvents{};  // 0 to 3: the capture notifications
