@@ -13,6 +13,8 @@ namespace sonavex {
 namespace {
 
 constexpr int kSignificantDigits = 15;
+// Rounded to the digits of a text, a larger number would be beyond every double, and not be read back.
+constexpr double kLargestWritten = 1.79769313486231e308;
 
 bool IsBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -112,8 +114,10 @@ std::optional<LeadingNumber> ReadWholeText(std::string_view text) {
     return number;
 }
 
-void RequireFinite(double value) {
+// The number as it is written.
+double Writable(double value) {
     if (!std::isfinite(value)) throw RuntimeError(error_number::kOverflow);
+    return std::clamp(value, -kLargestWritten, kLargestWritten);
 }
 
 // Decimal digits of |value|, rounded to 15 significant ones: 0.digits x 10^exponent.
@@ -198,10 +202,9 @@ double Val(std::string_view text) {
 }
 
 std::string CStr(double value) {
-    RequireFinite(value);
     if (value == 0.0) return "0";
     std::array<char, 40> text{};
-    const auto result = std::to_chars(text.data(), text.data() + text.size(), value,
+    const auto result = std::to_chars(text.data(), text.data() + text.size(), Writable(value),
                                       std::chars_format::general, kSignificantDigits);
     std::replace(text.data(), result.ptr, 'e', 'E');
     return std::string(text.data(), result.ptr);
@@ -266,9 +269,8 @@ std::int16_t CInt(double value) {
 }
 
 std::string Format(double value, Pattern pattern) {
-    RequireFinite(value);
     const PatternShape shape = ShapeOf(pattern);
-    const Decimal decimal = ToDecimal(value);
+    const Decimal decimal = ToDecimal(Writable(value));
     // One position more than needed takes the carry of 9.99...
     const int highest = std::max(decimal.exponent, shape.wholeDigits);
     std::string text = RoundedDigits(decimal, highest, shape.decimals);

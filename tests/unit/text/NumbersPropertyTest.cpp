@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -104,6 +105,19 @@ TEST(NumbersProperty, FormatOfAnyDoubleReadsBackWithinHalfAStep) {
         const double shown = Val(Format(value, Pattern::kPercent));
         ASSERT_NEAR(shown, value, 0.00005000001 + std::fabs(value) * 1e-14) << Printed("%.17g", value);
     }
+}
+
+// Rounded to fifteen digits the largest would be beyond every double.
+TEST(NumbersProperty, TheLargestNumbersReadBack) {
+    for (double value = std::numeric_limits<double>::max(); value > 1.7976931348623e308;
+         value = std::nextafter(value, 0.0) - 1e294) {
+        for (const double number : {value, -value}) {
+            EXPECT_NEAR(CDbl(CStr(number)) / number, 1.0, 1e-14);
+            EXPECT_NEAR(Val(Str(number)) / number, 1.0, 1e-14);
+            EXPECT_NEAR(Val(Format(number, Pattern::kPercent)) / number, 1.0, 1e-14);
+        }
+    }
+    EXPECT_EQ(CStr(std::numeric_limits<double>::max()), "1.79769313486231E+308");
 }
 
 TEST(NumbersProperty, WholeNumbersSurviveTextAndBack) {
