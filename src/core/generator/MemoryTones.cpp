@@ -1,5 +1,7 @@
 #include "core/generator/MemoryTones.h"
 
+#include <algorithm>
+#include <limits>
 #include <string>
 
 #include "core/generator/ToneLine.h"
@@ -55,6 +57,12 @@ void RequireAudible(const Settings& settings, std::int32_t entry, const Settings
                            EntryKey(key, entry).Get());
 }
 
+// The step of a sweep; of frequencies that no number is between, the largest.
+double StepOf(const ToneRecord& tone) {
+    constexpr double kLargest = std::numeric_limits<double>::max();
+    return std::clamp((tone.EndFrequency - tone.StartFrequency) / tone.SweepTime, -kLargest, kLargest);
+}
+
 const char* WaveName(const Settings& settings, std::int32_t entry, std::int16_t waveType) {
     if (waveType >= 0 && static_cast<std::size_t>(waveType) < kWaveNames.size())
         return kWaveNames[static_cast<std::size_t>(waveType)];
@@ -107,7 +115,7 @@ void MemoryTones::WriteMemoryToRegistry() {
 void MemoryTones::WriteEntry(std::int32_t position) {
     ToneRecord tone;
     ParseToneLine(controls_.ToneList.List(position), tone);
-    if (tone.Sweep) tone.LoopIncrement = (tone.EndFrequency - tone.StartFrequency) / tone.SweepTime;
+    if (tone.Sweep) tone.LoopIncrement = StepOf(tone);
     const auto save = [this, entry = position + 1](const SettingsKey& key, const std::string& value) {
         env_.settings.Save(EntryKey(key, entry).Get(), value);
     };

@@ -2,6 +2,7 @@
 
 #include "core/mixer/ControlNames.h"
 #include "core/mixer/LegacyMixerState.h"
+#include "core/text/Characters.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -12,7 +13,8 @@ constexpr std::size_t kLongestValueShown = 80;
 
 // A saved line may be of any length.
 std::string Shortened(const std::string& value) {
-    return value.size() <= kLongestValueShown ? value : value.substr(0, kLongestValueShown) + "...";
+    const std::string_view shown = Left(value, kLongestValueShown);
+    return shown.size() == value.size() ? value : std::string(shown) + "...";
 }
 
 }  // namespace

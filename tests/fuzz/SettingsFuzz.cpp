@@ -1,0 +1,120 @@
+// Stored settings of any content: the instrument starts, or it says which value keeps it from that. Then it
+// measures and plays, and ends. Whatever it stores starts it again.
+//
+// First byte: bit 0 the older generation of the system, bit 1 a file in place of values, bits 2 to 4 how many
+// blocks. Values come one a line: a byte for the key, then the text.
+
+#include <array>
+#include <vector>
+
+#include "fuzz/Instrument.h"
+#include "platform/qt/IniText.h"
+
+namespace sonavex {
+namespace {
+
+using fuzz::Input;
+using fuzz::Instrument;
+using fuzz::Require;
+
+struct PlacedKey {
+    std::string section;
+    std::string key;
+};
+
+std::vector<PlacedKey> AllKeys() {
+    std::vector<PlacedKey> all;
+    for (const SettingsKey& key :
+         {keys::kAuto, keys::kBaseline, keys::kBaselineHz, keys::kBaselineRate, keys::kInputMixerState,
+          keys::kOutputMixerState, keys::kVistaMixerState, keys::kInput, keys::kOutput, keys::kSampleRate,
+          keys::kLineInput, keys::kThreeMixers, keys::kLevel, keys::kMuteMeter, keys::kToneType,
+          keys::kCurrentStart, keys::kCurrentEnd, keys::kCurrentSweepTime, keys::kCurrentSweep,
+          keys::kCurrentType, keys::kCurrentLoop, keys::kCurrentLoopIncrement, keys::kNumberOfTones,
+          keys::kLastTab})
+        all.push_back({std::string(key.section), std::string(key.key)});
+    for (const char* form : {"frmMain", "frmDevices", "frmSound", "frmSoundVista"})
+        for (const char* edge : {" Left", " Top"})
+            all.push_back({std::string(keys::kWindows), std::string(form) + edge});
+    for (int harmonic = 0; harmonic < 8; ++harmonic)
+        for (const SettingsKey& key : {keys::kThd, keys::kDb})
+            all.push_back({std::string(key.section), keys::Numbered(key, harmonic)});
+    for (int entry = 1; entry <= 8; ++entry)
+        for (const SettingsKey& key :
+             {keys::kMemoryStart, keys::kMemoryEnd, keys::kMemorySweepTime, keys::kMemoryLoopIncrement,
+              keys::kMemorySweep, keys::kMemoryType, keys::kMemoryLoop, keys::kMemorySelected})
+            all.push_back({std::string(key.section), keys::Numbered(key, entry)});
+    return all;
+}
+
+void StoreValues(Input& input, SettingsStore& store) {
+    static const std::vector<PlacedKey> kKeys = AllKeys();
+    while (!input.AtEnd()) {
+        const PlacedKey& key = kKeys[input.Byte() % kKeys.size()];
+        store.Save(key.section, key.key, input.Line());
+    }
+}
+
+// What a file says is what is written from it.
+void StoreFile(Input& input, SettingsStore& store) {
+    const IniReading reading = ReadIni(input.Rest());
+    const IniReading again = ReadIni(WriteIni(reading.sections));
+    Require(!again.damaged, "what is written is settings text");
+    for (const auto& [section, values] : reading.sections)
+        for (const auto& [key, value] : values) {
+            Require(again.sections.at(section).at(key) == value, "a value comes back", value);
+            store.Save(section, key, value);
+        }
+}
+
+// Every tone that is stored sounds, and so does the current signal.
+void Play(Instrument& instrument, int blocks) {
+    MemoryControls& memory = instrument.form.Signals.Memory;
+    instrument.Step(blocks);
+    instrument.Act([&] {
+        for (std::int32_t i = 0; i < memory.ToneList.Count(); ++i) memory.ToneList.UserSelects(i, true);
+    });
+    instrument.Act([&] { memory.cmdStartMemory.Press(); });
+    instrument.Step(blocks);
+    instrument.Act([&] { instrument.form.Signals.StopPlaying(); });
+    instrument.Act([&] { instrument.form.Signals.Signal.Command1.Press(); });
+    instrument.Step(2);
+    instrument.Act([&] { instrument.form.mnuSoundCard_Click(); });
+    instrument.Act([&] { instrument.form.mnuSelectCard_Click(); });
+    instrument.Step(1);
+}
+
+bool Run(SettingsStore& store, std::int32_t generation, bool plainText, int blocks) {
+    Instrument instrument(store, generation, plainText);
+    if (!instrument.Start()) return false;
+    Play(instrument, blocks);
+    const std::size_t before = instrument.ErrorsTold();
+    instrument.ShutDown();
+    Require(instrument.ErrorsTold() == before, "the shutdown succeeds", instrument.log.Lines().back());
+    return true;
+}
+
+}  // namespace
+}  // namespace sonavex
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace sonavex;
+    Input input(data, size);
+    const unsigned head = input.Byte();
+    const std::int32_t generation = (head & 1U) != 0 ? 5 : 10;
+    const int blocks = 2 + 3 * static_cast<int>((head >> 2U) & 7U);
+    const bool plainText = fuzz::IsUtf8(input.Rest());
+    MemorySettingsStore store;
+    if ((head & 2U) != 0)
+        StoreFile(input, store);
+    else
+        StoreValues(input, store);
+    if (Run(store, generation, plainText, blocks)) {
+        Instrument next(store, generation, plainText);
+        Require(next.Start(), "what was stored at the end starts the instrument", next.log.Lines().back());
+    } else {
+        MemorySettingsStore none;
+        Instrument next(none, generation, true);
+        Require(next.Start(), "without settings the instrument starts");
+    }
+    return 0;
+}
