@@ -98,7 +98,7 @@ bool Run(SettingsStore& store, std::int32_t generation, bool plainText, int bloc
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace sonavex;
-    Input input(data, size);
+    fuzz::Input input(data, size);
     const unsigned head = input.Byte();
     const std::int32_t generation = (head & 1U) != 0 ? 5 : 10;
     const int blocks = 2 + 3 * static_cast<int>((head >> 2U) & 7U);

@@ -1,0 +1,162 @@
+// A user who types anything into every box, presses every button and moves what can be moved, while sound
+// runs. Each action is a byte for what is done and what that needs.
+
+#include <array>
+
+#include "fuzz/Instrument.h"
+
+namespace sonavex {
+namespace {
+
+using fuzz::Input;
+using fuzz::Instrument;
+using fuzz::Require;
+
+constexpr int kMostActions = 60;
+constexpr std::uint8_t kMostBlocks = 20;
+
+// The hands of the user.
+class User {
+public:
+    User(Instrument& instrument, Input& input) : instrument_(instrument), input_(input) {
+        instrument_.print.ShowPrintDialog = [this](frmPrint& dialog) { FillPrintDialog(dialog); };
+        instrument_.InDeviceDialog = [this](frmDevices& dialog) { FillDeviceDialog(dialog); };
+    }
+
+    void Act() {
+        switch (input_.Byte() % 16U) {
+            case 0:
+            case 1:
+            case 2:
+                return TypeIntoABox();
+            case 3:
+                return LeaveABox();
+            case 4:
+            case 5:
+                return PressAButton();
+            case 6:
+                return MoveASlider();
+            case 7:
+                return ClickABox();
+            case 8:
+                return ChooseAWave();
+            case 9:
+            case 10:
+                return SelectATone();
+            case 11:
+                return instrument_.Act([this] { instrument_.form.mnuSelectCard_Click(); });
+            case 12:
+                return instrument_.Act([this] {
+                    instrument_.form.mnuPrint.SetEnabled(true);
+                    instrument_.form.mnuPrint.UserChooses();
+                });
+            case 13:
+                return instrument_.Act([this] { instrument_.form.mnuSoundCard_Click(); });
+            default:
+                return instrument_.Step(1 + input_.Byte() % kMostBlocks);
+        }
+    }
+
+private:
+    // A keyboard gives characters only, and a box takes one line.
+    std::string Text() { return fuzz::AsUtf8(input_.Line()); }
+
+    TextBox& Box() {
+        SignalControls& signal = instrument_.form.Signals.Signal;
+        const std::array<TextBox*, 4> boxes{&signal.txtGenFreq, &signal.txtGenEndFreq, &signal.txtSweepTime,
+                                            &instrument_.form.Measurement.Controls.txtFreq};
+        return *boxes.at(input_.Byte() % boxes.size());
+    }
+    // A greyed box takes nothing.
+    void TypeIntoABox() {
+        TextBox& box = Box();
+        const std::string text = Text();
+        if (box.Enabled()) instrument_.Act([&] { box.UserTypes(text); });
+    }
+    void LeaveABox() {
+        TextBox& box = Box();
+        if (box.Enabled()) instrument_.Act([&] { box.UserLeaves(); });
+    }
+    void PressAButton() {
+        frmMain& form = instrument_.form;
+        const std::array<CommandButton*, 5> buttons{
+            &form.Signals.Signal.Command1, &form.Signals.Memory.cmdGenAdd, &form.Signals.Memory.cmdRemove,
+            &form.Signals.Memory.cmdStartMemory, &form.BaselineOptions.cmdBaseline};
+        CommandButton& button = *buttons.at(input_.Byte() % buttons.size());
+        instrument_.Act([&] { button.Press(); });
+    }
+    void MoveASlider() {
+        SignalControls& signal = instrument_.form.Signals.Signal;
+        const std::array<Slider*, 4> sliders{&signal.sldStartFreq, &signal.sldEndFreq, &signal.sldSweepTime,
+                                             &signal.sldLevel};
+        Slider& slider = *sliders.at(input_.Byte() % sliders.size());
+        const std::int32_t value = input_.Word();
+        if (!slider.Enabled()) return;
+        instrument_.Act([&] { slider.UserMoves(&slider == &signal.sldLevel ? -value : value); });
+        instrument_.Act([&] { slider.UserReleases(); });
+    }
+    void ClickABox() {
+        frmMain& form = instrument_.form;
+        const std::array<CheckBox*, 4> boxes{
+            &form.Measurement.Controls.chkAuto, &form.Measurement.Controls.chkMuteOutput,
+            &form.BaselineOptions.chkBaseline, &form.Signals.Signal.chkLoop};
+        CheckBox& box = *boxes.at(input_.Byte() % boxes.size());
+        if (box.Enabled()) instrument_.Act([&] { box.UserSets(!box.Checked()); });
+    }
+    void ChooseAWave() {
+        ComboBox& list = instrument_.form.Signals.Signal.cmbType;
+        const std::int32_t index = input_.Byte() % list.Count();
+        if (list.Enabled()) instrument_.Act([&] { list.UserSelects(index); });
+    }
+    void SelectATone() {
+        ListBox& list = instrument_.form.Signals.Memory.ToneList;
+        const std::uint8_t which = input_.Byte();
+        if (list.Count() == 0 || !list.Enabled()) return;
+        const std::int32_t position = (which >> 1U) % list.Count();
+        instrument_.Act([&] { list.UserSelects(position, (which & 1U) == 0); });
+    }
+    void FillPrintDialog(frmPrint& dialog) {
+        dialog.cmbPrinter.UserSelects(input_.Byte() % dialog.cmbPrinter.Count());
+        dialog.txtCopies.UserTypes(Text());
+        if (dialog.txtFile.Enabled()) dialog.txtFile.UserTypes(Text());
+        instrument_.dialogs.Answer = input_.Byte() % 4U != 0;
+        dialog.cmdOk.Press();
+        instrument_.dialogs.Answer = true;
+        if (!dialog.Choice()) return;
+        Require(dialog.Choice()->copies >= 1 && dialog.Choice()->copies <= frmPrint::kMaxCopies,
+                "a number of copies");
+        Require(dialog.Choice()->destination.file.empty() != dialog.Choice()->destination.printer.empty(),
+                "a printer or a file");
+    }
+    void FillDeviceDialog(frmDevices& dialog) {
+        dialog.cmbSampleRate.SetListIndex(input_.Byte() % dialog.cmbSampleRate.Count());
+        if (input_.Byte() % 4U == 0) dialog.cmdCancel.Press();
+    }
+
+    Instrument& instrument_;
+    Input& input_;
+};
+
+}  // namespace
+}  // namespace sonavex
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace sonavex;
+    fuzz::Input input(data, size);
+    const std::int32_t generation = (input.Byte() & 1U) != 0 ? 5 : 10;
+    MemorySettingsStore store;
+    {
+        Instrument instrument(store, generation, true);
+        Require(instrument.Start(), "without settings the instrument starts");
+        User user(instrument, input);
+        for (int action = 0; action < kMostActions && !input.AtEnd() && !instrument.Ended(); ++action)
+            user.Act();
+        Require(!instrument.Ended(), "nothing that is typed ends the instrument");
+        const std::size_t before = instrument.ErrorsTold();
+        instrument.ShutDown();
+        Require(instrument.ErrorsTold() == before, "the shutdown succeeds");
+    }
+    Instrument next(store, generation, true);
+    Require(next.Start(), "what was stored at the end starts the instrument", next.log.Lines().back());
+    return 0;
+}

@@ -1,0 +1,108 @@
+// Recordings of any content through the headless meter: readings that are numbers, or one line that says
+// what is wrong with the file.
+//
+// First byte: bits 0 and 1 choose tones, bit 2 an output file, bit 3 a table in place of JSON. Second byte:
+// so many blocks' worth of bytes are appended, which repeat the end of the file, so that a short input can
+// be a recording that is long enough to be measured.
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+
+#include "app/measure/Commands.h"
+#include "app/measure/MeasureError.h"
+#include "core/text/Numbers.h"
+#include "core/text/RuntimeError.h"
+#include "fuzz/FuzzTarget.h"
+#include "fuzz/MemoryFile.h"
+
+namespace sonavex {
+namespace {
+
+using fuzz::Input;
+using fuzz::MemoryFile;
+using fuzz::Require;
+
+constexpr std::size_t kBlockBytes = 2048;
+constexpr std::size_t kRepeated = 256;
+constexpr unsigned kMostBlocks = 64;
+
+// What is written to a stream while it lives.
+class Captured {
+public:
+    explicit Captured(std::ostream& stream) : stream_(stream), own_(stream.rdbuf(text_.rdbuf())) {}
+    ~Captured() { stream_.rdbuf(own_); }
+    Captured(const Captured&) = delete;
+    Captured& operator=(const Captured&) = delete;
+    std::string Text() const { return text_.str(); }
+
+private:
+    std::ostringstream text_;
+    std::ostream& stream_;
+    std::streambuf* own_;
+};
+
+std::string Recording(Input& input, unsigned blocks) {
+    std::string content(input.Rest());
+    const std::string end = content.substr(content.size() - std::min(content.size(), kRepeated));
+    if (end.empty()) return content;
+    const std::size_t wanted = content.size() + blocks * kBlockBytes;
+    while (content.size() < wanted) content += end;
+    return content;
+}
+
+void CheckJson(const std::string& output) {
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        const auto reading = nlohmann::json::parse(line, nullptr, false);
+        Require(!reading.is_discarded() && reading.is_object(), "a line of JSON", line);
+        for (const char* list : {"percent", "db"})
+            for (const auto& caption : reading.at(list)) {
+                const auto text = caption.get<std::string>();
+                Require(text.empty() || text == "N/A" || std::isfinite(CDbl(text)), "a reading", line);
+            }
+    }
+}
+
+void Measure(const measure::FileOptions& options) {
+    const Captured out(std::cout);
+    const Captured complaints(std::cerr);
+    int status = 0;
+    try {
+        status = measure::MeasureFile(options);
+    } catch (const measure::MeasureError& error) {
+        Require(*error.what() != '\0', "a failure is explained");
+        return;
+    } catch (const RuntimeError& error) {
+        Require(false, "no recording raises a run-time error", error.what());
+    }
+    Require(status == measure::kMeasured || status == measure::kNeverLocked, "a documented status");
+    Require(status != measure::kMeasured || !out.Text().empty(), "a measurement is printed");
+    Require(out.Text().find("nan") == std::string::npos && out.Text().find("inf") == std::string::npos,
+            "readings are numbers", out.Text());
+    if (options.json) CheckJson(out.Text());
+}
+
+}  // namespace
+}  // namespace sonavex
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace sonavex;
+    fuzz::Input input(data, size);
+    const unsigned head = input.Byte();
+    const unsigned blocks = input.Byte() % kMostBlocks;
+    const fuzz::MemoryFile recording(Recording(input, blocks));
+    const fuzz::MemoryFile output("");
+    measure::FileOptions options;
+    options.input = recording.Path();
+    if ((head & 1U) != 0) options.tones = {"sine:440", "square:1000:1500:300:loop"};
+    if ((head & 2U) != 0) options.frequencyHz = 1000.0;
+    if ((head & 4U) != 0) options.output = output.Path();
+    options.json = (head & 8U) == 0;
+    options.noMute = (head & 16U) != 0;
+    Measure(options);
+    return 0;
+}
