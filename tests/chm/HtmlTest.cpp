@@ -17,6 +17,13 @@ TEST(HtmlTest, LeavesWhatIsNoEntity) {
         EXPECT_EQ(DecodeEntities(text), text);
 }
 
+// What stands far behind an ampersand is not looked at: a page of nothing else would take for ever.
+TEST(HtmlTest, ReadsAPageOfAmpersandsInOneGo) {
+    const std::string ampersands(4U << 20U, '&');
+    EXPECT_EQ(DecodeEntities(ampersands), ampersands);
+    EXPECT_EQ(DecodeEntities(ampersands + "lt;"), ampersands.substr(1) + "<");
+}
+
 TEST(HtmlTest, ReadsTagsAndAttributes) {
     HtmlReader reader("x<PARAM Name=\"Local\" value='a &amp; b' checked size=3/>y");
     std::string text;

@@ -128,10 +128,9 @@ std::string DecodeEntities(std::string_view text) {
         decoded += text.substr(0, ampersand);
         text.remove_prefix(ampersand);
         if (text.empty()) break;
-        const std::size_t end = text.find(';');
+        const std::size_t end = text.substr(0, kLongestEntity + 1).find(';');
         std::string character;
-        if (end != std::string_view::npos && end <= kLongestEntity)
-            character = Decoded(text.substr(1, end - 1));
+        if (end != std::string_view::npos) character = Decoded(text.substr(1, end - 1));
         decoded += character.empty() ? "&" : character;
         text.remove_prefix(character.empty() ? 1 : end + 1);
     }

@@ -11,6 +11,32 @@ namespace {
 constexpr double kPi = 3.14159265358979;
 constexpr double kTwoPi = 6.28318530717958;
 
+// A tone that was stored for a high sampling rate and is played at a low one.
+TEST(Phase, OfASineAboveTheSamplingRateStaysInItsTurn) {
+    for (const double frequencyHz : {24000.0, 1e6, 1.5e300}) {
+        GeneratorBench bench(4000);
+        const ToneRecord& tone = bench.Add(wave::kSine, frequencyHz);
+        bench.Run();
+        for (int block = 0; block < 4; ++block) {
+            bench.Fill();
+            EXPECT_GT(tone.Phase, -kPi) << frequencyHz;
+            EXPECT_LE(tone.Phase, kPi) << frequencyHz;
+        }
+    }
+}
+
+TEST(Phase, WholeTurnsOfAStepChangeNothing) {
+    GeneratorBench bench(8000);
+    bench.Add(wave::kSine, 8000.0 * 3 + 1000.0);
+    GeneratorBench plain(8000);
+    plain.Add(wave::kSine, 1000.0);
+    bench.Run();
+    plain.Run();
+    const std::vector<double> fast = bench.Fill();
+    const std::vector<double> slow = plain.Fill();
+    for (std::size_t i = 0; i < fast.size(); ++i) EXPECT_NEAR(fast[i], slow[i], 1e-6) << i;
+}
+
 TEST(FrequencyCheck, RemembersTheSweepFrequencyAndComputesIncrements) {
     GeneratorBench bench(48000);
     ToneRecord& tone = bench.Add(wave::kSine, 1000.0);

@@ -38,6 +38,21 @@ protected:
     }
 };
 
+// The step of a sweep between such frequencies is beyond every number; the tones must not be lost for it.
+TEST_F(UnusableTones, OfHugeFrequenciesAreStoredAgain) {
+    Store("NumberOfTones", "1");
+    Store("Memory Signal Start 1", "1E308");
+    Store("Memory Signal End 1", "-1E308");
+    Store("Memory Signal Sweep Time 1", "1");
+    Store("Memory Signal Sweep 1", "True");
+    Init();
+    EXPECT_NO_THROW(panel.WriteMemoryToRegistry());
+    EXPECT_EQ(Stored("Memory Signal Start 1"), " 1E+308");
+    EXPECT_EQ(Stored("Memory Signal Loop Increment 1"), "-1.79769313486231E+308");
+    EXPECT_EQ(Stored("NumberOfTones"), "1");
+    EXPECT_NO_THROW(Init());
+}
+
 TEST_F(UnusableTones, OfZeroHertzAreRefusedForEveryWaveform) {
     Select(1);
     for (int waveType = 0; waveType < 4; ++waveType) {

@@ -251,6 +251,18 @@ TEST_P(BadLines, AreToldOfAndTheStartGoesOn) {
     EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
 }
 
+// A message in pieces of characters could not be shown.
+TEST(NewerMixers, ShortenALongBadLineBetweenCharacters) {
+    Newer world;
+    std::string line = "x";
+    for (int i = 0; i < 100; ++i) line += "\xC3\xBC";
+    world.store.Save("Settings", "VistaSoundCard", line);
+    world.Start();
+    const auto messages = world.log.Of("Message");
+    ASSERT_THAT(messages, SizeIs(1));
+    EXPECT_THAT(messages[0], HasSubstr("\"" + line.substr(0, 1 + 2 * 79) + "...\""));
+}
+
 TEST(OlderMixers, NeverAskTheLibrary) {
     Older world;
     world.store.Save("Settings", "SoundCard", "0,Microphone Volume,7,7,");
