@@ -23,8 +23,7 @@ std::string AsUtf8(std::string_view text);
 // Reads an input piece by piece from its front. Where it ends, zeros and empty texts follow.
 class Input {
 public:
-    Input(const std::uint8_t* data, std::size_t size)
-        : rest_(reinterpret_cast<const char*>(data), size) {}
+    Input(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
     explicit Input(std::string_view bytes) noexcept : rest_(bytes) {}
 
     bool AtEnd() const noexcept { return rest_.empty(); }

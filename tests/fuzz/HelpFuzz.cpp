@@ -26,7 +26,7 @@ using fuzz::IsUtf8;
 using fuzz::MemoryFile;
 using fuzz::Require;
 
-constexpr std::array<const char*, 6> kParts{"/#SYSTEM",      "/#STRINGS",  "/#IVB",
+constexpr std::array<const char*, 6> kParts{"/#SYSTEM",      "/#STRINGS",   "/#IVB",
                                             "/contents.hhc", "/index.html", "/more/a.html"};
 
 void CheckChapters(const std::vector<HelpBook::Chapter>& chapters, const HelpBook& book, bool plainText) {

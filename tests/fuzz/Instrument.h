@@ -69,7 +69,10 @@ public:
     Settings settings{store};
     DesktopErrorLog errors{{settings, card, desktop, files, FixedTime}};
     frmMain form{{store, card, loop, dialogs, desktop, errors, mixers}};
-    PrintCommand print{{printer, dialogs, desktop, [] { return CalendarDate{2024, 3, 9}; }},
+    PrintCommand print{{printer, dialogs, desktop,
+                        [] {
+                            return CalendarDate{2024, 3, 9};
+                        }},
                        form.Measurement.Controls,
                        form.cmdPrint,
                        form.mnuPrint};

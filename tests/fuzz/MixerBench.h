@@ -52,9 +52,9 @@ struct MixerBench {
 private:
     void CheckLibrary() {
         std::int32_t status = 0;
-        for (const std::int32_t level :
-             {library.GetMasterVolume(status), library.GetLinePlayBack(status), library.GetMicPlayBack(status),
-              library.GetMicRecordVolume(status), library.GetLineRecordVolume(status)})
+        for (const std::int32_t level : {library.GetMasterVolume(status), library.GetLinePlayBack(status),
+                                         library.GetMicPlayBack(status), library.GetMicRecordVolume(status),
+                                         library.GetLineRecordVolume(status)})
             Require(level >= 0 && level <= 100, "a level is a percentage");
         double minimumDb = 0.0;
         double maximumDb = 0.0;

@@ -50,7 +50,8 @@ void SetVista(MixerBench& bench, std::string_view line) {
     bench.Check();
     const std::string state = VistaSound::GetVistaMixerState(bench.library);
     VistaSound::SetVistaMixerState(bench.library, state);
-    Require(VistaSound::GetVistaMixerState(bench.library) == state, "a state that was read is put back", state);
+    Require(VistaSound::GetVistaMixerState(bench.library) == state, "a state that was read is put back",
+            state);
 }
 
 // What is saved can be applied, whatever was saved before.

@@ -24,13 +24,30 @@ struct PlacedKey {
 
 std::vector<PlacedKey> AllKeys() {
     std::vector<PlacedKey> all;
-    for (const SettingsKey& key :
-         {keys::kAuto, keys::kBaseline, keys::kBaselineHz, keys::kBaselineRate, keys::kInputMixerState,
-          keys::kOutputMixerState, keys::kVistaMixerState, keys::kInput, keys::kOutput, keys::kSampleRate,
-          keys::kLineInput, keys::kThreeMixers, keys::kLevel, keys::kMuteMeter, keys::kToneType,
-          keys::kCurrentStart, keys::kCurrentEnd, keys::kCurrentSweepTime, keys::kCurrentSweep,
-          keys::kCurrentType, keys::kCurrentLoop, keys::kCurrentLoopIncrement, keys::kNumberOfTones,
-          keys::kLastTab})
+    for (const SettingsKey& key : {keys::kAuto,
+                                   keys::kBaseline,
+                                   keys::kBaselineHz,
+                                   keys::kBaselineRate,
+                                   keys::kInputMixerState,
+                                   keys::kOutputMixerState,
+                                   keys::kVistaMixerState,
+                                   keys::kInput,
+                                   keys::kOutput,
+                                   keys::kSampleRate,
+                                   keys::kLineInput,
+                                   keys::kThreeMixers,
+                                   keys::kLevel,
+                                   keys::kMuteMeter,
+                                   keys::kToneType,
+                                   keys::kCurrentStart,
+                                   keys::kCurrentEnd,
+                                   keys::kCurrentSweepTime,
+                                   keys::kCurrentSweep,
+                                   keys::kCurrentType,
+                                   keys::kCurrentLoop,
+                                   keys::kCurrentLoopIncrement,
+                                   keys::kNumberOfTones,
+                                   keys::kLastTab})
         all.push_back({std::string(key.section), std::string(key.key)});
     for (const char* form : {"frmMain", "frmDevices", "frmSound", "frmSoundVista"})
         for (const char* edge : {" Left", " Top"})
@@ -110,7 +127,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         StoreValues(input, store);
     if (Run(store, generation, plainText, blocks)) {
         Instrument next(store, generation, plainText);
-        Require(next.Start(), "what was stored at the end starts the instrument", next.log.Lines().back());
+        const bool started = next.Start();
+        Require(started, "what was stored at the end starts the instrument", next.log.Lines().back());
     } else {
         MemorySettingsStore none;
         Instrument next(none, generation, true);

@@ -97,9 +97,9 @@ private:
     }
     void ClickABox() {
         frmMain& form = instrument_.form;
-        const std::array<CheckBox*, 4> boxes{
-            &form.Measurement.Controls.chkAuto, &form.Measurement.Controls.chkMuteOutput,
-            &form.BaselineOptions.chkBaseline, &form.Signals.Signal.chkLoop};
+        const std::array<CheckBox*, 4> boxes{&form.Measurement.Controls.chkAuto,
+                                             &form.Measurement.Controls.chkMuteOutput,
+                                             &form.BaselineOptions.chkBaseline, &form.Signals.Signal.chkLoop};
         CheckBox& box = *boxes.at(input_.Byte() % boxes.size());
         if (box.Enabled()) instrument_.Act([&] { box.UserSets(!box.Checked()); });
     }
@@ -157,6 +157,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(instrument.ErrorsTold() == before, "the shutdown succeeds");
     }
     Instrument next(store, generation, true);
-    Require(next.Start(), "what was stored at the end starts the instrument", next.log.Lines().back());
+    const bool started = next.Start();
+    Require(started, "what was stored at the end starts the instrument", next.log.Lines().back());
     return 0;
 }
