@@ -126,7 +126,7 @@ void Generator::AddTone(ToneRecord& tone, std::span<double> first, std::span<dou
 
 void Generator::MakeSine(ToneRecord& tone, std::size_t count) {
     double phase = tone.Phase;
-    // Above the sampling rate a step is more than a turn; whole turns change nothing.
+    // A tone above the sampling rate, stored at a higher one, turns more than once in a sample.
     const double increment = std::fmod(tone.PhaseIncrement, kTwoPi);
     for (std::size_t i = 0; i < count; ++i) {
         phase += increment;
