@@ -10,7 +10,8 @@ set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
 
-readonly input_seconds=60 memory_mb=2048 kept_inputs=60
+# What an input may take, how many inputs a merge adds, and libFuzzer's status when it is stopped.
+readonly input_seconds=60 memory_mb=2048 kept_inputs=60 interrupted=72
 declare -A longest=([tone-line]=256 [mixer-state]=1024 [settings]=2048 [typing]=600 [wav]=8192 [help]=16384)
 work="$root/build/fuzz/work"
 findings="$root/build/fuzz/findings"
@@ -71,6 +72,10 @@ fuzz() {
     echo "$target: $tried inputs, $(last_of 'cov:' "$log") places in the code and $(last_of 'ft:' "$log")" \
         "features reached, $((used_ms / 1000)) s of processor time, seeds $seed to $((seed + slice - 1))"
     ((status != 0)) || return 0
+    if ((status == interrupted)); then
+        echo "$target: interrupted"
+        exit 130
+    fi
     echo "$target: FOUND something:"
     grep -aE -A2 '^Not so|ERROR: |runtime error|what\(\)|Test unit written' "$log" | cut -c1-300
     return 1
