@@ -218,7 +218,7 @@ TEST_F(QtSettingsStoreFailure, AHugeFileIsNotRead) {
 
 // The toolkit's lock of a process that was killed at the worst moment has no owner in it.
 TEST_F(QtSettingsStoreFailure, ALockThatWasLeftBehindDelaysNothing) {
-    WriteFile(File().string() + ".lock", "");
+    WriteFile(File().string() + ".new.lock", "");
     EXPECT_LT(SecondsOf([&] {
                   const auto store = Open();
                   store->Save("Settings", "Auto", "0");
@@ -227,6 +227,17 @@ TEST_F(QtSettingsStoreFailure, ALockThatWasLeftBehindDelaysNothing) {
               5);
     EXPECT_EQ(Stored("Settings", "Auto"), "0");
     EXPECT_THAT(FilesInFolder(), ElementsAre("Sonavex.ini"));
+}
+
+// Those of a disk that cannot hold files without a name have chance letters in theirs.
+TEST_F(QtSettingsStoreFailure, FilesOfProcessesThatWereKilledDoNotPileUp) {
+    for (const char* const left : {".new", ".new.lock", ".new.aBcDeF", ".new.ZZZZZZ"})
+        WriteFile(File().string() + left, "[Settings]\nAuto=9\n");
+    for (const char* const kept : {".backup", ".damaged", "~"}) WriteFile(File().string() + kept, "kept");
+    Open()->Save("Settings", "Auto", "0");
+    EXPECT_EQ(Stored("Settings", "Auto"), "0");
+    EXPECT_THAT(FilesInFolder(),
+                ElementsAre("Sonavex.ini", "Sonavex.ini.backup", "Sonavex.ini.damaged", "Sonavex.ini~"));
 }
 
 TEST_F(QtSettingsStoreFailure, AProcessThatStandsStillIsNotWaitedForTwice) {

@@ -23,7 +23,7 @@ public:
     // Of the program.
     std::filesystem::path SettingsFolder() const { return Config() / "Sonavex"; }
     std::filesystem::path SettingsFile() const { return SettingsFolder() / "Sonavex.ini"; }
-    std::filesystem::path Journal() const { return SettingsFolder() / "mixer-levels"; }
+    std::filesystem::path Journal() const { return Runtime() / "sonavex-mixer-levels"; }
     // What a process prints.
     std::filesystem::path Output() const { return folder_.Path() / "output"; }
 
