@@ -34,4 +34,9 @@ std::filesystem::path RuntimeFolder() {
     return folder.is_absolute() && BelongsToTheUser(folder) ? folder : std::filesystem::path();
 }
 
+void KeepFilesFromEverybody() noexcept {
+    // The mask can only be read by setting it.
+    umask(umask(S_IRWXG | S_IRWXO) | S_IWOTH);
+}
+
 }  // namespace sonavex

@@ -16,4 +16,8 @@ bool BelongsToTheUser(const std::filesystem::path& folder) noexcept;
 // empty where there is none, and where others could put something there.
 std::filesystem::path RuntimeFolder();
 
+// From here on no file that this process or the programs it starts create can be written by everybody,
+// whatever mask of rights it was started with.
+void KeepFilesFromEverybody() noexcept;
+
 }  // namespace sonavex
