@@ -12,6 +12,11 @@
 
 namespace sonavex {
 
+// The test executable, which also serves as the other processes.
+inline std::string ThisProgram() {
+    return std::filesystem::read_symlink("/proc/self/exe").string();
+}
+
 inline std::string FileText(const std::filesystem::path& file) {
     std::ostringstream text;
     text << std::ifstream(file, std::ios::binary).rdbuf();

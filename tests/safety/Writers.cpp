@@ -3,19 +3,17 @@
 #include <QGuiApplication>
 #include <iostream>
 
-#include "core/text/RuntimeError.h"
 #include "platform/plain/FileMixerJournal.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSettingsStore.h"
+#include "safety/Files.h"
 
 namespace sonavex {
 namespace {
 
-constexpr const char* kThisProgram = "/proc/self/exe";
 constexpr const char* kSettings = "--write-settings";
 constexpr const char* kJournal = "--write-journal";
 constexpr const char* kReport = "--write-report";
-constexpr const char* kOneReport = "--write-one-report";
 constexpr int kUnwritten = 3;
 
 constexpr int kKeys = 150;         // of each section
@@ -69,19 +67,8 @@ int WriteReports(const std::filesystem::path& file) {
     }
 }
 
-int WriteOneReport(const std::filesystem::path& file) {
-    QtPrinter printer;
-    try {
-        PrintTo(printer, file, 'A');
-    } catch (const RuntimeError& error) {
-        std::cerr << error.what() << '\n';
-        return kUnwritten;
-    }
-    return 0;
-}
-
 Arguments Command(const char* command, const std::filesystem::path& file) {
-    return {kThisProgram, command, file.string()};
+    return {ThisProgram(), command, file.string()};
 }
 
 }  // namespace
@@ -119,10 +106,6 @@ Arguments ReportWriter(const std::filesystem::path& file) {
     return Command(kReport, file);
 }
 
-Arguments OneReport(const std::filesystem::path& file) {
-    return Command(kOneReport, file);
-}
-
 std::optional<int> RunWriter(int argc, char** argv) {
     if (argc != 3) return std::nullopt;
     const std::string command = argv[1];
@@ -131,10 +114,10 @@ std::optional<int> RunWriter(int argc, char** argv) {
         const QCoreApplication application(argc, argv);
         return WriteSettings(argv[2]);
     }
-    if (command != kReport && command != kOneReport) return std::nullopt;
+    if (command != kReport) return std::nullopt;
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    return command == kReport ? WriteReports(argv[2]) : WriteOneReport(argv[2]);
+    return WriteReports(argv[2]);
 }
 
 }  // namespace sonavex

@@ -23,8 +23,6 @@ Arguments JournalWriter(const std::filesystem::path& file);
 
 // The first line of the report says which.
 Arguments ReportWriter(const std::filesystem::path& file);
-// Writes the report once: status 0, or 3 with the complaint on the standard error.
-Arguments OneReport(const std::filesystem::path& file);
 
 // Runs what the command line asks for and returns the exit status; nothing when it asks for no writer.
 std::optional<int> RunWriter(int argc, char** argv);

@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
 
+#include "safety/Confined.h"
+#include "safety/Session.h"
 #include "safety/Writers.h"
 
 int main(int argc, char** argv) {
-    if (const auto status = sonavex::RunWriter(argc, argv)) return *status;
+    for (const auto run : {sonavex::RunConfined, sonavex::RunSession, sonavex::RunWriter})
+        if (const auto status = run(argc, argv)) return *status;
     testing::InitGoogleMock(&argc, argv);
     return RUN_ALL_TESTS();
 }

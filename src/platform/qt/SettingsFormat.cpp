@@ -44,7 +44,8 @@ bool WriteFormat(QIODevice& device, const QSettings::SettingsMap& map) {
     const QByteArray text = QByteArray::fromStdString(WriteIni(sections));
     auto* const file = qobject_cast<QFileDevice*>(&device);
     if (file != nullptr && !file->setPermissions(kOwnerOnly)) return false;
-    return device.write(text) == text.size();
+    // A part that does not fit on the disk would be lost without a word when the file is completed.
+    return device.write(text) == text.size() && (file == nullptr || file->flush());
 }
 
 // Where a file is not there yet, the toolkit gives the finished one its name in a single step; beside one
