@@ -155,6 +155,8 @@ void StreamWatch::LookForStall(Time now) {
 }
 
 void StreamWatch::DeviceLost(const RuntimeError& error) {
+    // A start not yet looked at must not wipe out a loss that came after it.
+    FollowStarts();
     if (loss_ || !env_.shared.EventsReady) return;
     loss_ = error;
     SetStopped(true, error.what());
@@ -194,7 +196,11 @@ void StreamWatch::LookForReturn() {
 void StreamWatch::TryAgain() {
     onTrial_ = true;
     try {
-        if (env_.engine.ReStart(StreamEngine::Telling::kQuiet) && OnRestarted) OnRestarted();
+        if (env_.engine.ReStart(StreamEngine::Telling::kQuiet)) {
+            BeginPatience();
+            if (OnRestarted) OnRestarted();
+            return;
+        }
     } catch (const RuntimeError&) {
         // The device went away again while it was being started.
         env_.engine.Abandon();

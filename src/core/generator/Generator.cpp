@@ -126,7 +126,8 @@ void Generator::AddTone(ToneRecord& tone, std::span<double> first, std::span<dou
 
 void Generator::MakeSine(ToneRecord& tone, std::size_t count) {
     double phase = tone.Phase;
-    const double increment = tone.PhaseIncrement;
+    // A tone above the sampling rate, stored at a higher one, turns more than once in a sample.
+    const double increment = std::fmod(tone.PhaseIncrement, kTwoPi);
     for (std::size_t i = 0; i < count; ++i) {
         phase += increment;
         if (phase > kPi) phase -= kTwoPi;

@@ -74,7 +74,7 @@ double DeviceUnderTest::Curve(double sample) const noexcept {
 std::int16_t DeviceUnderTest::Convert(double sample) {
     double value = Curve(sample);
     if (model_.noiseRms > 0.0) value += model_.noiseRms * normal_(random_);
-    return static_cast<std::int16_t>(std::nearbyint(std::clamp(value, -32768.0, 32767.0)));
+    return static_cast<std::int16_t>(std::lrint(std::clamp(value, -32768.0, 32767.0)));
 }
 
 void DeviceUnderTest::Remember(const std::int16_t* frame) noexcept {

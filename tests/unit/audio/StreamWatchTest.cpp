@@ -218,6 +218,29 @@ TEST(StreamWatch, ForgetsALossWhenTheDialogHasStartedTheEngineAnew) {
 }
 
 // The stream is alive: only what is done with it fails.
+TEST(StreamWatch, RemembersALossThatComesRightAfterAStart) {
+    WatchBench bench;
+    ASSERT_TRUE(bench.engine.ReStart());
+    bench.Lose({sound_error::kBufferLost, "The card was pulled out."});
+    EXPECT_FALSE(bench.shared.EventsReady);
+    EXPECT_EQ(bench.watch.Reason(), "The card was pulled out.");
+    EXPECT_EQ(bench.Records(), 1U);
+}
+
+TEST(StreamWatch, RemembersALossThatComesWhileItStartsTheEngine) {
+    WatchBench bench;
+    bench.Unplug();
+    bench.watch.OnRestarted = [&] {
+        bench.watch.OnRestarted = {};
+        bench.sound.Lose({sound_error::kBufferLost, "Pulled out again."});
+    };
+    bench.Replug();
+    bench.loop.Advance(1300ms);
+    EXPECT_FALSE(bench.watch.OnRestarted);
+    EXPECT_FALSE(bench.shared.EventsReady);
+    EXPECT_EQ(bench.watch.Reason(), "Pulled out again.");
+}
+
 TEST(StreamWatch, MarksBlocksThatCannotBeMeasuredAndGoesOn) {
     WatchBench bench;
     bench.engine.OnBlockQueued = {};

@@ -181,5 +181,27 @@ TEST(Phase, StaysInRangeBelowZeroHertz) {
     }
 }
 
+// A memory tone that was stored at 48000 Hz, played at 4000 Hz.
+TEST(Phase, OfASineAboveTheSamplingRateStaysWithinATurn) {
+    GeneratorBench bench(4000);
+    ToneRecord& tone = bench.Add(wave::kSine, 20100.0);
+    bench.Run();
+    for (int block = 0; block < 50; ++block) {
+        for (const double sample : bench.Fill()) ASSERT_LE(std::abs(sample), 8191.76);
+        ASSERT_GT(tone.Phase, -kPi - 1e-12) << block;
+        ASSERT_LE(tone.Phase, kPi) << block;
+    }
+    // It sounds as its alias, 100 Hz.
+    GeneratorBench alias(4000);
+    alias.Add(wave::kSine, 100.0);
+    alias.Run();
+    GeneratorBench above(4000);
+    above.Add(wave::kSine, 20100.0);
+    above.Run();
+    const auto expected = alias.Fill();
+    const auto heard = above.Fill();
+    for (std::size_t i = 0; i < heard.size(); ++i) ASSERT_NEAR(heard[i], expected[i], 1e-5) << i;
+}
+
 }  // namespace
 }  // namespace sonavex

@@ -1,0 +1,80 @@
+#!/usr/bin/env bash
+# Lets the headless meter measure for an hour on a PulseAudio of its own, whose sink returns what is played,
+# while other processes keep the processors busy. Prints what was lost and what was read.
+#   tools/soak-server.sh [SECONDS [BUSY]]     3600 s; 2 busy processes for each processor
+# Exit status 1 when the meter fails, when it reads wrong without saying so, or when its memory grows.
+set -euo pipefail
+# shellcheck source=tools/build.sh
+source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
+
+seconds="${1:-3600}"
+busy="${2:-2}"
+build_preset dev sonavex-measure
+work="$(mktemp -d)"
+pids=()
+finish() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap finish EXIT
+
+export HOME="$work" XDG_CONFIG_HOME="$work" XDG_RUNTIME_DIR="$work" LC_ALL=C.UTF-8
+export PULSE_SERVER="unix:$work/native"
+unset SONAVEX_SOUND SONAVEX_OS_MAJOR
+pulseaudio -n --daemonize=no --exit-idle-time=-1 --use-pid-file=no \
+    -L "module-native-protocol-unix socket=$work/native auth-anonymous=1" \
+    -L "module-null-sink sink_name=card rate=48000 norewinds=1" >"$work/pulse.log" 2>&1 &
+pids+=($!)
+for ((i = 0; i < 100; ++i)); do
+    if pactl info >/dev/null 2>&1; then break; fi
+    sleep 0.1
+done
+
+for ((i = 0; i < busy * $(nproc); ++i)); do
+    (while :; do :; done) &
+    pids+=($!)
+done
+
+# A copy, so that a build beside it changes nothing.
+cp "$root/build/dev/bin/sonavex-measure" "$work/"
+"$work/sonavex-measure" run --json --rate 48000 --tone sine:1125 --seconds "$seconds" \
+    >"$work/readings.jsonl" 2>"$work/errors.log" &
+meter=$!
+pids+=("$meter")
+# Memory in kB and the load, once a minute.
+while sleep 60 && kill -0 "$meter" 2>/dev/null; do
+    resident="$(awk '/^VmRSS/ { print $2 }' "/proc/$meter/status" 2>/dev/null || true)"
+    [[ -z $resident ]] || echo "$resident $(cut -d' ' -f1 /proc/loadavg)" >>"$work/minutes"
+done
+status=0
+wait "$meter" || status=$?
+cat "$work/errors.log" >&2
+((status == 0)) || { echo "The meter ended with status $status" >&2; exit 1; }
+
+python3 - "$work/readings.jsonl" "$work/minutes" <<'PYTHON'
+import json, os, sys
+lines = [json.loads(line) for line in open(sys.argv[1])]
+minutes = []
+if os.path.exists(sys.argv[2]):
+    minutes = [[float(x) for x in line.split()] for line in open(sys.argv[2])]
+settled = [float(line["thd"]) for line in lines if line["settled"]]
+last = lines[-1]
+lost = {key: last[key] for key in ("blocksLost", "framesMissing", "overruns", "underruns")}
+# A piece of wire: what is left is the rounding to 16 bit.
+wrong = [thd for thd in settled if thd > 0.006]
+print(f"{last['block']} blocks, {len(lines)} readings, {len(settled)} of them of 19 good blocks in a row")
+print("lost: " + ", ".join(f"{value} {key}" for key, value in lost.items()))
+if settled:
+    print(f"total distortion of the settled readings: {min(settled)} to {max(settled)} %")
+grown = 0.0
+if minutes:
+    memory = [kb for kb, _ in minutes]
+    grown = memory[-1] - memory[0]
+    loads = sorted(load for _, load in minutes)
+    print(f"memory {memory[0]:.0f} kB after a minute, {memory[-1]:.0f} kB at the end")
+    print(f"load average {loads[0]} to {loads[-1]}, median {loads[len(loads) // 2]}, on {os.cpu_count()} processors")
+print("notes: " + ("; ".join(last["notes"]) or "none"))
+if not settled or wrong or grown > 1024:
+    sys.exit(f"FAILED: {len(settled)} settled readings, {len(wrong)} wrong ones, {grown:.0f} kB more memory")
+PYTHON
