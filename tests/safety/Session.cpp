@@ -17,6 +17,7 @@
 
 #include "app/sonavex/Program.h"
 #include "platform/plain/UserFolders.h"
+#include "platform/qt/QtLauncher.h"
 #include "safety/Files.h"
 #include "ui/FaceStyle.h"
 #include "ui/HelpWindow.h"
@@ -27,7 +28,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr const char* kCommand = "--somebody-does";
-constexpr std::int64_t kBlocks = 30;
+constexpr std::int64_t kBlocks = 12;
 constexpr auto kLimit = 60s;
 
 void Say(const std::string& what, QString text) {
@@ -128,6 +129,14 @@ void Print(app::Program& program) {
     Choose(program, "mnuPrint");
 }
 
+// Gives the program, which runs on its own, some time.
+void Launch(const QString& path) {
+    const std::int32_t error = QtLauncher().Run(path.toStdString());
+    if (error != 0) Say("unexpected", QStringLiteral("error %1").arg(error));
+    const auto end = std::chrono::steady_clock::now() + 500ms;
+    while (std::chrono::steady_clock::now() < end) QApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
 void Do(app::Program& program, Somebody& somebody, const QString& step) {
     const QString rest = step.section(u'=', 1);
     somebody.File.clear();
@@ -143,6 +152,7 @@ void Do(app::Program& program, Somebody& somebody, const QString& step) {
         somebody.Printer = rest;
         return Print(program);
     }
+    if (step.startsWith(QLatin1String("run="))) return Launch(rest);
     Say("unexpected", step);
 }
 

@@ -14,6 +14,7 @@ namespace sonavex {
 //   help          opens the help and looks through all of its pages
 //   file=PATH     prints the report into this PDF file
 //   print=NAME    prints the report on this printer
+//   run=PATH      runs this program
 //   settings      lets what is saved be written
 // An error of the sound devices at the start is confirmed with the button that ends the program.
 Arguments Session(const Arguments& steps);
