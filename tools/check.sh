@@ -66,7 +66,8 @@ check_shell() {
 
 # Calls that hand a text to a shell or take one apart, and shells by name.
 check_commands() {
-    local calls='\b(std::system|system|popen|wordexp|splitCommand|startCommand|execlp?|posix_spawnp?)[[:space:]]*\('
+    local calls='(^|[^.>[:alnum:]_])((std)?::)?(system|popen|wordexp|execlp?|posix_spawnp?)[[:space:]]*\('
+    calls+='|(splitCommand|startCommand)[[:space:]]*\('
     local shells='"(/bin/|/usr/bin/)?(ba|da|z)?sh"|sh -c'
     ! project_files 'src/*.h' 'src/*.cpp' | xargs -r -d '\n' grep -nIE "$calls|$shells"
 }
