@@ -7,7 +7,8 @@
 namespace sonavex {
 
 // A file that gets its name when it is complete: until then, and when that never comes, what has the name
-// stays as it was, even when the process is killed. A link leads to the file that is replaced. What is no
+// stays as it was, even when the process is killed: at the worst moment that leaves a complete file, named
+// after it with a dot and ".new", to the next writing. A link leads to the file that is replaced. What is no
 // file of a disk, such as a pipe, is written as it is.
 class ReplacedFile {
 public:
