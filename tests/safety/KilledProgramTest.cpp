@@ -69,8 +69,10 @@ protected:
             return server_.Control({"list", "short", "source-outputs"}).empty();
         })) << when
             << ": the server still knows the killed run";
+        const auto begin = std::chrono::steady_clock::now();
         const auto program = Start();
         ASSERT_TRUE(Until([&] { return Runs(); }, kStart)) << when << ": " << FileText(account_.Output());
+        start_ = std::chrono::steady_clock::now() - begin;
         program->Send(SIGTERM);
         ASSERT_TRUE(program->WaitForEnd(kStart)) << when;
         EXPECT_EQ(program->Status(), 0) << when;
@@ -79,20 +81,22 @@ protected:
         ExpectOrder(when);
     }
 
+    std::chrono::duration<double, std::micro> start_{};  // what the last start in order took
     Account account_;
     PulseServer server_{{{"card", 48000, "Test-Card"}}};
 };
 
 TEST_F(KilledProgram, GivesTheLevelsBackAndStartsAgain) {
     Chance chance("program");
-    // A start takes its time.
     const unsigned long kills = Kills(240) / 10;
     unsigned long changed = 0;
+    RunInOrder("at first");
     unsigned long ending = 0;
     for (unsigned long kill = 1; kill <= kills && !HasFailure(); ++kill) {
         const std::string when = "kill " + std::to_string(kill);
         const auto program = Start();
-        std::this_thread::sleep_for(std::chrono::microseconds(chance.Below(700000)));
+        std::this_thread::sleep_for(
+            std::chrono::microseconds(chance.Below(static_cast<unsigned long>(1.5 * start_.count()))));
         // Every third one on its way out.
         if (chance.Below(3) == 0) {
             program->Send(SIGTERM);

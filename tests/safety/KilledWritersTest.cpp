@@ -104,8 +104,9 @@ TEST_F(KilledWriters, OfTheJournalLeaveTheOldOneOrTheNewOne) {
         ASSERT_THAT(left, AnyOf(JournalText('A'), JournalText('B'))) << "after " << kill << " kills";
         ++seen[left];
         FileMixerJournal next(file);
-        next.Write("next");
-        EXPECT_EQ(next.Read(), "next");
+        next.Write(left + "next\n");
+        EXPECT_EQ(next.Read(), left + "next\n");
+        next.Write(left);
         EXPECT_THAT(NamesIn(file.parent_path()), ElementsAre("levels")) << "after " << kill << " kills";
     }
     EXPECT_EQ(seen.size(), 2U);

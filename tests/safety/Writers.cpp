@@ -32,7 +32,8 @@ void SayWriting() {
 
 int WriteSettings(const std::filesystem::path& file) {
     QtSettingsStore store(file);
-    for (char which = 'A';; which = Other(which)) {
+    const char first = store.Get("Settings", "Only A", "").empty() ? 'A' : 'B';
+    for (char which = first;; which = Other(which)) {
         for (const auto& [section, values] : SettingsSet(which)) {
             store.DeleteSection(section);
             for (const auto& [key, value] : values) store.Save(section, key, value);
@@ -44,7 +45,8 @@ int WriteSettings(const std::filesystem::path& file) {
 
 int WriteJournal(const std::filesystem::path& file) {
     FileMixerJournal journal(file);
-    for (char which = 'A';; which = Other(which)) {
+    const char first = journal.Read() == JournalText('A') ? 'B' : 'A';
+    for (char which = first;; which = Other(which)) {
         journal.Write(JournalText(which));
         SayWriting();
     }

@@ -9,8 +9,8 @@
 namespace sonavex {
 
 // The test executable also serves as the processes that are killed: started with the command of one of
-// these it does that instead of testing. Each says "writing" once it has written for the first time, and
-// goes on until it is killed.
+// these it does that instead of testing. It begins with what is not in the file. Each says "writing" once it
+// has written for the first time, and goes on until it is killed.
 
 // Two complete sets of settings that share no value, on several pages of the disk.
 inline constexpr char kSettingsSets[] = {'A', 'B'};
