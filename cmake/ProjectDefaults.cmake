@@ -30,7 +30,9 @@ if(SONAVEX_SANITIZE)
   target_compile_options(sonavex_defaults INTERFACE
     -fsanitize=${SONAVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
     # With the checks in between, the compiler loses sight of what the standard library has set.
-    "$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>")
+    "$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>"
+    # Several sources are compiled as one, so that their own types look like a header's.
+    "$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>")
   target_link_options(sonavex_defaults INTERFACE -fsanitize=${SONAVEX_SANITIZE})
   # Function multiversioning resolves before the sanitizer runtime is ready.
   target_compile_definitions(sonavex_defaults INTERFACE SONAVEX_SANITIZED)

@@ -10,22 +10,22 @@
 namespace sonavex::ui {
 namespace {
 
-constexpr int kCharactersOfALine = 76;
+constexpr int kMessageCharacters = 76;
 constexpr int kStatusLines = 2;
 
-constexpr int kIconSize = 32;
+constexpr int kMarkSize = 32;
 
 // A cross in a disc, sharp at every scale.
 QPixmap StopSign(qreal pixelRatio) {
     const Theme& theme = Theme::Current();
-    QPixmap pixmap((QSizeF(kIconSize, kIconSize) * pixelRatio).toSize());
+    QPixmap pixmap((QSizeF(kMarkSize, kMarkSize) * pixelRatio).toSize());
     pixmap.setDevicePixelRatio(pixelRatio);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.overload);
-    const QRectF disc(0, 0, kIconSize, kIconSize);
+    const QRectF disc(0, 0, kMarkSize, kMarkSize);
     painter.drawEllipse(disc);
     painter.setPen(QPen(Qt::white, 3.2, Qt::SolidLine, Qt::RoundCap));
     const QRectF cross = disc.adjusted(10.5, 10.5, -10.5, -10.5);
@@ -59,7 +59,7 @@ ErrorDialog::ErrorDialog(frmError& form, HandlerGuard& guard)
 // Wide enough for a sentence of the message, as high as its lines need.
 void ErrorDialog::SetSize() {
     const QFontMetrics metrics = ui_->lblMessage->fontMetrics();
-    ui_->lblMessage->setMinimumWidth(metrics.averageCharWidth() * kCharactersOfALine);
+    ui_->lblMessage->setMinimumWidth(metrics.averageCharWidth() * kMessageCharacters);
     ui_->lblStatus->setMinimumHeight(ui_->lblStatus->fontMetrics().height() * kStatusLines);
     ui_->closeButton->setFocus();
     const int width = layout()->totalSizeHint().width();

@@ -212,7 +212,7 @@ void Soak::CheckTones() {
                 "SampleCount of tone " + std::to_string(i));
         // A square's phase is a quarter or three quarters of a turn; until the next block a sine that was
         // one has it too.
-        if (tone.WaveType == wave::kSine && tone.Phase != 1.5 * kPi)
+        if (tone.WaveType == wave::kSine && std::abs(tone.Phase - 1.5 * kPi) > 1e-9)
             Require(tone.Phase > -kPi - 1e-12 && tone.Phase <= kPi + 1e-12,
                     "Phase of tone " + std::to_string(i) + ": " + std::to_string(tone.Phase));
     }

@@ -8,7 +8,7 @@
 namespace sonavex {
 namespace {
 
-constexpr int kMaxDepth = 16;
+constexpr int kMostLevels = 16;
 constexpr std::size_t kExcerptBefore = 40;
 constexpr std::size_t kExcerptLength = 110;
 
@@ -35,14 +35,6 @@ std::string WithSlash(const std::string& path) {
     return !path.empty() && path.front() == '/' ? path : "/" + path;
 }
 
-// Letters without accents only: the words of an English book.
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
-
 std::vector<std::string> WordsOf(std::string_view text) {
     std::vector<std::string> words;
     std::string word;
@@ -65,7 +57,7 @@ public:
     void Read(std::vector<HelpBook::Chapter>& chapters, int depth) {
         std::string text;
         while (reader_.Next(text, tag_)) {
-            if (tag_.name == "ul" && depth < kMaxDepth) {
+            if (tag_.name == "ul" && depth < kMostLevels) {
                 if (depth == 0 || chapters.empty())
                     Read(chapters, depth + 1);
                 else

@@ -27,13 +27,6 @@ bool IsSpace(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
-
 std::string Utf8(std::uint32_t code) {
     const auto tail = [&](unsigned shift) { return static_cast<char>(0x80U | ((code >> shift) & 0x3FU)); };
     if (code < 0x80) return {static_cast<char>(code)};
@@ -114,6 +107,13 @@ bool InsideWords(std::string_view name) {
 }
 
 }  // namespace
+
+std::string Lower(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
 
 std::string HtmlTag::Attribute(std::string_view wanted) const {
     for (const auto& [attributeName, value] : attributes)

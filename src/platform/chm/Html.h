@@ -28,6 +28,9 @@ private:
     std::size_t at_ = 0;
 };
 
+// In lower case, letters without accents only: the words of an English book.
+std::string Lower(std::string_view text);
+
 // "&amp;" to "&" and so on; numbers to UTF-8. Unknown entities stay.
 std::string DecodeEntities(std::string_view text);
 

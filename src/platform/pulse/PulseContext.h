@@ -10,6 +10,11 @@
 
 namespace sonavex {
 
+// A text of the server; empty where it has none.
+inline std::string PulseText(const char* text) {
+    return text == nullptr ? std::string() : std::string(text);
+}
+
 // Until when the waits of one public call may last, together.
 class PulseDeadline {
 public:

@@ -12,13 +12,10 @@ struct Defaults {
     std::string source;
 };
 
-std::string Text(const char* text) {
-    return text == nullptr ? std::string() : std::string(text);
-}
-
 void TakeDefaults(pa_context*, const pa_server_info* info, void* defaults) {
     if (info == nullptr) return;
-    *static_cast<Defaults*>(defaults) = {Text(info->default_sink_name), Text(info->default_source_name)};
+    *static_cast<Defaults*>(defaults) = {PulseText(info->default_sink_name),
+                                         PulseText(info->default_source_name)};
 }
 
 // Info is pa_sink_info or pa_source_info.
@@ -26,7 +23,7 @@ template <class Info>
 void TakeDevice(pa_context*, const Info* info, int, void* list) {
     if (info == nullptr) return;  // the end of the list
     static_cast<SoundDeviceList*>(list)->push_back(
-        {Text(info->name), Text(info->description), Text(info->driver)});
+        {PulseText(info->name), PulseText(info->description), PulseText(info->driver)});
 }
 
 }  // namespace

@@ -11,26 +11,23 @@ using namespace std::chrono_literals;
 
 constexpr auto kRestAfterFailure = 2s;
 
-std::string Text(const char* text) {
-    return text == nullptr ? std::string() : std::string(text);
-}
-
 // Info is pa_sink_info or pa_source_info.
 template <class Info>
 PulseLevelState StateOf(const Info& info) {
     PulseLevelState state;
-    state.name = Text(info.name);
-    state.description = Text(info.description);
+    state.name = PulseText(info.name);
+    state.description = PulseText(info.description);
     for (std::uint8_t channel = 0; channel < info.volume.channels; ++channel)
         state.volumes.push_back(static_cast<std::int32_t>(info.volume.values[channel]));
     state.muted = info.mute != 0;
     for (std::uint32_t i = 0; i < info.n_ports; ++i) {
         const auto& port = *info.ports[i];
-        state.ports.push_back({Text(port.name), InputOfPort(static_cast<int>(port.type), Text(port.name),
-                                                            Text(port.description))});
+        state.ports.push_back(
+            {PulseText(port.name),
+             InputOfPort(static_cast<int>(port.type), PulseText(port.name), PulseText(port.description))});
     }
-    if (info.active_port != nullptr) state.activePort = Text(info.active_port->name);
-    state.alsaCard = Text(pa_proplist_gets(info.proplist, "alsa.card"));
+    if (info.active_port != nullptr) state.activePort = PulseText(info.active_port->name);
+    state.alsaCard = PulseText(pa_proplist_gets(info.proplist, "alsa.card"));
     return state;
 }
 
