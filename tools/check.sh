@@ -5,6 +5,7 @@
 #   files      every source file is compiled
 #   headers    every header has an include guard and is included by some source
 #   shell      the shell scripts pass ShellCheck
+#   commands   the programs start others from lists of arguments, never through a shell
 #   tidy       clang-tidy has nothing to say about src/
 # Arguments choose checks; without arguments all are made. Every check is made even when an earlier
 # one failed; exit status 0 only when none did.
@@ -63,6 +64,14 @@ check_shell() {
     } | sort -u | xargs -r -d '\n' shellcheck --external-sources
 }
 
+# Calls that hand a text to a shell or take one apart, and shells by name.
+check_commands() {
+    local calls='(^|[^.>[:alnum:]_])((std)?::)?(system|popen|wordexp|execlp?|posix_spawnp?)[[:space:]]*\('
+    calls+='|(splitCommand|startCommand)[[:space:]]*\('
+    local shells='"(/bin/|/usr/bin/)?(ba|da|z)?sh"|sh -c'
+    ! project_files 'src/*.h' 'src/*.cpp' | xargs -r -d '\n' grep -nIE "$calls|$shells"
+}
+
 check_tidy() {
     project_files 'src/*.cpp' |
         xargs -r -d '\n' -n 1 -P "$(nproc)" clang-tidy --quiet -p "${database%/*}" 2>&1 |
@@ -71,7 +80,7 @@ check_tidy() {
 }
 
 checks=("$@")
-((${#checks[@]})) || checks=(format words files headers shell tidy)
+((${#checks[@]})) || checks=(format words files headers shell commands tidy)
 tools/install-dependencies.sh tools/dependencies.txt tools/dependencies-ci.txt || exit 1
 build_preset dev || exit 1
 

@@ -38,6 +38,13 @@ QString WithoutWidths(QString html) {
     return html.replace(width, QStringLiteral("\\1"));
 }
 
+// In place of one that cannot be shown: a single clear dot.
+QImage NoPicture() {
+    QImage picture(1, 1, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    return picture;
+}
+
 }  // namespace
 
 HelpBrowser::HelpBrowser(QWidget* parent) : QTextBrowser(parent) {
@@ -55,19 +62,22 @@ QString HelpBrowser::Page() const {
     return PageOf(source());
 }
 
+// Without an answer the toolkit would look for a picture or a style sheet among the files of this machine,
+// so there is always one.
 QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
     const QString page = PageOf(source().resolved(name));
-    if (book_ == nullptr || page.isEmpty()) return {};
-    const std::optional<std::string> content = book_->Read(page.toStdString());
-    if (!content) return {};
-    if (type == QTextDocument::HtmlResource) return WithoutWidths(QString::fromStdString(*content));
-    return FittedPicture(QByteArray::fromStdString(*content));
+    std::optional<std::string> content;
+    if (book_ != nullptr && !page.isEmpty()) content = book_->Read(page.toStdString());
+    if (type == QTextDocument::HtmlResource)
+        return content ? QVariant(WithoutWidths(QString::fromStdString(*content))) : QVariant();
+    if (type != QTextDocument::ImageResource) return QByteArray("");
+    return FittedPicture(QByteArray::fromStdString(content.value_or("")));
 }
 
-QVariant HelpBrowser::FittedPicture(const QByteArray& content) const {
+QImage HelpBrowser::FittedPicture(const QByteArray& content) const {
     // In full colours: scaling would scatter dots over a picture of few.
     QImage picture = QImage::fromData(content).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    if (picture.isNull()) return {};
+    if (picture.isNull()) return NoPicture();
     const double margins = 2.0 * document()->documentMargin() + 4.0;
     const int room = static_cast<int>((viewport()->width() - margins) * devicePixelRatioF());
     const int width = static_cast<int>(picture.width() * devicePixelRatioF() / kPictureDensity);

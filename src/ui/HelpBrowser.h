@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QTextBrowser>
 
 #include "core/ports/HelpBook.h"
@@ -27,8 +28,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    // A picture no wider than the page.
-    QVariant FittedPicture(const QByteArray& content) const;
+    // A picture no wider than the page; an empty one of a single dot for what is no picture.
+    QImage FittedPicture(const QByteArray& content) const;
 
     void Refit();
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -18,6 +19,7 @@
 #include "core/text/RuntimeError.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MemoryFile.h"
+#include "support/ChildProcess.h"
 
 namespace sonavex {
 namespace {
@@ -67,6 +69,21 @@ void CheckJson(const std::string& output) {
     }
 }
 
+// One name for all inputs.
+std::string OutputPath() {
+    static const PrivateFolder kFolder;
+    return kFolder.Path() / "output.wav";
+}
+
+// Whole blocks of 16-bit stereo behind a head.
+void CheckOutput(const std::filesystem::path& path) {
+    constexpr std::uintmax_t kHeadBytes = 44;
+    constexpr std::uintmax_t kOutputBlockBytes = 8192;
+    const std::uintmax_t bytes = std::filesystem::file_size(path);
+    Require(bytes >= kHeadBytes && (bytes - kHeadBytes) % kOutputBlockBytes == 0, "whole blocks are written");
+    std::filesystem::remove(path);
+}
+
 void Measure(const measure::FileOptions& options) {
     const Captured out(std::cout);
     const Captured complaints(std::cerr);
@@ -84,6 +101,7 @@ void Measure(const measure::FileOptions& options) {
     Require(out.Text().find("nan") == std::string::npos && out.Text().find("inf") == std::string::npos,
             "readings are numbers", out.Text());
     if (options.json) CheckJson(out.Text());
+    if (!options.output.empty()) CheckOutput(options.output);
 }
 
 }  // namespace
@@ -95,12 +113,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned head = input.Byte();
     const unsigned blocks = input.Byte() % kMostBlocks;
     const fuzz::MemoryFile recording(Recording(input, blocks));
-    const fuzz::MemoryFile output("");
     measure::FileOptions options;
     options.input = recording.Path();
     if ((head & 1U) != 0) options.tones = {"sine:440", "square:1000:1500:300:loop"};
     if ((head & 2U) != 0) options.frequencyHz = 1000.0;
-    if ((head & 4U) != 0) options.output = output.Path();
+    if ((head & 4U) != 0) options.output = OutputPath();
     options.json = (head & 8U) == 0;
     options.noMute = (head & 16U) != 0;
     Measure(options);

@@ -30,7 +30,7 @@ protected:
     }
 
     std::filesystem::path Folder() const { return folder_.Path() / "Sonavex"; }
-    std::filesystem::path Journal() const { return Folder() / "mixer-levels"; }
+    std::filesystem::path Journal() const { return folder_.Path() / "sonavex-mixer-levels"; }
     void Write(const std::string& line, const std::string& output = "", const std::string& input = "") {
         std::filesystem::create_directories(Folder());
         std::ofstream(Folder() / "Sonavex.ini")

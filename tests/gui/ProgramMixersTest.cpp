@@ -34,7 +34,7 @@ protected:
             unsetenv(name);
     }
     fs::path SettingsFile() const { return folder_.Path() / "Sonavex" / "Sonavex.ini"; }
-    fs::path Journal() const { return folder_.Path() / "Sonavex" / "mixer-levels"; }
+    fs::path Journal() const { return folder_.Path() / "sonavex-mixer-levels"; }
     void Store(const std::string& line) const {
         fs::create_directories(SettingsFile().parent_path());
         std::ofstream(SettingsFile()) << "[Settings]\nVistaSoundCard=" << line << "\n";

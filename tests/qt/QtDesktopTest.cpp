@@ -57,9 +57,9 @@ protected:
     }
 
     PrivateFolder folder_;
-    PrivateFolder temporary_;
+    PrivateFolder config_;
     Variable runtimeFolder_{"XDG_RUNTIME_DIR", folder_.Path().string()};
-    Variable temporaryFolder_{"TMPDIR", temporary_.Path().string()};
+    Variable configuration_{"XDG_CONFIG_HOME", config_.Path().string()};
     int started_ = 0;
 };
 
@@ -107,23 +107,37 @@ TEST_F(QtDesktopTest, AProgramThatAnInstanceStartedDoesNotCount) {
     EXPECT_FALSE(QtDesktop("kept").AnotherInstanceRunning());
 }
 
-TEST_F(QtDesktopTest, WithoutARuntimeFolderTheTemporaryOneServes) {
-    for (const std::optional<std::string>& folder :
-         {std::optional<std::string>(), std::optional<std::string>(""),
-          std::optional<std::string>("relative"), std::optional((folder_.Path() / "missing").string())}) {
+// Missing, or a folder that somebody else could put something into.
+TEST_F(QtDesktopTest, WithoutARuntimeFolderOfTheUsersOwnThatOfTheSettingsServes) {
+    const auto shared = folder_.Path() / "shared";
+    std::filesystem::create_directory(shared);
+    std::filesystem::permissions(shared, std::filesystem::perms::all);
+    const auto foreign = folder_.Path() / "foreign";
+    std::filesystem::create_directory(foreign);
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(foreign.c_str(), 1, 1), 0);
+    }
+    std::vector<std::optional<std::string>> folders{std::nullopt, "", "relative",
+                                                    (folder_.Path() / "missing").string(), shared.string()};
+    if (geteuid() == 0) folders.emplace_back(foreign.string());
+    for (const auto& folder : folders) {
         const Variable runtime("XDG_RUNTIME_DIR", folder);
         QtDesktop desktop("kept");
         EXPECT_FALSE(desktop.AnotherInstanceRunning());
         EXPECT_TRUE(QtDesktop("kept").AnotherInstanceRunning());
     }
-    EXPECT_TRUE(std::filesystem::exists(temporary_.Path() / ("kept-" + std::to_string(geteuid()) + ".lock")));
+    EXPECT_TRUE(std::filesystem::exists(config_.Path() / "Sonavex" / "kept.lock"));
+    EXPECT_EQ(std::filesystem::status(config_.Path() / "Sonavex").permissions(),
+              std::filesystem::perms::owner_all);
     EXPECT_FALSE(std::filesystem::exists(RuntimeLock()));
+    EXPECT_TRUE(std::filesystem::is_empty(shared));
+    EXPECT_TRUE(std::filesystem::is_empty(foreign));
 }
 
 TEST_F(QtDesktopTest, WithoutAnyUsableFolderNoOtherInstanceIsSeen) {
     WriteFile(folder_.Path() / "file", "");
     const Variable runtime("XDG_RUNTIME_DIR", (folder_.Path() / "file").string());
-    const Variable temporary("TMPDIR", (folder_.Path() / "file").string());
+    const Variable configuration("XDG_CONFIG_HOME", (folder_.Path() / "file").string());
     QtDesktop first("kept");
     EXPECT_FALSE(first.AnotherInstanceRunning());
     EXPECT_FALSE(QtDesktop("kept").AnotherInstanceRunning());
@@ -133,7 +147,7 @@ TEST_F(QtDesktopTest, WhateverStandsInTheWayOfTheLockBlocksNothing) {
     const auto inTheWay = [&](const std::function<void()>& put) {
         std::filesystem::remove_all(RuntimeLock());
         put();
-        // The temporary folder takes over.
+        // The folder of the settings takes over.
         QtDesktop desktop("kept");
         EXPECT_FALSE(desktop.AnotherInstanceRunning());
         EXPECT_TRUE(QtDesktop("kept").AnotherInstanceRunning());

@@ -21,13 +21,13 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::SizeIs;
 
-// While it lives no file of this process can grow, as on a full disk.
+// While it lives no file of this process can grow beyond the room, as on a full disk.
 class FullDisk {
 public:
-    FullDisk() : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    explicit FullDisk(rlim_t room = 0) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
         getrlimit(RLIMIT_FSIZE, &limit_);
-        const rlimit none{0, limit_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &none);
+        const rlimit little{room, limit_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &little);
     }
     ~FullDisk() {
         setrlimit(RLIMIT_FSIZE, &limit_);
@@ -101,6 +101,21 @@ TEST_F(QtSettingsStoreFailure, AFullDiskKeepsTheOldFileAndTheNewValues) {
     EXPECT_EQ(Stored("Settings", "Auto"), "new");
     EXPECT_EQ(Stored("Settings", "Baseline"), "1");
     EXPECT_EQ(Stored("Windows", "LastTab"), "2");
+    EXPECT_THAT(reports_, SizeIs(1));
+    EXPECT_THAT(FilesInFolder(), ElementsAre("Sonavex.ini"));
+}
+
+TEST_F(QtSettingsStoreFailure, ADiskWithRoomForAPartTakesNone) {
+    const auto store = Open();
+    store->Save("Settings", "Auto", "old");
+    ASSERT_TRUE(store->Write());
+    const std::string text = FileText(File());
+    for (const std::size_t length : {2000U, 10000U, 20000U, 60000U}) {
+        const FullDisk full(1000);
+        store->Save("Settings", "Auto", std::string(length, 'n'));
+        EXPECT_FALSE(store->Write()) << length;
+        EXPECT_EQ(FileText(File()), text) << length;
+    }
     EXPECT_THAT(reports_, SizeIs(1));
     EXPECT_THAT(FilesInFolder(), ElementsAre("Sonavex.ini"));
 }
@@ -218,7 +233,7 @@ TEST_F(QtSettingsStoreFailure, AHugeFileIsNotRead) {
 
 // The toolkit's lock of a process that was killed at the worst moment has no owner in it.
 TEST_F(QtSettingsStoreFailure, ALockThatWasLeftBehindDelaysNothing) {
-    WriteFile(File().string() + ".lock", "");
+    WriteFile(File().string() + ".new.lock", "");
     EXPECT_LT(SecondsOf([&] {
                   const auto store = Open();
                   store->Save("Settings", "Auto", "0");
@@ -227,6 +242,17 @@ TEST_F(QtSettingsStoreFailure, ALockThatWasLeftBehindDelaysNothing) {
               5);
     EXPECT_EQ(Stored("Settings", "Auto"), "0");
     EXPECT_THAT(FilesInFolder(), ElementsAre("Sonavex.ini"));
+}
+
+// Those of a disk that cannot hold files without a name have chance letters in theirs.
+TEST_F(QtSettingsStoreFailure, FilesOfProcessesThatWereKilledDoNotPileUp) {
+    for (const char* const left : {".new", ".new.lock", ".new.aBcDeF", ".new.ZZZZZZ"})
+        WriteFile(File().string() + left, "[Settings]\nAuto=9\n");
+    for (const char* const kept : {".backup", ".damaged", "~"}) WriteFile(File().string() + kept, "kept");
+    Open()->Save("Settings", "Auto", "0");
+    EXPECT_EQ(Stored("Settings", "Auto"), "0");
+    EXPECT_THAT(FilesInFolder(),
+                ElementsAre("Sonavex.ini", "Sonavex.ini.backup", "Sonavex.ini.damaged", "Sonavex.ini~"));
 }
 
 TEST_F(QtSettingsStoreFailure, AProcessThatStandsStillIsNotWaitedForTwice) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "app/measure/Commands.h"
@@ -14,6 +15,7 @@
 #include "app/measure/Tones.h"
 #include "core/settings/SampleRates.h"
 #include "core/text/Numbers.h"
+#include "platform/plain/ReplacedFile.h"
 
 namespace sonavex::measure {
 namespace {
@@ -77,7 +79,8 @@ private:
     std::vector<double> samples_;
 };
 
-// The output blocks as a 16-bit stereo WAV file; does nothing without a path.
+// The output blocks as a 16-bit stereo WAV file, under its name when it is complete; does nothing without
+// a path.
 class OutputFile {
 public:
     OutputFile(const std::string& path, const std::string& source, std::int32_t rateHz)
@@ -86,11 +89,13 @@ public:
         std::error_code ignored;
         if (std::filesystem::equivalent(path_, source, ignored))
             throw MeasureError("The recording cannot be written over itself.");
+        target_.emplace(path_);
+        Check(target_->Error());
         SF_INFO info{};
         info.samplerate = rateHz;
         info.channels = 2;
         info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-        file_.reset(sf_open(path_.c_str(), SFM_WRITE, &info));
+        file_.reset(sf_open_fd(target_->Descriptor(), SFM_WRITE, &info, SF_FALSE));
         if (!file_) Fail(Reason(nullptr));
     }
 
@@ -103,14 +108,19 @@ public:
         if (!file_) return;
         sf_write_sync(file_.get());
         if (sf_close(file_.release()) != 0) Fail("The file could not be completed.");
+        Check(target_->Commit());
     }
 
 private:
+    void Check(const std::error_code& error) const {
+        if (error) Fail(error.message());
+    }
     [[noreturn]] void Fail(const std::string& why) const {
         throw MeasureError("The output file '" + path_ + "' cannot be written: " + why);
     }
 
     std::string path_;
+    std::optional<ReplacedFile> target_;
     std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> file_;
 };
 

@@ -11,6 +11,7 @@
 #include "app/measure/Readings.h"
 #include "core/ports/Dialogs.h"
 #include "core/text/RuntimeError.h"
+#include "platform/plain/UserFolders.h"
 
 namespace {
 
@@ -42,6 +43,7 @@ int Fail(std::string text) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    KeepFilesFromEverybody();
     try {
         return Execute(measure::ParseOptions(argc, argv));
     } catch (const EndProgram& end) {

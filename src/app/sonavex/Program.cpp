@@ -8,6 +8,7 @@
 #include "app/sonavex/SoundOffer.h"
 #include "core/report/frmAbout.h"
 #include "platform/chm/ChmHelpBook.h"
+#include "platform/plain/UserFolders.h"
 #include "platform/qt/QtWallClock.h"
 #include "ui/AboutDialog.h"
 #include "ui/PrintDialog.h"
@@ -15,7 +16,7 @@
 namespace sonavex::app {
 namespace {
 
-constexpr const char* kJournalName = "mixer-levels";
+constexpr const char* kJournalName = "sonavex-mixer-levels";
 constexpr const char* kComment = "Distortion meter and function generator";
 
 ApplicationVersion Version() {
@@ -25,6 +26,13 @@ ApplicationVersion Version() {
 CalendarDate Today() {
     const DateTime now = LocalDateTime();
     return {now.year, now.month, now.day};
+}
+
+// Among what the user's running programs leave, else beside the settings.
+std::filesystem::path JournalFile() {
+    const std::filesystem::path runtime = RuntimeFolder();
+    return runtime.empty() ? QtSettingsStore::DefaultFile().replace_filename(kJournalName)
+                           : runtime / kJournalName;
 }
 
 std::unique_ptr<HelpBook> OpenHelp(const std::string& file) {
@@ -75,8 +83,7 @@ void Program::MakeForm() {
     errorLog_ = std::make_unique<DesktopErrorLog>(
         DesktopErrorLog::Environment{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
     errorLog_->OnLine = WriteLine;
-    mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_,
-                                              QtSettingsStore::DefaultFile().replace_filename(kJournalName));
+    mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_, JournalFile());
     form_ = std::make_unique<frmMain>(
         frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
     // The levels are the user's own again however the program is asked to end.

@@ -7,9 +7,11 @@
 #include <exception>
 
 #include "app/sonavex/Program.h"
+#include "platform/plain/UserFolders.h"
 #include "ui/FaceStyle.h"
 
 int main(int argc, char** argv) {
+    sonavex::KeepFilesFromEverybody();
     QApplication application(argc, argv);
     if (argc == 2 && std::strcmp(argv[1], "--probe-display") == 0) return 0;
     QApplication::setStyle(new sonavex::ui::FaceStyle);

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/plain/UserFolders.h"
+
 namespace sonavex {
 namespace {
 
@@ -48,13 +50,15 @@ void FileMixerJournal::Write(const std::string& text) {
         std::filesystem::remove(file_, error);
         return;
     }
-    std::filesystem::create_directories(file_.parent_path(), error);
+    CreatePrivateFolder(file_.parent_path());
     const std::filesystem::path next = file_.string() + ".new";
     const int descriptor = open(next.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (descriptor < 0) return;
     const bool written = WriteAll(descriptor, text);
     close(descriptor);
     if (written) std::filesystem::rename(next, file_, error);
+    // Half a journal is of no use, and on a full disk it takes room.
+    if (!written || error) unlink(next.c_str());
     SyncFolder(file_.parent_path());
 }
 

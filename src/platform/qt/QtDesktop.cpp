@@ -14,9 +14,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
+
+#include "platform/plain/UserFolders.h"
+#include "platform/qt/QtSettingsStore.h"
 
 namespace sonavex {
 namespace {
@@ -28,19 +30,18 @@ std::string_view Environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
-// Where a lock file may be, best first. The temporary folder is shared with other users.
+// Where a lock file may be, best first: always in a folder of the user's own.
 std::vector<std::filesystem::path> LockFiles(const std::string& name) {
     std::vector<std::filesystem::path> files;
-    const std::filesystem::path runtime = Environment("XDG_RUNTIME_DIR");
-    if (runtime.is_absolute()) files.push_back(runtime / (name + ".lock"));
-    std::error_code error;
-    const auto temporary = std::filesystem::temp_directory_path(error);
-    if (!error) files.push_back(temporary / (name + "-" + std::to_string(geteuid()) + ".lock"));
+    for (const auto& folder : {RuntimeFolder(), QtSettingsStore::DefaultFile().parent_path()})
+        if (!folder.empty()) files.push_back(folder / (name + ".lock"));
     return files;
 }
 
 // The open file, -1 when it cannot be had or somebody else has put something there.
 int OpenLockFile(const std::filesystem::path& file) {
+    CreatePrivateFolder(file.parent_path());
+    if (!BelongsToTheUser(file.parent_path())) return -1;
     const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
     if (descriptor < 0) return -1;
     struct stat status = {};

@@ -16,9 +16,9 @@ public:
     QtDesktop(const QtDesktop&) = delete;
     QtDesktop& operator=(const QtDesktop&) = delete;
 
-    // The instance holds a lock in the user's run-time folder, or in the temporary folder where there is
-    // none; the system releases it however the program ends, at the latest with this object. Where no
-    // lock can be had, no other instance is seen.
+    // The instance holds a lock in the user's run-time folder, or in the folder of the settings where that
+    // one is missing or open to others; the system releases it however the program ends, at the latest with
+    // this object. Where no lock can be had, no other instance is seen.
     bool AnotherInstanceRunning() override;
     // 10, or SONAVEX_OS_MAJOR when it is a whole number.
     std::int32_t OsMajorVersion() override;

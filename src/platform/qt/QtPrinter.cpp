@@ -9,11 +9,12 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <QStandardPaths>
+#include <system_error>
 #include <utility>
 
 #include "core/text/RuntimeError.h"
+#include "platform/plain/ReplacedFile.h"
 #include "platform/qt/PrintSystem.h"
 
 namespace sonavex {
@@ -34,11 +35,11 @@ QFont PageFont(const PageSetUp& page) {
     return font;
 }
 
-void WriteFile(const QString& file, const QByteArray& content) {
-    QSaveFile target(file);
-    if (target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.commit())
-        return;
-    throw RuntimeError(kPrinterError, (file + QStringLiteral(": ") + target.errorString()).toStdString());
+void WriteFile(const std::string& file, const QByteArray& content) {
+    ReplacedFile target(file);
+    std::error_code error = target.Write({content.constData(), static_cast<std::size_t>(content.size())});
+    if (!error) error = target.Commit();
+    if (error) throw RuntimeError(kPrinterError, file + ": " + error.message());
 }
 
 }  // namespace
@@ -132,7 +133,7 @@ void QtPrinter::EndDoc() {
     if (destination_.file.empty())
         PrintSystem::Send(QString::fromStdString(destination_.printer), Title(), pdf);
     else
-        WriteFile(QString::fromStdString(destination_.file), pdf);
+        WriteFile(destination_.file, pdf);
 }
 
 }  // namespace sonavex

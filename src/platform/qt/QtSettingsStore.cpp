@@ -1,7 +1,5 @@
 #include "platform/qt/QtSettingsStore.h"
 
-#include <unistd.h>
-
 #include <QCoreApplication>
 #include <QFile>
 #include <QStandardPaths>
@@ -9,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/plain/UserFolders.h"
 #include "platform/qt/SettingsFormat.h"
 
 namespace sonavex {
@@ -112,13 +111,8 @@ void QtSettingsStore::Changes::ApplyTo(IniSections& sections) const {
 }
 
 std::string QtSettingsStore::CreateFolder() const {
-    const auto folder = file_.parent_path();
-    std::error_code error;
-    if (std::filesystem::is_directory(folder, error)) return {};
-    std::filesystem::create_directories(folder, error);
-    if (error) return error.message();
-    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
-    return {};
+    const std::error_code error = CreatePrivateFolder(file_.parent_path());
+    return error ? error.message() : std::string();
 }
 
 bool QtSettingsStore::KeepDamaged(const FileReading& reading) {
@@ -142,10 +136,7 @@ std::string QtSettingsStore::Replace() {
     IniSections wanted = known_;
     changes_.ApplyTo(wanted);
     if (reading.content.damaged || wanted != known_) {
-        // The toolkit's own lock, left by a process that was killed, would be respected for 30 seconds;
-        // the folder's lock stands for it.
-        const auto leftLock = file_.string() + ".lock";
-        unlink(leftLock.c_str());
+        if (lock.Held()) RemoveUnfinished(file_);
         if (!ReplaceIniFile(file_, wanted)) return WhyNotWritable(file_);
         stamp_ = FileStamp::Of(file_);
         known_ = std::move(wanted);

@@ -6,6 +6,7 @@
 #include <QSettings>
 #include <QString>
 #include <QVariant>
+#include <system_error>
 
 namespace sonavex {
 namespace {
@@ -43,7 +44,14 @@ bool WriteFormat(QIODevice& device, const QSettings::SettingsMap& map) {
     const QByteArray text = QByteArray::fromStdString(WriteIni(sections));
     auto* const file = qobject_cast<QFileDevice*>(&device);
     if (file != nullptr && !file->setPermissions(kOwnerOnly)) return false;
-    return device.write(text) == text.size();
+    // A part that does not fit on the disk would be lost without a word when the file is completed.
+    return device.write(text) == text.size() && (file == nullptr || file->flush());
+}
+
+// Where a file is not there yet, the toolkit gives the finished one its name in a single step; beside one
+// that is there it would need a third name, of chance letters.
+std::filesystem::path NewFileBeside(const std::filesystem::path& file) {
+    return file.string() + ".new";
 }
 
 QSettings::Format Format() {
@@ -52,17 +60,40 @@ QSettings::Format Format() {
     return format;
 }
 
-}  // namespace
-
-bool ReplaceIniFile(const std::filesystem::path& file, const IniSections& sections) {
+bool Write(const std::filesystem::path& file, const IniSections& sections) {
     QSettings settings(QFile::decodeName(file.c_str()), Format());
-    // Drops what it takes for the present content, so that the file is written even when nothing is left.
     settings.clear();
+    // Not of the file's form, and so not written; with it there is something to write in any case.
+    settings.setValue(QStringLiteral("present"), true);
     for (const auto& [section, values] : sections)
         for (const auto& [key, value] : values)
             settings.setValue(EncodeKey(section, key), QString::fromLatin1(QByteArray::fromStdString(value)));
     settings.sync();
     return settings.status() == QSettings::NoError;
+}
+
+}  // namespace
+
+bool ReplaceIniFile(const std::filesystem::path& file, const IniSections& sections) {
+    std::error_code error;
+    const auto target = std::filesystem::weakly_canonical(file, error);
+    if (error) return false;
+    const auto next = NewFileBeside(target);
+    // Left by a process that was killed; a lock without an owner would be respected for 30 seconds.
+    std::filesystem::remove(next, error);
+    std::filesystem::remove(next.string() + ".lock", error);
+    if (!Write(next, sections)) return false;
+    std::filesystem::rename(next, target, error);
+    return !error;
+}
+
+void RemoveUnfinished(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto target = std::filesystem::weakly_canonical(file, error);
+    const std::string beginning = NewFileBeside(target).filename().string();
+    for (const auto& entry : std::filesystem::directory_iterator(target.parent_path(), error))
+        if (entry.path().filename().string().starts_with(beginning))
+            std::filesystem::remove(entry.path(), error);
 }
 
 }  // namespace sonavex

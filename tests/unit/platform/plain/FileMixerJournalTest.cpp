@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 
 #include "platform/plain/FileMixerJournal.h"
@@ -37,6 +40,33 @@ TEST_F(Journal, LeavesNoFileWhenNothingIsKept) {
     journal.Write("");
     EXPECT_FALSE(fs::exists(File()));
     EXPECT_EQ(journal.Read(), "");
+}
+
+TEST_F(Journal, IsTheUsersAloneWhateverTheMask) {
+    const mode_t before = umask(0);
+    FileMixerJournal(File()).Write("text");
+    umask(before);
+    EXPECT_EQ(fs::status(File()).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    for (const fs::path& made : {File().parent_path(), folder_})
+        EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all) << made;
+}
+
+// The old text stays, and no half of the new one is left to take the room.
+TEST_F(Journal, OnAFullDiskStaysAsItWas) {
+    FileMixerJournal journal(File());
+    journal.Write("old");
+    {
+        void (*const handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        const rlimit small{100, limit.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        journal.Write(std::string(5000, 'n'));
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, handler);
+    }
+    EXPECT_EQ(journal.Read(), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(File().parent_path()), fs::directory_iterator()), 1);
 }
 
 TEST_F(Journal, ThatCannotBeKeptIsNoError) {

@@ -1,0 +1,42 @@
+#include "platform/plain/UserFolders.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace sonavex {
+
+std::error_code CreatePrivateFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    if (folder.empty() || std::filesystem::is_directory(folder, error)) return {};
+    if (folder.has_parent_path() && folder.parent_path() != folder) {
+        error = CreatePrivateFolder(folder.parent_path());
+        if (error) return error;
+    }
+    // Somebody else may have been faster.
+    if (mkdir(folder.c_str(), S_IRWXU) == 0) return {};
+    const int cause = errno;
+    if (std::filesystem::is_directory(folder, error)) return {};
+    return {cause == EEXIST ? ENOTDIR : cause, std::generic_category()};
+}
+
+bool BelongsToTheUser(const std::filesystem::path& folder) noexcept {
+    struct stat status = {};
+    return stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid() &&
+           (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+std::filesystem::path RuntimeFolder() {
+    const char* const value = std::getenv("XDG_RUNTIME_DIR");
+    const std::filesystem::path folder = value != nullptr ? value : "";
+    return folder.is_absolute() && BelongsToTheUser(folder) ? folder : std::filesystem::path();
+}
+
+void KeepFilesFromEverybody() noexcept {
+    // The mask can only be read by setting it.
+    umask(umask(S_IRWXG | S_IRWXO) | S_IWOTH);
+}
+
+}  // namespace sonavex

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "safety/Files.h"
+#include "support/ChildProcess.h"
+
+namespace sonavex {
+
+// What a program and those that it started asked the system for, as strace wrote it down.
+class Trace {
+public:
+    // The command line that runs the program and writes the trace; calls: names joined by commas.
+    static Arguments Of(const Arguments& command, const std::string& calls,
+                        const std::filesystem::path& file) {
+        Arguments line{"strace",         "-f", "-qq",         "-s", "4096",       "-e",
+                       "trace=" + calls, "-e", "signal=none", "-o", file.string()};
+        line.insert(line.end(), command.begin(), command.end());
+        return line;
+    }
+
+    explicit Trace(const std::filesystem::path& file) {
+        std::istringstream lines(FileText(file));
+        for (std::string line; std::getline(lines, line);) {
+            // The process's number and blanks come first.
+            const std::size_t begin = line.find_first_not_of(" 0123456789");
+            if (begin != std::string::npos) calls_.push_back(line.substr(begin));
+        }
+    }
+
+    // The calls of this name, as they were written.
+    std::vector<std::string> Calls(const std::string& name) const {
+        std::vector<std::string> found;
+        std::copy_if(calls_.begin(), calls_.end(), std::back_inserter(found), [&](const std::string& call) {
+            return call.starts_with(name + "(") || call.starts_with("<... " + name + " resumed");
+        });
+        return found;
+    }
+    // The programs that were started, without those that were looked for and not found.
+    std::set<std::string> Programs() const {
+        std::set<std::string> programs;
+        for (const std::string& call : Calls("execve")) {
+            const std::size_t begin = call.find('"');
+            const std::size_t end = call.find('"', begin + 1);
+            const bool missing = call.find(" = -1 ") != std::string::npos;
+            if (begin != std::string::npos && !missing)
+                programs.insert(call.substr(begin + 1, end - begin - 1));
+        }
+        return programs;
+    }
+
+private:
+    std::vector<std::string> calls_;
+};
+
+}  // namespace sonavex
