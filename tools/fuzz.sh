@@ -42,7 +42,7 @@ libfuzzer() {
     local target="$1"
     shift
     "$root/build/fuzz/bin/sonavex-fuzz-$target" -max_len="${longest[$target]}" -timeout="$input_seconds" \
-        -rss_limit_mb="$memory_mb" "$@"
+        -report_slow_units="$input_seconds" -rss_limit_mb="$memory_mb" "$@"
 }
 
 # Last number after a name in the log.
