@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "core/audio/StreamEngine.h"
@@ -21,14 +22,14 @@ constexpr std::int32_t kLowestLevel = -9600;  // hundredths of a dB, as the leve
 // name of the device behind it, the second entry (error 9 when there is none). Empty for an unknown
 // identifier.
 std::string NameOf(const SoundDeviceList& devices, const std::string& identifier) {
-    if (identifier.empty() && devices.size() < 2) throw RuntimeError(error_number::kSubscript);
+    if (identifier.empty()) {
+        if (devices.size() < 2) throw RuntimeError(error_number::kSubscript);
+        return devices[1].description;
+    }
     const auto found = std::find_if(devices.begin(), devices.end(), [&](const SoundDeviceInfo& device) {
         return device.identifier == identifier;
     });
-    if (found == devices.end()) return {};
-    if (found != devices.begin()) return found->description;
-    if (devices.size() < 2) throw RuntimeError(error_number::kSubscript);
-    return devices[1].description;
+    return found == devices.end() ? std::string() : found->description;
 }
 
 }  // namespace
@@ -75,13 +76,11 @@ bool StreamEngine::CreateDeviceObjects(const SoundDeviceList& playbackDevices) {
     InputDeviceId = env_.settings.Text(keys::kInput);
     OutputDeviceId = env_.settings.Text(keys::kOutput);
     OutputDeviceName = NameOf(playbackDevices, OutputDeviceId);
-    RuntimeError inputError(0, "");
-    bool inputListed = true;
+    std::optional<RuntimeError> inputError;
     try {
         InputDeviceName = NameOf(env_.sound.EnumerateCapture(), InputDeviceId);
     } catch (const RuntimeError& error) {
         InputDeviceName.clear();
-        inputListed = false;
         inputError = error;
     }
     try {
@@ -89,7 +88,7 @@ bool StreamEngine::CreateDeviceObjects(const SoundDeviceList& playbackDevices) {
     } catch (const RuntimeError& error) {
         return Report(kNoOutput, error);
     }
-    if (!inputListed) return Report(kNoInput, inputError);
+    if (inputError) return Report(kNoInput, *inputError);
     try {
         captureDevice_ = env_.sound.CreateCaptureDevice(InputDeviceId);
     } catch (const RuntimeError& error) {

@@ -8,6 +8,8 @@ namespace sonavex::modDSP {
 namespace {
 
 constexpr const char* kNotAvailable = "N/A";
+// Its second harmonic is in bin 2046; up to there it has a percentage, whatever MaxBin is.
+constexpr std::int32_t kHighestWithSecond = 1023;
 
 struct HarmonicSums {
     double all = 0.0;   // fundamental and harmonics
@@ -32,7 +34,7 @@ std::int32_t MaxBin(const State& state) {
 
 HarmonicSums SecondHarmonicSums(const State& state) {
     const std::int32_t k = state.PeakBin;
-    if (2 * k >= 2047 || k > 2047) return {};
+    if (k > kHighestWithSecond) return {};
     return {std::sqrt(Power(state, 2 * k) + Power(state, k)), std::sqrt(Power(state, 2 * k))};
 }
 
@@ -42,7 +44,7 @@ HarmonicSums SumsUpTo(const State& state, std::int32_t h, std::int32_t maxBin) {
     const std::int32_t k = state.PeakBin;
     HarmonicSums sums{Power(state, k), 0.0};
     for (std::int32_t j = 1; j <= h; ++j) {
-        if ((j + 1) * k < maxBin && j * k <= maxBin) {
+        if ((j + 1) * k < maxBin) {
             const double power = Power(state, (j + 1) * k);
             sums.all += power;
             sums.harm += power;

@@ -17,7 +17,7 @@ constexpr std::int32_t kHalfLength = kFftLength / 2;
 // Number of halvings from the transform length to 1.
 std::int32_t OrderOf(std::int32_t length) {
     std::int32_t order = 0;
-    while (order < 16 && length > 1) {
+    while (length > 1) {
         length /= 2;
         ++order;
     }

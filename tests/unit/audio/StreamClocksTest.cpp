@@ -55,6 +55,19 @@ TEST(StreamClocks, BeginAnewAfterAnInterruption) {
         ElementsAre("Clocks: input and output run on different clocks, the input's is 40 ppm faster"));
 }
 
+// The blocks that may carry the step of a start or of an underrun are on no line, the last of them neither.
+TEST(StreamClocks, AreComparedFromTheFirstBlockThatHasSettled) {
+    ClockBench bench;
+    bench.sound.underruns = 1;
+    *bench.sound.inputLead += 1s;
+    bench.RunBlocks(8);
+    *bench.sound.inputLead -= 1s;
+    bench.Run(64s, 50.0);
+    EXPECT_THAT(
+        bench.engine.PathNotes(),
+        ElementsAre("Clocks: input and output run on different clocks, the input's is 50 ppm faster"));
+}
+
 TEST(StreamClocks, OfOtherBuffersAreNotKnown) {
     ClockBench bench;
     bench.Run(61s, 50.0);
@@ -92,6 +105,19 @@ TEST(CaptureCounts, AndUnderrunsOutliveTheirBuffers) {
     EXPECT_EQ(counts.segmentsLost, 1U);
     EXPECT_EQ(counts.framesMissing, 500U);
     EXPECT_EQ(bench.engine.Underruns(), 4U);
+}
+
+TEST(CaptureCounts, AndUnderrunsWithoutBuffersAreThoseBefore) {
+    EngineBench bench;
+    EXPECT_EQ(bench.engine.CaptureCounts().framesCaptured, 0U);
+    EXPECT_EQ(bench.engine.Underruns(), 0U);
+    bench.Start();
+    bench.sound.statistics = {4096, 2, 1, 480};
+    bench.sound.underruns = 3;
+    bench.engine.Release();
+    EXPECT_EQ(bench.engine.CaptureCounts().framesCaptured, 4096U);
+    EXPECT_EQ(bench.engine.CaptureCounts().segmentsCompleted, 2U);
+    EXPECT_EQ(bench.engine.Underruns(), 3U);
 }
 
 }  // namespace

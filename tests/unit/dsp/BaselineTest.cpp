@@ -138,5 +138,13 @@ TEST(BaselineOfElsewhere, IsToldByFrequencyAndRate) {
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
 }
 
+TEST(BaselineOfElsewhere, IsNotToldBeforeAnyIsKnown) {
+    BaselineRig rig;
+    rig.analysis.BaselineOn = 1;
+    rig.analysis.FreqLocked = true;
+    rig.analysis.FundamentalHz = 1000;
+    EXPECT_FALSE(rig.baseline.CapturedElsewhere());
+}
+
 }  // namespace
 }  // namespace sonavex

@@ -159,5 +159,12 @@ TEST(Fft, RefusesImpossiblePlans) {
     EXPECT_EQ(FftPlan(12).Order(), 12);
 }
 
+TEST(Fft, PlansUpToTheHighestOrderAndTheClosestSpacing) {
+    EXPECT_EQ(FftPlan(1).Order(), 1);
+    EXPECT_EQ(FftPlan(20).Order(), 20);
+    EXPECT_EQ(FftPlan(4, 16).Order(), 4);
+    EXPECT_EQ(FftPlan(4, 17).Order(), 4);
+}
+
 }  // namespace
 }  // namespace sonavex::modSPL2VB

@@ -92,6 +92,20 @@ TEST(FirBandpass, TouchesOnlyItsTaps) {
     std::vector<double> taps(40, 7.0);
     nspdFirBandpass(0.1, 0.2, taps, 31, kBlackman, 1);
     for (std::size_t n = 31; n < 40; ++n) EXPECT_EQ(taps[n], 7.0) << n;
+    EXPECT_NEAR(taps[0], 0.0, 1e-16);
+    EXPECT_NEAR(taps[30], 0.0, 1e-16);
+}
+
+// A band without width lets nothing through, and has no gain to divide by.
+TEST(FirBandpass, OfABandWithoutWidthIsNothing) {
+    for (const double tap : Design(0.2, 0.2, 31, 0)) EXPECT_EQ(tap, 0.0);
+    EXPECT_EQ(ErrorOf([] { return Design(0.2, 0.2, 31).size(); }), 11);
+}
+
+// The window is zero at its ends, so two taps let nothing through.
+TEST(FirBandpass, DesignsTwoTapsAtLeast) {
+    EXPECT_EQ(ErrorOf([] { return Design(0.1, 0.2, 2, 0).size(); }), 0);
+    for (const double tap : Design(0.1, 0.2, 2, 0)) EXPECT_NEAR(tap, 0.0, 1e-16);
 }
 
 TEST(FirBandpass, RefusesWhatItCannotDesign) {

@@ -5,6 +5,7 @@
 
 #include "core/text/Numbers.h"
 #include "support/AnalysisRig.h"
+#include "support/Errors.h"
 
 namespace sonavex {
 namespace {
@@ -121,6 +122,15 @@ TEST(Harmonics, ReadingsAreKeptForTheBaseline) {
     EXPECT_NEAR(rig.state->CurrentDb[1], 20.0 * std::log10(0.04 / 19.0), 1e-12);
 }
 
+TEST(Harmonics, OfAPeakOutsideTheSpectrumAreAnError) {
+    for (const auto& [bin, number] : {std::pair{-1, 9}, std::pair{4097, 9}, std::pair{4096, 0}}) {
+        AnalysisRig rig(32000);
+        rig.state->PeakBin = bin;
+        EXPECT_EQ(ErrorOf([&] { return modDSP::MeasureHarmonics(*rig.state, rig.controls), 0; }), number)
+            << bin;
+    }
+}
+
 TEST(Harmonics, NeitherReadingIsShownBeforeTheCycleEnds) {
     AnalysisRig rig(32000);
     rig.FeedLines({{100, 1000.0}, {200, 10.0}}, 17);
@@ -128,6 +138,16 @@ TEST(Harmonics, NeitherReadingIsShownBeforeTheCycleEnds) {
     EXPECT_EQ(rig.Percentages(), "- - - - - - - -");
     EXPECT_EQ(rig.state->CurrentPct[0], 0.0);
     EXPECT_EQ(rig.state->CurrentDb[0], 0.0);
+}
+
+TEST(Harmonics, TheReadingsFundamentalIsThatOfTheCyclesLastBlock) {
+    AnalysisRig rig(32000);
+    rig.FeedLines({{100, 1000.0}, {200, 10.0}}, 17);
+    EXPECT_EQ(rig.state->CurrentHz, 0);
+    rig.FeedLines({{128, 1000.0}, {256, 10.0}});
+    EXPECT_EQ(rig.state->CurrentHz, 1000);
+    rig.FeedLines({{100, 1000.0}, {200, 10.0}});
+    EXPECT_EQ(rig.state->CurrentHz, 1000) << "a new cycle has only begun";
 }
 
 }  // namespace

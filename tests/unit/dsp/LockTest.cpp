@@ -126,6 +126,13 @@ TEST(Peak, AnyMagnitudeBeatsNone) {
     EXPECT_EQ(rig.state->PeakMag, 0);
 }
 
+TEST(Peak, MagnitudesEndInTheMiddleOfTheSpectrum) {
+    AnalysisRig rig(32000);
+    rig.FeedLines({{2048, 10.0}, {2049, 10.0}});
+    EXPECT_EQ(rig.state->SpecMag[2048], 10.0);
+    EXPECT_EQ(rig.state->SpecMag[2049], 0.0);
+}
+
 TEST(Peak, IsLookedForInBins1To2048) {
     AnalysisRig rig(kRate);
     rig.FeedLines({{0, 1e6}, {1, 3.0}});

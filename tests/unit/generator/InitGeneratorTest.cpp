@@ -217,5 +217,17 @@ TEST_F(InitGenerator, RefusesAWaveformThatDoesNotExist) {
     EXPECT_THAT(TextOfError(9), HasSubstr("key \"Memory Signal Type 1\", value \"4\""));
 }
 
+// Without the rest of the panel, which has its own say about what can be used.
+TEST_F(InitGenerator, OfTheCurrentSignalAloneShowsItsLoop) {
+    for (const auto& [timeMs, enabled] :
+         {std::pair{"0", false}, std::pair{"1", true}, std::pair{"700", true}}) {
+        Store("Current Signal Sweep Time", timeMs);
+        Store("Current Signal Loop", "True");
+        panel.Current().Restore();
+        EXPECT_EQ(signal.chkLoop.Enabled(), enabled) << timeMs;
+        EXPECT_EQ(signal.chkLoop.Value(), 1);
+    }
+}
+
 }  // namespace
 }  // namespace sonavex

@@ -185,5 +185,16 @@ TEST_F(MemoryPlayback, StopsWithWhateverPlays) {
     EXPECT_FALSE(generator.SweepRunning);
 }
 
+// However low: what the record held before is no measure.
+TEST_F(MemoryPlayback, GivesEveryToneItsOwnPeriod) {
+    for (const char* startHz : {"0.01", "0.5", "300"}) {
+        Store("Memory Signal Start 2", startHz);
+        Select(1);
+        memory.cmdStartMemory.Press();
+        EXPECT_EQ(Tone().Period, 44100.0 / std::stod(startHz)) << startHz;
+        memory.cmdStartMemory.Press();
+    }
+}
+
 }  // namespace
 }  // namespace sonavex

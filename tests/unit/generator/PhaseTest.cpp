@@ -181,6 +181,17 @@ TEST(Phase, StaysInRangeBelowZeroHertz) {
     }
 }
 
+// Half a turn is written with the one sign, forwards and backwards.
+TEST(Phase, OfHalfATurnIsPositive) {
+    for (const double frequencyHz : {24000.0, -24000.0}) {
+        GeneratorBench bench(48000);
+        const ToneRecord& tone = bench.Add(wave::kSine, frequencyHz);
+        bench.Run();
+        bench.Fill(1);
+        EXPECT_EQ(tone.Phase, kPi) << frequencyHz;
+    }
+}
+
 // A memory tone that was stored at 48000 Hz, played at 4000 Hz.
 TEST(Phase, OfASineAboveTheSamplingRateStaysWithinATurn) {
     GeneratorBench bench(4000);

@@ -124,5 +124,14 @@ TEST(ToneLine, SurvivesAnyText) {
     EXPECT_EQ(ErrorOf([] { return Parsed("1Hz / 2Hz  / Sine / 3000000000ms / Loop"); }), 6);
 }
 
+TEST(ToneLine, WithoutAWaveformKeepsTheOneBefore) {
+    for (const char* line : {"1000Hz", "1000Hz / NA", "1000Hz / NA / ", "1000Hz / NA /  / NA / Loop"}) {
+        ToneRecord tone;
+        tone.WaveType = wave::kTriangle;
+        ParseToneLine(line, tone);
+        EXPECT_EQ(tone.WaveType, wave::kTriangle) << line;
+    }
+}
+
 }  // namespace
 }  // namespace sonavex
