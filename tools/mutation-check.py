@@ -330,9 +330,10 @@ def main():
     work.mkdir(parents=True, exist_ok=True)
     root, folder = (ROOT, chosen.build.resolve()) if chosen.build else copy_tree(work)
     found = finder.find(root)
-    for key in set(known) - {mutant.key for mutant in found}:
+    present = {mutant.key for mutant in found}
+    for key in set(known) - present:
         print(f"Explained, but no longer there: {key[0]}: {key[3]}")
-    earlier = load_results(work)
+    earlier = {key: result for key, result in load_results(work).items() if key in present}
     selected = choose(found, chosen, known, earlier)
     if not selected:
         print("There is nothing to change", file=sys.stderr)
