@@ -31,7 +31,7 @@ PipeWireServer::PipeWireServer(std::vector<NullSink> sinks) : sinks_(std::move(s
     bus_ = Launch(
         {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=unix:path=" + busSocket.string()});
     WaitFor("message bus", [&] { return std::filesystem::exists(busSocket); });
-    daemon_ = Launch({"pipewire"});
+    daemon_ = LaunchFirst("pipewire");
     WaitFor("PipeWire daemon", [&] { return std::filesystem::exists(daemonSocket); });
     manager_ = Launch({"wireplumber"});
     StartProtocol();
@@ -60,8 +60,14 @@ std::unique_ptr<ChildProcess> PipeWireServer::Launch(const Arguments& command) c
     return std::make_unique<ChildProcess>(command, environment, LogPath());
 }
 
+// The system runs it before other programs, and it tears its streams without a word when it comes too late.
+// Without the right to do so, nice starts it all the same.
+std::unique_ptr<ChildProcess> PipeWireServer::LaunchFirst(const std::string& program) const {
+    return Launch({"nice", "-n", "-11", program});
+}
+
 void PipeWireServer::StartProtocol() {
-    protocol_ = Launch({"pipewire-pulse"});
+    protocol_ = LaunchFirst("pipewire-pulse");
     WaitUntilReady();
     for (const NullSink& sink : sinks_) LoadNullSink(sink);
     if (sinks_.empty()) return;

@@ -28,6 +28,7 @@ protected:
 
 private:
     std::unique_ptr<ChildProcess> Launch(const Arguments& command) const;
+    std::unique_ptr<ChildProcess> LaunchFirst(const std::string& program) const;
     void WriteConfiguration() const;
     void StartProtocol();
     bool TakesDefault(const std::string& sink) const;
