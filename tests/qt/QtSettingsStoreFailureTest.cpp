@@ -233,6 +233,7 @@ TEST_F(QtSettingsStoreFailure, AHugeFileIsNotRead) {
 
 // The toolkit's lock of a process that was killed at the worst moment has no owner in it.
 TEST_F(QtSettingsStoreFailure, ALockThatWasLeftBehindDelaysNothing) {
+    WriteFile(File().string() + ".lock", "");
     WriteFile(File().string() + ".new.lock", "");
     EXPECT_LT(SecondsOf([&] {
                   const auto store = Open();

@@ -90,6 +90,7 @@ bool ReplaceIniFile(const std::filesystem::path& file, const IniSections& sectio
 void RemoveUnfinished(const std::filesystem::path& file) {
     std::error_code error;
     const auto target = std::filesystem::weakly_canonical(file, error);
+    std::filesystem::remove(target.string() + ".lock", error);
     const std::string beginning = NewFileBeside(target).filename().string();
     for (const auto& entry : std::filesystem::directory_iterator(target.parent_path(), error))
         if (entry.path().filename().string().starts_with(beginning))

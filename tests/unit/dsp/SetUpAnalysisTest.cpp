@@ -115,6 +115,8 @@ TEST(SetUpAnalysis, KeepsHistoryAndTails) {
 
 TEST(SetUpAnalysis, NeedsARate) {
     AnalysisRig rig(32000);
+    rig.shared.SampleRate = 0;
+    EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, 20, 100), 0; }), 11);
     for (const auto& [rate, number] : {std::pair{0, 11}, std::pair{-1, 11}, std::pair{1, 0}}) {
         rig.shared.SampleRate = rate;
         EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, 0, 1), 0; }), number) << rate;
