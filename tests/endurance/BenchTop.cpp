@@ -46,7 +46,7 @@ bool BenchTop::Start() {
         form_->ShutDown(end);
         TakeAway();
         return false;
-    } catch (const RuntimeError& error) {
+    } catch (const RuntimeError&) {
         form_->Guard.Fatal(std::current_exception());
         form_->Form_QueryUnload();
         TakeAway();

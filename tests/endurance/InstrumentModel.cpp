@@ -181,80 +181,93 @@ void InstrumentModel::Remove() {
 }
 
 void InstrumentModel::Apply(const UserAction& action) {
-    const std::int32_t highest = rate / 2;
     switch (action.kind) {
         case Kind::kType:
             if (SignalUsable()) table[0].WaveType = static_cast<std::int16_t>(type = action.value);
-            break;
+            return;
         case Kind::kStartSlider:
         case Kind::kStartText:
-            if (!SignalUsable()) break;
-            if (action.kind == Kind::kStartText) startText = action.text;
-            if (action.kind == Kind::kStartSlider || IsNumeric(action.text)) {
-                startHz = action.kind == Kind::kStartSlider ? std::clamp(action.value, 1, highest)
-                                                            : Nearest(action.text, 1, highest);
-                ShowStart();
-            }
-            if (action.leaves) LetGoStart();
-            break;
+            if (SignalUsable()) SetStart(action);
+            return;
         case Kind::kEndSlider:
         case Kind::kEndText:
-            if (!endUsable) break;
-            if (action.kind == Kind::kEndText) endText = action.text;
-            if (action.kind == Kind::kEndSlider || IsNumeric(action.text)) {
-                endHz = action.kind == Kind::kEndSlider ? std::clamp(action.value, 1, highest)
-                                                        : Nearest(action.text, 1, highest);
-                ShowEnd();
-            }
-            if (!action.leaves) break;
-            ShowEnd();
-            NewStep();
-            break;
+            if (endUsable) SetEnd(action);
+            return;
         case Kind::kSweepSlider:
         case Kind::kSweepText:
-            if (!SignalUsable()) break;
-            if (action.kind == Kind::kSweepSlider)
-                sweepMs = action.value;
-            else
-                sweepMs = IsNumeric(action.text) ? Nearest(action.text, 0, 10000) : 0;
-            ShowSweep();
-            if (action.kind == Kind::kSweepText) ShowEnd();
-            if (action.leaves) LetGoSweep();
-            break;
+            if (SignalUsable()) SetSweep(action);
+            return;
         case Kind::kLevelSlider:
             level = action.value;
-            break;
+            return;
         case Kind::kLoop:
             if (loopUsable) table[0].Loop = loopChecked = action.value != 0;
-            break;
-        case Kind::kStartCurrent:
-            if (!SignalUsable()) break;
-            if (sweeping)
-                StopAll();
-            else if (EntriesAreValid())
-                StartCurrent();
-            break;
-        case Kind::kAdd:
-            if (addUsable) Add();
-            break;
+            return;
         case Kind::kSelectTone:
-            if (playing != Playing::kNothing || action.value >= static_cast<std::int32_t>(list.size())) break;
-            list[static_cast<std::size_t>(action.value)].selected = action.leaves;
-            ShowSelection();
-            break;
-        case Kind::kRemove:
-            if (removeUsable) Remove();
-            break;
-        case Kind::kStartMemory:
-            if (!memoryUsable) break;
-            if (sweeping)
-                StopAll();
-            else
-                StartMemory();
-            break;
+            if (playing == Playing::kNothing) Select(action);
+            return;
         default:
-            break;
+            Press(action.kind);
     }
+}
+
+void InstrumentModel::Press(Kind button) {
+    if (button == Kind::kAdd && addUsable) Add();
+    if (button == Kind::kRemove && removeUsable) Remove();
+    const bool current = button == Kind::kStartCurrent && SignalUsable();
+    const bool memory = button == Kind::kStartMemory && memoryUsable;
+    if ((current || memory) && sweeping)
+        StopAll();
+    else if (current && EntriesAreValid())
+        StartCurrent();
+    else if (memory)
+        StartMemory();
+}
+
+void InstrumentModel::Select(const UserAction& action) {
+    if (action.value >= static_cast<std::int32_t>(list.size())) return;
+    list[static_cast<std::size_t>(action.value)].selected = action.leaves;
+    ShowSelection();
+}
+
+// The frequency that a slider or a text asks for, nothing for a text that is no number.
+std::optional<std::int32_t> InstrumentModel::Asked(const UserAction& action, bool typed) const {
+    if (!typed) return std::clamp(action.value, 1, rate / 2);
+    if (!IsNumeric(action.text)) return std::nullopt;
+    return Nearest(action.text, 1, rate / 2);
+}
+
+void InstrumentModel::SetStart(const UserAction& action) {
+    const bool typed = action.kind == Kind::kStartText;
+    if (typed) startText = action.text;
+    if (const auto hertz = Asked(action, typed)) {
+        startHz = *hertz;
+        ShowStart();
+    }
+    if (action.leaves) LetGoStart();
+}
+
+void InstrumentModel::SetEnd(const UserAction& action) {
+    const bool typed = action.kind == Kind::kEndText;
+    if (typed) endText = action.text;
+    if (const auto hertz = Asked(action, typed)) {
+        endHz = *hertz;
+        ShowEnd();
+    }
+    if (!action.leaves) return;
+    ShowEnd();
+    NewStep();
+}
+
+void InstrumentModel::SetSweep(const UserAction& action) {
+    const bool typed = action.kind == Kind::kSweepText;
+    if (!typed)
+        sweepMs = action.value;
+    else
+        sweepMs = IsNumeric(action.text) ? Nearest(action.text, 0, 10000) : 0;
+    ShowSweep();
+    if (typed) ShowEnd();
+    if (action.leaves) LetGoSweep();
 }
 
 void InstrumentModel::Sound(ToneRecord& tone) const {

@@ -3,6 +3,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,12 @@ public:
 private:
     bool SignalUsable() const { return playing != Playing::kMemory; }
     bool EntriesAreValid() const;
+    std::optional<std::int32_t> Asked(const UserAction& action, bool typed) const;
+    void SetStart(const UserAction& action);
+    void SetEnd(const UserAction& action);
+    void SetSweep(const UserAction& action);
+    void Select(const UserAction& action);
+    void Press(UserAction::Kind button);
     void ShowStart();
     void ShowEnd();
     void ShowSweep();
