@@ -9,16 +9,48 @@ namespace sonavex {
 namespace {
 
 constexpr double kFullScale = 32768.0;
+constexpr int kLowestSample = -32768;
+constexpr int kSampleValues = 65536;
 constexpr std::size_t kTaps = 32;  // of the fractional-delay interpolator; even
 
-// Blackman-windowed sinc, x in frames from the centre.
-double InterpolatorTap(double x) {
-    const double halfWidth = kTaps / 2.0;
-    if (std::fabs(x) >= halfWidth) return 0.0;
-    const double angle = std::numbers::pi * x;
-    const double sinc = x == 0.0 ? 1.0 : std::sin(angle) / angle;
-    const double turn = std::numbers::pi * x / halfWidth;
-    return sinc * (0.42 + 0.5 * std::cos(turn) + 0.08 * std::cos(2.0 * turn));
+constexpr double kHalfWidth = kTaps / 2.0;
+
+// Frames from the left one of the two in the middle of the window.
+double Place(std::size_t tap) noexcept {
+    return static_cast<double>(tap) - (kHalfWidth - 1.0);
+}
+
+struct Turn {
+    double cosine;
+    double sine;
+};
+
+std::array<Turn, kTaps> TurnsOfPlaces() {
+    std::array<Turn, kTaps> turns{};
+    for (std::size_t tap = 0; tap < kTaps; ++tap) {
+        const double angle = std::numbers::pi * Place(tap) / kHalfWidth;
+        turns[tap] = {std::cos(angle), std::sin(angle)};
+    }
+    return turns;
+}
+
+// Blackman-windowed sinc for the values at phase, 0 to 1, right of the middle's left frame. With
+// x = place - phase: sin(pi x) is the sine of the phase with the sign of every other place, and the
+// cosine of the window's turn comes from those of place and phase.
+std::array<double, kTaps> InterpolatorTaps(double phase) noexcept {
+    static const std::array<Turn, kTaps> turns = TurnsOfPlaces();
+    const double sine = std::sin(std::numbers::pi * phase);
+    const Turn back{std::cos(std::numbers::pi * phase / kHalfWidth),
+                    std::sin(std::numbers::pi * phase / kHalfWidth)};
+    std::array<double, kTaps> taps{};
+    for (std::size_t tap = 0; tap < kTaps; ++tap) {
+        const double x = Place(tap) - phase;
+        const double sign = tap % 2 == 0 ? 1.0 : -1.0;
+        const double sinc = x == 0.0 ? 1.0 : sign * sine / (std::numbers::pi * x);
+        const double turn = turns[tap].cosine * back.cosine + turns[tap].sine * back.sine;
+        taps[tap] = sinc * (0.42 + 0.5 * turn + 0.08 * (2.0 * turn * turn - 1.0));
+    }
+    return taps;
 }
 
 }  // namespace
@@ -28,7 +60,15 @@ DeviceUnderTest::DeviceUnderTest(DeviceUnderTestModel model)
       random_(model_.noiseSeed),
       history_(2 * kTaps, 0.0),
       delayLine_(std::size_t{2} * model_.delayFrames, 0),
-      ratio_(1.0 / (1.0 + model_.clockOffsetPpm * 1e-6)) {}
+      ratio_(1.0 / (1.0 + model_.clockOffsetPpm * 1e-6)) {
+    if (ratio_ == 1.0 && !(model_.noiseRms > 0.0)) FillTable();
+}
+
+void DeviceUnderTest::FillTable() {
+    table_.reserve(kSampleValues);
+    for (int sample = kLowestSample; sample < kLowestSample + kSampleValues; ++sample)
+        table_.push_back(Quantize(Curve(sample)));
+}
 
 std::size_t DeviceUnderTest::FramesNeeded(std::size_t captureFrames) const noexcept {
     if (ratio_ == 1.0) return captureFrames;
@@ -71,10 +111,14 @@ double DeviceUnderTest::Curve(double sample) const noexcept {
     return value + model_.dcOffset;
 }
 
+std::int16_t DeviceUnderTest::Quantize(double value) noexcept {
+    return static_cast<std::int16_t>(std::lrint(std::clamp(value, -32768.0, 32767.0)));
+}
+
 std::int16_t DeviceUnderTest::Convert(double sample) {
     double value = Curve(sample);
     if (model_.noiseRms > 0.0) value += model_.noiseRms * normal_(random_);
-    return static_cast<std::int16_t>(std::lrint(std::clamp(value, -32768.0, 32767.0)));
+    return Quantize(value);
 }
 
 void DeviceUnderTest::Remember(const std::int16_t* frame) noexcept {
@@ -83,14 +127,13 @@ void DeviceUnderTest::Remember(const std::int16_t* frame) noexcept {
     history_[2 * kTaps - 1] = frame[1];
 }
 
-double DeviceUnderTest::Interpolate(std::size_t channel) const noexcept {
-    // The centre of the window lies between the two middle frames.
-    double sum = 0.0;
-    for (std::size_t tap = 0; tap < kTaps; ++tap) {
-        const double distance = static_cast<double>(tap) - (kTaps / 2.0 - 1.0) - phase_;
-        sum += history_[2 * tap + channel] * InterpolatorTap(distance);
-    }
-    return sum;
+std::array<double, 2> DeviceUnderTest::Interpolate() const noexcept {
+    const std::array<double, kTaps> taps = InterpolatorTaps(phase_);
+    std::array<double, 2> sums{};
+    for (std::size_t tap = 0; tap < kTaps; ++tap)
+        for (std::size_t channel = 0; channel < 2; ++channel)
+            sums[channel] += history_[2 * tap + channel] * taps[tap];
+    return sums;
 }
 
 void DeviceUnderTest::Process(std::span<const std::int16_t> played, std::span<std::int16_t> captured) {
@@ -108,16 +151,19 @@ void DeviceUnderTest::Process(std::span<const std::int16_t> played, std::span<st
     for (std::size_t i = 0; i + 1 < captured.size(); i += 2) {
         if (ratio_ == 1.0) {
             takeFrame(frame);
-            captured[i] = Convert(frame[0]);
-            captured[i + 1] = Convert(frame[1]);
+            for (std::size_t channel = 0; channel < 2; ++channel)
+                captured[i + channel] =
+                    table_.empty() ? Convert(frame[channel])
+                                   : table_[static_cast<std::size_t>(frame[channel] - kLowestSample)];
             continue;
         }
         for (phase_ += ratio_; phase_ >= 1.0; phase_ -= 1.0) {
             takeFrame(frame);
             Remember(frame);
         }
-        captured[i] = Convert(Interpolate(0));
-        captured[i + 1] = Convert(Interpolate(1));
+        const std::array<double, 2> values = Interpolate();
+        captured[i] = Convert(values[0]);
+        captured[i + 1] = Convert(values[1]);
     }
 }
 

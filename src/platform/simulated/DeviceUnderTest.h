@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <random>
 #include <span>
@@ -50,9 +51,12 @@ private:
     double Curve(double sample) const noexcept;
     double Harmonics(double sample) const noexcept;
     double Polynomial(double sample) const noexcept;
+    static std::int16_t Quantize(double value) noexcept;
     std::int16_t Convert(double sample);
+    void FillTable();
     void Remember(const std::int16_t* frame) noexcept;
-    double Interpolate(std::size_t channel) const noexcept;
+    // The value of each channel at phase_ between the two frames in the middle of the history.
+    std::array<double, 2> Interpolate() const noexcept;
 
     DeviceUnderTestModel model_;
     std::mt19937 random_;
@@ -63,6 +67,8 @@ private:
     std::size_t delayAt_ = 0;
     double ratio_;        // playback frames per capture frame
     double phase_ = 0.0;  // 0 to 1: place between two remembered frames
+    // Converted values of all samples, from the lowest; empty where noise or the clock comes between.
+    std::vector<std::int16_t> table_;
 };
 
 }  // namespace sonavex
