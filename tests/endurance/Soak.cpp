@@ -142,13 +142,21 @@ void Soak::Happen(Event event) {
     } else if (event == Event::kRateChange) {
         bench_->SelectRate(user_.Pick(static_cast<std::int32_t>(SampleRateTable.size())));
     } else if (event == Event::kProgramRestart) {
-        bench_->End();
-        StartUntilItRuns();
+        RestartProgram();
     } else if (event == Event::kStoredValue) {
         StoreOddValue();
     } else {
         ReachForTheCard(event);
     }
+}
+
+// Without a card the program says so and ends; it is started again when there is one.
+void Soak::RestartProgram() {
+    bench_->End();
+    if (blocksUntilPlugged_ == 0)
+        StartUntilItRuns();
+    else
+        Require(!bench_->Start(), "The program runs without a card");
 }
 
 void Soak::ReachForTheCard(Event event) {

@@ -62,6 +62,7 @@ private:
     void Step();
     void HappenSomething();
     void Happen(Event event);
+    void RestartProgram();
     void ReachForTheCard(Event event);
     void StoreOddValue();
     void StartUntilItRuns();
