@@ -151,7 +151,7 @@ INSTANTIATE_TEST_SUITE_P(PulseAudio, PulseRates, testing::ValuesIn(kRates),
                          [](const auto& test) { return "Hz" + std::to_string(test.param); });
 
 TEST(PipeWireLoop, ReadsAsOnPulseAudio) {
-    const PipeWireServer server({{"card", 48000, "Card"}});
+    const PipeWireServer server({{"card", 48000, "Card"}}, PipeWireServer::kPatientCycle);
     const Outcome outcome = MeasureProgram({"run", "--rate", "48000", "--tone", "sine:1000", "--json"},
                                            {{"PULSE_SERVER", server.Address()}})
                                 .End(20s);

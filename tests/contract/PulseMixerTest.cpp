@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "contract/MixerControlContract.h"
 #include "contract/MixerLibraryContract.h"
@@ -76,16 +77,19 @@ public:
         playback_->PlayLooping();
     }
 
-    // Level of each captured channel against the played sine, in decibels, a while from now.
+    // Level of each captured channel against the played sine, in decibels, a while from now: the first one
+    // that stays. A server that is late tears the sine for a moment.
     std::array<double, 2> LevelsDb() {
         PollUntil(
             loop, [] { return false; }, 700ms);
-        std::vector<std::int16_t> captured(16384);
-        capture_->ReadBuffer(0, captured);
-        std::array<double, 2> power{};
-        for (std::size_t i = 0; i < captured.size(); ++i) power[i % 2] += captured[i] * captured[i];
-        const double played = 16000.0 * 16000.0 / 2.0 * 8192.0;
-        return {10.0 * std::log10(power[0] / played), 10.0 * std::log10(power[1] / played)};
+        std::array<double, 2> levels = PresentLevelsDb();
+        for (int looks = 0; looks < 20; ++looks) {
+            PollUntil(
+                loop, [] { return false; }, 200ms);
+            const std::array<double, 2> before = std::exchange(levels, PresentLevelsDb());
+            if (Same(levels[0], before[0]) && Same(levels[1], before[1])) break;
+        }
+        return levels;
     }
 
     Platform platform;
@@ -94,6 +98,17 @@ public:
     HardwareMixerLibrary library{mixer};
 
 private:
+    static bool Same(double one, double other) { return one == other || std::abs(one - other) < 0.01; }
+
+    std::array<double, 2> PresentLevelsDb() const {
+        std::vector<std::int16_t> captured(16384);
+        capture_->ReadBuffer(0, captured);
+        std::array<double, 2> power{};
+        for (std::size_t i = 0; i < captured.size(); ++i) power[i % 2] += captured[i] * captured[i];
+        const double played = 16000.0 * 16000.0 / 2.0 * 8192.0;
+        return {10.0 * std::log10(power[0] / played), 10.0 * std::log10(power[1] / played)};
+    }
+
     PulseSoundSystem system_{loop, platform.TheServer().Address()};
     std::unique_ptr<PlaybackBuffer> playback_;
     std::unique_ptr<CaptureBuffer> capture_;

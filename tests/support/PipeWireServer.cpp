@@ -24,8 +24,9 @@ void WaitFor(const char* what, Condition condition) {
 
 }  // namespace
 
-PipeWireServer::PipeWireServer(std::vector<NullSink> sinks) : sinks_(std::move(sinks)) {
-    WriteConfiguration();
+PipeWireServer::PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastCycleFrames)
+    : sinks_(std::move(sinks)) {
+    WriteConfiguration(leastCycleFrames);
     const auto busSocket = Folder() / "bus";
     const auto daemonSocket = Folder() / "pipewire-0";
     bus_ = Launch(
@@ -45,13 +46,14 @@ PipeWireServer::~PipeWireServer() {
     bus_.reset();
 }
 
-void PipeWireServer::WriteConfiguration() const {
+void PipeWireServer::WriteConfiguration(std::uint32_t leastCycleFrames) const {
     const auto folder = Folder() / "config" / "pipewire" / "pipewire.conf.d";
     std::filesystem::create_directories(folder);
-    std::ofstream(folder / "10-rates.conf")
-        << "context.properties = {\n"
-           "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 ]\n"
-           "}\n";
+    std::ofstream file(folder / "10-clock.conf");
+    file << "context.properties = {\n"
+            "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 ]\n";
+    if (leastCycleFrames > 0) file << "    default.clock.min-quantum = " << leastCycleFrames << '\n';
+    file << "}\n";
 }
 
 std::unique_ptr<ChildProcess> PipeWireServer::Launch(const Arguments& command) const {

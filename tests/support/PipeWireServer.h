@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,7 +13,13 @@ namespace sonavex {
 // with these sinks; the first is the default one. An idle graph takes over the rate of a stream.
 class PipeWireServer : public SoundServer {
 public:
-    explicit PipeWireServer(std::vector<NullSink> sinks);
+    // In cycles of 512 frames, which the instrument's streams ask for, the graph is torn without a word
+    // wherever the machine stops a thread for 10 ms, as virtual machines do. Where samples are compared, this
+    // many frames make it patient.
+    static constexpr std::uint32_t kPatientCycle = 2048;
+
+    // leastCycleFrames: 0 for what the streams ask for.
+    explicit PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastCycleFrames = 0);
     ~PipeWireServer() override;
 
     // These act on the protocol server; the daemon goes on.
@@ -29,7 +36,7 @@ protected:
 private:
     std::unique_ptr<ChildProcess> Launch(const Arguments& command) const;
     std::unique_ptr<ChildProcess> LaunchFirst(const std::string& program) const;
-    void WriteConfiguration() const;
+    void WriteConfiguration(std::uint32_t leastCycleFrames) const;
     void StartProtocol();
     bool TakesDefault(const std::string& sink) const;
 
