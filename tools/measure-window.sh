@@ -10,35 +10,11 @@ source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
 seconds="${1:-20}"
 bin="$root/build/dev/bin"
 build_preset dev sonavex sonavex-start-time
-work="$(mktemp -d)"
-pids=()
-finish() {
-    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap finish EXIT
-
-# await WHAT COMMAND...: until the command succeeds, ten seconds at most.
-await() {
-    local what="$1" i
-    shift
-    for ((i = 0; i < 100; ++i)); do
-        if "$@" >/dev/null 2>&1; then return; fi
-        sleep 0.1
-    done
-    echo "There is no $what." >&2
-    exit 1
-}
-
-export HOME="$work" XDG_CONFIG_HOME="$work" XDG_RUNTIME_DIR="$work" userprofile="$work" LC_ALL=C.UTF-8
-export PULSE_SERVER="unix:$work/native"
-unset SONAVEX_SOUND SONAVEX_OS_MAJOR QT_QPA_PLATFORM
-pulseaudio -n --daemonize=no --exit-idle-time=-1 --use-pid-file=no \
-    -L "module-native-protocol-unix socket=$work/native auth-anonymous=1" \
-    -L "module-null-sink sink_name=card rate=48000 norewinds=1" >"$work/pulse.log" 2>&1 &
-pids+=($!)
-await "sound server" pactl info
+# shellcheck source=tools/private-sound.sh
+source "$root/tools/private-sound.sh"
+export userprofile="$work"
+unset QT_QPA_PLATFORM
+start_private_sound
 
 Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp 3>"$work/display" 2>"$work/x.log" &
 pids+=($!)

@@ -10,26 +10,9 @@ source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
 seconds="${1:-3600}"
 busy="${2:-2}"
 build_preset dev sonavex-measure
-work="$(mktemp -d)"
-pids=()
-finish() {
-    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap finish EXIT
-
-export HOME="$work" XDG_CONFIG_HOME="$work" XDG_RUNTIME_DIR="$work" LC_ALL=C.UTF-8
-export PULSE_SERVER="unix:$work/native"
-unset SONAVEX_SOUND SONAVEX_OS_MAJOR
-pulseaudio -n --daemonize=no --exit-idle-time=-1 --use-pid-file=no \
-    -L "module-native-protocol-unix socket=$work/native auth-anonymous=1" \
-    -L "module-null-sink sink_name=card rate=48000 norewinds=1" >"$work/pulse.log" 2>&1 &
-pids+=($!)
-for ((i = 0; i < 100; ++i)); do
-    if pactl info >/dev/null 2>&1; then break; fi
-    sleep 0.1
-done
+# shellcheck source=tools/private-sound.sh
+source "$root/tools/private-sound.sh"
+start_private_sound
 
 for ((i = 0; i < busy * $(nproc); ++i)); do
     (while :; do :; done) &

@@ -1,0 +1,36 @@
+# shellcheck shell=bash
+# Sourced by measurements on a sound server of their own: sets `work`, a folder that goes at the end, `pids`,
+# the processes that are ended with it, and defines await and start_private_sound.
+
+work="$(mktemp -d)"
+pids=()
+finish() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap finish EXIT
+
+# await WHAT COMMAND...: until the command succeeds, ten seconds at most.
+await() {
+    local what="$1" i
+    shift
+    for ((i = 0; i < 100; ++i)); do
+        if "$@" >/dev/null 2>&1; then return; fi
+        sleep 0.1
+    done
+    echo "There is no $what." >&2
+    exit 1
+}
+
+# A PulseAudio whose sink at 48000 Hz returns what is played, for programs that see nothing of the user's.
+start_private_sound() {
+    export HOME="$work" XDG_CONFIG_HOME="$work" XDG_RUNTIME_DIR="$work" LC_ALL=C.UTF-8
+    export PULSE_SERVER="unix:$work/native"
+    unset SONAVEX_SOUND SONAVEX_OS_MAJOR
+    pulseaudio -n --daemonize=no --exit-idle-time=-1 --use-pid-file=no \
+        -L "module-native-protocol-unix socket=$work/native auth-anonymous=1" \
+        -L "module-null-sink sink_name=card rate=48000 norewinds=1" >"$work/pulse.log" 2>&1 &
+    pids+=($!)
+    await "sound server" pactl info
+}
