@@ -1,5 +1,9 @@
 # shellcheck shell=bash
-# Sourced by the commands at the root of the repository: sets `root` and defines build_preset.
+# Sourced by the commands at the root of the repository: sets `root` and how many tests run at the same
+# time, and defines build_preset.
+
+# Half of the tests mostly wait; tests/CMakeLists.txt says how much of a processor each one takes.
+export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$((2 * $(nproc)))}"
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 

@@ -73,10 +73,7 @@ check_commands() {
 }
 
 check_tidy() {
-    project_files 'src/*.cpp' |
-        xargs -r -d '\n' -n 1 -P "$(nproc)" clang-tidy --quiet -p "${database%/*}" 2>&1 |
-        grep -vE '^[0-9]+ warnings? (and [0-9]+ errors? )?generated\.$|^Suppressed |^Use -header-filter'
-    ((PIPESTATUS[1] == 0))
+    project_files 'src/*.cpp' | xargs -r -d '\n' tools/tidy.py "${database%/*}"
 }
 
 checks=("$@")

@@ -100,7 +100,7 @@ merge_corpus() {
     echo "$target: $(find "$corpus" -type f | wc -l) inputs kept, $(du -bs "$corpus" | cut -f1) bytes"
 }
 
-"$root/tools/install-dependencies.sh" "$root/tools/dependencies.txt" "$root/tools/dependencies-fuzz.txt"
+"$root/tools/install-dependencies.sh" "$root/tools/dependencies.txt" "$root/tools/dependencies-clang.txt"
 build_preset fuzz sonavex-fuzz
 
 failed=()

@@ -42,9 +42,9 @@ public:
                               {"PULSE_COOKIE", Runtime() / "cookie"},
                               {"SONAVEX_SOUND", "simulated"},
                               {"SONAVEX_OS_MAJOR", ""}};
-        for (const auto& [name, value] : more) {
-            std::erase_if(variables, [&](const auto& known) { return known.first == name; });
-            variables.emplace_back(name, value);
+        for (const auto& variable : more) {
+            std::erase_if(variables, [&](const auto& known) { return known.first == variable.first; });
+            variables.push_back(variable);
         }
         return variables;
     }
