@@ -52,7 +52,7 @@ DeviceUnderTestModel AnyDevice(RandomUser& user) {
     if (user.Chance(0.2)) model.dcOffset = user.Between(-20000.0, 20000.0);
     if (user.Chance(0.05)) model.noiseRms = user.Between(0.0, 3000.0);
     if (user.Chance(0.2)) model.delayFrames = static_cast<std::uint32_t>(user.Pick(20000));
-    // Interpolation takes fifty times the time of everything else.
+    // Interpolation takes several times the time of everything else.
     if (user.Chance(0.01)) model.clockOffsetPpm = user.Between(-500.0, 500.0);
     return model;
 }
