@@ -58,7 +58,8 @@ struct LeadingNumber {
     bool overflow = false;
 };
 
-// Decimal exponent that the text gives ("e-05" is -5), 0 when it gives none.
+// Decimal exponent that the text gives ("e-05" is -5), 0 when it gives none. What is beyond any text's
+// digits ends at kBeyondAnyText, either way: the place of a digit can be added to it.
 std::int64_t GivenExponent(std::string_view digits) {
     constexpr std::int64_t kBeyondAnyText = std::int64_t{1} << 60;
     std::size_t at = digits.find_first_of("eE");
@@ -67,7 +68,7 @@ std::int64_t GivenExponent(std::string_view digits) {
     std::int64_t exponent = 0;
     const auto status = std::from_chars(digits.data() + at, digits.data() + digits.size(), exponent).ec;
     if (status == std::errc::result_out_of_range) return digits[at] == '-' ? -kBeyondAnyText : kBeyondAnyText;
-    return exponent;
+    return std::clamp(exponent, -kBeyondAnyText, kBeyondAnyText);
 }
 
 // Whether a number outside the range of a double (so not 0) is smaller than 1.

@@ -47,15 +47,16 @@ TEST(Val, StopsBeforeAnIncompleteExponent) {
 TEST(Val, OverflowsAboveTheLargestDouble) {
     for (const std::string& text :
          {std::string("1e999"), std::string("-1e999"), kHugeWithoutExponent, kHugeWithoutExponent + "e-10",
-          std::string("1e99999999999999999999"), "0." + kFourHundredZeros + "1e1000"})
+          std::string("1e99999999999999999999"), std::string("1e9223372036854775807"),
+          "0." + kFourHundredZeros + "1e1000"})
         EXPECT_EQ(ErrorOf([&] { return Val(text); }), error_number::kOverflow) << text;
 }
 
 TEST(Val, ReadsWhatIsTooSmallAsZero) {
     for (const std::string& text :
          {std::string("1e-999"), std::string("-1e-999"), kTinyWithoutExponent, kTinyWithoutExponent + "e10",
-          std::string("1e-99999999999999999999"), kHugeWithoutExponent + "e-1000",
-          "." + kFourHundredZeros + "1", "0." + kFourHundredZeros + "9e+5"})
+          std::string("1e-99999999999999999999"), std::string(".001e-9223372036854775808"),
+          kHugeWithoutExponent + "e-1000", "." + kFourHundredZeros + "1", "0." + kFourHundredZeros + "9e+5"})
         EXPECT_EQ(Val(text), 0.0) << text;
 }
 
