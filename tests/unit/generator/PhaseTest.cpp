@@ -75,6 +75,24 @@ TEST(Phase, OfTheOtherWavesGoesOnAtItsCount) {
     }
 }
 
+// A square leaves its phase at three quarters of a turn.
+TEST(Phase, OfASineThatWasASquareStaysWithinHalfATurn) {
+    for (const double frequencyHz : {1000.0, 24000.0, 45600.0}) {
+        GeneratorBench bench(48000);
+        ToneRecord& tone = bench.Add(wave::kSquare, 100.0);
+        bench.Run();
+        bench.Fill(400);
+        ASSERT_GT(tone.Phase, kPi);
+        tone.WaveType = wave::kSine;
+        tone.Frequency = tone.SweepFrequency = frequencyHz;
+        const double before = tone.Phase;
+        const auto sine = bench.Fill(1);
+        EXPECT_GT(tone.Phase, -kPi) << frequencyHz;
+        EXPECT_LE(tone.Phase, kPi) << frequencyHz;
+        EXPECT_NEAR(sine[0], 8191.75 * std::sin(before + kTwoPi * frequencyHz / 48000.0), 1e-8);
+    }
+}
+
 TEST(Phase, OfASineStaysWithinHalfATurn) {
     for (const double frequencyHz : {1.0, 997.0, 12000.0, 23999.0, 24000.0}) {
         GeneratorBench bench(48000);
