@@ -5,6 +5,7 @@
 // blocks. Values come one a line: a byte for the key, then the text.
 
 #include <array>
+#include <string_view>
 #include <vector>
 
 #include "fuzz/Instrument.h"
@@ -63,24 +64,32 @@ std::vector<PlacedKey> AllKeys() {
     return all;
 }
 
-void StoreValues(Input& input, SettingsStore& store) {
+// Whether all values are UTF-8, as for the next.
+bool StoreValues(Input& input, SettingsStore& store) {
     static const std::vector<PlacedKey> kKeys = AllKeys();
+    bool plainText = true;
     while (!input.AtEnd()) {
         const PlacedKey& key = kKeys[input.Byte() % kKeys.size()];
-        store.Save(key.section, key.key, input.Line());
+        const std::string_view value = input.Line();
+        plainText = plainText && fuzz::IsUtf8(value);
+        store.Save(key.section, key.key, value);
     }
+    return plainText;
 }
 
 // What a file says is what is written from it.
-void StoreFile(Input& input, SettingsStore& store) {
+bool StoreFile(Input& input, SettingsStore& store) {
+    bool plainText = true;
     const IniReading reading = ReadIni(input.Rest());
     const IniReading again = ReadIni(WriteIni(reading.sections));
     Require(!again.damaged, "what is written is settings text");
     for (const auto& [section, values] : reading.sections)
         for (const auto& [key, value] : values) {
             Require(again.sections.at(section).at(key) == value, "a value comes back", value);
+            plainText = plainText && fuzz::IsUtf8(value);
             store.Save(section, key, value);
         }
+    return plainText;
 }
 
 // Every tone that is stored sounds, and so does the current signal.
@@ -119,12 +128,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned head = input.Byte();
     const std::int32_t generation = (head & 1U) != 0 ? 5 : 10;
     const int blocks = 2 + 3 * static_cast<int>((head >> 2U) & 7U);
-    const bool plainText = fuzz::IsUtf8(input.Rest());
     MemorySettingsStore store;
-    if ((head & 2U) != 0)
-        StoreFile(input, store);
-    else
-        StoreValues(input, store);
+    const bool plainText = (head & 2U) != 0 ? StoreFile(input, store) : StoreValues(input, store);
     if (Run(store, generation, plainText, blocks)) {
         Instrument next(store, generation, plainText);
         const bool started = next.Start();
