@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/audio/StreamEngine.h"
+#include "core/generator/SignalControls.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -16,7 +17,6 @@ constexpr const char* kNoCaptureBuffer = "Error Creating Input Capture Device\ro
 constexpr const char* kNoPlaybackBuffer = "Error Creating Output Sound Device";
 
 constexpr std::int32_t kPriorityLevel = 2;
-constexpr std::int32_t kLowestLevel = -9600;  // hundredths of a dB, as the level control
 
 // Name of the device that an identifier stands for; the primary device (empty identifier) goes by the
 // name of the device behind it, the second entry (error 9 when there is none). Empty for an unknown

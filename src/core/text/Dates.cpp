@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "core/text/Numbers.h"
 #include "core/text/RuntimeError.h"
 
 namespace sonavex {
@@ -9,12 +10,6 @@ namespace {
 
 constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-
-std::string Padded(int number, std::size_t digits) {
-    std::string text = std::to_string(number);
-    if (text.size() < digits) text.insert(std::size_t{0}, digits - text.size(), '0');
-    return text;
-}
 
 }  // namespace
 

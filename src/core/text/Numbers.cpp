@@ -283,6 +283,12 @@ std::string Format(double value, Pattern pattern) {
     return text;
 }
 
+std::string Padded(std::int32_t value, std::size_t digits) {
+    std::string text = CStr(value);
+    if (text.size() < digits) text.insert(std::size_t{0}, digits - text.size(), '0');
+    return text;
+}
+
 std::string_view Trim(std::string_view text) noexcept {
     const std::size_t first = text.find_first_not_of(' ');
     if (first == std::string_view::npos) return {};

@@ -52,6 +52,9 @@ enum class Pattern {
 // text there. Error 6 for a value that is not finite.
 std::string Format(double value, Pattern pattern);
 
+// A whole number that is not negative, with zeros in front up to so many digits; longer ones stay whole.
+std::string Padded(std::int32_t value, std::size_t digits);
+
 // Text without leading and trailing blanks.
 std::string_view Trim(std::string_view text) noexcept;
 

@@ -122,5 +122,12 @@ TEST(NumbersToText, RejectWhatIsNotFinite) {
     }
 }
 
+TEST(Padded, PutsZerosInFront) {
+    EXPECT_EQ(Padded(7, 2), "07");
+    EXPECT_EQ(Padded(0, 4), "0000");
+    EXPECT_EQ(Padded(12, 2), "12");
+    EXPECT_EQ(Padded(12345, 4), "12345");
+}
+
 }  // namespace
 }  // namespace sonavex
