@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <random>
 
 #include "cli/MeasureProgram.h"
@@ -13,8 +14,6 @@ namespace sonavex {
 namespace {
 
 using nlohmann::ordered_json;
-
-constexpr double kPi = 3.141592653589793;
 
 struct Partial {
     double amplitude = 0.0;
@@ -26,7 +25,7 @@ using Spectrum = std::array<Partial, 9>;
 Spectrum RandomSpectrum(std::mt19937& random) {
     std::uniform_real_distribution<double> fundamental(0.2, 0.6);
     std::uniform_real_distribution<double> decibels(-60.0, -25.0);
-    std::uniform_real_distribution<double> phase(0.0, 2.0 * kPi);
+    std::uniform_real_distribution<double> phase(0.0, 2.0 * std::numbers::pi);
     Spectrum spectrum;
     spectrum[0] = {fundamental(random), phase(random)};
     for (std::size_t i = 1; i < spectrum.size(); ++i)
@@ -34,9 +33,9 @@ Spectrum RandomSpectrum(std::mt19937& random) {
     return spectrum;
 }
 
-Signal Played(const Spectrum& spectrum, std::int32_t bin) {
+RecordedSignal Played(const Spectrum& spectrum, std::int32_t bin) {
     return [=](std::int64_t frame, int) {
-        const double angle = 2.0 * kPi * bin / 4096.0 * static_cast<double>(frame);
+        const double angle = 2.0 * std::numbers::pi * bin / 4096.0 * static_cast<double>(frame);
         double value = 0.0;
         for (std::size_t i = 0; i < spectrum.size(); ++i)
             value += spectrum[i].amplitude * std::sin(static_cast<double>(i + 1) * angle + spectrum[i].phase);

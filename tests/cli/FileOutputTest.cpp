@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <numbers>
 #include <sstream>
 
 #include "cli/MeasureProgram.h"
@@ -11,8 +12,6 @@
 
 namespace sonavex {
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 // Measures a recording and reads what was written.
 Samples OutputOf(const RecordingFile& file, const Arguments& more, int status = 0) {
@@ -58,7 +57,7 @@ TEST(FileOutput, CarriesTheToneFromTheFirstFrameOn) {
     const RecordingFile file({32000, 2}, Silence());
     const Samples output = OutputOf(file, {"--tone", "sine:1234.5"}, 2);
     for (std::int64_t i = 0; i < output.frames; ++i) {
-        const double phase = 2.0 * kPi * 1234.5 / 32000.0 * static_cast<double>(i + 1);
+        const double phase = 2.0 * std::numbers::pi * 1234.5 / 32000.0 * static_cast<double>(i + 1);
         ASSERT_NEAR(output.At(i, 0), 32767.0 / 4.0 * std::sin(phase), 0.51) << i;
         ASSERT_EQ(output.At(i, 1), output.At(i, 0)) << i;
     }
@@ -69,23 +68,24 @@ TEST(FileOutput, AddsSeveralTones) {
     const Samples output = OutputOf(file, {"--tone", "sine:1000", "--tone", "sine:300"}, 2);
     for (std::int64_t i = 0; i < output.frames; ++i) {
         const double time = static_cast<double>(i + 1) / 32000.0;
-        const double sum = std::sin(2.0 * kPi * 1000.0 * time) + std::sin(2.0 * kPi * 300.0 * time);
+        const double sum = std::sin(2.0 * std::numbers::pi * 1000.0 * time) +
+                           std::sin(2.0 * std::numbers::pi * 300.0 * time);
         ASSERT_NEAR(output.At(i, 0), 32767.0 / 6.0 * sum, 0.51) << i;
     }
 }
 
 // The band-pass is symmetric about the middle of its 2048 taps.
 TEST(FileOutput, WithoutMuteTheInputComesDelayed) {
-    const Signal left = Sine(1000.0, 48000, 0.5);
-    const Signal right = Sine(3000.0, 48000, 0.25);
+    const RecordedSignal left = Sine(1000.0, 48000, 0.5);
+    const RecordedSignal right = Sine(3000.0, 48000, 0.25);
     const RecordingFile file({48000, 2}, [&](std::int64_t frame, int channel) {
         return channel == 0 ? left(frame, 0) : right(frame, 1);
     });
     const Samples output = OutputOf(file, {"--no-mute"});
     for (std::int64_t i = kBlockFrames; i < output.frames; ++i) {
         const double time = (static_cast<double>(i) - 1023.5) / 48000.0;
-        ASSERT_NEAR(output.At(i, 0), 16384.0 * std::sin(2.0 * kPi * 1000.0 * time), 4.0) << i;
-        ASSERT_NEAR(output.At(i, 1), 8192.0 * std::sin(2.0 * kPi * 3000.0 * time), 4.0) << i;
+        ASSERT_NEAR(output.At(i, 0), 16384.0 * std::sin(2.0 * std::numbers::pi * 1000.0 * time), 4.0) << i;
+        ASSERT_NEAR(output.At(i, 1), 8192.0 * std::sin(2.0 * std::numbers::pi * 3000.0 * time), 4.0) << i;
     }
 }
 

@@ -86,8 +86,8 @@ TEST(File, MonoFeedsBothChannels) {
 }
 
 TEST(File, OfManyChannelsTheFirstTwoCount) {
-    const Signal tone = Sine(1000.0, 32000, 0.25);
-    const Signal other = Sine(3000.0, 32000, 0.9);
+    const RecordedSignal tone = Sine(1000.0, 32000, 0.25);
+    const RecordedSignal other = Sine(3000.0, 32000, 0.9);
     const RecordingFile three({32000, 3}, [&](std::int64_t frame, int channel) {
         return channel < 2 ? tone(frame, channel) : other(frame, channel);
     });
@@ -110,7 +110,7 @@ TEST(File, ValuesBeyondFullScaleClip) {
 }
 
 TEST(File, ValuesThatAreNoNumbersAreSilent) {
-    const Signal tone = Sine(1000.0, 32000, 0.5);
+    const RecordedSignal tone = Sine(1000.0, 32000, 0.5);
     const RecordingFile file(
         {32000, 2, SF_FORMAT_WAV | SF_FORMAT_FLOAT}, [&](std::int64_t frame, int channel) {
             return channel == 1 ? std::numeric_limits<double>::quiet_NaN() : tone(frame, channel);
@@ -184,7 +184,7 @@ TEST(File, NeverLockedIsAStatusOfItsOwn) {
 
 TEST(File, LostLockUnsettlesTheCycle) {
     const std::int64_t gap = 20 * kBlockFrames;
-    const Signal tone = Sine(1000.0, 32000, 0.5);
+    const RecordedSignal tone = Sine(1000.0, 32000, 0.5);
     const RecordingFile file({32000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 56 * kBlockFrames},
                              [&](std::int64_t frame, int channel) {
                                  return frame >= gap && frame < gap + kBlockFrames ? 0.0

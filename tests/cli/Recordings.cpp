@@ -2,12 +2,11 @@
 
 #include <cmath>
 #include <memory>
+#include <numbers>
 #include <stdexcept>
 
 namespace sonavex {
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 using File = std::unique_ptr<SNDFILE, int (*)(SNDFILE*)>;
 
@@ -19,7 +18,8 @@ File OpenFile(const std::filesystem::path& path, int mode, SF_INFO& info) {
 
 }  // namespace
 
-void WriteRecording(const std::filesystem::path& path, const Recording& recording, const Signal& signal) {
+void WriteRecording(const std::filesystem::path& path, const Recording& recording,
+                    const RecordedSignal& signal) {
     SF_INFO info{};
     info.samplerate = recording.rateHz;
     info.channels = recording.channels;
@@ -34,13 +34,14 @@ void WriteRecording(const std::filesystem::path& path, const Recording& recordin
         throw std::runtime_error(path.string() + ": " + sf_strerror(file.get()));
 }
 
-Signal Sine(double frequencyHz, std::int32_t rateHz, double amplitude) {
+RecordedSignal Sine(double frequencyHz, std::int32_t rateHz, double amplitude) {
     return [=](std::int64_t frame, int) {
-        return amplitude * std::sin(2.0 * kPi * frequencyHz * static_cast<double>(frame) / rateHz);
+        return amplitude *
+               std::sin(2.0 * std::numbers::pi * frequencyHz * static_cast<double>(frame) / rateHz);
     };
 }
 
-Signal Silence() {
+RecordedSignal Silence() {
     return [](std::int64_t, int) { return 0.0; };
 }
 

@@ -14,7 +14,7 @@ namespace sonavex {
 inline constexpr std::int64_t kBlockFrames = 2048;
 
 // Value of a sample, full scale 1, at a frame of a channel.
-using Signal = std::function<double(std::int64_t frame, int channel)>;
+using RecordedSignal = std::function<double(std::int64_t frame, int channel)>;
 
 // What a recording is made of.
 struct Recording {
@@ -25,11 +25,12 @@ struct Recording {
 };
 
 // Writes one. Values beyond full scale clip, except in floating-point formats.
-void WriteRecording(const std::filesystem::path& path, const Recording& recording, const Signal& signal);
+void WriteRecording(const std::filesystem::path& path, const Recording& recording,
+                    const RecordedSignal& signal);
 
 // The same sine on every channel.
-Signal Sine(double frequencyHz, std::int32_t rateHz, double amplitude);
-Signal Silence();
+RecordedSignal Sine(double frequencyHz, std::int32_t rateHz, double amplitude);
+RecordedSignal Silence();
 
 // A 16-bit file as it is.
 struct Samples {
@@ -49,7 +50,7 @@ Samples ReadSamples(const std::filesystem::path& path);
 class RecordingFile {
 public:
     RecordingFile() = default;
-    RecordingFile(const Recording& recording, const Signal& signal) {
+    RecordingFile(const Recording& recording, const RecordedSignal& signal) {
         WriteRecording(Path(), recording, signal);
     }
     std::filesystem::path Path() const { return folder_.Path() / "recording"; }

@@ -31,8 +31,8 @@ constexpr auto kLimit = 3s;
 // Until a stream that moves nothing is given up.
 constexpr auto kStallLimit = 7s;
 
-const NullSink kCard{"card", kRateHz, "TestCard"};
-const NullSink kOther{"other", kRateHz, "OtherCard"};
+const NullSink kUsedCard{"card", kRateHz, "TestCard"};
+const NullSink kSpareCard{"other", kRateHz, "OtherCard"};
 
 // A sound system in use: both buffers run.
 class Session {
@@ -145,7 +145,7 @@ TEST(PulseLoss, NoServerIsAnError) {
 }
 
 TEST(PulseLoss, TheEnvironmentNamesTheServer) {
-    const PulseServer server({kCard});
+    const PulseServer server({kUsedCard});
     PlainEventLoop loop;
     setenv("PULSE_SERVER", server.Address().c_str(), 1);
     PulseSoundSystem system(loop);
@@ -157,7 +157,7 @@ TEST(PulseLoss, TheEnvironmentNamesTheServer) {
 
 // When the graph below the protocol server goes, the devices go, the server may go too.
 TEST(PulseLoss, DaemonBelowTheProtocolKilled) {
-    PipeWireServer server({kCard});
+    PipeWireServer server({kUsedCard});
     Session session(server);
     session.Open("card");
     ASSERT_TRUE(session.Captures());
@@ -195,18 +195,18 @@ void CheckDeathOf(SoundServer& server) {
 }
 
 TEST(PulseLoss, ServerKilledAndStartedAgain) {
-    PulseServer server({kCard});
+    PulseServer server({kUsedCard});
     CheckDeathOf(server);
 }
 
 TEST(PulseLoss, ServerKilledAndStartedAgainOnPipeWire) {
-    PipeWireServer server({kCard});
+    PipeWireServer server({kUsedCard});
     CheckDeathOf(server);
 }
 
 // The sink of the buffers goes while another one stays, and comes back.
 void CheckRemovalAt(const SoundServer& server) {
-    const std::string module = server.LoadNullSink(kCard);
+    const std::string module = server.LoadNullSink(kUsedCard);
     Session session(server);
     session.Open("card");
     ASSERT_TRUE(session.Captures());
@@ -219,24 +219,24 @@ void CheckRemovalAt(const SoundServer& server) {
     for (const SoundDeviceInfo& device : session.system_.EnumeratePlayback())
         EXPECT_NE(device.identifier, "card");
     session.Close();
-    server.LoadNullSink(kCard);
+    server.LoadNullSink(kUsedCard);
     session.Open("card");
     EXPECT_TRUE(session.Captures());
     EXPECT_EQ(session.losses_.size(), 2U);
 }
 
 TEST(PulseLoss, SinkUnloaded) {
-    const PulseServer server({kOther});
+    const PulseServer server({kSpareCard});
     CheckRemovalAt(server);
 }
 
 TEST(PulseLoss, SinkUnloadedOnPipeWire) {
-    const PipeWireServer server({kOther});
+    const PipeWireServer server({kSpareCard});
     CheckRemovalAt(server);
 }
 
 TEST(PulseLoss, SinkSuspended) {
-    const PulseServer server({kCard});
+    const PulseServer server({kUsedCard});
     Session session(server);
     session.Open("card");
     ASSERT_TRUE(session.Captures());
@@ -245,7 +245,7 @@ TEST(PulseLoss, SinkSuspended) {
 }
 
 TEST(PulseLoss, MovingTheStreamIsRefused) {
-    const PulseServer server({kCard, kOther});
+    const PulseServer server({kUsedCard, kSpareCard});
     Session session(server);
     session.Open("card");
     const std::string inputs = server.Control({"list", "short", "sink-inputs"});
@@ -288,17 +288,17 @@ void CheckPauseOf(SoundServer& server) {
 }
 
 TEST(PulseLoss, ServerStopped) {
-    PulseServer server({kCard});
+    PulseServer server({kUsedCard});
     CheckPauseOf(server);
 }
 
 TEST(PulseLoss, ServerStoppedOnPipeWire) {
-    PipeWireServer server({kCard});
+    PipeWireServer server({kUsedCard});
     CheckPauseOf(server);
 }
 
 TEST(PulseLoss, ServerStandsStill) {
-    PulseServer server({kCard});
+    PulseServer server({kUsedCard});
     Session session(server);
     session.Open("card");
     ASSERT_TRUE(session.Captures());
@@ -307,7 +307,7 @@ TEST(PulseLoss, ServerStandsStill) {
 }
 
 TEST(PulseLoss, EndsQuicklyWhileTheServerIsStopped) {
-    PulseServer server({kCard});
+    PulseServer server({kUsedCard});
     PlainEventLoop loop;
     auto start = loop.Now();
     {

@@ -7,9 +7,9 @@
 namespace sonavex {
 namespace {
 
-class QtPlatform {
+class QtStorePlatform {
 public:
-    QtPlatform() { Reopen(); }
+    QtStorePlatform() { Reopen(); }
     SettingsStore& Store() { return *store_; }
     void Reopen() {
         store_.reset();
@@ -22,7 +22,7 @@ private:
     std::unique_ptr<QtSettingsStore> store_;
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Qt, SettingsStoreContract, QtPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, SettingsStoreContract, QtStorePlatform);
 
 }  // namespace
 }  // namespace sonavex

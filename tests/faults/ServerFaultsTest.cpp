@@ -14,7 +14,7 @@ using testing::IsEmpty;
 const NullSink kCard{"card", 32000, "TestCard"};
 const NullSink kOther{"other", 32000, "OtherCard"};
 
-constexpr const char* kOnTheCard = "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n";
+constexpr const char* kOnTheServer = "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n";
 constexpr const char* kOnBoth = "[SoundCard]\nInput=other.monitor\nOutput=card\nSampleRate=2\n";
 
 class ServerFaults : public FaultRig {
@@ -40,7 +40,7 @@ protected:
 
     void CheckUnloadingAt(const SoundServer& server) {
         Use(server);
-        Store(kOnTheCard);
+        Store(kOnTheServer);
         std::string module = server.LoadNullSink(kCard);
         Twice([&] {
             ExpectMeasuring();
@@ -158,7 +158,7 @@ TEST_F(ServerFaults, SourceUnloadedAndLoadedAgain) {
 TEST_F(ServerFaults, SinkSuspendedAndResumed) {
     const PulseServer server({kCard});
     Use(server);
-    Store(kOnTheCard);
+    Store(kOnTheServer);
     onSelection = [&](QDialog&) {
         EXPECT_TRUE(Note().isVisible());
         server.Control({"suspend-sink", "card", "0"});
@@ -178,7 +178,7 @@ TEST_F(ServerFaults, SinkSuspendedAndResumed) {
 TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
     const PulseServer server({kCard});
     Use(server);
-    Store(kOnTheCard);
+    Store(kOnTheServer);
     onSelection = [&](QDialog&) {
         if (User().Selections == 2) server.Control({"suspend-sink", "card", "0"});
     };
@@ -196,7 +196,7 @@ TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
 TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
     const PipeWireServer server({kCard});
     Use(server);
-    Store(kOnTheCard);
+    Store(kOnTheServer);
     Twice([&] {
         ExpectLoop();
         Form().Signals.Signal.Command1.Press();
@@ -248,7 +248,7 @@ TEST_F(ServerFaults, ServerKilledBesideACard) {
 TEST_F(ServerFaults, SinkUnloadedWhileDevicesAreSelected) {
     const PulseServer server({kOther});
     Use(server);
-    Store(kOnTheCard);
+    Store(kOnTheServer);
     std::string module = server.LoadNullSink(kCard);
     onSelection = [&](QDialog&) {
         if (User().Selections == 1) {

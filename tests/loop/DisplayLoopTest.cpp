@@ -8,9 +8,6 @@
 namespace sonavex {
 namespace {
 
-// What rounding to 16 bit, on both sides of the device, may add to a reading.
-constexpr double kRoundingPercent = 0.006;
-
 TEST(Loop, BaselineTakesTheCardsOwnDistortionAway) {
     LoopRig rig(32000);
     DeviceUnderTestModel model;

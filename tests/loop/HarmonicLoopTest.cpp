@@ -24,9 +24,6 @@ void PrintTo(const Case& testCase, std::ostream* out) {
     *out << testCase.rateHz << " Hz, bin " << testCase.bin;
 }
 
-// What rounding to 16 bit, on both sides of the device, may add to a reading.
-constexpr double kRoundingPercent = 0.006;
-
 class HarmonicLoop : public testing::TestWithParam<Case> {};
 
 TEST_P(HarmonicLoop, CaptionsMatchTheDevicesHarmonics) {

@@ -14,6 +14,9 @@
 
 namespace sonavex {
 
+// What rounding to 16 bit, on both sides of the device, may add to a reading.
+inline constexpr double kRoundingPercent = 0.006;
+
 // The whole way of the sound: generator, engine, rings, simulated card with its device under test,
 // and back into the analysis. The card moves only when the test steps it.
 class LoopRig : private Dialogs, private ErrorLog, private MixerBinding {

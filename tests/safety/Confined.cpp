@@ -22,7 +22,7 @@
 namespace sonavex {
 namespace {
 
-constexpr const char* kCommand = "--confined";
+constexpr const char* kConfinedCommand = "--confined";
 constexpr int kFirstWord = 5;  // of the program's own command line
 constexpr int kCannot = 126;
 
@@ -65,14 +65,14 @@ bool ForbidInternet() {
 }  // namespace
 
 Arguments Confined(const Confinement& confinement, const Arguments& command) {
-    Arguments line{ThisProgram(), kCommand, std::to_string(confinement.fileBytes),
+    Arguments line{ThisProgram(), kConfinedCommand, std::to_string(confinement.fileBytes),
                    std::to_string(confinement.mask), confinement.noInternet ? "1" : "0"};
     line.insert(line.end(), command.begin(), command.end());
     return line;
 }
 
 std::optional<int> RunConfined(int argc, char** argv) {
-    if (argc <= kFirstWord || argv[1] != std::string(kCommand)) return std::nullopt;
+    if (argc <= kFirstWord || argv[1] != std::string(kConfinedCommand)) return std::nullopt;
     umask(static_cast<mode_t>(std::stoul(argv[3])));
     const bool confined =
         LimitFiles(std::stoul(argv[2])) && GiveUpPower() && (argv[4] == std::string("0") || ForbidInternet());

@@ -12,7 +12,7 @@
 namespace sonavex {
 namespace {
 
-constexpr const char* kCommand = "--show-help-page";
+constexpr const char* kHelpPageCommand = "--show-help-page";
 constexpr const char* kPage = "page.html";
 constexpr int kMostLinks = 40;
 
@@ -71,11 +71,11 @@ int Show(const std::string& text) {
 }  // namespace
 
 Arguments ShowHelpPage(const std::filesystem::path& page, const std::filesystem::path& inFolder) {
-    return {ThisProgram(), kCommand, page.string(), inFolder.string()};
+    return {ThisProgram(), kHelpPageCommand, page.string(), inFolder.string()};
 }
 
 std::optional<int> RunShowHelpPage(int argc, char** argv) {
-    if (argc != 4 || argv[1] != std::string(kCommand)) return std::nullopt;
+    if (argc != 4 || argv[1] != std::string(kHelpPageCommand)) return std::nullopt;
     const QApplication application(argc, argv);
     const std::string text = FileText(argv[2]);
     std::filesystem::current_path(argv[3]);

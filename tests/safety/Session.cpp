@@ -27,7 +27,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kCommand = "--somebody-does";
+constexpr const char* kSessionCommand = "--somebody-does";
 constexpr std::int64_t kBlocks = 12;
 constexpr auto kLimit = 60s;
 
@@ -170,13 +170,13 @@ int Run(const QStringList& steps) {
 }  // namespace
 
 Arguments Session(const Arguments& steps) {
-    Arguments line{ThisProgram(), kCommand};
+    Arguments line{ThisProgram(), kSessionCommand};
     line.insert(line.end(), steps.begin(), steps.end());
     return line;
 }
 
 std::optional<int> RunSession(int argc, char** argv) {
-    if (argc < 2 || argv[1] != std::string(kCommand)) return std::nullopt;
+    if (argc < 2 || argv[1] != std::string(kSessionCommand)) return std::nullopt;
     KeepFilesFromEverybody();
     QApplication application(argc, argv);
     QApplication::setStyle(new ui::FaceStyle);

@@ -28,7 +28,7 @@ void AnalysisRig::Feed(const Block& block) {
     modDSP::ProcessCapturedBlock(*state, controls, generator, block, playback);
 }
 
-void AnalysisRig::Feed(const Signal& signal, int blocks) {
+void AnalysisRig::Feed(const StereoSignal& signal, int blocks) {
     for (int i = 0; i < blocks; ++i) {
         Feed(MakeBlock(signal, nextFrame_));
         nextFrame_ += static_cast<std::int64_t>(kTestBlockFrames);

@@ -30,7 +30,7 @@ public:
 
     // One block, or several from a signal that goes on from call to call.
     void Feed(const Block& block);
-    void Feed(const Signal& signal, int blocks);
+    void Feed(const StereoSignal& signal, int blocks);
 
     // A bin and the magnitude that it shall have.
     using Line = std::pair<std::int32_t, double>;

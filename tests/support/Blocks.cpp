@@ -22,7 +22,7 @@ double Scatter(std::uint64_t number) {
 
 }  // namespace
 
-Block MakeBlock(const Signal& signal, std::int64_t start) {
+Block MakeBlock(const StereoSignal& signal, std::int64_t start) {
     Block block{};
     for (std::size_t i = 0; i < kTestBlockFrames; ++i) {
         const Frame frame = signal(start + static_cast<std::int64_t>(i));
@@ -32,7 +32,7 @@ Block MakeBlock(const Signal& signal, std::int64_t start) {
     return block;
 }
 
-Signal Sine(double rateHz, double frequencyHz, double peak, double phase) {
+StereoSignal Sine(double rateHz, double frequencyHz, double peak, double phase) {
     return [=](std::int64_t frame) {
         const double value = peak * std::sin(phase + 2.0 * std::numbers::pi * frequencyHz *
                                                          static_cast<double>(frame) / rateHz);
@@ -40,11 +40,11 @@ Signal Sine(double rateHz, double frequencyHz, double peak, double phase) {
     };
 }
 
-Signal Silence() {
+StereoSignal Silence() {
     return [](std::int64_t) { return Frame{}; };
 }
 
-Signal Noise(double peak, std::uint32_t seed) {
+StereoSignal Noise(double peak, std::uint32_t seed) {
     return [=](std::int64_t frame) {
         const std::uint64_t number = (std::uint64_t{seed} << 40U) + 2 * static_cast<std::uint64_t>(frame) + 1;
         return Frame{peak * Scatter(number * 0x9E3779B97F4A7C15ULL),
@@ -52,7 +52,7 @@ Signal Noise(double peak, std::uint32_t seed) {
     };
 }
 
-Signal Sum(Signal a, Signal b) {
+StereoSignal Sum(StereoSignal a, StereoSignal b) {
     return [a = std::move(a), b = std::move(b)](std::int64_t frame) {
         const Frame left = a(frame);
         const Frame right = b(frame);
@@ -60,7 +60,7 @@ Signal Sum(Signal a, Signal b) {
     };
 }
 
-Signal Pair(Signal first, Signal second) {
+StereoSignal Pair(StereoSignal first, StereoSignal second) {
     return [first = std::move(first), second = std::move(second)](std::int64_t frame) {
         return Frame{first(frame).first, second(frame).second};
     };

@@ -17,18 +17,18 @@ struct Frame {
     double second = 0.0;
 };
 // A signal as a function of the frame's number.
-using Signal = std::function<Frame(std::int64_t)>;
+using StereoSignal = std::function<Frame(std::int64_t)>;
 
 // Frames start to start + 2047, rounded and limited to 16 bit.
-Block MakeBlock(const Signal& signal, std::int64_t start);
+Block MakeBlock(const StereoSignal& signal, std::int64_t start);
 
 // The same sine in both samples; phase in radians.
-Signal Sine(double rateHz, double frequencyHz, double peak, double phase = 0.0);
-Signal Silence();
+StereoSignal Sine(double rateHz, double frequencyHz, double peak, double phase = 0.0);
+StereoSignal Silence();
 // Evenly spread noise from -peak to peak, each sample its own; the frame decides the value.
-Signal Noise(double peak, std::uint32_t seed);
-Signal Sum(Signal a, Signal b);
+StereoSignal Noise(double peak, std::uint32_t seed);
+StereoSignal Sum(StereoSignal a, StereoSignal b);
 // First sample of one signal, second of another.
-Signal Pair(Signal first, Signal second);
+StereoSignal Pair(StereoSignal first, StereoSignal second);
 
 }  // namespace sonavex

@@ -8,7 +8,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::size_t kBlockFrames = 2048;
+constexpr std::size_t kFitFrames = 2048;
 
 // x[n-1] + x[n+1] = 2 cos(w) x[n] for every sine, solved for w by least squares.
 double Frequency(std::span<const std::int16_t> block) {
@@ -70,8 +70,8 @@ PhaseTrack::PhaseTrack(std::span<const std::int16_t> recording) {
     const auto first =
         std::find_if(recording.begin(), recording.end(), [](std::int16_t sample) { return sample != 0; });
     auto rest = recording.subspan(static_cast<std::size_t>(first - recording.begin()));
-    for (; rest.size() >= kBlockFrames; rest = rest.subspan(kBlockFrames))
-        blocks_.push_back(FitBest(rest.first(kBlockFrames)));
+    for (; rest.size() >= kFitFrames; rest = rest.subspan(kFitFrames))
+        blocks_.push_back(FitBest(rest.first(kFitFrames)));
 }
 
 double PhaseTrack::LargestJump() const {
@@ -80,7 +80,7 @@ double PhaseTrack::LargestJump() const {
         const SineBlock& before = blocks_[i - 1];
         // A change of frequency holds from the block's first step on.
         const double reached = before.firstPhase +
-                               before.radiansPerSample * static_cast<double>(kBlockFrames - 1) +
+                               before.radiansPerSample * static_cast<double>(kFitFrames - 1) +
                                blocks_[i].radiansPerSample;
         largest = std::max(largest,
                            std::abs(std::remainder(blocks_[i].firstPhase - reached, 2.0 * std::numbers::pi)));

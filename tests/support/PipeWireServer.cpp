@@ -11,11 +11,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kReadyLimit = 10s;
+constexpr auto kPipeWireLimit = 10s;
 
 template <class Condition>
 void WaitFor(const char* what, Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + kReadyLimit;
+    const auto end = std::chrono::steady_clock::now() + kPipeWireLimit;
     while (!condition()) {
         if (std::chrono::steady_clock::now() >= end) throw std::runtime_error(std::string("no ") + what);
         std::this_thread::sleep_for(5ms);

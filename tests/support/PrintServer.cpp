@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kLimit = 20s;
+constexpr auto kServerLimit = 20s;
 constexpr const char* kPrograms = "/usr/lib/cups";
 
 constexpr const char* kConfiguration = R"(LogLevel warn
@@ -110,7 +110,7 @@ void PrintServer::WriteBackend() const {
 }
 
 void PrintServer::WaitUntilReady() const {
-    const auto end = std::chrono::steady_clock::now() + kLimit;
+    const auto end = std::chrono::steady_clock::now() + kServerLimit;
     do {
         try {
             if (Control({"lpstat", "-r"}) == "scheduler is running\n") return;
@@ -125,11 +125,11 @@ void PrintServer::WaitUntilReady() const {
 }
 
 std::string PrintServer::Control(const Arguments& command) const {
-    return RunProgram(command, {{"LC_ALL", "C"}}, kLimit);
+    return RunProgram(command, {{"LC_ALL", "C"}}, kServerLimit);
 }
 
 std::vector<std::filesystem::path> PrintServer::Jobs(const std::string& printer, std::size_t count) const {
-    const auto end = std::chrono::steady_clock::now() + kLimit;
+    const auto end = std::chrono::steady_clock::now() + kServerLimit;
     for (;;) {
         std::vector<std::filesystem::path> files;
         for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / printer))

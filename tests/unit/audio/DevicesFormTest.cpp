@@ -12,8 +12,8 @@ using testing::IsEmpty;
 constexpr const char* kQuestion =
     "AskOkCancel Sound devices not initalized properly\rSelect 'Okay' to select new sound devices or "
     "'Cancel' to end program";
-constexpr const char* kNoOutput = "Message critical Please select valid Playback/Output device";
-constexpr const char* kNoInput = "Message critical Please select valid Record/Input device";
+constexpr const char* kSelectOutput = "Message critical Please select valid Playback/Output device";
+constexpr const char* kSelectInput = "Message critical Please select valid Record/Input device";
 
 std::ptrdiff_t Position(const CallLog& log, const std::string& line) {
     const auto& lines = log.Lines();
@@ -26,7 +26,7 @@ TEST(DevicesOkay, NeedsAnOutputFirst) {
     DevicesRig rig;
     rig.Load();
     rig.form.cmdOkay.Press();
-    EXPECT_THAT(rig.log.Lines(), ElementsAre(kNoOutput));
+    EXPECT_THAT(rig.log.Lines(), ElementsAre(kSelectOutput));
     EXPECT_EQ(rig.Stored("Output"), "(absent)");
     EXPECT_EQ(rig.unloads, 0);
 }
@@ -36,7 +36,7 @@ TEST(DevicesOkay, NeedsAnInputAndKeepsTheOutputMeanwhile) {
     rig.Load();
     rig.form.cmbOutputMixer.UserSelects(1);
     rig.form.cmdOkay.Press();
-    EXPECT_THAT(rig.log.Lines(), ElementsAre(kNoInput));
+    EXPECT_THAT(rig.log.Lines(), ElementsAre(kSelectInput));
     EXPECT_EQ(rig.Stored("Output"), "out-b");
     EXPECT_EQ(rig.Stored("Input"), "(absent)");
     EXPECT_EQ(rig.Stored("SampleRate"), "(absent)");
@@ -49,13 +49,13 @@ TEST(DevicesOkay, AsksForADeviceInPlaceOfOneThatIsGone) {
     output.store.Save("SoundCard", "Input", "in-a");
     output.Load();
     output.form.cmdOkay.Press();
-    EXPECT_THAT(output.log.Lines(), ElementsAre(kNoOutput));
+    EXPECT_THAT(output.log.Lines(), ElementsAre(kSelectOutput));
     DevicesRig input;
     input.store.Save("SoundCard", "Output", "out-a");
     input.store.Save("SoundCard", "Input", "gone");
     input.Load();
     input.form.cmdOkay.Press();
-    EXPECT_THAT(input.log.Lines(), ElementsAre(kNoInput));
+    EXPECT_THAT(input.log.Lines(), ElementsAre(kSelectInput));
     EXPECT_EQ(input.Stored("Input"), "gone");
 }
 

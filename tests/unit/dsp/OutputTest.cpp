@@ -95,7 +95,7 @@ TEST(Output, TheLimitIsTakenAfterTheGeneratorAndFromWhatIsNotScaled) {
 TEST(Output, TheInputComesThroughFilteredAndDelayed) {
     AnalysisRig rig(32000);
     rig.controls.chkMuteOutput.SetValue(0);
-    const Signal signal = Pair(Sine(32000, 1000, 9000), Sine(32000, 2500, 5000, 1.0));
+    const StereoSignal signal = Pair(Sine(32000, 1000, 9000), Sine(32000, 2500, 5000, 1.0));
     rig.Feed(signal, 4);
     // The filter's centre lies 1023.5 frames back.
     for (std::size_t i = 0; i < kTestBlockFrames; i += 37) {
@@ -140,7 +140,7 @@ TEST(Output, MutingKeepsTheTails) {
     AnalysisRig muted(32000);
     AnalysisRig open(32000);
     open.controls.chkMuteOutput.SetValue(0);
-    const Signal signal = Sine(32000, 1000, 9000);
+    const StereoSignal signal = Sine(32000, 1000, 9000);
     muted.Feed(signal, 3);
     open.Feed(signal, 3);
     EXPECT_EQ(muted.state->TailA, open.state->TailA);

@@ -109,7 +109,7 @@ TEST(Reference, FixedFrequencyAndBaseline) {
     SideBySide both(32000, 20);
     both.Frequency("1000");
     both.Baseline(0.3);
-    const Signal distorted = Sum(Sine(32000, 1000, 9000), Sine(32000, 3000, 90, 0.4));
+    const StereoSignal distorted = Sum(Sine(32000, 1000, 9000), Sine(32000, 3000, 90, 0.4));
     both.Feed(distorted, 20);
     both.Frequency("1200");
     both.Feed(distorted, 10);

@@ -69,7 +69,7 @@ public:
         }
     }
 
-    void Feed(const Signal& signal, int blocks) {
+    void Feed(const StereoSignal& signal, int blocks) {
         for (int i = 0; i < blocks && !testing::Test::HasFatalFailure(); ++i) {
             SCOPED_TRACE("block " + std::to_string(++block_));
             const Block captured = MakeBlock(signal, next_);

@@ -12,7 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct Rig {
+struct VistaRig {
     CallLog log;
     MemoryVista card{log};
     FakeMixerControl output{
@@ -34,7 +34,7 @@ struct Rig {
 };
 
 TEST(VistaRefresh, ShowsEveryValueOfTheCard) {
-    Rig rig;
+    VistaRig rig;
     rig.form.Show();
     const frmSoundVista& form = rig.form;
     EXPECT_EQ(form.sldSpeakers.Value(), 50);
@@ -58,7 +58,7 @@ TEST(VistaRefresh, ShowsEveryValueOfTheCard) {
 }
 
 TEST(VistaRefresh, AsksInItsOrder) {
-    Rig rig;
+    VistaRig rig;
     rig.form.RefreshVistaSoundControls();
     EXPECT_THAT(rig.log.Lines(), ElementsAre("GetMicRecordVolume", "GetMasterVolume", "GetMasterMute",
                                              "GetLinePlayBack", "GetLinePlayBackMute", "GetMicPlayBack",
@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(Values, SpeakerReadings,
                                          std::pair{327, 0}, std::pair{328, 1}));
 
 TEST_P(SpeakerReadings, AreShownInPercent) {
-    Rig rig;
+    VistaRig rig;
     rig.output.Find("Master Volume").values = {GetParam().first, 0};
     rig.form.RefreshVistaSoundControls();
     EXPECT_EQ(rig.form.sldSpeakers.Value(), GetParam().second);
@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Values, SpeakerMoves,
                          testing::Values(std::pair{0, 0}, std::pair{50, 32750}, std::pair{100, 65500}));
 
 TEST_P(SpeakerMoves, WriteBothChannelsOfTheLastVolume) {
-    Rig rig;
+    VistaRig rig;
     rig.form.sldSpeakers.UserMoves(GetParam().first);
     const std::string value = std::to_string(GetParam().second);
     EXPECT_THAT(rig.output.written, ElementsAre("Master Volume/0=" + value, "Master Volume/1=" + value));
@@ -93,28 +93,29 @@ TEST_P(SpeakerMoves, WriteBothChannelsOfTheLastVolume) {
 }
 
 TEST(SpeakerMute, IsWrittenToTheFirstChannel) {
-    Rig rig;
+    VistaRig rig;
     rig.form.chkSpeakerMute.UserSets(true);
     rig.form.chkSpeakerMute.UserSets(false);
     EXPECT_THAT(rig.output.written, ElementsAre("Master Mute/0=1", "Master Mute/0=0"));
 }
 
-struct SliderCase {
+struct VistaSliderCase {
     Slider frmSoundVista::*slider;
     Label frmSoundVista::*label;
     const char* control;
 };
-class VistaSliders : public testing::TestWithParam<SliderCase> {};
+class VistaSliders : public testing::TestWithParam<VistaSliderCase> {};
 INSTANTIATE_TEST_SUITE_P(
     All, VistaSliders,
-    testing::Values(SliderCase{&frmSoundVista::sldMaster, nullptr, "MasterVolume"},
-                    SliderCase{&frmSoundVista::sldLinePlay, &frmSoundVista::lblLinePlay, "LinePlayBack"},
-                    SliderCase{&frmSoundVista::sldMicPlay, &frmSoundVista::lblMicPlay, "MicPlayBack"},
-                    SliderCase{&frmSoundVista::sldMic, &frmSoundVista::lblMicRecord, "MicRecordVolume"},
-                    SliderCase{&frmSoundVista::sldLine, &frmSoundVista::lblLineRecord, "LineRecordVolume"}));
+    testing::Values(VistaSliderCase{&frmSoundVista::sldMaster, nullptr, "MasterVolume"},
+                    VistaSliderCase{&frmSoundVista::sldLinePlay, &frmSoundVista::lblLinePlay, "LinePlayBack"},
+                    VistaSliderCase{&frmSoundVista::sldMicPlay, &frmSoundVista::lblMicPlay, "MicPlayBack"},
+                    VistaSliderCase{&frmSoundVista::sldMic, &frmSoundVista::lblMicRecord, "MicRecordVolume"},
+                    VistaSliderCase{&frmSoundVista::sldLine, &frmSoundVista::lblLineRecord,
+                                    "LineRecordVolume"}));
 
 TEST_P(VistaSliders, SetTheirLevel) {
-    Rig rig;
+    VistaRig rig;
     rig.form.Show();
     (rig.form.*GetParam().slider).UserMoves(37);
     EXPECT_THAT(rig.Sets(), ElementsAre("Set" + std::string(GetParam().control) + " 37"));
@@ -124,7 +125,7 @@ TEST_P(VistaSliders, SetTheirLevel) {
 }
 
 TEST_P(VistaSliders, AreGreyedWithTheirLabelAndComeBack) {
-    Rig rig;
+    VistaRig rig;
     rig.card.missing = {GetParam().control};
     rig.form.RefreshVistaSoundControls();
     EXPECT_FALSE((rig.form.*GetParam().slider).Enabled());
@@ -139,20 +140,20 @@ TEST_P(VistaSliders, AreGreyedWithTheirLabelAndComeBack) {
     }
 }
 
-struct BoxCase {
+struct VistaBoxCase {
     CheckBox frmSoundVista::*box;
     const char* control;
 };
-class VistaBoxes : public testing::TestWithParam<BoxCase> {};
+class VistaBoxes : public testing::TestWithParam<VistaBoxCase> {};
 INSTANTIATE_TEST_SUITE_P(All, VistaBoxes,
-                         testing::Values(BoxCase{&frmSoundVista::chkMasterMute, "MasterMute"},
-                                         BoxCase{&frmSoundVista::chkLinePlay, "LinePlayBackMute"},
-                                         BoxCase{&frmSoundVista::chkMicPlay, "MicPlayBackMute"},
-                                         BoxCase{&frmSoundVista::chkBoost, "MicBoost"},
-                                         BoxCase{&frmSoundVista::chkNoMon, "NoMonitor"}));
+                         testing::Values(VistaBoxCase{&frmSoundVista::chkMasterMute, "MasterMute"},
+                                         VistaBoxCase{&frmSoundVista::chkLinePlay, "LinePlayBackMute"},
+                                         VistaBoxCase{&frmSoundVista::chkMicPlay, "MicPlayBackMute"},
+                                         VistaBoxCase{&frmSoundVista::chkBoost, "MicBoost"},
+                                         VistaBoxCase{&frmSoundVista::chkNoMon, "NoMonitor"}));
 
 TEST_P(VistaBoxes, SetTheirState) {
-    Rig rig;
+    VistaRig rig;
     const std::string set = "Set" + std::string(GetParam().control);
     (rig.form.*GetParam().box).UserSets(true);
     (rig.form.*GetParam().box).UserSets(false);
@@ -160,7 +161,7 @@ TEST_P(VistaBoxes, SetTheirState) {
 }
 
 TEST_P(VistaBoxes, AreGreyedAndComeBack) {
-    Rig rig;
+    VistaRig rig;
     rig.card.missing = {GetParam().control};
     rig.form.RefreshVistaSoundControls();
     EXPECT_FALSE((rig.form.*GetParam().box).Enabled());
@@ -170,14 +171,14 @@ TEST_P(VistaBoxes, AreGreyedAndComeBack) {
 }
 
 TEST(InputDevice, WithAMicrophonesLevelStandsThere) {
-    Rig rig;
+    VistaRig rig;
     rig.form.RefreshVistaSoundControls();
     EXPECT_EQ(rig.form.lblInputMixer.Caption(), "Microphone of a card");
     EXPECT_EQ(rig.form.lblLineInMixer.Caption(), "Not Selected");
 }
 
 TEST(InputDevice, WithoutOneStandsBesideLineIn) {
-    Rig rig;
+    VistaRig rig;
     rig.card.missing = {"MicRecordVolume"};
     rig.form.RefreshVistaSoundControls();
     EXPECT_EQ(rig.form.lblInputMixer.Caption(), "Not Selected");
@@ -185,7 +186,7 @@ TEST(InputDevice, WithoutOneStandsBesideLineIn) {
 }
 
 TEST(Master, ShowsTheLevelThatTheCardTook) {
-    Rig rig;
+    VistaRig rig;
     rig.form.Show();
     rig.card.highestMaster = 64;
     rig.form.sldMaster.UserMoves(90);
@@ -193,7 +194,7 @@ TEST(Master, ShowsTheLevelThatTheCardTook) {
 }
 
 TEST(Master, AboveSilentSpeakersIsADivisionByZero) {
-    Rig rig;
+    VistaRig rig;
     rig.form.Show();
     rig.form.sldSpeakers.SetValue(0);
     EXPECT_EQ(ErrorOf([&] {
@@ -207,7 +208,7 @@ TEST(Master, AboveSilentSpeakersIsADivisionByZero) {
 }
 
 TEST(Master, OfAMixerWithoutSpeakerControlIsMovedFreely) {
-    Rig rig;
+    VistaRig rig;
     rig.speaker = {};
     rig.form.Show();
     EXPECT_FALSE(rig.form.sldSpeakers.Enabled());
@@ -221,7 +222,7 @@ TEST(Master, OfAMixerWithoutSpeakerControlIsMovedFreely) {
 }
 
 // As another mixer program: no control stays as it was.
-void ChangeEverything(Rig& rig) {
+void ChangeEverything(VistaRig& rig) {
     rig.output.Find("Master Volume").values = {6550, 6550};
     rig.output.Find("Master Mute").values = {0, 0};
     rig.card.masterVolume = 5;
@@ -237,7 +238,7 @@ void ChangeEverything(Rig& rig) {
 }
 
 TEST(Sync, BringsEveryControlToThePresentValues) {
-    Rig rig;
+    VistaRig rig;
     rig.form.Show();
     ChangeEverything(rig);
     rig.form.cmdSync.Press();
@@ -259,7 +260,7 @@ TEST(Sync, BringsEveryControlToThePresentValues) {
 
 // The speaker's controls on the last of three destinations, on lines of their own.
 TEST(SpeakerSelectors, ReachOtherDestinationsAndLines) {
-    Rig rig;
+    VistaRig rig;
     rig.output = FakeMixerControl(
         {{FakeMixerControl::Level("Wave Volume", 1, 1), FakeMixerControl::Switch("Wave Mute", 1, 1)},
          {FakeMixerControl::Switch("Speaker Mute", 1, 4), FakeMixerControl::Level("Bass", 2, 5)},
@@ -281,7 +282,7 @@ TEST(SpeakerSelectors, ReachOtherDestinationsAndLines) {
 }
 
 TEST(VistaForm, KeepsItsPlaceShowsTheTonesAndCloses) {
-    Rig rig;
+    VistaRig rig;
     int tones = 0;
     rig.form.ShowTone = [&] { ++tones; };
     rig.form.Show();
@@ -294,7 +295,7 @@ TEST(VistaForm, KeepsItsPlaceShowsTheTonesAndCloses) {
 }
 
 TEST(VistaForm, ReadsTheCardWheneverItComesToTheFront) {
-    Rig rig;
+    VistaRig rig;
     rig.form.Activate();
     EXPECT_THAT(rig.log.Lines(), IsEmpty()) << "not loaded";
     rig.form.Show();

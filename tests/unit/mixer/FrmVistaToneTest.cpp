@@ -8,14 +8,14 @@ namespace {
 
 using testing::ElementsAre;
 
-struct Rig {
+struct VistaToneRig {
     CallLog log;
     MemoryVista card{log};
     frmVistaTone form{card};
 };
 
 TEST(Tones, AreLoadedWithRangeAndLabelsWithoutAnySet) {
-    Rig rig;
+    VistaToneRig rig;
     rig.card.bass = -6.0;
     rig.card.midRange = 2.5;
     rig.card.treble = 3.5;
@@ -48,7 +48,7 @@ INSTANTIATE_TEST_SUITE_P(
                              &frmVistaTone::lblTrebleValue, "Treble", &MemoryVista::treble}));
 
 TEST_P(ToneSliders, SetTheirGainAndTellIt) {
-    Rig rig;
+    VistaToneRig rig;
     rig.form.Show();
     for (const auto& [gain, text] :
          {std::pair{-6, "-6 dB"}, std::pair{0, "0 dB"}, std::pair{12, "12 dB"}, std::pair{-12, "-12 dB"}}) {
@@ -62,7 +62,7 @@ TEST_P(ToneSliders, SetTheirGainAndTellIt) {
 }
 
 TEST_P(ToneSliders, MovedToTheirMinimumShowIt) {
-    Rig rig;
+    VistaToneRig rig;
     rig.card.eqMinimum = -10.4;
     rig.card.eqMaximum = 7.6;
     rig.form.Show();
@@ -73,7 +73,7 @@ TEST_P(ToneSliders, MovedToTheirMinimumShowIt) {
 }
 
 TEST_P(ToneSliders, AreGreyedWithTheirLabels) {
-    Rig rig;
+    VistaToneRig rig;
     rig.card.missing = {GetParam().control};
     rig.form.Show();
     EXPECT_FALSE((rig.form.*GetParam().slider).Enabled());
@@ -82,7 +82,7 @@ TEST_P(ToneSliders, AreGreyedWithTheirLabels) {
 }
 
 TEST(Tones, OfACardWithoutThemHaveNoRange) {
-    Rig rig;
+    VistaToneRig rig;
     rig.card.eqMinimum = 0.0;
     rig.card.eqMaximum = 0.0;
     rig.card.missing = {"Bass", "MidRange", "Treble", "EQRange"};
@@ -93,7 +93,7 @@ TEST(Tones, OfACardWithoutThemHaveNoRange) {
 }
 
 TEST(Tones, CloseByTheirButton) {
-    Rig rig;
+    VistaToneRig rig;
     rig.form.Show();
     rig.form.cmdClose.Press();
     EXPECT_FALSE(rig.form.Loaded());

@@ -13,12 +13,12 @@ const MixerDevice kSpeakers{MixerSide::kPlayback, "Speakers"};
 const MixerDevice kMicrophone{MixerSide::kCapture, "Microphone"};
 const MixerDevice kHeadset{MixerSide::kCapture, "Headset"};
 
-struct Rig {
+struct KeeperRig {
     CallLog log;
     FakeLevels levels{log};
     MemoryJournal journal;
     LevelKeeper keeper{levels, journal};
-    Rig() {
+    KeeperRig() {
         levels.devices = {{"playback Speakers", "Master\t10 20\nPCM\t3\n"},
                           {"capture Microphone", "Capture\t5\n"},
                           {"capture Headset", "Mic\t7\n"}};
@@ -27,7 +27,7 @@ struct Rig {
 };
 
 TEST(Keeper, GivesBackWhatWasThereAtFirst) {
-    Rig rig;
+    KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
     rig.At(kSpeakers) = "Master\t1 1\nPCM\t1\n";
     rig.keeper.Use({kSpeakers, kMicrophone});
@@ -42,7 +42,7 @@ TEST(Keeper, GivesBackWhatWasThereAtFirst) {
 }
 
 TEST(Keeper, GivesADeviceBackThatIsNoLongerUsed) {
-    Rig rig;
+    KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
     rig.At(kSpeakers) = "changed\t1\n";
     rig.At(kMicrophone) = "changed\t1\n";
@@ -56,7 +56,7 @@ TEST(Keeper, GivesADeviceBackThatIsNoLongerUsed) {
 }
 
 TEST(Keeper, OfAKilledRunIsMadeGoodByTheNext) {
-    Rig rig;
+    KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
     rig.At(kSpeakers) = "changed\t1\n";
     LevelKeeper next(rig.levels, rig.journal);
@@ -69,7 +69,7 @@ TEST(Keeper, OfAKilledRunIsMadeGoodByTheNext) {
 }
 
 TEST(Keeper, WaitsForADeviceThatIsNotThere) {
-    Rig rig;
+    KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
     rig.levels.devices.erase("capture Microphone");
     rig.keeper.GiveBack();
@@ -87,7 +87,7 @@ TEST(Keeper, WaitsForADeviceThatIsNotThere) {
 }
 
 TEST(Keeper, RestoresAWaitingDeviceBeforeItIsUsedAgain) {
-    Rig rig;
+    KeeperRig rig;
     rig.keeper.Use({kMicrophone});
     rig.levels.devices.erase("capture Microphone");
     rig.keeper.Use({kSpeakers});
@@ -97,7 +97,7 @@ TEST(Keeper, RestoresAWaitingDeviceBeforeItIsUsedAgain) {
 }
 
 TEST(Keeper, DoesNotInsistOnControlsThatDoNotTakeTheirLevel) {
-    Rig rig;
+    KeeperRig rig;
     rig.keeper.Use({kSpeakers});
     rig.levels.takes = false;
     rig.keeper.GiveBack();
@@ -105,7 +105,7 @@ TEST(Keeper, DoesNotInsistOnControlsThatDoNotTakeTheirLevel) {
 }
 
 TEST(Keeper, KnowsWhichSideIsThere) {
-    Rig rig;
+    KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
     EXPECT_TRUE(rig.keeper.Present(MixerSide::kPlayback));
     EXPECT_TRUE(rig.keeper.Present(MixerSide::kCapture));
@@ -115,7 +115,7 @@ TEST(Keeper, KnowsWhichSideIsThere) {
 }
 
 TEST(Keeper, LeavesDevicesAloneThatHaveNoLevels) {
-    Rig rig;
+    KeeperRig rig;
     rig.levels.devices.clear();
     rig.keeper.Use({kSpeakers, {MixerSide::kCapture, ""}});
     EXPECT_FALSE(rig.keeper.Present(MixerSide::kPlayback));
@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, DamagedJournals,
                                          "Master\t1 1\n\nplayback"));
 
 TEST_P(DamagedJournals, AreReadAsFarAsTheyGo) {
-    Rig rig;
+    KeeperRig rig;
     rig.levels.devices["playback Speakers"] = "Master\t1\n";
     rig.journal.text = GetParam();
     rig.keeper.Use({kMicrophone});

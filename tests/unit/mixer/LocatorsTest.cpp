@@ -29,7 +29,7 @@ FakeMixerControl FullInput() {
           FakeMixerControl::Switch("Line Select", 1, 6)}});
 }
 
-struct Rig {
+struct LocatorRig {
     FakeMixerControl output;
     FakeMixerControl input;
     LegacyMixer mixer{output, input};
@@ -40,7 +40,7 @@ struct Rig {
 };
 
 TEST(Locators, FindEveryFunctionOfTheTable) {
-    Rig rig{FullOutput(), FullInput()};
+    LocatorRig rig{FullOutput(), FullInput()};
     const MixerLocatorTable& table = rig.Locate();
     const auto percent = [](int units) { return static_cast<float>(units / 655.35); };
     EXPECT_EQ(table.MasterVolume, (MixerLocator{4, 0, 6, percent(6554)}));
@@ -60,7 +60,7 @@ TEST(Locators, FindEveryFunctionOfTheTable) {
 }
 
 TEST(Locators, OfMixersWithoutControlsAreAllAbsent) {
-    Rig rig;
+    LocatorRig rig;
     const MixerLocatorTable& table = rig.Locate();
     for (const MixerLocator* entry :
          {&table.MasterVolume, &table.MasterMute, &table.WaveVolume, &table.WaveMute, &table.LineVolume,
@@ -70,11 +70,12 @@ TEST(Locators, OfMixersWithoutControlsAreAllAbsent) {
 }
 
 TEST(Locators, TakeTheFirstMatchByWordsInAnyLetterCase) {
-    Rig rig{FakeMixerControl(
-                {{FakeMixerControl::Level("line-in level", 10)},
-                 {FakeMixerControl::Level("LINE volume", 20), FakeMixerControl::Level("MASTER", 30),
-                  FakeMixerControl::Level("master 2", 40), FakeMixerControl::Switch("mAsTeR mUtE", 1)}}),
-            FakeMixerControl()};
+    LocatorRig rig{
+        FakeMixerControl(
+            {{FakeMixerControl::Level("line-in level", 10)},
+             {FakeMixerControl::Level("LINE volume", 20), FakeMixerControl::Level("MASTER", 30),
+              FakeMixerControl::Level("master 2", 40), FakeMixerControl::Switch("mAsTeR mUtE", 1)}}),
+        FakeMixerControl()};
     const MixerLocatorTable& table = rig.Locate();
     EXPECT_EQ(table.LineVolume.Destination, 0);
     EXPECT_EQ(table.LineVolume.Control, 0);
@@ -93,8 +94,8 @@ INSTANTIATE_TEST_SUITE_P(Words, BoostNames,
                                          std::pair{"BOOST", false}, std::pair{"Microphone Volume", false}));
 
 TEST_P(BoostNames, AreTestedWithTheirLetterCase) {
-    Rig rig{FakeMixerControl(), FakeMixerControl({{FakeMixerControl::Level("Line Volume", 5),
-                                                   FakeMixerControl::Switch(GetParam().first, 1)}})};
+    LocatorRig rig{FakeMixerControl(), FakeMixerControl({{FakeMixerControl::Level("Line Volume", 5),
+                                                          FakeMixerControl::Switch(GetParam().first, 1)}})};
     const MixerLocatorTable& table = rig.Locate();
     EXPECT_EQ(table.MicBoost.Available(), GetParam().second);
     EXPECT_EQ(table.MicBoost.Value, GetParam().second ? 1.0F : -1.0F);
@@ -102,7 +103,7 @@ TEST_P(BoostNames, AreTestedWithTheirLetterCase) {
 }
 
 TEST(Locators, PassOverMatchesThatCannotBeRead) {
-    Rig rig{
+    LocatorRig rig{
         FakeMixerControl({{FakeMixerControl::Level("Master Volume", -1, 1),
                            FakeMixerControl::Level("Master Volume 2", 65535, 2)}}),
         FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", -1, 1),
@@ -116,16 +117,17 @@ TEST(Locators, PassOverMatchesThatCannotBeRead) {
 }
 
 TEST(Locators, OfSlotsThatCannotBeReadAreAbsent) {
-    Rig rig{FakeMixerControl(), FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", -1, 1),
-                                                   FakeMixerControl::Switch("Monitor Off", 2, 1)}})};
+    LocatorRig rig{FakeMixerControl(), FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", -1, 1),
+                                                          FakeMixerControl::Switch("Monitor Off", 2, 1)}})};
     const MixerLocatorTable& table = rig.Locate();
     EXPECT_EQ(table.MicBoost, kAbsent);
     EXPECT_EQ(table.MonitorOff, kAbsent);
 }
 
 TEST(Locators, DoNotTakeTheBoostForTheMicrophonesLevel) {
-    Rig rig{FakeMixerControl(), FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", 1),
-                                                   FakeMixerControl::Level("Microphone Volume", 65535)}})};
+    LocatorRig rig{FakeMixerControl(),
+                   FakeMixerControl({{FakeMixerControl::Switch("Microphone Boost", 1),
+                                      FakeMixerControl::Level("Microphone Volume", 65535)}})};
     EXPECT_EQ(rig.Locate().MicRecord.Control, 1);
 }
 

@@ -17,7 +17,7 @@ protected:
         meter.SetUpAnalysis(25, 15900);
     }
 
-    void Feed(const Signal& signal, int blocks) {
+    void Feed(const StereoSignal& signal, int blocks) {
         for (int i = 0; i < blocks; ++i) {
             const Block captured = MakeBlock(signal, 0);
             meter.ProcessCapturedBlock(captured, playback);

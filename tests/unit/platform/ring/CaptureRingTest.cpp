@@ -10,7 +10,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::int32_t kRingBytes = 32768;
+constexpr std::int32_t kCaptureBytes = 32768;
 constexpr std::int32_t kSegmentFrames = 2048;
 
 // A bell that counts its rings and answers as told.
@@ -55,7 +55,7 @@ protected:
     }
 
     std::vector<std::shared_ptr<CountingBell>> bells_;
-    CaptureRing ring_{kRingBytes};
+    CaptureRing ring_{kCaptureBytes};
 };
 
 using Counts = std::vector<int>;
@@ -159,7 +159,7 @@ TEST_F(CaptureRingTest, PositionsAreForAStoppedRing) {
 }
 
 TEST_F(CaptureRingTest, RefusesPositionsOutsideAndWithoutBell) {
-    for (const std::int32_t offset : {-1, kRingBytes, kRingBytes + 1})
+    for (const std::int32_t offset : {-1, kCaptureBytes, kCaptureBytes + 1})
         EXPECT_EQ(ErrorOf([&] {
                       return ring_.SetPositions({{offset, bells_[0]}}), 0;
                   }),
@@ -173,7 +173,7 @@ TEST_F(CaptureRingTest, RefusesPositionsOutsideAndWithoutBell) {
 
 TEST_F(CaptureRingTest, RefusesBadReads) {
     std::vector<std::int16_t> samples(4);
-    for (const std::int32_t offset : {-4, 2, kRingBytes - kFrameBytes, kRingBytes})
+    for (const std::int32_t offset : {-4, 2, kCaptureBytes - kFrameBytes, kCaptureBytes})
         EXPECT_EQ(ErrorOf([&] { return ring_.Read(offset, samples), 0; }), error_number::kInvalidCall)
             << offset;
     EXPECT_EQ(ErrorOf([&] { return ring_.Read(0, std::span(samples).first(1)), 0; }),

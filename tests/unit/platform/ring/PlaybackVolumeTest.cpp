@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int32_t kRateHz = 48000;
 constexpr std::size_t kRampFrames = kRateHz / 200;  // 5 ms
-constexpr std::int32_t kRingFrames = 65536;
+constexpr std::int32_t kLongRingFrames = 65536;
 
 std::vector<std::int16_t> Pull(PlaybackRing& ring, std::size_t frames) {
     std::vector<std::int16_t> samples(2 * frames);
@@ -21,7 +21,7 @@ std::vector<std::int16_t> Pull(PlaybackRing& ring, std::size_t frames) {
 }
 
 // Every 16-bit value once on the first channel, and in reverse order on the second.
-std::vector<std::int16_t> EveryValue() {
+std::vector<std::int16_t> EverySample() {
     std::vector<std::int16_t> samples;
     for (int value = -32768; value <= 32767; ++value) {
         samples.push_back(static_cast<std::int16_t>(value));
@@ -33,21 +33,21 @@ std::vector<std::int16_t> EveryValue() {
 class PlaybackVolume : public testing::Test {
 protected:
     void Fill(std::int16_t value) {
-        ring_.Write(0, std::vector<std::int16_t>(std::size_t{2} * kRingFrames, value));
+        ring_.Write(0, std::vector<std::int16_t>(std::size_t{2} * kLongRingFrames, value));
     }
-    PlaybackRing ring_{kRingFrames * kFrameBytes, kRateHz};
+    PlaybackRing ring_{kLongRingFrames * kFrameBytes, kRateHz};
 };
 
 TEST_F(PlaybackVolume, ZeroLeavesEveryBit) {
-    const auto samples = EveryValue();
+    const auto samples = EverySample();
     ring_.Write(0, samples);
     ring_.SetVolume(0);
     ring_.Play();
-    EXPECT_EQ(Pull(ring_, kRingFrames), samples);
+    EXPECT_EQ(Pull(ring_, kLongRingFrames), samples);
 }
 
 TEST_F(PlaybackVolume, ZeroIsBitExactAgainAfterARamp) {
-    const auto samples = EveryValue();
+    const auto samples = EverySample();
     ring_.Write(0, samples);
     ring_.Play();
     for (const std::int32_t level : {-1, -333, -600, -9999, -10000}) {
@@ -56,7 +56,7 @@ TEST_F(PlaybackVolume, ZeroIsBitExactAgainAfterARamp) {
         ring_.SetVolume(0);
         Pull(ring_, kRampFrames + 1);
         ring_.SetPosition(0);
-        EXPECT_EQ(Pull(ring_, kRingFrames), samples) << level;
+        EXPECT_EQ(Pull(ring_, kLongRingFrames), samples) << level;
     }
 }
 

@@ -19,8 +19,8 @@ using namespace std::chrono_literals;
 
 constexpr int kSteps = 3000;
 constexpr std::size_t kPeriodFrames = 64;
-constexpr std::int32_t kRingFrames = 1024;
-constexpr std::int32_t kRingBytes = kRingFrames * kFrameBytes;
+constexpr std::int32_t kSharedRingFrames = 1024;
+constexpr std::int32_t kSharedRingBytes = kSharedRingFrames * kFrameBytes;
 
 // Whole frames only: both channels of every frame carry the same value here.
 bool FramesAreWhole(const std::vector<std::int16_t>& samples) {
@@ -30,7 +30,7 @@ bool FramesAreWhole(const std::vector<std::int16_t>& samples) {
 }
 
 TEST(RingThreads, PlaybackServesTwoThreads) {
-    PlaybackRing ring(kRingBytes, 48000);
+    PlaybackRing ring(kSharedRingBytes, 48000);
     std::atomic<bool> whole{true};
     std::thread audio([&] {
         std::vector<std::int16_t> period(2 * kPeriodFrames);
@@ -41,14 +41,15 @@ TEST(RingThreads, PlaybackServesTwoThreads) {
     });
     for (int step = 0; step < kSteps; ++step) {
         const std::vector<std::int16_t> block(2 * kPeriodFrames, static_cast<std::int16_t>(step));
-        ring.Write((step % (kRingFrames / 64)) * 64 * kFrameBytes, block);
+        ring.Write((step % (kSharedRingFrames / 64)) * 64 * kFrameBytes, block);
         ring.SetVolume(-(step % 700));
         if (step % 5 == 0) ring.Play();
-        if (step % 11 == 0) ring.SetPosition((step % kRingFrames) * kFrameBytes);
+        if (step % 11 == 0) ring.SetPosition((step % kSharedRingFrames) * kFrameBytes);
         if (step % 17 == 0) ring.Stop();
         const BufferCursors cursors = ring.Cursors();
-        ASSERT_TRUE(cursors.play >= 0 && cursors.play < kRingBytes && cursors.play % kFrameBytes == 0);
-        ASSERT_TRUE(cursors.write >= 0 && cursors.write < kRingBytes && cursors.write % kFrameBytes == 0);
+        ASSERT_TRUE(cursors.play >= 0 && cursors.play < kSharedRingBytes && cursors.play % kFrameBytes == 0);
+        ASSERT_TRUE(cursors.write >= 0 && cursors.write < kSharedRingBytes &&
+                    cursors.write % kFrameBytes == 0);
     }
     audio.join();
     EXPECT_TRUE(whole);
@@ -79,20 +80,20 @@ TEST(RingThreads, PlayCursorNeverFallsBehindAPositionSetWhilePlaying) {
 TEST(RingThreads, CaptureServesTwoThreads) {
     PlainEventLoop loop;
     NotificationHub hub(loop);
-    CaptureRing ring(kRingBytes);
+    CaptureRing ring(kSharedRingBytes);
     std::uint64_t delivered = 0;
     std::vector<EventHandle> events;
     std::vector<CaptureRing::Position> positions;
-    std::vector<std::int16_t> segment(std::size_t{2} * kRingFrames / 4);
+    std::vector<std::int16_t> segment(std::size_t{2} * kSharedRingFrames / 4);
     bool whole = true;
     for (std::int32_t i = 0; i < 4; ++i) {
-        const std::int32_t offset = i * kRingBytes / 4;
+        const std::int32_t offset = i * kSharedRingBytes / 4;
         events.push_back(hub.Create([&, offset](EventHandle) {
             ring.Read(offset, segment);
             whole = whole && FramesAreWhole(segment);
             ++delivered;
         }));
-        positions.push_back({offset + kRingBytes / 4 - 1, hub.SignalOf(events.back())});
+        positions.push_back({offset + kSharedRingBytes / 4 - 1, hub.SignalOf(events.back())});
     }
     ring.SetPositions(positions);
     std::atomic<bool> finished{false};
@@ -120,7 +121,7 @@ TEST(RingThreads, CaptureServesTwoThreads) {
 }
 
 TEST(RingThreads, NothingIsPushedAfterStop) {
-    CaptureRing ring(kRingBytes);
+    CaptureRing ring(kSharedRingBytes);
     std::atomic<bool> finished{false};
     std::thread audio([&] {
         const std::vector<std::int16_t> period(2 * kPeriodFrames, 1);

@@ -11,7 +11,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::size_t kFrames = 4096;
+constexpr std::size_t kCurveFrames = 4096;
 constexpr std::size_t kLine = 37;
 // What the rounding of input and output to 16 bits may do to one spectral line, in steps.
 constexpr double kRounding = 0.1;
@@ -27,7 +27,7 @@ Samples Through(const DeviceUnderTestModel& model, const Samples& played) {
 }
 
 Samples SineThrough(const DeviceUnderTestModel& model, double peak) {
-    return Through(model, StereoSine(peak, kLine, kFrames, kFrames));
+    return Through(model, StereoSine(peak, kLine, kCurveFrames, kCurveFrames));
 }
 
 Samples EveryValue() {
