@@ -102,7 +102,8 @@ def copy_tree(work):
                 path.unlink()
     print("Building the copy ...", flush=True)
     folder = tree / "build" / "core-only"
-    for command in (["cmake", "--preset", "core-only"],
+    # Each test alone: a change of a header is judged with few of them.
+    for command in (["cmake", "--preset", "core-only", "-DCMAKE_UNITY_BUILD=OFF"],
                     ["cmake", "--build", str(folder), "--target", *programs.PROGRAMS]):
         done = subprocess.run(command, cwd=tree, stdin=subprocess.DEVNULL, capture_output=True, text=True,
                               check=False)
@@ -185,11 +186,12 @@ class Check:
         overlay = self._overlay(folder, {mutant.path: mutant.apply(self.text(mutant.path))})
         used = set(self.build.all_objects())
         parts, tests = self._split([t for t in self.build.dependents.get(mutant.path, ()) if t in used])
-        best = self.suites.best_files(mutant.folder, 2)
+        best = set(self.suites.best_files(mutant.folder, 2))
         groups = {0: [], 1: [], 2: []}
         for target in tests:
-            source = self.build.source_of(target)
-            groups[0 if source in best else 1 if f"/unit/{mutant.folder}/" in source else 2].append(target)
+            sources = self.build.sources_of(target)
+            near = any(f"/unit/{mutant.folder}/" in source for source in sources)
+            groups[0 if not best.isdisjoint(sources) else 1 if near else 2].append(target)
         objects = self._compile_all(parts, overlay, folder)
         if objects is None:
             return NOT_COMPILED, ""

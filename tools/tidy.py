@@ -19,7 +19,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-TOGETHER = 8
+TOGETHER = 20
 # A using-declaration that nothing uses is told of main files only.
 ALONE = re.compile(r"^\s*using [\w:]+::\w+;", re.MULTILINE)
 CHATTER = re.compile(r"^(\d+ warnings? (and \d+ errors? )?generated\.|Suppressed .*|Use -header-filter.*)\n?",
@@ -40,12 +40,14 @@ def options_of(entry):
 
 
 def together(entries):
-    """Lists of entries with the same options, none longer than TOGETHER."""
+    """Lists of entries with the same options from one part of the sources (src/core, src/ui ...), none longer
+    than TOGETHER."""
     groups = {}
     for entry in entries:
         alone = ALONE.search(pathlib.Path(entry["file"]).read_text(encoding="utf-8"))
         key = entry["file"] if alone else options_of(entry)
-        groups.setdefault((entry["directory"], key), []).append(entry)
+        part = pathlib.Path(entry["file"]).relative_to(ROOT).parts[1]
+        groups.setdefault((part, entry["directory"], key), []).append(entry)
     for group in groups.values():
         count = -(-len(group) // TOGETHER)
         for first in range(count):

@@ -105,8 +105,12 @@ class Build:
         found = [name for program in PROGRAMS for name in self.objects[program]]
         return list(dict.fromkeys(found + [name for names in self.members.values() for name in names]))
 
-    def source_of(self, target):
-        return os.path.relpath(self._commands[target][-1], self.root)
+    def sources_of(self, target):
+        """The sources that an object is made of: tests are compiled several at once."""
+        compiled = pathlib.Path(self._commands[target][-1])
+        joined = re.findall(r'^#include "(.*)"', compiled.read_text(encoding="utf-8"), re.MULTILINE)
+        of_unity = compiled.parent.name == "Unity"
+        return [os.path.relpath(path, self.root) for path in (joined if of_unity else [compiled])]
 
     def core_object(self, path):
         """The object that the core has of a source."""
