@@ -46,8 +46,9 @@ public:
     // How many run-time errors the user has been told of.
     std::size_t ErrorsTold() const;
 
+    enum class After { kAnAction, kABlock };
     // Finite readings, levels, phases and positions inside their limits, texts that can be shown.
-    void Check();
+    void Check(After what);
 
     CallLog log;
     VirtualEventLoop loop;
@@ -82,7 +83,7 @@ public:
 private:
     void ShowDevices();
     void CheckReadings();
-    void CheckGenerator();
+    void CheckGenerator(After what);
     void CheckTexts();
     void CheckMixers();
     void CheckShown(const std::string& text, const char* what) const;

@@ -130,8 +130,9 @@ void Generator::MakeSine(ToneRecord& tone, std::size_t count) {
     const double increment = std::fmod(tone.PhaseIncrement, kTwoPi);
     for (std::size_t i = 0; i < count; ++i) {
         phase += increment;
-        // Twice after a square, which leaves its phase at three quarters of a turn.
-        while (phase > kPi) phase -= kTwoPi;
+        if (phase > kPi) phase -= kTwoPi;
+        // A square leaves its phase at three quarters of a turn.
+        if (phase > kPi) phase -= kTwoPi;
         // The last step of a downward sweep may end below 0 Hz.
         if (phase <= -kPi) phase += kTwoPi;
         angles_[i] = phase;
