@@ -4,13 +4,13 @@
 #include <sstream>
 
 #include "app/measure/MeasureError.h"
+#include "core/generator/SignalControls.h"
 #include "core/settings/SampleRates.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex::measure {
 namespace {
 
-constexpr double kLowestLevel = -9600.0;
 constexpr double kLongestRunSeconds = 1e6;
 constexpr const char* kSeeHelp = " (sonavex-measure --help explains the arguments).";
 
@@ -95,7 +95,7 @@ void AddRun(CLI::App& command, RunOptions& options) {
             "--level",
             [&](const std::string& text) {
                 options.levelHundredthsDb = WholeNumberOf(
-                    "--level", "-9600 to 0 hundredths of a dB, without fraction", {kLowestLevel, 0.0}, text);
+                    "--level", "-9600 to 0 hundredths of a dB, without fraction", {kLowestLevel, kHighestLevel}, text);
             },
             "Output level in hundredths of a dB, -9600 to 0")
         ->type_name("HUNDREDTHS_DB")
