@@ -61,10 +61,6 @@ void BenchTop::MakeForm() {
     form_->Frame.SetSize(980, 640);
     form_->OnUnloaded = [this](int) { ended_ = true; };
     form_->ShowDeviceDialog = [this] { ChooseDevices(); };
-    form_->Engine.OnNotified = [this, told = form_->Engine.OnNotified] {
-        ++notified_;
-        told();
-    };
 }
 
 void BenchTop::TakeAway() {

@@ -56,7 +56,6 @@ public:
 
     // Since the bench was set up.
     std::uint64_t Messages() const noexcept { return messages_; }
-    std::uint64_t Notified() const noexcept { return notified_; }
     std::uint64_t Starts() const noexcept { return starts_; }
     const std::string& LastMessage() const noexcept { return lastMessage_; }
 
@@ -101,7 +100,6 @@ private:
     int depth_ = 0;  // of dialogs within time that passes
     std::int32_t wantedRate_ = -1;
     std::uint64_t messages_ = 0;
-    std::uint64_t notified_ = 0;
     std::uint64_t starts_ = 0;
     std::string lastMessage_;
 };

@@ -13,7 +13,7 @@ namespace sonavex {
 
 // What the instrument's generator and stream must be after what a user did, written down a second time as
 // plainly as possible: flags, tone table, which controls can be used, and the places of the stream. Knows
-// nothing of the instrument's own classes but their data.
+// nothing of the instrument's own classes but their data, and reads what is typed with their conversions.
 class InstrumentModel {
 public:
     struct Entry {
@@ -51,7 +51,7 @@ public:
     std::int32_t state = 0, tones = 0;
     std::array<ToneRecord, 9> table{};
     // The stream.
-    std::int32_t playBlock = 0, primed = 0, segment = 0;
+    std::int32_t playBlock = 0, primed = 0;
     std::int32_t cursor = 0;  // block that the card plays next; 0 until it plays
     bool priming = true, audible = false;
     std::uint64_t playbackStarts = 0, overruns = 0;

@@ -75,8 +75,17 @@ Soak::Soak(std::uint64_t seed, double blocksPerEvent)
 
 void Soak::Require(bool condition, const std::string& what) const {
     if (condition) return;
-    throw std::runtime_error(what + " (seed " + std::to_string(seed_) + ", block " +
-                             std::to_string(report_.blocks) + ", after " + happenedLast_ + ")");
+    throw std::runtime_error(what + Place());
+}
+
+std::string Soak::Place() const {
+    return " (seed " + std::to_string(seed_) + ", block " + std::to_string(report_.blocks) + ", after " +
+           happenedLast_ + ")";
+}
+
+void Soak::Fail(const char* field, std::int32_t tone, double value) const {
+    throw std::runtime_error(std::string(field) + " of tone " + std::to_string(tone) + ": " +
+                             std::to_string(value) + Place());
 }
 
 void Soak::Run(std::uint64_t blocks, std::uint64_t checkEvery) {
@@ -96,7 +105,11 @@ void Soak::Run(std::uint64_t blocks, std::uint64_t checkEvery) {
 void Soak::Step() {
     report_.soundSeconds += std::chrono::duration<double>(bench_->BlockTime()).count();
     ++report_.blocks;
+    const std::uint64_t start = bench_->Starts();
+    const std::uint64_t before = bench_->Running() ? bench_->Form().Engine.Blocks : 0;
     bench_->Block();
+    if (bench_->Running() && bench_->Starts() == start && bench_->Form().Engine.Blocks > before)
+        CheckTones(After::kABlock);
     FollowCard();
 }
 
@@ -142,7 +155,7 @@ void Soak::Happen(Event event) {
     } else if (event == Event::kRateChange) {
         bench_->SelectRate(user_.Pick(static_cast<std::int32_t>(SampleRateTable.size())));
     } else if (event == Event::kProgramRestart) {
-        RestartProgram();
+        if (restarts_) RestartProgram();
     } else if (event == Event::kStoredValue) {
         StoreOddValue();
     } else {
@@ -204,25 +217,24 @@ void Soak::CheckState() {
             "PlayBlockIndex");
     Require(engine.CaptureSegment >= 0 && engine.CaptureSegment <= 3, "CaptureSegment");
     Require(engine.RestartCount >= 0 && engine.RestartCount < StreamEngine::kPrimingBlocks, "RestartCount");
-    CheckTones();
+    CheckTones(After::kAnEvent);
     CheckCounts();
 }
 
-void Soak::CheckTones() {
+void Soak::CheckTones(After what) {
     const Generator& generator = bench_->Form().Measurement.Tones;
     Require(generator.NumTones >= -1 && generator.NumTones <= kToneRecords, "NumTones");
     if (!generator.GeneratorRunning) return;
     for (std::int32_t i = 0; i < generator.NumTones; ++i) {
         const ToneRecord& tone = generator.Tones[static_cast<std::size_t>(i)];
-        Require(std::isfinite(tone.Frequency) && tone.Frequency > 0.0,
-                "Frequency of tone " + std::to_string(i));
-        Require(tone.SampleCount >= 0.0 && tone.SampleCount == std::floor(tone.SampleCount),
-                "SampleCount of tone " + std::to_string(i));
-        // A square's phase is a quarter or three quarters of a turn; until the next block a sine that was
-        // one has it too.
-        if (tone.WaveType == wave::kSine && std::abs(tone.Phase - 1.5 * kPi) > 1e-9)
-            Require(tone.Phase > -kPi - 1e-12 && tone.Phase <= kPi + 1e-12,
-                    "Phase of tone " + std::to_string(i) + ": " + std::to_string(tone.Phase));
+        if (!std::isfinite(tone.Frequency) || tone.Frequency <= 0.0) Fail("Frequency", i, tone.Frequency);
+        if (tone.SampleCount < 0.0 || tone.SampleCount != std::floor(tone.SampleCount))
+            Fail("SampleCount", i, tone.SampleCount);
+        // Of the other waves it is a value from 0 to 1, or a quarter or three quarters of a turn, which a
+        // square that becomes a sine keeps until the next block.
+        const bool wasASquare = what == After::kAnEvent && std::abs(tone.Phase - 1.5 * kPi) <= 1e-9;
+        if (tone.WaveType == wave::kSine && !wasASquare && (tone.Phase <= -kPi || tone.Phase > kPi))
+            Fail("Phase", i, tone.Phase);
     }
 }
 
@@ -247,6 +259,7 @@ void Soak::CheckCounts() {
             "frames and segments disagree");
     Require(engine.Blocks + engine.DroppedNotifications + counts.segmentsLost <= counts.segmentsCompleted,
             "more blocks than segments");
+    report_.mostFrames = std::max(report_.mostFrames, counts.framesCaptured);
     report_.overruns += engine.Overruns - seenOverruns_;
     report_.losses += bench_->Form().Watch.Losses() - seenLosses_;
     report_.segmentsLost += counts.segmentsLost - seenCapture_.segmentsLost;

@@ -43,13 +43,17 @@ public:
         std::uint64_t losses = 0;
         std::uint64_t overruns = 0;
         std::uint64_t segmentsLost = 0;
-        std::size_t warmBytes = 0;  // heap in use at the first check, and the most at any later one
+        std::uint64_t mostFrames = 0;  // captured from one start of the program to its end
+        std::size_t warmBytes = 0;     // heap in use at the first check, and the most at any later one
         std::size_t mostBytes = 0;
     };
     static const char* Name(Event event);
 
     // An event comes after so many blocks on average; 700 is every half minute at 48000 Hz.
     explicit Soak(std::uint64_t seed, double blocksPerEvent = 700.0);
+
+    // Without restarts of the program, so that its counts grow; it may still end by itself.
+    void LeaveRunning() noexcept { restarts_ = false; }
 
     // Runs so many blocks; `checkEvery`: blocks between the checks of readings, which come on top.
     void Run(std::uint64_t blocks, std::uint64_t checkEvery);
@@ -68,7 +72,9 @@ private:
     void StartUntilItRuns();
     void FollowCard();
     void CheckState();
-    void CheckTones();
+    enum class After { kAnEvent, kABlock };
+    void CheckTones(After what);
+    [[noreturn]] void Fail(const char* field, std::int32_t tone, double value) const;
     void CheckCounts();
     void CheckReadings();
     void PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz);
@@ -76,10 +82,12 @@ private:
     void CompareReadings();
     void CheckThatBlocksAreCounted();
     void CheckMemory();
+    std::string Place() const;
     void Require(bool condition, const std::string& what) const;
 
     const std::uint64_t seed_;
     const double eventProbability_;
+    bool restarts_ = true;
     RandomUser user_;
     std::unique_ptr<BenchTop> bench_ = std::make_unique<BenchTop>();
     Report report_;

@@ -21,9 +21,10 @@ void Print(const Soak::Report& report, double seconds) {
         std::cout << "  " << report.events[i] << ' ' << Soak::Name(static_cast<Soak::Event>(i)) << '\n';
     std::cout << "  " << report.programStarts << " program starts, " << report.messages << " messages, "
               << report.losses << " losses told, " << report.overruns << " overruns, " << report.segmentsLost
-              << " segments lost\n  " << report.checks << " checks of readings, largest errors "
-              << report.worstPercent << " points and " << report.worstDb << " dB\n  heap in use "
-              << report.warmBytes << " bytes at first, " << report.mostBytes << " at most\n"
+              << " segments lost\n  " << report.mostFrames << " frames captured by one start at most\n  "
+              << report.checks << " checks of readings, largest errors " << report.worstPercent
+              << " points and " << report.worstDb << " dB\n  heap in use " << report.warmBytes
+              << " bytes at first, " << report.mostBytes << " at most\n"
               << std::flush;
 }
 
@@ -39,6 +40,8 @@ int main(int argc, char** argv) {
     app.add_option("--check-every", checkEvery, "blocks between the checks of readings (20000)");
     double blocksPerEvent = 700.0;
     app.add_option("--blocks-per-event", blocksPerEvent, "on average (700)");
+    bool leaveRunning = false;
+    app.add_flag("--leave-running", leaveRunning, "no restarts of the program, so that its counts grow");
     CLI11_PARSE(app, argc, argv);
     std::cout << "seed " << seed << std::endl;
 
@@ -48,6 +51,7 @@ int main(int argc, char** argv) {
     };
     try {
         Soak soak(seed, blocksPerEvent);
+        if (leaveRunning) soak.LeaveRunning();
         double nextPrint = 60.0;
         soak.OnCheck = [&] {
             if (seconds() < nextPrint) return;
