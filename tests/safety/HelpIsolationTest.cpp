@@ -20,6 +20,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -86,6 +87,14 @@ protected:
 
     Account account_;
 };
+
+// Otherwise the next test would show nothing.
+TEST_F(HelpIsolation, SeesWhatIsOpened) {
+    const Watch watch(Traps());
+    EXPECT_THAT(watch.Opened(), IsEmpty());
+    FileText(Trap("trap.css"));
+    EXPECT_THAT(watch.Opened(), ElementsAre("trap.css"));
+}
 
 TEST_P(HelpIsolation, OpensAsksForAndStartsNothing) {
     const std::string traps = Traps().string() + "/";

@@ -14,6 +14,7 @@
 #include "safety/Files.h"
 #include "safety/Session.h"
 #include "safety/Trace.h"
+#include "support/PulseServer.h"
 
 namespace sonavex {
 namespace {
@@ -21,6 +22,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::AllOf;
 using testing::AnyOf;
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -80,6 +82,11 @@ protected:
         confinement.noInternet = true;
         return confinement;
     }
+    static mode_t ModeOf(const fs::path& path) {
+        struct stat status = {};
+        EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+        return status.st_mode & 07777;
+    }
     fs::path Input() const { return account_.Home() / "recording.wav"; }
     Arguments MeasureAFile(const fs::path& output) const {
         WriteRecording(Input(), {32000, 2}, Sine(1000.0, 32000, 0.5));
@@ -115,6 +122,36 @@ TEST_F(LeastPrivilege, TheHeadlessMeterNeedsNoInternet) {
     Run(Confined(WithoutInternet(), MeasureAFile(account_.Documents() / "output.wav")));
 }
 
+// The program itself, with a mask that forbids nothing: it measures, and ends when it is asked to.
+TEST_F(LeastPrivilege, TheProgramOnASoundServerNeedsNoInternet) {
+    fs::remove_all(account_.Config());
+    const PulseServer server({{"card", 48000, "Test-Card"}});
+    Confinement confinement = WithoutInternet();
+    confinement.mask = 0000;
+    ChildProcess program(Confined(confinement, {SONAVEX_PROGRAM}),
+                         Variables({{"PULSE_SERVER", server.Address()}, {"SONAVEX_SOUND", ""}}),
+                         account_.Output());
+    ASSERT_TRUE(Until([&] {
+        return !server.Control({"list", "short", "source-outputs"}).empty();
+    })) << FileText(account_.Output());
+    EXPECT_EQ(ModeOf(account_.Runtime() / "sonavex.lock"), 0600U);
+    program.Send(SIGTERM);
+    ASSERT_TRUE(program.WaitForEnd(60s));
+    EXPECT_EQ(program.Status(), 0) << FileText(account_.Output());
+    EXPECT_EQ(ModeOf(account_.SettingsFolder()), 0700U);
+    EXPECT_EQ(ModeOf(account_.SettingsFile()), 0600U);
+}
+
+// Otherwise the traces of the next test would show nothing.
+TEST_F(LeastPrivilege, ATraceShowsACallToTheInternet) {
+    ChildProcess process(Trace::Of({"bash", "-c", "exec 3<>/dev/tcp/127.0.0.1/9"}, "%network", TraceFile()),
+                         Variables(), account_.Output());
+    ASSERT_TRUE(process.WaitForEnd(20s));
+    const Trace shell(TraceFile());
+    EXPECT_THAT(shell.Calls("socket"), Contains(HasSubstr("(AF_INET, ")));
+    EXPECT_THAT(shell.Calls("connect"), Contains(HasSubstr("sa_family=AF_INET")));
+}
+
 TEST_F(LeastPrivilege, OnlyLocalSocketsAreAskedFor) {
     Run(Trace::Of(Session({"measure", "help", "settings"}), "%network", TraceFile()));
     const Trace window(TraceFile());
@@ -147,11 +184,6 @@ TEST_F(LeastPrivilege, ProgramsAreStartedWithoutAShell) {
 
 class Rights : public LeastPrivilege, public testing::WithParamInterface<mode_t> {
 protected:
-    static mode_t Of(const fs::path& path) {
-        struct stat status = {};
-        EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
-        return status.st_mode & 07777;
-    }
     // Of a document: what the mask leaves, and never for everybody to write.
     static mode_t Document() { return 0666 & ~GetParam() & ~mode_t{S_IWOTH}; }
     Arguments WithMask(const Arguments& command) const {
@@ -169,23 +201,23 @@ TEST_P(Rights, OfWhatTheProgramsCreate) {
         ChildProcess process(WithMask(Session({"measure", "file=" + report.string()})), Variables(),
                              account_.Output());
         ASSERT_TRUE(Until([&] { return fs::exists(account_.Journal()); })) << FileText(account_.Output());
-        EXPECT_EQ(Of(account_.Journal()), 0600U);
-        EXPECT_EQ(Of(account_.Runtime() / "sonavex.lock"), 0600U);
+        EXPECT_EQ(ModeOf(account_.Journal()), 0600U);
+        EXPECT_EQ(ModeOf(account_.Runtime() / "sonavex.lock"), 0600U);
         ASSERT_TRUE(process.WaitForEnd(60s));
         EXPECT_EQ(process.Status(), 0) << FileText(account_.Output());
     }
-    EXPECT_EQ(Of(account_.Config()), 0700U);
-    EXPECT_EQ(Of(account_.SettingsFolder()), 0700U);
-    EXPECT_EQ(Of(account_.SettingsFile()), 0600U);
-    EXPECT_EQ(Of(report), Document());
+    EXPECT_EQ(ModeOf(account_.Config()), 0700U);
+    EXPECT_EQ(ModeOf(account_.SettingsFolder()), 0700U);
+    EXPECT_EQ(ModeOf(account_.SettingsFile()), 0600U);
+    EXPECT_EQ(ModeOf(report), Document());
     Run(WithMask(MeasureAFile(account_.Documents() / "output.wav")));
-    EXPECT_EQ(Of(account_.Documents() / "output.wav"), Document());
+    EXPECT_EQ(ModeOf(account_.Documents() / "output.wav"), Document());
     WriteFile(account_.SettingsFile(), "[SoundCard]\nOutput=gone\n");
     ChildProcess failing(WithMask(Session({})), Variables(), account_.Output());
     ASSERT_TRUE(failing.WaitForEnd(60s));
-    EXPECT_EQ(Of(account_.Desktop() / "Quenby Error.txt"), Document());
+    EXPECT_EQ(ModeOf(account_.Desktop() / "Quenby Error.txt"), Document());
     for (const auto& entry : fs::recursive_directory_iterator(account_.Home())) {
-        EXPECT_EQ(Of(entry.path()) & (S_IWOTH | S_ISUID | S_ISGID), 0U) << entry.path();
+        EXPECT_EQ(ModeOf(entry.path()) & (S_IWOTH | S_ISUID | S_ISGID), 0U) << entry.path();
     }
     EXPECT_THAT(NamesIn(account_.Runtime()), ElementsAre("sonavex.lock"));
     EXPECT_THAT(NamesIn(Temporary()), IsEmpty());

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "safety/Files.h"
@@ -28,16 +30,15 @@ public:
         for (std::string line; std::getline(lines, line);) {
             // The process's number and blanks come first.
             const std::size_t begin = line.find_first_not_of(" 0123456789");
-            if (begin != std::string::npos) calls_.push_back(line.substr(begin));
+            if (begin != std::string::npos) Add(line.substr(0, begin), line.substr(begin));
         }
     }
 
     // The calls of this name, as they were written.
     std::vector<std::string> Calls(const std::string& name) const {
         std::vector<std::string> found;
-        std::copy_if(calls_.begin(), calls_.end(), std::back_inserter(found), [&](const std::string& call) {
-            return call.starts_with(name + "(") || call.starts_with("<... " + name + " resumed");
-        });
+        std::copy_if(calls_.begin(), calls_.end(), std::back_inserter(found),
+                     [&](const std::string& call) { return call.starts_with(name + "("); });
         return found;
     }
     // The programs that were started, without those that were looked for and not found.
@@ -54,7 +55,21 @@ public:
     }
 
 private:
+    // A call during which others were written comes in two pieces.
+    void Add(const std::string& process, const std::string& call) {
+        static constexpr std::string_view kUnfinished = " <unfinished ...>";
+        static constexpr std::string_view kResumed = " resumed>";
+        const std::size_t resumed = call.starts_with("<... ") ? call.find(kResumed) : std::string::npos;
+        if (call.ends_with(kUnfinished))
+            begun_[process] = call.substr(0, call.size() - kUnfinished.size());
+        else if (resumed != std::string::npos)
+            calls_.push_back(begun_[process] + call.substr(resumed + kResumed.size()));
+        else
+            calls_.push_back(call);
+    }
+
     std::vector<std::string> calls_;
+    std::map<std::string, std::string> begun_;
 };
 
 }  // namespace sonavex
