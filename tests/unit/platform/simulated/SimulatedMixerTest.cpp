@@ -10,7 +10,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::uint32_t kRateHz = 48000;
+constexpr std::uint32_t kMixerRateHz = 48000;
 constexpr std::size_t kFrames = 4096;
 
 // A sine through the stepped card with its mixer: levels of what is captured.
@@ -20,9 +20,9 @@ public:
         playbackDevice_ = system_.CreatePlaybackDevice("");
         captureDevice_ = system_.CreateCaptureDevice("");
         playback_ = playbackDevice_->CreateBuffer({buffer_flag::kVolumePositionFocus, 65536,
-                                                   WaveFormat::Stereo16(static_cast<std::int32_t>(kRateHz))});
+                                                   WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
         capture_ = captureDevice_->CreateBuffer(
-            {0, 32768, WaveFormat::Stereo16(static_cast<std::int32_t>(kRateHz))});
+            {0, 32768, WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
     }
 
     // Captured peak of each channel for such a sine with a peak of 4000, after it has settled.
@@ -31,7 +31,7 @@ public:
         for (std::size_t i = 0; i < played.size(); ++i)
             played[i] = static_cast<std::int16_t>(
                 std::lround(4000.0 * std::sin(2.0 * std::numbers::pi * frequencyHz *
-                                              static_cast<double>(i / 2) / kRateHz)));
+                                              static_cast<double>(i / 2) / kMixerRateHz)));
         playback_->WriteBuffer(0, played);
         playback_->SetCurrentPosition(0);
         playback_->PlayLooping();
