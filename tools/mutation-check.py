@@ -313,6 +313,9 @@ def report(results, known):
     judged = total[KILLED] + total[SURVIVED]
     rate = total[SURVIVED] / judged if judged else 0.0
     print(f"\n{total[SURVIVED]} of {judged} survived ({100 * rate:.1f} %), {len(unexplained)} of them not explained")
+    late = sum(by == "time limit" for _, by in results.values())
+    if late:
+        print(f"{late} of the others took longer than their time limit")
     stale = [mutant for mutant, (status, _) in results.items() if status != SURVIVED and mutant.key in known]
     for mutant in stale:
         print(f"Explained, but it does not survive: {mutant.path}:{mutant.line}: {mutant.new_line}")
