@@ -114,6 +114,7 @@ TEST(FirBandpass, RefusesWhatItCannotDesign) {
         return ErrorOf([&] { return nspdFirBandpass(low, high, taps, length, window, 1), 0; });
     };
     EXPECT_EQ(errorOf(0.1, 0.2, 31, kBlackman), 0);
+    EXPECT_EQ(errorOf(0.1, 0.2, 31, 2), 0) << "the window's number";
     EXPECT_EQ(errorOf(0.1, 0.2, 32, kBlackman), 9);
     EXPECT_EQ(errorOf(0.1, 0.2, 31, 0), 5);
     EXPECT_EQ(errorOf(0.1, 0.2, 31, 3), 5);
