@@ -145,6 +145,7 @@ void Soak::HappenSomething() {
 }
 
 void Soak::Happen(Event event) {
+    if (event == Event::kProgramRestart && !restarts_) return;
     ++report_.events[static_cast<std::size_t>(event)];
     happenedLast_ = Name(event);
     if (!bench_->Running()) return;
@@ -155,7 +156,7 @@ void Soak::Happen(Event event) {
     } else if (event == Event::kRateChange) {
         bench_->SelectRate(user_.Pick(static_cast<std::int32_t>(SampleRateTable.size())));
     } else if (event == Event::kProgramRestart) {
-        if (restarts_) RestartProgram();
+        RestartProgram();
     } else if (event == Event::kStoredValue) {
         StoreOddValue();
     } else {
