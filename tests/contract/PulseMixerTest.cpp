@@ -4,8 +4,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
 #include <numbers>
+#include <string>
+#include <thread>
 #include <utility>
 
 #include "contract/MixerControlContract.h"
@@ -37,16 +40,30 @@ public:
         return {MixerFunction::kMasterVolume, MixerFunction::kMasterMute, MixerFunction::kLineRecord};
     }
     static std::vector<std::int32_t> OddValues() { return {20123, 40111}; }
+    // Returns when the server has it: PipeWire answers before.
     void ChangeOutside(MixerFunction function, const std::vector<std::int32_t>& values) {
         ASSERT_EQ(function, MixerFunction::kMasterVolume);
-        server_.Control(
-            {"set-sink-volume", kSinkName, std::to_string(values.at(0)), std::to_string(values.at(1))});
+        const std::string first = std::to_string(values.at(0));
+        const std::string second = std::to_string(values.at(1));
+        server_.Control({"set-sink-volume", kSinkName, first, second});
+        const auto end = std::chrono::steady_clock::now() + 5s;
+        while (!Has(": " + first + " /", ": " + second + " /")) {
+            ASSERT_LT(std::chrono::steady_clock::now(), end) << Volume();
+            std::this_thread::sleep_for(5ms);
+        }
     }
     void TakeAway() { server_.Kill(); }
 
     Server& TheServer() { return server_; }
 
 private:
+    std::string Volume() { return server_.Control({"get-sink-volume", kSinkName}); }
+    bool Has(const std::string& first, const std::string& second) {
+        const std::string volume = Volume();
+        const std::size_t at = volume.find(first);
+        return at != std::string::npos && volume.find(second, at + 1) != std::string::npos;
+    }
+
     Server server_{{{kSinkName, 48000, kDescription}}};
 };
 using PulseMixerPlatform = ServerMixerPlatform<PulseServer>;
