@@ -94,8 +94,9 @@ void AddRun(CLI::App& command, RunOptions& options) {
         .add_option_function<std::string>(
             "--level",
             [&](const std::string& text) {
-                options.levelHundredthsDb = WholeNumberOf(
-                    "--level", "-9600 to 0 hundredths of a dB, without fraction", {kLowestLevel, kHighestLevel}, text);
+                options.levelHundredthsDb =
+                    WholeNumberOf("--level", "-9600 to 0 hundredths of a dB, without fraction",
+                                  {kLowestLevel, kHighestLevel}, text);
             },
             "Output level in hundredths of a dB, -9600 to 0")
         ->type_name("HUNDREDTHS_DB")

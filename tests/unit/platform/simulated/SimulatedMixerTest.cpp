@@ -19,8 +19,9 @@ public:
     MixerLoop() {
         playbackDevice_ = system_.CreatePlaybackDevice("");
         captureDevice_ = system_.CreateCaptureDevice("");
-        playback_ = playbackDevice_->CreateBuffer({buffer_flag::kVolumePositionFocus, 65536,
-                                                   WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
+        playback_ =
+            playbackDevice_->CreateBuffer({buffer_flag::kVolumePositionFocus, 65536,
+                                           WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
         capture_ = captureDevice_->CreateBuffer(
             {0, 32768, WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
     }
