@@ -3,7 +3,7 @@
 # time, and defines build_preset.
 
 # Half of the tests mostly wait; tests/CMakeLists.txt says how much of a processor each one takes.
-export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$((2 * $(nproc) + 1))}"
+export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$((2 * $(nproc)))}"
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
