@@ -17,5 +17,16 @@ TEST(Soak, HoursOfUseAndFaultsLeaveTheReadingsRight) {
     EXPECT_GT(report.segmentsLost, 0U);
 }
 
+TEST(Soak, LeavesTheProgramRunningWhereThatIsWanted) {
+    Soak soak(20261, 100.0);
+    soak.LeaveRunning();
+    ASSERT_NO_THROW(soak.Run(6'000, 3'000));
+    const Soak::Report& report = soak.Result();
+    EXPECT_EQ(report.events[static_cast<std::size_t>(Soak::Event::kProgramRestart)], 0U);
+    EXPECT_GT(report.events[static_cast<std::size_t>(Soak::Event::kUserAction)], 0U);
+    EXPECT_GT(report.mostFrames, 0U);
+    EXPECT_LE(report.mostFrames, report.blocks * 2048);
+}
+
 }  // namespace
 }  // namespace sonavex

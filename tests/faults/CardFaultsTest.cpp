@@ -62,6 +62,7 @@ TEST_F(CardFaults, HeldByAnotherProgramAtTheStart) {
         ASSERT_TRUE(Within(kLimit, [&] { return cards.InUse("card", LoopCards::Direction::kCapture); }));
     };
     onSelection = [&](QDialog&) { recorder.reset(); };
+    afterRun = hold;
     hold();
     Twice([&] {
         ASSERT_EQ(User().Errors.size(), 1U);
@@ -71,7 +72,6 @@ TEST_F(CardFaults, HeldByAnotherProgramAtTheStart) {
         EXPECT_EQ(User().Selections, 1);
         ExpectMeasuring();
         ExpectLoop();
-        hold();
     });
 }
 

@@ -104,6 +104,7 @@ protected:
         program_.reset();
         EXPECT_THAT(attendant_->Messages, testing::IsEmpty());
         attendant_.reset();
+        if (afterRun) afterRun();
     }
 
     frmMain& Form() {
@@ -166,8 +167,9 @@ protected:
         EXPECT_EQ(Form().Watch.Losses(), 1U);
     }
 
-    // Of all runs to come.
+    // Of all runs to come. `afterRun`: when the program is gone.
     std::function<void(QDialog&)> onSelection;
+    std::function<void()> afterRun;
 
     QLabel& Note() {
         return *program_->Window().findChild<QLabel*>(QStringLiteral("streamNote"));
