@@ -42,15 +42,44 @@ if(SONAVEX_COVERAGE)
   target_link_options(sonavex_defaults INTERFACE --coverage)
 endif()
 
-# Compiles several sources of each target that follows as one.
-macro(sonavex_join_sources)
-  set(CMAKE_UNITY_BUILD ON)
-  # Sources are no headers: a type may have members of its source's unnamed namespace.
+if(SONAVEX_JOIN_PRODUCT)
+  # Joined sources are no headers: a type may have members of its source's unnamed namespace.
   add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
-endmacro()
-if(CMAKE_UNITY_BUILD)
-  sonavex_join_sources()
 endif()
+
+# sonavex_joined_sources(RESULT NAME SOURCE...): the sources of target NAME; with SONAVEX_JOIN_PRODUCT eight are
+# compiled as one, but for those with options of their own. Unlike the unity builds of CMake this names them by
+# their path from the joined source: sanitizers write names of sources into the programs, and an installed
+# program must not tell where it was built.
+function(sonavex_joined_sources result name)
+  set(${result} ${ARGN} PARENT_SCOPE)
+  if(NOT SONAVEX_JOIN_PRODUCT)
+    return()
+  endif()
+  set(sources ${ARGN})
+  list(FILTER sources INCLUDE REGEX "\\.cpp$")
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/joined)
+  set(batch 0)
+  set(count 0)
+  foreach(source IN LISTS sources)
+    get_source_file_property(options ${source} COMPILE_OPTIONS)
+    if(options)
+      continue()
+    endif()
+    set_source_files_properties(${source} PROPERTIES HEADER_FILE_ONLY TRUE)
+    math(EXPR batch "${count} / 8")
+    math(EXPR count "${count} + 1")
+    cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+    cmake_path(RELATIVE_PATH source BASE_DIRECTORY ${folder})
+    string(APPEND text_${batch} "#include \"${source}\"\n")
+  endforeach()
+  set(joined "")
+  foreach(number RANGE ${batch})
+    file(CONFIGURE OUTPUT ${folder}/${name}-${number}.cpp CONTENT "${text_${number}}" @ONLY)
+    list(APPEND joined ${folder}/${name}-${number}.cpp)
+  endforeach()
+  set(${result} ${ARGN} ${joined} PARENT_SCOPE)
+endfunction()
 
 # What most sources around the toolkit read, compiled once in a target: half of their time goes into it.
 set(SONAVEX_TOOLKIT_HEADERS
@@ -60,6 +89,7 @@ set(SONAVEX_TOOLKIT_HEADERS
 
 function(sonavex_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  sonavex_joined_sources(ARG_SOURCES ${name} ${ARG_SOURCES})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC sonavex_defaults ${ARG_LINKS})
 endfunction()

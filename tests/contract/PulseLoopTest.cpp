@@ -28,6 +28,7 @@ std::string SinkOfRate(std::int32_t rateHz) {
 struct Passage {
     LoopComparison comparison;
     std::uint64_t missing = 0;
+    std::uint64_t underruns = 0;
     std::string notes;
     bool Exact() const {
         return comparison.comparedFrames >= 16384 && comparison.differentFrames == 0 && missing == 0;
@@ -50,7 +51,7 @@ Passage Pass(const std::string& address, const std::string& sink, std::int32_t r
     // Eleven segments: more than once round the playback buffer, whatever the delay.
     EXPECT_TRUE(loop.RunUntil([&] { return recorder.Order().size() >= 11; }, 10s)) << rateHz;
     return {CompareLoop(recorder.Samples(), pattern, 0), capture->Statistics().framesMissing,
-            capture->PathNote() + playback->PathNote()};
+            playback->Underruns(), capture->PathNote() + playback->PathNote()};
 }
 
 // All samples are the same, or the buffers say why not. True when they are. A machine that is too busy
@@ -75,6 +76,7 @@ void ExpectBitExactLoop(const std::string& address, const std::string& sink, std
     EXPECT_GE(passage.comparison.comparedFrames, 16384U) << rateHz;
     EXPECT_EQ(passage.comparison.differentFrames, 0U) << rateHz;
     EXPECT_EQ(passage.missing, 0U) << rateHz;
+    EXPECT_EQ(passage.underruns, 0U) << rateHz;
 }
 
 TEST(PulseLoop, IsBitExactAtTheRateOfTheSink) {
