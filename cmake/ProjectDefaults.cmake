@@ -81,7 +81,7 @@ function(sonavex_joined_sources result name)
   set(${result} ${ARGN} ${joined} PARENT_SCOPE)
 endfunction()
 
-# What most sources around the toolkit read, compiled once in a target: half of their time goes into it.
+# What most sources around the toolkit read, compiled once: half of their time goes into it.
 set(SONAVEX_TOOLKIT_HEADERS
   <QApplication> <QComboBox> <QDialog> <QEvent> <QLabel> <QLayout> <QLineEdit> <QListWidget> <QMainWindow>
   <QPainter> <QPushButton> <QScreen> <QSlider> <QStyle> <QTimer>

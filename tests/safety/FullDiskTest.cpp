@@ -3,11 +3,14 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <chrono>
+#include <iostream>
 
 #include "cli/Recordings.h"
 #include "safety/Account.h"
 #include "safety/Confined.h"
+#include "safety/DiskWithRoom.h"
 #include "safety/Files.h"
 #include "safety/Session.h"
 #include "support/ChildProcess.h"
@@ -22,6 +25,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 namespace fs = std::filesystem;
 
 // How a program ended, and what it printed.
@@ -33,8 +37,30 @@ struct Ending {
 constexpr unsigned long kLittle = 3000;  // bytes
 constexpr const char* kOldError = "Quenby Error.txt";
 
-std::string NameOfDisk(const testing::TestParamInfo<bool>& full) {
-    return full.param ? "Full" : "ReadOnly";
+// kLimited: no file may grow beyond kLittle, which is said differently. kFull: the user's folder is on a disk
+// of its own without a free block.
+enum class Disk { kReadOnly, kLimited, kFull };
+
+std::string NameOfDisk(const testing::TestParamInfo<Disk>& disk) {
+    constexpr std::array kNames{"ReadOnly", "Limited", "Full"};
+    return kNames[static_cast<std::size_t>(disk.param)];
+}
+
+std::string Refusal(Disk disk) {
+    constexpr std::array kTexts{"Permission denied", "File too large", "No space left on device"};
+    return kTexts[static_cast<std::size_t>(disk)];
+}
+
+// A full disk where one can be mounted.
+std::vector<Disk> With(std::vector<Disk> disks) {
+    if (DisksCanBeMounted())
+        disks.push_back(Disk::kFull);
+    else
+        std::cerr << "No disk can be mounted here: full ones are not tried.\n";
+    return disks;
+}
+std::vector<Disk> AllDisks() {
+    return With({Disk::kReadOnly, Disk::kLimited});
 }
 
 class NoRoom : public testing::Test {
@@ -57,12 +83,14 @@ protected:
         fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
     }
 
-    // In little room when `full`; a folder's rights count in any case.
-    Ending Run(bool full, const Arguments& command) {
+    // A folder's rights count in any case.
+    Ending Run(Disk disk, const Arguments& command) {
         Confinement confinement;
-        if (full) confinement.fileBytes = kLittle;
+        if (disk == Disk::kLimited) confinement.fileBytes = kLittle;
+        const Arguments confined = Confined(confinement, command);
         fs::remove(account_.Output());
-        ChildProcess process(Confined(confinement, command), account_.Variables(), account_.Output());
+        ChildProcess process(disk == Disk::kFull ? OnDiskWithRoom(account_.Home(), 0, confined) : confined,
+                             account_.Variables(), account_.Output());
         EXPECT_TRUE(process.WaitForEnd(60s)) << FileText(account_.Output());
         return {process.Status(), FileText(account_.Output())};
     }
@@ -72,16 +100,16 @@ protected:
 };
 
 // The program goes on and ends in order, the old settings stay.
-class NoRoomForSettings : public NoRoom, public testing::WithParamInterface<bool> {};
+class NoRoomForSettings : public NoRoom, public testing::WithParamInterface<Disk> {};
 
 TEST_P(NoRoomForSettings, IsSaidOnceAndKeepsTheOldOnes) {
-    const bool full = GetParam();
-    if (!full) MakeReadOnly(account_.SettingsFolder());
-    const Ending ending = Run(full, Session({"measure", "settings"}));
+    const Disk disk = GetParam();
+    if (disk == Disk::kReadOnly) MakeReadOnly(account_.SettingsFolder());
+    const Ending ending = Run(disk, Session({"measure", "settings"}));
     EXPECT_EQ(ending.status, 0) << ending.output;
     const std::string message = "message: The settings cannot be stored in " +
                                 account_.SettingsFile().string() + ": " +
-                                (full ? "the file cannot be written" : "Permission denied") +
+                                (disk == Disk::kLimited ? "the file cannot be written" : Refusal(disk)) +
                                 ". Changes stay in effect until the program ends.\n";
     EXPECT_THAT(ending.output, HasSubstr(message));
     EXPECT_EQ(ending.output.find("message:"), ending.output.rfind("message:")) << ending.output;
@@ -90,22 +118,21 @@ TEST_P(NoRoomForSettings, IsSaidOnceAndKeepsTheOldOnes) {
     EXPECT_THAT(NamesIn(account_.SettingsFolder()), ElementsAre("Sonavex.ini"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForSettings, testing::Bool(), NameOfDisk);
+INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForSettings, testing::ValuesIn(AllDisks()), NameOfDisk);
 
-class NoRoomForReports : public NoRoom, public testing::WithParamInterface<bool> {};
+class NoRoomForReports : public NoRoom, public testing::WithParamInterface<Disk> {};
 
 TEST_P(NoRoomForReports, IsSaidAndKeepsTheOldOne) {
-    const bool full = GetParam();
+    const Disk disk = GetParam();
     for (const char* const old : {"old", ""}) {
         if (*old != '\0') WriteFile(Report(), old);
-        if (!full) MakeReadOnly(account_.Documents());
-        const Ending ending = Run(full, Session({"file=" + Report().string()}));
+        if (disk == Disk::kReadOnly) MakeReadOnly(account_.Documents());
+        const Ending ending = Run(disk, Session({"file=" + Report().string()}));
         fs::permissions(account_.Documents(), fs::perms::owner_all);
         EXPECT_EQ(ending.status, 0) << ending.output;
         // Whether an old report is to be replaced was asked before.
-        EXPECT_THAT(ending.output,
-                    HasSubstr("message: The report could not be printed.  " + Report().string() + ": " +
-                              (full ? "File too large" : "Permission denied") + "\n"));
+        EXPECT_THAT(ending.output, HasSubstr("message: The report could not be printed.  " +
+                                             Report().string() + ": " + Refusal(disk) + "\n"));
         EXPECT_THAT(ending.output, AllOf(EndsWith("done\n"), Not(HasSubstr("unexpected"))));
         if (*old != '\0') {
             EXPECT_EQ(FileText(Report()), old);
@@ -117,28 +144,33 @@ TEST_P(NoRoomForReports, IsSaidAndKeepsTheOldOne) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForReports, testing::Bool(), NameOfDisk);
+INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForReports, testing::ValuesIn(AllDisks()), NameOfDisk);
 
-class NoRoomForTheErrorLog : public NoRoom, public testing::WithParamInterface<bool> {};
+class NoRoomForTheErrorLog : public NoRoom, public testing::WithParamInterface<Disk> {};
 
 TEST_P(NoRoomForTheErrorLog, IsSaidInTheErrorItself) {
-    const bool full = GetParam();
+    const Disk disk = GetParam();
     WriteSettings("[SoundCard]\nOutput=gone\n");
     const fs::path log = account_.Desktop() / kOldError;
     const std::string old(4000, 'o');
     WriteFile(log, old);
-    if (!full) fs::permissions(log, fs::perms::owner_read);
-    const Ending ending = Run(full, Session({}));
+    if (disk == Disk::kReadOnly) fs::permissions(log, fs::perms::owner_read);
+    const Ending ending = Run(disk, Session({}));
     EXPECT_EQ(ending.status, 1) << ending.output;
     EXPECT_THAT(ending.output, HasSubstr("The file 'Quenby Error.txt' cannot be written on your desktop:"));
-    EXPECT_THAT(ending.output, HasSubstr(full ? "File too large" : "Permission denied"));
+    EXPECT_THAT(ending.output, HasSubstr(Refusal(disk)));
     EXPECT_THAT(ending.output, AllOf(EndsWith("done\n"), Not(HasSubstr("unexpected"))));
-    EXPECT_EQ(FileText(log), old);
+    if (disk == Disk::kFull) {
+        // The last block of the old text has some room.
+        EXPECT_THAT(FileText(log), StartsWith(old));
+    } else {
+        EXPECT_EQ(FileText(log), old);
+    }
     EXPECT_THAT(FileText(account_.SettingsFile()),
                 AllOf(HasSubstr(std::string(5000, 'n')), HasSubstr("Output=gone\n")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForTheErrorLog, testing::Bool(), NameOfDisk);
+INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForTheErrorLog, testing::ValuesIn(AllDisks()), NameOfDisk);
 
 class NoRoomForOutput : public NoRoom {
 protected:
@@ -146,26 +178,17 @@ protected:
     fs::path Input() const { return account_.Home() / "recording.wav"; }
     fs::path Output() const { return account_.Documents() / "output.wav"; }
 
-    void ExpectRefusal(bool full, const std::string& why) {
-        const Ending ending = Run(full, {SONAVEX_MEASURE, "file", Input(), "--write", Output()});
+    void ExpectRefusal(Disk disk, const std::string& why) {
+        const Ending ending = Run(disk, {SONAVEX_MEASURE, "file", Input(), "--write", Output()});
         EXPECT_EQ(ending.status, 1);
         EXPECT_EQ(ending.output, "sonavex-measure: The output file '" + Output().string() +
                                      "' cannot be written: " + why + "\n");
     }
+    static constexpr unsigned long kAll = 44 + 37 * 2048 * 4;  // bytes of a complete file
 };
-
-TEST_F(NoRoomForOutput, OnAFullDiskKeepsTheOldFile) {
-    ExpectRefusal(true, "File too large.");
-    EXPECT_THAT(NamesIn(account_.Documents()), IsEmpty());
-    WriteFile(Output(), "old");
-    ExpectRefusal(true, "File too large.");
-    EXPECT_EQ(FileText(Output()), "old");
-    EXPECT_THAT(NamesIn(account_.Documents()), ElementsAre("output.wav"));
-}
 
 // With every amount of room less than all of it.
 TEST_F(NoRoomForOutput, IsCompleteOrNotThere) {
-    constexpr unsigned long kAll = 44 + 37 * 2048 * 4;
     for (const unsigned long room :
          {1UL, 43UL, 44UL, 45UL, 8192UL + 44UL, kAll / 2, kAll - 8192UL, kAll - 1UL, kAll}) {
         Confinement confinement;
@@ -183,21 +206,55 @@ TEST_F(NoRoomForOutput, IsCompleteOrNotThere) {
 
 TEST_F(NoRoomForOutput, InAFolderOrAFileThatCannotBeWrittenIsRefused) {
     MakeReadOnly(account_.Documents());
-    ExpectRefusal(false, "Permission denied");
+    ExpectRefusal(Disk::kReadOnly, "Permission denied");
     fs::permissions(account_.Documents(), fs::perms::owner_all);
     EXPECT_THAT(NamesIn(account_.Documents()), IsEmpty());
     WriteFile(Output(), "old");
     fs::permissions(Output(), fs::perms::owner_read);
-    ExpectRefusal(false, "Permission denied");
+    ExpectRefusal(Disk::kReadOnly, "Permission denied");
     EXPECT_EQ(FileText(Output()), "old");
 }
+
+class NoRoomForOutputOnDisk : public NoRoomForOutput, public testing::WithParamInterface<Disk> {};
+
+TEST_P(NoRoomForOutputOnDisk, KeepsTheOldFile) {
+    const Disk disk = GetParam();
+    ExpectRefusal(disk, Refusal(disk) + ".");
+    EXPECT_THAT(NamesIn(account_.Documents()), IsEmpty());
+    WriteFile(Output(), "old");
+    ExpectRefusal(disk, Refusal(disk) + ".");
+    EXPECT_EQ(FileText(Output()), "old");
+    EXPECT_THAT(NamesIn(account_.Documents()), ElementsAre("output.wav"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForOutputOnDisk, testing::ValuesIn(With({Disk::kLimited})), NameOfDisk);
+
+// Blocks of a disk that are free while a file is written that needs them all.
+class AlmostFullDisk : public NoRoomForOutput, public testing::WithParamInterface<Disk> {};
+
+TEST_P(AlmostFullDisk, HoldsTheCompleteFileOrNone) {
+    constexpr std::uint32_t kBlocks = (kAll + 4095) / 4096;
+    for (const std::uint32_t room : {1U, 2U, kBlocks / 2, kBlocks - 1, kBlocks}) {
+        const Arguments command{SONAVEX_MEASURE, "file", Input(), "--write", Output()};
+        ChildProcess process(OnDiskWithRoom(account_.Home(), room, command), account_.Variables(),
+                             account_.Output());
+        ASSERT_TRUE(process.WaitForEnd(60s));
+        EXPECT_EQ(process.Status(), room == kBlocks ? 0 : 1) << room;
+        EXPECT_EQ(fs::exists(Output()), room == kBlocks) << room;
+    }
+    EXPECT_EQ(fs::file_size(Output()), kAll);
+    EXPECT_THAT(NamesIn(account_.Documents()), ElementsAre("output.wav"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Disk, AlmostFullDisk, testing::ValuesIn(With({})), NameOfDisk);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(AlmostFullDisk);
 
 // The journal is no reason to keep the instrument from running.
 TEST_F(NoRoom, ForTheJournalDoesNotKeepTheProgramFromRunning) {
     WriteFile(account_.SettingsFile(), "");
     fs::create_directory(account_.Journal());
     fs::create_directory(account_.Journal().string() + ".new");
-    const Ending ending = Run(false, Session({"measure"}));
+    const Ending ending = Run(Disk::kReadOnly, Session({"measure"}));
     EXPECT_EQ(ending.status, 0) << ending.output;
     EXPECT_THAT(ending.output, AllOf(EndsWith("done\n"), Not(HasSubstr("message"))));
 }

@@ -1,5 +1,6 @@
 #include "platform/chm/ChmStructure.h"
 
+#include <array>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -29,13 +30,22 @@ void Require(bool good) {
     if (!good) Refuse();
 }
 
+// What the checksum's polynomial makes of every byte.
+constexpr std::array<std::uint32_t, 256> kRemainders = [] {
+    std::array<std::uint32_t, 256> remainders{};
+    for (std::uint32_t byte = 0; byte < 256; ++byte) {
+        std::uint32_t sum = byte << 24U;
+        for (int bit = 0; bit < 8; ++bit)
+            sum = (sum & 0x80000000U) != 0 ? (sum << 1U) ^ 0x04C11DB7U : sum << 1U;
+        remainders[byte] = sum;
+    }
+    return remainders;
+}();
+
 // The checksum of POSIX.
 std::uint32_t Checksum(std::string_view bytes) {
     const auto add = [](std::uint32_t sum, std::uint32_t byte) {
-        sum ^= byte << 24U;
-        for (int bit = 0; bit < 8; ++bit)
-            sum = (sum & 0x80000000U) != 0 ? (sum << 1U) ^ 0x04C11DB7U : sum << 1U;
-        return sum;
+        return (sum << 8U) ^ kRemainders[(sum >> 24U) ^ byte];
     };
     std::uint32_t sum = 0;
     for (const char byte : bytes) sum = add(sum, static_cast<unsigned char>(byte));
