@@ -81,12 +81,6 @@ function(sonavex_joined_sources result name)
   set(${result} ${ARGN} ${joined} PARENT_SCOPE)
 endfunction()
 
-# What most sources around the toolkit read, compiled once: half of their time goes into it.
-set(SONAVEX_TOOLKIT_HEADERS
-  <QApplication> <QComboBox> <QDialog> <QEvent> <QLabel> <QLayout> <QLineEdit> <QListWidget> <QMainWindow>
-  <QPainter> <QPushButton> <QScreen> <QSlider> <QStyle> <QTimer>
-  <algorithm> <functional> <memory> <optional> <string> <utility> <vector>)
-
 function(sonavex_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   sonavex_joined_sources(ARG_SOURCES ${name} ${ARG_SOURCES})
