@@ -96,6 +96,12 @@ TEST_F(HelpIsolation, SeesWhatIsOpened) {
     EXPECT_THAT(watch.Opened(), ElementsAre("trap.css"));
 }
 
+TEST_F(HelpIsolation, SeesAnAddressThatIsOpened) {
+    ChildProcess process(OpenAddress("http://127.0.0.1:9/"), account_.Variables(), account_.Output());
+    ASSERT_TRUE(process.WaitForEnd(60s));
+    EXPECT_THAT(FileText(account_.Output()), HasSubstr("openUrl"));
+}
+
 TEST_P(HelpIsolation, OpensAsksForAndStartsNothing) {
     const std::string traps = Traps().string() + "/";
     const std::map<std::string, std::string> beginnings{

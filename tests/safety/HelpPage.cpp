@@ -1,7 +1,9 @@
 #include "safety/HelpPage.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QKeyEvent>
+#include <QUrl>
 #include <iostream>
 #include <memory>
 
@@ -13,6 +15,7 @@ namespace sonavex {
 namespace {
 
 constexpr const char* kHelpPageCommand = "--show-help-page";
+constexpr const char* kAddressCommand = "--open-address";
 constexpr const char* kPage = "page.html";
 constexpr int kMostLinks = 40;
 
@@ -74,9 +77,16 @@ Arguments ShowHelpPage(const std::filesystem::path& page, const std::filesystem:
     return {ThisProgram(), kHelpPageCommand, page.string(), inFolder.string()};
 }
 
+Arguments OpenAddress(const std::string& address) {
+    return {ThisProgram(), kAddressCommand, address};
+}
+
 std::optional<int> RunShowHelpPage(int argc, char** argv) {
-    if (argc != 4 || argv[1] != std::string(kHelpPageCommand)) return std::nullopt;
+    const std::string command = argc > 1 ? argv[1] : "";
+    if (command != kHelpPageCommand && command != kAddressCommand) return std::nullopt;
     const QApplication application(argc, argv);
+    if (command == kAddressCommand)
+        return QDesktopServices::openUrl(QUrl(QString::fromUtf8(argv[2]))) ? 1 : 0;
     const std::string text = FileText(argv[2]);
     std::filesystem::current_path(argv[3]);
     return Show(text);

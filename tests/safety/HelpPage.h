@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 
 #include "support/ChildProcess.h"
 
@@ -10,6 +11,9 @@ namespace sonavex {
 // The help window with a book of one page, run by the test executable in the folder `inFolder`: it shows
 // the page, follows each of its links with the keyboard, prints what there is to read and ends.
 Arguments ShowHelpPage(const std::filesystem::path& page, const std::filesystem::path& inFolder);
+
+// Asks the platform for this address, as a page must not.
+Arguments OpenAddress(const std::string& address);
 
 std::optional<int> RunShowHelpPage(int argc, char** argv);
 
