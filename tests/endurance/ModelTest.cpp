@@ -116,6 +116,7 @@ private:
     // Sweeps stand still while the stream is built anew.
     void AdoptSweeps() {
         for (std::size_t i = 0; i < model_->table.size(); ++i) {
+            if (!model_->table[i].Sweep) continue;
             const ToneRecord& tone = Form().Measurement.Tones.Tones[i];
             model_->table[i].Frequency = tone.Frequency;
             model_->table[i].SweepFrequency = tone.SweepFrequency;
@@ -171,9 +172,9 @@ private:
                 << i;
         } else {
             EXPECT_EQ(tone.SampleCount, expected.SampleCount) << i;
+            // Where a sine would go on.
+            expected.Phase = tone.Phase;
         }
-        // The phases that the other waves leave behind are where a sine would go on.
-        expected.Phase = tone.Phase;
     }
 
     void CompareControls() {

@@ -146,9 +146,9 @@ void Soak::HappenSomething() {
 
 void Soak::Happen(Event event) {
     if (event == Event::kProgramRestart && !restarts_) return;
-    ++report_.events[static_cast<std::size_t>(event)];
     happenedLast_ = Name(event);
     if (!bench_->Running()) return;
+    ++report_.events[static_cast<std::size_t>(event)];
     if (event == Event::kUserAction) {
         const UserAction action = user_.Next(bench_->Form().Shared.SampleRate);
         happenedLast_ = Describe(action);
