@@ -246,7 +246,7 @@ TEST_F(NoRoom, ForTheJournalDoesNotKeepTheProgramFromRunning) {
     WriteFile(account_.SettingsFile(), "");
     fs::create_directory(account_.Journal());
     fs::create_directory(account_.Journal().string() + ".new");
-    const Ending ending = Ended(Session({"measure"}));
+    const Ending ending = Ended(Confined({}, Session({"measure"})));
     EXPECT_EQ(ending.status, 0) << ending.output;
     EXPECT_THAT(ending.output, AllOf(EndsWith("done\n"), Not(HasSubstr("message"))));
 }

@@ -82,14 +82,17 @@ Arguments OpenAddress(const std::string& address) {
 }
 
 std::optional<int> RunShowHelpPage(int argc, char** argv) {
-    const std::string command = argc > 1 ? argv[1] : "";
-    if (command != kHelpPageCommand && command != kAddressCommand) return std::nullopt;
+    if (argc != 4 || argv[1] != std::string(kHelpPageCommand)) return std::nullopt;
     const QApplication application(argc, argv);
-    if (command == kAddressCommand)
-        return QDesktopServices::openUrl(QUrl(QString::fromUtf8(argv[2]))) ? 1 : 0;
     const std::string text = FileText(argv[2]);
     std::filesystem::current_path(argv[3]);
     return Show(text);
+}
+
+std::optional<int> RunOpenAddress(int argc, char** argv) {
+    if (argc != 3 || argv[1] != std::string(kAddressCommand)) return std::nullopt;
+    const QApplication application(argc, argv);
+    return QDesktopServices::openUrl(QUrl(QString::fromUtf8(argv[2]))) ? 0 : 1;
 }
 
 }  // namespace sonavex

@@ -16,5 +16,6 @@ Arguments ShowHelpPage(const std::filesystem::path& page, const std::filesystem:
 Arguments OpenAddress(const std::string& address);
 
 std::optional<int> RunShowHelpPage(int argc, char** argv);
+std::optional<int> RunOpenAddress(int argc, char** argv);
 
 }  // namespace sonavex
