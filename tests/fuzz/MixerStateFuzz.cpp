@@ -4,7 +4,7 @@
 #include "core/mixer/LegacyMixerState.h"
 #include "core/mixer/LevelKeeper.h"
 #include "core/mixer/VistaSound.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MixerBench.h"
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "core/generator/ToneLine.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "fuzz/FuzzTarget.h"
 
 namespace sonavex {

@@ -15,8 +15,8 @@
 
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MemoryFile.h"
 #include "support/ChildProcess.h"

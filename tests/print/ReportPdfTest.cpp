@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "core/report/Report.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/qt/QtPrinter.h"
 #include "print/PdfText.h"
 #include "support/ChildProcess.h"

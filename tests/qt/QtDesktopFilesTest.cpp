@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "platform/qt/QtWallClock.h"
 #include "support/ChildProcess.h"

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

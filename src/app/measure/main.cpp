@@ -10,7 +10,7 @@
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
 #include "core/ports/Dialogs.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/plain/UserFolders.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

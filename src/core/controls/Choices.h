@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/controls/Control.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

@@ -7,7 +7,7 @@
 
 #include "core/dsp/VectorKernels.h"
 #include "core/dsp/modSPL2VB.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex::modSPL2VB {
 namespace {

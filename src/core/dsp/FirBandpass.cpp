@@ -3,7 +3,7 @@
 #include <numbers>
 
 #include "core/dsp/modSPL2VB.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex::modSPL2VB {
 namespace {

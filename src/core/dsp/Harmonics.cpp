@@ -1,8 +1,8 @@
 #include <cmath>
 
 #include "core/dsp/modDSP.h"
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex::modDSP {
 namespace {

@@ -5,7 +5,7 @@
 #include <initializer_list>
 
 #include "core/dsp/VectorKernels.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex::modSPL2VB {
 namespace {

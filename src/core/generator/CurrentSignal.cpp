@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

@@ -5,9 +5,9 @@
 #include <limits>
 
 #include "core/dsp/modSPL2VB.h"
+#include "core/support/RuntimeError.h"
 #include "core/support/ScopedFlag.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

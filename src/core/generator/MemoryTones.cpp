@@ -5,8 +5,8 @@
 #include <string>
 
 #include "core/generator/ToneLine.h"
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

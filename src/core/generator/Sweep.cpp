@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "core/generator/Generator.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

@@ -1,6 +1,6 @@
 #include "core/mixer/StateFields.h"
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

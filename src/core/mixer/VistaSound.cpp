@@ -5,8 +5,8 @@
 
 #include "core/mixer/ControlNames.h"
 #include "core/mixer/StateFields.h"
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex::VistaSound {
 namespace {

@@ -1,7 +1,7 @@
 #include "core/mixer/frmSoundVista.h"
 
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

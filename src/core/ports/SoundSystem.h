@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

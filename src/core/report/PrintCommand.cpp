@@ -4,7 +4,7 @@
 
 #include "core/report/PrinterSupport.h"
 #include "core/report/Report.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

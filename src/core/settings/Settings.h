@@ -6,7 +6,7 @@
 
 #include "core/ports/SettingsStore.h"
 #include "core/settings/SettingsKeys.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

@@ -7,7 +7,7 @@
 
 #include "core/audio/ErrorLog.h"
 #include "core/ports/Dialogs.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

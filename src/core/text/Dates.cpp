@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

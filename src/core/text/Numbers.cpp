@@ -7,7 +7,7 @@
 #include <limits>
 #include <optional>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

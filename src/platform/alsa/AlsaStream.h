@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "core/ports/EventLoop.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/alsa/AlsaPcm.h"
 
 namespace sonavex {

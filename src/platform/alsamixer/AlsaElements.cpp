@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "core/ports/SoundErrors.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

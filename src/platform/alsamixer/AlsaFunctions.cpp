@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

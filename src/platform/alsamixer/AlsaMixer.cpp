@@ -3,7 +3,7 @@
 #include <chrono>
 #include <utility>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/alsamixer/AlsaFunctions.h"
 
 namespace sonavex {

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <utility>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 #include <utility>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/mixer/LevelScale.h"
 
 namespace sonavex {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/mixer/LevelScale.h"
 
 namespace sonavex {

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

@@ -5,7 +5,7 @@
 #include <QProcessEnvironment>
 #include <QTimer>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

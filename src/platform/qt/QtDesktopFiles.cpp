@@ -7,7 +7,7 @@
 #include <QStandardPaths>
 #include <cerrno>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {

@@ -13,7 +13,7 @@
 #include <system_error>
 #include <utility>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/plain/ReplacedFile.h"
 #include "platform/qt/PrintSystem.h"
 

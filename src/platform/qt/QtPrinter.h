@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "core/ports/Printer.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 

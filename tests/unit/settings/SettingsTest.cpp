@@ -3,7 +3,7 @@
 #include <string>
 
 #include "core/settings/Settings.h"
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "support/Errors.h"
 

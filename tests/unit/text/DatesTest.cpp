@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "core/support/RuntimeError.h"
 #include "core/text/Dates.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

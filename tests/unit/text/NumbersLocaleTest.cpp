@@ -11,8 +11,8 @@
 #include <locale>
 #include <string>
 
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 
 namespace sonavex {
 namespace {

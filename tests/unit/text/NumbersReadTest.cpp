@@ -4,8 +4,8 @@
 #include <limits>
 #include <string>
 
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
-#include "core/text/RuntimeError.h"
 #include "support/Errors.h"
 
 namespace sonavex {

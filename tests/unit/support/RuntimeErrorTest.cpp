@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/text/RuntimeError.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {
