@@ -2,7 +2,7 @@
 
 #include <QIcon>
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 #include "ui_frmAbout.h"
 
 namespace sonavex::ui {

@@ -1,6 +1,6 @@
 #include "ui/DeviceDialog.h"
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 #include "ui_frmDevices.h"
 
 namespace sonavex::ui {

@@ -4,7 +4,7 @@
 #include <QPixmap>
 #include <QPushButton>
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 #include "ui_frmError.h"
 
 namespace sonavex::ui {

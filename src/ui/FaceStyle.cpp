@@ -4,7 +4,7 @@
 #include <QPainterPath>
 #include <QStyleOption>
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "ui/HelpBrowser.h"
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 namespace {

@@ -10,8 +10,8 @@
 
 #include "core/text/Numbers.h"
 #include "ui/GeneratorWords.h"
-#include "ui/Theme.h"
 #include "ui/widgets/HarmonicBar.h"
+#include "ui/widgets/Theme.h"
 #include "ui_frmMain.h"
 
 namespace sonavex::ui {

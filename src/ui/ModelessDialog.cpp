@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <climits>
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 namespace {

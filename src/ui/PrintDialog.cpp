@@ -2,7 +2,7 @@
 
 #include <QFileDialog>
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 #include "ui_frmPrint.h"
 
 namespace sonavex::ui {

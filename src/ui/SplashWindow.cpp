@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QPainter>
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 namespace {

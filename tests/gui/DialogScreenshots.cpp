@@ -16,7 +16,7 @@
 #include "ui/FaceStyle.h"
 #include "ui/HelpWindow.h"
 #include "ui/PrintDialog.h"
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace {
 

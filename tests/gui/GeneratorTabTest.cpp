@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "gui/GeneratorTabRig.h"
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 #include "ui/widgets/WaveChoice.h"
 #include "ui/widgets/WavePicture.h"
 

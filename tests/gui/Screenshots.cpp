@@ -13,7 +13,7 @@
 #include "support/FormRig.h"
 #include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace {
 

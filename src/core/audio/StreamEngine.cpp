@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/support/BusyPointer.h"
+#include "core/ports/BusyPointer.h"
 #include "core/support/ScopedFlag.h"
 
 namespace sonavex {

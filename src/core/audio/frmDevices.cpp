@@ -3,9 +3,9 @@
 #include <string_view>
 #include <vector>
 
+#include "core/ports/BusyPointer.h"
 #include "core/settings/SampleRates.h"
 #include "core/settings/Windows.h"
-#include "core/support/BusyPointer.h"
 #include "core/support/ScopedFlag.h"
 #include "core/text/Characters.h"
 #include "core/text/Numbers.h"

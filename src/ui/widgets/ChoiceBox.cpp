@@ -3,7 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 namespace {

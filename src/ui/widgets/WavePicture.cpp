@@ -6,7 +6,7 @@
 #include <numbers>
 
 #include "core/generator/Tones.h"
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/Theme.h"
+#include "ui/widgets/Theme.h"
 
 #include <QApplication>
 #include <QEvent>
