@@ -3,7 +3,7 @@
 
 Every comparison, number and true or false in src/core/{audio,dsp,generator} is a place for one change or
 two ("mutants"). Each is compiled and linked with the tests, which are run until one fails. A mutant that no
-test notices has survived; tests/mutation/survivors.txt explains those that may.
+test notices has survived; tools/mutation/survivors.txt explains those that may.
 
 The sources and tests are copied to build/mutation/tree and built there; the checked-out files are only
 read. With --build, a build that exists and is up to date is used in place of the copy.
@@ -31,7 +31,7 @@ from mutation import programs, reach, survivors  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build" / "mutation"
-KNOWN = ROOT / "tests" / "mutation" / "survivors.txt"
+KNOWN = ROOT / "tools" / "mutation" / "survivors.txt"
 MOST_SURVIVORS = 0.10
 SWITCH = "SonavexMutant"
 

@@ -16,7 +16,7 @@ import threading
 PROGRAMS = ("sonavex-unit-tests", "sonavex-loop-tests")
 
 # Tests of the adapters cannot judge the folders that are changed here, and some of them measure real time.
-_NOT_USED = ("tests/unit/platform/", "tests/contract/")
+_NOT_USED = ("tests/unit/platform/",)
 _QUICK_S = 0.06
 _UNOPTIMISED = ("-O0", "-g0", "-w", "-D_GLIBCXX_ASSERTIONS")
 _MEMORY = 4 << 30

@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::string kFile = "Quenby DirectX Test.txt";
+const std::string kErrorFile = "Quenby DirectX Test.txt";
 
 class ErrorForm : public testing::Test {
 protected:
@@ -63,12 +63,12 @@ TEST_F(ErrorForm, SaysThatTheReportIsBeingMadeAndWritesIt) {
     EXPECT_TRUE(diagnostics.Running());
     EXPECT_THAT(files.files, IsEmpty());
     diagnostics.Finish("servers\ncards\n");
-    EXPECT_EQ(files.files[kFile], "servers\ncards\n");
+    EXPECT_EQ(files.files[kErrorFile], "servers\ncards\n");
     EXPECT_EQ(form.lblStatus.Caption(),
               "A file named 'Quenby DirectX Test.txt' has been created on your desktop");
     form.cmdDirectX.Press();
     diagnostics.Finish("cards\n");
-    EXPECT_EQ(files.files[kFile], "cards\n");
+    EXPECT_EQ(files.files[kErrorFile], "cards\n");
 }
 
 TEST_F(ErrorForm, MakesOneReportAtATime) {

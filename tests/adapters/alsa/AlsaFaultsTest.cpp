@@ -1,0 +1,228 @@
+// What happens when a card is taken, pulled, put to sleep or not served in time.
+
+#include <malloc.h>
+
+#include <ctime>
+#include <filesystem>
+#include <thread>
+
+#include "adapters/alsa/AlsaSession.h"
+#include "support/AllocationCounter.h"
+#include "support/alsa/LoopCards.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::int32_t kRateHz = 48000;
+constexpr const char* kDevice = "alsa:card";
+
+class AlsaFaults : public testing::Test {
+protected:
+    void OpenAndRun() {
+        session_.Open(kDevice, kRateHz);
+        ASSERT_TRUE(session_.Captures());
+    }
+    // The same program goes on with the same card.
+    void ExpectRecovery() {
+        session_.Close();
+        OpenAndRun();
+        EXPECT_TRUE(session_.losses_.empty());
+    }
+
+    LoopCards cards_{CardList{{"card", "Test card"}, {"hw:CARD=Fake,DEV=0", "Test card"}}};
+    LoopCardState& card_ = cards_.State("card");
+    AlsaSession session_;
+};
+
+TEST_F(AlsaFaults, UnpluggedWhileRunningAndPluggedInAgain) {
+    OpenAndRun();
+    card_.unplugged = 1;
+    session_.ExpectLosses("has been removed.");
+    session_.ExpectError(sound_error::kNoDriver, "'Test card (direct)' is not there.",
+                         [&] { session_.output_->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
+    session_.Close();
+    session_.ExpectError(sound_error::kNoDriver, "is not there.", [&] { session_.Create(kDevice, kRateHz); });
+    card_.unplugged = 0;
+    ExpectRecovery();
+}
+
+// The card keeps the system's clock, so neither direction gains on it.
+TEST_F(AlsaFaults, BothDirectionsCompareTheirClockWithTheSystems) {
+    OpenAndRun();
+    const auto lead = [&](const auto& buffer) { return buffer->ClockLead().value_or(1h); };
+    session_.loop_.RunUntil([] { return false; }, 300ms);
+    const auto captureBefore = lead(session_.capture_);
+    const auto playbackBefore = lead(session_.playback_);
+    session_.loop_.RunUntil([] { return false; }, 1s);
+    // The device moves pieces of 12 to 20 ms.
+    EXPECT_LT(std::chrono::abs(lead(session_.capture_) - captureBefore), 60ms);
+    EXPECT_LT(std::chrono::abs(lead(session_.playback_) - playbackBefore), 60ms);
+    EXPECT_EQ(session_.capture_->ClockName(), "");
+}
+
+TEST_F(AlsaFaults, SuspendedAndResumed) {
+    OpenAndRun();
+    card_.suspended = 1;
+    session_.ExpectLosses("has been suspended.");
+    card_.suspended = 0;
+    ExpectRecovery();
+}
+
+double ProcessorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+TEST_F(AlsaFaults, StandingStillIsALossAndCostsNoTime) {
+    OpenAndRun();
+    const double before = ProcessorSeconds();
+    card_.stalled = 1;
+    session_.ExpectLosses("stands still");
+    EXPECT_LT(ProcessorSeconds() - before, 0.5);
+    card_.stalled = 0;
+    ExpectRecovery();
+}
+
+TEST_F(AlsaFaults, FailingAgainAndAgainIsALossAndCostsNoTime) {
+    OpenAndRun();
+    const double before = ProcessorSeconds();
+    card_.failing = 1;
+    session_.ExpectLosses("fails: it does not go on after an interruption.");
+    EXPECT_LT(ProcessorSeconds() - before, 0.5);
+    card_.failing = 0;
+    ExpectRecovery();
+}
+
+// The card's clock jumps, as it does when the machine does not serve it for that long.
+TEST_F(AlsaFaults, BeingServedTooLateIsCountedAndGoesOn) {
+    OpenAndRun();
+    EXPECT_EQ(session_.playback_->Underruns(), 0U);
+    EXPECT_EQ(session_.capture_->Statistics().framesMissing, 0U);
+    card_.stalled = 1;
+    session_.loop_.RunUntil([] { return false; }, 700ms);
+    card_.stalled = 0;
+    EXPECT_TRUE(PollUntil(
+        session_.loop_,
+        [&] {
+            return session_.playback_->Underruns() > 0 && session_.capture_->Statistics().framesMissing > 0;
+        },
+        AlsaSession::kLimit));
+    // About as long as the gap was.
+    const double missing = static_cast<double>(session_.capture_->Statistics().framesMissing);
+    EXPECT_NEAR(missing / kRateHz, 0.7, 0.4);
+    EXPECT_TRUE(session_.Captures());
+    session_.loop_.RunUntil([] { return false; }, 100ms);
+    EXPECT_TRUE(session_.losses_.empty());
+    EXPECT_LE(session_.playback_->Underruns(), 3U);
+}
+
+TEST_F(AlsaFaults, HeldByAnotherProgram) {
+    using Direction = LoopCards::Direction;
+    const PrivateFolder folder;
+    // Holds one direction of the card from here on.
+    const auto holder = [&](const char* program, const std::string& file, Direction direction) {
+        auto process =
+            std::make_unique<ChildProcess>(Arguments{program, "-q", "-D", "card", "-t", "raw", "-f", "S16_LE",
+                                                     "-c", "2", "-r", "48000", file},
+                                           cards_.ForPrograms(), folder.Path() / "log");
+        EXPECT_TRUE(PollUntil(
+            session_.loop_, [&] { return cards_.InUse("card", direction); }, AlsaSession::kLimit));
+        return process;
+    };
+    const auto output = session_.system_.CreatePlaybackDevice(kDevice);
+    const auto input = session_.system_.CreateCaptureDevice(kDevice);
+    const std::string inUse = "The sound device 'Test card (direct)' is in use by another program.";
+    {
+        const auto player = holder("aplay", "/dev/zero", Direction::kPlayback);
+        session_.ExpectError(sound_error::kAllocated, inUse,
+                             [&] { output->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
+        EXPECT_NO_THROW(input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)));
+        const auto recorder = holder("arecord", folder.Path() / "recording", Direction::kCapture);
+        session_.ExpectError(sound_error::kAllocated, inUse,
+                             [&] { input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); });
+        // Busy cards are listed all the same.
+        EXPECT_EQ(session_.system_.EnumeratePlayback().size(), 3U);
+    }
+    ExpectRecovery();
+}
+
+TEST_F(AlsaFaults, HeldByAnotherBufferOfThisProgram) {
+    OpenAndRun();
+    session_.ExpectError(sound_error::kAllocated, "is in use by another program.",
+                         [&] { session_.input_->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); });
+    EXPECT_TRUE(session_.Captures());
+}
+
+std::ptrdiff_t Entries(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+}
+
+TEST_F(AlsaFaults, FiftyRapidCyclesLeaveNothingBehind) {
+    const auto cycle = [&](int round) {
+        // Also through the conversions of a card, and through losses.
+        session_.Open(round % 2 == 0 ? kDevice : "alsa:hw:CARD=Fake,DEV=0", kRateHz);
+        if (round % 5 == 0) card_.unplugged = 1;
+        session_.loop_.Wait(1ms);
+        session_.Close();
+        card_.unplugged = 0;
+        session_.loop_.Yield();
+        session_.losses_.clear();
+    };
+    for (int round = 0; round < 10; ++round) cycle(round);
+    const auto files = Entries("/proc/self/fd");
+    const auto threads = Entries("/proc/self/task");
+    const std::size_t bytes = mallinfo2().uordblks;
+    for (int round = 0; round < 50; ++round) cycle(round);
+    EXPECT_EQ(Entries("/proc/self/fd"), files);
+    EXPECT_EQ(Entries("/proc/self/task"), threads);
+    // Less than one buffer of any of the cycles.
+    EXPECT_LT(static_cast<double>(mallinfo2().uordblks) - static_cast<double>(bytes), 16384.0);
+}
+
+// Signals that are raised on the audio thread look at what that thread has allocated since the first.
+class CountingLoop : public PlainEventLoop {
+public:
+    std::unique_ptr<Signal> CreateSignal(std::function<void()>) override {
+        return std::make_unique<CountingSignal>(*this);
+    }
+    std::atomic<int> raised{0};
+    std::atomic<std::size_t> allocations{0};
+
+private:
+    class CountingSignal : public Signal {
+    public:
+        explicit CountingSignal(CountingLoop& loop) : loop_(loop) {}
+        bool Raise() noexcept override {
+            thread_local std::optional<AllocationCounter> counter;
+            if (!counter) counter.emplace();
+            loop_.allocations.store(counter->Count());
+            ++loop_.raised;
+            return true;
+        }
+
+    private:
+        CountingLoop& loop_;
+    };
+};
+
+TEST_F(AlsaFaults, TheAudioThreadAllocatesNothing) {
+    CountingLoop loop;
+    AlsaSoundSystem system(loop);
+    const auto input = system.CreateCaptureDevice(kDevice);
+    const auto capture = input->CreateBuffer(Stereo(kCaptureBytes, kRateHz));
+    const PositionNotification position{kSegmentBytes - 1, system.CreateEvent([](EventHandle) {})};
+    capture->SetNotificationPositions({&position, 1});
+    capture->StartLooping();
+    const auto start = std::chrono::steady_clock::now();
+    while (loop.raised.load() < 4 && std::chrono::steady_clock::now() - start < 5s)
+        std::this_thread::sleep_for(5ms);
+    capture->Stop();
+    EXPECT_GE(loop.raised.load(), 4);
+    EXPECT_EQ(loop.allocations.load(), 0U);
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,143 @@
+// What reaches a card, at each rate, and what is done where the card lacks something.
+
+#include "adapters/alsa/AlsaSession.h"
+#include "core/settings/SampleRates.h"
+#include "support/alsa/LoopCards.h"
+
+namespace sonavex {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kHardware = "hw:CARD=Fake,DEV=0";
+const std::string kHardwareId = std::string("alsa:") + kHardware;
+
+// The loop returns random samples bit for bit.
+void ExpectExactLoop(const std::string& device, std::int32_t rateHz) {
+    AlsaSession session;
+    session.Create(device, rateHz);
+    const std::vector<std::int16_t> pattern = RandomPattern(static_cast<std::uint32_t>(rateHz));
+    // Ten segments: more than once round the playback buffer.
+    const std::vector<std::int16_t> recording = session.Record(pattern, 10);
+    const LoopComparison comparison = CompareLoop(recording, pattern, 0);
+    EXPECT_GE(comparison.comparedFrames, 16384U) << rateHz;
+    EXPECT_EQ(comparison.differentFrames, 0U) << rateHz;
+    EXPECT_EQ(session.capture_->Statistics().framesMissing, 0U) << rateHz;
+    EXPECT_EQ(session.playback_->Underruns(), 0U) << rateHz;
+}
+
+void ExpectNotes(const std::string& device, std::int32_t rateHz, const std::string& note) {
+    AlsaSession session;
+    session.Create(device, rateHz);
+    EXPECT_EQ(session.playback_->PathNote(), note);
+    EXPECT_EQ(session.capture_->PathNote(), note);
+}
+
+// The last frame that comes back when these two samples are played for long.
+std::vector<std::int16_t> LevelsThrough(const std::string& device, std::int32_t rateHz, std::int16_t first,
+                                        std::int16_t second) {
+    AlsaSession session;
+    session.Create(device, rateHz);
+    std::vector<std::int16_t> pattern(kPlaybackBytes / 2);
+    for (std::size_t i = 0; i < pattern.size(); i += 2) {
+        pattern[i] = first;
+        pattern[i + 1] = second;
+    }
+    const std::vector<std::int16_t> recording = session.Record(pattern, 6);
+    return {recording.end() - 2, recording.end()};
+}
+
+class ExactRate : public testing::TestWithParam<std::int32_t> {};
+
+TEST_P(ExactRate, OnTheUsersPcm) {
+    const LoopCards cards(CardList{{"card", "Test card"}});
+    ExpectExactLoop("alsa:card", GetParam());
+    ExpectNotes("alsa:card", GetParam(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Alsa, ExactRate, testing::ValuesIn(SampleRateTable));
+
+TEST(AlsaRates, ThatACardLacksAreConvertedAndSaidToBe) {
+    const LoopCards cards(CardList{{kHardware, "Test card", {48000}}});
+    for (const std::int32_t rateHz : SampleRateTable) {
+        if (rateHz == 48000) continue;
+        ExpectNotes(kHardwareId, rateHz,
+                    "The sound device 'Test card (direct)' does not run at " + std::to_string(rateHz) +
+                        " Hz: its samples are converted from another rate.");
+    }
+    const std::vector<std::int16_t> levels = LevelsThrough(kHardwareId, 32000, 12000, -5000);
+    EXPECT_NEAR(levels[0], 12000, 3);
+    EXPECT_NEAR(levels[1], -5000, 3);
+}
+
+TEST(AlsaRates, ThatACardHasStayExactBesideConvertedOnes) {
+    const LoopCards cards(CardList{{kHardware, "Test card", {48000, 44100}}});
+    ExpectNotes(kHardwareId, 22050,
+                "The sound device 'Test card (direct)' does not run at 22050 Hz: its samples are converted "
+                "from another rate.");
+    for (const std::int32_t rateHz : {48000, 44100}) {
+        ExpectExactLoop(kHardwareId, rateHz);
+        ExpectNotes(kHardwareId, rateHz, "");
+    }
+}
+
+TEST(AlsaRates, ThatTheUsersPcmLacksAreRefused) {
+    const LoopCards cards(CardList{{"card", "Test card", {48000}}});
+    AlsaSession session;
+    const auto output = session.system_.CreatePlaybackDevice("alsa:card");
+    const auto input = session.system_.CreateCaptureDevice("alsa:card");
+    for (const std::int32_t rateHz : SampleRateTable) {
+        if (rateHz == 48000) continue;
+        const std::string text = "does not run at " + std::to_string(rateHz) + " Hz.";
+        session.ExpectError(sound_error::kBadFormat, text,
+                            [&] { output->CreateBuffer(Stereo(kPlaybackBytes, rateHz)); });
+        session.ExpectError(sound_error::kBadFormat, text,
+                            [&] { input->CreateBuffer(Stereo(kCaptureBytes, rateHz)); });
+    }
+    // A refusal leaves the card free.
+    ExpectExactLoop("alsa:card", 48000);
+}
+
+TEST(AlsaFormats, A32BitCardIsConvertedWithoutLoss) {
+    const LoopCards cards(CardList{{kHardware, "Test card", {}, 2, "S32_LE"}});
+    ExpectNotes(kHardwareId, 48000,
+                "The sound device 'Test card (direct)' does not take 16-bit samples: they are converted.");
+    ExpectExactLoop(kHardwareId, 48000);
+}
+
+TEST(AlsaFormats, AMonoCardGetsBothChannels) {
+    const LoopCards cards(CardList{{kHardware, "Test card", {}, 1}});
+    ExpectNotes(kHardwareId, 48000,
+                "The sound device 'Test card (direct)' is not stereo: its channels are converted.");
+    const std::vector<std::int16_t> levels = LevelsThrough(kHardwareId, 48000, 9000, 9000);
+    EXPECT_NEAR(levels[0], 9000, 1);
+    EXPECT_NEAR(levels[1], 9000, 1);
+}
+
+TEST(AlsaFormats, ThatTheUsersPcmLacksAreRefused) {
+    const LoopCards cards(CardList{{"mono", "Mono card", {}, 1}, {"wide", "Wide card", {}, 2, "S32_LE"}});
+    AlsaSession session;
+    session.ExpectError(sound_error::kBadFormat, "The sound device 'Mono card (direct)' is not stereo.", [&] {
+        session.system_.CreatePlaybackDevice("alsa:mono")->CreateBuffer(Stereo(kPlaybackBytes, 48000));
+    });
+    session.ExpectError(
+        sound_error::kBadFormat, "The sound device 'Wide card (direct)' does not take 16-bit samples.", [&] {
+            session.system_.CreateCaptureDevice("alsa:wide")->CreateBuffer(Stereo(kCaptureBytes, 48000));
+        });
+}
+
+TEST(AlsaFormats, TheUsersConversionsAreUsedAndNamed) {
+    const LoopCards cards(
+        CardList{{"card", "Test card", {48000}}},
+        "pcm.soft { type plug slave.pcm \"card\" hint { show on description \"Soft card\" } }");
+    ExpectNotes("alsa:soft", 48000,
+                "The sound device 'Soft card (direct, converting)' is defined with conversions: samples may "
+                "change on their way.");
+    ExpectNotes("alsa:soft", 8000,
+                "The sound device 'Soft card (direct, converting)' does not run at 8000 Hz: its samples are "
+                "converted from another rate.");
+    ExpectExactLoop("alsa:soft", 48000);
+}
+
+}  // namespace
+}  // namespace sonavex

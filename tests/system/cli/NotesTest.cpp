@@ -1,0 +1,64 @@
+#include <gmock/gmock.h>
+
+#include <map>
+#include <memory>
+
+#include "support/PulseServer.h"
+#include "system/cli/MeasureProgram.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+// The notes of a short measurement on a card of 48000 Hz.
+std::string Notes(const PulseServer& server, const char* rate, const char* output = "card",
+                  const char* input = "card.monitor", int status = 0) {
+    MeasureProgram program({"run", "--output", output, "--input", input, "--rate", rate, "--tone",
+                            "sine:1000", "--seconds", "0.2", "--json"},
+                           sonavex::Environment{{"PULSE_SERVER", server.Address()}});
+    const Outcome outcome = program.End(30s);
+    EXPECT_EQ(outcome.status, status) << outcome.errors;
+    const auto lines = outcome.Json();
+    return lines.empty() ? "no reading" : lines.back()["notes"].dump();
+}
+
+TEST(Notes, AreNoneWhereTheSamplesPassUnchanged) {
+    const PulseServer server({{"card", 48000, "Card"}});
+    EXPECT_EQ(Notes(server, "48000"), "[]");
+}
+
+TEST(Notes, TellOfResampling) {
+    const PulseServer server({{"card", 48000, "Card"}});
+    EXPECT_EQ(Notes(server, "44100"),
+              R"(["Input: resampled by the sound server, the device runs at 48000 Hz",)"
+              R"("Output: resampled by the sound server, the device runs at 48000 Hz"])");
+}
+
+TEST(Notes, TellOfVolumesAndMuting) {
+    PulseServer server({{"card", 48000, "Card"}});
+    server.Control({"set-sink-volume", "card", "50%"});
+    server.Control({"set-source-volume", "card.monitor", "80%"});
+    EXPECT_EQ(Notes(server, "48000"),
+              R"(["Input: volume of the device 80 %","Output: volume of the device 50 %"])");
+    // Two channels whose mean is 100 %, and nearly that.
+    server.Control({"set-sink-volume", "card", "50%", "150%"});
+    server.Control({"set-source-volume", "card.monitor", "65400"});
+    EXPECT_EQ(Notes(server, "48000"),
+              R"(["Input: volume of the device 99.8 %","Output: volume of the device 50 % and 150 %"])");
+}
+
+// Which card a device belongs to is what the server says of it.
+TEST(Notes, TellOfTwoCards) {
+    const PulseServer server({{"card", 48000, "Card"}});
+    for (const char* number : {"3", "7"})
+        server.Control({"load-module", "module-null-sink", std::string("sink_name=card") + number,
+                        "rate=48000", std::string("sink_properties=alsa.card=") + number});
+    EXPECT_EQ(Notes(server, "48000", "card3", "card3.monitor"), "[]");
+    constexpr int kNotLocked = 2;
+    EXPECT_EQ(Notes(server, "48000", "card3", "card7.monitor", kNotLocked),
+              R"(["Clocks: input and output run on different clocks"])");
+}
+
+}  // namespace
+}  // namespace sonavex

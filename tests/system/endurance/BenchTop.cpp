@@ -1,0 +1,143 @@
+#include "system/endurance/BenchTop.h"
+
+#include "core/audio/frmDevices.h"
+
+namespace sonavex {
+namespace {
+
+// What somebody tries in the selection of devices before the program is ended.
+constexpr int kPatience = 12;
+
+}  // namespace
+
+std::chrono::nanoseconds BenchTop::BlockTime() const {
+    const std::int32_t rateHz = form_ ? form_->Shared.SampleRate : 48000;
+    return std::chrono::nanoseconds(std::int64_t{kBlockFrames} * 1'000'000'000 / rateHz);
+}
+
+void BenchTop::Remember(const std::string& text) {
+    ++messages_;
+    lastMessage_ = text;
+}
+
+bool BenchTop::AskOkCancel(const std::string& text) {
+    Remember(text);
+    return true;
+}
+
+bool BenchTop::AskYesNo(const std::string& text) {
+    Remember(text);
+    return true;
+}
+
+std::int32_t BenchTop::WriteErrorLog(std::string& tStr, const RuntimeError&) {
+    Remember(tStr);
+    return 0;
+}
+
+bool BenchTop::Start() {
+    TakeAway();
+    ended_ = false;
+    ++starts_;
+    MakeForm();
+    try {
+        form_->Form_Load();
+    } catch (const EndProgram& end) {
+        form_->ShutDown(end);
+        TakeAway();
+        return false;
+    } catch (const RuntimeError&) {
+        form_->Guard.Fatal(std::current_exception());
+        form_->Form_QueryUnload();
+        TakeAway();
+        return false;
+    }
+    LeaveWhenEnded();
+    return Running();
+}
+
+void BenchTop::MakeForm() {
+    form_ = std::make_unique<frmMain>(frmMain::World{store_, card_, loop_, *this, *this, *this, *this});
+    form_->Frame.SetSize(980, 640);
+    form_->OnUnloaded = [this](int) { ended_ = true; };
+    form_->ShowDeviceDialog = [this] { ChooseDevices(); };
+}
+
+void BenchTop::TakeAway() {
+    form_.reset();
+    loop_.DeliverSignals();
+}
+
+void BenchTop::End() {
+    if (!Running()) return;
+    form_->Unload();
+    LeaveWhenEnded();
+}
+
+void BenchTop::LeaveWhenEnded() {
+    if (ended_ && depth_ == 0) TakeAway();
+}
+
+void BenchTop::Act(const std::function<void()>& action) {
+    if (!Running()) return;
+    ++depth_;
+    form_->Guard.Run(action);
+    --depth_;
+    LeaveWhenEnded();
+}
+
+void BenchTop::Pass(std::chrono::nanoseconds time) {
+    ++depth_;
+    const auto end = loop_.Now() + time;
+    for (bool through = false; !through;) {
+        try {
+            loop_.Advance(end - loop_.Now());
+            through = true;
+        } catch (...) {
+            form_->StreamError(std::current_exception());
+        }
+    }
+    --depth_;
+    LeaveWhenEnded();
+}
+
+void BenchTop::Block() {
+    const auto time = BlockTime();
+    card_.Card().Step(kBlockFrames);
+    if (Running()) Pass(time);
+}
+
+void BenchTop::HoldUp(int blocks) {
+    const auto time = BlockTime();
+    for (int i = 0; i < blocks; ++i) {
+        card_.Card().Step(kBlockFrames);
+        loop_.Skip(time);
+    }
+    if (Running()) Pass(std::chrono::nanoseconds{0});
+}
+
+void BenchTop::SelectRate(std::int32_t index) {
+    wantedRate_ = index;
+    Act([this] { form_->mnuSelectCard.UserChooses(); });
+    wantedRate_ = -1;
+}
+
+// Somebody selects what is offered, tries Okay and then Cancel, and gives up in the end.
+void BenchTop::ChooseDevices() {
+    frmDevices devices(form_->DevicesEnvironment(*this, *this), form_->DevicesControls());
+    bool closed = false;
+    devices.OnUnloaded = [&] { closed = true; };
+    devices.Form_Load();
+    if (devices.cmbOutputMixer.Count() > 0) devices.cmbOutputMixer.UserSelects(0);
+    if (devices.cmbInputMixer.Count() > 0) devices.cmbInputMixer.UserSelects(0);
+    if (wantedRate_ >= 0) devices.cmbSampleRate.UserSelects(wantedRate_);
+    for (int tries = 0; tries < kPatience && !closed && !ended_; ++tries) {
+        form_->Guard.Run([&] { devices.cmdOkay.Press(); });
+        if (closed || ended_) return;
+        Block();
+        form_->Guard.Run([&] { devices.cmdCancel.Press(); });
+    }
+    if (!closed && !ended_) throw EndProgram{0};
+}
+
+}  // namespace sonavex

@@ -1,0 +1,383 @@
+#include "system/endurance/Soak.h"
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <stdexcept>
+
+#include "core/ports/SoundErrors.h"
+#include "core/settings/SampleRates.h"
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+namespace {
+
+constexpr int kSettlingBlocks = 120;
+constexpr int kCountedBlocks = 64;
+// What rounding to 16 bit, on both sides of the device, may add to a reading.
+constexpr double kRoundingPercent = 0.006;
+constexpr double kRoundingDb = 0.1;
+// Texts and lists of the present state differ by that much, and no more.
+constexpr std::size_t kHeapAllowance = 64 * 1024;
+constexpr double kPi = std::numbers::pi;
+
+constexpr std::array<const char*, Soak::kEvents> kEventNames{
+    "user actions",     "changes of rate",   "restarts of the program",  "cards unplugged",
+    "standstills",      "failed operations", "other devices under test", "hold-ups of the window",
+    "odd stored values"};
+
+// Rates and whole frequencies that lie on an even bin, so that nothing leaks between harmonics, with all
+// nine harmonics below the highest usable bin.
+struct Tuning {
+    std::int32_t rateIndex;
+    std::int32_t frequencyHz;
+};
+constexpr std::array<Tuning, 4> kTunings{{{0, 1125}, {2, 1000}, {4, 500}, {5, 250}}};
+
+constexpr std::array<double, 8> kHarmonics{0.01, 0.02, 0.005, 0.03, 0.002, 0.008, 0.004, 0.015};
+
+DeviceUnderTestModel KnownDevice() {
+    DeviceUnderTestModel model;
+    model.harmonicAmplitudes.assign(kHarmonics.begin(), kHarmonics.end());
+    return model;
+}
+
+DeviceUnderTestModel AnyDevice(RandomUser& user) {
+    DeviceUnderTestModel model;
+    if (user.Chance(0.5)) model.gain = user.Between(0.0, 4.0);
+    if (user.Chance(0.2)) model.harmonicAmplitudes = {user.Between(0.0, 0.5), user.Between(0.0, 0.5)};
+    if (user.Chance(0.3)) model.clipAt = user.Between(10.0, 32000.0);
+    if (user.Chance(0.2)) model.dcOffset = user.Between(-20000.0, 20000.0);
+    if (user.Chance(0.05)) model.noiseRms = user.Between(0.0, 3000.0);
+    if (user.Chance(0.2)) model.delayFrames = static_cast<std::uint32_t>(user.Pick(20000));
+    // Interpolation takes several times the time of everything else.
+    if (user.Chance(0.01)) model.clockOffsetPpm = user.Between(-500.0, 500.0);
+    return model;
+}
+
+std::size_t HeapInUse() {
+    const struct mallinfo2 heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
+
+}  // namespace
+
+const char* Soak::Name(Event event) {
+    return kEventNames[static_cast<std::size_t>(event)];
+}
+
+Soak::Soak(std::uint64_t seed, double blocksPerEvent)
+    : seed_(seed), eventProbability_(1.0 / blocksPerEvent), user_(seed) {
+    StartUntilItRuns();
+}
+
+void Soak::Require(bool condition, const std::string& what) const {
+    if (condition) return;
+    throw std::runtime_error(what + Place());
+}
+
+std::string Soak::Place() const {
+    return " (seed " + std::to_string(seed_) + ", block " + std::to_string(report_.blocks) + ", after " +
+           happenedLast_ + ")";
+}
+
+void Soak::Fail(const char* field, std::int32_t tone, double value) const {
+    throw std::runtime_error(std::string(field) + " of tone " + std::to_string(tone) + ": " +
+                             std::to_string(value) + Place());
+}
+
+void Soak::Run(std::uint64_t blocks, std::uint64_t checkEvery) {
+    const std::uint64_t end = report_.blocks + blocks;
+    std::uint64_t nextCheck = report_.blocks + checkEvery;
+    while (report_.blocks < end) {
+        Step();
+        if (user_.Chance(eventProbability_)) HappenSomething();
+        if (report_.blocks < nextCheck) continue;
+        CheckReadings();
+        if (OnCheck) OnCheck();
+        nextCheck = report_.blocks + checkEvery;
+    }
+    CheckReadings();
+}
+
+void Soak::Step() {
+    report_.soundSeconds += std::chrono::duration<double>(bench_->BlockTime()).count();
+    ++report_.blocks;
+    const std::uint64_t start = bench_->Starts();
+    const std::uint64_t before = bench_->Running() ? bench_->Form().Engine.Blocks : 0;
+    bench_->Block();
+    if (bench_->Running() && bench_->Starts() == start && bench_->Form().Engine.Blocks > before)
+        CheckTones(After::kABlock);
+    FollowCard();
+}
+
+void Soak::FollowCard() {
+    if (blocksUntilPlugged_ > 0 && --blocksUntilPlugged_ == 0) bench_->Card().Plug();
+    if (blocksUntilMoving_ > 0 && --blocksUntilMoving_ == 0) bench_->Card().Card().SetStalled(false);
+    if (!bench_->Running() && blocksUntilPlugged_ == 0) StartUntilItRuns();
+}
+
+// Stored values that cannot be used end a start with a message; a user then has them removed.
+void Soak::StartUntilItRuns() {
+    for (int tries = 0; tries < 5 && !bench_->Running(); ++tries) {
+        if (bench_->Start()) break;
+        if (tries >= 2)
+            for (const std::string_view section :
+                 {keys::kSettings, keys::kSoundCard, keys::kSignalGenerator, keys::kFace})
+                bench_->Store().DeleteSection(section);
+    }
+    Require(bench_->Running(), "The program does not start: " + bench_->LastMessage());
+    CheckState();
+}
+
+void Soak::HappenSomething() {
+    // Users act more often than anything fails.
+    static constexpr std::array<Event, 9> kRare{
+        Event::kRateChange,  Event::kProgramRestart, Event::kUnplugged,
+        Event::kStandstill,  Event::kHeldUp,         Event::kFailedOperation,
+        Event::kOtherDevice, Event::kStoredValue,    Event::kRateChange};
+    const bool rare = user_.Chance(0.3);
+    Happen(rare ? kRare[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kRare.size())))]
+                : Event::kUserAction);
+    CheckState();
+}
+
+void Soak::Happen(Event event) {
+    if (event == Event::kProgramRestart && !restarts_) return;
+    happenedLast_ = Name(event);
+    if (!bench_->Running()) return;
+    ++report_.events[static_cast<std::size_t>(event)];
+    if (event == Event::kUserAction) {
+        const UserAction action = user_.Next(bench_->Form().Shared.SampleRate);
+        happenedLast_ = Describe(action);
+        bench_->Act([&] { Perform(action, bench_->Form()); });
+    } else if (event == Event::kRateChange) {
+        bench_->SelectRate(user_.Pick(static_cast<std::int32_t>(SampleRateTable.size())));
+    } else if (event == Event::kProgramRestart) {
+        RestartProgram();
+    } else if (event == Event::kStoredValue) {
+        StoreOddValue();
+    } else {
+        ReachForTheCard(event);
+    }
+}
+
+// Without a card the program says so and ends; it is started again when there is one.
+void Soak::RestartProgram() {
+    bench_->End();
+    if (blocksUntilPlugged_ == 0)
+        StartUntilItRuns();
+    else
+        Require(!bench_->Start(), "The program runs without a card");
+}
+
+void Soak::ReachForTheCard(Event event) {
+    SimulatedSoundSystem& card = bench_->Card();
+    const auto blocks =
+        static_cast<std::int64_t>(user_.Between(0.1, 15.0) /
+                                  std::chrono::duration<double>(bench_->BlockTime()).count()) +
+        1;
+    if (event == Event::kUnplugged) {
+        if (blocksUntilPlugged_ == 0) card.Unplug();
+        blocksUntilPlugged_ = blocks;
+    } else if (event == Event::kStandstill) {
+        card.Card().SetStalled(true);
+        blocksUntilMoving_ = blocks;
+    } else if (event == Event::kFailedOperation) {
+        card.FailNext(static_cast<SimulatedSoundSystem::Operation>(user_.Pick(5)),
+                      {sound_error::kNoDriver, "The device is in use."});
+    } else if (event == Event::kOtherDevice) {
+        card.Card().SetDeviceUnderTest(AnyDevice(user_));
+    } else {
+        bench_->HoldUp(1 + user_.Pick(40));
+    }
+}
+
+// What an older or a damaged file may hold; read at the next start, if it is still there then.
+void Soak::StoreOddValue() {
+    static constexpr std::array<const SettingsKey*, 12> kKeys{
+        &keys::kAuto,         &keys::kBaseline,      &keys::kInput,
+        &keys::kOutput,       &keys::kSampleRate,    &keys::kLevel,
+        &keys::kCurrentStart, &keys::kCurrentEnd,    &keys::kCurrentSweepTime,
+        &keys::kCurrentType,  &keys::kNumberOfTones, &keys::kLastTab};
+    static constexpr std::array<const char*, 10> kValues{"",      "0",     "1",    "-1",  "7",
+                                                         "99999", "1e300", "True", "1,5", "x"};
+    const SettingsKey& key =
+        *kKeys[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kKeys.size())))];
+    bench_->Store().Save(
+        key.section, key.key,
+        kValues[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kValues.size())))]);
+}
+
+void Soak::CheckState() {
+    if (!bench_->Running()) return;
+    const StreamEngine& engine = bench_->Form().Engine;
+    Require(engine.PlayBlockIndex >= 0 && engine.PlayBlockIndex <= StreamEngine::kLastPlayBlock,
+            "PlayBlockIndex");
+    Require(engine.CaptureSegment >= 0 && engine.CaptureSegment <= 3, "CaptureSegment");
+    Require(engine.RestartCount >= 0 && engine.RestartCount < StreamEngine::kPrimingBlocks, "RestartCount");
+    CheckTones(After::kAnEvent);
+    CheckCounts();
+}
+
+void Soak::CheckTones(After what) {
+    const Generator& generator = bench_->Form().Measurement.Tones;
+    Require(generator.NumTones >= -1 && generator.NumTones <= kToneRecords, "NumTones");
+    if (!generator.GeneratorRunning) return;
+    for (std::int32_t i = 0; i < generator.NumTones; ++i) {
+        const ToneRecord& tone = generator.Tones[static_cast<std::size_t>(i)];
+        if (!std::isfinite(tone.Frequency) || tone.Frequency <= 0.0) Fail("Frequency", i, tone.Frequency);
+        if (tone.SampleCount < 0.0 || tone.SampleCount != std::floor(tone.SampleCount))
+            Fail("SampleCount", i, tone.SampleCount);
+        // Of the other waves it is a value from 0 to 1, or a quarter or three quarters of a turn, which a
+        // square that becomes a sine keeps until the next block.
+        const bool wasASquare = what == After::kAnEvent && std::abs(tone.Phase - 1.5 * kPi) <= 1e-9;
+        if (tone.WaveType == wave::kSine && !wasASquare && (tone.Phase <= -kPi || tone.Phase > kPi))
+            Fail("Phase", i, tone.Phase);
+    }
+}
+
+// Counts of one run of the program only grow, and every segment is either told of or counted as lost, but
+// for those that a stopped stream took with it.
+void Soak::CheckCounts() {
+    const StreamEngine& engine = bench_->Form().Engine;
+    const CaptureStatistics counts = engine.CaptureCounts();
+    if (bench_->Starts() != seenStart_) {
+        seenStart_ = bench_->Starts();
+        seenBlocks_ = seenOverruns_ = seenLosses_ = 0;
+        seenCapture_ = {};
+    }
+    Require(engine.Blocks >= seenBlocks_ && engine.Overruns >= seenOverruns_, "Blocks or Overruns went back");
+    Require(counts.framesCaptured >= seenCapture_.framesCaptured &&
+                counts.segmentsCompleted >= seenCapture_.segmentsCompleted &&
+                counts.segmentsLost >= seenCapture_.segmentsLost &&
+                counts.framesMissing >= seenCapture_.framesMissing,
+            "a capture count went back");
+    Require(counts.segmentsCompleted * 2048 <= counts.framesCaptured &&
+                counts.framesCaptured < (counts.segmentsCompleted + engine.CaptureStarts) * 2048,
+            "frames and segments disagree");
+    Require(engine.Blocks + engine.DroppedNotifications + counts.segmentsLost <= counts.segmentsCompleted,
+            "more blocks than segments");
+    report_.mostFrames = std::max(report_.mostFrames, counts.framesCaptured);
+    report_.overruns += engine.Overruns - seenOverruns_;
+    report_.losses += bench_->Form().Watch.Losses() - seenLosses_;
+    report_.segmentsLost += counts.segmentsLost - seenCapture_.segmentsLost;
+    seenBlocks_ = engine.Blocks;
+    seenOverruns_ = engine.Overruns;
+    seenLosses_ = bench_->Form().Watch.Losses();
+    seenCapture_ = counts;
+}
+
+void Soak::CheckReadings() {
+    const Tuning& tuning =
+        kTunings[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kTunings.size())))];
+    happenedLast_ += ", then order at " +
+                     std::to_string(SampleRateTable[static_cast<std::size_t>(tuning.rateIndex)]) + " Hz";
+    PutInOrder(tuning.rateIndex, tuning.frequencyHz);
+    WaitForReadings();
+    CompareReadings();
+    CheckThatBlocksAreCounted();
+    CheckState();
+    // A piece of wire costs the least time.
+    bench_->Card().Card().SetDeviceUnderTest({});
+    ++report_.checks;
+    CheckMemory();
+    report_.programStarts = bench_->Starts();
+    report_.messages = bench_->Messages();
+}
+
+void Soak::PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz) {
+    bench_->Card().Plug();
+    bench_->Card().Card().SetStalled(false);
+    bench_->Card().Card().SetDeviceUnderTest(KnownDevice());
+    blocksUntilPlugged_ = blocksUntilMoving_ = 0;
+    // The selection of devices does not open over a stored rate that is none.
+    bench_->Store().Save(keys::kSampleRate.section, keys::kSampleRate.key, "0");
+    // A card that comes back is taken up within seconds, and what is still to fail fails now.
+    for (int i = 0; i < kSettlingBlocks; ++i) Step();
+    for (int tries = 0; tries < 5; ++tries) {
+        if (!bench_->Running()) StartUntilItRuns();
+        bench_->SelectRate(rateIndex);
+        if (bench_->Running() && bench_->Form().Shared.EventsReady &&
+            bench_->Form().Shared.SampleRate == SampleRateTable[static_cast<std::size_t>(rateIndex)])
+            break;
+    }
+    Require(bench_->Running() && bench_->Form().Shared.EventsReady &&
+                bench_->Form().Shared.SampleRate == SampleRateTable[static_cast<std::size_t>(rateIndex)],
+            "the rate is not taken: " + bench_->LastMessage());
+    bench_->Act([&] {
+        frmMain& form = bench_->Form();
+        form.Signals.StopPlaying();
+        form.Measurement.Controls.chkAuto.UserSets(true);
+        form.Measurement.Controls.chkMuteOutput.UserSets(true);
+        form.BaselineOptions.chkBaseline.UserSets(false);
+        SignalControls& signal = form.Signals.Signal;
+        const auto move = [](Slider& slider, std::int32_t value) {
+            slider.UserMoves(value);
+            slider.UserReleases();
+        };
+        signal.cmbType.UserSelects(wave::kSine);
+        move(signal.sldLevel, 0);
+        move(signal.sldSweepTime, 0);
+        move(signal.sldStartFreq, frequencyHz);
+        signal.Command1.Press();
+    });
+    Require(bench_->Form().Measurement.Tones.SweepRunning,
+            "the tone does not start: " + bench_->LastMessage());
+}
+
+void Soak::WaitForReadings() {
+    // The delay of the device before is gone, the output has to come round.
+    for (int i = 0; i < 2 * Meter::kCycleBlocks; ++i) Step();
+    for (int i = 0; i < kSettlingBlocks && !(bench_->Running() && bench_->Form().Measurement.Settled()); ++i)
+        Step();
+    Require(bench_->Running() && bench_->Form().Measurement.Settled(),
+            "no settled reading: " + bench_->LastMessage());
+}
+
+void Soak::CompareReadings() {
+    const MeasurementControls& controls = bench_->Form().Measurement.Controls;
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kHarmonics.size(); ++i) {
+        sum += kHarmonics[i] * kHarmonics[i];
+        const double percent =
+            std::abs(Val(controls.lbltest[i].Caption()) - 100.0 * std::sqrt(sum / (1.0 + sum)));
+        const double db = std::abs(Val(controls.lblDb[i].Caption()) - 20.0 * std::log10(kHarmonics[i]));
+        report_.worstPercent = std::max(report_.worstPercent, percent);
+        report_.worstDb = std::max(report_.worstDb, db);
+        Require(percent <= kRoundingPercent && db <= kRoundingDb,
+                "harmonic " + std::to_string(i + 2) + " reads " + controls.lbltest[i].Caption() + " %, " +
+                    controls.lblDb[i].Caption() + " dB");
+    }
+    Require(controls.lblThd.Caption() == controls.lbltest.back().Caption(),
+            "the total reads " + controls.lblThd.Caption());
+}
+
+void Soak::CheckThatBlocksAreCounted() {
+    const StreamEngine& engine = bench_->Form().Engine;
+    const CaptureStatistics before = engine.CaptureCounts();
+    const std::uint64_t blocksBefore = engine.Blocks;
+    for (int i = 0; i < kCountedBlocks; ++i) Step();
+    const CaptureStatistics after = engine.CaptureCounts();
+    Require(engine.Blocks == blocksBefore + kCountedBlocks, "a block was not counted");
+    Require(after.framesCaptured == before.framesCaptured + kCountedBlocks * 2048 &&
+                after.segmentsCompleted == before.segmentsCompleted + kCountedBlocks &&
+                after.segmentsLost == before.segmentsLost,
+            "the ring's counts are wrong");
+    Require(bench_->Form().StreamTrouble.Caption().empty(),
+            "marked as stopped: " + bench_->Form().StreamTrouble.Caption());
+}
+
+// Sanitizers keep a heap of their own, of which nothing is known here: then both are 0.
+void Soak::CheckMemory() {
+    const std::size_t bytes = HeapInUse();
+    if (report_.warmBytes == 0) report_.warmBytes = bytes;
+    report_.mostBytes = std::max(report_.mostBytes, bytes);
+    Require(bytes <= report_.warmBytes + kHeapAllowance, "the heap grew from " +
+                                                             std::to_string(report_.warmBytes) + " to " +
+                                                             std::to_string(bytes) + " bytes");
+}
+
+}  // namespace sonavex

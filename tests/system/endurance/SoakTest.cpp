@@ -1,0 +1,32 @@
+#include <gtest/gtest.h>
+
+#include "system/endurance/Soak.h"
+
+namespace sonavex {
+namespace {
+
+// Half an hour of sound with an event every few seconds; sonavex-soak takes as many days as one likes.
+TEST(Soak, HoursOfUseAndFaultsLeaveTheReadingsRight) {
+    Soak soak(20260, 100.0);
+    ASSERT_NO_THROW(soak.Run(30'000, 3'000));
+    const Soak::Report& report = soak.Result();
+    EXPECT_GE(report.checks, 10U);
+    for (std::size_t i = 0; i < Soak::kEvents; ++i)
+        EXPECT_GT(report.events[i], 0U) << Soak::Name(static_cast<Soak::Event>(i));
+    EXPECT_GT(report.losses, 0U);
+    EXPECT_GT(report.segmentsLost, 0U);
+}
+
+TEST(Soak, LeavesTheProgramRunningWhereThatIsWanted) {
+    Soak soak(20261, 100.0);
+    soak.LeaveRunning();
+    ASSERT_NO_THROW(soak.Run(6'000, 3'000));
+    const Soak::Report& report = soak.Result();
+    EXPECT_EQ(report.events[static_cast<std::size_t>(Soak::Event::kProgramRestart)], 0U);
+    EXPECT_GT(report.events[static_cast<std::size_t>(Soak::Event::kUserAction)], 0U);
+    EXPECT_GT(report.mostFrames, 0U);
+    EXPECT_LE(report.mostFrames, report.blocks * 2048);
+}
+
+}  // namespace
+}  // namespace sonavex

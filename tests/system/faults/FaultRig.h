@@ -1,0 +1,205 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QLabel>
+#include <QSlider>
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+
+#include "app/sonavex/Program.h"
+#include "support/ChildProcess.h"
+#include "system/faults/Attendant.h"
+
+namespace sonavex {
+
+// What a process holds.
+struct Holdings {
+    std::ptrdiff_t files = 0;
+    std::ptrdiff_t threads = 0;
+    double bytes = 0;
+
+    static Holdings Now() {
+        const auto entries = [](const char* folder) {
+            return std::distance(std::filesystem::directory_iterator(folder),
+                                 std::filesystem::directory_iterator());
+        };
+        return {entries("/proc/self/fd"), entries("/proc/self/task"),
+                static_cast<double>(mallinfo2().uordblks)};
+    }
+};
+
+// The whole program in an account of its own, on whatever sound the environment names, and its user.
+class FaultRig : public testing::Test {
+protected:
+    using Clock = std::chrono::steady_clock;
+    static constexpr auto kHangLimit = std::chrono::milliseconds(3000);
+    static constexpr auto kLimit = std::chrono::seconds(20);
+    // Of memory that a run of the program may leave behind; each of its buffers is larger.
+    static constexpr double kKeptBytes = 96 * 1024;
+
+    FaultRig() {
+        for (const char* name : kFolders) setenv(name, folder_.Path().c_str(), 1);
+        unsetenv("SONAVEX_SOUND");
+    }
+    ~FaultRig() override {
+        for (const char* name : kFolders) unsetenv(name);
+        unsetenv("PULSE_SERVER");
+    }
+
+    // The settings before the first start.
+    void Store(const std::string& text) {
+        std::filesystem::create_directories(SettingsFile().parent_path());
+        std::ofstream(SettingsFile()) << text;
+    }
+
+    // Runs the test's story twice in the same process, each time in a program started anew: what the
+    // first run left behind is common property of the libraries, what the second adds is a leak.
+    template <class Story>
+    void Twice(Story story) {
+        Run(story);
+        if (HasFatalFailure()) return;
+        const Holdings before = Holdings::Now();
+        Run(story);
+        ExpectNothingKept(before);
+    }
+    static void ExpectNothingKept(const Holdings& before) {
+        const Holdings after = Holdings::Now();
+        EXPECT_EQ(after.files, before.files);
+        EXPECT_EQ(after.threads, before.threads);
+        // A sanitizer's allocator does not count here; it finds leaks by itself.
+#if !defined(SONAVEX_SANITIZED)
+        EXPECT_LT(after.bytes - before.bytes, kKeptBytes);
+#endif
+    }
+    template <class Story>
+    void Run(Story story) {
+        std::filesystem::remove(ErrorFile());
+        record_.clear();
+        attendant_.emplace();
+        attendant_->OnError = [this] { Look(); };
+        attendant_->OnSelection = onSelection;
+        program_ = std::make_unique<app::Program>();
+        const std::optional<int> ended = program_->Open();
+        EXPECT_EQ(ended, std::nullopt);
+        if (!ended) story();
+        EXPECT_LE(attendant_->LongestStandstill(), kHangLimit);
+        if (!ended) {
+            program_->Form().Form_QueryUnload();
+            EXPECT_LE(attendant_->LongestStandstill(), kHangLimit);
+        }
+        program_.reset();
+        EXPECT_THAT(attendant_->Messages, testing::IsEmpty());
+        attendant_.reset();
+        if (afterRun) afterRun();
+    }
+
+    frmMain& Form() {
+        return program_->Form();
+    }
+    Attendant& User() {
+        return *attendant_;
+    }
+
+    template <class Condition>
+    static bool Within(std::chrono::milliseconds limit, Condition condition) {
+        QEventLoop waiting;
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, &waiting, [&] {
+            if (condition()) waiting.exit(0);
+        });
+        look.start(5);
+        QTimer::singleShot(limit, &waiting, [&] { waiting.exit(1); });
+        return condition() || waiting.exec() == 0;
+    }
+    static void Wait(std::chrono::milliseconds time) {
+        Within(time, [] { return false; });
+    }
+
+    // Blocks come, and the face says so.
+    void ExpectMeasuring() {
+        const std::uint64_t blocks = Form().Engine.Blocks;
+        EXPECT_TRUE(Within(kLimit, [&] { return Form().Engine.Blocks >= blocks + 3; })) << Record();
+        EXPECT_FALSE(Form().Watch.Stopped());
+        // The face follows with the next event, and blocks may come several in one.
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(Note().isVisible());
+    }
+    // What is played is what comes back, free of distortion.
+    void ExpectLoop(const std::string& reading = "1000") {
+        Form().Signals.Signal.Command1.Press();
+        EXPECT_TRUE(Within(kLimit, [&] {
+            return Form().Measurement.Controls.txtFreq.Text() == reading && Form().Measurement.ShownSettled();
+        })) << Form().Measurement.Controls.txtFreq.Text();
+        Form().Signals.Signal.Command1.Press();
+    }
+    // The loss was noticed in time, recorded and said once, and the figures were marked.
+    void ExpectLoss(const std::string& what) {
+        const auto limit = Form().Watch.Patience() + kHangLimit;
+        EXPECT_TRUE(Within(std::chrono::duration_cast<std::chrono::milliseconds>(limit),
+                           [&] { return !User().Errors.empty(); }));
+        ASSERT_EQ(User().Errors.size(), 1U);
+        EXPECT_THAT(User().Errors[0], testing::AllOf(testing::StartsWith("The sound device in use was lost."),
+                                                     testing::HasSubstr(what)));
+        EXPECT_THAT(record_, testing::AllOf(testing::HasSubstr("The sound device in use was lost."),
+                                            testing::HasSubstr(what)));
+        EXPECT_TRUE(markedAtError_);
+        EXPECT_EQ(Form().Watch.Losses(), 1U);
+    }
+    // The program goes on by itself once the device is back; nothing more was said.
+    void ExpectReturn() {
+        EXPECT_TRUE(Within(kLimit, [&] { return !Form().Watch.Stopped(); }));
+        ExpectMeasuring();
+        EXPECT_EQ(User().Errors.size(), 1U);
+        EXPECT_EQ(Form().Watch.Losses(), 1U);
+    }
+
+    // Of all runs to come. `afterRun`: when the program is gone.
+    std::function<void(QDialog&)> onSelection;
+    std::function<void()> afterRun;
+
+    QLabel& Note() {
+        return *program_->Window().findChild<QLabel*>(QStringLiteral("streamNote"));
+    }
+    // As it was while the last error dialog was open.
+    const std::string& Record() const {
+        return record_;
+    }
+    std::filesystem::path ErrorFile() const {
+        return folder_.Path() / "desktop" / "Quenby Error.txt";
+    }
+    std::filesystem::path SettingsFile() const {
+        return folder_.Path() / "Sonavex" / "Sonavex.ini";
+    }
+
+private:
+    void Look() {
+        std::ostringstream text;
+        text << std::ifstream(ErrorFile()).rdbuf();
+        record_ = text.str();
+        markedAtError_ = program_->Window().isVisible() && Note().isVisible();
+    }
+
+    static constexpr const char* kFolders[] = {"XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "userprofile"};
+
+    PrivateFolder folder_;
+    std::optional<Attendant> attendant_;
+    std::unique_ptr<app::Program> program_;
+    std::string record_;
+    bool markedAtError_ = false;
+};
+
+}  // namespace sonavex

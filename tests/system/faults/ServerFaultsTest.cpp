@@ -1,0 +1,342 @@
+// The whole program while things go wrong with a real sound server of the test's own.
+
+#include "support/PipeWireServer.h"
+#include "support/PulseServer.h"
+#include "support/alsa/LoopCards.h"
+#include "system/faults/FaultRig.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::IsEmpty;
+
+const NullSink kCard{"card", 32000, "TestCard"};
+const NullSink kOther{"other", 32000, "OtherCard"};
+
+constexpr const char* kOnTheServer = "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n";
+constexpr const char* kOnBoth = "[SoundCard]\nInput=other.monitor\nOutput=card\nSampleRate=2\n";
+
+class ServerFaults : public FaultRig {
+protected:
+    static void Use(const SoundServer& server) { setenv("PULSE_SERVER", server.Address().c_str(), 1); }
+
+    // The protocol server dies and comes back after a while, in which nothing more is said.
+    void CheckDeathOf(SoundServer& server) {
+        Use(server);
+        Twice([&] {
+            ExpectMeasuring();
+            server.Kill();
+            ExpectLoss("The sound server has gone.");
+            EXPECT_EQ(User().Selections, 0);
+            Wait(3s);
+            EXPECT_TRUE(Form().Watch.Stopped());
+            EXPECT_TRUE(Note().isVisible());
+            server.Restart();
+            ExpectReturn();
+            ExpectLoop();
+        });
+    }
+
+    void CheckUnloadingAt(const SoundServer& server) {
+        Use(server);
+        Store(kOnTheServer);
+        std::string module = server.LoadNullSink(kCard);
+        Twice([&] {
+            ExpectMeasuring();
+            server.Control({"unload-module", module});
+            ExpectLoss("has been removed");
+            Wait(2s);
+            EXPECT_TRUE(Form().Watch.Stopped());
+            module = server.LoadNullSink(kCard);
+            ExpectReturn();
+            ExpectLoop();
+        });
+    }
+
+    // Nothing says that a server stands still: it is noticed by what does not come.
+    void CheckPauseOf(SoundServer& server) {
+        Use(server);
+        Twice([&] {
+            ExpectMeasuring();
+            server.Pause();
+            ExpectLoss("no longer delivers anything");
+            Wait(3s);
+            EXPECT_TRUE(Form().Watch.Stopped());
+            server.Continue();
+            ExpectReturn();
+            ExpectLoop();
+        });
+    }
+
+    // PipeWire takes its time.
+    static void MakeDefault(const SoundServer& server, const std::string& sink) {
+        server.Control({"set-default-sink", sink});
+        server.Control({"set-default-source", sink + ".monitor"});
+        ASSERT_TRUE(Within(kLimit, [&] {
+            return server.Control({"get-default-sink"}) == sink &&
+                   server.Control({"get-default-source"}) == sink + ".monitor";
+        }));
+    }
+
+    // The stream stays where it is; what is opened later follows the default.
+    void CheckDefaultOf(const SoundServer& server) {
+        Use(server);
+        Twice([&] {
+            MakeDefault(server, "card");
+            EXPECT_TRUE(Form().Engine.ReStart());
+            ExpectMeasuring();
+            EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
+            MakeDefault(server, "other");
+            Wait(500ms);
+            ExpectMeasuring();
+            EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
+            EXPECT_TRUE(Form().Engine.ReStart());
+            ExpectMeasuring();
+            EXPECT_EQ(Form().lblOutput.Caption(), "OtherCard");
+            EXPECT_EQ(Form().lblInput.Caption(), "Monitor of OtherCard");
+            ExpectLoop();
+            EXPECT_THAT(User().Errors, IsEmpty());
+        });
+    }
+
+    // As many as there are in a life of the program, without a pause.
+    void CheckRestartsOn(const SoundServer& server) {
+        Use(server);
+        Run([&] {
+            ExpectMeasuring();
+            const auto restart = [&](int times) {
+                for (int i = 0; i < times; ++i) {
+                    ASSERT_TRUE(Form().Engine.ReStart()) << i;
+                    if (i % 20 == 0) Wait(30ms);
+                }
+                ExpectMeasuring();
+            };
+            restart(20);
+            const Holdings before = Holdings::Now();
+            restart(200);
+            ExpectNothingKept(before);
+            EXPECT_THAT(User().Errors, IsEmpty());
+        });
+    }
+};
+
+TEST_F(ServerFaults, PulseAudioKilledAndStartedAgain) {
+    PulseServer server({kCard});
+    CheckDeathOf(server);
+}
+
+TEST_F(ServerFaults, PipeWireKilledAndStartedAgain) {
+    PipeWireServer server({kCard});
+    CheckDeathOf(server);
+}
+
+TEST_F(ServerFaults, SinkOfPulseAudioUnloadedAndLoadedAgain) {
+    CheckUnloadingAt(PulseServer({kOther}));
+}
+
+TEST_F(ServerFaults, SinkOfPipeWireUnloadedAndLoadedAgain) {
+    CheckUnloadingAt(PipeWireServer({kOther}));
+}
+
+TEST_F(ServerFaults, SourceUnloadedAndLoadedAgain) {
+    const PulseServer server({kCard});
+    Use(server);
+    Store(kOnBoth);
+    std::string module = server.LoadNullSink(kOther);
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"unload-module", module});
+        ExpectLoss("'Monitor of OtherCard' has been removed");
+        module = server.LoadNullSink(kOther);
+        ExpectReturn();
+        EXPECT_EQ(Form().lblInput.Caption(), "Monitor of OtherCard");
+    });
+}
+
+// The devices are still listed, so the user is asked to choose, and chooses the same once they run.
+TEST_F(ServerFaults, SinkSuspendedAndResumed) {
+    const PulseServer server({kCard});
+    Use(server);
+    Store(kOnTheServer);
+    onSelection = [&](QDialog&) {
+        EXPECT_TRUE(Note().isVisible());
+        server.Control({"suspend-sink", "card", "0"});
+    };
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"suspend-sink", "card", "1"});
+        ExpectLoss("has been suspended");
+        EXPECT_EQ(User().Selections, 1);
+        ExpectReturn();
+        ExpectLoop();
+    });
+}
+
+// Nothing is said of a sink that is suspended for a moment while the user looks at the selection, and
+// the choice of a device that sleeps ends in a second message.
+TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
+    const PulseServer server({kCard});
+    Use(server);
+    Store(kOnTheServer);
+    onSelection = [&](QDialog&) {
+        if (User().Selections == 2) server.Control({"suspend-sink", "card", "0"});
+    };
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"suspend-sink", "card", "1"});
+        EXPECT_TRUE(Within(kLimit, [&] { return User().Selections == 2; }));
+        ExpectMeasuring();
+        EXPECT_EQ(User().Errors.size(), 2U);
+    });
+}
+
+// PipeWire says of such a sink that it runs, and moves silence from then on: that is what is read, and a
+// new start hears the sink again.
+TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
+    const PipeWireServer server({kCard});
+    Use(server);
+    Store(kOnTheServer);
+    Twice([&] {
+        ExpectLoop();
+        Form().Signals.Signal.Command1.Press();
+        server.Control({"suspend-sink", "card", "1"});
+        EXPECT_TRUE(Within(
+            kLimit, [&] { return Form().Watch.Stopped() || !Form().Measurement.Analysis().FreqLocked; }));
+        server.Control({"suspend-sink", "card", "0"});
+        Form().Signals.Signal.Command1.Press();
+        EXPECT_TRUE(Form().Engine.ReStart());
+        ExpectMeasuring();
+        ExpectLoop();
+    });
+}
+
+// The input goes on without the output.
+TEST_F(ServerFaults, OnlyTheOutputUnloaded) {
+    const PulseServer server({kOther});
+    Use(server);
+    Store(kOnBoth);
+    std::string module = server.LoadNullSink(kCard);
+    Twice([&] {
+        ExpectMeasuring();
+        server.Control({"unload-module", module});
+        ExpectLoss("'TestCard' has been removed");
+        module = server.LoadNullSink(kCard);
+        ExpectReturn();
+    });
+}
+
+// The cards that are left are not what was measured with: nobody is asked, and nothing is taken instead.
+TEST_F(ServerFaults, ServerKilledBesideACard) {
+    const LoopCards cards(CardList{{"spare", "Spare card"}});
+    PulseServer server({kCard});
+    Use(server);
+    Twice([&] {
+        ExpectMeasuring();
+        server.Kill();
+        ExpectLoss("The sound server has gone.");
+        EXPECT_EQ(User().Selections, 0);
+        Wait(3s);
+        EXPECT_TRUE(Form().Watch.Stopped());
+        server.Restart();
+        ExpectReturn();
+        EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
+    });
+}
+
+// The user opens the selection; meanwhile the device goes, and is chosen all the same until it is back.
+TEST_F(ServerFaults, SinkUnloadedWhileDevicesAreSelected) {
+    const PulseServer server({kOther});
+    Use(server);
+    Store(kOnTheServer);
+    std::string module = server.LoadNullSink(kCard);
+    onSelection = [&](QDialog&) {
+        if (User().Selections == 1) {
+            server.Control({"unload-module", module});
+            EXPECT_TRUE(Within(kHangLimit, [&] { return Note().isVisible(); }));
+        } else {
+            module = server.LoadNullSink(kCard);
+        }
+    };
+    Twice([&] {
+        ExpectMeasuring();
+        Form().mnuSelectCard_Click();
+        EXPECT_EQ(User().Selections, 2);
+        EXPECT_EQ(User().Errors.size(), 1U);
+        ExpectMeasuring();
+    });
+}
+
+// The level is moved while there is nothing to move it on, and holds when the device is back.
+TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
+    PulseServer server({kCard});
+    Use(server);
+    Run([&] {
+        ExpectMeasuring();
+        server.Kill();
+        ExpectLoss("The sound server has gone.");
+        Form().Signals.Signal.sldLevel.UserMoves(-600);
+        server.Restart();
+        ExpectReturn();
+        Form().Signals.Signal.Command1.Press();
+        // A quarter of full scale, half of it.
+        EXPECT_TRUE(Within(kLimit, [&] { return Form().Measurement.Controls.LblLevel.Caption() == "13"; }))
+            << Form().Measurement.Controls.LblLevel.Caption();
+        Form().Signals.Signal.Command1.Press();
+    });
+}
+
+TEST_F(ServerFaults, VolumesChangedMeanwhileAreSaid) {
+    const PulseServer server({kCard});
+    Use(server);
+    Run([&] {
+        ExpectMeasuring();
+        const auto expectNote = [&](const std::string& note) {
+            EXPECT_TRUE(Within(kLimit, [&] { return Form().PathNote.Caption() == note; }))
+                << Form().PathNote.Caption();
+        };
+        const auto stream = [&](const char* kind) {
+            const std::string list = server.Control({"list", "short", kind});
+            return list.substr(0, list.find('\t'));
+        };
+        expectNote("");
+        server.Control({"set-sink-volume", "card", "50%"});
+        expectNote("Output: volume of the device 50 %");
+        server.Control({"set-sink-volume", "card", "100%"});
+        server.Control({"set-sink-input-volume", stream("sink-inputs"), "70%"});
+        server.Control({"set-source-output-mute", stream("source-outputs"), "1"});
+        expectNote("Input: muted by the sound server\rOutput: volume of the stream 70 %");
+        server.Control({"set-sink-input-volume", stream("sink-inputs"), "100%"});
+        server.Control({"set-source-output-mute", stream("source-outputs"), "0"});
+        expectNote("");
+    });
+}
+
+TEST_F(ServerFaults, PulseAudioStandsStillAndGoesOn) {
+    PulseServer server({kCard});
+    CheckPauseOf(server);
+}
+
+TEST_F(ServerFaults, PipeWireStandsStillAndGoesOn) {
+    PipeWireServer server({kCard});
+    CheckPauseOf(server);
+}
+
+TEST_F(ServerFaults, DefaultDeviceOfPulseAudioChanged) {
+    CheckDefaultOf(PulseServer({kCard, kOther}));
+}
+
+TEST_F(ServerFaults, DefaultDeviceOfPipeWireChanged) {
+    CheckDefaultOf(PipeWireServer({kCard, kOther}));
+}
+
+TEST_F(ServerFaults, TwoHundredRestartsOnPulseAudio) {
+    CheckRestartsOn(PulseServer({kCard}));
+}
+
+TEST_F(ServerFaults, TwoHundredRestartsOnPipeWire) {
+    CheckRestartsOn(PipeWireServer({kCard}));
+}
+
+}  // namespace
+}  // namespace sonavex

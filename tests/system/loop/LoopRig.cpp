@@ -1,0 +1,80 @@
+#include "system/loop/LoopRig.h"
+
+#include <gtest/gtest.h>
+
+#include "core/text/Numbers.h"
+
+namespace sonavex {
+
+LoopRig::LoopRig(std::int32_t rateHz) {
+    shared.SampleRate = rateHz;
+    settings_.Save(keys::kLevel, "0");
+    meter.Controls.chkAuto.SetValue(1);
+    meter.Controls.chkMuteOutput.SetValue(1);
+    engine_ = std::make_unique<StreamEngine>(
+        StreamEngine::Environment{shared, settings_, sound_, loop_, *this, *this, *this, meter},
+        StreamEngine::Controls{lblInput_, lblOutput_, lblSampleRate_, sldStartFreq_, sldEndFreq_});
+    EXPECT_TRUE(engine_->CreateDevices());
+    meter.SetUpAnalysis(25, rateHz / 2 - 100);
+    EXPECT_TRUE(engine_->SetEvents());
+    engine_->ResetStream();
+    engine_->StartCapture();
+}
+
+void LoopRig::Message(const std::string& text, MessageIcon) {
+    ADD_FAILURE() << text;
+}
+
+bool LoopRig::AskOkCancel(const std::string& text) {
+    ADD_FAILURE() << text;
+    return false;
+}
+
+std::int32_t LoopRig::WriteErrorLog(std::string& tStr, const RuntimeError& error) {
+    ADD_FAILURE() << tStr << ' ' << error.what();
+    return 0;
+}
+
+void LoopRig::PlaySine(double frequencyHz) {
+    meter.Tones.NumTones = 1;
+    meter.Tones.Tones[0].WaveType = wave::kSine;
+    meter.Tones.Tones[0].Frequency = frequencyHz;
+    meter.Tones.ResetTonePhases();
+    meter.Tones.SetGeneratorRunning(true);
+}
+
+void LoopRig::Step(int blocks) {
+    for (int i = 0; i < blocks; ++i) {
+        const std::int64_t before = meter.Blocks();
+        sound_.Card().Step(2048);
+        loop_.Yield();
+        ASSERT_EQ(meter.Blocks(), before + 1);
+    }
+    ASSERT_EQ(engine_->Overruns, 0U);
+}
+
+void LoopRig::Settle() {
+    for (int blocks = 0; blocks < 100; ++blocks) {
+        Step();
+        if (testing::Test::HasFatalFailure() || meter.Settled()) return;
+    }
+    FAIL() << "no 19 good blocks in a row";
+}
+
+std::string LoopRig::PercentText(int n) const {
+    return meter.Controls.lbltest[static_cast<std::size_t>(n - 2)].Caption();
+}
+
+std::string LoopRig::DbText(int n) const {
+    return meter.Controls.lblDb[static_cast<std::size_t>(n - 2)].Caption();
+}
+
+double LoopRig::Percent(int n) const {
+    return Val(PercentText(n));
+}
+
+double LoopRig::Db(int n) const {
+    return Val(DbText(n));
+}
+
+}  // namespace sonavex

@@ -1,0 +1,126 @@
+#include "system/safety/Writers.h"
+
+#include <QGuiApplication>
+#include <iostream>
+
+#include "platform/plain/FileMixerJournal.h"
+#include "platform/qt/QtPrinter.h"
+#include "platform/qt/QtSettingsStore.h"
+#include "system/safety/Files.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kSettings = "--write-settings";
+constexpr const char* kJournal = "--write-journal";
+constexpr const char* kReport = "--write-report";
+constexpr int kUnwritten = 3;
+
+constexpr int kKeys = 150;         // of each section
+constexpr int kLongValue = 12000;  // bytes
+constexpr int kJournalLines = 900;
+
+char Other(char which) {
+    return which == 'A' ? 'B' : 'A';
+}
+
+void SayWriting() {
+    static bool said = false;
+    if (!said) std::cout << "writing" << std::endl;
+    said = true;
+}
+
+int WriteSettings(const std::filesystem::path& file) {
+    QtSettingsStore store(file);
+    const char first = store.Get("Settings", "Only A", "").empty() ? 'A' : 'B';
+    for (char which = first;; which = Other(which)) {
+        for (const auto& [section, values] : SettingsSet(which)) {
+            store.DeleteSection(section);
+            for (const auto& [key, value] : values) store.Save(section, key, value);
+        }
+        if (!store.Write()) return kUnwritten;
+        SayWriting();
+    }
+}
+
+int WriteJournal(const std::filesystem::path& file) {
+    FileMixerJournal journal(file);
+    const char first = journal.Read() == JournalText('A') ? 'B' : 'A';
+    for (char which = first;; which = Other(which)) {
+        journal.Write(JournalText(which));
+        SayWriting();
+    }
+}
+
+// The two reports differ in their length.
+void PrintTo(QtPrinter& printer, const std::filesystem::path& file, char which) {
+    const PageSetUp page;
+    printer.Select({"", file.string()});
+    printer.BeginPage(page);
+    for (int line = 0; line < 20 * (which - '@'); ++line)
+        printer.Text(1.0, 1.0 + 0.2 * line, std::string(static_cast<std::size_t>(20 + line % 30), which));
+    printer.EndDoc();
+}
+
+int WriteReports(const std::filesystem::path& file) {
+    QtPrinter printer;
+    for (char which = 'A';; which = Other(which)) {
+        PrintTo(printer, file, which);
+        SayWriting();
+    }
+}
+
+Arguments Command(const char* command, const std::filesystem::path& file) {
+    return {ThisProgram(), command, file.string()};
+}
+
+}  // namespace
+
+IniSections SettingsSet(char which) {
+    IniSections sections;
+    for (const char* const section : {"Settings", "Signal Generator", "Memory"})
+        for (int key = 0; key < kKeys; ++key)
+            sections[section]["Value " + std::to_string(key)] = which + std::to_string(key * (which - '@'));
+    for (const char* const key : {"First", "Second", "Third", "Fourth"})
+        sections["Long"][key] = std::string(which == 'A' ? kLongValue : kLongValue / 2, which);
+    // Each set has keys that the other has not.
+    sections["Settings"][std::string("Only ") + which] = "1";
+    return sections;
+}
+
+std::string JournalText(char which) {
+    std::string text = "playback\tcard ";
+    text += which;
+    text += '\n';
+    for (int line = 0; line < kJournalLines * (which - '@'); ++line)
+        text += which + std::to_string(line) + " 20123 40111\n";
+    return text + '\n';
+}
+
+Arguments SettingsWriter(const std::filesystem::path& file) {
+    return Command(kSettings, file);
+}
+
+Arguments JournalWriter(const std::filesystem::path& file) {
+    return Command(kJournal, file);
+}
+
+Arguments ReportWriter(const std::filesystem::path& file) {
+    return Command(kReport, file);
+}
+
+std::optional<int> RunWriter(int argc, char** argv) {
+    if (argc != 3) return std::nullopt;
+    const std::string command = argv[1];
+    if (command == kJournal) return WriteJournal(argv[2]);
+    if (command == kSettings) {
+        const QCoreApplication application(argc, argv);
+        return WriteSettings(argv[2]);
+    }
+    if (command != kReport) return std::nullopt;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    return WriteReports(argv[2]);
+}
+
+}  // namespace sonavex

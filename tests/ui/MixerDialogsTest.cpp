@@ -1,0 +1,334 @@
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QTest>
+#include <QTimer>
+#include <set>
+
+#include "ui/MixerRig.h"
+
+namespace sonavex {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+
+void Settle(MixerRig& rig) {
+    rig.loop.DeliverSignals();
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+}
+
+template <class Widget>
+Widget& Find(QWidget& dialog, const char* name) {
+    auto* const widget = dialog.findChild<Widget*>(name);
+    if (widget == nullptr) throw std::runtime_error(name);
+    return *widget;
+}
+
+// Both ways: every control has its widget of the same name, every prefixed widget a control.
+void ExpectJoined(ui::ModelessDialog& dialog, std::size_t controls) {
+    std::set<QObject*> widgets;
+    std::set<Control*> bound;
+    for (const auto& pair : std::as_const(dialog).Bindings().Pairs()) {
+        widgets.insert(pair.widget);
+        bound.insert(pair.control);
+    }
+    EXPECT_EQ(bound.size(), controls);
+    for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
+        const QString name = widget->objectName();
+        const bool prefixed = name.startsWith("sld") || name.startsWith("chk") || name.startsWith("cmd") ||
+                              name.startsWith("lbl") || name.startsWith("Command");
+        if (prefixed) {
+            EXPECT_TRUE(widgets.count(const_cast<QWidget*>(widget)) == 1) << name.toStdString();
+        }
+    }
+}
+
+TEST(MixerDialogs, JoinEveryControl) {
+    MixerRig rig(10);
+    ExpectJoined(rig.dialogs.Sound, 24);
+    ExpectJoined(rig.dialogs.SoundVista, 23);
+    ExpectJoined(rig.dialogs.Tone, 10);
+}
+
+TEST(MixerDialogs, HaveTheirCaptionsAndToolTips) {
+    MixerRig rig(10);
+    EXPECT_EQ(rig.dialogs.Sound.windowTitle(), "Sound Card Controls");
+    EXPECT_EQ(rig.dialogs.SoundVista.windowTitle(), "Sound Controls");
+    EXPECT_EQ(rig.dialogs.Tone.windowTitle(), "Tone Controls");
+    const std::pair<const char*, const char*> tips[] = {
+        {"sldSpeakers", "Percentage of Speaker Output"},
+        {"chkSpeakerMute", "Mute speaker control"},
+        {"sldMaster", "Master Speaker Volume"},
+        {"chkMasterMute", "Master Mute Speaker"},
+        {"sldLinePlay", "Playback Line Level"},
+        {"chkLinePlay", "Mute Playback Line Out"},
+        {"sldMicPlay", "Play Back Microphone Level (Should always be muted)"},
+        {"chkMicPlay", "Mute Play Back Microphone  (Should always be muted)"},
+        {"cmdTone", "Internal soundcard tone controls"},
+        {"sldMic", "Recording microphone level"},
+        {"sldLine", "Recording Line In level"},
+        {"chkBoost", "Amplify microphone +20 dB"},
+        {"chkNoMon", "Record without monitoring (should be checked if availble)"},
+        {"cmdSync",
+         "Sync all controls with windows levels. Only useful if windows controls are adjested while this "
+         "dialog box is open"}};
+    for (const auto& [name, tip] : tips)
+        EXPECT_EQ(Find<QWidget>(rig.dialogs.SoundVista, name).toolTip(), tip) << name;
+    EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldBass").toolTip(), "Adjust Bass Response");
+    EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldMid").toolTip(), "Adjust Midrange Response");
+    EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldTreble").toolTip(), "Adjust Treble Response");
+}
+
+using Captions = std::vector<std::pair<const char*, const char*>>;
+
+// Of labels, boxes and buttons by name; the empty name stands for any label, such as a frame's title.
+void ExpectCaptions(QWidget& dialog, const Captions& captions) {
+    std::set<std::string> titles;
+    for (const QLabel* label : dialog.findChildren<QLabel*>()) titles.insert(label->text().toStdString());
+    for (const auto& [name, caption] : captions) {
+        if (*name == '\0') {
+            EXPECT_THAT(titles, Contains(caption));
+            continue;
+        }
+        EXPECT_EQ(Find<QWidget>(dialog, name).property("text").toString(), caption) << name;
+    }
+}
+
+TEST(MixerDialogs, NameTheirControls) {
+    MixerRig rig(5);
+    ExpectCaptions(rig.dialogs.Sound, {{"", "Play Controls (Output)"},
+                                       {"", "Record Controls (Input)"},
+                                       {"lblMaster", "Master"},
+                                       {"lblWave", "Wave"},
+                                       {"lblLine", "Line"},
+                                       {"lblMicrophone", "Microphone"},
+                                       {"lblLineRec", "Line Rec"},
+                                       {"MasterMute", "Mute"},
+                                       {"WaveMute", "Mute"},
+                                       {"LinePlayMute", "Mute"},
+                                       {"micPlayMute", "Mute"},
+                                       {"chkmic", "Select"},
+                                       {"chkline", "Select"},
+                                       {"chk20Db", "+20 Db"},
+                                       {"chkNoMon", "Mon Off"},
+                                       {"Command1", "Sync"},
+                                       {"cmdOk", "Close"}});
+}
+
+TEST(VistaDialog, NamesItsControls) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    ExpectCaptions(rig.dialogs.SoundVista, {{"", "Playback"},
+                                            {"", "Record"},
+                                            {"lblSpeaker", "Speaker :"},
+                                            {"chkSpeakerMute", "Mute"},
+                                            {"chkMasterMute", "Mute"},
+                                            {"lblLinePlay", "Line :"},
+                                            {"chkLinePlay", "Mute"},
+                                            {"lblMicPlay", "Microphone :"},
+                                            {"chkMicPlay", "Mute"},
+                                            {"cmdTone", "Tone"},
+                                            {"lblMicRecord", "Microphone :"},
+                                            {"lblLineRecord", "Line In :"},
+                                            {"chkBoost", "+20 dB"},
+                                            {"chkNoMon", "No Mon"},
+                                            {"cmdSync", "Sync"}});
+    ExpectCaptions(
+        rig.dialogs.Tone,
+        {{"lblBass", "Bass :"}, {"lblMid", "Mid Range :"}, {"lblTreble", "Treble :"}, {"cmdClose", "Close"}});
+}
+
+TEST(MixerDialogs, OpenOnceBesideTheMainWindow) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_TRUE(rig.dialogs.SoundVista.isVisible());
+    EXPECT_FALSE(rig.dialogs.SoundVista.isModal());
+    EXPECT_FALSE(rig.dialogs.Sound.isVisible());
+    QTest::mouseClick(&Find<QPushButton>(rig.dialogs.SoundVista, "cmdTone"), Qt::LeftButton);
+    EXPECT_TRUE(rig.dialogs.Tone.isVisible());
+    rig.session.UnloadDialogs();
+    EXPECT_FALSE(rig.dialogs.SoundVista.isVisible());
+    EXPECT_FALSE(rig.dialogs.Tone.isVisible());
+}
+
+TEST(MixerDialogs, CloseByButtonFrameAndEscape) {
+    MixerRig rig(10);
+    const std::function<void()> ways[] = {
+        [&] { QTest::mouseClick(&Find<QPushButton>(rig.dialogs.SoundVista, "Command1"), Qt::LeftButton); },
+        [&] { rig.dialogs.SoundVista.close(); },
+        [&] { QTest::keyClick(&rig.dialogs.SoundVista, Qt::Key_Escape); }};
+    for (const auto& close : ways) {
+        rig.session.ShowSoundCard();
+        ASSERT_TRUE(rig.dialogs.SoundVista.isVisible());
+        close();
+        EXPECT_FALSE(rig.dialogs.SoundVista.isVisible());
+        EXPECT_FALSE(rig.session.SoundVista.Loaded());
+    }
+}
+
+TEST(MixerDialogs, ComeBackWhereTheyWere) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    rig.dialogs.SoundVista.move(123, 77);
+    Settle(rig);
+    rig.dialogs.SoundVista.close();
+    EXPECT_EQ(rig.store.Get("Windows", "frmSoundVista Left", ""), "123");
+    EXPECT_EQ(rig.store.Get("Windows", "frmSoundVista Top", ""), "77");
+    rig.dialogs.SoundVista.move(0, 0);
+    rig.session.ShowSoundCard();
+    EXPECT_EQ(rig.dialogs.SoundVista.pos(), QPoint(123, 77));
+}
+
+// Whatever figures stand beside them.
+TEST(MixerDialogs, EndTheirSlidersInOneLine) {
+    for (const std::int32_t generation : {5, 10}) {
+        MixerRig rig(generation);
+        rig.mixer.SetValues(MixerFunction::kLineRecord, {6554, 6554});
+        rig.session.ShowSoundCard();
+        Settle(rig);
+        QWidget& dialog = generation < 6 ? static_cast<QWidget&>(rig.dialogs.Sound) : rig.dialogs.SoundVista;
+        std::set<int> ends;
+        for (const QSlider* slider : dialog.findChildren<QSlider*>())
+            ends.insert(slider->mapTo(&dialog, slider->rect().topRight()).x());
+        EXPECT_EQ(ends.size(), 1U) << generation;
+    }
+}
+
+TEST(VistaDialog, MovesTheCardAndShowsIt) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    ui::SoundVistaDialog& dialog = rig.dialogs.SoundVista;
+    Find<QSlider>(dialog, "sldSpeakers").setValue(50);
+    Settle(rig);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMasterVolume), (std::vector<std::int32_t>{32750, 32750}));
+    EXPECT_EQ(Find<QSlider>(dialog, "sldMaster").value(), 50) << "the same control of this card";
+    EXPECT_EQ(Find<QLabel>(dialog, "percent_sldSpeakers").text(), "50 %");
+    QTest::mouseClick(&Find<QCheckBox>(dialog, "chkBoost"), Qt::LeftButton, {}, QPoint(8, 8));
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicBoost)[0], 1);
+    EXPECT_EQ(Find<QLabel>(dialog, "lblInputMixer").text(), SimulatedSoundSystem::kDescription);
+}
+
+TEST(VistaDialog, ShowsWhatOthersChangeAtOnce) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    rig.mixer.SetValues(MixerFunction::kLineRecord, {6554, 6554});
+    Settle(rig);
+    EXPECT_EQ(Find<QSlider>(rig.dialogs.SoundVista, "sldLine").value(), 10);
+    EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "percent_sldLine").text(), "10 %");
+}
+
+TEST(VistaDialog, ChecksTheBoostThatOthersSwitchOn) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_FALSE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
+    rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
+    Settle(rig);
+    EXPECT_TRUE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
+}
+
+TEST(VistaDialog, TellsOfADivisionByZero) {
+    MixerRig rig(10);
+    rig.session.ShowSoundCard();
+    Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(0);
+    Settle(rig);
+    Find<QSlider>(rig.dialogs.SoundVista, "sldMaster").setValue(20);
+    EXPECT_THAT(rig.log.Of("Message"), Contains(HasSubstr("Run-time error '11':")));
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMasterVolume)[0], 0);
+}
+
+TEST(VistaDialog, GreysWhatTheCardLacks) {
+    MixerRig rig(10, {MixerFunction::kMicRecord, MixerFunction::kLineMute, MixerFunction::kMasterVolume});
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    for (const char* name : {"sldMic", "lblMicRecord", "percent_sldMic", "chkLinePlay", "sldMaster",
+                             "capMaster", "sldSpeakers", "lblSpeaker"})
+        EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
+    for (const char* name : {"sldLine", "chkSpeakerMute", "chkMasterMute", "sldMicPlay", "chkMicPlay"})
+        EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
+    EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "lblInputMixer").text(), "Not Selected");
+}
+
+// The last volume and the last mute would otherwise be the microphone's.
+TEST(VistaDialog, OfACardWithoutMasterMovesNothingElse) {
+    MixerRig rig(10, {MixerFunction::kMasterVolume, MixerFunction::kMasterMute});
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    const auto level = rig.mixer.Values(MixerFunction::kMicVolume);
+    const auto mute = rig.mixer.Values(MixerFunction::kMicMute);
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
+    Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(90);
+    rig.session.SoundVista.chkSpeakerMute.UserSets(mute.front() == 0);
+    Settle(rig);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicVolume), level);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute), mute);
+    EXPECT_EQ(rig.mixer.Writes(), 0);
+}
+
+TEST(VistaDialog, OfAMasterWithoutMuteLeavesTheMicrophonesMute) {
+    MixerRig rig(10, {MixerFunction::kMasterMute});
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
+    rig.session.SoundVista.chkSpeakerMute.UserSets(false);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute)[0], 1);
+    EXPECT_EQ(rig.mixer.Writes(), 0);
+}
+
+TEST(ToneDialog, MovesTheCardsTones) {
+    MixerRig rig(10);
+    rig.session.SoundVista.ShowTone();
+    Settle(rig);
+    Find<QSlider>(rig.dialogs.Tone, "sldBass").setValue(-6);
+    Settle(rig);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kBass)[0], -6);
+    EXPECT_EQ(Find<QLabel>(rig.dialogs.Tone, "lblBassValue").text(), "-6 dB");
+}
+
+TEST(OlderDialog, SlidersRiseToTheRight) {
+    MixerRig rig(5);
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    EXPECT_TRUE(rig.dialogs.Sound.isVisible());
+    auto& wave = Find<QSlider>(rig.dialogs.Sound, "WaveOut");
+    EXPECT_EQ(wave.value(), -100);
+    wave.setFocus();
+    QTest::keyClick(&wave, Qt::Key_Left);
+    Settle(rig);
+    EXPECT_EQ(wave.value(), -99);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kWaveVolume)[0], 64880);
+    EXPECT_EQ(Find<QLabel>(rig.dialogs.Sound, "percent_WaveOut").text(), "99 %");
+    QTest::keyClick(&wave, Qt::Key_Right);
+    EXPECT_EQ(wave.value(), -100);
+}
+
+TEST(OlderDialog, SelectsOneSource) {
+    MixerRig rig(5);
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    auto& mic = Find<QRadioButton>(rig.dialogs.Sound, "chkmic");
+    auto& line = Find<QRadioButton>(rig.dialogs.Sound, "chkline");
+    EXPECT_TRUE(line.isChecked());
+    mic.click();
+    Settle(rig);
+    EXPECT_TRUE(mic.isChecked());
+    EXPECT_FALSE(line.isChecked());
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicSource)[0], 1);
+    mic.click();
+    Settle(rig);
+    EXPECT_TRUE(mic.isChecked()) << "a second click keeps it";
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,228 @@
+// Pictures of the window in its states, for people to look at: sonavex-screenshots FOLDER. One scale a
+// run, by QT_SCALE_FACTOR.
+
+#include <QApplication>
+#include <QPalette>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "support/FormRig.h"
+#include "ui/FaceStyle.h"
+#include "ui/MainWindow.h"
+#include "ui/MixerRig.h"
+#include "ui/pictures/DialogPictures.h"
+#include "ui/widgets/Theme.h"
+
+namespace {
+
+using namespace sonavex;
+
+struct Scene {
+    const char* name;
+    std::function<void(FormRig&)> play;
+};
+
+void StartSine(FormRig& rig) {
+    rig.form.Signals.Signal.Command1.Press();
+    rig.Step(60);
+}
+
+void AddMemoryTones(FormRig& rig) {
+    SignalControls& signal = rig.form.Signals.Signal;
+    for (int i = 1; i <= 8; ++i) {
+        signal.sldStartFreq.UserMoves(i == 3 ? 15555 : 250 * i);
+        signal.sldStartFreq.UserReleases();
+        signal.cmbType.UserSelects(i % 4);
+        // Some sweep, the third one with the longest line there is.
+        signal.sldEndFreq.UserMoves(16000 - 3 * i);
+        signal.sldSweepTime.UserMoves(i % 3 == 0 ? 10000 : 0);
+        signal.sldSweepTime.UserReleases();
+        rig.form.Signals.Memory.cmdGenAdd.Press();
+    }
+    for (int i = 0; i < 8; ++i) rig.form.Signals.Memory.ToneList.UserSelects(i, true);
+}
+
+void SetDistortion(FormRig& rig) {
+    DeviceUnderTestModel model;
+    model.harmonicAmplitudes = {0.0004, 0.0002, 0.00008, 0.00005, 0.00003, 0.00002, 0.00002, 0.00001};
+    rig.card.Card().SetDeviceUnderTest(model);
+}
+
+const Scene kScenes[] = {
+    {"meter-start", [](FormRig&) {}},
+    {"meter-locked",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+     }},
+    {"meter-settling",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         rig.form.Signals.Signal.Command1.Press();
+         rig.Step(20);
+     }},
+    {"meter-unlocked",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.Measurement.Controls.chkAuto.UserSets(false);
+         rig.form.Measurement.Controls.txtFreq.UserTypes("440");
+         rig.Step(19);
+     }},
+    {"meter-overloaded",
+     [](FormRig& rig) {
+         DeviceUnderTestModel model;
+         model.gain = 6.0;
+         rig.card.Card().SetDeviceUnderTest(model);
+         rig.form.Measurement.Controls.chkMuteOutput.UserSets(false);
+         StartSine(rig);
+     }},
+    {"meter-path",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.PathNote.SetCaption("Input: resampled by the sound server, the device runs at 44100 Hz");
+     }},
+    {"meter-stopped",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+         rig.card.Unplug();
+         rig.loop.DeliverSignals();
+     }},
+    {"meter-baseline",
+     [](FormRig& rig) {
+         SetDistortion(rig);
+         StartSine(rig);
+         rig.form.BaselineOptions.cmdBaseline.Press();
+         rig.form.BaselineOptions.chkBaseline.UserSets(true);
+         rig.form.Signals.Signal.sldStartFreq.UserMoves(1500);
+         rig.Step(38);
+     }},
+    {"generator-idle", [](FormRig& rig) { rig.form.TabStrip1.SetIndex(1); }},
+    {"generator-playing",
+     [](FormRig& rig) {
+         rig.form.TabStrip1.SetIndex(1);
+         StartSine(rig);
+     }},
+    {"generator-sweeping",
+     [](FormRig& rig) {
+         rig.form.TabStrip1.SetIndex(1);
+         rig.form.Signals.Signal.sldEndFreq.UserMoves(8000);
+         rig.form.Signals.Signal.sldSweepTime.UserMoves(2000);
+         rig.form.Signals.Signal.sldSweepTime.UserReleases();
+         rig.form.Signals.Signal.chkLoop.UserSets(true);
+         rig.form.Signals.Signal.Command1.Press();
+         for (int i = 0; i < 50; ++i) {
+             rig.Step(1);
+             rig.loop.Advance(std::chrono::milliseconds(64));
+         }
+     }},
+    {"generator-memory",
+     [](FormRig& rig) {
+         rig.form.TabStrip1.SetIndex(1);
+         AddMemoryTones(rig);
+         rig.form.Signals.Memory.cmdStartMemory.Press();
+         rig.Step(30);
+     }},
+};
+
+QPalette PaletteOf(bool dark) {
+    const ui::Theme theme = dark ? ui::Theme::Dark() : ui::Theme::Light();
+    QPalette palette(theme.field, theme.window);
+    palette.setColor(QPalette::WindowText, theme.text);
+    palette.setColor(QPalette::Text, theme.text);
+    palette.setColor(QPalette::ButtonText, theme.text);
+    palette.setColor(QPalette::Base, theme.card);
+    palette.setColor(QPalette::Highlight, theme.accent);
+    return palette;
+}
+
+// The mixers' dialogs: with everything, and with what a plain USB card has.
+struct MixerScene {
+    const char* name;
+    std::int32_t osMajorVersion;
+    bool complete;
+    QWidget& (*show)(MixerRig&);
+};
+
+QWidget& ShowSound(MixerRig& rig) {
+    rig.session.ShowSoundCard();
+    return rig.dialogs.Sound;
+}
+
+QWidget& ShowSoundVista(MixerRig& rig) {
+    rig.session.ShowSoundCard();
+    return rig.dialogs.SoundVista;
+}
+
+QWidget& ShowTone(MixerRig& rig) {
+    rig.session.SoundVista.ShowTone();
+    return rig.dialogs.Tone;
+}
+
+const MixerScene kMixerScenes[] = {
+    {"sound", 5, true, ShowSound},
+    {"sound-sparse", 5, false, ShowSound},
+    {"sound-vista", 10, true, ShowSoundVista},
+    {"sound-vista-sparse", 10, false, ShowSoundVista},
+    {"tone", 10, true, ShowTone},
+    {"tone-sparse", 10, false, ShowTone},
+};
+
+const std::vector<MixerFunction> kNotOfAPlainCard{
+    MixerFunction::kWaveVolume, MixerFunction::kWaveMute,  MixerFunction::kLineVolume,
+    MixerFunction::kLineMute,   MixerFunction::kMicVolume, MixerFunction::kMicMute,
+    MixerFunction::kMidRange,   MixerFunction::kMicBoost,  MixerFunction::kMonitorOff,
+    MixerFunction::kMicRecord,  MixerFunction::kMicSource, MixerFunction::kLineSource};
+
+bool Picture(const MixerScene& scene, bool dark, const QString& folder) {
+    MixerRig rig(scene.osMajorVersion, scene.complete ? std::vector<MixerFunction>{} : kNotOfAPlainCard);
+    rig.mixer.SetValues(MixerFunction::kMasterVolume, {52428, 52428});
+    rig.mixer.SetValues(MixerFunction::kLineRecord, {45874, 45874});
+    rig.mixer.SetValues(MixerFunction::kBass, {-6});
+    rig.mixer.SetValues(MixerFunction::kTreble, {3});
+    rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
+    QWidget& dialog = scene.show(rig);
+    rig.loop.DeliverSignals();
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    const QString name = QStringLiteral("%1/%2-%3-%4.png")
+                             .arg(folder, scene.name, dark ? "dark" : "light")
+                             .arg(qRound(dialog.devicePixelRatio() * 100));
+    return dialog.grab().save(name);
+}
+
+bool Picture(const Scene& scene, bool dark, const QString& folder) {
+    FormRig rig;
+    ui::MainWindow window(rig.form, QString::fromUtf8(SimulatedSoundSystem::kDescription));
+    rig.form.Form_Load();
+    window.ShowPlaced();
+    scene.play(rig);
+    // What was flushed may ask for a new layout.
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    const QString name = QStringLiteral("%1/%2-%3-%4.png")
+                             .arg(folder, scene.name, dark ? "dark" : "light")
+                             .arg(qRound(window.devicePixelRatio() * 100));
+    return window.grab().save(name);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    QApplication::setStyle(new ui::FaceStyle);
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: sonavex-screenshots FOLDER\n");
+        return 2;
+    }
+    for (const bool dark : {false, true}) {
+        QApplication::setPalette(PaletteOf(dark));
+        for (const Scene& scene : kScenes)
+            if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
+        for (const MixerScene& scene : kMixerScenes)
+            if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
+        if (!DialogPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
+    }
+    return 0;
+}
