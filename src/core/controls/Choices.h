@@ -11,12 +11,12 @@
 
 namespace sonavex {
 
-// A list of which one entry is selected, or none (index -1). An index outside raises error 5.
+// A list with one selected entry, or none (index -1). An index out of range raises error 5.
 class ComboBox : public Control {
 public:
     std::int32_t Count() const noexcept { return static_cast<std::int32_t>(items_.size()); }
     const std::vector<std::string>& Items() const noexcept { return items_; }
-    // Also empties the selection.
+    // Also clears the selection.
     void SetItems(std::vector<std::string> items) {
         SetListIndex(-1);
         Assign(items_, std::move(items));
@@ -26,7 +26,7 @@ public:
         if (index < -1 || index >= Count()) throw RuntimeError(error_number::kInvalidCall);
         Assign(index_, index);
     }
-    // Text of the selected entry, empty without one.
+    // Text of the selected entry; empty if none is selected.
     std::string Text() const { return index_ < 0 ? std::string() : items_[static_cast<std::size_t>(index_)]; }
 
     void UserSelects(std::int32_t index) {
@@ -40,7 +40,7 @@ private:
     std::int32_t index_ = -1;
 };
 
-// A list of which any number of entries may be selected. A position outside raises error 5.
+// A list with any number of selected entries. A position out of range raises error 5.
 class ListBox : public Control {
 public:
     struct Item {
@@ -66,7 +66,7 @@ public:
     }
     void Clear() { Assign(items_, std::vector<Item>{}); }
 
-    // A locked list shows its selection and does not let the user change it.
+    // A locked list shows its selection, but the user cannot change it.
     bool Locked() const noexcept { return locked_; }
     void SetLocked(bool locked) { Assign(locked_, locked); }
 
@@ -87,7 +87,7 @@ private:
     bool locked_ = false;
 };
 
-// Tabs of which one is in front. An index that does not exist raises error 5.
+// Tabs, one of which is in front. An index out of range raises error 5.
 class TabStrip : public Control {
 public:
     explicit TabStrip(std::int16_t count) noexcept : count_(count) {}

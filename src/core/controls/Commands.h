@@ -13,7 +13,7 @@ public:
     const std::string& Caption() const noexcept { return caption_; }
     void SetCaption(std::string_view caption) { Assign(caption_, caption); }
 
-    // Presses the button, by the user or by another command.
+    // Acts as a press of the button, by the user or by another command.
     void Press() {
         if (Enabled()) Click.Raise();
     }

@@ -5,9 +5,8 @@
 
 namespace sonavex {
 
-// What every control value shares: a mark that the face has something to show, and the call that
-// tells the face so. The call is made once when the control becomes dirty, not again before Clean().
-// User-interface thread only. Setting a value from code never runs a user handler.
+// Base of all control values. A control becomes dirty when its value changes and calls the OnDirty hook once;
+// the window shows the value and calls Clean(). Setting a value from code never runs a user handler.
 class Control {
 public:
     Control() = default;

@@ -10,7 +10,7 @@
 
 namespace sonavex {
 
-// A text that the instrument shows. A caption of up to 15 characters is stored without allocating.
+// A text shown to the user. Captions of up to 15 characters are stored without allocation.
 class Label : public Control {
 public:
     const std::string& Caption() const noexcept { return caption_; }
@@ -23,24 +23,24 @@ private:
     bool visible_ = true;
 };
 
-// A line of text that the user types or the instrument writes.
+// A line of text that the user types or the program sets.
 class TextBox : public Control {
 public:
     const std::string& Text() const noexcept { return text_; }
     void SetText(std::string_view text) { Assign(text_, text); }
 
-    // The user typed: stores the text and raises Change.
+    // Call when the user has typed: stores the text and raises Change.
     void UserTypes(std::string_view text) {
         SetText(text);
         Change.Raise();
     }
     UserEvent Change;
 
-    // The user finished the entry, with Return or by leaving the box: raises Leave.
+    // Call when the user ends the entry with Return or leaves the box: raises Leave.
     void UserLeaves() { Leave.Raise(); }
     UserEvent Leave;
 
-    // Asks the face to give the box the keyboard; the face takes the request when it shows the box.
+    // Requests the keyboard focus. The window takes the request when it shows the box.
     void SetFocus() {
         focusWanted_ = true;
         MarkDirty();
@@ -52,7 +52,7 @@ private:
     bool focusWanted_ = false;
 };
 
-// A whole number between two limits. A value outside is clamped, also when the limits move.
+// A whole number between two limits. Values outside are clamped, also when the limits change.
 class Slider : public Control {
 public:
     std::int32_t Value() const noexcept { return value_; }
@@ -63,7 +63,7 @@ public:
     void SetRange(std::int32_t min, std::int32_t max) {
         const std::int32_t value = std::clamp(value_, min, max);
         if (min == min_ && max == max_) return;
-        // All three first: the face, once told, finds limits and value that fit together.
+        // Assign all three before MarkDirty, so that the window sees consistent limits and value.
         min_ = min;
         max_ = max;
         value_ = value;
@@ -71,14 +71,14 @@ public:
     }
     void SetMax(std::int32_t max) { SetRange(std::min(min_, max), max); }
 
-    // The user moves the slider (drag, wheel, key): stores the value and raises Change.
+    // Call when the user moves the slider (drag, wheel or key): stores the value and raises Change.
     void UserMoves(std::int32_t value) {
         SetValue(value);
         Change.Raise();
     }
     UserEvent Change;
 
-    // The user lets the slider go, or ends a wheel or key step: raises Release.
+    // Call when the user releases the slider or ends a wheel or key step: raises Release.
     void UserReleases() { Release.Raise(); }
     UserEvent Release;
 
@@ -95,7 +95,7 @@ public:
     bool Checked() const noexcept { return value_ != 0; }
     void SetValue(std::int16_t value) { Assign(value_, static_cast<std::int16_t>(value != 0)); }
 
-    // The user clicked: stores the state and raises Click.
+    // Call when the user clicks: stores the state and raises Click.
     void UserSets(bool checked) {
         SetValue(checked ? 1 : 0);
         Click.Raise();
@@ -106,7 +106,7 @@ private:
     std::int16_t value_ = 0;
 };
 
-// A level bar from 0 to Max. Single precision, as the levels shown on it are.
+// A level bar from 0 to Max, in single precision like the peak levels.
 class ProgressBar : public Control {
 public:
     explicit ProgressBar(float max = 32760.0F) noexcept : max_(max) {}
@@ -129,7 +129,7 @@ struct Colour {
 inline constexpr Colour kLightGreen{0, 255, 0};
 inline constexpr Colour kLightRed{255, 0, 0};
 
-// A patch of colour that tells a state.
+// A coloured field that shows a state.
 class Indicator : public Control {
 public:
     Colour BackColor() const noexcept { return colour_; }

@@ -8,30 +8,30 @@
 
 namespace sonavex {
 
-// Remembers where forms were placed.
+// Stores and restores the positions of forms.
 class FormPlaces {
 public:
     virtual ~FormPlaces() = default;
-    // Moves the form to where it was last, or to the middle of the screen.
+    // Moves the form to its stored position, or centres it on the screen if none is stored.
     virtual void Restore(Window& form) = 0;
     virtual void Store(const Window& form) = 0;
 };
 
-// A form beside the main form, of which there is one at most. User-interface thread only.
+// A form that stays open next to the main form. At most one instance is open.
 class ModelessForm {
 public:
     virtual ~ModelessForm() = default;
     ModelessForm(const ModelessForm&) = delete;
     ModelessForm& operator=(const ModelessForm&) = delete;
 
-    // Loads the form when it is not loaded, and shows it in front with its present values.
+    // Loads the form if necessary, refreshes its values and brings it to the front.
     void Show() {
         if (!loaded_) Form_Load();
         loaded_ = true;
         Form_Activate();
         if (OnShow) OnShow();
     }
-    // Closes the form; one that is not loaded is left alone.
+    // Closes the form; does nothing if it is not loaded.
     void Unload() {
         if (!loaded_) return;
         loaded_ = false;
@@ -39,14 +39,14 @@ public:
         Form_QueryUnload();
     }
     bool Loaded() const noexcept { return loaded_; }
-    // The form has come to the front.
+    // Call when the form comes to the front.
     void Activate() {
         if (loaded_) Form_Activate();
     }
 
     Window Frame;
 
-    // The face shows the form, and hides it.
+    // Hooks with which the window shows and hides the form.
     std::function<void()> OnShow;
     std::function<void()> OnUnload;
 

@@ -4,14 +4,13 @@
 
 namespace sonavex {
 
-// One choice of several that exclude each other. Selecting one does not change the others: the form
-// does that.
+// One of several exclusive choices. Selecting one does not clear the others; the form does that.
 class OptionButton : public Control {
 public:
     bool Value() const noexcept { return value_; }
     void SetValue(bool value) { Assign(value_, value); }
 
-    // The user selects it: raises Click when it was not selected before.
+    // Call when the user selects it: raises Click if it was not selected.
     void UserSelects() {
         if (value_) return;
         SetValue(true);

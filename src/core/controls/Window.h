@@ -14,7 +14,7 @@ class Window : public Control {
 public:
     explicit Window(std::string name) : name_(std::move(name)) {}
 
-    // The form's name, as its position is stored under.
+    // The form's name, which is part of the settings keys of its position.
     const std::string& Name() const noexcept { return name_; }
 
     const std::string& Caption() const noexcept { return caption_; }
@@ -29,7 +29,7 @@ public:
 
     std::int32_t Width() const noexcept { return width_; }
     std::int32_t Height() const noexcept { return height_; }
-    // The face tells the size that its layout came to.
+    // Sets the size that the layout of the window needs.
     void SetSize(std::int32_t width, std::int32_t height) noexcept {
         width_ = width;
         height_ = height;

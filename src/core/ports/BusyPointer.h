@@ -4,7 +4,7 @@
 
 namespace sonavex {
 
-// The busy pointer for the length of a scope, or until it is restored.
+// Shows the busy pointer for the duration of a scope, or until it is restored earlier.
 class BusyPointer {
 public:
     explicit BusyPointer(Dialogs& dialogs) : dialogs_(dialogs) { dialogs_.SetBusyPointer(true); }

@@ -5,27 +5,27 @@
 
 namespace sonavex {
 
-// Where windows can be, in device-independent pixels from the top left of the primary screen.
+// Screen geometry in device-independent pixels from the top left of the primary screen.
 struct ScreenArea {
-    std::int32_t width = 0;  // primary screen: where a window is centred
+    std::int32_t width = 0;  // size of the primary screen, where windows are centred
     std::int32_t height = 0;
-    std::int32_t right = 0;  // edges of all screens together: what a window must not leave
+    std::int32_t right = 0;  // right and bottom edge of all screens together; windows stay inside
     std::int32_t bottom = 0;
 };
 
-// What the instrument asks of the computer it runs on. User-interface thread only.
+// The computer that the program runs on.
 class Desktop {
 public:
     virtual ~Desktop() = default;
 
-    // Whether another instance of the program runs for this user. The first call decides; a previous
-    // run that was killed does not count. Until the program ends, others then see this instance.
+    // Whether another instance of the program runs for this user. The first call decides, and registers this
+    // instance until it ends. An instance that was killed does not count.
     virtual bool AnotherInstanceRunning() = 0;
 
-    // Major version number of the operating system's generation.
+    // Major version of the operating system.
     virtual std::int32_t OsMajorVersion() = 0;
 
-    // Folder that the program was started from, without a separator at its end.
+    // Folder of the program file, without a trailing separator.
     virtual std::string ApplicationFolder() = 0;
 
     virtual ScreenArea Screens() = 0;

@@ -15,8 +15,7 @@ struct MixerDevice {
     friend bool operator==(const MixerDevice&, const MixerDevice&) = default;
 };
 
-// The levels of sound devices as the hardware holds them: every control, every channel, in its own
-// steps. User-interface thread only.
+// The levels of sound devices as the hardware holds them: every control, every channel, in its own steps.
 class DeviceLevels {
 public:
     virtual ~DeviceLevels() = default;

@@ -6,18 +6,18 @@
 
 namespace sonavex {
 
-// What the system itself can tell about its sound devices. User-interface thread only.
+// The system's own report about its sound devices.
 class Diagnostics {
 public:
     virtual ~Diagnostics() = default;
 
-    // Gets the report as lines for people, or nothing when there is no program that could make one.
+    // Receives the report as text, or nothing if no diagnostic program is installed.
     using Done = std::function<void(const std::optional<std::string>&)>;
 
-    // Begins to collect and returns; `done` is called once, later, from the event loop. Collecting ends
-    // within a time limit whatever the programs do. Another start drops the one before.
+    // Starts collecting and returns. `done` is called once, later, from the event loop, within a fixed time
+    // limit. Starting again cancels the previous collection.
     virtual void Start(Done done) = 0;
-    // Stops collecting; `done` is not called any more.
+    // Stops collecting; `done` is then not called.
     virtual void Cancel() = 0;
 };
 

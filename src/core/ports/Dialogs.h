@@ -6,30 +6,29 @@ namespace sonavex {
 
 enum class MessageIcon { kNone, kInformation, kCritical };
 
-// What the instrument says to the user outside its own forms, and asks. User-interface thread only.
+// Message boxes, questions and the busy pointer.
 class Dialogs {
 public:
     virtual ~Dialogs() = default;
 
-    // Shows a message box titled with the application's title and waits for it to be closed. Line
-    // breaks in the text are carriage returns.
+    // Shows a message box with the application's title and waits until it is closed. Line breaks in the text
+    // are carriage returns.
     virtual void Message(const std::string& text, MessageIcon icon) = 0;
 
-    // The same with OK and Cancel; true for OK.
+    // Like Message, with OK and Cancel; true for OK.
     virtual bool AskOkCancel(const std::string& text) = 0;
 
-    // The same with Yes and No; true for Yes.
+    // Like Message, with Yes and No; true for Yes.
     virtual bool AskYesNo(const std::string& text) = 0;
 
-    // The busy pointer, until it is taken back.
+    // Shows or removes the busy pointer.
     virtual void SetBusyPointer(bool busy) = 0;
 };
 
-// Thrown to end the program at once from wherever the decision falls; only the program's entry
-// point catches it.
+// Thrown to end the program at once. Only the program's entry point catches it.
 struct EndProgram {
     int status = 0;
-    // Nothing more is stored; the user's own mixer levels are given back all the same.
+    // True: nothing is stored any more. The user's mixer levels are restored in any case.
     bool atOnce = false;
 };
 

@@ -6,14 +6,13 @@
 
 namespace sonavex {
 
-// A bell that any thread may ring for the user-interface thread. Destroying it discards a ring that
-// was not delivered yet.
+// Wakes the user-interface thread from any thread. Destroying a signal discards an undelivered one.
 class Signal {
 public:
     virtual ~Signal() = default;
 
-    // Asks for one run of the handler. False when an earlier ring is still waiting: the two are then
-    // delivered as one. Any thread; neither allocates nor waits for the user-interface thread.
+    // Requests one run of the handler. Returns false if an earlier request is still pending; both are then
+    // delivered as one. Any thread; lock-free, without allocation.
     virtual bool Raise() noexcept = 0;
 };
 
@@ -24,16 +23,16 @@ public:
 
     virtual ~EventLoop() = default;
 
-    // The handler runs on the user-interface thread. Signals raised while others wait are delivered
-    // in the order in which they were raised. A signal must not outlive its loop.
+    // The handler runs on the user-interface thread. Pending signals are delivered in the order in which they
+    // were raised. A signal must not outlive its loop.
     virtual std::unique_ptr<Signal> CreateSignal(std::function<void()> handler) = 0;
 
-    // Calls the handler every interval until stopped. A late tick is not made up for.
+    // Calls the handler at every interval until stopped. Late ticks are not made up for.
     virtual TimerId StartTimer(std::chrono::milliseconds interval, std::function<void()> handler) = 0;
-    // An unknown id is ignored.
+    // Ignores an unknown id.
     virtual void StopTimer(TimerId id) = 0;
 
-    // Delivers what is pending now, without waiting, and returns.
+    // Delivers everything that is pending now, without waiting.
     virtual void Yield() = 0;
 
     // Monotonic time.

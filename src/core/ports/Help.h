@@ -10,15 +10,15 @@ inline constexpr std::int32_t kSoundDevices = 210;
 inline constexpr std::int32_t kSoundDeviceError = 305;
 }  // namespace help_topic
 
-// The help file. User-interface thread only.
+// The help file.
 class Help {
 public:
     virtual ~Help() = default;
 
-    // Shows a topic of the help file; says so where there is no help file. Never fails.
+    // Shows a topic of the help file, or a message if the help file is missing or damaged. Never fails.
     virtual void ShowTopic(std::int32_t topic) = 0;
 
-    // The same with the help file's table of contents.
+    // Like ShowTopic, for the table of contents.
     virtual void ShowContents() = 0;
 };
 

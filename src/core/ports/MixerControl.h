@@ -18,10 +18,10 @@ struct MixerControlDescription {
 };
 
 // The mixer of one sound device, control by control. A control is addressed by three selectors: line,
-// destination and control index, all counted from 0. What is asked of a control that does not exist
-// (no device, an index outside, a card that is gone) is answered with nothing: an empty name, no
-// controls, the value -1; writing it does nothing. Names end up in front of the user and tell a
-// control's kind: "Master Volume", "Wave Mute", "Microphone Boost". User-interface thread only.
+// destination and control index, all counted from 0. What is asked of a control that does not exist (no
+// device, an index outside, a card that is gone) is answered with nothing: an empty name, no controls, the
+// value -1; writing it does nothing. Names end up in front of the user and tell a control's kind: "Master
+// Volume", "Wave Mute", "Microphone Boost".
 class MixerControl {
 public:
     virtual ~MixerControl() = default;

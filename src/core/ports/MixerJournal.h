@@ -4,16 +4,15 @@
 
 namespace sonavex {
 
-// A text that survives the sudden end of the program, kept apart from the settings.
-// User-interface thread only. A journal that cannot be kept is no error: the instrument then only
-// gives the levels back at a regular end.
+// A text that survives the sudden end of the program, stored apart from the settings. Failing to store it is
+// not an error: the levels are then restored only at a regular end.
 class MixerJournal {
 public:
     virtual ~MixerJournal() = default;
 
-    // What was written last; empty when nothing is kept.
+    // The text written last; empty if there is none.
     virtual std::string Read() = 0;
-    // On the disk when it returns. An empty text keeps nothing.
+    // The text is on the disk when Write returns. An empty text deletes the journal.
     virtual void Write(const std::string& text) = 0;
 };
 

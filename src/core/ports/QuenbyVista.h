@@ -5,15 +5,13 @@
 
 namespace sonavex {
 
-// The mixer library of the newer generation: the levels of the card that OpenSoundCard bound.
-//
-// Every operation ends with a status word: 0 when the control exists and the call succeeded, not 0
-// otherwise. No operation raises an error. Levels are whole percent, 0 to 100; one outside becomes the
-// nearest limit. A Get reports the live value; a Set acts at once, so that a Get right after returns
-// the value as the card took it. Setting what Get reports writes nothing: balance and steps finer than
-// a percent stay. A control that the card lacks reads as what a card without it does: volumes to the
-// output and record levels at 100, paths from an input to the output muted at 0, no boost, no
-// monitoring, tone at 0 dB. User-interface thread only.
+// The mixer library of the newer generation: the levels of the card that OpenSoundCard bound.  Every
+// operation ends with a status word: 0 when the control exists and the call succeeded, not 0 otherwise. No
+// operation raises an error. Levels are whole percent, 0 to 100; one outside becomes the nearest limit. A Get
+// reports the live value; a Set acts at once, so that a Get right after returns the value as the card took
+// it. Setting what Get reports writes nothing: balance and steps finer than a percent stay. A control that
+// the card lacks reads as what a card without it does: volumes to the output and record levels at 100, paths
+// from an input to the output muted at 0, no boost, no monitoring, tone at 0 dB.
 class QuenbyVista {
 public:
     virtual ~QuenbyVista() = default;

@@ -5,8 +5,8 @@
 
 namespace sonavex {
 
-// The user's settings: string values addressed by section and key. The application name is fixed by
-// the adapter. User-interface thread only.
+// The user's settings: string values addressed by section and key. The application name is fixed by the
+// adapter.
 class SettingsStore {
 public:
     virtual ~SettingsStore() = default;

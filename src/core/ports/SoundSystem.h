@@ -46,23 +46,23 @@ struct BufferDescription {
     WaveFormat format;
 };
 
-// One entry of an enumeration. The first entry is the system's primary device: its identifier is
-// empty. The second is the device that the primary one stands for at present.
+// One entry of an enumeration. The first entry is the system's primary device and has an empty identifier.
+// The second entry is the device that the primary device currently refers to.
 struct SoundDeviceInfo {
     std::string identifier;   // stable over restarts, compared exactly
     std::string description;  // for the user
-    std::string module;       // driver or module that serves it
+    std::string module;       // driver or module that serves the device
 };
 using SoundDeviceList = std::vector<SoundDeviceInfo>;
 
-// Byte positions inside a looping playback buffer: what is being heard, and up to where data has
-// been handed to the device. Both 0 while the buffer is stopped.
+// Byte positions in a looping playback buffer: `play` is heard now, `write` marks the end of the data
+// delivered to the device. Both are 0 while the buffer is stopped.
 struct BufferCursors {
     std::int32_t play = 0;
     std::int32_t write = 0;
 };
 
-// Handle of a notification event; 0 stands for none.
+// Handle of a notification event; 0 means none.
 using EventHandle = std::int32_t;
 
 struct PositionNotification {
@@ -70,47 +70,47 @@ struct PositionNotification {
     EventHandle event = 0;
 };
 
-// What the engine and its users may want to know about a stream that runs. All counts are since the
-// buffer was created.
+// Counts of a running stream since the buffer was created.
 struct CaptureStatistics {
     std::uint64_t framesCaptured = 0;
     std::uint64_t segmentsCompleted = 0;  // notification positions passed while running
-    std::uint64_t segmentsLost = 0;       // of these, not notified because the same event was still waiting
-    std::uint64_t framesMissing = 0;      // of those captured, left out by the device and replaced by silence
+    std::uint64_t segmentsLost = 0;       // of these, not notified because the event was still pending
+    std::uint64_t framesMissing = 0;      // captured frames that the device lost, replaced by silence
 };
 
-// A looping playback buffer. Positions and lengths in bytes, multiples of a frame (error 5 otherwise).
+// A looping playback buffer. Positions and lengths are in bytes and must be multiples of a frame (error 5
+// otherwise).
 class PlaybackBuffer {
 public:
     virtual ~PlaybackBuffer() = default;
     virtual BufferCursors GetCurrentPosition() = 0;
-    // Copies the samples to the buffer at the offset; they must end inside the buffer.
+    // Copies the samples to the offset; they must not exceed the end of the buffer.
     virtual void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) = 0;
-    // What is heard next is the frame at this position.
+    // Sets the position of the frame that is played next.
     virtual void SetCurrentPosition(std::int32_t offset) = 0;
-    // Plays from the current position, round and round until stopped.
+    // Plays from the current position in a loop until stopped.
     virtual void PlayLooping() = 0;
     // Never fails, not even when the device is lost.
     virtual void Stop() = 0;
-    // Hundredths of a decibel, -10000 (silence) to 0 (the samples unchanged). Error 5 outside.
+    // Hundredths of a decibel, -10000 (silence) to 0 (samples unchanged). Error 5 outside this range.
     virtual void SetVolume(std::int32_t hundredthsDb) = 0;
-    // What changes the samples between this buffer and the card, as a sentence for the user. Empty
-    // when nothing is known to.
+    // What changes the samples between this buffer and the card, as a sentence for the user. Empty if nothing
+    // is known.
     virtual std::string PathNote() const { return {}; }
-    // Times since the buffer was created that the device ran out of samples.
+    // Number of times that the device ran out of samples since the buffer was created.
     virtual std::uint64_t Underruns() const { return 0; }
-    // How far the device's clock has got ahead of the system's since the device began: the time that its
-    // frames stand for at their nominal rate, less the time that has passed. Nothing when not known.
+    // Lead of the device's clock over the system's: the nominal duration of the frames moved, minus the time
+    // elapsed since the device started. Nothing if unknown.
     virtual std::optional<std::chrono::nanoseconds> ClockLead() const { return std::nullopt; }
-    // Names the clock that the device runs on; the same for everything on one clock. Empty when not known.
+    // Identifies the device's clock: equal names mean the same clock. Empty if unknown.
     virtual std::string ClockName() const { return {}; }
 };
 
-// A capture buffer that is filled round and round while started.
+// A capture buffer that is filled in a loop while started.
 class CaptureBuffer {
 public:
     virtual ~CaptureBuffer() = default;
-    // Events of SoundSystem::CreateEvent; only while stopped. Replaces earlier positions.
+    // Takes events of SoundSystem::CreateEvent, while stopped only. Replaces earlier positions.
     virtual void SetNotificationPositions(std::span<const PositionNotification> positions) = 0;
     // Starts at position 0 of the buffer.
     virtual void StartLooping() = 0;
@@ -132,7 +132,7 @@ struct PlaybackCapabilities {
 class PlaybackDevice {
 public:
     virtual ~PlaybackDevice() = default;
-    // Level 2 asks for priority.
+    // Level 2 requests priority.
     virtual void SetCooperativeLevel(std::int32_t level) = 0;
     virtual PlaybackCapabilities GetCapabilities() = 0;
     virtual std::unique_ptr<PlaybackBuffer> CreateBuffer(const BufferDescription& description) = 0;
@@ -144,9 +144,9 @@ public:
     virtual std::unique_ptr<CaptureBuffer> CreateBuffer(const BufferDescription& description) = 0;
 };
 
-// The sound devices of the machine. Every call is made on the user-interface thread, returns within
-// 3 seconds and reports a failure as a RuntimeError with a number of SoundErrors.h (or 5, 7). A buffer
-// may outlive its device, as reference-counted objects do; the system outlives both.
+// The sound devices of the machine. Every call is made on the user-interface thread, returns within 3 seconds
+// and reports failures as RuntimeErrors with a number of SoundErrors.h (or 5, 7). A buffer may outlive its
+// device, as reference-counted objects do. The sound system outlives both.
 class SoundSystem {
 public:
     virtual ~SoundSystem() = default;
@@ -158,17 +158,17 @@ public:
     virtual std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) = 0;
     virtual std::unique_ptr<CaptureDevice> CreateCaptureDevice(const std::string& identifier) = 0;
 
-    // The handler gets the event's handle, on the user-interface thread, once for every time the
-    // event was signalled and not still waiting. Destroying an event discards what is waiting.
+    // The handler receives the event's handle on the user-interface thread, once for each time the event was
+    // signalled while not pending. Destroying an event discards its pending notification.
     virtual EventHandle CreateEvent(std::function<void(EventHandle)> handler) = 0;
-    // An unknown handle is ignored.
+    // Ignores an unknown handle.
     virtual void DestroyEvent(EventHandle event) = 0;
 
-    // Called on the user-interface thread when a device in use is lost (unplugged, server gone, stream
-    // moved away). At most once per created buffer.
+    // The handler is called on the user-interface thread when a device in use is lost (unplugged, server
+    // gone, stream moved away), at most once per buffer.
     virtual void OnDeviceLost(std::function<void(const RuntimeError&)> handler) = 0;
 
-    // True for devices that only exist in software and measure nothing real.
+    // True for simulated devices, whose readings are not a measurement.
     virtual bool Simulated() const noexcept { return false; }
 };
 

@@ -5,7 +5,7 @@
 
 namespace sonavex {
 
-// A point in time as the clock on the wall shows it.
+// A date and time in the local time zone.
 struct DateTime {
     int year = 0;
     int month = 0;
@@ -15,7 +15,7 @@ struct DateTime {
     int second = 0;
 };
 
-// The present time.
+// Returns the present local time.
 using WallClock = std::function<DateTime()>;
 
 // "2024-03-09 17:05:00".

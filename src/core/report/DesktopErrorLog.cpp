@@ -21,7 +21,7 @@ constexpr const char* kFileCreated =
     "If you are unable to resolve this problem, contact Quenby Software for instuctions to email this file";
 constexpr const char* kFileFailed = "\r\rThe file 'Quenby Error.txt' cannot be written on your desktop:\r";
 
-// What the action returns, nothing when it fails.
+// The result of the action; nothing if it fails.
 template <class Action>
 auto Attempt(Action action) noexcept -> decltype(action()) {
     try {
@@ -35,7 +35,7 @@ std::string Line(const std::string& text) {
     return text + '\n';
 }
 
-// Description and identifier, with the mark of the selected device.
+// Description and identifier of a device, and the mark of the selected one.
 std::string Entry(const SoundDeviceInfo& device, const std::string& selected) {
     return Line(device.description) +
            Line(device.identifier + (device.identifier == selected ? kSelected : ""));

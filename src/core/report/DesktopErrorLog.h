@@ -13,11 +13,11 @@
 
 namespace sonavex {
 
-// Records failures of the sound devices in a file on the user's desktop, for whoever is asked for help,
-// and has them shown. The selected devices of a record are the stored ones. User-interface thread only.
+// Records failures of the sound devices in a file on the user's desktop and shows them. The selected devices
+// of a record are the stored ones.
 class DesktopErrorLog : public ErrorLog {
 public:
-    // What the log works with. Everything must outlive it.
+    // All referenced objects must outlive the log.
     struct Environment {
         Settings& settings;
         SoundSystem& sound;
@@ -28,19 +28,18 @@ public:
 
     explicit DesktopErrorLog(Environment environment);
 
-    // Appends one record, puts what the user shall read into tStr and the state, and calls ShowDialog.
-    // Nothing that fails keeps the rest from being done; where the record cannot be written the message
-    // says so. While the dialog is open, another failure gets its record and no second dialog. Throws
-    // only what ShowDialog throws. The result is 0.
+    // Appends a record, stores the user's text in tStr and State(), and calls ShowDialog. A step that fails
+    // does not stop the others; if the record cannot be written, the message says so. A second failure while
+    // the dialog is open gets a record but no dialog. Throws only what ShowDialog throws. Returns 0.
     std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
     void WriteLine(const std::string& line) override;
     void SetFatalError(bool fatal) override { state_.FatalError = fatal; }
 
     ErrorState& State() noexcept { return state_; }
 
-    // Shows State().Message and returns when the user has read it. May throw EndProgram.
+    // Shows State().Message and returns when the user has closed the dialog. May throw EndProgram.
     std::function<void()> ShowDialog;
-    // Receives the lines about what was shown elsewhere. They are no part of the file.
+    // Receives lines about errors that were shown elsewhere. They are not written to the file.
     std::function<void(const std::string&)> OnLine;
 
 private:

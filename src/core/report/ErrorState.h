@@ -4,10 +4,10 @@
 
 namespace sonavex {
 
-// What the dialog about a failed sound device shows.
+// Content of the dialog about a failed sound device.
 struct ErrorState {
     std::string Message;      // line breaks are carriage returns
-    bool FatalError = false;  // the program cannot go on
+    bool FatalError = false;  // the program cannot continue
 };
 
 }  // namespace sonavex

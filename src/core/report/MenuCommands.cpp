@@ -14,7 +14,7 @@ constexpr const char* kConnected = "You must be connected to the Internet to con
 constexpr const char* kCheckQuestion = "Proceed with update check ?";
 constexpr const char* kContactQuestion = "Continue ?";
 
-// Commands of the system's level panels: recording and playback, newer and older generation.
+// Command lines of the system's level panels: recording and playback, newer and older generation.
 constexpr const char* kInputPanel = "control.exe mmsys.cpl,,1";
 constexpr const char* kPlayPanel = "control.exe mmsys.cpl,,0";
 constexpr const char* kOlderInputPanel = "sndvol32 -R -D";

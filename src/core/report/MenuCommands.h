@@ -12,10 +12,10 @@
 
 namespace sonavex {
 
-// The menu commands that lead out of the measuring work. User-interface thread only.
+// The menu commands that open other windows, programs or web pages.
 class MenuCommands {
 public:
-    // Everything must outlive the commands.
+    // All referenced objects must outlive the commands.
     struct World {
         Launcher& launcher;
         Dialogs& dialogs;
@@ -25,7 +25,7 @@ public:
         ApplicationVersion version;
     };
 
-    // Handles the entries from now on; they must outlive the commands.
+    // Handles the entries from now on. They must outlive the commands.
     MenuCommands(World world, MenuControls& menus);
     ~MenuCommands();
     MenuCommands(const MenuCommands&) = delete;
@@ -42,7 +42,7 @@ public:
     void mnuPlayControl_Click();
 
 private:
-    // Asks before anything goes to the Internet.
+    // Asks the user before the browser connects to the Internet.
     bool Connected(const char* question);
 
     World world_;

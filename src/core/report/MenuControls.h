@@ -4,7 +4,7 @@
 
 namespace sonavex {
 
-// Entries of the main form's menus that lead out of the measuring work.
+// Menu entries that open other windows, programs or web pages.
 struct MenuControls {
     MenuItem mnuAbout;
     MenuItem mnuHelpContents;

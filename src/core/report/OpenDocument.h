@@ -7,10 +7,10 @@
 
 namespace sonavex {
 
-// Opens a file, program or web address; says so when that fails.
+// Opens a file, program or web address; shows a message if that fails.
 void OpenDocument(Launcher& launcher, Dialogs& dialogs, const std::string& target);
 
-// Starts a command line; says so when that fails.
+// Starts a command line; shows a message if that fails.
 void RunCommand(Launcher& launcher, Dialogs& dialogs, const std::string& commandLine);
 
 }  // namespace sonavex

@@ -5,7 +5,7 @@
 namespace sonavex {
 namespace {
 
-// Sums of tenths of an inch are compared to this: far below a dot of any printer.
+// Tolerance for comparing positions in inches: far below a printer's dot.
 constexpr double kSameInches = 1e-6;
 
 std::size_t Characters(std::string_view utf8) {

@@ -6,8 +6,8 @@
 
 namespace sonavex {
 
-// Writes lines of fixed-pitch text on a page, from a pen position that moves along. Lengths in inches.
-// Tab stops stand at 0.85 + 0.82 n, n = 0 to 8: nine columns between the margins of a page 8.5 wide.
+// Writes fixed-pitch text on a page from a moving pen position. Lengths are in inches. Tab stops are at 0.85
+// + 0.82 n, n = 0 to 8: nine columns between the margins of a page 8.5 inches wide.
 class PagePen {
 public:
     static constexpr double kFirstTab = 0.85;
@@ -20,13 +20,13 @@ public:
     double CurrentX = 0.0;
     double CurrentY = 0.0;
 
-    // Puts the text at the pen, which then stands behind it.
+    // Prints the text and moves the pen behind it.
     PagePen& Print(std::string_view text);
-    // To the next stop right of the pen; behind the last one the pen stays.
+    // Moves the pen to the next tab stop; does nothing behind the last one.
     PagePen& Tab();
-    // To the left edge of the page, so many lines down.
+    // Moves the pen to the left edge, `lines` lines down.
     PagePen& NewLine(int lines = 1);
-    // To this place of the line.
+    // Moves the pen to a position on the line.
     PagePen& At(double x);
 
 private:

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kNotPrinted = "The report could not be printed.";
 constexpr const char* kNotRestored = "The default printer could not be set back.";
-// Up to this generation of the system the printer made the copies itself.
+// Up to this major version of the operating system the printer makes the copies itself.
 constexpr std::int32_t kLastGenerationOfOneCopy = 4;
 
 class BusyPointer {
@@ -58,7 +58,7 @@ InstalledPrinters PrintCommand::AskForPrinters() {
     return world_.printer.Printers();
 }
 
-// The pointer is the usual one again before the message.
+// Restores the pointer before the message.
 void PrintCommand::Try(const char* failure, const std::function<void()>& action) {
     try {
         const BusyPointer busy(world_.dialogs);

@@ -12,12 +12,12 @@
 
 namespace sonavex {
 
-// The print button: asks where to and how often, prints the report of the measurement on screen, leaves
-// the user's default printer as it was. The first copy that fails is the last one. The pointer is busy while
-// the print system is waited for. User-interface thread only.
+// The print button. Asks for destination and copies, prints the report of the measurement on screen and
+// restores the user's default printer. Printing stops at the first copy that fails. The pointer is busy while
+// the print system is working.
 class PrintCommand {
 public:
-    // Everything must outlive the command.
+    // All referenced objects must outlive the command.
     struct World {
         Printer& printer;
         Dialogs& dialogs;
@@ -25,15 +25,14 @@ public:
         std::function<CalendarDate()> today;
     };
 
-    // Handles the button, which the menu entry presses, from now on. Both must outlive the command.
+    // Handles the button from now on; the menu entry presses it. Both must outlive the command.
     PrintCommand(const World& world, const MeasurementControls& measurement, CommandButton& cmdPrint,
                  MenuItem& mnuPrint);
     ~PrintCommand();
     PrintCommand(const PrintCommand&) = delete;
     PrintCommand& operator=(const PrintCommand&) = delete;
 
-    // Shows the dialog, loaded, and returns when it has closed. Without it nothing can be chosen and
-    // nothing is printed.
+    // Shows the loaded dialog and returns when it has closed. If empty, nothing is printed.
     std::function<void(frmPrint&)> ShowPrintDialog;
 
     void cmdPrint_Click();

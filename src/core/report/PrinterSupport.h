@@ -6,16 +6,16 @@
 
 namespace sonavex {
 
-// Keeps the user's default printer over a print command. User-interface thread only.
+// Restores the user's default printer after a print command.
 class PrinterSupport {
 public:
-    // Remembers the default printer of those present. The printer must outlive this object.
+    // Stores the present default printer. The printer must outlive this object.
     PrinterSupport(Printer& printer, const InstalledPrinters& present);
 
     const std::string& Remembered() const noexcept { return remembered_; }
 
-    // Makes the remembered printer the default again where it no longer is. Nothing is stored when there
-    // was none, when nothing changed, or when the printer is gone or cannot be asked for.
+    // Makes the stored printer the default again if it no longer is. Does nothing if there was none, if it is
+    // unchanged, or if it is gone or the print system does not answer.
     void RestoreDefault();
 
 private:

@@ -38,7 +38,7 @@ void PrintPercentRow(PagePen& pen, const MeasurementControls& measurement) {
     pen.Print(measurement.lblThd.Caption()).NewLine(2);
 }
 
-// Levels that are no negative number get the place of its sign as a blank.
+// Levels without a minus sign get a blank in its place.
 void PrintDbRow(PagePen& pen, const MeasurementControls& measurement) {
     pen.At(kRowNameInches).Print("dB").At(kMarginInches);
     for (const Label& label : measurement.lblDb) {
@@ -60,7 +60,7 @@ void PrintInformation(const MeasurementControls& measurement, const CalendarDate
         PrintDbRow(pen, measurement);
         pen.At(kMarginInches).Print(kFooter);
     } catch (const RuntimeError&) {
-        // The end of the document tells what went wrong.
+        // EndDoc raises the error.
         return;
     }
 }

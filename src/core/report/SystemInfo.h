@@ -8,12 +8,12 @@
 
 namespace sonavex {
 
-// A value of the machine's configuration as text: without its terminating zero; a number in hexadecimal,
-// "&hFF". Nothing when the key or the value is missing.
+// A configuration value as text: strings without their terminating zero, numbers in hexadecimal ("&hFF").
+// Nothing if the key or the value is missing.
 std::optional<std::string> GetKeyValue(Launcher& launcher, RootKey root, const std::string& key,
                                        const std::string& name);
 
-// Starts the tool that tells about the computer; says so where there is none.
+// Starts the system information tool; shows a message if there is none.
 void StartSysInfo(Launcher& launcher, Dialogs& dialogs);
 
 }  // namespace sonavex

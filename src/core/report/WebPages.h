@@ -6,12 +6,12 @@
 
 namespace sonavex::web_page {
 
-// The maker's web server: the one place that names it.
+// The maker's web server. No other source names it.
 inline constexpr const char* kHost = "sonavex.example";
 
-// Tells whether there is a version newer than this one.
+// Page that reports whether there is a newer version.
 std::string UpdateCheck(const ApplicationVersion& version);
-// The form by which users write to the maker.
+// The maker's contact form.
 std::string Contact();
 // The maker's home page.
 std::string Home();

@@ -12,7 +12,7 @@
 
 namespace sonavex {
 
-// The about box. User-interface thread only.
+// The about box.
 class frmAbout {
 public:
     // Launcher and dialogs must outlive the form.
@@ -22,7 +22,7 @@ public:
     Label lblTitle;
     Label lblVersion;
     Label lblBuild;
-    Label lblWeb;  // the maker's web address; can be clicked
+    Label lblWeb;  // the maker's web address; opens when clicked
     CommandButton cmdOk;
     CommandButton cmdSysInfo;
 
@@ -31,7 +31,7 @@ public:
     void cmdSysInfo_Click();
     void lblWeb_Click();
 
-    // The box is to close.
+    // Called when the box must close.
     std::function<void()> OnUnload;
 
 private:

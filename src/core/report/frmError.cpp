@@ -47,7 +47,7 @@ void frmError::TakeReport(const std::optional<std::string>& report) {
     cmdDirectX.SetEnabled(true);
 }
 
-// Writes the report; returns what to say about it.
+// Writes the report to its file and returns the status text.
 std::string frmError::Keep(const std::string& report) {
     const std::string name = desktop_file::kDiagnostics;
     try {

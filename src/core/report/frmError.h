@@ -16,10 +16,10 @@
 
 namespace sonavex {
 
-// The dialog about a failed sound device. Closing it lets the program go on. User-interface thread only.
+// The dialog about a failed sound device. The program continues when it is closed.
 class frmError {
 public:
-    // What the form works with. Everything must outlive it.
+    // All referenced objects must outlive the form.
     struct Environment {
         ErrorState& state;
         const SharedState& shared;
@@ -28,7 +28,7 @@ public:
         DesktopFiles& files;
         Diagnostics& diagnostics;
         Help& help;
-        // Of the devices that the engine uses or has tried to use.
+        // Identifiers of the devices that the engine uses or has tried to use.
         std::string inputDeviceId;
         std::string outputDeviceId;
     };
@@ -39,14 +39,14 @@ public:
     frmError& operator=(const frmError&) = delete;
 
     void Form_Load();
-    // The dialog closes: a report under way is given up.
+    // Call when the dialog closes: cancels a running report.
     void Unload();
     std::function<void()> OnUnloaded;
 
-    // Has the system report on its sound devices into a file on the desktop.
+    // Writes the system's report about its sound devices to a file on the desktop.
     void cmdDirectX_Click();
-    // Engine not running: forgets the stored devices, so that they are chosen anew. Else keeps those in
-    // use. Closes the dialog.
+    // Clears the stored devices if the engine is not running, so that the user can select others; stores the
+    // devices in use if it is. Closes the dialog.
     void cmdNewSoundCard_Click();
     // Ends the program at once: throws EndProgram.
     void Command1_Click();
@@ -54,7 +54,7 @@ public:
 
     Window Frame{"frmError"};
     Label lblMessage;
-    Label lblStatus;  // how the report on the sound devices goes on
+    Label lblStatus;  // progress of the report
     CommandButton cmdDirectX;
     CommandButton cmdNewSoundCard;
     CommandButton Command1;  // ends the program

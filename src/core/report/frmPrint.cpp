@@ -13,7 +13,7 @@ constexpr const char* kInvalidCopies = "Invalid number of copies. Please enter 1
 constexpr const char* kNoFile = "Please enter the name of the PDF file.";
 constexpr std::string_view kSuffix = ".pdf";
 
-// Why only the file can be chosen.
+// Explains why the PDF file is the only choice.
 std::string NoteOf(const InstalledPrinters& present) {
     if (!present.names.empty()) return {};
     return (present.trouble.empty() ? std::string(kNoPrinter) : present.trouble) + kFileInstead;
@@ -91,7 +91,7 @@ void frmPrint::cmdOk_Click() {
     Unload();
 }
 
-// Asks once for all the files that would be replaced.
+// Asks once before existing files are replaced.
 bool frmPrint::MayWrite(const PrintChoice& choice) {
     for (std::int32_t number = 1; number <= choice.copies; ++number) {
         const std::string file = DestinationOfCopy(choice.destination, number).file;

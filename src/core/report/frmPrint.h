@@ -14,13 +14,13 @@
 
 namespace sonavex {
 
-// What the user wants printed where.
+// Destination and number of copies.
 struct PrintChoice {
     PrintDestination destination;
     std::int32_t copies = 1;
 };
 
-// The print dialog: which printer, or a PDF file, and how many copies. User-interface thread only.
+// The print dialog: printer or PDF file, and number of copies.
 class frmPrint {
 public:
     static constexpr std::int32_t kMaxCopies = 99;
@@ -36,26 +36,27 @@ public:
     CommandButton cmdBrowse;
     CommandButton cmdOk;
     CommandButton cmdCancel;
-    Label lblNote;  // why there is nothing but the PDF file to choose
+    Label lblNote;  // explains why the PDF file is the only choice
 
-    // Before the dialog is shown, with the printers to choose from: the default printer is selected, else the
-    // first one, else the PDF file; one copy.
+    // Call before the dialog is shown, with the available printers. Selects the default printer, else the
+    // first printer, else the PDF file, and one copy.
     void Form_Load(const InstalledPrinters& present);
     void cmbPrinter_Click();
     void cmdBrowse_Click();
     void cmdOk_Click();
     void cmdCancel_Click();
 
-    // Lets the user choose a file, beginning with the one given; empty when the user thought better.
+    // Lets the user choose a file, starting with the suggested one; returns an empty text if the user
+    // cancels.
     std::function<std::string(const std::string&)> ChooseFile;
-    // The dialog is to close.
+    // Called when the dialog must close.
     std::function<void()> OnUnload;
 
-    // After the dialog: empty when the user cancelled.
+    // Result of the dialog; nothing if the user cancelled.
     const std::optional<PrintChoice>& Choice() const noexcept { return choice_; }
 
-    // Where copy `number` (from 1) of a choice goes. Every copy is a document of its own, so in a file of
-    // its own: "report.pdf", "report-2.pdf", ...
+    // Destination of copy `number` (from 1). Each copy is a separate document, so copies in files are
+    // numbered: "report.pdf", "report-2.pdf", ...
     static PrintDestination DestinationOfCopy(const PrintDestination& chosen, std::int32_t number);
 
 private:

@@ -7,15 +7,15 @@
 
 namespace sonavex {
 
-// The seven sampling rates in Hz; the settings keep the index.
+// The seven sampling rates in Hz. The settings store the index.
 inline constexpr std::array<std::int32_t, 7> SampleRateTable{48000, 44100, 32000, 22050, 16000, 8000, 4000};
 
-// Index of the rate that a system without a stored choice starts with.
+// Index of the sampling rate if none is stored.
 constexpr std::int32_t DefaultSampleRateIndex(std::int32_t osMajorVersion) noexcept {
     return osMajorVersion >= 6 ? 2 : 1;
 }
 
-// Index of a rate in SampleRateTable, nothing when it is not one of the seven.
+// Index of a rate in SampleRateTable; nothing for any other rate.
 constexpr std::optional<std::int32_t> SampleRateIndex(std::int32_t rateHz) noexcept {
     const auto* found = std::find(SampleRateTable.begin(), SampleRateTable.end(), rateHz);
     if (found == SampleRateTable.end()) return std::nullopt;

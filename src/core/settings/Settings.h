@@ -10,9 +10,8 @@
 
 namespace sonavex {
 
-// Typed reading of stored values. A value that does not convert raises the conversion error (13 or
-// 6) with a text that names section, key, value and where the settings are kept.
-// User-interface thread only; the store must outlive this object.
+// Typed access to stored values. A value that does not convert raises error 13 or 6; the text names section,
+// key, value and the location of the settings. The store must outlive this object.
 class Settings {
 public:
     explicit Settings(SettingsStore& store) noexcept : store_(store) {}
@@ -22,12 +21,13 @@ public:
     std::int16_t Integer(const SettingsKey& key) const;
     double Double(const SettingsKey& key) const;
     bool Boolean(const SettingsKey& key) const;
-    // Leading number of the stored text, 0 when it has none.
+    // Leading number of the stored text; 0 if there is none.
     double Value(const SettingsKey& key) const;
 
     void Save(const SettingsKey& key, std::string_view value) { store_.Save(key.section, key.key, value); }
 
-    // The error about a stored value that converts but cannot be used, with such a text.
+    // The error for a stored value that converts but is not allowed, with a text like that of the conversion
+    // errors.
     RuntimeError Failure(std::int32_t number, const SettingsKey& key) const;
 
     // The same key with another default.

@@ -5,14 +5,14 @@
 
 namespace sonavex {
 
-// One stored value: where it is kept and what it reads as when it was never stored.
+// Section, name and default of a stored value.
 struct SettingsKey {
     std::string_view section;
     std::string_view key;
     std::string_view fallback;
 };
 
-// Every value the instrument stores, except the window positions (form name + " Left" and " Top").
+// All stored values, except the window positions (form name + " Left" and " Top").
 namespace keys {
 
 inline constexpr std::string_view kSettings = "Settings";
@@ -27,7 +27,7 @@ inline constexpr SettingsKey kBaseline{kSettings, "Baseline", "0"};
 // Baseline of the 2nd to 9th harmonic; Numbered(.., 0) to Numbered(.., 7).
 inline constexpr SettingsKey kThd{kSettings, "THD", "0"};
 inline constexpr SettingsKey kDb{kSettings, "DB", "0"};
-// Where the baseline was captured: frequency and sampling rate in Hz.
+// Conditions of the baseline: frequency and sampling rate in Hz.
 inline constexpr SettingsKey kBaselineHz{kFace, "Baseline Frequency", "0"};
 inline constexpr SettingsKey kBaselineRate{kFace, "Baseline Rate", "0"};
 // Mixer states; empty means "leave the mixer as it is".
@@ -38,13 +38,13 @@ inline constexpr SettingsKey kVistaMixerState{kSettings, "VistaSoundCard", ""};
 // Device identifiers; empty means the primary device.
 inline constexpr SettingsKey kInput{kSoundCard, "Input", ""};
 inline constexpr SettingsKey kOutput{kSoundCard, "Output", ""};
-// Index into SampleRateTable. The start of the program takes DefaultSampleRateIndex instead of this
-// default, which is the device dialog's.
+// Index into SampleRateTable. This default is the device dialog's; start-up uses DefaultSampleRateIndex
+// instead.
 inline constexpr SettingsKey kSampleRate{kSoundCard, "SampleRate", "1"};
 inline constexpr SettingsKey kLineInput{kSoundCard, "LineInput", ""};
 inline constexpr SettingsKey kThreeMixers{kSoundCard, "ThreeMixers", ""};
 
-// Output level in hundredths of a decibel. The two readers have different defaults.
+// Output level in hundredths of a decibel. Its two readers have different defaults.
 inline constexpr SettingsKey kLevel{kSignalGenerator, "Level", "-50"};
 inline constexpr SettingsKey kSynthesisLevel{kSignalGenerator, "Level", "50"};
 inline constexpr SettingsKey kMuteMeter{kSignalGenerator, "MuteMeter", "1"};
@@ -57,7 +57,8 @@ inline constexpr SettingsKey kCurrentType{kSignalGenerator, "Current Signal Type
 inline constexpr SettingsKey kCurrentLoop{kSignalGenerator, "Current Signal Loop", "False"};
 inline constexpr SettingsKey kCurrentLoopIncrement{kSignalGenerator, "Current Signal Loop Increment", "0"};
 inline constexpr SettingsKey kNumberOfTones{kSignalGenerator, "NumberOfTones", "0"};
-// Memory tones, numbered from 1. Defaults of the set-up; the start of playback has its own.
+// Memory tones, numbered from 1. These are the defaults of start-up; the start of playback has different
+// ones.
 inline constexpr SettingsKey kMemoryStart{kSignalGenerator, "Memory Signal Start", "1000"};
 inline constexpr SettingsKey kMemoryEnd{kSignalGenerator, "Memory Signal End", "0"};
 inline constexpr SettingsKey kMemorySweepTime{kSignalGenerator, "Memory Signal Sweep Time", "0"};
@@ -70,7 +71,7 @@ inline constexpr SettingsKey kMemorySelected{kSignalGenerator, "Memory Signal Se
 inline constexpr SettingsKey kLastTab{kWindows, "LastTab", "0"};
 inline constexpr std::string_view kNeverPlaced = "-1";
 
-// Full key of a numbered value: the number follows a blank ("THD 0", "Memory Signal Start 3").
+// Full name of a numbered key: the number follows a blank ("THD 0", "Memory Signal Start 3").
 std::string Numbered(const SettingsKey& key, int number);
 
 }  // namespace keys

@@ -4,8 +4,7 @@
 
 namespace sonavex {
 
-// State of the whole instrument: one instance, owned by the main form (or by the headless meter)
-// and read by every subsystem. User-interface thread only.
+// State that all subsystems read. One instance, owned by the main form or by the headless meter.
 struct SharedState {
     std::int32_t SampleRate = 32000;   // Hz, one of SampleRateTable
     std::int32_t OsMajorVersion = 10;  // 6 or more selects the newer mixer and the newer overrun rule

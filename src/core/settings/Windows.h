@@ -6,7 +6,7 @@
 #include "core/ports/Desktop.h"
 #include "core/settings/Settings.h"
 
-// Remembers where each form was last placed. User-interface thread only.
+// Stores and restores the position of each form.
 namespace sonavex::Windows {
 
 struct Place {
@@ -15,12 +15,12 @@ struct Place {
     friend bool operator==(const Place&, const Place&) = default;
 };
 
-// Where the form was, or the middle of the screen when it never was anywhere; pulled back when it
-// would reach beyond the right edge, or come within 50 units of the bottom edge. A stored position
-// that is not a number raises error 13.
+// The stored position of the form, or the centred one if none is stored. A position beyond the right screen
+// edge, or closer than 50 units to the bottom edge, is pulled back. A stored position that is not a number
+// raises error 13.
 Place Restore(const Settings& settings, const Window& form, const ScreenArea& screens);
 
-// Keeps where the form is now.
+// Stores the form's present position.
 void Store(Settings& settings, const Window& form);
 
 }  // namespace sonavex::Windows

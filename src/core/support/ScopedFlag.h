@@ -2,7 +2,7 @@
 
 namespace sonavex {
 
-// Holds a flag true for the length of a scope.
+// Sets a flag to true for the duration of a scope.
 class ScopedFlag {
 public:
     explicit ScopedFlag(bool& flag) noexcept : flag_(flag) { flag_ = true; }

@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// Major, minor and revision number of the program, and what it says of itself.
+// Version number and descriptive texts of the program.
 struct ApplicationVersion {
     int major = 0;
     int minor = 0;

@@ -3,7 +3,7 @@
 namespace sonavex {
 namespace {
 
-// Bytes of the character that a first byte announces.
+// Length in bytes of the UTF-8 character that starts with this byte.
 std::size_t AnnouncedBytes(unsigned char first) noexcept {
     if (first >= 0xF0U && first < 0xF8U) return 4;
     if (first >= 0xE0U && first < 0xF0U) return 3;

@@ -5,8 +5,8 @@
 
 namespace sonavex {
 
-// The first characters of a UTF-8 text; all of a shorter one. A byte that begins no character counts as
-// one.
+// The first `characters` characters of a UTF-8 text, or the whole text if it is shorter. An invalid byte
+// counts as one character.
 std::string_view Left(std::string_view text, std::size_t characters) noexcept;
 
 }  // namespace sonavex

@@ -13,7 +13,8 @@ namespace sonavex {
 namespace {
 
 constexpr int kSignificantDigits = 15;
-// Rounded to the digits of a text, a larger number would be beyond every double, and not be read back.
+// The largest number that can be written: one above it would round to a text that overflows when it is read
+// back.
 constexpr double kLargestWritten = 1.79769313486231e308;
 
 bool IsBlank(char c) {
@@ -29,7 +30,7 @@ std::size_t CountDigits(std::string_view text, std::size_t from) {
     return end - from;
 }
 
-// Length of the exponent ("e5", "E-05") that starts at `from`, 0 when there is none.
+// Length of the exponent ("e5", "E-05") that starts at `from`; 0 if there is none.
 std::size_t ExponentLength(std::string_view text, std::size_t from) {
     if (from >= text.size() || (text[from] != 'e' && text[from] != 'E')) return 0;
     std::size_t digitsAt = from + 1;
@@ -38,7 +39,7 @@ std::size_t ExponentLength(std::string_view text, std::size_t from) {
     return digits == 0 ? 0 : digitsAt + digits - from;
 }
 
-// Length of the number that the text begins with (after its sign), 0 when there is none.
+// Length of the unsigned number at the start of the text; 0 if there is none.
 std::size_t UnsignedNumberLength(std::string_view text) {
     const std::size_t whole = CountDigits(text, 0);
     std::size_t end = whole;
@@ -51,15 +52,15 @@ std::size_t UnsignedNumberLength(std::string_view text) {
     return end + ExponentLength(text, end);
 }
 
-// A number at the start of a text and how many characters it takes.
+// A number at the start of a text, and its length in characters.
 struct LeadingNumber {
     double value = 0.0;
     std::size_t length = 0;
     bool overflow = false;
 };
 
-// Decimal exponent that the text gives ("e-05" is -5), 0 when it gives none. What is beyond any text's
-// digits ends at kBeyondAnyText, either way: the place of a digit can be added to it.
+// The exponent of a decimal text ("e-05" is -5), 0 without one. Clamped to kBeyondAnyText, so that the
+// position of a digit can be added without overflow.
 std::int64_t GivenExponent(std::string_view digits) {
     constexpr std::int64_t kBeyondAnyText = std::int64_t{1} << 60;
     std::size_t at = digits.find_first_of("eE");
@@ -71,18 +72,19 @@ std::int64_t GivenExponent(std::string_view digits) {
     return std::clamp(exponent, -kBeyondAnyText, kBeyondAnyText);
 }
 
-// Whether a number outside the range of a double (so not 0) is smaller than 1.
+// Whether a number outside the range of a double is too small rather than too large. The number must not be
+// 0.
 bool IsBelowOne(std::string_view digits) {
     const std::size_t mantissaEnd = std::min(digits.find_first_of("eE"), digits.size());
     const std::size_t pointAt = std::min(digits.find('.'), mantissaEnd);
     const std::size_t leadingAt = digits.find_first_not_of("0.");
-    // Place of the leading digit: 0 for tenths, 1 for units.
+    // Position of the leading digit: 0 for tenths, 1 for units.
     const auto place = static_cast<std::int64_t>(pointAt) - static_cast<std::int64_t>(leadingAt) +
                        (leadingAt > pointAt ? 1 : 0);
     return place + GivenExponent(digits) <= 0;
 }
 
-// A number too small for a double reads as 0, one too large as an overflow.
+// A number below the range of a double reads as 0; one above it sets `overflow`.
 LeadingNumber Convert(std::string_view digits, bool negative) {
     LeadingNumber number;
     const auto status = std::from_chars(digits.data(), digits.data() + digits.size(), number.value).ec;
@@ -106,7 +108,7 @@ LeadingNumber ReadLeadingNumber(std::string_view text) {
     return number;
 }
 
-// The whole text as a number; nothing when it is not one.
+// The number that makes up the whole text; nothing if the text is not a number.
 std::optional<LeadingNumber> ReadWholeText(std::string_view text) {
     const LeadingNumber number = ReadLeadingNumber(text);
     if (number.length == 0) return std::nullopt;
@@ -115,7 +117,7 @@ std::optional<LeadingNumber> ReadWholeText(std::string_view text) {
     return number;
 }
 
-// The number as it is written.
+// Limits a finite number to what can be read back from its text. Error 6 if the number is not finite.
 double Writable(double value) {
     if (!std::isfinite(value)) throw RuntimeError(error_number::kOverflow);
     return std::clamp(value, -kLargestWritten, kLargestWritten);
@@ -142,14 +144,14 @@ Decimal ToDecimal(double value) {
     return decimal;
 }
 
-// Digit of the decimal at position p, where position 0 is the last one before the point.
+// The decimal's digit at a position; position 0 is the last one before the point.
 int DigitAt(const Decimal& decimal, int position) {
     const int index = decimal.exponent - 1 - position;
     return index < 0 || index >= kSignificantDigits ? 0
                                                     : decimal.digits[static_cast<std::size_t>(index)] - '0';
 }
 
-// Digits from position `highest` (units = 0) down to -decimals, rounded half up, as text without a point.
+// The digits from position `highest` (units = 0) to -decimals, rounded half up, without a point.
 std::string RoundedDigits(const Decimal& decimal, int highest, int decimals) {
     std::string digits;
     for (int position = highest; position >= -decimals; --position)
@@ -272,7 +274,7 @@ std::int16_t CInt(double value) {
 std::string Format(double value, Pattern pattern) {
     const PatternShape shape = ShapeOf(pattern);
     const Decimal decimal = ToDecimal(Writable(value));
-    // One position more than needed takes the carry of 9.99...
+    // One extra position for the carry of 9.99...
     const int highest = std::max(decimal.exponent, shape.wholeDigits);
     std::string text = RoundedDigits(decimal, highest, shape.decimals);
     const auto decimals = static_cast<std::size_t>(shape.decimals);

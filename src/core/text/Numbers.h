@@ -4,31 +4,30 @@
 #include <string>
 #include <string_view>
 
-// The instrument's only conversions between numbers and text. All of them work in the "C" locale
-// (the decimal sign is a point) whatever the desktop's language, and none of them allocates for the
-// short texts of a display (up to 15 characters).
+// The only conversions between numbers and text. They use the "C" locale (decimal point), independent of the
+// desktop's language. Texts of up to 15 characters are made without allocation.
 namespace sonavex {
 
 // Nearest whole number, halves to even.
 double RoundHalfEven(double value) noexcept;
 
-// Leading number of a text: optional blanks, sign, digits with an optional point, optional exponent.
-// 0 when the text does not begin with a number. Error 6 when the number exceeds a double.
+// Leading number of a text: optional blanks, sign, digits with an optional point, optional exponent. 0 if the
+// text does not begin with a number. Error 6 if the number exceeds a double.
 double Val(std::string_view text);
 
-// Number to text with a leading blank in the place of a plus sign: " 1000", "-.49", " .8399",
-// " 1E-05". At most 15 significant digits, no zero before the decimal point. Error 6 for a value
-// that is not finite.
+// Number to text, with a leading blank in place of a plus sign: " 1000", "-.49", " .8399", " 1E-05". At most
+// 15 significant digits, no zero before the decimal point. Error 6 for a value that is not finite.
 std::string Str(double value);
 
-// Number to plain text: as Str, without the leading blank and with the zero: "1000", "-0.49".
+// Number to plain text: like Str, but without the leading blank and with a zero before the point: "1000",
+// "-0.49".
 std::string CStr(double value);
 std::string CStr(std::int32_t value);
 // "True" or "False".
 std::string CStr(bool value);
 
-// Whole-text conversions. Blanks around the number are ignored; error 13 when anything else is
-// left, error 6 when the value does not fit. Fractions are rounded, halves to even.
+// Whole-text conversions. Blanks around the number are ignored. Error 13 if anything else remains, error 6 if
+// the value does not fit. Fractions are rounded, halves to even.
 double CDbl(std::string_view text);
 std::int32_t CLng(std::string_view text);
 std::int16_t CInt(std::string_view text);
@@ -48,11 +47,11 @@ enum class Pattern {
     kTwoByTwo,    // "00.00"   at least two digits before the point, two decimals
     kTwoDecimals  // "#0.00"   two decimals
 };
-// A negative value keeps its sign even when all digits shown are 0 ("-00.00"); "##" shows an empty
-// text there. Error 6 for a value that is not finite.
+// A negative value keeps its sign even if all shown digits are 0 ("-00.00"); kWhole returns an empty text in
+// this case. Error 6 for a value that is not finite.
 std::string Format(double value, Pattern pattern);
 
-// A whole number that is not negative, with zeros in front up to so many digits; longer ones stay whole.
+// A number >= 0 with leading zeros up to `digits` digits. A longer number is not shortened.
 std::string Padded(std::int32_t value, std::size_t digits);
 
 // Text without leading and trailing blanks.
