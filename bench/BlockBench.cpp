@@ -1,4 +1,4 @@
-// The whole block path: one captured block in, one block of output out.
+// The whole block path: from one captured block to one output block.
 
 #include <benchmark/benchmark.h>
 
@@ -15,7 +15,7 @@ using namespace sonavex;
 
 using Block = std::array<std::int16_t, modDSP::kBlockSamples>;
 
-// A locked sine on bin 85 with some distortion, both channels.
+// A sine on bin 85 with some distortion on both channels, so that the meter locks.
 Block CapturedBlock() {
     Block block{};
     for (std::size_t i = 0; i < block.size() / 2; ++i) {

@@ -1,4 +1,4 @@
-// The vector conversions of the analysis over one transform length, and the number texts.
+// The vector conversions of one transform length, and conversions between numbers and text.
 
 #include <benchmark/benchmark.h>
 

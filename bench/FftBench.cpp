@@ -1,5 +1,5 @@
-// The yardstick: the library's own transform of the block path's length, on split arrays, always with
-// an estimated plan, whatever plan the instrument uses.
+// The reference for all ratios: FFTW's transform of the block path's length, on split arrays, always with an
+// estimated plan, whatever plan the instrument uses.
 
 #include <benchmark/benchmark.h>
 #include <fftw3.h>

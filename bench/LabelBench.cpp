@@ -1,4 +1,4 @@
-// The end of a measuring cycle: the averages of all harmonics become texts on labels.
+// The end of a measuring cycle: converts the averages of all harmonics to captions.
 
 #include <benchmark/benchmark.h>
 
@@ -13,14 +13,14 @@ using namespace sonavex;
 
 constexpr std::int32_t kFundamentalBin = 85;
 
-// A fundamental with eight harmonics, the higher the smaller.
+// A fundamental with eight harmonics of decreasing magnitude.
 void DrawLines(modDSP::State& state, double distortion) {
     state.SpecMag[kFundamentalBin] = 1.0e6;
     for (std::size_t order = 2; order <= 9; ++order)
         state.SpecMag[order * kFundamentalBin] = 1.0e6 * distortion / static_cast<double>(order);
 }
 
-// Argument: 1 when every caption changes with each update, 0 when none does.
+// Argument: 1 if every update changes every caption, 0 if none changes.
 void BM_LabelUpdate(benchmark::State& state) {
     SharedState shared;
     shared.SampleRate = 48000;
@@ -41,7 +41,7 @@ void BM_LabelUpdate(benchmark::State& state) {
 }
 BENCHMARK(BM_LabelUpdate)->Arg(0)->Arg(1);
 
-// One caption. Argument: as above.
+// One caption, with the same argument.
 void BM_SetCaption(benchmark::State& state) {
     Label label;
     const bool changes = state.range(0) != 0;

@@ -1,5 +1,4 @@
-// What moves samples between a device and the instrument: one block through each ring, handed over in the
-// periods that a device works in.
+// Rings between device and engine: one block through each ring, in periods of a device's size.
 
 #include <benchmark/benchmark.h>
 
@@ -28,7 +27,7 @@ public:
     bool Raise() noexcept override { return true; }
 };
 
-// The sound of a loud block: neighbouring samples differ.
+// A loud block in which neighbouring samples differ.
 Samples Block() {
     Samples samples{};
     for (std::size_t i = 0; i < samples.size(); ++i)
@@ -36,7 +35,7 @@ Samples Block() {
     return samples;
 }
 
-// With a notification at the end of each segment, as the stream engine asks for.
+// Notifies at the end of each segment, as the stream engine requests.
 void BM_RingPush(benchmark::State& state) {
     CaptureRing ring(kCaptureBytes);
     std::vector<CaptureRing::Position> positions;

@@ -1,7 +1,7 @@
-// sonavex-start-time RUNS PROGRAM [ARGUMENT...]: the time from the start of a program of this project to
-// the moment at which it takes its first captured block, in milliseconds; one line for each run and the
-// median. The program is the one that users run: a breakpoint on its way into the analysis tells the
-// moment. It ends there. x86-64 Linux only; needs nm and a program that is not stripped.
+// sonavex-start-time RUNS PROGRAM [ARGUMENT...] prints, for each run, the time in milliseconds from the start
+// of a program to its first captured block, and the median. A breakpoint in the analysis of the released
+// program marks the block; the program ends there. Runs on x86-64 Linux only; needs nm and a program with
+// symbols.
 
 #include <sys/ptrace.h>
 #include <sys/types.h>
@@ -30,7 +30,7 @@ constexpr const char* kFirstBlock = " _ZN7sonavex5Meter20ProcessCapturedBlock";
 constexpr long kBreakpoint = 0xCC;
 constexpr unsigned kLimitSeconds = 20;
 
-// Address of the function within the program's file as it is linked.
+// Address of the function in the program file.
 std::uintptr_t LinkedAddress(const std::string& program) {
     const std::string command = "nm --defined-only '" + program + "'";
     const std::unique_ptr<FILE, int (*)(FILE*)> names(popen(command.c_str(), "r"), pclose);
@@ -44,7 +44,7 @@ std::uintptr_t LinkedAddress(const std::string& program) {
     throw std::runtime_error(program + " has no names, or processes no blocks");
 }
 
-// Where the process has its program's file.
+// Load address of the program file in the process.
 std::uintptr_t BaseAddress(pid_t child, const std::string& program) {
     std::ifstream maps("/proc/" + std::to_string(child) + "/maps");
     const std::string path = std::filesystem::canonical(program).string();
@@ -63,7 +63,7 @@ std::uintptr_t BaseAddress(pid_t child, const std::string& program) {
     _exit(127);
 }
 
-// Waits for the next stop; throws when the process ended instead.
+// Waits for the next stop; throws if the process has ended.
 int WaitForStop(pid_t child) {
     int status = 0;
     if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status))
@@ -78,7 +78,7 @@ void SetBreakpoint(pid_t child, std::uintptr_t address) {
         throw std::runtime_error("no breakpoint can be set");
 }
 
-// Milliseconds from just before the process is made to the breakpoint.
+// Milliseconds from just before fork to the breakpoint.
 double TimeToFirstBlock(char** arguments, std::uintptr_t linkedAddress) {
     const Clock::time_point begin = Clock::now();
     const pid_t child = fork();
@@ -104,7 +104,7 @@ double TimeToFirstBlock(char** arguments, std::uintptr_t linkedAddress) {
 int Measure(int runs, char** arguments) {
     const std::uintptr_t address = LinkedAddress(arguments[0]);
     std::vector<double> times;
-    // The first run only brings the files into memory.
+    // The first run only loads the files into memory.
     for (int run = 0; run <= runs; ++run) {
         const double time = TimeToFirstBlock(arguments, address);
         if (run == 0) continue;

@@ -1,6 +1,6 @@
-// What the window costs the user-interface thread for each captured block: captions to the widgets, what
-// is derived from them, layout and painting. Without a display; at 200 % scale unless QT_SCALE_FACTOR says
-// otherwise. Processor time of the thread, so that other programs do not count.
+// Time that the user-interface thread needs for the window per captured block: captions, derived state,
+// layout and painting. No display needed; at 200 % scale unless QT_SCALE_FACTOR is set. Measures processor
+// time of the thread, so that other programs do not matter.
 
 #include <benchmark/benchmark.h>
 
@@ -25,7 +25,7 @@ double ThreadSeconds() {
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-// How many widgets have been painted.
+// Counts painted widgets.
 class PaintCounter : public QObject {
 public:
     PaintCounter() { QApplication::instance()->installEventFilter(this); }
@@ -38,14 +38,14 @@ protected:
     }
 };
 
-// The window of an instrument that plays a sine through a slightly distorting card and is locked.
+// The window of a locked instrument that plays a sine through a slightly distorting card.
 class WindowOnDisplay {
 public:
     WindowOnDisplay() {
         rig.form.Form_Load();
         DeviceUnderTestModel model;
         model.harmonicAmplitudes = {0.0004, 0.0002, 0.00008, 0.00005, 0.00003, 0.00002, 0.00002, 0.00001};
-        model.noiseRms = 3.0;  // no block is like the one before
+        model.noiseRms = 3.0;  // every block differs from the one before
         rig.card.Card().SetDeviceUnderTest(model);
         rig.form.Signals.Signal.Command1.Press();
         window.ShowPlaced();
@@ -61,7 +61,7 @@ public:
     ui::MainWindow window{rig.form, QStringLiteral("Simulated sound card")};
 };
 
-// Times only what the window does with what `change` has changed.
+// Times only the window's response to `change`.
 void MeasureWindow(benchmark::State& state, const std::function<void(WindowOnDisplay&)>& change) {
     WindowOnDisplay display;
     PaintCounter paints;
@@ -75,7 +75,7 @@ void MeasureWindow(benchmark::State& state, const std::function<void(WindowOnDis
         benchmark::Counter(static_cast<double>(paints.Count), benchmark::Counter::kAvgIterations);
 }
 
-// The end of a cycle: every figure and bar of the meter tab is another one than before.
+// The end of a cycle that changes every figure and bar of the meter tab.
 void ChangeFigures(MeasurementControls& meter, bool odd) {
     for (std::size_t i = 0; i < meter.lbltest.size(); ++i) {
         const std::string digit = std::to_string(i + 1);
@@ -98,7 +98,7 @@ void BM_MeterUpdate(benchmark::State& state) {
 }
 BENCHMARK(BM_MeterUpdate)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
-// The same with the lock lost or found, and another frequency.
+// The same, and the lock and the frequency change too.
 void BM_MeterUpdateWithLock(benchmark::State& state) {
     bool odd = false;
     MeasureWindow(state, [&odd](WindowOnDisplay& display) {
@@ -112,7 +112,7 @@ void BM_MeterUpdateWithLock(benchmark::State& state) {
 }
 BENCHMARK(BM_MeterUpdateWithLock)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
-// One block after the other of the running instrument, of which each 19th ends a cycle.
+// Consecutive blocks of the running instrument; every 19th ends a cycle.
 void BM_MeterBlock(benchmark::State& state) {
     MeasureWindow(state, [](WindowOnDisplay& display) { display.rig.Step(1); });
 }
@@ -124,7 +124,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     if (!qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) qputenv("QT_SCALE_FACTOR", "2");
     qputenv("QT_LOGGING_RULES", "*.warning=false");
-    // Paints with the next event; otherwise updates of several blocks would be painted as one.
+    // Paints with the next event; otherwise the updates of several blocks would be painted at once.
     qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
     benchmark::Initialize(&argc, argv);
     const QApplication application(argc, argv);

@@ -9,7 +9,7 @@ import json
 import pathlib
 import sys
 
-# Times the two transforms that a block cannot avoid, FFTW with an estimated plan on split arrays.
+# Time of the two transforms that every block needs: FFTW with an estimated plan on split arrays.
 RATIO_TARGETS = {"BM_Block/0": 3.0, "BM_Block/1": 3.3, "BM_Block/9": 6.0}
 SSE2_ALLOWANCE = 3.0
 METER_UPDATE_US = 1000.0
@@ -27,7 +27,7 @@ def medians(file):
         manual = entry["run_name"].endswith("/manual_time")
         time = entry["real_time" if manual else "cpu_time"]
         result[entry["run_name"].removesuffix("/manual_time")] = time * MICROSECONDS[entry["time_unit"]]
-    # The order they ran in is shuffled.
+    # The benchmarks ran in shuffled order.
     return dict(sorted(result.items()))
 
 

@@ -32,7 +32,7 @@ AboutDialog::AboutDialog(frmAbout& form, HandlerGuard& guard)
     binder_.Bind(*ui_->lblBuild, form_.lblBuild);
     binder_.Bind(*ui_->cmdOk, form_.cmdOk);
     binder_.Bind(*ui_->cmdSysInfo, form_.cmdSysInfo);
-    // The address is a link: it can be clicked, and reached with the keyboard.
+    // The address is a link, for mouse and keyboard.
     const QString address = QString::fromStdString(form_.lblWeb.Caption()).toHtmlEscaped();
     ui_->lblWeb->setText(QStringLiteral("<a style=\"color: %2\" href=\"%1\">%1</a>")
                              .arg(address, Theme::Current().accent.name()));

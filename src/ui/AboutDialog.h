@@ -11,7 +11,7 @@ class frmAbout;
 
 namespace sonavex::ui {
 
-// The about box on the screen.
+// Window of the about box.
 class AboutDialog : public FormDialog {
     Q_OBJECT
 

@@ -1,4 +1,4 @@
-// Every control of the mixers' forms and its widget, one line each.
+// Binds every control of the mixer forms to its widget.
 
 #include "ui/MixerDialogs.h"
 #include "ui_frmSound.h"

@@ -1,4 +1,4 @@
-// Every control of the main form and its widget, one line each.
+// Binds every control of the main form to its widget.
 
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"

@@ -15,12 +15,12 @@ QColor ColourOf(const Colour& colour) {
     return {colour.red, colour.green, colour.blue};
 }
 
-// Caption of a button: what the core set, where it did; else what the drawing says.
+// Sets the button's text to the caption, or keeps the text of the .ui file if the caption is empty.
 void ShowCaption(QPushButton& button, const std::string& caption) {
     if (!caption.empty()) button.setText(Text(caption));
 }
 
-// A widget on a tab that is not in front takes no keyboard.
+// A widget on a hidden tab cannot take the focus.
 void GiveFocus(QWidget& widget) {
     for (QWidget* parent = widget.parentWidget(); parent != nullptr; parent = parent->parentWidget()) {
         auto* tabs = qobject_cast<QTabWidget*>(parent);
@@ -56,7 +56,7 @@ void Binder::Flush() {
         const QSignalBlocker blocker(entry.widget);
         entry.show();
     }
-    // Two widgets may show the same control: it is clean once all have.
+    // Two widgets may show the same control, so clean the controls only after all are shown.
     for (Entry& entry : entries_) entry.control->Clean();
     if (afterFlush_) afterFlush_();
 }
@@ -74,7 +74,7 @@ std::vector<Binder::Pair> Binder::Pairs() const {
 
 void Binder::Bind(QLabel& widget, Label& control) {
     Add(widget, control, [&widget, &control] {
-        // The instrument's texts break their lines with carriage returns.
+        // Texts of the core use carriage returns as line breaks.
         widget.setText(Text(control.Caption()).replace(u'\r', u'\n'));
         widget.setEnabled(control.Enabled());
         if (widget.isHidden() == control.Visible()) widget.setVisible(control.Visible());
@@ -94,7 +94,7 @@ void Binder::Bind(QLineEdit& widget, TextBox& control) {
     connect(&widget, &QLineEdit::textEdited, this, [this, &control](const QString& text) {
         Handle([&] { control.UserTypes(text.toStdString()); });
     });
-    // Merely walking through the box is no entry.
+    // Only a modified text counts as an entry.
     connect(&widget, &QLineEdit::editingFinished, this, [this, &widget, &control] {
         if (!widget.isModified()) return;
         widget.setModified(false);
@@ -112,7 +112,7 @@ void Binder::Bind(QSlider& widget, Slider& control) {
         Handle([&] { control.UserMoves(value); });
         if (!widget.isSliderDown()) Handle([&] { control.UserReleases(); });
     });
-    // While it was held the widget showed where it was dragged to, not what the handler made of it.
+    // While the user held the slider, it did not show changes by the handler.
     connect(&widget, &QSlider::sliderReleased, this, [this, &widget, &control] {
         Handle([&] { control.UserReleases(); });
         const QSignalBlocker blocker(&widget);

@@ -27,9 +27,8 @@
 
 namespace sonavex::ui {
 
-// Joins widgets and control values, one call a pair. What the core changes is shown once per event;
-// what the user does reaches the control's handler through the guard. A pair of kinds that do not
-// belong together does not compile.
+// Binds widgets to control values, one call per pair. Changes by the core are shown once per event. User
+// input reaches the control's handler through the guard. A pair of types that do not match does not compile.
 class Binder : public QObject {
     Q_OBJECT
 
@@ -53,7 +52,7 @@ public:
     void Bind(LockLamp& widget, Indicator& control);
     void Bind(StateDot& widget, Indicator& control);
 
-    // Shows everything that changed. Called by itself after each event; call it once after binding.
+    // Shows all changes. Runs automatically after each event; call it once after binding.
     void Flush();
 
     struct Pair {

@@ -11,12 +11,12 @@ class frmDevices;
 
 namespace sonavex::ui {
 
-// The selection of the sound devices on the screen.
+// Window of the device selection.
 class DeviceDialog : public FormDialog {
     Q_OBJECT
 
 public:
-    // Loads the form; what the form's start throws leaves here. Both must outlive the dialog.
+    // Loads the form; exceptions of the form's start pass through. Both must outlive the dialog.
     DeviceDialog(frmDevices& form, HandlerGuard& guard);
     ~DeviceDialog() override;
 

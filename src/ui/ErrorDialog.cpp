@@ -15,7 +15,7 @@ constexpr int kStatusLines = 2;
 
 constexpr int kMarkSize = 32;
 
-// A cross in a disc, sharp at every scale.
+// A stop sign, drawn so that it is sharp at every scale.
 QPixmap StopSign(qreal pixelRatio) {
     const Theme& theme = Theme::Current();
     QPixmap pixmap((QSizeF(kMarkSize, kMarkSize) * pixelRatio).toSize());
@@ -56,7 +56,7 @@ ErrorDialog::ErrorDialog(frmError& form, HandlerGuard& guard)
     SetSize();
 }
 
-// Wide enough for a sentence of the message, as high as its lines need.
+// Sets the width for a sentence of the message and the height for its lines.
 void ErrorDialog::SetSize() {
     const QFontMetrics metrics = ui_->lblMessage->fontMetrics();
     ui_->lblMessage->setMinimumWidth(metrics.averageCharWidth() * kMessageCharacters);

@@ -11,7 +11,7 @@ class frmError;
 
 namespace sonavex::ui {
 
-// The dialog about a failed sound device on the screen.
+// Window of the dialog about a failed sound device.
 class ErrorDialog : public FormDialog {
     Q_OBJECT
 

@@ -4,8 +4,7 @@
 
 namespace sonavex::ui {
 
-// The toolkit's own style with check boxes and option buttons that can be seen on dark and light cards
-// alike.
+// Qt's style with check boxes and option buttons that are visible on dark and light cards.
 class FaceStyle : public QProxyStyle {
 public:
     FaceStyle();

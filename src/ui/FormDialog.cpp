@@ -12,13 +12,12 @@
 namespace sonavex::ui {
 namespace {
 
-// The splash and the help go, or move to another window, before their child would.
+// The splash and the help window cannot own a dialog: they close, or get another parent, while it is open.
 bool MayOwn(const QWidget& window) {
     return window.windowType() != Qt::SplashScreen && qobject_cast<const HelpWindow*>(&window) == nullptr;
 }
 
-// The window that the dialog belongs to: a dialog that is open, else the main window, which stays as long
-// as there are dialogs, else the active one.
+// Owner of a new dialog: an open dialog, else the main window, else the active window.
 QWidget* Owner() {
     if (QWidget* const modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
     for (QWidget* const window : QApplication::topLevelWidgets())
@@ -27,7 +26,7 @@ QWidget* Owner() {
     return active != nullptr && MayOwn(*active) ? active : nullptr;
 }
 
-// Takes the end of the program over while it lives.
+// Redirects requests to end the program while it exists.
 class EndTaker {
 public:
     EndTaker(HandlerGuard& guard, std::function<void(const EndProgram&)> take)
@@ -41,13 +40,13 @@ private:
     std::function<void(const EndProgram&)> before_;
 };
 
-// Positions are told from the top left of the primary screen.
+// Stored positions count from the top left of the primary screen.
 QPoint PrimaryOrigin() {
     return QGuiApplication::primaryScreen()->geometry().topLeft();
 }
 
 bool OnAnyScreen(const QRect& frame) {
-    // Enough of it to take hold of.
+    // Large enough to grab with the mouse.
     for (const QScreen* screen : QGuiApplication::screens())
         if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -40, -40))) return true;
     return false;

@@ -9,29 +9,29 @@
 
 namespace sonavex::ui {
 
-// A form that is shown modally. Closing it, by whatever way, asks the form; the form closes it.
+// Window of a modal form. Closing the window asks the form, and the form closes the window.
 class FormDialog : public QDialog {
     Q_OBJECT
 
 public:
-    // Shows the dialog and returns when the form has closed it. What ends the program meanwhile closes it
-    // too: the EndProgram is thrown from here, so that whoever opened the dialog unwinds.
+    // Shows the dialog and returns when the form has closed it. A request to end the program closes it too;
+    // EndProgram is then thrown from here, so that the caller unwinds.
     void Run();
 
     const Binder& Bindings() const noexcept { return binder_; }
 
-    // Also the Escape key and the window's own closing.
+    // Also called for the Escape key and the window's close button.
     void reject() override;
 
 protected:
     // Frame and guard must outlive the dialog. unload asks the form to close.
     FormDialog(Window& frame, HandlerGuard& guard, std::function<void()> unload);
 
-    // The form has closed.
+    // Call when the form has closed.
     void Close() { QDialog::done(QDialog::Accepted); }
-    // The size that the layout comes to, for the form's start.
+    // Passes the size of the layout to the form's start.
     void TellSize();
-    // Where the frame says; in the middle of the screen where no screen shows that.
+    // Moves the window to the form's position, or centres it if no screen shows that position.
     void Place();
 
     void moveEvent(QMoveEvent* event) override;

@@ -13,7 +13,7 @@ QString State(const Generator& generator) {
     return QObject::tr("Generator playing %1 tones").arg(generator.NumTones);
 }
 
-// A looping sweep has no end.
+// A looping sweep never ends.
 bool Ended(const ToneRecord& tone) {
     return !tone.Loop && !Generator::UnderWay(tone);
 }

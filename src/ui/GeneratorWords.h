@@ -6,12 +6,12 @@
 
 namespace sonavex::ui {
 
-// What the generator does, in words for the face: the state, and how its sweeps stand.
+// Describes the generator's state and its sweeps.
 struct GeneratorWords {
     QString state;
     QString detail;  // empty when nothing sweeps
 
-    // clockRuns: sweeps that have not ended advance.
+    // clockRuns: the sweep clock runs, so unfinished sweeps advance.
     static GeneratorWords Of(const Generator& generator, bool clockRuns);
 };
 

@@ -11,10 +11,10 @@
 namespace sonavex::ui {
 namespace {
 
-// Pages have addresses of a kind of their own, so that nothing else can be meant.
+// A private URL scheme, so that no other resource can be addressed.
 constexpr const char* kScheme = "book";
 constexpr int kLeastPicture = 64;  // dots
-// A book's pictures have so many dots for one of the size that they are shown in.
+// The book's pictures have twice the resolution of their displayed size.
 constexpr int kPictureDensity = 2;
 
 QUrl AddressOf(const QString& page) {
@@ -26,19 +26,19 @@ QUrl AddressOf(const QString& page) {
     return address;
 }
 
-// Empty for an address outside the book.
+// Page of an address; empty for an address outside the book.
 QString PageOf(const QUrl& address) {
     if (address.scheme() != QLatin1String(kScheme) || !address.host().isEmpty()) return {};
     return address.path().mid(1);
 }
 
-// The page without the widths of its pictures: they are fitted here.
+// Removes the widths of the pictures, because FittedPicture scales them.
 QString WithoutWidths(QString html) {
     static const QRegularExpression width(QStringLiteral("(<img\\b[^>]*?)\\s+width=\"\\d+\""));
     return html.replace(width, QStringLiteral("\\1"));
 }
 
-// In place of one that cannot be shown: a single clear dot.
+// Placeholder for a missing picture: one transparent dot.
 QImage NoPicture() {
     QImage picture(1, 1, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
@@ -50,7 +50,7 @@ QImage NoPicture() {
 HelpBrowser::HelpBrowser(QWidget* parent) : QTextBrowser(parent) {
     setOpenExternalLinks(false);
     setOpenLinks(true);
-    // Pictures that fit must not cease to fit by its coming.
+    // A scroll bar that appears later would make pictures too wide.
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
 }
 
@@ -62,8 +62,7 @@ QString HelpBrowser::Page() const {
     return PageOf(source());
 }
 
-// Without an answer the toolkit would look for a picture or a style sheet among the files of this machine,
-// so there is always one.
+// Always returns a resource: otherwise Qt looks for pictures and style sheets in the file system.
 QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
     const QString page = PageOf(source().resolved(name));
     std::optional<std::string> content;
@@ -75,7 +74,7 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
 }
 
 QImage HelpBrowser::FittedPicture(const QByteArray& content) const {
-    // In full colours: scaling would scatter dots over a picture of few.
+    // Full colour, because scaling an indexed picture produces artefacts.
     QImage picture = QImage::fromData(content).convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull()) return NoPicture();
     const double margins = 2.0 * document()->documentMargin() + 4.0;
@@ -87,7 +86,7 @@ QImage HelpBrowser::FittedPicture(const QByteArray& content) const {
     return picture;
 }
 
-// The pictures follow the width, once the page that may be under way is laid out.
+// Scales the pictures to the new width after the pending layout.
 void HelpBrowser::resizeEvent(QResizeEvent* event) {
     QTextBrowser::resizeEvent(event);
     if (event->size().width() == event->oldSize().width() || refitting_) return;
@@ -96,7 +95,7 @@ void HelpBrowser::resizeEvent(QResizeEvent* event) {
         this, [this] { Refit(); }, Qt::QueuedConnection);
 }
 
-// The reader stays at the same place.
+// Keeps the reading position.
 void HelpBrowser::Refit() {
     refitting_ = false;
     if (source().isEmpty()) return;

@@ -7,18 +7,17 @@
 
 namespace sonavex::ui {
 
-// Shows pages and pictures of a help book and nothing else: what an address outside the book names is
-// neither shown nor loaded.
+// Shows pages and pictures of a help book only. Addresses outside the book are neither shown nor loaded.
 class HelpBrowser : public QTextBrowser {
     Q_OBJECT
 
 public:
     explicit HelpBrowser(QWidget* parent = nullptr);
 
-    // The book must outlive its use here; nothing is shown before.
+    // The book must outlive its use here. Nothing is shown before.
     void SetBook(const HelpBook& book) { book_ = &book; }
     void ShowPage(const QString& page);
-    // Path of the page that is shown, empty before the first one.
+    // Path of the present page; empty before the first one.
     QString Page() const;
 
     QVariant loadResource(int type, const QUrl& name) override;
@@ -28,7 +27,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    // A picture no wider than the page; an empty one of a single dot for what is no picture.
+    // The picture, at most as wide as the page; a transparent dot if the content is not a picture.
     QImage FittedPicture(const QByteArray& content) const;
 
     void Refit();

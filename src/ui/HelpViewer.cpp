@@ -8,7 +8,7 @@
 namespace sonavex::ui {
 namespace {
 
-// Whether the widget, if any, is the window or inside what the window owns.
+// Whether the widget is the window or one of its descendants.
 bool BelongsTo(const QWidget* widget, const QWidget& window) {
     while (widget != nullptr && widget != &window) widget = widget->parentWidget();
     return widget != nullptr;
@@ -28,8 +28,8 @@ HelpWindow* HelpViewer::Open() const {
     return window_.data();
 }
 
-// A modal dialog blocks every window that does not belong to it, so the help moves to the dialog that asks
-// for it, and goes with it. It is moved, not made anew: what belongs to the help has to stay.
+// A modal dialog blocks all windows that are not its children, so the help window becomes a child of the
+// dialog that requests it. It is reparented rather than created again, to keep its pages and history.
 HelpWindow* HelpViewer::Window() {
     QWidget* const owner = QApplication::activeModalWidget();
     if (window_ != nullptr) {

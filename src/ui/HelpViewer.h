@@ -13,11 +13,11 @@ namespace sonavex::ui {
 
 class HelpWindow;
 
-// The help file's commands, shown in the help window. A file that cannot be shown gives a message, and is
-// tried again the next time.
+// Shows the help file in the help window. A file that cannot be shown gives a message and is tried again the
+// next time.
 class HelpViewer : public Help {
 public:
-    // helpFile tells where the help file is; open reads it and throws HelpFileError. The dialogs must
+    // helpFile returns the path of the help file; open reads it and throws HelpFileError. The dialogs must
     // outlive the viewer.
     HelpViewer(Dialogs& dialogs, std::function<std::string()> helpFile,
                std::function<std::unique_ptr<HelpBook>(const std::string&)> open);
@@ -28,7 +28,7 @@ public:
     void ShowTopic(std::int32_t topic) override;
     void ShowContents() override;
 
-    // The window that is open, if any.
+    // The open window, if any.
     HelpWindow* Open() const;
 
 private:

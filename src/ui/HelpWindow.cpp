@@ -158,7 +158,7 @@ void HelpWindow::Search(const QString& words) {
     }
 }
 
-// The contents and the buttons, after the page has changed in whatever way.
+// Updates the contents and the buttons after every change of the page.
 void HelpWindow::FollowPage() {
     back_->setEnabled(browser_->isBackwardAvailable());
     forward_->setEnabled(browser_->isForwardAvailable());
@@ -196,7 +196,7 @@ void HelpWindow::changeEvent(QEvent* event) {
 void HelpWindow::TakeTheme() {
     takingTheme_ = true;
     ApplyTheme(*this);
-    // In line with the buttons beside it.
+    // Aligned with the buttons.
     search_->setMinimumHeight(back_->sizeHint().height());
     const Theme& theme = Theme::Current();
     setStyleSheet(styleSheet() +

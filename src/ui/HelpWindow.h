@@ -16,7 +16,7 @@ namespace sonavex::ui {
 
 class HelpBrowser;
 
-// The help file in a window of its own: contents, search, pages with back and forward.
+// The help window: contents, search, and pages with back and forward.
 class HelpWindow : public QDialog {
     Q_OBJECT
 
@@ -24,13 +24,13 @@ public:
     explicit HelpWindow(std::unique_ptr<HelpBook> book, QWidget* parent = nullptr);
     ~HelpWindow() override;
 
-    // The book's first page for an empty path.
+    // An empty path shows the book's first page.
     void ShowPage(const QString& page);
     void ShowTopic(std::int32_t topic);
-    // The contents in front, with the book's first page.
+    // Shows the contents and the book's first page.
     void ShowContents();
 
-    // Shown, not hidden behind other windows.
+    // Shows the window in front of other windows.
     void BringForward();
 
 protected:

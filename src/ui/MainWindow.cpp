@@ -19,21 +19,21 @@ namespace {
 
 constexpr int kSweepWatchMs = 100;
 
-// The place is kept while the widget is hidden, so that nothing moves.
+// Keeps the layout unchanged while the widget is hidden.
 void KeepPlace(QWidget& widget) {
     QSizePolicy policy = widget.sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     widget.setSizePolicy(policy);
 }
 
-// The layout that places the widget.
+// The layout that contains the widget.
 QLayout* LayoutOf(const QWidget& widget) {
     for (QLayout* layout : widget.parentWidget()->findChildren<QLayout*>())
         if (layout->indexOf(&widget) >= 0) return layout;
     return nullptr;
 }
 
-// Size of the widget while it shows this text.
+// Size of the widget with this text.
 template <class Widget>
 QSize SizeWith(Widget& widget, const QString& text) {
     const QString shown = widget.text();
@@ -44,33 +44,33 @@ QSize SizeWith(Widget& widget, const QString& text) {
     return size;
 }
 
-// Room for the widest text that the button will ever show.
+// Fixes the button's size for its widest text.
 void FixSize(QPushButton& button, const QString& widest) {
     button.setMinimumSize(SizeWith(button, widest));
 }
 
-// The same for a label, which keeps exactly this size: its texts then come and go without any layout.
+// Fixes the label's size for its widest text, so that a change of text causes no layout.
 void FixSize(QLabel& label, const QString& widest) {
     label.setFixedSize(SizeWith(label, widest));
     if (QLayout* const layout = LayoutOf(label)) layout->setAlignment(&label, label.alignment());
 }
 
-// As the form keeps from the lowest screen's bottom.
+// The same margin that the form keeps from the bottom of the lowest screen.
 constexpr int kBottomMargin = 50;
 
-// Positions are told from the top left of the primary screen.
+// Stored positions count from the top left of the primary screen.
 QPoint PrimaryOrigin() {
     return QGuiApplication::primaryScreen()->geometry().topLeft();
 }
 
-// A level for those who listen to it.
+// A level as a screen reader reads it.
 QString Spoken(const std::string& caption, const QString& word) {
     if (!word.isEmpty()) return word;
     const QString text = QString::fromStdString(caption);
     return IsNumeric(caption) ? text + " %" : text;
 }
 
-// What the total counts; nothing is measurable yet below the 2nd.
+// The harmonics in the total; 1 means none.
 QString HarmonicsUpTo(int highest) {
     if (highest < 2) return QStringLiteral("H2–H9");
     return highest == 2 ? QStringLiteral("H2") : QStringLiteral("H2–H%1").arg(highest);
@@ -98,7 +98,7 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     FixSizes();
     ExplainReadings();
     ui_->sldEndFreq->SetResetHz(20);
-    // A sweep moves no control: its frequency is looked at while it lasts.
+    // A sweep changes no control, so its frequency is polled.
     sweepWatch_.setInterval(kSweepWatchMs);
     connect(&sweepWatch_, &QTimer::timeout, this, &MainWindow::DecorateGenerator);
     BindControls();
@@ -125,7 +125,7 @@ void MainWindow::ExplainReadings() {
     }
 }
 
-// What changes from block to block.
+// Lets widgets that change with every block paint their own background.
 void MainWindow::StandOnGrounds() {
     std::vector<QWidget*> readings{ui_->lblThd,    ui_->LblLevel,  ui_->lblDACLevel, ui_->adcWord,
                                    ui_->dacWord,   ui_->lockWord,  ui_->genLockWord, ui_->picLocked,
@@ -145,7 +145,7 @@ void MainWindow::FixSizes() {
     for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, tr("NOT LOCKED"));
     FixSize(*ui_->cycleText, "19 of 19");
     FixSize(*ui_->runningWord, "Generator playing 8 tones");
-    // A frequency or a time has five digits; a box wants room around them.
+    // Five digits and a margin.
     for (QLineEdit* box : {ui_->txtGenFreq, ui_->txtGenEndFreq, ui_->txtSweepTime})
         box->setMinimumWidth(box->fontMetrics().horizontalAdvance("00000000"));
     for (QPushButton* button : {ui_->startCurrentMeter, ui_->Command1}) FixSize(*button, "Start Current");
@@ -156,7 +156,7 @@ void MainWindow::FixSizes() {
 }
 
 void MainWindow::ConnectConveniences() {
-    // A shortcut of a button itself would go with each change of its caption.
+    // A button drops its own shortcut when its caption changes.
     connect(new QShortcut(QKeySequence(Qt::Key_F5), this), &QShortcut::activated, ui_->Command1,
             &QPushButton::click);
     connect(new QShortcut(QKeySequence(Qt::Key_F6), this), &QShortcut::activated, ui_->cmdStartMemory,
@@ -174,7 +174,7 @@ void MainWindow::ConnectConveniences() {
     }
 }
 
-// What the style adds to the widgets counts only once they are polished, which showing them would do.
+// Polishes the widgets first, because the style changes their sizes.
 void MainWindow::TakeLayoutSize() {
     ensurePolished();
     for (QWidget* widget : findChildren<QWidget*>()) {
@@ -208,7 +208,7 @@ bool MainWindow::OnAnyScreen() const {
     return false;
 }
 
-// Screens may differ in height; the form knows only how far the lowest reaches.
+// Screens can differ in height, and the form knows only the lowest edge.
 void MainWindow::KeepAboveTheScreensBottom() {
     const QScreen* screen = QGuiApplication::screenAt(QRect(pos(), size()).center());
     if (screen == nullptr) return;
@@ -219,14 +219,14 @@ void MainWindow::KeepAboveTheScreensBottom() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    // The form ends the program when its shutdown is through.
+    // The form ends the program when its shutdown is complete.
     event->ignore();
     form_.Guard.Run([this] { form_.Unload(); });
 }
 
 void MainWindow::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
-    // Where the face itself put the window is not where the user put it.
+    // Ignores the position that the program itself has set.
     if (!placedAt_ || pos() == *placedAt_) return;
     placedAt_ = QPoint(INT_MIN, INT_MIN);
     const QPoint place = pos() - PrimaryOrigin();
@@ -260,7 +260,7 @@ void MainWindow::Decorate() {
     ui_->baselineNote->setVisible(form_.BaselineOptions.CapturedElsewhere());
 }
 
-// Figures that stand still look unlike figures that are being measured.
+// Stale figures look different from live ones.
 void MainWindow::DecorateStream() {
     const QString trouble = QString::fromStdString(form_.StreamTrouble.Caption());
     DecoratePath();

@@ -18,20 +18,19 @@ namespace sonavex::ui {
 
 class HarmonicBar;
 
-// The instrument's window: joins the main form's controls to their widgets and adds what only the eye
-// needs. Decides nothing.
+// The main window: binds the main form's controls to their widgets and adds colours, sizes and shortcuts.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    // The form must outlive the window. simulatedName: name of the simulated card when it is in use, else
+    // The form must outlive the window. simulatedName: name of the simulated card if it is in use, else
     // empty.
     MainWindow(frmMain& form, const QString& simulatedName);
     ~MainWindow() override;
 
-    // Shows the window where the form's start has placed it; in the middle where no screen shows it.
+    // Shows the window at the form's position, or centred if no screen shows that position.
     void ShowPlaced();
-    // Asked before the form's start: the size that the layout comes to.
+    // Call before the form's start: passes the size of the layout to the form.
     void TellSize();
 
     const Binder& Bindings() const noexcept { return binder_; }
@@ -67,7 +66,7 @@ private:
     std::vector<QPushButton*> presets_;
     Binder binder_;
     QTimer sweepWatch_;
-    // Where the window was put when it was shown, until the user moves it; no position of a window after.
+    // Position at which the window was shown; nothing after the user has moved it.
     std::optional<QPoint> placedAt_;
     bool applyingTheme_ = false;
     bool stale_ = false;

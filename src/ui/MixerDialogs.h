@@ -63,7 +63,7 @@ private:
     std::unique_ptr<Ui::frmVistaTone> ui_;
 };
 
-// The windows of the mixers' forms. The mixers must outlive them; the parent owns nothing of them.
+// The windows of the mixer forms. The mixers must outlive them.
 class MixerDialogs {
 public:
     MixerDialogs(SoundCardMixers& mixers, HandlerGuard& guard, QWidget& parent)

@@ -9,11 +9,11 @@
 
 namespace sonavex::ui {
 
-// Opens the dialogs about sound devices and returns when they have closed. EndProgram leaves here when
-// one of them, or anything meanwhile, ends the program.
+// Opens the dialogs about sound devices and returns when they have closed. Throws EndProgram when the program
+// ends meanwhile.
 class ModalForms {
 public:
-    // Everything must outlive this object.
+    // All referenced objects must outlive this object.
     struct World {
         frmMain& form;
         ErrorState& error;

@@ -12,7 +12,7 @@
 namespace sonavex::ui {
 namespace {
 
-// What a label asks for beside its text.
+// Width that a label needs in addition to its text.
 constexpr int kLabelPadding = 4;
 
 }  // namespace
@@ -68,7 +68,7 @@ void ModelessDialog::reject() {
     guard_.Run([this] { form_.Unload(); });
 }
 
-// Where the face itself put the window is not where the user put it.
+// Ignores the position that the program itself has set.
 void ModelessDialog::moveEvent(QMoveEvent* event) {
     QDialog::moveEvent(event);
     if (!placedAt_ || pos() == *placedAt_) return;

@@ -9,7 +9,7 @@
 
 namespace sonavex::ui {
 
-// The window of a form beside the main form: shown, closed, placed and activated with it.
+// Window of a modeless form: follows the form's show, close, position and activation.
 class ModelessDialog : public QDialog {
     Q_OBJECT
 
@@ -23,16 +23,16 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void changeEvent(QEvent* event) override;
-    // Escape closes as the button does.
+    // Escape acts like the close button.
     void reject() override;
 
-    // To be called at the end of the derived class's constructor: the layout is complete.
+    // Call at the end of the derived class's constructor, when the layout is complete.
     void Complete();
-    // After each flush.
+    // Runs after each flush.
     virtual void Decorate() {}
-    // After the theme has been applied: widths that depend on the fonts.
+    // Runs after the theme has been applied: sets widths that depend on fonts.
     virtual void Align() {}
-    // A form that keeps no place opens beside its parent.
+    // False for a form without a stored position: it opens next to its parent.
     bool KeepsPlace = true;
 
     Binder& Bindings() noexcept { return binder_; }
@@ -48,10 +48,10 @@ private:
     bool applyingTheme_ = false;
 };
 
-// Gives the widgets the width of the widest, so that the columns of two groups stand in line.
+// Gives all widgets the width of the widest one, to align the columns of two groups.
 void AlignColumn(std::initializer_list<QWidget*> widgets);
 
-// Shows a slider's level beside it, in percent; a dash where there is none.
+// Shows a slider's level in percent in the label next to it; a dash if it is disabled.
 void ShowPercent(QWidget& dialog, const QString& slider, int percent, bool enabled);
 
 }  // namespace sonavex::ui

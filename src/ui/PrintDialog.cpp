@@ -38,7 +38,7 @@ PrintDialog::~PrintDialog() {
     form_.ChooseFile = {};
 }
 
-// The form asks about replacing.
+// No overwrite question here, because the form asks it.
 std::string PrintDialog::AskForFile(const std::string& first) {
     return QFileDialog::getSaveFileName(this, tr("PDF file"), QString::fromStdString(first),
                                         tr("PDF files (*.pdf)"), nullptr, QFileDialog::DontConfirmOverwrite)

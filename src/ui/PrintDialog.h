@@ -11,12 +11,12 @@ class frmPrint;
 
 namespace sonavex::ui {
 
-// The print dialog on the screen.
+// Window of the print dialog.
 class PrintDialog : public FormDialog {
     Q_OBJECT
 
 public:
-    // The form has been loaded. Both must outlive the dialog.
+    // The form must be loaded. Both must outlive the dialog.
     PrintDialog(frmPrint& form, HandlerGuard& guard);
     ~PrintDialog() override;
 

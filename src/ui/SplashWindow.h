@@ -6,7 +6,7 @@
 
 namespace sonavex::ui {
 
-// The splash form on the screen while the instrument starts; a click closes it.
+// Window of the splash form during the start. A click closes it.
 class SplashWindow : public QSplashScreen {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ public:
     // The form must outlive the window.
     explicit SplashWindow(frmSplash& form);
 
-    // Shows what the form says, or closes when it has been unloaded.
+    // Shows the form's text, or closes if the form has been unloaded.
     void Refresh();
 
 protected:

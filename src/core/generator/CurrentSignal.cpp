@@ -104,7 +104,7 @@ bool CurrentSignal::CheckEntries() {
     return false;
 }
 
-// Memory tones use record 0 too: everything the controls hold is taken anew.
+// Memory tones use record 0 too, so every value is read from the controls again.
 void CurrentSignal::TakeControls() {
     ToneRecord& tone = Record();
     tone.StartFrequency = controls_.sldStartFreq.Value();
@@ -121,7 +121,8 @@ void CurrentSignal::UpdateLoopIncrement() {
     tone.LoopIncrement = (tone.EndFrequency - tone.StartFrequency) / tone.SweepTime;
 }
 
-// The stored step is a hundredth of the one that plays; every start computes its own.
+// The stored step is a hundredth of the step in use. It does not matter, because every start computes its
+// own.
 void CurrentSignal::SaveCurrentSignal() {
     TakeControls();
     ToneRecord& tone = Record();
@@ -137,7 +138,7 @@ void CurrentSignal::SaveCurrentSignal() {
     settings.Save(keys::kCurrentLoop, CStr(tone.Loop));
 }
 
-// A typed or stored value may be beyond every whole number.
+// The value comes from the user or the settings and may exceed any whole number.
 void CurrentSignal::SetNearest(Slider& slider, double value) {
     slider.SetValue(
         CLng(std::clamp(value, static_cast<double>(slider.Min()), static_cast<double>(slider.Max()))));

@@ -9,29 +9,29 @@
 
 namespace sonavex {
 
-// The signal that is being set up, record 0 of the tone table: its controls, their check, their
-// storage, start and stop. Moving a slider runs its first handler, letting it go its second one; so
-// does finishing an entry in its box. User-interface thread only.
+// The current signal, record 0 of the tone table: its controls, validation, storage, start and stop. Moving a
+// slider runs its handler "_First"; releasing it, or leaving its box, runs "_Second".
 class CurrentSignal {
 public:
-    // Gives the controls their limits and takes their events. All must outlive this object.
+    // Sets the limits of the controls and handles their events. All referenced objects must outlive this
+    // object.
     CurrentSignal(const GeneratorEnvironment& environment, SignalControls& controls,
                   PlayInterlock& interlock);
     CurrentSignal(const CurrentSignal&) = delete;
     CurrentSignal& operator=(const CurrentSignal&) = delete;
 
-    // Start-up: the level as stored, shown and stored again.
+    // At start-up: shows the stored level and stores it again.
     void RestoreLevel();
-    // Start-up: the signal as stored. A value that does not convert raises 13 or 6, a waveform that is
-    // not in the list 5; the text names the key.
+    // At start-up: restores the stored signal. A value that does not convert raises 13 or 6, an unknown
+    // waveform 5; the text names the key.
     void Restore();
 
-    // Whether frequencies (20 Hz to half the sampling rate) and sweep time (up to 10000 ms) in the boxes
-    // are valid. If not, says so and gives the first box that is wrong the focus.
+    // Checks the frequencies (20 Hz to half the sampling rate) and the sweep time (up to 10000 ms) in the
+    // boxes. If one is invalid, shows a message, sets the focus to the first wrong box and returns false.
     bool CheckEntries();
-    // The controls into the record, and the record into the settings.
+    // Copies the controls to the record and stores the record in the settings.
     void SaveCurrentSignal();
-    // Runs the first handler of each frequency slider that was moved by a change of its limits.
+    // Runs the first handler of each frequency slider whose value a change of its limits has clamped.
     void FollowLimits();
 
     void cmbType_Click();
@@ -47,23 +47,23 @@ public:
     void txtGenFreq_Change();
     void txtGenEndFreq_Change();
     void txtSweepTime_Change();
-    // Starts (after CheckEntries) or stops. Whatever plays is stopped.
+    // Starts (after CheckEntries) or stops. Stops whatever is playing.
     void Command1_Click();
 
-    // Given the level at every change, hundredths of a dB; to be passed on to the playback buffer where
-    // there is one. May be empty.
+    // Called with the level (hundredths of a dB) at every change, to set the volume of the playback buffer.
+    // May be empty.
     std::function<void(std::int32_t)> SetPlaybackVolume;
 
-    std::int16_t ToneType = 0;  // waveform chosen last
+    std::int16_t ToneType = 0;  // last selected waveform
 
 private:
     void SetLimits();
     void TakeEvents();
     bool CheckFrequency(TextBox& box, const char* message);
     void TakeControls();
-    // The step of the record's sweep; stays as it is without a sweep.
+    // Computes the step of the record's sweep; does nothing without a sweep.
     void UpdateLoopIncrement();
-    // The whole number nearest to the value, within the slider's limits.
+    // Sets the slider to the nearest whole number within its limits.
     static void SetNearest(Slider& slider, double value);
     void Start();
     void Stop();
@@ -72,7 +72,7 @@ private:
     GeneratorEnvironment env_;
     SignalControls& controls_;
     PlayInterlock& interlock_;
-    // Values that the handlers of the frequency sliders saw last.
+    // Last values that the handlers of the frequency sliders saw.
     std::int32_t startSeen_ = 0;
     std::int32_t endSeen_ = 0;
 };

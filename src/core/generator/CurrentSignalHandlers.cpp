@@ -22,7 +22,7 @@ void CurrentSignal::sldStartFreq_First() {
     tone.StartFrequency = value;
     if (env_.generator.NumTones != 1) return;
     tone.Frequency = value;
-    tone.LastFrequency = 0.0;  // the next block computes its increments in any case
+    tone.LastFrequency = 0.0;  // forces the next block to compute the increments
 }
 
 void CurrentSignal::sldStartFreq_Second() {

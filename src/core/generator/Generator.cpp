@@ -30,12 +30,12 @@ void AdvanceCount(ToneRecord& tone) {
     tone.SampleCount = tone.SampleCount < tone.Period ? tone.SampleCount + 1.0 : 0.0;
 }
 
-// A tone whose frequency was never set has no period to divide by.
+// A tone whose frequency was never set has a period of 0.
 void RequirePeriod(const ToneRecord& tone) {
     if (tone.Period == 0.0) throw RuntimeError(error_number::kDivisionByZero);
 }
 
-// Scales both arrays when the second one, the only one looked at, exceeds the threshold.
+// Scales both arrays if the second one exceeds the threshold. The first one is not checked.
 void GuardAgainstClipping(std::span<double> first, std::span<double> second) {
     const double peak = modSPL2VB::nspdMax(second, kGuardLength);
     if (!(peak > kClippingThreshold)) return;
@@ -72,8 +72,8 @@ void Generator::ResetTonePhases() {
     }
 }
 
-// The running sweep frequency is what is remembered. Where it differs from the sounding frequency the
-// increments are simply computed again for the next block.
+// LastFrequency takes the frequency of the sweep. If the playing frequency differs from it, the next block
+// computes the increments again.
 void Generator::CheckFrequencies() {
     const ScopedFlag busy(ToneUpdateBusy);
     for (std::int32_t i = 0; i < NumTones; ++i) {
@@ -126,14 +126,14 @@ void Generator::AddTone(ToneRecord& tone, std::span<double> first, std::span<dou
 
 void Generator::MakeSine(ToneRecord& tone, std::size_t count) {
     double phase = tone.Phase;
-    // A tone above the sampling rate, stored at a higher one, turns more than once in a sample.
+    // A tone stored at a higher rate can exceed the sampling rate and turn more than once per sample.
     const double increment = std::fmod(tone.PhaseIncrement, kTwoPi);
     for (std::size_t i = 0; i < count; ++i) {
         phase += increment;
         if (phase > kPi) phase -= kTwoPi;
-        // A square leaves its phase at three quarters of a turn.
+        // A square wave leaves its phase at three quarters of a turn.
         if (phase > kPi) phase -= kTwoPi;
-        // The last step of a downward sweep may end below 0 Hz.
+        // The last step of a downward sweep can end below 0 Hz.
         if (phase <= -kPi) phase += kTwoPi;
         angles_[i] = phase;
     }
@@ -141,7 +141,7 @@ void Generator::MakeSine(ToneRecord& tone, std::size_t count) {
     modSPL2VB::Sines(angles_, values_, static_cast<std::int32_t>(count));
 }
 
-// The sine of a quarter or of three quarters of a turn.
+// The sine of a quarter turn or of three quarters.
 void Generator::MakeSquare(ToneRecord& tone, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const bool secondHalf = tone.Period / 2.0 < tone.SampleCount;

@@ -14,15 +14,15 @@
 
 namespace sonavex {
 
-// The function generator: the table of tones, their synthesis block by block and the step of their
-// sweeps. User-interface thread only; nobody may change the table while a block is filled.
+// The function generator: tone table, block synthesis and sweep steps. The table must not change while a
+// block is filled.
 class Generator : public BlockFill {
 public:
     explicit Generator(const SharedState& shared) noexcept : shared_(shared) {}
 
-    bool GeneratorRunning = false;     // the fill does nothing while false
+    bool GeneratorRunning = false;     // FillGeneratorBlock does nothing while false
     std::int32_t GeneratorState = 0;   // 8 after a stop
-    bool ToneUpdateBusy = false;       // the fill looks at the frequencies; upward sweeps wait
+    bool ToneUpdateBusy = false;       // FillGeneratorBlock reads the frequencies; upward sweeps wait
     bool SweepRunning = false;         // playing: sweeps advance
     std::int32_t SweepCycleCount = 0;  // cleared when a sweep starts again
     std::int32_t NumTones = 0;         // records in use, from index 0
@@ -30,27 +30,27 @@ public:
 
     void SetGeneratorRunning(bool on) noexcept;
 
-    // Starts every tone whose frequency changed at phase 0; the others go on where they are.
-    // Error 11 for a frequency of 0.
+    // Resets the phase of every tone whose frequency has changed; the others continue. Error 11 for a
+    // frequency of 0.
     void ResetTonePhases();
 
-    // Peak of a sine or square 32767 / 2 / (NumTones + 1), triangle and sawtooth from 0 to
-    // 32767 / (NumTones + 1). Afterwards both arrays are scaled when the second one's largest sample
-    // exceeds 32760. Arrays shorter than count or than 2048, or more than 9 tones: error 9; a
-    // frequency of 0: error 11. Allocates nothing.
+    // Adds the active tones to both arrays. A sine or square peaks at 32767 / 2 / (NumTones + 1); triangle
+    // and sawtooth run from 0 to 32767 / (NumTones + 1). If the largest sample of the second array exceeds
+    // 32760, both arrays are then scaled. Arrays shorter than count or 2048, or more than 9 tones: error 9. A
+    // frequency of 0: error 11. Does not allocate.
     void FillGeneratorBlock(std::span<double> first, std::span<double> second, std::int32_t count) override;
 
-    // Once at start-up: the level slider from the stored level, and the module's own values.
+    // At start-up: sets the level slider to the stored level and initialises the defaults.
     void LoadGeneratorDefaults(const Settings& settings, Slider& sldLevel);
 
-    // One millisecond of every sweep. `yield` lets the system deliver its events and answers whether
-    // the tick shall go on; it is called once, and once more before each tone.
+    // Advances every sweep by one millisecond. `yield` lets the event loop deliver events and returns whether
+    // the tick may continue; it is called once, and once more before each tone.
     void AdvanceSweep(const std::function<bool()>& yield);
 
-    // Whether the tone's sweep, if it has one, has not yet reached its end.
+    // Whether the tone's sweep has not reached its end. The tone must have a sweep.
     static bool UnderWay(const ToneRecord& tone);
 
-    // What LoadGeneratorDefaults leaves behind.
+    // Values set by LoadGeneratorDefaults.
     struct Defaults {
         double level = 0.0;  // hundredths of a dB, as stored
         std::string name;
@@ -69,7 +69,7 @@ private:
     void UpdateIncrements(ToneRecord& tone) const;
     void CheckFrequencies();
     void AddTone(ToneRecord& tone, std::span<double> first, std::span<double> second);
-    // Fills values_ with what the tone contributes, before its amplitude.
+    // These fill values_ with the tone's samples before amplitude scaling.
     void MakeSine(ToneRecord& tone, std::size_t count);
     void MakeSquare(ToneRecord& tone, std::size_t count);
     void MakeTriangle(ToneRecord& tone, std::size_t count);

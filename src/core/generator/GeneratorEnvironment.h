@@ -8,7 +8,7 @@
 
 namespace sonavex {
 
-// What the generator's panels work with. Everything must outlive them.
+// All referenced objects must outlive the panels.
 struct GeneratorEnvironment {
     const SharedState& shared;
     Settings& settings;

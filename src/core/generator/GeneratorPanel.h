@@ -13,32 +13,31 @@
 
 namespace sonavex {
 
-// The generator as the main form has it: its controls, the current signal and the memory tones.
-// User-interface thread only.
+// The generator's controls on the main form, with the current signal and the memory tones.
 class GeneratorPanel {
 public:
-    // mnuPrint and chkMuteOutput belong to the main form. All must outlive this object.
+    // mnuPrint and chkMuteOutput belong to the main form. All referenced objects must outlive this object.
     GeneratorPanel(const GeneratorEnvironment& environment, MenuItem& mnuPrint,
                    const CheckBox& chkMuteOutput);
 
     SignalControls Signal;
     MemoryControls Memory;
 
-    // Start-up, after the frequency sliders got their limits: everything as stored. Stores the level.
-    // Settings that do not convert or do not fit raise an error that names the key.
+    // At start-up, after the limits of the frequency sliders are set: restores everything stored. Stores the
+    // level. A setting that does not convert or fit raises an error that names the key.
     void InitGenerator();
 
-    // Everything the generator stores, anew.
+    // Stores all settings of the generator.
     void WriteMemoryToRegistry() { memory_.WriteMemoryToRegistry(); }
 
-    // Presses each start button that is a stop button now.
+    // Presses each start button that currently stops playing.
     void StopPlaying();
 
-    // After a change of the sampling rate: shows the frequencies that the new limits clamped.
+    // Call after a change of the sampling rate: shows the frequencies that the new limits have clamped.
     void FollowLimits() { current_.FollowLimits(); }
 
-    // Given the level at every change, hundredths of a dB; passes it on to the playback buffer, if
-    // there is one.
+    // The hook is called with the level (hundredths of a dB) at every change, to set the volume of the
+    // playback buffer.
     void SetPlaybackVolume(std::function<void(std::int32_t)> hook) {
         current_.SetPlaybackVolume = std::move(hook);
     }

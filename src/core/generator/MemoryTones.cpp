@@ -11,7 +11,7 @@
 namespace sonavex {
 namespace {
 
-// One stored value of one entry; the entries count from 1.
+// The key of one stored value of one entry. Entries are numbered from 1.
 class EntryKey {
 public:
     EntryKey(const SettingsKey& key, std::int32_t entry)
@@ -24,7 +24,7 @@ private:
     std::string_view fallback_;
 };
 
-// What damaged settings read as; the start-up and the start of playback differ.
+// Keys with their defaults; start-up and the start of playback have different ones.
 struct ToneKeys {
     SettingsKey start = keys::kMemoryStart;
     SettingsKey end = keys::kMemoryEnd;
@@ -49,7 +49,7 @@ void ReadTone(const Settings& settings, std::int32_t entry, const ToneKeys& tone
     tone.LoopIncrement = settings.Double(of(toneKeys.loopIncrement).Get());
 }
 
-// A tone of 0 Hz has no period, and would sound as what its record held before.
+// A tone of 0 Hz has no period and would play the previous content of its record.
 void RequireAudible(const Settings& settings, std::int32_t entry, const SettingsKey& key,
                     double frequencyHz) {
     if (frequencyHz > 0.0) return;
@@ -57,7 +57,7 @@ void RequireAudible(const Settings& settings, std::int32_t entry, const Settings
                            EntryKey(key, entry).Get());
 }
 
-// The step of a sweep; of frequencies that no number is between, the largest.
+// Hz per millisecond. Clamped, because the span of two stored frequencies can exceed the largest double.
 double StepOf(const ToneRecord& tone) {
     constexpr double kLargest = std::numeric_limits<double>::max();
     return std::clamp((tone.EndFrequency - tone.StartFrequency) / tone.SweepTime, -kLargest, kLargest);
@@ -140,7 +140,7 @@ void MemoryTones::cmdGenAdd_Click() {
     current_.sldEndFreq_First();
     ToneRecord& tone = env_.generator.Tones.front();
     tone.Sweep = tone.SweepTime != 0;
-    // Memory tones that played may have left another setting in the record.
+    // Playing memory tones may have changed the record's Loop.
     tone.Loop = signal_.chkLoop.Checked();
     const bool loop = tone.Loop && signal_.chkLoop.Enabled();
     controls_.ToneList.AddItem(MakeToneLine(tone, signal_.cmbType.Text(), loop));

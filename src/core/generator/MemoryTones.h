@@ -9,29 +9,29 @@
 
 namespace sonavex {
 
-// The stored signals: up to eight lines of a list, kept in the settings under numbered keys. All
-// selected ones sound together, each with its own sweep. User-interface thread only.
+// The memory tones: up to eight lines of a list, stored in the settings under numbered keys. All selected
+// tones play together, each with its own sweep.
 class MemoryTones {
 public:
-    // Takes the controls' events. All must outlive this object. chkMuteOutput: stored with the tones.
+    // Handles the events of the controls. All referenced objects must outlive this object. chkMuteOutput is
+    // stored with the tones.
     MemoryTones(const GeneratorEnvironment& environment, MemoryControls& controls, CurrentSignal& current,
                 SignalControls& signal, PlayInterlock& interlock, const CheckBox& chkMuteOutput);
     MemoryTones(const MemoryTones&) = delete;
     MemoryTones& operator=(const MemoryTones&) = delete;
 
-    // Start-up: the list and the records 1 to 8 from the settings, as many as NumTones says. More than
-    // eight, or a waveform that does not exist, raise error 9, a value that does not convert 13 or 6;
-    // the text names the key.
+    // At start-up: loads the list and the records 1 to NumTones from the settings. More than eight tones, or
+    // an unknown waveform, raise error 9, a value that does not convert 13 or 6; the text names the key.
     void Load();
-    // The whole section of the generator anew, from list and controls.
+    // Stores the generator's whole section from the list and the controls.
     void WriteMemoryToRegistry();
 
     void ToneList_Click();
     void cmdGenAdd_Click();
     void cmdRemove_Click();
-    // Starts the selected entries or stops. Whatever plays is stopped. More than nine entries raise
-    // error 9, a stored value that does not convert 13 or 6, a frequency of 0 Hz 11, one below 5 (both
-    // name the key), one without a finite period 6: then nothing plays.
+    // Starts the selected entries or stops. Stops whatever is playing. Nothing plays after these errors: 9
+    // for more than nine entries, 13 or 6 for a stored value that does not convert, 11 for a frequency of 0
+    // Hz and 5 for one below (the text names the key), 6 for a frequency without a finite period.
     void cmdStartMemory_Click();
 
 private:

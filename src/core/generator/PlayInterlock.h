@@ -6,19 +6,19 @@ namespace sonavex {
 
 enum class Playing { kNothing, kCurrent, kMemory };
 
-// Which of the generator's controls may be used while something plays: the current signal and the
-// memory tones exclude each other, and neither the list nor, while memory tones play, the current
-// signal can be changed. The level always can. User-interface thread only.
+// Enables and disables the generator's controls while something plays. The current signal and the memory
+// tones exclude each other. The list is locked while anything plays, and so is the current signal while
+// memory tones play. The level is always enabled.
 class PlayInterlock {
 public:
     PlayInterlock(SignalControls& signal, MemoryControls& memory) noexcept
         : signal_(signal), memory_(memory) {}
 
-    // Shows what plays on all controls and on the status picture.
+    // Updates all controls and the status picture.
     void Show(Playing playing);
-    // Shows a changed list on its buttons.
+    // Updates the buttons after a change of the list.
     void ShowList();
-    // Shows a changed selection on the buttons that need one.
+    // Updates the buttons that need a selection.
     void ShowSelection();
 
 private:

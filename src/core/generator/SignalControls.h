@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// Limits of the sliders; the frequency sliders end at half the sampling rate.
+// Limits of the sliders. The frequency sliders end at half the sampling rate.
 inline constexpr std::int32_t kLowestLevel = -9600;  // hundredths of a dB
 inline constexpr std::int32_t kHighestLevel = 0;
 inline constexpr std::int32_t kLowestFrequency = 1;     // Hz
@@ -16,8 +16,8 @@ inline constexpr std::int32_t kLongestSweepMs = 10000;  // milliseconds
 inline constexpr Colour kGeneratorPlaying = kLightGreen;
 inline constexpr Colour kGeneratorStopped{128, 128, 128};
 
-// Controls of the signal that is being set up. Each frequency and the sweep time have a slider and a
-// box with the same value.
+// Controls of the current signal. Each frequency and the sweep time have a slider and a box with the same
+// value.
 struct SignalControls {
     ComboBox cmbType;         // waveform, by its index in kWaveNames
     Slider sldStartFreq;      // Hz
@@ -26,18 +26,18 @@ struct SignalControls {
     TextBox txtGenEndFreq;    // Hz
     Slider sldSweepTime;      // milliseconds, 0 for no sweep
     TextBox txtSweepTime;     // milliseconds
-    CheckBox chkLoop;         // the sweep starts again at its end
-    Slider sldLevel;          // output level, hundredths of a dB; also that of the memory tones
-    Label lblGenLevel;        // the same in dB
+    CheckBox chkLoop;         // repeats the sweep
+    Slider sldLevel;          // output level, hundredths of a dB; also used by memory tones
+    Label lblGenLevel;        // the level in dB
     CommandButton Command1;   // "Start Current" or "Stop Current"
     Indicator picGenRunning;  // kGeneratorPlaying while anything plays
 };
 
-// Controls of the stored signals.
+// Controls of the memory tones.
 struct MemoryControls {
     static constexpr std::int32_t kEntries = 8;
 
-    ListBox ToneList;              // one line a tone
+    ListBox ToneList;              // one line per tone
     CommandButton cmdGenAdd;       // adds the current signal
     CommandButton cmdRemove;       // removes the selected entries
     CommandButton cmdStartMemory;  // "Start Memory" or "Stop Memory"

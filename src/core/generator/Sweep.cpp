@@ -6,16 +6,16 @@
 namespace sonavex {
 namespace {
 
-// The steps of a short sweep do not add up to its end exactly. What is left of rounding must not cost
-// another step, which may be as long as the sweep: within this part of the span the end is reached.
+// Rounding accumulates over a short sweep. The end counts as reached within this fraction of the span,
+// because another step may be as long as the whole sweep.
 constexpr double kReachedFraction = 1e-9;
 
-// The sweep frequency after one more step.
+// The sweep frequency after the next step.
 double NextFrequency(const ToneRecord& tone) {
     const double next = tone.SweepFrequency + tone.LoopIncrement;
     if (!std::isfinite(next)) throw RuntimeError(error_number::kOverflow);
-    // There is no sound at or below 0 Hz. Only a step that is longer than its sweep asks, as that of an
-    // end that was moved a moment ago, or a stored one.
+    // Reached only when a step is larger than what is left of the sweep: its end was just moved, or the step
+    // was loaded from the settings.
     if (next <= 0.0 && tone.EndFrequency > 0.0) return tone.EndFrequency;
     return next;
 }
@@ -31,7 +31,7 @@ bool Generator::UnderWay(const ToneRecord& tone) {
 void Generator::AdvanceSweep(const std::function<bool()>& yield) {
     if (!yield()) return;
     for (std::int32_t i = 0; i < NumTones; ++i) {
-        // The number of tones may have changed while the system delivered its events.
+        // The number of tones may have changed while events were delivered.
         if (!yield() || i >= NumTones) return;
         StepSweep(Tone(i));
     }
@@ -39,7 +39,7 @@ void Generator::AdvanceSweep(const std::function<bool()>& yield) {
 
 void Generator::StepSweep(ToneRecord& tone) {
     if (SweepRunning && tone.Sweep && UnderWay(tone)) {
-        // The fill is looking at the frequencies: an upward sweep stands still for this tick.
+        // FillGeneratorBlock is reading the frequencies: upward sweeps skip this tick.
         if (tone.LoopIncrement > 0.0 && ToneUpdateBusy) return;
         const double next = NextFrequency(tone);
         tone.SweepFrequency = next;

@@ -2,13 +2,12 @@
 
 namespace sonavex {
 
-// What paces the sweeps, as the generator's panels see it: it ticks every millisecond while enabled.
-// User-interface thread only.
+// Paces the sweeps: ticks every millisecond while enabled.
 class SweepClock {
 public:
     virtual ~SweepClock() = default;
 
-    // Enabling an enabled clock, or disabling a disabled one, changes nothing.
+    // Setting the present state again changes nothing.
     virtual void SetEnabled(bool enabled) = 0;
 };
 

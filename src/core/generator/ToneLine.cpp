@@ -14,7 +14,7 @@ constexpr std::string_view kNoSweep = "NA / ";
 constexpr std::string_view kLoop = "Loop";
 constexpr std::string_view kNoLoop = "No Loop";
 
-// What follows the next slash, empty when there is none.
+// The text after the next slash; empty if there is none.
 std::string_view AfterSlash(std::string_view text) {
     const std::size_t slashAt = text.find('/');
     return slashAt == std::string_view::npos ? std::string_view() : text.substr(slashAt + 1);

@@ -11,32 +11,31 @@
 
 namespace sonavex {
 
-// The last stop of errors that escape a handler: says so, logs a line and lets the instrument live
-// on. User-interface thread only.
+// Catches errors that escape a handler: shows and logs them, and the program continues.
 class HandlerGuard {
 public:
     HandlerGuard(Dialogs& dialogs, ErrorLog& log) : dialogs_(dialogs), log_(log) {}
 
-    // Runs a control's handler. EndProgram passes through to OnEnd.
+    // Runs a control's handler. EndProgram is passed to OnEnd.
     void Run(const std::function<void()>& handler);
 
-    // An error that ended the start or a step of the shutdown: logged and shown, whatever it is.
-    // EndProgram is not an error and must not come here.
+    // Logs and shows an error that ended the start or a step of the shutdown. EndProgram is not an error and
+    // must not be passed here.
     void Fatal(const std::exception_ptr& error) { Show(AsRuntimeError(error)); }
 
-    // An error that escaped the notification callback or the tick. Each error is shown once, until
+    // Handles an error that escaped the notification callback or the tick. Each error is shown once until
     // BlockSucceeded; nothing is shown while a message is open.
     void StreamError(const std::exception_ptr& error);
     void BlockSucceeded() noexcept { shownStreamErrors_.clear(); }
 
-    // Told when a message opens (true) and when it has been closed (false).
+    // Called when a message opens (true) and when it has closed (false).
     std::function<void(bool)> OnMessageOpen;
-    // The program is to end.
+    // Called when the program must end.
     std::function<void(const EndProgram&)> OnEnd;
 
     // "Run-time error '13':" with the text below.
     static std::string Text(const RuntimeError& error);
-    // Every failure as a run-time error: 7 for exhausted memory, 5 with its text for any other.
+    // Converts any exception: 7 for exhausted memory, 5 with its text for any other.
     static RuntimeError AsRuntimeError(const std::exception_ptr& error);
 
 private:

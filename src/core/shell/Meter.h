@@ -15,7 +15,6 @@ namespace sonavex {
 
 // Analysis and generator as one: takes captured blocks, gives output blocks, shows readings on the
 // measurement controls. What feeds it (the stream engine, a recording) does not matter to it.
-// User-interface thread only.
 class Meter : public BlockProcessor {
 public:
     static constexpr std::int32_t kCycleBlocks = modDSP::kLastSlot + 1;

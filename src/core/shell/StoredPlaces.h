@@ -5,7 +5,7 @@
 
 namespace sonavex {
 
-// The places of the forms beside the main form, kept in the settings. User-interface thread only.
+// Stores the positions of the modeless forms in the settings.
 class StoredPlaces : public FormPlaces {
 public:
     // Both must outlive this object.

@@ -136,7 +136,7 @@ void frmMain::StartStream() {
     FollowPath();
 }
 
-// A device that went away since it was opened is a loss like any other.
+// A device that was removed since it was opened counts as lost.
 void frmMain::StartCapture() {
     std::optional<RuntimeError> loss;
     try {
@@ -149,7 +149,7 @@ void frmMain::StartCapture() {
     if (loss) Watch.DeviceLost(*loss);
 }
 
-// Volumes change at any time, and nobody tells.
+// Polled, because volume changes are not reported.
 void frmMain::FollowPath() {
     ShowPath();
     if (pathTimer_ == 0) pathTimer_ = world_.loop.StartTimer(1s, [this] { ShowPath(); });
@@ -166,7 +166,8 @@ void frmMain::ShowPath() {
     PathNote.SetCaption(text);
 }
 
-// A lost device is told of by the watch; the next one gets the level as it is made.
+// A failure is ignored: StreamWatch reports a lost device, and its successor gets the level when it is
+// created.
 void frmMain::SetVolume(std::int32_t hundredthsDb) {
     PlaybackBuffer* const buffer = Engine.SecondaryBuffer();
     if (buffer == nullptr) return;
@@ -187,7 +188,7 @@ void frmMain::StreamError(const std::exception_ptr& error) {
     Guard.StreamError(error);
 }
 
-// Readings of the past must not look like present ones.
+// Marks stale readings.
 void frmMain::ShowStreamState() {
     StreamTrouble.SetCaption(Watch.Reason());
     if (!Watch.Stopped()) return;
@@ -196,7 +197,7 @@ void frmMain::ShowStreamState() {
     Measurement.StreamDisturbed();
 }
 
-// Whatever is wrong with the stored tab, the first one opens.
+// Opens the first tab if the stored one cannot be selected for any reason.
 void frmMain::SelectLastTab() {
     try {
         LastTabIndex = Stored.Integer(keys::kLastTab);
@@ -227,7 +228,7 @@ void frmMain::ShutdownStep(bool due, const std::function<void()>& step) {
     try {
         step();
     } catch (const EndProgram&) {
-        // The program is ending already.
+        // Ignored, because the program is already ending.
     } catch (...) {
         Guard.Fatal(std::current_exception());
     }
@@ -285,7 +286,7 @@ void frmMain::mnuSelectCard_Click() {
     ChooseDevices();
 }
 
-// One dialog at a time has the engine in its hands; those of the mixers would show a card of the past.
+// Only one dialog may control the engine. Close the mixer dialogs first: they show the old card.
 void frmMain::ChooseDevices() {
     if (choosingDevices_ || Engine.Restarting() || !ShowDeviceDialog) return;
     const ScopedFlag choosing(choosingDevices_);

@@ -27,8 +27,7 @@
 
 namespace sonavex {
 
-// The main form: owns the instrument's shared state and subsystems, starts them and shuts them down in
-// their order. User-interface thread only.
+// The main form: owns the shared state and the subsystems, starts them and shuts them down in order.
 class frmMain {
 public:
     static constexpr const char* kApplicationTitle = "Sonavex";
@@ -36,7 +35,7 @@ public:
     // Path of the help file in the program's folder.
     static std::string HelpFileIn(const std::string& folder);
 
-    // What the form works with. Everything must outlive it.
+    // All referenced objects must outlive the form.
     struct World {
         SettingsStore& store;
         SoundSystem& sound;
@@ -52,18 +51,18 @@ public:
     frmMain(const frmMain&) = delete;
     frmMain& operator=(const frmMain&) = delete;
 
-    // The start. Throws EndProgram when the program is to end, and RuntimeError for stored values that
-    // cannot be used; either way Form_QueryUnload then knows how far it came.
+    // Starts the program. Throws EndProgram when it must end, and RuntimeError for stored values that cannot
+    // be used. Form_QueryUnload then undoes only the completed steps.
     void Form_Load();
 
-    // The shutdown; of a start that ended early only the steps that belong to what was started. A step
-    // that fails is logged and shown, the others run all the same. Does nothing the second time.
+    // Shuts down; after an incomplete start it undoes only the completed steps. A step that fails is logged
+    // and shown, and the others still run. Does nothing the second time.
     void Form_QueryUnload();
 
-    // The user closes the window, by whatever way: an end with status 0.
+    // Call when the user closes the window by any means: ends with status 0.
     void Unload() { End({}); }
-    // Runs the shutdown that this end asks for and then OnUnloaded with its status; deferred until a tick or
-    // a restart of the engine that is under way has ended. The first end asked for counts.
+    // Runs the shutdown for this kind of end, then OnUnloaded with its status. Deferred while a tick or a
+    // restart of the engine is running. The first end requested counts.
     void End(const EndProgram& end);
     // Form_QueryUnload or EndAtOnce.
     void ShutDown(const EndProgram& end);
@@ -72,19 +71,19 @@ public:
     void cmdExit_Click();
     void mnuExit_Click();
     void mnuSoundCard_Click();
-    // The readings are said to have stopped while the devices are being selected.
+    // The readings are marked as stopped while the user selects devices.
     void mnuSelectCard_Click();
 
-    // An error that left a handler of the sound system: a lost device is the watch's, everything else the
-    // guard's.
+    // Handles an error that escaped a handler of the sound system: StreamWatch takes a lost device, the guard
+    // everything else.
     void StreamError(const std::exception_ptr& error);
 
-    // The end without the shutdown: stops the sound and gives the user's mixer levels back; stores nothing.
+    // Ends without the shutdown: stops the sound and restores the user's mixer levels, but stores nothing.
     void EndAtOnce();
 
     // Shows the device selection dialog and returns when it has closed. May throw EndProgram.
     std::function<void()> ShowDeviceDialog;
-    // What that dialog works with.
+    // Dependencies of that dialog.
     frmDevices::Environment DevicesEnvironment(DesktopFiles& files, Help& help);
     frmDevices::MainControls DevicesControls();
 
@@ -110,16 +109,16 @@ public:
     GeneratorPanel Signals;
     StreamEngine Engine;
     StreamWatch Watch;
-    // Why nothing is measured at present; empty while blocks come.
+    // Why nothing is being measured; empty while blocks arrive.
     Label StreamTrouble;
-    // What changes the samples between instrument and cards; empty when nothing is known to.
+    // What changes the samples between instrument and cards; empty if nothing is known.
     Label PathNote;
 
     std::string HelpFile;
     std::int16_t LastTabIndex = 0;
 
 private:
-    // How far the start came; the shutdown undoes what lies before.
+    // Progress of the start; the shutdown undoes the completed steps.
     enum class Started { kNothing, kPosition, kGenerator, kDevices, kMixers, kTabs };
 
     void RefuseSecondInstance();

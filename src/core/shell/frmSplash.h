@@ -10,21 +10,21 @@
 
 namespace sonavex {
 
-// What is shown while the instrument starts. User-interface thread only.
+// The splash screen.
 class frmSplash {
 public:
     frmSplash(Dialogs& dialogs, EventLoop& loop);
 
     Window Frame{"frmSplash"};
     Label lblVersion;
-    // True until the splash has been clicked away or the start is over.
+    // True until the splash has been clicked or the start has completed.
     bool Visible() const noexcept { return visible_; }
 
     void Form_Load(const ApplicationVersion& version);
-    // Told when there is something to show. May be empty.
+    // Called when the splash must be redrawn. May be empty.
     std::function<void()> OnShow;
     void Frame_Click();
-    // The start is over.
+    // Call when the start has completed.
     void Unload();
 
 private:

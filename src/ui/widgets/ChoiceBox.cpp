@@ -12,7 +12,7 @@ constexpr int kPadding = 8;
 constexpr int kArrowSpace = 26;
 constexpr qreal kRadius = 5.0;
 
-// A chevron that points down, in the middle of the area.
+// Draws a chevron that points down in the middle of the area.
 void DrawArrow(QPainter& painter, const QRectF& area, const QColor& colour) {
     const QPointF middle = area.center();
     QPainterPath arrow(middle + QPointF(-4.0, -2.0));

@@ -4,7 +4,7 @@
 
 namespace sonavex::ui {
 
-// A drop-down list in the colours of the face. A text that is too long ends in dots.
+// A drop-down list in the theme's colours. A text that is too long is elided.
 class ChoiceBox : public QComboBox {
     Q_OBJECT
 

@@ -4,8 +4,7 @@
 
 namespace sonavex::ui {
 
-// A line of text that may be longer than its place: what does not fit is left out, with dots in its
-// place, and the whole of it is in the tool tip.
+// A line of text that is elided if it is too long; the tool tip shows the whole text.
 class ElidedLabel : public QLabel {
     Q_OBJECT
 

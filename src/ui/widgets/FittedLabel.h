@@ -7,8 +7,8 @@
 
 namespace sonavex::ui {
 
-// A label whose figures are as large as the room allows, always for the widest reading, so that
-// changing digits and placeholders never move or resize anything.
+// A label with figures as large as its area allows. The size depends on the widest reading only, so that
+// changing digits never move or resize anything.
 class FittedLabel : public QLabel {
     Q_OBJECT
 
@@ -28,13 +28,13 @@ private:
     const QPixmap& Figure(QChar character);
 
     bool fitting_ = false;
-    // Characters as they were painted last: filling such large outlines costs more than all else that an
-    // update of the meter paints. Empty after a change of font or colours.
+    // Cached images of the characters: drawing such large outlines costs more than everything else in a meter
+    // update. Cleared when font or colours change.
     std::map<QChar, QPixmap> figures_;
 };
 
-// Where a FittedLabel, its only child, stands: asks the layout around it for what the label wants and gives
-// the label all of it. A change of the label's text then ends here; a layout would be made anew.
+// The parent of one FittedLabel. Requests the label's size from the surrounding layout and gives the label
+// its whole area, so that a change of the label's text never causes a layout.
 class FittedPlace : public QWidget {
     Q_OBJECT
 

@@ -14,7 +14,7 @@ constexpr int kNotch = QWheelEvent::DefaultDeltasPerStep;
 constexpr double kPageOctaves = 1.0 / 3.0;
 constexpr double kNotchOctaves = kPageOctaves / 4.0;
 
-// The frequency so many octaves away, at least 1 Hz off.
+// The frequency `octaves` away, at least 1 Hz from `hertz`.
 int Away(int hertz, double octaves) {
     const int target = static_cast<int>(std::lround(hertz * std::exp2(octaves)));
     return octaves > 0.0 ? std::max(target, hertz + 1) : std::min(target, hertz - 1);
@@ -67,7 +67,7 @@ void FrequencySlider::OnPosition(int position) {
     if (!isSliderDown()) Q_EMIT HzReleased();
 }
 
-// Keys, clicks beside the handle, assistive technology: steps in hertz instead of positions.
+// Keys, clicks on the track and assistive technology move in hertz, not in positions.
 void FrequencySlider::OnAction(int action) {
     switch (action) {
         case SliderSingleStepAdd:
@@ -99,7 +99,7 @@ void FrequencySlider::Step(int hertz) {
     Q_EMIT HzReleased();
 }
 
-// A touchpad turns the wheel by parts of a notch.
+// A touchpad reports fractions of a notch.
 void FrequencySlider::wheelEvent(QWheelEvent* event) {
     const int angle = event->angleDelta().y();
     if ((angle > 0) != (wheelAngle_ > 0)) wheelAngle_ = 0;

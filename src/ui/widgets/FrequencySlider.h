@@ -4,25 +4,25 @@
 
 namespace sonavex::ui {
 
-// A slider over whole hertz that feels logarithmic: equal ways are equal intervals. Arrow keys move by
-// 1 Hz, page keys and clicks beside the handle by a third of an octave, a wheel's notch by a quarter of
-// that, a double click resets. Assistive technology reads the frequency in its description.
+// A logarithmic slider for whole hertz: equal distances are equal intervals. Arrow keys move by 1 Hz, page
+// keys and clicks on the track by a third of an octave, a wheel notch by a twelfth. A double click resets.
+// Assistive technology reads the frequency in the description.
 class FrequencySlider : public QSlider {
     Q_OBJECT
 
 public:
     explicit FrequencySlider(QWidget* parent = nullptr);
 
-    // 1 <= lowest < highest.
+    // Requires 1 <= lowest < highest.
     void SetLimits(int lowestHz, int highestHz);
     void SetHz(int hertz);
     int Hz() const noexcept { return hertz_; }
-    // Where a double click goes.
+    // Frequency set by a double click.
     void SetResetHz(int hertz) { resetHz_ = hertz; }
 
 Q_SIGNALS:
     void HzMoved(int hertz);
-    // The slider was let go, or a wheel, key or click step has ended.
+    // Emitted when the slider is released or a wheel, key or click step has ended.
     void HzReleased();
 
 protected:
@@ -41,7 +41,7 @@ private:
     int highestHz_ = 24000;
     int hertz_ = 1;
     int resetHz_ = 1000;
-    int wheelAngle_ = 0;  // eighths of a degree that have not made a notch yet
+    int wheelAngle_ = 0;  // eighths of a degree, not yet a full notch
 };
 
 }  // namespace sonavex::ui

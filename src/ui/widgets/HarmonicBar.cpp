@@ -26,7 +26,7 @@ void HarmonicBar::Clear() {
 
 void HarmonicBar::SetFraction(double fraction) {
     if (fraction == fraction_) return;
-    // The ends are round: as far as the radius, which is below half the height.
+    // The rounded ends extend by the radius, which is less than half the height.
     const int from = static_cast<int>(width() * std::min(fraction, fraction_)) - height() / 2 - 1;
     const int to = static_cast<int>(width() * std::max(fraction, fraction_)) + height() / 2 + 2;
     fraction_ = fraction;

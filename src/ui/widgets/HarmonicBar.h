@@ -4,8 +4,8 @@
 
 namespace sonavex::ui {
 
-// A harmonic's level against the fundamental, -120 to 0 dB, so that the pattern of all can be seen
-// without reading.
+// Bar of a harmonic's level relative to the fundamental, -120 to 0 dB. Shows the pattern of all harmonics at
+// a glance.
 class HarmonicBar : public QWidget {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ public:
     explicit HarmonicBar(QWidget* parent = nullptr);
 
     void SetLevelDb(double levelDb);
-    // No reading: an empty track.
+    // Shows an empty track for a missing reading.
     void Clear();
     double Fraction() const noexcept { return fraction_; }
 

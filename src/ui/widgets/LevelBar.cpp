@@ -15,7 +15,7 @@ constexpr int kMarksPercent[] = {0, 25, 50, 75, 100};
 constexpr double kTick = 3.0;
 constexpr double kGap = 1.0;
 constexpr double kRadius = 4.0;
-// The figures of the scale against the text around them.
+// Size of the scale's figures relative to the surrounding text.
 constexpr double kFigureScale = 0.85;
 
 QFont FigureFont(const QFont& base) {
@@ -58,7 +58,7 @@ QSize LevelBar::sizeHint() const {
     return {16 * text, 2 * (text + static_cast<int>(kTick + kGap)) + barHeight};
 }
 
-// The scale begins and ends half a figure inside, so that none is cut.
+// The scale is inset by half a figure, so that the outer figures are not cut.
 QRectF LevelBar::Track() const {
     const QFontMetrics figures(FigureFont(font()));
     const double left = figures.horizontalAdvance("-40") / 2.0;
@@ -92,7 +92,7 @@ void LevelBar::paintEvent(QPaintEvent* event) {
     filled.setWidth(track.width() * fraction_);
     painter.setBrush(silent_ ? theme.border : overload_ ? theme.overload : theme.accent);
     if (fraction_ > 0.0) painter.drawRoundedRect(filled, kRadius, kRadius);
-    // A change of the level alone touches no mark.
+    // A change of the level alone does not repaint the marks.
     if (!track.toAlignedRect().contains(event->rect())) PaintMarks(painter, track);
 }
 

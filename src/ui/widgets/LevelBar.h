@@ -4,8 +4,8 @@
 
 namespace sonavex::ui {
 
-// A level from 0 to full scale: linear, with marks in percent above and in dBFS below, and a visible
-// overload.
+// Level bar from 0 to full scale: linear, with marks in percent above and in dBFS below. Overload is
+// highlighted.
 class LevelBar : public QWidget {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ public:
 
     void SetLevel(double level, double fullScale);
     void SetOverload(bool overload);
-    // The level is no signal at all, whatever it reads as: drawn without emphasis.
+    // Marks the level as silence, which is drawn without emphasis even if it reads as overload.
     void SetSilent(bool silent);
     double Fraction() const noexcept { return fraction_; }
     bool Overload() const noexcept { return overload_; }

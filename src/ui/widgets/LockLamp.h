@@ -5,8 +5,7 @@
 
 namespace sonavex::ui {
 
-// A lamp of a given colour that also shows a tick or a cross, for those who do not tell the colours
-// apart.
+// A coloured lamp that also shows a tick or a cross, for users who cannot distinguish the colours.
 class LockLamp : public QWidget {
     Q_OBJECT
 
@@ -15,7 +14,7 @@ public:
 
     void SetColour(const QColor& colour);
     QColor Colour() const { return colour_; }
-    // Shown as a tick (true) or a cross (false).
+    // Shows a tick (true) or a cross (false).
     void SetGood(bool good);
     bool Good() const noexcept { return good_; }
 

@@ -5,7 +5,7 @@
 
 namespace sonavex::ui {
 
-// A round patch of colour.
+// A coloured dot.
 class StateDot : public QWidget {
     Q_OBJECT
 

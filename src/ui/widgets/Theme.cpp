@@ -103,7 +103,7 @@ QDialog QSlider::sub-page:horizontal:disabled, QDialog QSlider::handle:horizonta
 QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 4px; }
 )");
     const std::pair<const char*, QColor> colours[] = {
-        // Longer names first: a name must not be replaced inside another.
+        // Longer names first, because a shorter name can be part of a longer one.
         {"@onAccent", theme.onAccent}, {"@window", theme.window}, {"@stripe", theme.stripe},
         {"@border", theme.border},     {"@accent", theme.accent}, {"@warning", theme.warning},
         {"@overload", theme.overload}, {"@quiet", theme.quiet},   {"@field", theme.field},
@@ -113,8 +113,8 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
     return sheet;
 }
 
-// Paints a label's ground before the label paints its text. The style sheet's background only keeps the
-// style from declaring the label transparent: nobody paints it for a label that paints all of itself.
+// Paints a label's background before its text. The background in the style sheet only prevents Qt from
+// treating the label as transparent; Qt does not paint it for an opaque label.
 class GroundPainter : public QObject {
 public:
     using QObject::QObject;

@@ -9,7 +9,7 @@ class QWidget;
 
 namespace sonavex::ui {
 
-// The colours of the face, made from the desktop's palette: light or dark as the desktop is.
+// The colours of the window, derived from the desktop's palette (light or dark).
 struct Theme {
     QColor window;
     QColor card;
@@ -17,7 +17,7 @@ struct Theme {
     QColor border;
     QColor text;
     QColor quiet;  // captions and units
-    QColor faint;  // what is not available
+    QColor faint;  // disabled elements
     QColor accent;
     QColor onAccent;
     QColor field;  // entry fields and quiet buttons
@@ -26,7 +26,7 @@ struct Theme {
     QColor overload;
     bool dark = false;
 
-    // Of the application's palette at present.
+    // Theme of the present application palette.
     static const Theme& Current();
 
     static Theme Light();
@@ -37,11 +37,11 @@ struct Theme {
 // what it is: hero, unit, title, quiet, value, figure, figureSmall, state, primary, note.
 void ApplyTheme(QWidget& window);
 
-// Makes a widget that changes often paint the ground it stands on (card, stripe or window) itself, so that
-// a change paints this widget alone and nothing below it. Before ApplyTheme.
+// Makes a widget paint its own background (card, stripe or window), so that a change repaints only this
+// widget. Call before ApplyTheme.
 void StandOnGround(QWidget& widget);
-// Fills the widget with its ground, if it stands on one. For widgets that paint themselves; labels need
-// not call it.
+// Paints the background set by StandOnGround, if any. Needed by widgets that paint themselves; labels do it
+// automatically.
 void PaintGround(QPainter& painter, const QWidget& widget);
 
 }  // namespace sonavex::ui

@@ -26,7 +26,7 @@ void WaveChoice::SetNames(const QStringList& names) {
 }
 
 void WaveChoice::SetIndex(int index) {
-    // An exclusive group cannot be cleared while it is exclusive.
+    // Qt cannot clear the selection of an exclusive group.
     group_.setExclusive(false);
     for (QAbstractButton* button : group_.buttons()) button->setChecked(group_.id(button) == index);
     group_.setExclusive(true);

@@ -6,7 +6,7 @@
 
 namespace sonavex::ui {
 
-// A short list of which one entry is chosen, shown as a row of buttons.
+// A short list with one selected entry, shown as a row of buttons.
 class WaveChoice : public QWidget {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ public:
 
     void SetNames(const QStringList& names);
     QStringList Names() const { return names_; }
-    // -1: none.
+    // -1 selects none.
     void SetIndex(int index);
     int Index() const { return group_.checkedId(); }
 

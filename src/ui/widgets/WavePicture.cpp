@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kPoints = 200;
 
-// Height of a waveform at a place of its period, 0 to 1; triangle and sawtooth are unipolar.
+// Value of a waveform at a position in its period, 0 to 1; triangle and sawtooth are unipolar.
 double WaveAt(int waveType, double turn) {
     switch (waveType) {
         case wave::kSine:
@@ -76,7 +76,7 @@ void WavePicture::DrawWave(QPainter& painter, const QRectF& area) const {
     QPainterPath path;
     for (int i = 0; i <= kPoints; ++i) {
         const double turn = i / static_cast<double>(kPoints);
-        // The jump back belongs to the picture of the period.
+        // The drawn period includes the jump at its end.
         const double height = i == kPoints ? WaveAt(waveType_, 0.0) : WaveAt(waveType_, turn);
         const QPointF point(area.left() + area.width() * turn, area.bottom() - area.height() * height);
         i == 0 ? path.moveTo(point) : path.lineTo(point);

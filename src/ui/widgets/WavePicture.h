@@ -4,7 +4,7 @@
 
 namespace sonavex::ui {
 
-// One period of the chosen waveform and, when the tone sweeps, its frequency against time.
+// Picture of one period of the selected waveform and, for a sweep, of its frequency over time.
 class WavePicture : public QWidget {
     Q_OBJECT
 
@@ -12,7 +12,7 @@ public:
     explicit WavePicture(QWidget* parent = nullptr);
 
     void SetWave(int waveType);
-    // Frequencies in Hz; no sweep: only the waveform is drawn.
+    // Frequencies in Hz. Without a sweep only the waveform is drawn.
     void SetSweep(bool sweeps, double startHz, double endHz, bool loops);
 
     QSize sizeHint() const override;
