@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
 #include <optional>
 
 #include "core/support/RuntimeError.h"
@@ -183,20 +182,7 @@ PatternShape ShapeOf(Pattern pattern) {
     return {1, 2};
 }
 
-template <class Whole>
-Whole ToWhole(double value) {
-    const double rounded = RoundHalfEven(value);
-    if (!(rounded >= static_cast<double>(std::numeric_limits<Whole>::min()) &&
-          rounded <= static_cast<double>(std::numeric_limits<Whole>::max())))
-        throw RuntimeError(error_number::kOverflow);
-    return static_cast<Whole>(rounded);
-}
-
 }  // namespace
-
-double RoundHalfEven(double value) noexcept {
-    return std::nearbyint(value);
-}
 
 double Val(std::string_view text) {
     const LeadingNumber number = ReadLeadingNumber(text);
@@ -261,14 +247,6 @@ bool CBool(std::string_view text) {
 bool IsNumeric(std::string_view text) noexcept {
     const auto number = ReadWholeText(text);
     return number && !number->overflow;
-}
-
-std::int32_t CLng(double value) {
-    return ToWhole<std::int32_t>(value);
-}
-
-std::int16_t CInt(double value) {
-    return ToWhole<std::int16_t>(value);
 }
 
 std::string Format(double value, Pattern pattern) {

@@ -4,12 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "core/support/WholeNumbers.h"
+
 // The only conversions between numbers and text. They use the "C" locale (decimal point), independent of the
 // desktop's language. Texts of up to 15 characters are made without allocation.
 namespace sonavex {
-
-// Nearest whole number, halves to even.
-double RoundHalfEven(double value) noexcept;
 
 // Leading number of a text: optional blanks, sign, digits with an optional point, optional exponent. 0 if the
 // text does not begin with a number. Error 6 if the number exceeds a double.
@@ -35,10 +34,6 @@ std::int16_t CInt(std::string_view text);
 bool CBool(std::string_view text);
 // Whether CDbl would convert the text.
 bool IsNumeric(std::string_view text) noexcept;
-
-// Number to whole number, halves to even. Error 6 when it does not fit or is not a number.
-std::int32_t CLng(double value);
-std::int16_t CInt(double value);
 
 // The display patterns. The value's 15-digit decimal is rounded, halves away from zero.
 enum class Pattern {
