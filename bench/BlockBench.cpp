@@ -13,7 +13,7 @@ namespace {
 
 using namespace sonavex;
 
-using Block = std::array<std::int16_t, modDSP::kBlockSamples>;
+using Block = std::array<std::int16_t, kBlockSamples>;
 
 // A sine on bin 85 with some distortion on both channels, so that the meter locks.
 Block CapturedBlock() {

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <memory>
 
+#include "core/dsp/display/MeasurementControls.h"
+#include "core/dsp/display/MeterDisplay.h"
 #include "core/dsp/modDSP.h"
 
 namespace {
@@ -22,11 +24,12 @@ void DrawLines(modDSP::State& state, double distortion) {
 
 // Argument: 1 if every update changes every caption, 0 if none changes.
 void BM_LabelUpdate(benchmark::State& state) {
-    SharedState shared;
-    shared.SampleRate = 48000;
+    constexpr std::int32_t kRateHz = 48000;
     MeasurementControls controls;
-    const auto analysis = std::make_unique<modDSP::State>(shared);
-    modDSP::SetUpAnalysis(*analysis, 25, 23900);
+    MeterDisplay display(controls);
+    Readings readings;
+    const auto analysis = std::make_unique<modDSP::State>();
+    modDSP::SetUpAnalysis(*analysis, kRateHz, 25, 23900);
     analysis->PeakBin = kFundamentalBin;
     analysis->HistIndex = modDSP::kLastSlot;
     const bool changes = state.range(0) != 0;
@@ -34,7 +37,10 @@ void BM_LabelUpdate(benchmark::State& state) {
     for (auto _ : state) {
         odd = changes && !odd;
         DrawLines(*analysis, odd ? 0.31 : 0.17);
-        modDSP::MeasureHarmonics(*analysis, controls);
+        modDSP::MeasureHarmonics(*analysis, kRateHz, readings);
+        readings.locked = true;
+        readings.reached = BlockStep::kHarmonics;
+        display.Show(readings, analysis->CurrentPct);
         benchmark::ClobberMemory();
     }
     state.SetLabel(controls.lblThd.Caption() + " %");

@@ -17,15 +17,22 @@ std::string Captions(const std::array<Label, MeasurementControls::kHarmonics>& l
 }  // namespace
 
 AnalysisRig::AnalysisRig(std::int32_t sampleRate, std::int32_t lowHz)
-    : state(std::make_unique<modDSP::State>(shared)) {
+    : state(std::make_unique<modDSP::State>()) {
     shared.SampleRate = sampleRate;
     controls.chkAuto.SetValue(1);
     controls.chkMuteOutput.SetValue(1);
-    modDSP::SetUpAnalysis(*state, lowHz, sampleRate / 2 - 100);
+    modDSP::SetUpAnalysis(*state, sampleRate, lowHz, sampleRate / 2 - 100);
 }
 
-void AnalysisRig::Feed(const Block& block) {
-    modDSP::ProcessCapturedBlock(*state, controls, generator, block, playback);
+void AnalysisRig::Feed(std::span<const std::int16_t> block) {
+    try {
+        modDSP::ProcessCapturedBlock(*state, display.Inputs(shared.SampleRate), readings, generator, block,
+                                     playback);
+    } catch (...) {
+        display.Show(readings, state->CurrentPct);
+        throw;
+    }
+    display.Show(readings, state->CurrentPct);
 }
 
 void AnalysisRig::Feed(const StereoSignal& signal, int blocks) {
@@ -50,7 +57,11 @@ void AnalysisRig::MeasureLines(const std::vector<Line>& lines) {
     state->PeakBin = lines.front().first;
     state->HistIndex = modDSP::kLastSlot;
     state->History = {};
-    modDSP::MeasureHarmonics(*state, controls);
+    readings = {};
+    modDSP::MeasureHarmonics(*state, shared.SampleRate, readings);
+    readings.locked = true;
+    readings.reached = BlockStep::kHarmonics;
+    display.Show(readings, state->CurrentPct);
 }
 
 std::string AnalysisRig::Percentages() const {

@@ -7,7 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "core/dsp/display/MeasurementControls.h"
+#include "core/dsp/display/MeterDisplay.h"
 #include "core/dsp/modDSP.h"
+#include "core/settings/SharedState.h"
 #include "support/Blocks.h"
 
 namespace sonavex {
@@ -22,14 +25,14 @@ public:
     }
 };
 
-// The analysis with everything around it, fed by the test. Automatic frequency and muted output
+// The analysis and its display, fed by the test. Automatic frequency and muted output
 // unless the test says otherwise.
 class AnalysisRig {
 public:
     explicit AnalysisRig(std::int32_t sampleRate, std::int32_t lowHz = 25);
 
     // One block, or several from a signal that goes on from call to call.
-    void Feed(const Block& block);
+    void Feed(std::span<const std::int16_t> block);
     void Feed(const StereoSignal& signal, int blocks);
 
     // A bin and the magnitude that it shall have.
@@ -48,6 +51,8 @@ public:
     SharedState shared;
     std::unique_ptr<modDSP::State> state;
     MeasurementControls controls;
+    MeterDisplay display{controls};
+    Readings readings;
     ScriptedFill generator;
     Block playback{};
 

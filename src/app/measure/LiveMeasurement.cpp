@@ -5,6 +5,7 @@
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "app/measure/SoundChoice.h"
+#include "core/dsp/AnalysisBand.h"
 #include "core/settings/SampleRates.h"
 #include "core/text/Numbers.h"
 
@@ -13,7 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::int32_t kLowEdgeHz = 25;
 constexpr int kUpdatesNeeded = 2;
 constexpr auto kFirstBlockLimit = 2500ms;
 constexpr auto kPollInterval = 50ms;
@@ -34,7 +34,7 @@ SharedState MakeShared(const RunOptions& options) {
 // How long the capture may stand still: three blocks, at least a second.
 std::chrono::nanoseconds StandstillLimit(std::int32_t rateHz) {
     const auto threeBlocks =
-        std::chrono::nanoseconds(std::int64_t{3} * modDSP::kBlockFrames * 1'000'000'000 / rateHz);
+        std::chrono::nanoseconds(std::int64_t{3} * kBlockFrames * 1'000'000'000 / rateHz);
     return std::max<std::chrono::nanoseconds>(1s, threeBlocks);
 }
 
@@ -106,7 +106,8 @@ void LiveMeasurement::CreateEngineDevices() {
 void LiveMeasurement::Start() {
     CheckDevices();
     CreateEngineDevices();
-    meter_.SetUpAnalysis(kLowEdgeHz, shared_.SampleRate / 2 - 100);
+    const Band band = AnalysisBand(shared_.SampleRate);
+    meter_.SetUpAnalysis(band.lowHz, band.highHz);
     engine_.ResetStream();
     StartTones(meter_.Tones, tones_);
     sweepTimer_.SetInterval(1ms);

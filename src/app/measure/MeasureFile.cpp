@@ -13,6 +13,7 @@
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
 #include "app/measure/Tones.h"
+#include "core/dsp/AnalysisBand.h"
 #include "core/settings/SampleRates.h"
 #include "core/text/Numbers.h"
 #include "platform/plain/ReplacedFile.h"
@@ -20,11 +21,10 @@
 namespace sonavex::measure {
 namespace {
 
-constexpr sf_count_t kBlockFrames = modDSP::kBlockFrames;
 constexpr std::int64_t kFewestBlocks = 18;
 constexpr double kFullScale = 32768.0;
 
-using Block = std::array<std::int16_t, modDSP::kBlockSamples>;
+using Block = std::array<std::int16_t, kBlockSamples>;
 
 // What the library says about its last failure, without its prefix.
 std::string Reason(SNDFILE* file) {
@@ -151,7 +151,8 @@ int MeasureFile(const FileOptions& options) {
 
     Meter meter(shared);
     PrepareMeter(meter, options);
-    meter.SetUpAnalysis(options.lowEdgeHz, shared.SampleRate / 2 - 100);
+    const Band band = AnalysisBand(shared.SampleRate, options.lowEdgeHz);
+    meter.SetUpAnalysis(band.lowHz, band.highHz);
     StartTones(meter.Tones, tones);
     SweepClock sweeps(meter.Tones, shared.SampleRate);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/dsp/AnalysisBand.h"
 #include "core/ports/BusyPointer.h"
 #include "core/support/ScopedFlag.h"
 
@@ -13,7 +14,6 @@ constexpr const char* kOneInstance =
     "Only one instance of the Quenby Sonavex can be launched\ror sound card is in use.";
 
 constexpr std::int32_t kLowEdgeAfterRestartHz = 20;
-constexpr std::int32_t kUpperMarginHz = 100;
 constexpr std::size_t kNotifications = 4;
 // Blocks that the step of a start or of an overrun may take through the devices until it is captured:
 // the playback buffer's length.
@@ -153,7 +153,8 @@ bool StreamEngine::ReStart(Telling telling) {
     DestroyEvents([this] { env_.loop.Yield(); });
     ReleaseObjects();
     env_.processor.StreamDisturbed();
-    env_.processor.SetUpAnalysis(kLowEdgeAfterRestartHz, env_.shared.SampleRate / 2 - kUpperMarginHz);
+    const Band band = AnalysisBand(env_.shared.SampleRate, kLowEdgeAfterRestartHz);
+    env_.processor.SetUpAnalysis(band.lowHz, band.highHz);
     if (!CreateDevices() || !SetEvents()) return false;
     PlayBlockIndex = 0;
     RestartPending = true;

@@ -19,6 +19,7 @@
 #include "core/ports/SoundSystem.h"
 #include "core/settings/Settings.h"
 #include "core/settings/SharedState.h"
+#include "core/support/BlockSize.h"
 
 namespace sonavex {
 
@@ -27,8 +28,7 @@ namespace sonavex {
 // output written, so the capture clock paces the output. User-interface thread only.
 class StreamEngine {
 public:
-    static constexpr std::int32_t kCaptureBlockBytes = 8192;  // 2048 stereo frames
-    static constexpr std::size_t kBlockSamples = 4096;
+    static constexpr std::int32_t kCaptureBlockBytes = 4 * kBlockFrames;  // 16-bit stereo
     static constexpr std::int32_t kCaptureBytes = 4 * kCaptureBlockBytes;
     static constexpr std::int32_t kPlaybackBytes = 2 * kCaptureBytes;
     static constexpr std::int32_t kLastPlayBlock = 7;

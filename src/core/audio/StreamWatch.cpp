@@ -19,7 +19,6 @@ constexpr int kPauseOverTry = 4;
 constexpr auto kLeastPatience = 1s;
 constexpr auto kLeastStartPatience = 3s;
 constexpr std::int64_t kPatientBlocks = 3;
-constexpr std::int64_t kBlockFrames = 2048;
 
 // The window was not served for so long: what was waited for may have waited too.
 constexpr auto kHoldUp = 1s;

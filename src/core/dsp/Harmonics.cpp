@@ -1,13 +1,13 @@
 #include <cmath>
+#include <optional>
 
 #include "core/dsp/modDSP.h"
 #include "core/support/RuntimeError.h"
-#include "core/text/Numbers.h"
+#include "core/support/WholeNumbers.h"
 
 namespace sonavex::modDSP {
 namespace {
 
-constexpr const char* kNotAvailable = "N/A";
 // Its second harmonic is in bin 2046; up to there it has a percentage, whatever MaxBin is.
 constexpr std::int32_t kHighestWithSecond = 1023;
 
@@ -28,8 +28,8 @@ double Power(const State& state, std::int32_t bin) {
 }
 
 // Bin below which a harmonic counts.
-std::int32_t MaxBin(const State& state) {
-    return (state.shared.SampleRate / 2 - 1000) / CLng(static_cast<double>(state.BinWidth));
+std::int32_t MaxBin(const State& state, std::int32_t sampleRateHz) {
+    return (sampleRateHz / 2 - 1000) / CLng(static_cast<double>(state.BinWidth));
 }
 
 HarmonicSums SecondHarmonicSums(const State& state) {
@@ -70,41 +70,33 @@ double Average(const State& state, std::size_t kind, std::size_t harmonic) {
     return sum / (kLastSlot + 1);
 }
 
-void ShowPercentage(State& state, Label& label, std::size_t harmonic) {
-    double averagePct = Average(state, 0, harmonic);
+std::optional<double> CorrectedPercent(const State& state, std::size_t harmonic, double averagePct) {
     if (state.BaselineOn == 1) averagePct -= state.BaselinePct[harmonic];
-    if (averagePct == 0.0)
-        label.SetCaption(kNotAvailable);
-    else
-        label.SetCaption(Format(averagePct, Pattern::kPercent));
-    state.CurrentPct[harmonic] = Val(label.Caption());
+    if (averagePct == 0.0) return std::nullopt;
+    return averagePct;
 }
 
-void ShowLevel(State& state, Label& label, std::size_t harmonic) {
+std::optional<double> LevelDb(const State& state, std::size_t harmonic) {
     const double averageRatio = Average(state, 1, harmonic);
-    if (averageRatio == 0.0) {
-        label.SetCaption(kNotAvailable);
-        return;
-    }
+    if (averageRatio == 0.0) return std::nullopt;
     const double bels = std::log(averageRatio) / std::log(10.0);
-    state.CurrentDb[harmonic] = bels * 10.0 * 2.0;
-    label.SetCaption(Format(state.CurrentDb[harmonic], Pattern::kTwoByTwo));
+    return bels * 10.0 * 2.0;
 }
 
-// The value up to the highest harmonic that could be measured.
-void ShowTotal(MeasurementControls& controls) {
-    for (std::size_t i = kHarmonics; i-- > 0;) {
-        if (controls.lbltest[i].Caption() == kNotAvailable) continue;
-        controls.lblThd.SetCaption(controls.lbltest[i].Caption());
-        return;
-    }
-    controls.lblThd.SetCaption(kNotAvailable);
+// A level that is not available leaves CurrentDb as it was.
+HarmonicReading AverageHarmonic(State& state, std::size_t harmonic) {
+    HarmonicReading reading;
+    reading.averagePct = Average(state, 0, harmonic);
+    reading.percent = CorrectedPercent(state, harmonic, reading.averagePct);
+    reading.levelDb = LevelDb(state, harmonic);
+    if (reading.levelDb) state.CurrentDb[harmonic] = *reading.levelDb;
+    return reading;
 }
 
 }  // namespace
 
-void MeasureHarmonics(State& state, MeasurementControls& controls) {
-    const std::int32_t maxBin = MaxBin(state);
+void MeasureHarmonics(State& state, std::int32_t sampleRateHz, Readings& readings) {
+    const std::int32_t maxBin = MaxBin(state, sampleRateHz);
     auto& slot = state.History[static_cast<std::size_t>(state.HistIndex)];
     for (std::int32_t h = 1; h <= static_cast<std::int32_t>(kHarmonics); ++h) {
         const auto harmonic = static_cast<std::size_t>(h - 1);
@@ -112,19 +104,10 @@ void MeasureHarmonics(State& state, MeasurementControls& controls) {
         slot[0][harmonic] = sums.all != 0.0 ? sums.harm * 100.0 / sums.all : 0.0;
         slot[1][harmonic] = RatioToFundamental(state, h, maxBin);
         if (state.HistIndex != kLastSlot) continue;
-        ShowPercentage(state, controls.lbltest[harmonic], harmonic);
-        ShowLevel(state, controls.lblDb[harmonic], harmonic);
+        readings.harmonics[harmonic] = AverageHarmonic(state, harmonic);
+        readings.harmonicsAveraged = harmonic + 1;
     }
     if (state.HistIndex == kLastSlot) state.CurrentHz = state.FundamentalHz;
-    ShowTotal(controls);
-}
-
-void ShowUnlocked(MeasurementControls& controls) {
-    for (std::size_t i = 0; i < kHarmonics; ++i) {
-        controls.lbltest[i].SetCaption("");
-        controls.lblDb[i].SetCaption("");
-    }
-    controls.lblThd.SetCaption(kNotAvailable);
 }
 
 }  // namespace sonavex::modDSP

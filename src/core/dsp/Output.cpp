@@ -2,7 +2,6 @@
 #include <cmath>
 
 #include "core/dsp/modDSP.h"
-#include "core/text/Numbers.h"
 
 namespace sonavex::modDSP {
 namespace {
@@ -23,15 +22,11 @@ void OverlapAdd(State& state) {
     std::copy_n(state.SpecIm.begin() + kBlockFrames, kTail, state.TailB.begin());
 }
 
-void ShowOutputLevel(State& state, MeasurementControls& controls) {
+void MeasureOutputLevel(State& state, bool mute, Readings& readings) {
     state.OutputPeak = std::min(LargestMagnitude(state.SpecRe, state.SpecIm, kBlockFrames), kFullScale);
-    controls.prgDAC.SetValue(static_cast<float>(state.OutputPeak));
-    if (controls.chkMuteOutput.Checked())
-        controls.lblDACLevel.SetCaption("Muted");
-    else if (state.OutputPeak >= kFullScale)
-        controls.lblDACLevel.SetCaption("Ovr");
-    else
-        controls.lblDACLevel.SetCaption(Format(state.OutputPeak / kFullScale * 100.0, Pattern::kWhole));
+    readings.outputPeak = state.OutputPeak;
+    readings.muted = mute;
+    readings.reached = BlockStep::kOutputLevel;
 }
 
 // The limit holds for the two-channel vector's length, not for each channel.
@@ -51,14 +46,14 @@ void Interleave(const State& state, std::span<std::int16_t> playback) {
 
 }  // namespace
 
-void MakeOutput(State& state, MeasurementControls& controls, BlockFill& generator,
+void MakeOutput(State& state, bool mute, Readings& readings, BlockFill& generator,
                 std::span<std::int16_t> playback) {
     OverlapAdd(state);
-    if (controls.chkMuteOutput.Checked()) {
+    if (mute) {
         state.SpecRe.fill(0.0);
         state.SpecIm.fill(0.0);
     }
-    ShowOutputLevel(state, controls);
+    MeasureOutputLevel(state, mute, readings);
     generator.FillGeneratorBlock(state.SpecRe, state.SpecIm, kBlockFrames);
     Limit(state);
     Interleave(state, playback);

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/support/RuntimeError.h"
-#include "core/text/Numbers.h"
+#include "core/support/WholeNumbers.h"
 
 namespace sonavex::modDSP {
 namespace {
@@ -38,18 +38,12 @@ void Split(State& state, std::span<const std::int16_t> captured) {
     }
 }
 
-void ShowInputLevel(State& state, MeasurementControls& controls) {
+void MeasureInputLevel(State& state, Readings& readings) {
     state.InputPeak = nspdMax(state.ChanB, kFftLength);
     state.InputPeakB = nspdMax(state.ChanA, kFftLength);
     state.InputPeak = std::max(state.InputPeak, state.InputPeakB);
-    // A block without any positive sample counts as overload too.
-    if (state.InputPeak >= kFullScale || state.InputPeak <= 0.0) {
-        controls.prgADC.SetValue(static_cast<float>(kFullScale));
-        controls.LblLevel.SetCaption("Ovr");
-        return;
-    }
-    controls.prgADC.SetValue(static_cast<float>(state.InputPeak));
-    controls.LblLevel.SetCaption(Format(state.InputPeak / kFullScale * 100.0, Pattern::kWhole));
+    readings.inputPeak = state.InputPeak;
+    readings.reached = BlockStep::kInputLevel;
 }
 
 // Both channels in one complex transform, filtered by multiplying the spectra. Only the magnitudes of
@@ -71,52 +65,56 @@ void FindFundamental(State& state) {
     }
 }
 
-// Frequency of the peak's bin, whole Hz, rounded down.
-double MeasuredHz(const State& state) {
-    return std::floor(static_cast<double>(state.BinWidth) * state.PeakBin);
+// Frequency of the peak's bin.
+void MeasureFrequency(const State& state, const BlockInputs& inputs, Readings& readings) {
+    readings.measuredHz = std::floor(static_cast<double>(state.BinWidth) * state.PeakBin);
+    readings.automatic = inputs.automatic;
+    readings.reached = BlockStep::kFrequency;
 }
 
-void TestLock(State& state, MeasurementControls& controls) {
-    const double measuredHz = MeasuredHz(state);
-    if (controls.chkAuto.Checked()) controls.txtFreq.SetText(Trim(Str(measuredHz)));
-    state.FundamentalHz = CLng(Val(controls.txtFreq.Text()));
+std::int32_t FundamentalHz(const BlockInputs& inputs, double measuredHz) {
+    if (inputs.automatic) return CLng(measuredHz);
+    if (inputs.typedError != 0) throw RuntimeError(inputs.typedError);
+    return inputs.typedHz;
+}
+
+void TestLock(State& state, const BlockInputs& inputs, Readings& readings) {
+    state.FundamentalHz = FundamentalHz(inputs, readings.measuredHz);
     const double fundamentalHz = state.FundamentalHz;
-    state.FreqLocked = fundamentalHz - kLockRangeHz < measuredHz &&
-                       measuredHz < fundamentalHz + kLockRangeHz && state.FundamentalHz != 0;
-    const Colour colour = state.FreqLocked ? kLightGreen : kLightRed;
-    controls.picLocked.SetBackColor(colour);
-    controls.GenLocked.SetBackColor(colour);
+    state.FreqLocked = fundamentalHz - kLockRangeHz < readings.measuredHz &&
+                       readings.measuredHz < fundamentalHz + kLockRangeHz && state.FundamentalHz != 0;
+    readings.locked = state.FreqLocked;
+    readings.reached = BlockStep::kLock;
 }
 
 }  // namespace
 
-void SetUpAnalysis(State& state, std::int32_t lowHz, std::int32_t highHz) {
-    const std::int32_t rate = state.shared.SampleRate;
-    if (rate <= 0) throw RuntimeError(error_number::kDivisionByZero);
-    state.LowFraction = static_cast<double>(lowHz) / rate;
-    state.HighFraction = static_cast<double>(highHz) / rate;
-    state.BinWidth = static_cast<float>(rate) / static_cast<float>(kFftLength);
+void SetUpAnalysis(State& state, std::int32_t rateHz, std::int32_t lowHz, std::int32_t highHz) {
+    if (rateHz <= 0) throw RuntimeError(error_number::kDivisionByZero);
+    state.LowFraction = static_cast<double>(lowHz) / rateHz;
+    state.HighFraction = static_cast<double>(highHz) / rateHz;
+    state.BinWidth = static_cast<float>(rateHz) / static_cast<float>(kFftLength);
     state.CutoffBin = CLng(highHz / static_cast<double>(state.BinWidth));
     state.FftOrder = OrderOf(kFftLength);
     nspdFirBandpass(state.LowFraction, state.HighFraction, state.FilterTaps, kFilterTaps, kBlackman, 1);
     nspzrFftNip(state.plan, state.FilterTaps, state.FilterZero, state.FilterRe, state.FilterIm, kForward);
 }
 
-void ProcessCapturedBlock(State& state, MeasurementControls& controls, BlockFill& generator,
+void ProcessCapturedBlock(State& state, const BlockInputs& inputs, Readings& readings, BlockFill& generator,
                           std::span<const std::int16_t> captured, std::span<std::int16_t> playback) {
+    readings = {};
     if (captured.size() < kBlockSamples || playback.size() < kBlockSamples)
         throw RuntimeError(error_number::kSubscript);
     StartBlock(state);
     Split(state, captured);
-    ShowInputLevel(state, controls);
+    MeasureInputLevel(state, readings);
     FilteredSpectrum(state);
     FindFundamental(state);
-    TestLock(state, controls);
-    if (state.FreqLocked)
-        MeasureHarmonics(state, controls);
-    else
-        ShowUnlocked(controls);
-    MakeOutput(state, controls, generator, playback);
+    MeasureFrequency(state, inputs, readings);
+    TestLock(state, inputs, readings);
+    if (state.FreqLocked) MeasureHarmonics(state, inputs.sampleRateHz, readings);
+    readings.reached = BlockStep::kHarmonics;
+    MakeOutput(state, inputs.mute, readings, generator, playback);
 }
 
 }  // namespace sonavex::modDSP

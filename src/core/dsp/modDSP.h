@@ -5,9 +5,9 @@
 #include <span>
 
 #include "core/dsp/BlockFill.h"
-#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/Readings.h"
 #include "core/dsp/modSPL2VB.h"
-#include "core/settings/SharedState.h"
+#include "core/support/BlockSize.h"
 
 // The analysis of one captured block: band-pass in the frequency domain, search for the fundamental,
 // harmonics, averages over a cycle of 19 blocks, levels, and the next block of output.
@@ -16,12 +16,20 @@ namespace sonavex::modDSP {
 
 inline constexpr std::size_t kVectorSize = 4097;
 inline constexpr std::int32_t kFftLength = 4096;
-inline constexpr std::int32_t kBlockFrames = 2048;
-inline constexpr std::size_t kBlockSamples = 4096;  // interleaved stereo
-inline constexpr std::size_t kHarmonics = MeasurementControls::kHarmonics;
+inline constexpr std::size_t kHarmonics = Readings::kHarmonics;
 inline constexpr std::int32_t kLastSlot = 18;     // 19 slots make a cycle
-inline constexpr double kFullScale = 32760.0;     // at or above it a level reads "Ovr"; the output's limit
 inline constexpr std::int32_t kLockRangeHz = 14;  // the peak must be nearer than this
+
+// What a block is measured with.
+struct BlockInputs {
+    std::int32_t sampleRateHz = 0;
+    bool automatic = false;  // the fundamental is the strongest bin, not the frequency typed
+    bool mute = false;       // the input does not go on to the output
+    // The frequency typed, whole Hz, or the number of the error that its text raises when it is needed;
+    // unused in automatic.
+    std::int32_t typedHz = 0;
+    std::int32_t typedError = 0;
+};
 
 // Aligned for the widest vector instructions.
 struct alignas(64) AnalysisVector : std::array<double, kVectorSize> {};
@@ -29,10 +37,6 @@ struct alignas(64) AnalysisVector : std::array<double, kVectorSize> {};
 // The real and imaginary parts of each transform lie one right behind the other, as the plan expects
 // them.
 struct State {
-    explicit State(const SharedState& sharedState) noexcept : shared(sharedState) {}
-
-    const SharedState& shared;
-
     float BinWidth = 0.0F;  // Hz
     std::int32_t FftOrder = 12;
     std::int32_t CutoffBin = 0;  // bin of the band's upper edge
@@ -65,7 +69,7 @@ struct State {
     std::int32_t HistIndex = 0;
     // [slot][0: distortion up to the harmonic, percent; 1: harmonic / fundamental][harmonic - 2]
     std::array<std::array<std::array<double, 10>, 2>, 21> History{};
-    std::array<double, kHarmonics> CurrentPct{};  // as last shown; 0 from "N/A"
+    std::array<double, kHarmonics> CurrentPct{};  // as last shown, set by the display; 0 from "N/A"
     std::array<double, kHarmonics> CurrentDb{};   // as last computed
     std::int32_t CurrentHz = 0;                   // the fundamental of both; 0 before the first
     std::array<double, kHarmonics> BaselinePct{};
@@ -75,23 +79,22 @@ struct State {
     modSPL2VB::FftPlan plan{12, sizeof(AnalysisVector) / sizeof(double)};
 };
 
-// Designs the band-pass from lowHz to highHz for the current sampling rate.
-void SetUpAnalysis(State& state, std::int32_t lowHz, std::int32_t highHz);
+// Designs the band-pass from lowHz to highHz for this sampling rate. Error 11 for a rate that is not
+// positive.
+void SetUpAnalysis(State& state, std::int32_t rateHz, std::int32_t lowHz, std::int32_t highHz);
 
-// Analyses one block and makes the next block of output. captured, playback: kBlockSamples
-// interleaved samples (error 9 when shorter). A frequency text that does not fit a whole number
-// raises error 6, a fundamental of magnitude 0 error 11; the block then ends there. Allocates nothing.
-void ProcessCapturedBlock(State& state, MeasurementControls& controls, BlockFill& generator,
+// Analyses one block and makes the next block of output. captured, playback: kBlockSamples interleaved
+// samples (error 9 when shorter). Raises the error of a typed frequency, and error 11 for a fundamental
+// of magnitude 0; the block then ends there, and readings tells how far it came. Allocates nothing.
+void ProcessCapturedBlock(State& state, const BlockInputs& inputs, Readings& readings, BlockFill& generator,
                           std::span<const std::int16_t> captured, std::span<std::int16_t> playback);
 
-// Steps of the above that stand alone, each with its own file.
+// Steps of the above, each with a file to itself.
 
-// Harmonic sums of this block into the history, and the averages to the labels when the cycle ends.
-void MeasureHarmonics(State& state, MeasurementControls& controls);
-// Empty captions, "N/A" as total.
-void ShowUnlocked(MeasurementControls& controls);
+// Harmonic sums of this block into the history, and the averages into the readings when the cycle ends.
+void MeasureHarmonics(State& state, std::int32_t sampleRateHz, Readings& readings);
 // From the filtered spectrum to the samples to play.
-void MakeOutput(State& state, MeasurementControls& controls, BlockFill& generator,
+void MakeOutput(State& state, bool mute, Readings& readings, BlockFill& generator,
                 std::span<std::int16_t> playback);
 
 }  // namespace sonavex::modDSP

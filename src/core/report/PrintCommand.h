@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "core/controls/Commands.h"
-#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/display/MeasurementControls.h"
 #include "core/ports/Desktop.h"
 #include "core/ports/Dialogs.h"
 #include "core/ports/Printer.h"

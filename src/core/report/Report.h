@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/display/MeasurementControls.h"
 #include "core/ports/Printer.h"
 #include "core/text/Dates.h"
 

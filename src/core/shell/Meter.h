@@ -6,7 +6,9 @@
 #include <span>
 
 #include "core/audio/BlockProcessor.h"
-#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/Readings.h"
+#include "core/dsp/display/MeasurementControls.h"
+#include "core/dsp/display/MeterDisplay.h"
 #include "core/dsp/modDSP.h"
 #include "core/generator/Generator.h"
 #include "core/settings/SharedState.h"
@@ -43,12 +45,18 @@ public:
     std::int32_t CyclePosition() const noexcept { return analysis_->HistIndex + 1; }
 
     MeasurementControls Controls;
+    MeterDisplay Display{Controls};
     Generator Tones;
     modDSP::State& Analysis() noexcept { return *analysis_; }
     const modDSP::State& Analysis() const noexcept { return *analysis_; }
 
 private:
+    void Analyse(std::span<const std::int16_t> captured, std::span<std::int16_t> playback);
+    void ShowReadings();
+
+    const SharedState& shared_;
     std::unique_ptr<modDSP::State> analysis_;
+    Readings readings_;
     std::function<void()> onBlock_;
     std::int64_t blocks_ = 0;
     // The first cycle lacks its first block.

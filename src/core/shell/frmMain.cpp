@@ -3,6 +3,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "core/dsp/AnalysisBand.h"
 #include "core/ports/SoundErrors.h"
 #include "core/settings/SampleRates.h"
 #include "core/settings/Windows.h"
@@ -18,15 +19,13 @@ constexpr const char* kAnotherInstance = "Another instance of Quenby Sonavex is 
 constexpr const char* kInvalidRate = "Invalid Sampling Rate. Resetting to 22050.";
 constexpr const char* kHelpFileName = "Sonavex.chm";
 constexpr std::int32_t kFallbackRateIndex = 3;
-constexpr std::int32_t kLowEdgeAtStartHz = 25;
-constexpr std::int32_t kUpperMarginHz = 100;
 
 }  // namespace
 
 frmMain::frmMain(const World& world)
     : Stored(world.store),
       Measurement(Shared),
-      BaselineOptions(Stored, world.dialogs, Measurement.Analysis(), Measurement.Controls),
+      BaselineOptions(Shared, Stored, world.dialogs, Measurement.Analysis(), Measurement.Controls),
       Guard(world.dialogs, world.errorLog),
       HiTimer1(std::make_unique<SweepTimer>(world.loop, Measurement.Tones,
                                             [this] { return Engine.Restarting(); })),
@@ -126,7 +125,8 @@ void frmMain::StartStream() {
     if (!Engine.SetEvents()) ChooseDevices();
     Engine.RestartPending = true;
     Measurement.Analysis().HistIndex = 0;
-    Measurement.SetUpAnalysis(kLowEdgeAtStartHz, Shared.SampleRate / 2 - kUpperMarginHz);
+    const Band band = AnalysisBand(Shared.SampleRate);
+    Measurement.SetUpAnalysis(band.lowHz, band.highHz);
     world_.mixers.CaptureAndApplySaved();
     Reached(Started::kMixers);
     world_.mixers.SetUpSoundControls();
@@ -191,10 +191,8 @@ void frmMain::StreamError(const std::exception_ptr& error) {
 // Marks stale readings.
 void frmMain::ShowStreamState() {
     StreamTrouble.SetCaption(Watch.Reason());
-    if (!Watch.Stopped()) return;
-    Measurement.Controls.picLocked.SetBackColor(kLightRed);
-    Measurement.Controls.GenLocked.SetBackColor(kLightRed);
-    Measurement.StreamDisturbed();
+    Measurement.Display.ShowStopped(Watch.Stopped());
+    if (Watch.Stopped()) Measurement.StreamDisturbed();
 }
 
 // Opens the first tab if the stored one cannot be selected for any reason.

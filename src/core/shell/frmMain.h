@@ -15,7 +15,7 @@
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
 #include "core/controls/Window.h"
-#include "core/dsp/Baseline.h"
+#include "core/dsp/display/Baseline.h"
 #include "core/generator/GeneratorPanel.h"
 #include "core/mixer/MixerSession.h"
 #include "core/ports/Desktop.h"

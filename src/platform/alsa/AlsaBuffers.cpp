@@ -4,12 +4,13 @@
 #include <cerrno>
 #include <utility>
 
+#include "core/support/BlockSize.h"
+
 namespace sonavex {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::uint32_t kBlockFrames = 2048;
 // What the engine's distances between the cursors are made for.
 constexpr std::size_t kMostDelayFrames = 3 * std::size_t{kBlockFrames};
 constexpr std::size_t kScratchFrames = 1024;
@@ -23,7 +24,7 @@ constexpr std::uint32_t FramesOf(std::uint32_t rateHz, std::uint32_t millisecond
 // Enough to outlast a busy moment of the machine, short enough that the delay stays far below three
 // blocks.
 constexpr std::uint32_t PlaybackFrames(std::uint32_t rateHz) noexcept {
-    return std::max(std::min(FramesOf(rateHz, 80), kBlockFrames * 3 / 2), 16U);
+    return std::max(std::min(FramesOf(rateHz, 80), std::uint32_t{kBlockFrames * 3 / 2}), 16U);
 }
 
 constexpr AlsaPcm::Shape PlaybackShape(std::uint32_t rateHz) noexcept {
@@ -33,7 +34,8 @@ constexpr AlsaPcm::Shape PlaybackShape(std::uint32_t rateHz) noexcept {
 // Periods that are small against a block, so that its end is noticed soon after it was captured, in a
 // buffer that outlasts long hold-ups: what waits in it costs no time.
 constexpr AlsaPcm::Shape CaptureShape(std::uint32_t rateHz) noexcept {
-    return {std::max(FramesOf(rateHz, 500), 64U), std::clamp(FramesOf(rateHz, 12), 16U, kBlockFrames / 4)};
+    return {std::max(FramesOf(rateHz, 500), 64U),
+            std::clamp(FramesOf(rateHz, 12), 16U, std::uint32_t{kBlockFrames / 4})};
 }
 
 std::size_t TargetFrames(const AlsaPcm& pcm) {

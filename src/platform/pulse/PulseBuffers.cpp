@@ -4,10 +4,11 @@
 #include <utility>
 #include <vector>
 
+#include "core/support/BlockSize.h"
+
 namespace sonavex {
 namespace {
 
-constexpr std::uint32_t kBlockFrames = 2048;
 // What the engine's distances between the cursors are made for.
 constexpr std::uint32_t kMostDelayFrames = 3 * kBlockFrames;
 constexpr std::uint32_t kUnset = static_cast<std::uint32_t>(-1);
@@ -19,14 +20,14 @@ constexpr std::uint32_t FramesOf(std::uint32_t rateHz, std::uint32_t millisecond
 // Enough to outlast a busy moment of the machine, short enough that the delay stays far below three
 // blocks even when the server adds its own.
 pa_buffer_attr PlaybackAttributes(std::uint32_t rateHz) noexcept {
-    const std::uint32_t frames = std::min(FramesOf(rateHz, 80), kBlockFrames * 3 / 2);
+    const std::uint32_t frames = std::min(FramesOf(rateHz, 80), std::uint32_t{kBlockFrames * 3 / 2});
     return {kUnset, frames * kFrameBytes, kUnset, kUnset, kUnset};
 }
 
 // Small against a block, so that its end is noticed soon after it was captured; not smaller, because
 // PipeWire runs its whole graph at the next lower power of two.
 pa_buffer_attr CaptureAttributes(std::uint32_t rateHz) noexcept {
-    const std::uint32_t frames = std::clamp(FramesOf(rateHz, 12), 1U, kBlockFrames / 4);
+    const std::uint32_t frames = std::clamp(FramesOf(rateHz, 12), 1U, std::uint32_t{kBlockFrames / 4});
     return {kUnset, kUnset, kUnset, kUnset, frames * kFrameBytes};
 }
 

@@ -29,7 +29,6 @@ namespace sonavex {
 namespace {
 
 constexpr std::uint32_t kRateHz = 32000;
-constexpr std::size_t kBlockFrames = 2048;
 constexpr int kBlockMs = 64;
 constexpr int kLimitMs = 30000;
 constexpr int kLookMs = 5;

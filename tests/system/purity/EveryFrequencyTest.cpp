@@ -66,10 +66,7 @@ std::vector<int> RoundedSine(std::int32_t rateHz) {
 
 class EveryFrequency : public testing::TestWithParam<std::int32_t> {
 protected:
-    EveryFrequency() {
-        shared_.SampleRate = GetParam();
-        controls_.chkMuteOutput.SetValue(1);
-    }
+    EveryFrequency() { shared_.SampleRate = GetParam(); }
 
     void Start(std::int32_t frequencyHz) {
         generator_.NumTones = 1;
@@ -84,9 +81,9 @@ protected:
         Start(frequencyHz);
         double sum = 0.0;
         std::size_t place = 0;
-        for (std::size_t first = 0; first < period; first += modDSP::kBlockFrames) {
-            modDSP::MakeOutput(*analysis_, controls_, generator_, played_);
-            const std::size_t count = std::min<std::size_t>(modDSP::kBlockFrames, period - first);
+        for (std::size_t first = 0; first < period; first += kBlockFrames) {
+            modDSP::MakeOutput(*analysis_, true, readings_, generator_, played_);
+            const std::size_t count = std::min<std::size_t>(kBlockFrames, period - first);
             for (std::size_t i = 0; i < count; ++i) {
                 place += static_cast<std::size_t>(frequencyHz);
                 if (place >= sine_.size()) place -= sine_.size();
@@ -106,9 +103,9 @@ protected:
 
     SharedState shared_;
     Generator generator_{shared_};
-    MeasurementControls controls_;
-    std::unique_ptr<modDSP::State> analysis_ = std::make_unique<modDSP::State>(shared_);
-    std::vector<std::int16_t> played_ = std::vector<std::int16_t>(modDSP::kBlockSamples);
+    Readings readings_;
+    std::unique_ptr<modDSP::State> analysis_ = std::make_unique<modDSP::State>();
+    std::vector<std::int16_t> played_ = std::vector<std::int16_t>(kBlockSamples);
     std::vector<int> sine_ = RoundedSine(GetParam());
     std::map<std::size_t, Lines> lines_;
 };
@@ -142,8 +139,8 @@ TEST_P(EveryFrequency, HasTheLinesOfItsPeriod) {
         Start(hertz);
         std::vector<int> samples;
         while (samples.size() < period) {
-            modDSP::MakeOutput(*analysis_, controls_, generator_, played_);
-            for (std::size_t i = 0; i < modDSP::kBlockSamples; i += 2) samples.push_back(played_[i]);
+            modDSP::MakeOutput(*analysis_, true, readings_, generator_, played_);
+            for (std::size_t i = 0; i < kBlockSamples; i += 2) samples.push_back(played_[i]);
         }
         samples.resize(period);
         const Lines played = LinesOf(samples, hertz / std::gcd(rateHz, hertz));

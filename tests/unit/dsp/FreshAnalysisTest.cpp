@@ -2,14 +2,14 @@
 
 #include <memory>
 
+#include "core/dsp/display/MeasurementControls.h"
 #include "core/dsp/modDSP.h"
 
 namespace sonavex {
 namespace {
 
 TEST(FreshAnalysis, KnowsNothingYet) {
-    const SharedState shared;
-    const auto state = std::make_unique<modDSP::State>(shared);
+    const auto state = std::make_unique<modDSP::State>();
     EXPECT_EQ(state->BinWidth, 0.0F);
     EXPECT_EQ(state->CutoffBin, 0);
     EXPECT_EQ(state->LowFraction, 0.0);
@@ -28,8 +28,7 @@ TEST(FreshAnalysis, KnowsNothingYet) {
 }
 
 TEST(FreshAnalysis, HasATransformOf4096Points) {
-    const SharedState shared;
-    const auto state = std::make_unique<modDSP::State>(shared);
+    const auto state = std::make_unique<modDSP::State>();
     EXPECT_EQ(state->FftOrder, 12);
     EXPECT_EQ(state->plan.Order(), 12);
 }

@@ -170,7 +170,7 @@ TEST(Failures, ShortArrays) {
     Block captured{};
     const auto process = [&](std::size_t capturedSize, std::size_t playbackSize) {
         return ErrorOf([&] {
-            modDSP::ProcessCapturedBlock(*rig.state, rig.controls, rig.generator,
+            modDSP::ProcessCapturedBlock(*rig.state, rig.display.Inputs(kRate), rig.readings, rig.generator,
                                          std::span(captured).first(capturedSize),
                                          std::span(rig.playback).first(playbackSize));
             return 0;

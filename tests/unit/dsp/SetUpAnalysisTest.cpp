@@ -41,11 +41,10 @@ TEST(SetUpAnalysis, ValuesOfEveryRate) {
 }
 
 TEST(SetUpAnalysis, CutoffBinRoundsHalvesToEven) {
-    AnalysisRig rig(4096);  // bins of 1 Hz
-    rig.shared.SampleRate = 8192;
-    modDSP::SetUpAnalysis(*rig.state, 20, 2001);  // bin 1000.5
+    AnalysisRig rig(4096);                              // bins of 1 Hz
+    modDSP::SetUpAnalysis(*rig.state, 8192, 20, 2001);  // bin 1000.5
     EXPECT_EQ(rig.state->CutoffBin, 1000);
-    modDSP::SetUpAnalysis(*rig.state, 20, 2003);  // bin 1001.5
+    modDSP::SetUpAnalysis(*rig.state, 8192, 20, 2003);  // bin 1001.5
     EXPECT_EQ(rig.state->CutoffBin, 1002);
 }
 
@@ -95,8 +94,7 @@ TEST(SetUpAnalysis, LowEdgeMovesTheResponse) {
 TEST(SetUpAnalysis, FollowsAChangedRate) {
     AnalysisRig rig(48000);
     const AnalysisRig other(8000, 20);
-    rig.shared.SampleRate = 8000;
-    modDSP::SetUpAnalysis(*rig.state, 20, 3900);
+    modDSP::SetUpAnalysis(*rig.state, 8000, 20, 3900);
     EXPECT_EQ(rig.state->BinWidth, other.state->BinWidth);
     EXPECT_EQ(rig.state->FilterTaps, other.state->FilterTaps);
     EXPECT_EQ(rig.state->FilterRe, other.state->FilterRe);
@@ -107,7 +105,7 @@ TEST(SetUpAnalysis, KeepsHistoryAndTails) {
     AnalysisRig rig(32000);
     rig.Feed(Sine(32000, 1000, 9000), 5);
     const auto tail = rig.state->TailA;
-    modDSP::SetUpAnalysis(*rig.state, 20, 15900);
+    modDSP::SetUpAnalysis(*rig.state, 32000, 20, 15900);
     EXPECT_EQ(rig.state->HistIndex, 5);
     EXPECT_EQ(rig.state->TailA, tail);
     EXPECT_NE(rig.state->TailA[0], 0.0);
@@ -115,11 +113,9 @@ TEST(SetUpAnalysis, KeepsHistoryAndTails) {
 
 TEST(SetUpAnalysis, NeedsARate) {
     AnalysisRig rig(32000);
-    rig.shared.SampleRate = 0;
-    EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, 20, 100), 0; }), 11);
+    EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, 0, 20, 100), 0; }), 11);
     for (const auto& [rate, number] : {std::pair{0, 11}, std::pair{-1, 11}, std::pair{1, 0}}) {
-        rig.shared.SampleRate = rate;
-        EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, 0, 1), 0; }), number) << rate;
+        EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, rate, 0, 1), 0; }), number) << rate;
     }
 }
 

@@ -12,8 +12,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr const char* kOwnLine = "80,False,30,True,20,True,False,True,-1.5,0,6,70,60,";
-constexpr const char* kProgramLine = "11,True,12,False,13,False,True,False,1,2,3,14,15,";
+constexpr const char* kCardLine = "80,False,30,True,20,True,False,True,-1.5,0,6,70,60,";
+constexpr const char* kSavedLine = "11,True,12,False,13,False,True,False,1,2,3,14,15,";
 
 struct Newer : MixerWorld {
     Newer() : MixerWorld(10) {}
@@ -52,10 +52,10 @@ TEST(NewerMixers, AreOpenedWithBothNamesAndAnEmptyText) {
 
 TEST(NewerMixers, CaptureBeforeTheyApplyWhatWasSaved) {
     Newer world;
-    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.store.Save("Settings", "VistaSoundCard", kSavedLine);
     world.Start();
-    EXPECT_EQ(world.mixers.InitialVistaMixerState, kOwnLine);
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kProgramLine);
+    EXPECT_EQ(world.mixers.InitialVistaMixerState, kCardLine);
+    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kSavedLine);
     EXPECT_EQ(world.log.Count("Message"), 0U);
 }
 
@@ -68,14 +68,14 @@ TEST(NewerMixers, WithNothingSavedLeaveTheCardUntouched) {
 
 TEST(NewerMixers, SaveAndGiveBackAtTheEnd) {
     Newer world;
-    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.store.Save("Settings", "VistaSoundCard", kSavedLine);
     world.Start();
     world.card.masterVolume = 77;
     world.log.Clear();
     world.mixers.SaveAndRestoreInitial();
     EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""),
               "77,True,12,False,13,False,True,False,1,2,3,14,15,");
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
+    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kCardLine);
     EXPECT_EQ(world.journal.text, "");
     const auto& lines = world.log.Lines();
     const auto at = [&](const std::string& line) {
@@ -87,14 +87,14 @@ TEST(NewerMixers, SaveAndGiveBackAtTheEnd) {
 
 TEST(NewerMixers, AtAnEndAtOnceGiveBackAndSaveNothing) {
     Newer world;
-    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.store.Save("Settings", "VistaSoundCard", kSavedLine);
     world.Start();
     world.card.masterVolume = 77;
     world.levels.devices["playback Speakers"] = "Master\t15 15\n";
     world.log.Clear();
     world.mixers.RestoreInitial();
-    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), kProgramLine);
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
+    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), kSavedLine);
+    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kCardLine);
     EXPECT_EQ(world.levels.devices["playback Speakers"], "Master\t10 20\n");
     EXPECT_EQ(world.journal.text, "");
     EXPECT_EQ(world.log.Count("CloseSoundCard"), 1U);
@@ -170,7 +170,7 @@ TEST(NewerMixers, OfAKilledRunAreMadeGoodBeforeTheCapture) {
 
 TEST(NewerMixers, GiveTheOldCardBackBeforeAnotherIsBound) {
     Newer world;
-    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.store.Save("Settings", "VistaSoundCard", kSavedLine);
     world.levels.devices["playback Headphones"] = "Front\t1 1\n";
     world.Start();
     world.levels.devices["playback Speakers"] = "Master\t15 15\n";
@@ -178,7 +178,7 @@ TEST(NewerMixers, GiveTheOldCardBackBeforeAnotherIsBound) {
     world.mixers.PointMixersAt("Headphones", "Microphone");
     EXPECT_THAT(world.CallsWith("Restore"), ElementsAre("Restore playback Speakers"));
     world.mixers.ReopenSoundCard("Headphones", "Microphone");
-    EXPECT_EQ(world.mixers.InitialVistaMixerState, kProgramLine) << "the levels of the new card";
+    EXPECT_EQ(world.mixers.InitialVistaMixerState, kSavedLine) << "the levels of the new card";
     world.log.Clear();
     world.Bind();
     world.Bind();
@@ -187,18 +187,18 @@ TEST(NewerMixers, GiveTheOldCardBackBeforeAnotherIsBound) {
 
 TEST(NewerMixers, DoNotSaveTheLevelsOfACardThatIsGone) {
     Newer world;
-    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.store.Save("Settings", "VistaSoundCard", kSavedLine);
     world.Start();
     world.levels.devices.clear();
     world.card.masterVolume = 0;
     world.mixers.SaveAndRestoreInitial();
-    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), kProgramLine);
+    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), kSavedLine);
     EXPECT_NE(world.journal.text, "") << "its own levels wait for it";
 }
 
 TEST(NewerMixers, KeepWhatWasSavedOfASideThatIsGone) {
     Newer world;
-    world.store.Save("Settings", "VistaSoundCard", kProgramLine);
+    world.store.Save("Settings", "VistaSoundCard", kSavedLine);
     world.Start();
     world.levels.devices.erase("capture Microphone");
     world.card.missing = {"MicBoost", "NoMonitor", "MicRecordVolume", "LineRecordVolume"};
@@ -248,7 +248,7 @@ TEST_P(BadLines, AreToldOfAndTheStartGoesOn) {
     EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), GetParam().line);
     EXPECT_EQ(world.mixers.Speaker.SpeakerVolumeControl, 0) << "the start went on";
     world.mixers.SaveAndRestoreInitial();
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
+    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kCardLine);
 }
 
 // A message in pieces of characters could not be shown.

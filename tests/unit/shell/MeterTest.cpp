@@ -111,6 +111,26 @@ TEST_F(MeterTest, ABlockThatFailsSpoilsItsCycle) {
     }
 }
 
+TEST_F(MeterTest, ABlockThatFailsShowsWhatItHasMeasured) {
+    meter.Controls.chkAuto.SetValue(0);
+    meter.Controls.txtFreq.SetText("1e300");
+    EXPECT_EQ(ErrorOf([&] { return FeedTone(1), 0; }), 6);
+    EXPECT_EQ(meter.Controls.LblLevel.Caption(), "27");
+    EXPECT_EQ(meter.Controls.lblDACLevel.Caption(), "");
+    EXPECT_EQ(meter.Display.View().cycle, "0 of 19");
+}
+
+TEST_F(MeterTest, ShowsWhereItIsInTheCycleAndWhetherItSettles) {
+    FeedTone(18);
+    EXPECT_EQ(meter.Display.View().cycle, "19 of 19");
+    EXPECT_TRUE(meter.Display.View().settling);
+    FeedTone(19);
+    EXPECT_EQ(meter.Display.View().cycle, "19 of 19");
+    EXPECT_FALSE(meter.Display.View().settling);
+    FeedTone(1);
+    EXPECT_EQ(meter.Display.View().cycle, "1 of 19");
+}
+
 TEST_F(MeterTest, PlaysItsGenerator) {
     meter.Tones.NumTones = 1;
     meter.Tones.Tones[0].Frequency = 1000;

@@ -1,7 +1,8 @@
-#include "core/dsp/Baseline.h"
+#include "core/dsp/display/Baseline.h"
 
 #include <cstdlib>
 
+#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -39,8 +40,9 @@ void Save(Settings& settings, const SettingsKey& key, int harmonic, double value
 
 }  // namespace
 
-Baseline::Baseline(Settings& settings, Dialogs& dialogs, modDSP::State& analysis, MeasurementControls& meter)
-    : settings_(settings), dialogs_(dialogs), analysis_(analysis), meter_(meter) {
+Baseline::Baseline(const SharedState& shared, Settings& settings, Dialogs& dialogs, modDSP::State& analysis,
+                   MeasurementControls& meter)
+    : shared_(shared), settings_(settings), dialogs_(dialogs), analysis_(analysis), meter_(meter) {
     meter_.chkAuto.Click.Handle([this] { chkAuto_Click(); });
     chkBaseline.Click.Handle([this] { chkBaseline_Click(); });
     cmdBaseline.Click.Handle([this] { cmdBaseline_Click(); });
@@ -87,7 +89,7 @@ void Baseline::cmdBaseline_Click() {
     analysis_.BaselinePct = analysis_.CurrentPct;
     analysis_.BaselineDb = analysis_.CurrentDb;
     capturedHz_ = analysis_.CurrentHz;
-    capturedRate_ = analysis_.shared.SampleRate;
+    capturedRate_ = shared_.SampleRate;
     settings_.Save(keys::kBaselineHz, CStr(capturedHz_));
     settings_.Save(keys::kBaselineRate, CStr(capturedRate_));
     dialogs_.Message(kCaptured, MessageIcon::kInformation);
@@ -95,7 +97,7 @@ void Baseline::cmdBaseline_Click() {
 
 bool Baseline::CapturedElsewhere() const {
     if (analysis_.BaselineOn != 1 || capturedRate_ == 0 || !analysis_.FreqLocked) return false;
-    return capturedRate_ != analysis_.shared.SampleRate ||
+    return capturedRate_ != shared_.SampleRate ||
            std::abs(capturedHz_ - analysis_.FundamentalHz) >= modDSP::kLockRangeHz;
 }
 

@@ -4,10 +4,11 @@
 
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
-#include "core/dsp/MeasurementControls.h"
+#include "core/dsp/display/MeasurementControls.h"
 #include "core/dsp/modDSP.h"
 #include "core/ports/Dialogs.h"
 #include "core/settings/Settings.h"
+#include "core/settings/SharedState.h"
 
 namespace sonavex {
 
@@ -15,7 +16,8 @@ namespace sonavex {
 // subtracted from the percentages. User-interface thread only.
 class Baseline {
 public:
-    Baseline(Settings& settings, Dialogs& dialogs, modDSP::State& analysis, MeasurementControls& meter);
+    Baseline(const SharedState& shared, Settings& settings, Dialogs& dialogs, modDSP::State& analysis,
+             MeasurementControls& meter);
 
     CheckBox chkBaseline;
     CommandButton cmdBaseline;
@@ -35,6 +37,7 @@ private:
     void ApplyAuto();
     void ApplyBaseline();
 
+    const SharedState& shared_;
     Settings& settings_;
     Dialogs& dialogs_;
     modDSP::State& analysis_;

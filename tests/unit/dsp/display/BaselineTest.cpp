@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "core/dsp/Baseline.h"
+#include "core/dsp/display/Baseline.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "support/CallLog.h"
 #include "support/Recorders.h"
@@ -16,9 +16,9 @@ struct BaselineRig {
     Settings settings{store};
     RecordingDialogs dialogs{log};
     SharedState shared;
-    modDSP::State analysis{shared};
+    modDSP::State analysis;
     MeasurementControls meter;
-    Baseline baseline{settings, dialogs, analysis, meter};
+    Baseline baseline{shared, settings, dialogs, analysis, meter};
 
     std::string Stored(const char* key) const { return store.Get("Settings", key, "none"); }
 };

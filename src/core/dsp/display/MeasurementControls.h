@@ -1,22 +1,24 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 #include "core/controls/Controls.h"
+#include "core/dsp/Readings.h"
 
 namespace sonavex {
 
-// The controls that the analysis reads and writes. Every caption starts empty. Array element i stands
-// for harmonic i + 2.
+// The controls of the meter: captions that MeterDisplay writes, boxes that the user sets. Every caption
+// starts empty. Array element i stands for harmonic i + 2.
 struct MeasurementControls {
-    static constexpr std::size_t kHarmonics = 8;
+    static constexpr std::size_t kHarmonics = Readings::kHarmonics;
 
     ProgressBar prgADC{32760.0F};           // input peak, 16-bit steps
     ProgressBar prgDAC{32760.0F};           // output peak before the generator's signal, 16-bit steps
     Label LblLevel;                         // input peak, percent of 32760, or "Ovr"
     Label lblDACLevel;                      // output peak, percent of 32760, or "Ovr", or "Muted"
     TextBox txtFreq;                        // fundamental frequency, Hz
-    CheckBox chkAuto;                       // the analysis writes txtFreq
+    CheckBox chkAuto;                       // the measured frequency is written to txtFreq
     CheckBox chkMuteOutput;                 // the input does not go on to the output
     Indicator picLocked;                    // light green: the peak found is the fundamental asked for
     Indicator GenLocked;                    // the same on the generator's side
