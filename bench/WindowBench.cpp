@@ -76,24 +76,31 @@ void MeasureWindow(benchmark::State& state, const std::function<void(WindowOnDis
 }
 
 // The end of a cycle that changes every figure and bar of the meter tab.
-void ChangeFigures(MeasurementControls& meter, bool odd) {
-    for (std::size_t i = 0; i < meter.lbltest.size(); ++i) {
-        const std::string digit = std::to_string(i + 1);
-        meter.lbltest[i].SetCaption((odd ? "0.83" : "0.84") + digit);
-        meter.lblDb[i].SetCaption((odd ? "-41.0" : "-62.5") + digit);
+Readings Figures(bool odd) {
+    Readings readings;
+    readings.reached = BlockStep::kOutputLevel;
+    readings.inputPeak = odd ? 8000.0 : 8200.0;
+    readings.locked = true;
+    readings.harmonicsAveraged = Readings::kHarmonics;
+    for (std::size_t i = 0; i < Readings::kHarmonics; ++i) {
+        const double digit = static_cast<double>(i + 1);
+        const double percent = (odd ? 0.83 : 0.84) + 0.001 * digit;
+        readings.harmonics[i] = {percent, percent, (odd ? -41.0 : -62.5) - 0.01 * digit};
     }
-    meter.lblThd.SetCaption(odd ? "0.838" : "0.848");
-    meter.LblLevel.SetCaption(odd ? "24" : "25");
-    meter.lblDACLevel.SetCaption(odd ? "23" : "26");
-    meter.prgADC.SetValue(odd ? 8000.0F : 8200.0F);
-    meter.prgDAC.SetValue(odd ? 7900.0F : 8100.0F);
+    readings.outputPeak = odd ? 7500.0 : 8500.0;
+    return readings;
+}
+
+void Show(WindowOnDisplay& display, const Readings& readings) {
+    MeterDisplay::Percentages percentages{};
+    display.rig.form.Measurement.Display.Show(readings, percentages);
 }
 
 void BM_MeterUpdate(benchmark::State& state) {
     bool odd = false;
     MeasureWindow(state, [&odd](WindowOnDisplay& display) {
         odd = !odd;
-        ChangeFigures(display.rig.form.Measurement.Controls, odd);
+        Show(display, Figures(odd));
     });
 }
 BENCHMARK(BM_MeterUpdate)->UseManualTime()->Unit(benchmark::kMicrosecond);
@@ -103,11 +110,11 @@ void BM_MeterUpdateWithLock(benchmark::State& state) {
     bool odd = false;
     MeasureWindow(state, [&odd](WindowOnDisplay& display) {
         odd = !odd;
-        MeasurementControls& meter = display.rig.form.Measurement.Controls;
-        ChangeFigures(meter, odd);
-        meter.txtFreq.SetText(odd ? "996" : "1007");
-        meter.picLocked.SetBackColor(odd ? kLightGreen : kLightRed);
-        meter.GenLocked.SetBackColor(odd ? kLightGreen : kLightRed);
+        Readings readings = Figures(odd);
+        readings.automatic = true;
+        readings.measuredHz = odd ? 996.0 : 1007.0;
+        Show(display, readings);
+        display.rig.form.Measurement.Display.ShowStopped(!odd);
     });
 }
 BENCHMARK(BM_MeterUpdateWithLock)->UseManualTime()->Unit(benchmark::kMicrosecond);

@@ -7,9 +7,10 @@
 #include <QShortcut>
 #include <QStyle>
 #include <climits>
+#include <string_view>
 
-#include "core/text/Numbers.h"
-#include "ui/GeneratorWords.h"
+#include "core/dsp/display/MeterDisplay.h"
+#include "core/generator/GeneratorWords.h"
 #include "ui/widgets/HarmonicBar.h"
 #include "ui/widgets/Theme.h"
 #include "ui_frmMain.h"
@@ -63,21 +64,8 @@ QPoint PrimaryOrigin() {
     return QGuiApplication::primaryScreen()->geometry().topLeft();
 }
 
-// A level as a screen reader reads it.
-QString Spoken(const std::string& caption, const QString& word) {
-    if (!word.isEmpty()) return word;
-    const QString text = QString::fromStdString(caption);
-    return IsNumeric(caption) ? text + " %" : text;
-}
-
-// The harmonics in the total; 1 means none.
-QString HarmonicsUpTo(int highest) {
-    if (highest < 2) return QStringLiteral("H2–H9");
-    return highest == 2 ? QStringLiteral("H2") : QStringLiteral("H2–H%1").arg(highest);
-}
-
-bool IsReading(const std::string& caption) {
-    return IsNumeric(caption);
+QString Text(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 }  // namespace
@@ -141,8 +129,8 @@ void MainWindow::StandOnGrounds() {
 
 void MainWindow::FixSizes() {
     for (QLabel* level : {ui_->LblLevel, ui_->lblDACLevel}) FixSize(*level, "Muted");
-    for (QLabel* word : {ui_->adcWord, ui_->dacWord}) FixSize(*word, tr("NO SIGNAL"));
-    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, tr("NOT LOCKED"));
+    for (QLabel* word : {ui_->adcWord, ui_->dacWord}) FixSize(*word, Text(meter_words::kNoSignal));
+    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, Text(meter_words::kNotLocked));
     FixSize(*ui_->cycleText, "19 of 19");
     FixSize(*ui_->runningWord, "Generator playing 8 tones");
     // Five digits and a margin.
@@ -252,10 +240,8 @@ void MainWindow::changeEvent(QEvent* event) {
 
 void MainWindow::Decorate() {
     DecorateStream();
-    DecorateLock();
-    DecorateLevels();
+    DecorateMeter();
     DecorateHarmonics();
-    DecorateCycle();
     DecorateGenerator();
     ui_->baselineNote->setVisible(form_.BaselineOptions.CapturedElsewhere());
 }
@@ -296,50 +282,34 @@ void MainWindow::DecoratePath() {
             .arg(form_.Engine.Underruns()));
 }
 
-void MainWindow::DecorateLock() {
-    const QString word = stale_ ? tr("STOPPED") : ui_->picLocked->Good() ? tr("LOCKED") : tr("NOT LOCKED");
-    ui_->lockWord->setText(word);
-    ui_->genLockWord->setText(word);
-    ui_->picLocked->setAccessibleDescription(word);
-    ui_->GenLocked->setAccessibleDescription(word);
-}
-
-void MainWindow::DecorateLevels() {
-    const MeasurementControls& meter = form_.Measurement.Controls;
-    ui_->unitprgADC->setVisible(IsReading(meter.LblLevel.Caption()));
-    ui_->unitprgDAC->setVisible(IsReading(meter.lblDACLevel.Caption()));
-    // Silence reads as overload too; the word beside it tells the two apart.
-    const bool silent = form_.Measurement.Blocks() > 0 && form_.Measurement.Analysis().InputPeak <= 0.0;
-    const bool over = meter.LblLevel.Caption() == "Ovr";
-    ui_->adcWord->setText(!over ? QString() : silent ? tr("NO SIGNAL") : tr("OVERLOAD"));
-    ui_->prgADC->SetSilent(over && silent);
-    ui_->dacWord->setText(meter.lblDACLevel.Caption() == "Ovr" ? tr("OVERLOAD") : QString());
-    ui_->prgADC->setAccessibleDescription(Spoken(meter.LblLevel.Caption(), ui_->adcWord->text()));
-    ui_->prgDAC->setAccessibleDescription(Spoken(meter.lblDACLevel.Caption(), ui_->dacWord->text()));
+void MainWindow::DecorateMeter() {
+    const MeterDisplay& display = form_.Measurement.Display;
+    const MeterView& view = display.View();
+    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) word->setText(Text(view.lockWord));
+    for (QWidget* lamp : {ui_->picLocked, ui_->GenLocked})
+        lamp->setAccessibleDescription(Text(view.lockWord));
+    ui_->adcWord->setText(Text(view.inputWord));
+    ui_->dacWord->setText(Text(view.outputWord));
+    ui_->unitprgADC->setVisible(view.inputInPercent);
+    ui_->unitprgDAC->setVisible(view.outputInPercent);
+    ui_->prgADC->SetSilent(view.noSignal);
+    ui_->prgADC->setAccessibleDescription(Text(display.SpokenInput()));
+    ui_->prgDAC->setAccessibleDescription(Text(display.SpokenOutput()));
+    ui_->cycleBar->setValue(view.cycleBlocks);
+    ui_->cycleText->setText(Text(view.cycle));
 }
 
 void MainWindow::DecorateHarmonics() {
-    const MeasurementControls& meter = form_.Measurement.Controls;
+    const MeterView& view = form_.Measurement.Display.View();
     for (std::size_t i = 0; i < bars_.size(); ++i) {
-        const std::string& caption = meter.lblDb[i].Caption();
-        if (IsReading(caption))
-            bars_[i]->SetLevelDb(Val(caption));
+        if (view.levelsDb[i])
+            bars_[i]->SetLevelDb(*view.levelsDb[i]);
         else
             bars_[i]->Clear();
     }
-    int highest = 1;
-    for (std::size_t i = 0; i < meter.lbltest.size(); ++i)
-        if (IsReading(meter.lbltest[i].Caption())) highest = static_cast<int>(i) + 2;
-    ui_->capTotalOf->setText(tr("%1, re total (THD_R)").arg(HarmonicsUpTo(highest)));
-    const bool reading = IsReading(meter.lblThd.Caption());
-    ui_->unitThd->setVisible(reading);
-    ui_->settlingNote->setVisible(reading && !stale_ && !form_.Measurement.ShownSettled());
-}
-
-void MainWindow::DecorateCycle() {
-    const int blocks = form_.Measurement.Blocks() == 0 ? 0 : form_.Measurement.CyclePosition();
-    ui_->cycleBar->setValue(blocks);
-    ui_->cycleText->setText(tr("%1 of 19").arg(blocks));
+    ui_->capTotalOf->setText(Text(view.totalOf));
+    ui_->unitThd->setVisible(view.totalInPercent);
+    ui_->settlingNote->setVisible(view.settling);
 }
 
 void MainWindow::DecorateGenerator() {
@@ -347,7 +317,7 @@ void MainWindow::DecorateGenerator() {
     ui_->wavePicture->SetWave(signal.cmbType.ListIndex());
     ui_->wavePicture->SetSweep(signal.sldSweepTime.Value() != 0, signal.sldStartFreq.Value(),
                                signal.sldEndFreq.Value(), signal.chkLoop.Checked());
-    ui_->memoryCount->setText(tr("%1 of 8").arg(form_.Signals.Memory.ToneList.Count()));
+    ui_->memoryCount->setText(Text(MemoryWords(form_.Signals.Memory.ToneList.Count())));
     ui_->capsldStartFreq->setEnabled(signal.sldStartFreq.Enabled());
     ui_->capsldEndFreq->setEnabled(signal.sldEndFreq.Enabled());
     ui_->capsldSweepTime->setEnabled(signal.sldSweepTime.Enabled());
@@ -356,8 +326,8 @@ void MainWindow::DecorateGenerator() {
                            preset->property("hertz").toInt() <= signal.sldStartFreq.Max());
     const bool sweeps = form_.HiTimer1->Enabled();
     const GeneratorWords words = GeneratorWords::Of(form_.Measurement.Tones, sweeps);
-    ui_->runningWord->setText(words.state);
-    ui_->runningDetail->setText(words.detail);
+    ui_->runningWord->setText(Text(words.state));
+    ui_->runningDetail->setText(Text(words.detail));
     if (!sweeps)
         sweepWatch_.stop();
     else if (!sweepWatch_.isActive())

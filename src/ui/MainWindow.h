@@ -18,7 +18,8 @@ namespace sonavex::ui {
 
 class HarmonicBar;
 
-// The main window: binds the main form's controls to their widgets and adds colours, sizes and shortcuts.
+// The main window: binds the main form's controls to their widgets and shows the words that the core makes in
+// addition to captions. It adds colours, sizes and shortcuts.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -47,10 +48,8 @@ private:
     void Decorate();
     void DecorateStream();
     void DecoratePath();
-    void DecorateLock();
-    void DecorateLevels();
+    void DecorateMeter();
     void DecorateHarmonics();
-    void DecorateCycle();
     void DecorateGenerator();
     void ExplainReadings();
     void StandOnGrounds();

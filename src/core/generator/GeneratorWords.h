@@ -1,18 +1,22 @@
 #pragma once
 
-#include <QString>
+#include <cstdint>
+#include <string>
 
 #include "core/generator/Generator.h"
 
-namespace sonavex::ui {
+namespace sonavex {
 
 // Describes the generator's state and its sweeps.
 struct GeneratorWords {
-    QString state;
-    QString detail;  // empty when nothing sweeps
+    std::string state;
+    std::string detail;  // empty when nothing sweeps
 
     // clockRuns: the sweep clock runs, so unfinished sweeps advance.
     static GeneratorWords Of(const Generator& generator, bool clockRuns);
 };
 
-}  // namespace sonavex::ui
+// How many of the memory's tones are in use: "3 of 8".
+std::string MemoryWords(std::int32_t tones);
+
+}  // namespace sonavex
