@@ -173,7 +173,8 @@ void Instrument::CheckTexts() {
 
 void Instrument::CheckMixers() {
     std::int32_t status = 0;
-    for (const std::int32_t level : {library.GetMasterVolume(status), library.GetMicRecordVolume(status)})
+    for (const std::int32_t level :
+         {mixers.Library.GetMasterVolume(status), mixers.Library.GetMicRecordVolume(status)})
         Require(level >= 0 && level <= 100, "a level is a percentage");
 }
 

@@ -11,9 +11,6 @@
 #include "core/shell/StoredPlaces.h"
 #include "core/shell/frmMain.h"
 #include "fuzz/FuzzTarget.h"
-#include "platform/mixer/HardwareLevels.h"
-#include "platform/mixer/HardwareMixerControl.h"
-#include "platform/mixer/HardwareMixerLibrary.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "platform/simulated/SimulatedMixer.h"
 #include "support/FormRig.h"
@@ -59,14 +56,10 @@ public:
     RecordingPrinter printer{log};
     SimulatedSoundSystem card{loop, SimulatedSoundSystem::Pace::kStepped};
     SimulatedMixer hardware{card, loop};
-    HardwareMixerControl output{hardware, MixerSide::kPlayback};
-    HardwareMixerControl input{hardware, MixerSide::kCapture};
-    HardwareMixerLibrary library{hardware};
-    HardwareLevels levels{hardware};
     MemoryJournal journal;
     SettingsStore& store;
     StoredPlaces places{store, desktop};
-    SoundCardMixers mixers{{store, desktop, dialogs, places, output, input, library, levels, journal}};
+    SoundCardMixers mixers{{store, dialogs, places, hardware, journal}};
     Settings settings{store};
     DesktopErrorLog errors{{settings, card, desktop, files, FixedTime}};
     frmMain form{{store, card, loop, dialogs, desktop, errors, mixers}};

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "core/ports/DeviceLevels.h"
+#include "core/mixer/DeviceLevels.h"
+#include "core/mixer/HardwareMixerControl.h"
+#include "core/mixer/QuenbyVista.h"
 #include "fuzz/FuzzTarget.h"
-#include "platform/mixer/HardwareLevels.h"
-#include "platform/mixer/HardwareMixerControl.h"
-#include "platform/mixer/HardwareMixerLibrary.h"
 #include "platform/simulated/SimulatedMixer.h"
 #include "support/VirtualEventLoop.h"
 
@@ -46,8 +45,8 @@ struct MixerBench {
     SimulatedMixer mixer{card, loop};
     HardwareMixerControl output{mixer, MixerSide::kPlayback};
     HardwareMixerControl input{mixer, MixerSide::kCapture};
-    HardwareMixerLibrary library{mixer};
-    HardwareLevels levels{mixer};
+    QuenbyVista library{mixer};
+    DeviceLevels levels{mixer};
 
 private:
     void CheckLibrary() {

@@ -70,7 +70,7 @@ void UseJournal(MixerBench& bench, std::string_view text) {
     LevelKeeper keeper(bench.levels, journal);
     keeper.Use({{MixerSide::kPlayback, bench.name}, {MixerSide::kCapture, bench.name}});
     bench.Check();
-    keeper.GiveBack();
+    keeper.Restore();
     bench.Check();
     const std::string left = journal.text;
     // An entry stands behind an empty line.

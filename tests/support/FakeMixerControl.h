@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/ports/MixerControl.h"
+#include "core/mixer/MixerControl.h"
 
 namespace sonavex {
 

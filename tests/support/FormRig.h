@@ -49,13 +49,16 @@ class RecordingMixerSession : public MixerSession {
 public:
     explicit RecordingMixerSession(CallLog& log) noexcept : log_(log) {}
     void PointMixersAt(const std::string&, const std::string&) override { log_.Call("PointMixersAt"); }
+    MixerDeviceNumbers DeviceNumbers() const override { return numbers; }
     void ReopenSoundCard(const std::string&, const std::string&) override { log_.Call("ReopenSoundCard"); }
-    void CaptureAndApplySaved() override { log_.Call("CaptureAndApplySaved"); }
+    void CaptureAndApplySaved(bool) override { log_.Call("CaptureAndApplySaved"); }
     void SetUpSoundControls() override { log_.Call("SetUpSoundControls"); }
     void ShowSoundCard() override { log_.Call("ShowSoundCard"); }
     void UnloadDialogs() override { log_.Call("UnloadDialogs"); }
     void SaveAndRestoreInitial() override { log_.Call("SaveAndRestoreInitial"); }
     void RestoreInitial() override { log_.Call("RestoreInitial"); }
+
+    MixerDeviceNumbers numbers;
 
 private:
     CallLog& log_;

@@ -1,47 +1,17 @@
 #pragma once
 
-#include <map>
 #include <string>
 
 #include "core/mixer/SoundCardMixers.h"
 #include "platform/plain/MemorySettingsStore.h"
-#include "support/FakeMixerControl.h"
 #include "support/FakePlaces.h"
 #include "support/FormRig.h"
-#include "support/MemoryVista.h"
+#include "support/MemoryHardware.h"
 
 namespace sonavex {
 
-// Levels of devices in memory. Records "Restore SIDE NAME" for what is written.
-class FakeLevels : public DeviceLevels {
-public:
-    explicit FakeLevels(CallLog& log) noexcept : log_(log) {}
-
-    std::optional<std::string> Read(const MixerDevice& device) override {
-        const auto found = devices.find(Key(device));
-        if (found == devices.end()) return {};
-        return found->second;
-    }
-    bool Write(const MixerDevice& device, const std::string& levels) override {
-        const auto found = devices.find(Key(device));
-        if (found == devices.end()) return false;
-        if (found->second != levels) log_.Call("Restore", Key(device));
-        found->second = levels;
-        return takes;
-    }
-    void OnChange(std::function<void()> handler) override { changed = std::move(handler); }
-
-    static std::string Key(const MixerDevice& device) {
-        return (device.side == MixerSide::kPlayback ? "playback " : "capture ") + device.name;
-    }
-    // By side and name; a device that is not listed is not there.
-    std::map<std::string, std::string> devices;
-    bool takes = true;
-    std::function<void()> changed;
-
-private:
-    CallLog& log_;
-};
+// Levels that differ from those of the card in memory, as an earlier run saved them.
+inline constexpr const char* kSavedVistaLine = "11,True,12,False,13,False,True,False,1,2,3,14,15,";
 
 class MemoryJournal : public MixerJournal {
 public:
@@ -54,24 +24,29 @@ public:
     int writes = 0;
 };
 
-// The mixers with fakes all around. The card in memory records into the log.
+// What SoundCardMixers needs, with the devices "Speakers" and "Microphone" in memory. On the older
+// generation these have only a master and a microphone level, in steps of 1/65535.
 struct MixerWorld {
     explicit MixerWorld(std::int32_t osMajorVersion) {
         desktop.majorVersion = osMajorVersion;
-        levels.devices = {{"playback Speakers", "Master\t10 20\n"}, {"capture Microphone", "Capture\t5\n"}};
-        output.devices = {
-            {"Speakers",
-             {{FakeMixerControl::Level("Master Volume", 100), FakeMixerControl::Switch("Master Mute")}}}};
-        input.devices = {{"Other", {}}, {"Micro", {{FakeMixerControl::Level("Microphone Volume", 200)}}}};
+        hardware.playback["Speakers"] = Playback();
+        hardware.capture["Microphone"] = Capture();
     }
-    SoundCardMixers::World World() {
-        return {store, desktop, dialogs, places, output, input, card, levels, journal};
+    bool Newer() const { return desktop.majorVersion >= 6; }
+    MemoryHardware::Controls Playback() const {
+        if (Newer()) return MemoryCardPlayback();
+        return {{MixerFunction::kMasterVolume, MemoryHardware::Level({100, 100}, 65535)},
+                {MixerFunction::kMasterMute, MemoryHardware::Switch({0, 0})}};
     }
-    std::vector<std::string> CallsWith(const std::string& prefix) const {
-        std::vector<std::string> found;
-        for (const std::string& line : log.Lines())
-            if (line.starts_with(prefix)) found.push_back(line);
-        return found;
+    MemoryHardware::Controls Capture() const {
+        if (Newer()) return MemoryCardCapture();
+        return {{MixerFunction::kMicRecord, MemoryHardware::Level({200, 200}, 65535)}};
+    }
+    SoundCardMixers::Needs Needs() { return {store, dialogs, places, hardware, journal}; }
+    std::vector<std::int32_t>& Values(MixerFunction function) {
+        auto& side = SideOf(function) == MixerSide::kPlayback ? hardware.playback.at("Speakers")
+                                                              : hardware.capture.at("Microphone");
+        return side.at(function).values;
     }
 
     CallLog log;
@@ -79,10 +54,7 @@ struct MixerWorld {
     FakeDesktop desktop{log};
     RecordingDialogs dialogs{log};
     FakePlaces places{log};
-    FakeMixerControl output;
-    FakeMixerControl input;
-    MemoryVista card{log};
-    FakeLevels levels{log};
+    MemoryHardware hardware{log};
     MemoryJournal journal;
 };
 

@@ -4,9 +4,6 @@
 
 #include "core/mixer/SoundCardMixers.h"
 #include "core/shell/StoredPlaces.h"
-#include "platform/mixer/HardwareLevels.h"
-#include "platform/mixer/HardwareMixerControl.h"
-#include "platform/mixer/HardwareMixerLibrary.h"
 #include "platform/simulated/SimulatedMixer.h"
 #include "support/FormRig.h"
 #include "support/MixerWorld.h"
@@ -22,7 +19,7 @@ struct MixerRig {
         const std::string name = SimulatedSoundSystem::kDescription;
         session.PointMixersAt(name, name);
         if (osMajorVersion >= 6) session.ReopenSoundCard(name, name);
-        session.CaptureAndApplySaved();
+        session.CaptureAndApplySaved(osMajorVersion >= 6);
         session.SetUpSoundControls();
     }
 
@@ -34,13 +31,9 @@ struct MixerRig {
     RecordingErrorLog errorLog{log};
     SimulatedSoundSystem card{loop, SimulatedSoundSystem::Pace::kStepped};
     SimulatedMixer mixer{card, loop};
-    HardwareMixerControl output{mixer, MixerSide::kPlayback};
-    HardwareMixerControl input{mixer, MixerSide::kCapture};
-    HardwareMixerLibrary library{mixer};
-    HardwareLevels levels{mixer};
     StoredPlaces places{store, desktop};
     MemoryJournal journal;
-    SoundCardMixers session{{store, desktop, messages, places, output, input, library, levels, journal}};
+    SoundCardMixers session{{store, messages, places, mixer, journal}};
     HandlerGuard guard{messages, errorLog};
     QWidget parent;
     ui::MixerDialogs dialogs{session, guard, parent};

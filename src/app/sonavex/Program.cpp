@@ -7,6 +7,7 @@
 #include "app/common/WantedSound.h"
 #include "app/sonavex/SoundOffer.h"
 #include "core/report/frmAbout.h"
+#include "core/text/ErrorText.h"
 #include "platform/chm/ChmHelpBook.h"
 #include "platform/plain/UserFolders.h"
 #include "platform/qt/QtWallClock.h"
@@ -169,8 +170,8 @@ void Program::StreamError(const std::exception_ptr& error) {
 
 void ReportLastError(const std::exception_ptr& error) {
     const RuntimeError runtimeError = HandlerGuard::AsRuntimeError(error);
-    WriteLine(HandlerGuard::Text(runtimeError));
-    QtDialogs(frmMain::kApplicationTitle).Message(HandlerGuard::Text(runtimeError), MessageIcon::kCritical);
+    WriteLine(ErrorText(runtimeError));
+    QtDialogs(frmMain::kApplicationTitle).Message(ErrorText(runtimeError), MessageIcon::kCritical);
 }
 
 }  // namespace sonavex::app

@@ -7,7 +7,7 @@
 #include "platform/alsa/AlsaControls.h"
 #include "platform/alsa/AlsaDevices.h"
 #include "platform/alsamixer/AlsaMixer.h"
-#include "platform/mixer/LayeredMixer.h"
+#include "platform/combined/LayeredMixer.h"
 #include "platform/pulse/PulseMixer.h"
 #include "platform/simulated/SimulatedMixer.h"
 
@@ -18,7 +18,7 @@ snd_pcm_stream_t DirectionOf(MixerSide side) {
     return side == MixerSide::kPlayback ? SND_PCM_STREAM_PLAYBACK : SND_PCM_STREAM_CAPTURE;
 }
 
-// Those of the cards that are reached beside the server.
+// The devices that are reached without the server.
 std::vector<std::string> DirectDevices(MixerSide side) {
     std::vector<std::string> names;
     for (const AlsaDevice& device : ListAlsaDevices(DirectionOf(side)))
@@ -26,7 +26,7 @@ std::vector<std::string> DirectDevices(MixerSide side) {
     return names;
 }
 
-// The card that the server has behind the device, or the one that the device reaches directly.
+// libasound's control of the card behind the server's device, or of the card that is reached directly.
 std::string ControlOf(PulseMixer& server, const MixerDevice& device) {
     const std::string number = server.AlsaCardOf(device);
     return number.empty() ? AlsaControlOf(DirectionOf(device.side), device.name) : "hw:" + number;
@@ -41,8 +41,8 @@ std::unique_ptr<MixerHardware> MixersOfTheSystem(EventLoop& loop) {
 }
 
 std::unique_ptr<MixerHardware> MixersOf(SoundSystem& sound, EventLoop& loop) {
-    if (auto* const simulated = dynamic_cast<SimulatedSoundSystem*>(&sound))
-        return std::make_unique<SimulatedMixer>(*simulated, loop);
+    if (sound.Simulated())
+        return std::make_unique<SimulatedMixer>(static_cast<SimulatedSoundSystem&>(sound), loop);
     return MixersOfTheSystem(loop);
 }
 
@@ -53,6 +53,6 @@ ProgramMixers::ProgramMixers(SoundSystem& sound, EventLoop& loop, SettingsStore&
     : hardware_(MixersOf(sound, loop)),
       places_(store, desktop),
       journal_(journalFile),
-      session_({store, desktop, dialogs, places_, outputMixer_, inputMixer_, library_, levels_, journal_}) {}
+      session_({store, dialogs, places_, *hardware_, journal_}) {}
 
 }  // namespace sonavex::app

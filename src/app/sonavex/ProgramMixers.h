@@ -7,15 +7,12 @@
 #include "core/ports/EventLoop.h"
 #include "core/ports/SoundSystem.h"
 #include "core/shell/StoredPlaces.h"
-#include "platform/mixer/HardwareLevels.h"
-#include "platform/mixer/HardwareMixerControl.h"
-#include "platform/mixer/HardwareMixerLibrary.h"
 #include "platform/plain/FileMixerJournal.h"
 
 namespace sonavex::app {
 
-// The mixers of the sound in use: those of the simulated card, or the sound server's with the cards
-// behind them. Everything given must outlive this object.
+// The mixers that belong to a sound system: those of the simulated card, or those of the sound server and
+// the cards behind it. Everything passed in must outlive this object.
 class ProgramMixers {
 public:
     ProgramMixers(SoundSystem& sound, EventLoop& loop, SettingsStore& store, Desktop& desktop,
@@ -25,10 +22,6 @@ public:
 
 private:
     std::unique_ptr<MixerHardware> hardware_;
-    HardwareMixerControl outputMixer_{*hardware_, MixerSide::kPlayback};
-    HardwareMixerControl inputMixer_{*hardware_, MixerSide::kCapture};
-    HardwareMixerLibrary library_{*hardware_};
-    HardwareLevels levels_{*hardware_};
     StoredPlaces places_;
     FileMixerJournal journal_;
     SoundCardMixers session_;

@@ -1,16 +1,6 @@
 #include "core/mixer/ControlNames.h"
 
-#include <algorithm>
-
 namespace sonavex {
-
-std::string UpperCase(std::string_view text) {
-    std::string upper(text);
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](char letter) {
-        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-    });
-    return upper;
-}
 
 void ForEachControl(MixerControl& mixer, const std::function<void(const std::string& name)>& action) {
     const std::int16_t destinations = mixer.DestinationCount();
@@ -18,7 +8,7 @@ void ForEachControl(MixerControl& mixer, const std::function<void(const std::str
         mixer.SetDestination(destination);
         const std::int16_t controls = mixer.ControlCount();
         for (std::int16_t control = 0; control < controls; ++control) {
-            // The action may have selected another one.
+            // The action may have selected another control.
             mixer.SetDestination(destination);
             mixer.SetControl(control);
             action(mixer.ControlName());

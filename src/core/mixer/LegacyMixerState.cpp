@@ -15,7 +15,7 @@ std::string WithoutCommas(std::string name) {
     return name;
 }
 
-// Selects the control of that name in the selected destination.
+// Selects the control of that name in the selected destination; false when there is none.
 bool SelectByName(MixerControl& mixer, std::string_view name) {
     const std::int16_t count = mixer.ControlCount();
     for (std::int16_t control = 0; control < count; ++control) {
@@ -44,7 +44,7 @@ void SetLegacyMixerState(MixerControl& mixer, std::string_view line) {
         const std::int32_t left = CLng(fields.Next());
         const std::int32_t right = CLng(fields.Next());
         mixer.SetDestination(destination);
-        // A negative value stands for a control that did not answer.
+        // A negative value was saved for a control that did not answer.
         if (left < 0 || right < 0 || !SelectByName(mixer, name)) continue;
         mixer.SetValue(0, left);
         mixer.SetValue(1, right);

@@ -7,7 +7,8 @@
 namespace sonavex {
 namespace {
 
-// A device's entry: its head line, the lines of its levels, an empty line.
+// The journal's entry of a device: the head with the device's name, the lines of its levels, an empty
+// line.
 constexpr std::string_view kPlaybackHead = "playback\t";
 constexpr std::string_view kCaptureHead = "capture\t";
 
@@ -52,17 +53,18 @@ void LevelKeeper::ReadJournal() {
     journalRead_ = true;
     waiting_ = Parse(journal_.Read());
     if (waiting_.empty()) return;
-    std::erase_if(waiting_, [this](const Kept& kept) { return Restored(kept); });
+    std::erase_if(waiting_, [this](const Kept& kept) { return TryRestore(kept); });
     WriteJournal();
 }
 
-// A control that does not take its level is not tried again; a device that is not there is.
-bool LevelKeeper::Restored(const Kept& kept) {
+// False when the device is absent; a later run then tries again. A device that rejects a level counts as
+// restored, because it would reject it again.
+bool LevelKeeper::TryRestore(const Kept& kept) {
     return levels_.Write(kept.device, kept.levels) || levels_.Read(kept.device).has_value();
 }
 
-bool LevelKeeper::Remember(const MixerDevice& device) {
-    std::erase_if(waiting_, [&](const Kept& kept) { return kept.device == device && Restored(kept); });
+bool LevelKeeper::Save(const MixerDevice& device) {
+    std::erase_if(waiting_, [&](const Kept& kept) { return kept.device == device && TryRestore(kept); });
     const auto levels = levels_.Read(device);
     if (levels) inUse_.push_back({device, *levels});
     return levels.has_value();
@@ -73,24 +75,24 @@ bool LevelKeeper::Use(const std::vector<MixerDevice>& devices) {
     const auto gone = std::stable_partition(inUse_.begin(), inUse_.end(), [&](const Kept& kept) {
         return std::find(devices.begin(), devices.end(), kept.device) != devices.end();
     });
-    bool changed = gone != inUse_.end();
+    bool ended = gone != inUse_.end();
     for (auto kept = gone; kept != inUse_.end(); ++kept)
-        if (!Restored(*kept)) waiting_.push_back(*kept);
+        if (!TryRestore(*kept)) waiting_.push_back(*kept);
     inUse_.erase(gone, inUse_.end());
-    bool remembered = false;
+    bool saved = false;
     for (const MixerDevice& device : devices) {
         const bool known = std::any_of(inUse_.begin(), inUse_.end(),
                                        [&](const Kept& kept) { return kept.device == device; });
-        if (!known && !device.name.empty() && Remember(device)) remembered = true;
+        if (!known && !device.name.empty() && Save(device)) saved = true;
     }
-    if (changed || remembered) WriteJournal();
-    return remembered;
+    if (ended || saved) WriteJournal();
+    return saved;
 }
 
-void LevelKeeper::GiveBack() {
+void LevelKeeper::Restore() {
     if (inUse_.empty()) return;
     for (const Kept& kept : inUse_)
-        if (!Restored(kept)) waiting_.push_back(kept);
+        if (!TryRestore(kept)) waiting_.push_back(kept);
     inUse_.clear();
     WriteJournal();
 }

@@ -3,29 +3,28 @@
 #include <string>
 #include <vector>
 
-#include "core/ports/DeviceLevels.h"
+#include "core/mixer/DeviceLevels.h"
 #include "core/ports/MixerJournal.h"
 
 namespace sonavex {
 
-// Keeps the user's own levels of the devices in use, as they were before the instrument touched them,
-// and gives them back. A journal holds them meanwhile, so that a run that was killed is made good by
-// the next one. User-interface thread only.
+// Saves the user's own levels of every device in use before the instrument changes them, and restores
+// them. Until then a journal holds them, so that the next run restores the levels of a killed run.
 class LevelKeeper {
 public:
     // Both must outlive this object.
     LevelKeeper(DeviceLevels& levels, MixerJournal& journal) noexcept : levels_(levels), journal_(journal) {}
 
-    // These devices are in use from now on: devices no longer used get their levels back, new ones are
-    // remembered. The first call also gives back what a killed run left behind. Call it before the
-    // levels of a new device are changed. True when a device has been remembered.
+    // Replaces the devices in use: restores those that are no longer used and saves the levels of new ones.
+    // Call it before changing the levels of a new device. The first call also restores the levels that a
+    // killed run left in the journal. True when the levels of a device were saved.
     bool Use(const std::vector<MixerDevice>& devices);
 
-    // All devices get their levels back and are no longer in use. What belongs to a device that is not
-    // there waits in the journal for a later run.
-    void GiveBack();
+    // Restores all devices in use, which ends their use. The levels of an absent device stay in the journal
+    // for a later run.
+    void Restore();
 
-    // Whether a device in use of this side is there.
+    // Whether a device of this side is in use and present.
     bool Present(MixerSide side);
 
 private:
@@ -38,13 +37,13 @@ private:
     static std::string Text(const std::vector<Kept>& kept);
     void ReadJournal();
     void WriteJournal();
-    bool Restored(const Kept& kept);
-    bool Remember(const MixerDevice& device);
+    bool TryRestore(const Kept& kept);
+    bool Save(const MixerDevice& device);
 
     DeviceLevels& levels_;
     MixerJournal& journal_;
     std::vector<Kept> inUse_;
-    std::vector<Kept> waiting_;  // of devices that are not there
+    std::vector<Kept> waiting_;  // of absent devices
     bool journalRead_ = false;
 };
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "core/mixer/ControlNames.h"
+#include "core/text/Characters.h"
 
 namespace sonavex {
 namespace {
@@ -20,7 +21,7 @@ struct PlaybackKind {
     MixerLocator& mute;
 };
 
-// Reads the selected control as an entry.
+// The selected control as an entry with its present value.
 MixerLocator ReadSelected(MixerControl& mixer) {
     return ReadLocated(mixer, {mixer.Line(), mixer.Destination(), mixer.Control(), 0.0F});
 }
@@ -45,7 +46,7 @@ bool NamesBoost(std::string_view name) {
     return Contains(name, "AGC") || Contains(name, "ain") || Contains(name, "20") || Contains(name, "oost");
 }
 
-// One function whose value slot tells whether anything was found.
+// Locates one function at the first matching control that can be read.
 void LocateSlot(MixerControl& mixer, MixerLocator& entry,
                 const std::function<bool(const std::string&)>& matches) {
     entry.Value = kNotSearched;

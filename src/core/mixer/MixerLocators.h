@@ -2,12 +2,12 @@
 
 #include <cstdint>
 
-#include "core/ports/MixerControl.h"
+#include "core/mixer/MixerControl.h"
 
 namespace sonavex {
 
-// Where a function of the mixer is, and its value when it was last read. A destination of -1 marks a
-// function that the card does not have.
+// The selectors of a mixer function and its value when it was last read. The destination is -1 when the
+// card does not have the function.
 struct MixerLocator {
     std::int16_t Line = -1;
     std::int16_t Destination = -1;
@@ -18,7 +18,7 @@ struct MixerLocator {
     friend bool operator==(const MixerLocator&, const MixerLocator&) = default;
 };
 
-// Every function that the older mixer dialog shows.
+// All functions that the older mixer dialog shows.
 struct MixerLocatorTable {
     // On the playback mixer.
     MixerLocator MasterVolume;
@@ -38,24 +38,24 @@ struct MixerLocatorTable {
     MixerLocator LineSource;
 };
 
-// The mixers of the older generation and what is known of them. User-interface thread only.
+// The two mixers of the older generation and the functions found on them.
 struct LegacyMixer {
     MixerControl& OutputMixer;
     MixerControl& InputMixer;
     MixerLocatorTable MixerLocators{};
-    // A handler has written to a mixer.
+    // True once a handler has written to a mixer.
     bool MixerChanged = false;
 };
 
 // Sets all three selectors to the located control.
 void SelectLocated(MixerControl& mixer, const MixerLocator& entry);
 
-// The entry with its present value: percent for a level, the raw value for anything else. Not available
-// when it was not located, or when the value lies outside the control's own range.
+// Returns the entry with its present value: percent for a level, the raw value for anything else. The
+// result is not available when the entry was not located or its value is outside the control's range.
 MixerLocator ReadLocated(MixerControl& mixer, const MixerLocator& entry);
 
-// Searches both mixers, destinations and controls ascending; the first match of a function that can be
-// read wins.
+// Searches both mixers by ascending destination and control index. A function is located at its first
+// matching control that can be read.
 void SetUpSoundControls(LegacyMixer& mixer);
 
 }  // namespace sonavex

@@ -3,15 +3,14 @@
 #include "core/mixer/ControlNames.h"
 #include "core/mixer/LegacyMixerState.h"
 #include "core/text/Characters.h"
-#include "core/text/Numbers.h"
+#include "core/text/ErrorText.h"
 
 namespace sonavex {
 namespace {
 
-constexpr std::int32_t kNewerGeneration = 6;
 constexpr std::size_t kLongestValueShown = 80;
 
-// A saved line may be of any length.
+// A saved line can have any length; a message box cannot.
 std::string Shortened(const std::string& value) {
     const std::string_view shown = Left(value, kLongestValueShown);
     return shown.size() == value.size() ? value : std::string(shown) + "...";
@@ -19,69 +18,66 @@ std::string Shortened(const std::string& value) {
 
 }  // namespace
 
-SoundCardMixers::SoundCardMixers(const World& world)
-    : Legacy{world.outputMixer, world.inputMixer},
-      world_(world),
-      settings_(world.store),
-      keeper_(world.levels, world.journal),
-      Sound(Legacy, world.places),
-      SoundVista({world.library, world.outputMixer, Speaker, outputDeviceName_, inputDeviceName_},
-                 world.places),
-      Tone(world.library) {
+SoundCardMixers::SoundCardMixers(const Needs& needs)
+    : OutputMixer(needs.hardware, MixerSide::kPlayback),
+      InputMixer(needs.hardware, MixerSide::kCapture),
+      Library(needs.hardware),
+      Sound(Legacy, needs.places),
+      SoundVista({Library, OutputMixer, Speaker, OutputDeviceName, InputDeviceName, needs.places}),
+      Tone(Library),
+      needs_(needs),
+      settings_(needs.store),
+      levels_(needs.hardware),
+      keeper_(levels_, needs.journal) {
     SoundVista.ShowTone = [this] { Tone.Show(); };
-    world_.levels.OnChange([this] { Refresh(); });
+    needs_.hardware.OnChange([this] { Refresh(); });
 }
 
 SoundCardMixers::~SoundCardMixers() {
-    world_.levels.OnChange({});
-    keeper_.GiveBack();
-}
-
-bool SoundCardMixers::NewerGeneration() const {
-    return world_.desktop.OsMajorVersion() >= kNewerGeneration;
+    needs_.hardware.OnChange({});
+    keeper_.Restore();
 }
 
 void SoundCardMixers::PointMixersAt(const std::string& outputDeviceName, const std::string& inputDeviceName) {
-    outputDeviceName_ = outputDeviceName;
-    inputDeviceName_ = inputDeviceName;
-    otherCard_ =
+    OutputDeviceName = outputDeviceName;
+    InputDeviceName = inputDeviceName;
+    newDevice_ =
         keeper_.Use({{MixerSide::kPlayback, outputDeviceName}, {MixerSide::kCapture, inputDeviceName}});
-    PlayMixerDeviceNumber = FindMixerDevice(world_.outputMixer, outputDeviceName);
-    MixerDeviceNumber = FindMixerDevice(world_.inputMixer, inputDeviceName);
-    world_.outputMixer.SelectDevice(PlayMixerDeviceNumber);
-    world_.inputMixer.SelectDevice(MixerDeviceNumber);
-    if (started_ && otherCard_ && !NewerGeneration()) CaptureInitial();
+    numbers_ = {FindMixerDevice(OutputMixer, outputDeviceName), FindMixerDevice(InputMixer, inputDeviceName)};
+    OutputMixer.SelectDevice(numbers_.PlayMixerDeviceNumber);
+    InputMixer.SelectDevice(numbers_.MixerDeviceNumber);
+    if (started_ && newDevice_ && !newerGeneration_) CaptureInitial();
 }
 
 void SoundCardMixers::ReopenSoundCard(const std::string& outputDeviceName,
                                       const std::string& inputDeviceName) {
     std::int32_t status = 0;
-    world_.library.CloseSoundCard(status);
-    world_.library.OpenSoundCard(outputDeviceName, inputDeviceName, "", status);
-    if (started_ && otherCard_) CaptureInitial();
+    Library.CloseSoundCard(status);
+    Library.OpenSoundCard(outputDeviceName, inputDeviceName, "", status);
+    if (started_ && newDevice_) CaptureInitial();
 }
 
 void SoundCardMixers::CaptureInitial() {
-    if (NewerGeneration()) {
-        InitialVistaMixerState = VistaSound::GetVistaMixerState(world_.library);
+    if (newerGeneration_) {
+        InitialVistaMixerState = VistaSound::GetVistaMixerState(Library);
         return;
     }
-    InitialInputMixerState = GetLegacyMixerState(world_.inputMixer);
-    InitialOutputMixerState = GetLegacyMixerState(world_.outputMixer);
+    InitialInputMixerState = GetLegacyMixerState(InputMixer);
+    InitialOutputMixerState = GetLegacyMixerState(OutputMixer);
 }
 
-void SoundCardMixers::CaptureAndApplySaved() {
+void SoundCardMixers::CaptureAndApplySaved(bool newerGeneration) {
+    newerGeneration_ = newerGeneration;
     CaptureInitial();
     started_ = true;
-    if (NewerGeneration()) {
+    if (newerGeneration_) {
         Apply(keys::kVistaMixerState,
-              [this](const std::string& line) { VistaSound::SetVistaMixerState(world_.library, line); });
+              [this](const std::string& line) { VistaSound::SetVistaMixerState(Library, line); });
         return;
     }
-    Apply(keys::kInputMixerState,
-          [this](const std::string& line) { SetLegacyMixerState(world_.inputMixer, line); });
+    Apply(keys::kInputMixerState, [this](const std::string& line) { SetLegacyMixerState(InputMixer, line); });
     Apply(keys::kOutputMixerState,
-          [this](const std::string& line) { SetLegacyMixerState(world_.outputMixer, line); });
+          [this](const std::string& line) { SetLegacyMixerState(OutputMixer, line); });
 }
 
 void SoundCardMixers::Apply(const SettingsKey& key, const std::function<void(const std::string&)>& apply) {
@@ -90,24 +86,22 @@ void SoundCardMixers::Apply(const SettingsKey& key, const std::function<void(con
     try {
         apply(line);
     } catch (const RuntimeError& error) {
-        std::string text = "Run-time error '" + CStr(error.Number()) + "':\r\r" + error.what();
-        text += ": section \"" + std::string(key.section) + "\", key \"" + std::string(key.key);
-        text += "\", value \"" + Shortened(line) + "\" (" + world_.store.Location() + ")\r\r";
-        text += "The saved mixer levels could not be applied completely.";
-        world_.dialogs.Message(text, MessageIcon::kInformation);
+        needs_.dialogs.Message(ErrorText(settings_.Located(error, key, Shortened(line))) +
+                                   "\r\rThe saved mixer levels could not be applied completely.",
+                               MessageIcon::kInformation);
     }
 }
 
 void SoundCardMixers::SetUpSoundControls() {
-    if (NewerGeneration())
-        Speaker = VistaSound::SetUpVistaSoundControls(world_.outputMixer);
+    if (newerGeneration_)
+        Speaker = VistaSound::SetUpVistaSoundControls(OutputMixer);
     else
         sonavex::SetUpSoundControls(Legacy);
     Refresh();
 }
 
 void SoundCardMixers::ShowSoundCard() {
-    if (NewerGeneration())
+    if (newerGeneration_)
         SoundVista.Show();
     else
         Sound.Show();
@@ -123,46 +117,43 @@ void SoundCardMixers::SaveAndRestoreInitial() {
     if (!started_) return;
     started_ = false;
     Save();
-    GiveBack();
+    Restore();
 }
 
 void SoundCardMixers::RestoreInitial() {
     if (!started_) return;
     started_ = false;
-    GiveBack();
+    Restore();
 }
 
-void SoundCardMixers::GiveBack() {
-    PutInitialBack();
-    keeper_.GiveBack();
-    std::int32_t status = 0;
-    if (NewerGeneration()) world_.library.CloseSoundCard(status);
-}
-
-// A card that is gone has no levels worth saving, nor has a control that the card lacks.
+// Levels of an absent device, and of a control that the device lacks, are not worth saving: the levels
+// saved before are kept.
 void SoundCardMixers::Save() {
     const bool playback = keeper_.Present(MixerSide::kPlayback);
     const bool capture = keeper_.Present(MixerSide::kCapture);
-    if (NewerGeneration()) {
+    if (newerGeneration_) {
         if (!playback && !capture) return;
         const std::string saved = settings_.Text(keys::kVistaMixerState);
-        settings_.Save(keys::kVistaMixerState, VistaSound::StateToSave(world_.library, saved));
+        settings_.Save(keys::kVistaMixerState, VistaSound::StateToSave(Library, saved));
         return;
     }
-    if (playback) settings_.Save(keys::kOutputMixerState, GetLegacyMixerState(world_.outputMixer));
-    if (capture) settings_.Save(keys::kInputMixerState, GetLegacyMixerState(world_.inputMixer));
+    if (playback) settings_.Save(keys::kOutputMixerState, GetLegacyMixerState(OutputMixer));
+    if (capture) settings_.Save(keys::kInputMixerState, GetLegacyMixerState(InputMixer));
 }
 
-void SoundCardMixers::PutInitialBack() {
-    if (NewerGeneration()) {
-        VistaSound::SetVistaMixerState(world_.library, InitialVistaMixerState);
-        return;
+void SoundCardMixers::Restore() {
+    std::int32_t status = 0;
+    if (newerGeneration_) {
+        VistaSound::SetVistaMixerState(Library, InitialVistaMixerState);
+    } else {
+        SetLegacyMixerState(OutputMixer, InitialOutputMixerState);
+        SetLegacyMixerState(InputMixer, InitialInputMixerState);
     }
-    SetLegacyMixerState(world_.outputMixer, InitialOutputMixerState);
-    SetLegacyMixerState(world_.inputMixer, InitialInputMixerState);
+    keeper_.Restore();
+    if (newerGeneration_) Library.CloseSoundCard(status);
 }
 
-// The levels, or where they are found, have changed: what is open shows it.
+// Shows levels, or controls, that have changed in the open dialogs.
 void SoundCardMixers::Refresh() {
     if (Sound.Loaded()) Sound.RefreshSoundControls();
     if (SoundVista.Loaded()) SoundVista.RefreshVistaSoundControls();

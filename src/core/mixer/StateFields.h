@@ -5,13 +5,13 @@
 
 namespace sonavex {
 
-// The fields of a mixer state line, each followed by one comma.
+// Splits a mixer state line, in which a comma follows every field.
 class StateFields {
 public:
     // The line must outlive this object.
     explicit StateFields(std::string_view line) noexcept : line_(line) {}
 
-    // The next field, without its comma. Error 5 when there is no further comma.
+    // Returns the next field without its comma. Error 5 when no further comma follows.
     std::string_view Next();
     bool AtEnd() const noexcept { return position_ >= line_.size(); }
 

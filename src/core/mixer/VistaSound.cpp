@@ -6,6 +6,7 @@
 #include "core/mixer/ControlNames.h"
 #include "core/mixer/StateFields.h"
 #include "core/support/RuntimeError.h"
+#include "core/text/Characters.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex::VistaSound {
@@ -29,7 +30,7 @@ std::int32_t Rounded(std::string_view field) {
     return CLng(CDbl(field));
 }
 
-// Calls the Gets in the order of the fields; take(value, status) with each result.
+// Calls the Get of every field in order, and take(value, status) with its result.
 template <class Take>
 void ForEachField(QuenbyVista& library, Take take) {
     std::int32_t status = 0;
@@ -52,7 +53,7 @@ void ForEachField(QuenbyVista& library, Take take) {
     get(&QuenbyVista::GetLineRecordVolume);
 }
 
-// Whether the field converts to the type of the value that it stands for.
+// Whether the field converts to the type of the second parameter.
 bool Converts(std::string_view field, bool) {
     try {
         static_cast<void>(CBool(field));
@@ -72,7 +73,7 @@ bool Converts(std::string_view field, Number) {
     }
 }
 
-// The fields of a line that has them all; none of any other.
+// The fields of a complete line; none of any other line.
 std::vector<std::string_view> FieldsOf(std::string_view line) {
     if (static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) != kFields) return {};
     std::vector<std::string_view> all;

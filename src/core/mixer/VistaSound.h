@@ -4,12 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "core/ports/MixerControl.h"
-#include "core/ports/QuenbyVista.h"
+#include "core/mixer/MixerControl.h"
+#include "core/mixer/QuenbyVista.h"
 
 namespace sonavex {
 
-// Where the speaker's controls are on the output mixer; -1 marks one that the mixer does not have.
+// Selectors of the speaker's controls on the output mixer; -1 when the mixer lacks the control.
 struct SpeakerLocators {
     std::int16_t SpeakerVolumeControl = -1;
     std::int16_t SpeakerVolumeDestination = -1;
@@ -21,24 +21,25 @@ struct SpeakerLocators {
     float SpeakerMuteValue = -1.0F;
 };
 
-// The whole mixer of a card as one line of text: thirteen fields, each followed by a comma. Levels are
-// whole numbers, switches "True" or "False", tones decibels.
+// The state of the newer mixer as one line of text: thirteen fields, each followed by a comma. Levels are
+// whole percent, switches "True" or "False", tones decibels.
 namespace VistaSound {
 
-// Master volume and mute, line playback level and mute, microphone playback level and mute, boost, no
-// monitor, bass, mid range, treble, microphone record volume, line record volume.
+// The present state. The fields are master volume and mute, line playback level and mute, microphone
+// playback level and mute, boost, no monitor, bass, mid range, treble, microphone record volume, line
+// record volume.
 std::string GetVistaMixerState(QuenbyVista& library);
 
-// The line to save: as above, but a control that the card lacks keeps its field of the line saved before,
-// where that has one, so that a level that nobody has set is not saved as one.
+// The line to save: the present state, but a control that the card lacks keeps its field of the line saved
+// before, so that a default is never saved as if the user had set it.
 std::string StateToSave(QuenbyVista& library, std::string_view savedBefore);
 
-// Puts a state line on the card, field by field. Errors 5 (a comma is missing), 13 (a field that does
-// not convert, or is empty) and 6 (out of range) after the fields before it have been applied.
+// Applies a state line field by field. Errors: 5 (a comma is missing), 13 (a field is empty or does not
+// convert), 6 (a number is out of range). The fields before the error stay applied.
 void SetVistaMixerState(QuenbyVista& library, std::string_view line);
 
-// Searches the output mixer for the controls whose names hold "VOL" and "MUT"; the last one of each
-// wins.
+// Finds the last control whose name contains "VOL" and the last one whose name contains "MUT", in any
+// letter case.
 SpeakerLocators SetUpVistaSoundControls(MixerControl& outputMixer);
 
 }  // namespace VistaSound

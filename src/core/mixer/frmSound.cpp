@@ -8,7 +8,7 @@ namespace {
 constexpr std::int32_t kFullPercent = 100;
 constexpr double kFullValue = 65535.0;
 
-// 655.35 units a percent, halves to even.
+// 655.35 units per percent; halves are rounded to even.
 std::int32_t ValueOf(std::int32_t levelPercent) {
     return CLng(levelPercent * kFullValue / kFullPercent);
 }

@@ -8,14 +8,15 @@
 
 namespace sonavex {
 
-// The sound card's controls on the older generation. The sliders carry the negated level, 0 to -100
-// percent. A function that the card lacks is disabled with its label. User-interface thread only.
+// The dialog of the older generation: shows and changes the present levels of the card. A slider's value
+// is the negated level, 0 to -100 percent. A function that the card lacks is disabled together with its
+// label.
 class frmSound : public ModelessForm {
 public:
     // Both must outlive the form.
     frmSound(LegacyMixer& mixer, FormPlaces& places);
 
-    // Reads every located value into its control.
+    // Reads the present value of every function into its control.
     void RefreshSoundControls();
 
     void MasterOut_Change();
@@ -53,7 +54,7 @@ public:
     CommandButton cmdOk;
     Label lblPlay;    // name of the playback mixer
     Label lblRecord;  // name of the record mixer
-    // What the sliders are called; greyed with them.
+    // Captions of the sliders; disabled together with them.
     Label lblMaster;
     Label lblWave;
     Label lblLine;

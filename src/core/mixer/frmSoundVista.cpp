@@ -26,8 +26,8 @@ void Display(CheckBox& box, bool state, std::int32_t status) {
 
 }  // namespace
 
-frmSoundVista::frmSoundVista(const Card& card, FormPlaces& places)
-    : ModelessForm("frmSoundVista", "Sound Controls"), card_(card), places_(places) {
+frmSoundVista::frmSoundVista(const Needs& needs)
+    : ModelessForm("frmSoundVista", "Sound Controls"), needs_(needs) {
     lblSpeaker.SetCaption("Speaker :");
     lblLinePlay.SetCaption("Line :");
     lblMicPlay.SetCaption("Microphone :");
@@ -55,7 +55,7 @@ void frmSoundVista::HandleControls() {
 }
 
 void frmSoundVista::Form_Load() {
-    places_.Restore(Frame);
+    needs_.places.Restore(Frame);
 }
 
 void frmSoundVista::Form_Activate() {
@@ -63,55 +63,55 @@ void frmSoundVista::Form_Activate() {
 }
 
 void frmSoundVista::Form_QueryUnload() {
-    places_.Store(Frame);
+    needs_.places.Store(Frame);
 }
 
 void frmSoundVista::RefreshVistaSoundControls() {
     std::int32_t status = 0;
     RefreshSpeaker();
-    lblOutputMixer.SetCaption(card_.outputDeviceName);
+    lblOutputMixer.SetCaption(needs_.outputDeviceName);
     PlaceInputDevice();
     RefreshPlayback();
     RefreshRecord();
-    card_.library.GetEQRange(MinimumEqDb, MaximumEqDb, status);
+    needs_.library.GetEQRange(MinimumEqDb, MaximumEqDb, status);
 }
 
 bool frmSoundVista::SelectSpeakerVolume() {
-    const SpeakerLocators& speaker = card_.speaker;
+    const SpeakerLocators& speaker = needs_.speaker;
     if (speaker.SpeakerVolumeControl < 0) return false;
-    card_.outputMixer.SetLine(speaker.SpeakerVolumeLineInfo);
-    card_.outputMixer.SetDestination(speaker.SpeakerVolumeDestination);
-    card_.outputMixer.SetControl(speaker.SpeakerVolumeControl);
+    needs_.outputMixer.SetLine(speaker.SpeakerVolumeLineInfo);
+    needs_.outputMixer.SetDestination(speaker.SpeakerVolumeDestination);
+    needs_.outputMixer.SetControl(speaker.SpeakerVolumeControl);
     return true;
 }
 
 bool frmSoundVista::SelectSpeakerMute() {
-    const SpeakerLocators& speaker = card_.speaker;
+    const SpeakerLocators& speaker = needs_.speaker;
     if (speaker.SpeakerMuteControl < 0) return false;
-    card_.outputMixer.SetLine(speaker.SpeakerMuteLineInfo);
-    card_.outputMixer.SetDestination(speaker.SpeakerMuteDestination);
-    card_.outputMixer.SetControl(speaker.SpeakerMuteControl);
+    needs_.outputMixer.SetLine(speaker.SpeakerMuteLineInfo);
+    needs_.outputMixer.SetDestination(speaker.SpeakerMuteDestination);
+    needs_.outputMixer.SetControl(speaker.SpeakerMuteControl);
     return true;
 }
 
-// A card that does not answer reports -1, and so does one without the control.
+// The value is -1 when the device lacks the control or does not answer.
 void frmSoundVista::RefreshSpeaker() {
-    const std::int32_t volume = SelectSpeakerVolume() ? card_.outputMixer.Value(0) : -1;
+    const std::int32_t volume = SelectSpeakerVolume() ? needs_.outputMixer.Value(0) : -1;
     Display(sldSpeakers, lblSpeaker, CLng(volume / kSpeakerUnitsPerPercent), volume < 0);
-    const std::int32_t mute = SelectSpeakerMute() ? card_.outputMixer.Value(0) : -1;
+    const std::int32_t mute = SelectSpeakerMute() ? needs_.outputMixer.Value(0) : -1;
     Display(chkSpeakerMute, mute > 0, mute < 0);
 }
 
 void frmSoundVista::PlaceInputDevice() {
     std::int32_t status = 0;
-    static_cast<void>(card_.library.GetMicRecordVolume(status));
+    static_cast<void>(needs_.library.GetMicRecordVolume(status));
     const bool microphone = status == 0;
-    lblInputMixer.SetCaption(microphone ? card_.inputDeviceName : kNotSelected);
-    lblLineInMixer.SetCaption(microphone ? kNotSelected : card_.inputDeviceName);
+    lblInputMixer.SetCaption(microphone ? needs_.inputDeviceName : kNotSelected);
+    lblLineInMixer.SetCaption(microphone ? kNotSelected : needs_.inputDeviceName);
 }
 
 void frmSoundVista::RefreshPlayback() {
-    QuenbyVista& library = card_.library;
+    QuenbyVista& library = needs_.library;
     std::int32_t status = 0;
     std::int32_t level = library.GetMasterVolume(status);
     Display(sldMaster, level, status);
@@ -128,7 +128,7 @@ void frmSoundVista::RefreshPlayback() {
 }
 
 void frmSoundVista::RefreshRecord() {
-    QuenbyVista& library = card_.library;
+    QuenbyVista& library = needs_.library;
     std::int32_t status = 0;
     std::int32_t level = library.GetMicRecordVolume(status);
     Display(sldMic, lblMicRecord, level, status);
@@ -144,68 +144,68 @@ void frmSoundVista::sldSpeakers_Change() {
     if (!SelectSpeakerVolume()) return;
     const std::int32_t value = CLng(sldSpeakers.Value() * kSpeakerUnitsPerPercent);
     for (std::int16_t channel = 0; channel < 2; ++channel) {
-        card_.outputMixer.SetValue(channel, value);
-        card_.outputMixer.Commit();
+        needs_.outputMixer.SetValue(channel, value);
+        needs_.outputMixer.Commit();
     }
 }
 
-// A master above 0 over speakers at 0 has no ratio.
+// The master level counts as a ratio to the speaker level, which is undefined when the speakers are at 0.
 void frmSoundVista::sldMaster_Change() {
     if (sldMaster.Value() > 0 && sldSpeakers.Enabled() && sldSpeakers.Value() == 0)
         throw RuntimeError(error_number::kDivisionByZero);
     std::int32_t status = 0;
-    sldMaster.SetValue(card_.library.SetMasterVolume(sldMaster.Value(), status));
+    sldMaster.SetValue(needs_.library.SetMasterVolume(sldMaster.Value(), status));
 }
 
 void frmSoundVista::sldLinePlay_Change() {
     std::int32_t status = 0;
-    card_.library.SetLinePlayBack(sldLinePlay.Value(), status);
+    needs_.library.SetLinePlayBack(sldLinePlay.Value(), status);
 }
 
 void frmSoundVista::sldMicPlay_Change() {
     std::int32_t status = 0;
-    card_.library.SetMicPlayBack(sldMicPlay.Value(), status);
+    needs_.library.SetMicPlayBack(sldMicPlay.Value(), status);
 }
 
 void frmSoundVista::sldMic_Change() {
     std::int32_t status = 0;
-    card_.library.SetMicRecordVolume(sldMic.Value(), status);
+    needs_.library.SetMicRecordVolume(sldMic.Value(), status);
 }
 
 void frmSoundVista::sldLine_Change() {
     std::int32_t status = 0;
-    card_.library.SetLineRecordVolume(sldLine.Value(), status);
+    needs_.library.SetLineRecordVolume(sldLine.Value(), status);
 }
 
 void frmSoundVista::chkSpeakerMute_Click() {
     if (!SelectSpeakerMute()) return;
-    card_.outputMixer.SetValue(0, chkSpeakerMute.Value());
-    card_.outputMixer.Commit();
+    needs_.outputMixer.SetValue(0, chkSpeakerMute.Value());
+    needs_.outputMixer.Commit();
 }
 
 void frmSoundVista::chkMasterMute_Click() {
     std::int32_t status = 0;
-    card_.library.SetMasterMute(chkMasterMute.Checked(), status);
+    needs_.library.SetMasterMute(chkMasterMute.Checked(), status);
 }
 
 void frmSoundVista::chkLinePlay_Click() {
     std::int32_t status = 0;
-    card_.library.SetLinePlayBackMute(chkLinePlay.Checked(), status);
+    needs_.library.SetLinePlayBackMute(chkLinePlay.Checked(), status);
 }
 
 void frmSoundVista::chkMicPlay_Click() {
     std::int32_t status = 0;
-    card_.library.SetMicPlayBackMute(chkMicPlay.Checked(), status);
+    needs_.library.SetMicPlayBackMute(chkMicPlay.Checked(), status);
 }
 
 void frmSoundVista::chkBoost_Click() {
     std::int32_t status = 0;
-    card_.library.SetMicBoost(chkBoost.Checked(), status);
+    needs_.library.SetMicBoost(chkBoost.Checked(), status);
 }
 
 void frmSoundVista::chkNoMon_Click() {
     std::int32_t status = 0;
-    card_.library.SetNoMonitor(chkNoMon.Checked(), status);
+    needs_.library.SetNoMonitor(chkNoMon.Checked(), status);
 }
 
 void frmSoundVista::cmdTone_Click() {

@@ -6,25 +6,28 @@
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
 #include "core/controls/ModelessForm.h"
+#include "core/mixer/MixerControl.h"
+#include "core/mixer/QuenbyVista.h"
 #include "core/mixer/VistaSound.h"
 
 namespace sonavex {
 
-// The card's playback and record levels on the newer generation, shown and changed live. A control
-// that the card lacks is disabled with its label. User-interface thread only.
+// The dialog of the newer generation: shows and changes the present playback and record levels. A control
+// that the device lacks is disabled together with its label.
 class frmSoundVista : public ModelessForm {
 public:
-    // What the form shows and changes. Everything must outlive it.
-    struct Card {
+    // All must outlive the form.
+    struct Needs {
         QuenbyVista& library;
         MixerControl& outputMixer;
         const SpeakerLocators& speaker;
         const std::string& outputDeviceName;
         const std::string& inputDeviceName;
+        FormPlaces& places;
     };
-    frmSoundVista(const Card& card, FormPlaces& places);
+    explicit frmSoundVista(const Needs& needs);
 
-    // Reads every value from the card into the controls.
+    // Reads every present value into its control.
     void RefreshVistaSoundControls();
 
     void sldSpeakers_Change();
@@ -43,7 +46,7 @@ public:
     void cmdSync_Click();
     void Command1_Click();
 
-    // Shows the tone dialog.
+    // Called to show the tone dialog.
     std::function<void()> ShowTone;
 
     Slider sldSpeakers;
@@ -67,10 +70,12 @@ public:
     Label lblMicRecord;
     Label lblLineRecord;
     Label lblOutputMixer;
-    Label lblInputMixer;   // the input device, when it has a microphone's record level
-    Label lblLineInMixer;  // the input device, when it has none
+    // One of the two shows the input device: the first when the device has a microphone record level,
+    // otherwise the second.
+    Label lblInputMixer;
+    Label lblLineInMixer;
 
-    // Range of the tone controls as read by the last refresh, in decibels.
+    // Range of the tone controls in decibels, as of the last refresh.
     double MinimumEqDb = 0.0;
     double MaximumEqDb = 0.0;
 
@@ -88,8 +93,7 @@ private:
     bool SelectSpeakerVolume();
     bool SelectSpeakerMute();
 
-    Card card_;
-    FormPlaces& places_;
+    Needs needs_;
 };
 
 }  // namespace sonavex

@@ -3,17 +3,17 @@
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
 #include "core/controls/ModelessForm.h"
-#include "core/ports/QuenbyVista.h"
+#include "core/mixer/QuenbyVista.h"
 
 namespace sonavex {
 
-// The card's own tone controls, in whole decibels. User-interface thread only.
+// The dialog of the card's tone controls, in whole decibels.
 class frmVistaTone : public ModelessForm {
 public:
     // The library must outlive the form.
     explicit frmVistaTone(QuenbyVista& library);
 
-    // Reads the gains from the card into the controls.
+    // Reads the range and the present gains into the controls.
     void RefreshToneControls();
 
     void sldBass_Change();

@@ -61,14 +61,16 @@ void MenuCommands::mnuemail_Click() {
 
 void MenuCommands::mnuInputControl_Click() {
     RunCommand(world_.launcher, world_.dialogs,
-               world_.shared.NewerGeneration() ? kInputPanel
-                                               : kOlderInputPanel + CStr(world_.mixers.MixerDeviceNumber));
+               world_.shared.NewerGeneration()
+                   ? kInputPanel
+                   : kOlderInputPanel + CStr(world_.mixers.DeviceNumbers().MixerDeviceNumber));
 }
 
 void MenuCommands::mnuPlayControl_Click() {
     RunCommand(world_.launcher, world_.dialogs,
-               world_.shared.NewerGeneration() ? kPlayPanel
-                                               : kOlderPlayPanel + CStr(world_.mixers.PlayMixerDeviceNumber));
+               world_.shared.NewerGeneration()
+                   ? kPlayPanel
+                   : kOlderPlayPanel + CStr(world_.mixers.DeviceNumbers().PlayMixerDeviceNumber));
 }
 
 }  // namespace sonavex

@@ -4,20 +4,6 @@
 #include "core/text/Numbers.h"
 
 namespace sonavex {
-namespace {
-
-std::string Describe(const RuntimeError& error, const SettingsKey& key, const std::string& value,
-                     const std::string& location) {
-    std::string text = error.what();
-    text += ": section \"";
-    text += key.section;
-    text += "\", key \"";
-    text += key.key;
-    text += "\", value \"" + value + "\" (" + location + ")";
-    return text;
-}
-
-}  // namespace
 
 template <class Convert>
 auto Settings::Read(const SettingsKey& key, Convert convert) const {
@@ -25,7 +11,7 @@ auto Settings::Read(const SettingsKey& key, Convert convert) const {
     try {
         return convert(std::string_view(value));
     } catch (const RuntimeError& error) {
-        throw RuntimeError(error.Number(), Describe(error, key, value, store_.Location()));
+        throw Located(error, key, value);
     }
 }
 
@@ -54,7 +40,18 @@ double Settings::Value(const SettingsKey& key) const {
 }
 
 RuntimeError Settings::Failure(std::int32_t number, const SettingsKey& key) const {
-    return {number, Describe(RuntimeError(number), key, Text(key), store_.Location())};
+    return Located(RuntimeError(number), key, Text(key));
+}
+
+RuntimeError Settings::Located(const RuntimeError& error, const SettingsKey& key,
+                               const std::string& value) const {
+    std::string text = error.what();
+    text += ": section \"";
+    text += key.section;
+    text += "\", key \"";
+    text += key.key;
+    text += "\", value \"" + value + "\" (" + store_.Location() + ")";
+    return {error.Number(), text};
 }
 
 std::string keys::Numbered(const SettingsKey& key, int number) {

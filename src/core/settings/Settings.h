@@ -29,6 +29,8 @@ public:
     // The error for a stored value that converts but is not allowed, with a text like that of the conversion
     // errors.
     RuntimeError Failure(std::int32_t number, const SettingsKey& key) const;
+    // The error with the location appended to its text: section, key, value, where the settings are kept.
+    RuntimeError Located(const RuntimeError& error, const SettingsKey& key, const std::string& value) const;
 
     // The same key with another default.
     static SettingsKey WithFallback(SettingsKey key, std::string_view fallback) noexcept {

@@ -4,7 +4,7 @@
 #include <new>
 
 #include "core/support/ScopedFlag.h"
-#include "core/text/Numbers.h"
+#include "core/text/ErrorText.h"
 
 namespace sonavex {
 
@@ -22,16 +22,12 @@ RuntimeError HandlerGuard::AsRuntimeError(const std::exception_ptr& error) {
     }
 }
 
-std::string HandlerGuard::Text(const RuntimeError& error) {
-    return "Run-time error '" + CStr(error.Number()) + "':\r\r" + error.what();
-}
-
 void HandlerGuard::Show(const RuntimeError& error) {
-    log_.WriteLine("Run-time error '" + CStr(error.Number()) + "': " + error.what());
+    log_.WriteLine(ErrorLine(error));
     if (OnMessageOpen) OnMessageOpen(true);
     {
         const ScopedFlag open(open_);
-        dialogs_.Message(Text(error), MessageIcon::kCritical);
+        dialogs_.Message(ErrorText(error), MessageIcon::kCritical);
     }
     if (OnMessageOpen) OnMessageOpen(false);
 }
@@ -55,7 +51,7 @@ void HandlerGuard::StreamError(const std::exception_ptr& error) {
     } catch (...) {
     }
     const RuntimeError runtimeError = AsRuntimeError(error);
-    const std::string text = Text(runtimeError);
+    const std::string text = ErrorText(runtimeError);
     const bool shown =
         std::find(shownStreamErrors_.begin(), shownStreamErrors_.end(), text) != shownStreamErrors_.end();
     if (open_ || shown) return;

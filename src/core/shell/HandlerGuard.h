@@ -33,8 +33,6 @@ public:
     // Called when the program must end.
     std::function<void(const EndProgram&)> OnEnd;
 
-    // "Run-time error '13':" with the text below.
-    static std::string Text(const RuntimeError& error);
     // Converts any exception: 7 for exhausted memory, 5 with its text for any other.
     static RuntimeError AsRuntimeError(const std::exception_ptr& error);
 

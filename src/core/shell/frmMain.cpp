@@ -127,7 +127,7 @@ void frmMain::StartStream() {
     Measurement.Analysis().HistIndex = 0;
     const Band band = AnalysisBand(Shared.SampleRate);
     Measurement.SetUpAnalysis(band.lowHz, band.highHz);
-    world_.mixers.CaptureAndApplySaved();
+    world_.mixers.CaptureAndApplySaved(Shared.NewerGeneration());
     Reached(Started::kMixers);
     world_.mixers.SetUpSoundControls();
     Engine.ResetStream();

@@ -1,5 +1,7 @@
 #include "core/text/Characters.h"
 
+#include <algorithm>
+
 namespace sonavex {
 namespace {
 
@@ -25,6 +27,14 @@ std::string_view Left(std::string_view text, std::size_t characters) noexcept {
         while (--left > 0 && end < text.size() && Continues(text[end])) ++end;
     }
     return text.substr(0, end);
+}
+
+std::string UpperCase(std::string_view text) {
+    std::string upper(text);
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](char letter) {
+        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    });
+    return upper;
 }
 
 }  // namespace sonavex

@@ -12,8 +12,8 @@
 namespace sonavex {
 namespace {
 
-// What libasound has to say shows in its results.
-void Silence(const char*, int, const char*, int, const char*, ...) {}
+// libasound prints to the standard error output unless it has a handler; its results say the same.
+void DiscardMessage(const char*, int, const char*, int, const char*, ...) {}
 
 snd_mixer_t* OpenEmpty() {
     snd_mixer_t* mixer = nullptr;
@@ -30,7 +30,7 @@ void CheckAlsa(int result) {
 }
 
 AlsaCardMixer::AlsaCardMixer(const std::string& ctl) : ctl_(ctl) {
-    snd_lib_error_set_handler(Silence);
+    snd_lib_error_set_handler(DiscardMessage);
     mixer_.reset(OpenEmpty());
     CheckAlsa(snd_mixer_attach(mixer_.get(), ctl.c_str()));
     CheckAlsa(snd_mixer_selem_register(mixer_.get(), nullptr, nullptr));
@@ -46,7 +46,7 @@ AlsaCardMixer::AlsaCardMixer(const std::string& ctl) : ctl_(ctl) {
     snd_mixer_set_callback(mixer_.get(), CardEvent);
 }
 
-// Closing takes every element away and tells this object so.
+// Closing removes every element, which calls Forget: the other members must still exist.
 AlsaCardMixer::~AlsaCardMixer() {
     mixer_.reset();
 }
@@ -66,7 +66,7 @@ int AlsaCardMixer::ElementEvent(snd_mixer_elem_t* element, unsigned mask) {
     return 0;
 }
 
-// What comes later is found when the card is opened again.
+// A new element is used when the card is opened again.
 int AlsaCardMixer::CardEvent(snd_mixer_t* mixer, unsigned mask, snd_mixer_elem_t*) {
     auto* const card = static_cast<AlsaCardMixer*>(snd_mixer_get_callback_private(mixer));
     if ((mask & SND_CTL_EVENT_MASK_ADD) != 0) card->altered_ = true;

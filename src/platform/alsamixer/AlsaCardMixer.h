@@ -8,7 +8,7 @@
 
 namespace sonavex {
 
-// The simple mixer of one card, open. User-interface thread only.
+// The open simple mixer of one card.
 class AlsaCardMixer {
 public:
     // ctl: libasound's name of the card's control, such as "hw:0". RuntimeError when it does not open.
@@ -17,22 +17,23 @@ public:
     AlsaCardMixer(const AlsaCardMixer&) = delete;
     AlsaCardMixer& operator=(const AlsaCardMixer&) = delete;
 
-    // Every simple element that the card had when it was opened and still has.
+    // The simple elements that existed when the card was opened, without those removed since.
     const std::vector<snd_mixer_elem_t*>& Elements() const noexcept { return elements_; }
-    // Whether it is still one of them. A driver may take an element away in any Update; what asks for one
-    // that is gone must not touch it.
+    // Whether the element still exists. A driver can remove an element in any Update; it must not be used
+    // afterwards.
     bool Holds(const snd_mixer_elem_t* element) const noexcept;
-    // Whether elements have come or gone since the card was opened.
+    // Whether elements have been added or removed since the card was opened.
     bool Altered() const noexcept { return altered_; }
 
-    // Takes in what others changed. RuntimeError when the card is gone, from then on always.
+    // Processes changes made by others. RuntimeError once the card is gone.
     void Update();
 
-    // Hundredths of a decibel at the ends of the range of values of a plain control of the card, which
-    // simple elements do not tell for all kinds. False when the card does not tell either.
+    // Gain at the two ends of a control's raw range, in hundredths of a decibel, from the card's plain
+    // control of that name: simple elements do not report it for all kinds. False when the card does not
+    // report it either.
     bool Decibels(const std::string& control, long minimum, long maximum, long& minimumDb, long& maximumDb);
 
-    // Whether Update, or a write, has seen a change since the last call.
+    // Whether there was a change since the last call, found by Update or noted by NoteChange.
     bool TakeChange() noexcept;
     void NoteChange() noexcept { changed_ = true; }
     bool Gone() const noexcept { return gone_; }
@@ -56,7 +57,7 @@ private:
     bool altered_ = false;
 };
 
-// Throws the RuntimeError of a libasound result below 0.
+// Throws a RuntimeError for a negative result of libasound.
 void CheckAlsa(int result);
 
 }  // namespace sonavex

@@ -14,7 +14,7 @@ constexpr long kBoostHundredthsDb = 2000;
 
 using Channels = std::vector<snd_mixer_selem_channel_id_t>;
 
-// Channels of one half of an element; a single one where all are joined.
+// The channels of one half of an element; a single one when all are joined.
 Channels ChannelsOf(snd_mixer_elem_t* element, AlsaSide side) {
     Channels channels;
     for (int i = 0; i <= SND_MIXER_SCHN_LAST; ++i) {
@@ -36,8 +36,8 @@ RawRange VolumeRange(snd_mixer_elem_t* element, AlsaSide side) {
     return {static_cast<std::int32_t>(minimum), static_cast<std::int32_t>(maximum)};
 }
 
-// What all kinds share: live values, and changes that are noted. Of an element that the driver has
-// taken away nothing is read or written.
+// Updates the card before every access, notes writes as changes, and rejects access to an element that the
+// driver has removed.
 class ElementOfCard : public MixerElement {
 public:
     ElementOfCard(AlsaCard card, snd_mixer_elem_t* element) : element_(element), card_(std::move(card)) {}
@@ -59,7 +59,8 @@ protected:
     AlsaCardMixer& Card() const noexcept { return *card_; }
     bool Present() const noexcept { return card_->Holds(element_); }
 
-    snd_mixer_elem_t* const element_;  // NOLINT(readability-identifier-naming): the kinds' own
+    snd_mixer_elem_t* const
+        element_;  // NOLINT(readability-identifier-naming): derived classes use it as theirs
 
 private:
     void Prepare() {
@@ -80,7 +81,8 @@ public:
 
     RawRange Range() const override { return range_; }
 
-    // The step above the lowest whose gain is nearest; the highest one where the card tells no decibels.
+    // The step nearest to a gain, not counting the lowest; the highest step when the card does not report
+    // decibels.
     std::int32_t StepNearest(long hundredthsDb) const {
         const auto ask = side_ == AlsaSide::kPlayback ? snd_mixer_selem_ask_playback_vol_dB
                                                       : snd_mixer_selem_ask_capture_vol_dB;

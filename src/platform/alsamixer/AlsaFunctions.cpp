@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/support/RuntimeError.h"
+#include "core/text/Characters.h"
 
 namespace sonavex {
 namespace {
@@ -37,25 +38,15 @@ bool AnyControl(snd_mixer_elem_t* element) {
            HasSwitch(element, AlsaSide::kPlayback) || HasSwitch(element, AlsaSide::kCapture);
 }
 
-std::string UpperCase(std::string text) {
-    for (char& letter : text)
-        if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
-    return text;
-}
-
-bool Holds(const std::string& text, const char* part) {
-    return UpperCase(text).find(part) != std::string::npos;
-}
-
 std::string NameOf(snd_mixer_elem_t* element) {
     return snd_mixer_selem_get_name(element);
 }
 
-// The numbers of the items that hold the word.
-std::vector<std::int32_t> ItemsHolding(const std::vector<std::string>& items, const char* word) {
+// The numbers of the items whose names contain the word.
+std::vector<std::int32_t> ItemsContaining(const std::vector<std::string>& items, const char* word) {
     std::vector<std::int32_t> numbers;
     for (std::size_t number = 0; number < items.size(); ++number)
-        if (Holds(items[number], word)) numbers.push_back(static_cast<std::int32_t>(number));
+        if (Contains(UpperCase(items[number]), word)) numbers.push_back(static_cast<std::int32_t>(number));
     return numbers;
 }
 
@@ -63,14 +54,14 @@ bool IsLetter(char letter) {
     return letter >= 'A' && letter <= 'Z';
 }
 
-// A word of the name begins with MIC: that of "Dynamic" does not.
+// Whether a word of the name begins with MIC. "Dynamic" does not count.
 bool NamesMicrophone(const std::string& upper) {
     for (std::size_t at = upper.find("MIC"); at != std::string::npos; at = upper.find("MIC", at + 1))
         if (at == 0 || !IsLetter(upper[at - 1])) return true;
     return false;
 }
 
-// Nothing is said but the boost itself: "Boost", "+20dB", "Boost (+20 dB)".
+// Whether the name mentions nothing but a boost: "Boost", "+20dB", "Boost (+20 dB)".
 bool NamesBoostAlone(std::string upper) {
     for (const char* word : {"BOOST", "DB"})
         if (const std::size_t at = upper.find(word); at != std::string::npos)
@@ -78,10 +69,10 @@ bool NamesBoostAlone(std::string upper) {
     return std::none_of(upper.begin(), upper.end(), IsLetter);
 }
 
-// The microphone's own, not that of a bass or of a line.
+// Excludes bass and line boosts.
 bool BoostsMicrophone(snd_mixer_elem_t* element) {
     const std::string upper = UpperCase(NameOf(element));
-    const bool boost = upper.find("BOOST") != std::string::npos || upper.find("+20") != std::string::npos;
+    const bool boost = Contains(upper, "BOOST") || Contains(upper, "+20");
     return boost && (NamesMicrophone(upper) || NamesBoostAlone(upper)) && AnyControl(element);
 }
 
@@ -94,7 +85,7 @@ const std::vector<const char*> kLineNames{"Line", "Line In", "Line-In"};
 }  // namespace
 
 AlsaFunctions::AlsaFunctions(AlsaCard card, MixerSide side, const std::string& deviceName)
-    : card_(std::move(card)), namedMicrophone_(Holds(deviceName, "MIC")) {
+    : card_(std::move(card)), namedMicrophone_(Contains(UpperCase(deviceName), "MIC")) {
     if (side == MixerSide::kPlayback) {
         AddPlayback();
         return;
@@ -112,10 +103,10 @@ snd_mixer_elem_t* AlsaFunctions::Named(const Names& names, bool (*has)(snd_mixer
     return nullptr;
 }
 
-snd_mixer_elem_t* AlsaFunctions::NameHolding(const Names& parts, bool (*has)(snd_mixer_elem_t*)) const {
+snd_mixer_elem_t* AlsaFunctions::NameContaining(const Names& parts, bool (*has)(snd_mixer_elem_t*)) const {
     for (snd_mixer_elem_t* element : card_->Elements())
         for (const char* part : parts)
-            if (Holds(NameOf(element), part) && has(element)) return element;
+            if (Contains(UpperCase(NameOf(element)), part) && has(element)) return element;
     return nullptr;
 }
 
@@ -137,7 +128,7 @@ void AlsaFunctions::AddLevel(MixerFunction level, MixerFunction mute, snd_mixer_
     Keep(element, "playback mute", AlsaSwitch(card_, element, AlsaSide::kPlayback, true));
 }
 
-// Only one that tells its decibels can be shown.
+// The dialog shows decibels, so a tone control that does not report them cannot be used.
 void AlsaFunctions::AddTone(MixerFunction tone, const Names& names) {
     snd_mixer_elem_t* const element = Named(names, HasTone);
     if (element == nullptr) return;
@@ -180,14 +171,14 @@ void AlsaFunctions::AddRecordLevels() {
 }
 
 void AlsaFunctions::AddSources() {
-    snd_mixer_elem_t* const choice = NameHolding({"SOURCE"}, Chooses);
+    snd_mixer_elem_t* const choice = NameContaining({"SOURCE"}, Chooses);
     if (choice == nullptr) {
         AddInputSwitches();
         return;
     }
     const std::vector<std::string> items = AlsaItems(choice);
-    const std::vector<std::int32_t> mics = ItemsHolding(items, "MIC");
-    const std::vector<std::int32_t> lines = ItemsHolding(items, "LINE");
+    const std::vector<std::int32_t> mics = ItemsContaining(items, "MIC");
+    const std::vector<std::int32_t> lines = ItemsContaining(items, "LINE");
     if (!mics.empty()) Add(MixerFunction::kMicSource, AlsaAnyItem(card_, choice, mics));
     if (!lines.empty()) Add(MixerFunction::kLineSource, AlsaAnyItem(card_, choice, lines));
     if (!mics.empty() || !lines.empty()) Keep(choice, "source", AlsaChoice(card_, choice));
@@ -204,7 +195,7 @@ void AlsaFunctions::AddInputSwitches() {
 }
 
 void AlsaFunctions::AddBoost() {
-    snd_mixer_elem_t* const boost = NameHolding({"BOOST", "+20"}, BoostsMicrophone);
+    snd_mixer_elem_t* const boost = NameContaining({"BOOST", "+20"}, BoostsMicrophone);
     if (boost == nullptr) return;
     for (const AlsaSide side : {AlsaSide::kCapture, AlsaSide::kPlayback}) {
         if (HasVolume(boost, side)) {
@@ -221,7 +212,7 @@ void AlsaFunctions::AddBoost() {
 }
 
 void AlsaFunctions::AddMonitor() {
-    snd_mixer_elem_t* const monitor = NameHolding({"MONITOR", "LOOPBACK"}, PlaysSwitch);
+    snd_mixer_elem_t* const monitor = NameContaining({"MONITOR", "LOOPBACK"}, PlaysSwitch);
     if (monitor == nullptr) return;
     Add(MixerFunction::kMonitorOff, AlsaSwitch(card_, monitor, AlsaSide::kPlayback, true));
     Keep(monitor, "monitor", AlsaSwitch(card_, monitor, AlsaSide::kPlayback, true));
@@ -241,7 +232,7 @@ bool AlsaFunctions::Serves(MixerFunction function) {
     try {
         return source->Read().front() != 0;
     } catch (const RuntimeError&) {
-        return true;  // and reading the level then tells
+        return true;  // reading the level then reports the failure
     }
 }
 

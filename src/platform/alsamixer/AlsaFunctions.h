@@ -9,11 +9,11 @@
 
 namespace sonavex {
 
-// Which simple elements of a card serve which function, by the names that drivers give them.
+// Assigns a card's simple elements to mixer functions by the names that drivers commonly use.
 class AlsaFunctions {
 public:
-    // deviceName decides, where a card does not tell which input is recorded: a microphone when it
-    // holds MIC in any letter case, else the line input.
+    // When the card does not report which input is recorded, deviceName decides: the microphone when it
+    // contains MIC in any letter case, otherwise the line input.
     AlsaFunctions(AlsaCard card, MixerSide side, const std::string& deviceName);
 
     MixerElement* Find(MixerFunction function);
@@ -24,7 +24,7 @@ private:
     using Names = std::vector<const char*>;
 
     snd_mixer_elem_t* Named(const Names& names, bool (*has)(snd_mixer_elem_t*)) const;
-    snd_mixer_elem_t* NameHolding(const Names& parts, bool (*has)(snd_mixer_elem_t*)) const;
+    snd_mixer_elem_t* NameContaining(const Names& parts, bool (*has)(snd_mixer_elem_t*)) const;
     void Add(MixerFunction function, std::unique_ptr<MixerElement> element);
     void Keep(snd_mixer_elem_t* element, const char* kind, std::unique_ptr<MixerElement> raw);
     void AddLevel(MixerFunction level, MixerFunction mute, snd_mixer_elem_t* element);
@@ -38,7 +38,8 @@ private:
 
     AlsaCard card_;
     bool namedMicrophone_;
-    bool sharedMic_ = false;  // the record level is that of whatever is selected
+    // The record level is shared: it belongs to the selected source.
+    bool sharedMic_ = false;
     bool sharedLine_ = false;
     std::map<MixerFunction, std::unique_ptr<MixerElement>> functions_;
     struct Raw {

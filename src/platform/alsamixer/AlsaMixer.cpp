@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kLookInterval = 100ms;
+constexpr auto kPollInterval = 100ms;
 
 class AlsaDeviceMixer : public DeviceMixer {
 public:
@@ -41,7 +41,7 @@ std::shared_ptr<AlsaCardMixer> AlsaMixer::OpenCard(const std::string& control) {
         open_[control] = card;
     }
     card->Update();
-    if (timer_ == 0) timer_ = loop_.StartTimer(kLookInterval, [this] { LookForChanges(); });
+    if (timer_ == 0) timer_ = loop_.StartTimer(kPollInterval, [this] { LookForChanges(); });
     return card;
 }
 
@@ -55,7 +55,7 @@ std::shared_ptr<DeviceMixer> AlsaMixer::Open(const MixerDevice& device) {
     }
 }
 
-// A card that is gone has changed once.
+// The loss of a card is reported as one change.
 void AlsaMixer::LookForChanges() {
     bool changed = false;
     std::erase_if(open_, [](const auto& entry) { return entry.second.expired(); });

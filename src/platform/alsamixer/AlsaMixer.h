@@ -7,16 +7,17 @@
 #include <vector>
 
 #include "core/ports/EventLoop.h"
+#include "core/ports/MixerHardware.h"
 #include "platform/alsamixer/AlsaCardMixer.h"
-#include "platform/mixer/MixerHardware.h"
 
 namespace sonavex {
 
-// The cards' own mixers. Changes by others show up within a tenth of a second while a card is open.
+// The mixers of the cards themselves. While a card is open, changes made by other programs are reported
+// within 100 ms.
 class AlsaMixer : public MixerHardware {
 public:
-    // Which devices there are, and which control of libasound ("hw:0") is that of a device; an empty
-    // one for a device without card.
+    // names: the devices. control: libasound's control of a device, such as "hw:0"; empty for a device
+    // without a card.
     struct Cards {
         std::function<std::vector<std::string>(MixerSide)> names;
         std::function<std::string(const MixerDevice&)> control;

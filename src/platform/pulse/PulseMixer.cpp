@@ -13,7 +13,7 @@ PulseDirection DirectionOf(MixerSide side) {
     return side == MixerSide::kPlayback ? PulseDirection::kPlayback : PulseDirection::kCapture;
 }
 
-// A device at the server.
+// A sink or source of the server.
 struct Place {
     PulseLevels& levels;
     PulseDirection direction;
@@ -68,7 +68,7 @@ private:
     PulseInput input_;
 };
 
-// The active port, for the journal: a checksum of its name, 0 without ports.
+// The active port, for saving and restoring: a checksum of its name, 0 without ports.
 class PortElement : public MixerElement {
 public:
     explicit PortElement(Place place) : place_(std::move(place)) {}
@@ -107,7 +107,8 @@ private:
     MuteElement mute_;
 };
 
-// The volume is that of the input being recorded; both inputs have it where the source has both.
+// The one volume is the record level of the active input. A source with both inputs offers it as both
+// record levels.
 class PulseCaptureMixer : public DeviceMixer {
 public:
     PulseCaptureMixer(const Place& place, const PulsePorts& ports)
@@ -141,7 +142,7 @@ public:
         try {
             return place_.Ports().Active() == input;
         } catch (const RuntimeError&) {
-            return true;  // and reading it then tells
+            return true;  // reading the level then reports the failure
         }
     }
 

@@ -4,16 +4,16 @@
 #include <string>
 #include <vector>
 
-#include "platform/mixer/MixerHardware.h"
+#include "core/ports/MixerHardware.h"
 #include "platform/pulse/PulseLevels.h"
 
 namespace sonavex {
 
 // The sinks and sources of a sound server as mixers: volume and mute of a playback device, volume and
-// input ports of a capture device. What more the card behind a device has is not the server's to tell.
+// input ports of a capture device. The server does not offer the other controls of the card.
 class PulseMixer : public MixerHardware {
 public:
-    // The loop must outlive this object. An empty address stands for the environment's server.
+    // The loop must outlive this object. An empty address selects the server of the environment.
     explicit PulseMixer(EventLoop& loop, const std::string& serverAddress = {})
         : levels_(loop, serverAddress) {}
 
@@ -21,11 +21,11 @@ public:
     std::shared_ptr<DeviceMixer> Open(const MixerDevice& device) override;
     void OnChange(std::function<void()> handler) override { levels_.OnChange(std::move(handler)); }
 
-    // Number of the ALSA card behind the device, as text; empty without one.
+    // Number of the ALSA card behind the device, as text; empty when there is none.
     std::string AlsaCardOf(const MixerDevice& device);
 
 private:
-    // The device of that description; RuntimeError when there is none.
+    // The device with that description; RuntimeError when there is none.
     PulseLevelState Find(const MixerDevice& device);
 
     PulseLevels levels_;

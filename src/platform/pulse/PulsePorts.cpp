@@ -5,20 +5,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/text/Characters.h"
+
 namespace sonavex {
-namespace {
-
-std::string UpperCase(std::string text) {
-    for (char& letter : text)
-        if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
-    return text;
-}
-
-bool Says(const std::string& upper, const char* word) {
-    return upper.find(word) != std::string::npos;
-}
-
-}  // namespace
 
 PulseInput InputOfPort(int type, const std::string& name, const std::string& description) {
     switch (type) {
@@ -32,14 +21,14 @@ PulseInput InputOfPort(int type, const std::string& name, const std::string& des
             break;
     }
     const std::string upper = UpperCase(name + ' ' + description);
-    if (Says(upper, "MIC")) return PulseInput::kMicrophone;
-    return Says(upper, "LINE") ? PulseInput::kLine : PulseInput::kOther;
+    if (Contains(upper, "MIC")) return PulseInput::kMicrophone;
+    return Contains(upper, "LINE") ? PulseInput::kLine : PulseInput::kOther;
 }
 
 PulsePorts::PulsePorts(std::vector<PulsePort> ports, const std::string& activePort,
                        const std::string& deviceName)
     : ports_(std::move(ports)),
-      active_(Says(UpperCase(deviceName), "MIC") ? PulseInput::kMicrophone : PulseInput::kLine) {
+      active_(Contains(UpperCase(deviceName), "MIC") ? PulseInput::kMicrophone : PulseInput::kLine) {
     for (const PulsePort& port : ports_)
         if (port.name == activePort && port.input != PulseInput::kOther) active_ = port.input;
 }

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-// What the ports of a source are for.
+// The inputs that the ports of a source select.
 namespace sonavex {
 
 enum class PulseInput { kMicrophone, kLine, kOther };
@@ -13,21 +13,22 @@ struct PulsePort {
     PulseInput input = PulseInput::kOther;
 };
 
-// By the server's type of the port (0 where it has none), else by what its name and description say.
+// Decided by the server's type of the port. When the type decides nothing (0 means unknown), the words MIC
+// and LINE in the name and description decide.
 PulseInput InputOfPort(int type, const std::string& name, const std::string& description);
 
-// The ports of one source as far as levels are concerned.
+// The ports of one source.
 class PulsePorts {
 public:
-    // deviceName decides for a source whose active port is neither microphone nor line, or that has no
-    // ports: a microphone when it holds MIC in any letter case, else a line input.
+    // When the active port is neither microphone nor line, or there are no ports, deviceName decides: a
+    // microphone when it contains MIC in any letter case, otherwise a line input.
     PulsePorts(std::vector<PulsePort> ports, const std::string& activePort, const std::string& deviceName);
 
-    // What is being recorded.
+    // The input that is recorded.
     PulseInput Active() const noexcept { return active_; }
-    // Whether the source can record this input, now or after selecting it.
+    // Whether the input is recorded or can be selected.
     bool Offers(PulseInput input) const { return active_ == input || !PortFor(input).empty(); }
-    // The first port of that kind; empty without one.
+    // The first port of that input; empty when there is none.
     std::string PortFor(PulseInput input) const;
 
 private:

@@ -19,10 +19,6 @@ bool IsTone(MixerFunction function) {
            function == MixerFunction::kTreble;
 }
 
-MixerSide SideOf(MixerFunction function) {
-    return function >= MixerFunction::kMicRecord ? MixerSide::kCapture : MixerSide::kPlayback;
-}
-
 MixerGains::Pair Scaled(const std::vector<std::int32_t>& raw, double gain) {
     return {raw[0] * gain / SimulatedMixer::kFull, raw[1] * gain / SimulatedMixer::kFull};
 }
@@ -59,7 +55,7 @@ private:
     RawRange range_;
 };
 
-// One side of the card; keeps the elements that the card had when it was opened.
+// One side of the card, with the elements that existed when it was opened.
 class SimulatedMixer::Device : public DeviceMixer {
 public:
     Device(const std::map<MixerFunction, std::shared_ptr<Element>>& elements, MixerSide side) {

@@ -10,16 +10,15 @@
 #include <vector>
 
 #include "core/ports/EventLoop.h"
-#include "platform/mixer/MixerHardware.h"
+#include "core/ports/MixerHardware.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
 
 namespace sonavex {
 
-// The complete mixer of the simulated card; its settings act on the card's loop. Levels count from 0
-// to 65535 and are amplitudes, tones are whole decibels. The paths from an input to the output, and
-// the monitor, are damped to a quarter, so that the loop does not howl before the boost is added.
-// After making it the card is a piece of wire: all levels full, nothing muted but those paths, the
-// line input selected.
+// The complete mixer of the simulated card; its settings act on the signal of the card's loop. Levels are
+// amplitudes from 0 to 65535, tones are whole decibels. The paths from the inputs and from the monitor to
+// the output have a gain of 0.25, so that the loop oscillates only when the boost is on. Initially the
+// loop passes samples unchanged: all levels full, the return paths muted, the line input selected.
 class SimulatedMixer : public MixerHardware {
 public:
     static constexpr std::int32_t kFull = 65535;
@@ -36,13 +35,13 @@ public:
     std::shared_ptr<DeviceMixer> Open(const MixerDevice& device) override;
     void OnChange(std::function<void()> handler) override { changed_ = std::move(handler); }
 
-    // A control that the card shall not have, from the next opening on.
+    // Removes a control. Devices that are already open keep it.
     void Remove(MixerFunction function) { elements_.erase(function); }
 
-    // Values as another mixer program would read and set them.
+    // Reads and sets values as another mixer program does.
     std::vector<std::int32_t> Values(MixerFunction function) const;
     void SetValues(MixerFunction function, const std::vector<std::int32_t>& values);
-    // How often a control has been written.
+    // Number of writes through this mixer.
     int Writes() const noexcept { return writes_; }
 
 private:

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "contract/MixerControlContract.h"
-#include "contract/MixerLibraryContract.h"
+#include "contract/MixerHardwareContract.h"
 #include "platform/alsamixer/AlsaMixer.h"
 #include "support/alsa/FakeMixerCards.h"
 
@@ -45,16 +44,15 @@ private:
     std::string control_;
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Alsa, MixerControlContract, AlsaMixerPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(Alsa, MixerLibraryContract, AlsaMixerPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Alsa, MixerHardwareContract, AlsaMixerPlatform);
 
 struct Rig {
     Rig() { library.OpenSoundCard(kName, kName, "", status); }
     AlsaMixerPlatform platform;
     PlainEventLoop loop;
     std::unique_ptr<MixerHardware> hardware = platform.Create(loop);
-    HardwareMixerLibrary library{*hardware};
-    HardwareLevels levels{*hardware};
+    QuenbyVista library{*hardware};
+    DeviceLevels levels{*hardware};
     std::int32_t status = -1;
     std::vector<std::int32_t> At(FakeControl control) { return platform.Cards().Values(kCard, control); }
 };
@@ -152,7 +150,7 @@ TEST(AlsaMixer, CountsEveryInputThatIsAMicrophone) {
     MixerElement& mic = *mixer->Find(MixerFunction::kMicSource);
     EXPECT_EQ(mic.Read().front(), 1);
     mic.Write({1});
-    EXPECT_EQ(rig.At(kFakeSource)[0], 3) << "one microphone is as good as another";
+    EXPECT_EQ(rig.At(kFakeSource)[0], 3) << "another microphone that is selected stays selected";
     rig.platform.Cards().Change(kCard, kFakeSource, {2});
     mic.Write({1});
     EXPECT_EQ(rig.At(kFakeSource)[0], 1);
@@ -175,7 +173,7 @@ TEST(AlsaMixer, BoostsTheMicrophoneAndNothingElse) {
     EXPECT_THAT(rig.At(kFakeLineBoost), ElementsAre(0, 0));
 }
 
-TEST(AlsaMixer, GivesASourceBackThatIsNeitherMicrophoneNorLine) {
+TEST(AlsaMixer, RestoresASourceThatIsNeitherMicrophoneNorLine) {
     Rig rig;
     rig.platform.Cards().Change(kCard, kFakeSource, {0});
     const MixerDevice device{MixerSide::kCapture, kName};
@@ -208,7 +206,7 @@ TEST(AlsaMixer, FindsACardThatIsPutInAgain) {
     EXPECT_EQ(rig.status, 0);
 }
 
-TEST(AlsaMixer, ForgetsAControlThatTheDriverTakesAway) {
+TEST(AlsaMixer, ForgetsAControlThatTheDriverRemoves) {
     Rig rig;
     HardwareMixerControl output(*rig.hardware, MixerSide::kPlayback);
     output.DeviceCount();
@@ -226,14 +224,14 @@ TEST(AlsaMixer, ForgetsAControlThatTheDriverTakesAway) {
         rig.library.SetMicBoost(true, rig.status);
         EXPECT_NE(rig.status, 0);
         static_cast<void>(rig.library.GetLinePlayBack(rig.status));
-        EXPECT_EQ(rig.status, 0) << "the others stay";
+        EXPECT_EQ(rig.status, 0) << "the other controls stay";
         SetLegacyMixerState(output, GetLegacyMixerState(output));
     }
     EXPECT_THAT(rig.At(kFakeMasterSwitch), ElementsAre(1, 1));
     EXPECT_TRUE(rig.levels.Write({MixerSide::kPlayback, kName}, *levels));
 }
 
-TEST(AlsaMixer, FindsAControlThatTheDriverBringsAgain) {
+TEST(AlsaMixer, FindsAControlThatTheDriverAddsAgain) {
     Rig rig;
     rig.platform.Cards().Offer(kCard, kFakeLine, false);
     rig.platform.Cards().Offer(kCard, kFakeLineSwitch, false);
@@ -247,10 +245,10 @@ TEST(AlsaMixer, FindsAControlThatTheDriverBringsAgain) {
     EXPECT_EQ(rig.status, 0);
 }
 
-TEST(AlsaMixer, TellsOnceOfACardThatIsPulledOut) {
+TEST(AlsaMixer, ReportsTheLossOfACardOnce) {
     Rig rig;
     int changes = 0;
-    rig.levels.OnChange([&] { ++changes; });
+    rig.hardware->OnChange([&] { ++changes; });
     rig.platform.TakeAway();
     EXPECT_TRUE(PollUntil(
         rig.loop, [&] { return changes > 0; }, std::chrono::seconds(5)));

@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "contract/MixerControlContract.h"
-#include "contract/MixerLibraryContract.h"
+#include "contract/MixerHardwareContract.h"
 #include "platform/alsamixer/AlsaMixer.h"
-#include "platform/mixer/LayeredMixer.h"
+#include "platform/combined/LayeredMixer.h"
 #include "platform/pulse/PulseMixer.h"
 #include "support/PulseServer.h"
 #include "support/alsa/FakeMixerCards.h"
@@ -13,7 +12,7 @@ namespace {
 
 constexpr const char* kName = "Usb";
 
-// A server's sink and its monitor, and the fake card that both name as theirs.
+// A server's sink and its monitor, with a fake card behind both.
 class LayeredPlatform {
 public:
     LayeredPlatform() {
@@ -23,7 +22,7 @@ public:
     }
     std::unique_ptr<MixerHardware> Create(EventLoop& loop) {
         auto pulse = std::make_unique<PulseMixer>(loop, server_.Address());
-        // The monitor of a sink names no card: it is told here that both sides are one card.
+        // The monitor of a sink names no card, so the card of the sink is used for both sides.
         AlsaMixer::Cards behind{[](MixerSide) { return std::vector<std::string>(); },
                                 [&server = *pulse](const MixerDevice& device) {
                                     if (device.name != PlaybackName() && device.name != CaptureName())
@@ -58,14 +57,13 @@ private:
     PulseServer server_{{}};
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Layered, MixerControlContract, LayeredPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(Layered, MixerLibraryContract, LayeredPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Layered, MixerHardwareContract, LayeredPlatform);
 
 TEST(LayeredMixer, LeavesTheServerWhatItManages) {
     LayeredPlatform platform;
     PlainEventLoop loop;
     const auto mixer = platform.Create(loop);
-    HardwareMixerLibrary library(*mixer);
+    QuenbyVista library(*mixer);
     std::int32_t status = -1;
     library.OpenSoundCard(kName, platform.CaptureName(), "", status);
     library.SetMasterVolume(20, status);
@@ -73,19 +71,19 @@ TEST(LayeredMixer, LeavesTheServerWhatItManages) {
     EXPECT_EQ(library.GetMasterVolume(status), 20);
     EXPECT_THAT(platform.Cards().Values(3, kFakeMaster), testing::ElementsAre(60, 50));
     EXPECT_THAT(platform.Cards().Values(3, kFakeLine), testing::ElementsAre(31, 31));
-    HardwareLevels levels(*mixer);
+    DeviceLevels levels(*mixer);
     EXPECT_THAT(levels.Read({MixerSide::kPlayback, kName}).value_or(""),
                 testing::AllOf(testing::StartsWith("volume\t13107 13107\nmute\t0\n"),
                                testing::HasSubstr("card Line 0 playback volume\t31 31\n")));
 }
 
-// The server's source has no ports and no MIC in its name: its level is a line's, and the card's own
-// microphone level is not shown beside it.
+// The server's source has no ports and no MIC in its name, so its level is a line level. The card's
+// microphone level must not appear next to it.
 TEST(LayeredMixer, LeavesTheRecordLevelToTheServer) {
     LayeredPlatform platform;
     PlainEventLoop loop;
     const auto mixer = platform.Create(loop);
-    HardwareMixerLibrary library(*mixer);
+    QuenbyVista library(*mixer);
     std::int32_t status = -1;
     library.OpenSoundCard(kName, platform.CaptureName(), "", status);
     static_cast<void>(library.GetMicRecordVolume(status));

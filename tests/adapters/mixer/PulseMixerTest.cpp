@@ -11,8 +11,7 @@
 #include <thread>
 #include <utility>
 
-#include "contract/MixerControlContract.h"
-#include "contract/MixerLibraryContract.h"
+#include "contract/MixerHardwareContract.h"
 #include "core/ports/SoundSystem.h"
 #include "platform/pulse/PulseMixer.h"
 #include "platform/pulse/PulseSoundSystem.h"
@@ -27,7 +26,7 @@ using namespace std::chrono_literals;
 constexpr const char* kSinkName = "card";
 constexpr const char* kDescription = "Test-Card";
 
-// A server of the test's own with one sink; the capture device is its monitor, a line input by name.
+// A private server with one sink. The capture device is the sink's monitor, a line input by its name.
 template <class Server>
 class ServerMixerPlatform {
 public:
@@ -40,7 +39,7 @@ public:
         return {MixerFunction::kMasterVolume, MixerFunction::kMasterMute, MixerFunction::kLineRecord};
     }
     static std::vector<std::int32_t> OddValues() { return {20123, 40111}; }
-    // Returns when the server has it: PipeWire answers before.
+    // Waits until the server has applied the change: PipeWire answers earlier.
     void ChangeOutside(MixerFunction function, const std::vector<std::int32_t>& values) {
         ASSERT_EQ(function, MixerFunction::kMasterVolume);
         const std::string first = std::to_string(values.at(0));
@@ -69,12 +68,10 @@ private:
 using PulseMixerPlatform = ServerMixerPlatform<PulseServer>;
 using PipeWireMixerPlatform = ServerMixerPlatform<PipeWireServer>;
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Pulse, MixerControlContract, PulseMixerPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(Pulse, MixerLibraryContract, PulseMixerPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(PipeWire, MixerControlContract, PipeWireMixerPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(PipeWire, MixerLibraryContract, PipeWireMixerPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Pulse, MixerHardwareContract, PulseMixerPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(PipeWire, MixerHardwareContract, PipeWireMixerPlatform);
 
-// The sink with a sine on it and its monitor.
+// Plays a sine to the sink and captures from its monitor.
 template <class Platform>
 class AudibleSink {
 public:
@@ -94,8 +91,8 @@ public:
         playback_->PlayLooping();
     }
 
-    // Level of each captured channel against the played sine, in decibels, a while from now: the first one
-    // that stays. A server that is late tears the sine for a moment.
+    // Level of each captured channel relative to the played sine, in decibels, once it has settled: a server
+    // that is late interrupts the sine for a moment.
     std::array<double, 2> LevelsDb() {
         PollUntil(
             loop, [] { return false; }, 700ms);
@@ -112,7 +109,7 @@ public:
     Platform platform;
     PlainEventLoop loop;
     PulseMixer mixer{loop, platform.TheServer().Address()};
-    HardwareMixerLibrary library{mixer};
+    QuenbyVista library{mixer};
 
 private:
     static bool Same(double one, double other) { return one == other || std::abs(one - other) < 0.01; }
@@ -138,7 +135,7 @@ void ExpectHeard() {
     sink.library.OpenSoundCard(kDescription, "", "", status);
     ASSERT_EQ(status, 0);
     EXPECT_NEAR(sink.LevelsDb()[0], 0.0, 0.1);
-    // The server's volumes are cubes of the amplitude.
+    // The server's amplitude is the cube of its volume.
     sink.library.SetMasterVolume(50, status);
     EXPECT_NEAR(sink.LevelsDb()[0], 60.0 * std::log10(0.5), 0.1);
     sink.platform.ChangeOutside(MixerFunction::kMasterVolume, {65536, 32768});
@@ -163,13 +160,13 @@ TEST(PulseMixer, KeepsVolumesAboveFull) {
     PulseMixerPlatform platform;
     PlainEventLoop loop;
     const auto mixer = platform.Create(loop);
-    HardwareMixerLibrary library(*mixer);
+    QuenbyVista library(*mixer);
     std::int32_t status = -1;
     library.OpenSoundCard(kDescription, "", "", status);
     platform.ChangeOutside(MixerFunction::kMasterVolume, {90000, 80000});
     EXPECT_EQ(library.GetMasterVolume(status), 100);
     library.SetMasterVolume(100, status);
-    HardwareLevels levels(*mixer);
+    DeviceLevels levels(*mixer);
     const MixerDevice sink{MixerSide::kPlayback, kDescription};
     const auto loud = levels.Read(sink);
     EXPECT_THAT(loud.value_or(""), testing::HasSubstr("volume\t90000 80000\n"));
@@ -178,17 +175,17 @@ TEST(PulseMixer, KeepsVolumesAboveFull) {
     EXPECT_EQ(levels.Read(sink), loud);
 }
 
-TEST(PulseMixer, OfAServerThatStandsStillFailsOnceAndThenAtOnce) {
+TEST(PulseMixer, OfAStalledServerWaitsOnlyOnce) {
     PulseMixerPlatform platform;
     PlainEventLoop loop;
     const auto mixer = platform.Create(loop);
-    HardwareMixerLibrary library(*mixer);
+    QuenbyVista library(*mixer);
     std::int32_t status = -1;
     library.OpenSoundCard(kDescription, "", "", status);
     platform.TheServer().Pause();
     const auto before = loop.Now();
     EXPECT_EQ(VistaSound::GetVistaMixerState(library), "100,False,0,True,0,True,False,True,0,0,0,100,100,");
-    EXPECT_LT(loop.Now() - before, 4s) << "thirteen levels, one wait";
+    EXPECT_LT(loop.Now() - before, 4s) << "thirteen levels, but only one wait";
     platform.TheServer().Continue();
     EXPECT_TRUE(PollUntil(
         loop,
@@ -199,11 +196,11 @@ TEST(PulseMixer, OfAServerThatStandsStillFailsOnceAndThenAtOnce) {
         10s));
 }
 
-TEST(PulseMixer, FindsAServerThatCameBack) {
+TEST(PulseMixer, FindsARestartedServer) {
     PulseMixerPlatform platform;
     PlainEventLoop loop;
     const auto mixer = platform.Create(loop);
-    HardwareMixerLibrary library(*mixer);
+    QuenbyVista library(*mixer);
     std::int32_t status = -1;
     library.OpenSoundCard(kDescription, "", "", status);
     platform.TheServer().Restart();
@@ -225,7 +222,7 @@ TEST(PulseMixer, OfASourceByNameIsAMicrophone) {
     PulseServer server({{"mic", 48000, "USB-Microphone"}});
     PlainEventLoop loop;
     PulseMixer mixer(loop, server.Address());
-    HardwareMixerLibrary library(mixer);
+    QuenbyVista library(mixer);
     std::int32_t status = -1;
     library.OpenSoundCard("", "Monitor of USB-Microphone", "", status);
     static_cast<void>(library.GetMicRecordVolume(status));
@@ -247,7 +244,7 @@ TEST(PulseMixer, NamesTheCardBehindADevice) {
     EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "Unknown"}), "");
 }
 
-// A port of this address that nobody listens at.
+// A free TCP port of this address.
 std::uint16_t FreePort(const char* address) {
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in place{};
@@ -260,7 +257,7 @@ std::uint16_t FreePort(const char* address) {
     return bound ? ntohs(place.sin_port) : std::uint16_t{0};
 }
 
-// By network, even from here, a server counts as another machine's.
+// A server that is reached by network counts as another machine's, even on this machine.
 TEST(PulseMixer, NamesNoCardOfAServerInTheNetwork) {
     constexpr const char* kHost = "127.0.0.2";
     PulseServer server({});
@@ -276,7 +273,7 @@ TEST(PulseMixer, NamesNoCardOfAServerInTheNetwork) {
     EXPECT_EQ(mixer.AlsaCardOf({MixerSide::kPlayback, "Usb"}), "");
 }
 
-TEST(PulseInputs, AreToldByTypeThenByName) {
+TEST(PulseInputs, AreKnownByTypeThenByName) {
     EXPECT_EQ(InputOfPort(PA_DEVICE_PORT_TYPE_MIC, "x", "Line"), PulseInput::kMicrophone);
     EXPECT_EQ(InputOfPort(PA_DEVICE_PORT_TYPE_HEADSET, "x", ""), PulseInput::kMicrophone);
     EXPECT_EQ(InputOfPort(PA_DEVICE_PORT_TYPE_LINE, "analog-input-mic", ""), PulseInput::kLine);

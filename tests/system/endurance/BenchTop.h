@@ -73,7 +73,8 @@ private:
     ScreenArea Screens() override { return {1920, 1080, 1920, 1080}; }
     void PointMixersAt(const std::string&, const std::string&) override {}
     void ReopenSoundCard(const std::string&, const std::string&) override {}
-    void CaptureAndApplySaved() override {}
+    MixerDeviceNumbers DeviceNumbers() const override { return {}; }
+    void CaptureAndApplySaved(bool) override {}
     void SetUpSoundControls() override {}
     void ShowSoundCard() override {}
     void UnloadDialogs() override {}

@@ -4,7 +4,7 @@
 #include "support/Errors.h"
 #include "support/FakeMixerControl.h"
 #include "support/FakePlaces.h"
-#include "support/MemoryVista.h"
+#include "support/MemoryHardware.h"
 
 namespace sonavex {
 namespace {
@@ -12,9 +12,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct VistaRig {
-    CallLog log;
-    MemoryVista card{log};
+// The speaker's controls are on a mixer of their own, so that they differ from the library's master.
+struct VistaRig : MemoryCard {
     FakeMixerControl output{
         {{FakeMixerControl::Level("Wave Volume", 1), FakeMixerControl::Switch("Wave Mute"),
           FakeMixerControl::Level("Master Volume", 32750), FakeMixerControl::Switch("Master Mute", 1)}}};
@@ -22,15 +21,7 @@ struct VistaRig {
     std::string outputName = "Speakers of a card";
     std::string inputName = "Microphone of a card";
     FakePlaces places{log};
-    frmSoundVista form{{card, output, speaker, outputName, inputName}, places};
-
-    // What the card was asked to change.
-    std::vector<std::string> Sets() const {
-        std::vector<std::string> sets;
-        for (const std::string& line : log.Lines())
-            if (line.starts_with("Set")) sets.push_back(line);
-        return sets;
-    }
+    frmSoundVista form{{library, output, speaker, outputName, inputName, places}};
 };
 
 TEST(VistaRefresh, ShowsEveryValueOfTheCard) {
@@ -53,17 +44,19 @@ TEST(VistaRefresh, ShowsEveryValueOfTheCard) {
     EXPECT_EQ(form.MinimumEqDb, -12.0);
     EXPECT_EQ(form.MaximumEqDb, 12.0);
     EXPECT_EQ(form.Frame.Caption(), "Sound Controls");
-    EXPECT_THAT(rig.Sets(), IsEmpty());
+    EXPECT_THAT(rig.Writes(), IsEmpty());
     EXPECT_THAT(rig.output.written, IsEmpty());
 }
 
-TEST(VistaRefresh, AsksInItsOrder) {
+TEST(VistaRefresh, ReadsInItsOrder) {
     VistaRig rig;
     rig.form.RefreshVistaSoundControls();
-    EXPECT_THAT(rig.log.Lines(), ElementsAre("GetMicRecordVolume", "GetMasterVolume", "GetMasterMute",
-                                             "GetLinePlayBack", "GetLinePlayBackMute", "GetMicPlayBack",
-                                             "GetMicPlayBackMute", "GetMicRecordVolume", "GetMicBoost",
-                                             "GetLineRecordVolume", "GetNoMonitor", "GetEQRange"));
+    EXPECT_THAT(
+        rig.log.Lines(),
+        ElementsAre("Read Microphone/MicRecord", "Read Speakers/MasterVolume", "Read Speakers/MasterMute",
+                    "Read Speakers/LineVolume", "Read Speakers/LineMute", "Read Speakers/MicVolume",
+                    "Read Speakers/MicMute", "Read Microphone/MicRecord", "Read Microphone/MicBoost",
+                    "Read Microphone/LineRecord", "Read Microphone/MonitorOff"));
 }
 
 class SpeakerReadings : public testing::TestWithParam<std::pair<int, int>> {};
@@ -89,7 +82,7 @@ TEST_P(SpeakerMoves, WriteBothChannelsOfTheLastVolume) {
     const std::string value = std::to_string(GetParam().second);
     EXPECT_THAT(rig.output.written, ElementsAre("Master Volume/0=" + value, "Master Volume/1=" + value));
     EXPECT_EQ(rig.output.commits, 2);
-    EXPECT_THAT(rig.Sets(), IsEmpty());
+    EXPECT_THAT(rig.Writes(), IsEmpty());
 }
 
 TEST(SpeakerMute, IsWrittenToTheFirstChannel) {
@@ -102,23 +95,28 @@ TEST(SpeakerMute, IsWrittenToTheFirstChannel) {
 struct VistaSliderCase {
     Slider frmSoundVista::*slider;
     Label frmSoundVista::*label;
-    const char* control;
+    MixerFunction control;
+    const char* name;
 };
 class VistaSliders : public testing::TestWithParam<VistaSliderCase> {};
 INSTANTIATE_TEST_SUITE_P(
     All, VistaSliders,
-    testing::Values(VistaSliderCase{&frmSoundVista::sldMaster, nullptr, "MasterVolume"},
-                    VistaSliderCase{&frmSoundVista::sldLinePlay, &frmSoundVista::lblLinePlay, "LinePlayBack"},
-                    VistaSliderCase{&frmSoundVista::sldMicPlay, &frmSoundVista::lblMicPlay, "MicPlayBack"},
-                    VistaSliderCase{&frmSoundVista::sldMic, &frmSoundVista::lblMicRecord, "MicRecordVolume"},
+    testing::Values(VistaSliderCase{&frmSoundVista::sldMaster, nullptr, MixerFunction::kMasterVolume,
+                                    "Speakers/MasterVolume 37 19"},
+                    VistaSliderCase{&frmSoundVista::sldLinePlay, &frmSoundVista::lblLinePlay,
+                                    MixerFunction::kLineVolume, "Speakers/LineVolume 37 37"},
+                    VistaSliderCase{&frmSoundVista::sldMicPlay, &frmSoundVista::lblMicPlay,
+                                    MixerFunction::kMicVolume, "Speakers/MicVolume 37 37"},
+                    VistaSliderCase{&frmSoundVista::sldMic, &frmSoundVista::lblMicRecord,
+                                    MixerFunction::kMicRecord, "Microphone/MicRecord 37 37"},
                     VistaSliderCase{&frmSoundVista::sldLine, &frmSoundVista::lblLineRecord,
-                                    "LineRecordVolume"}));
+                                    MixerFunction::kLineRecord, "Microphone/LineRecord 37 37"}));
 
 TEST_P(VistaSliders, SetTheirLevel) {
     VistaRig rig;
     rig.form.Show();
     (rig.form.*GetParam().slider).UserMoves(37);
-    EXPECT_THAT(rig.Sets(), ElementsAre("Set" + std::string(GetParam().control) + " 37"));
+    EXPECT_THAT(rig.Writes(), ElementsAre("Write " + std::string(GetParam().name)));
     EXPECT_EQ((rig.form.*GetParam().slider).Value(), 37);
     EXPECT_EQ((rig.form.*GetParam().slider).Min(), 0);
     EXPECT_EQ((rig.form.*GetParam().slider).Max(), 100);
@@ -126,13 +124,14 @@ TEST_P(VistaSliders, SetTheirLevel) {
 
 TEST_P(VistaSliders, AreGreyedWithTheirLabelAndComeBack) {
     VistaRig rig;
-    rig.card.missing = {GetParam().control};
+    const MemoryHardware::Controls complete = rig.Side(GetParam().control);
+    rig.Remove(GetParam().control);
     rig.form.RefreshVistaSoundControls();
     EXPECT_FALSE((rig.form.*GetParam().slider).Enabled());
     if (GetParam().label != nullptr) {
         EXPECT_FALSE((rig.form.*GetParam().label).Enabled());
     }
-    rig.card.missing.clear();
+    rig.Side(GetParam().control) = complete;
     rig.form.RefreshVistaSoundControls();
     EXPECT_TRUE((rig.form.*GetParam().slider).Enabled());
     if (GetParam().label != nullptr) {
@@ -142,44 +141,49 @@ TEST_P(VistaSliders, AreGreyedWithTheirLabelAndComeBack) {
 
 struct VistaBoxCase {
     CheckBox frmSoundVista::*box;
-    const char* control;
+    MixerFunction control;
 };
 class VistaBoxes : public testing::TestWithParam<VistaBoxCase> {};
 INSTANTIATE_TEST_SUITE_P(All, VistaBoxes,
-                         testing::Values(VistaBoxCase{&frmSoundVista::chkMasterMute, "MasterMute"},
-                                         VistaBoxCase{&frmSoundVista::chkLinePlay, "LinePlayBackMute"},
-                                         VistaBoxCase{&frmSoundVista::chkMicPlay, "MicPlayBackMute"},
-                                         VistaBoxCase{&frmSoundVista::chkBoost, "MicBoost"},
-                                         VistaBoxCase{&frmSoundVista::chkNoMon, "NoMonitor"}));
+                         testing::Values(VistaBoxCase{&frmSoundVista::chkMasterMute,
+                                                      MixerFunction::kMasterMute},
+                                         VistaBoxCase{&frmSoundVista::chkLinePlay, MixerFunction::kLineMute},
+                                         VistaBoxCase{&frmSoundVista::chkMicPlay, MixerFunction::kMicMute},
+                                         VistaBoxCase{&frmSoundVista::chkBoost, MixerFunction::kMicBoost},
+                                         VistaBoxCase{&frmSoundVista::chkNoMon, MixerFunction::kMonitorOff}));
 
 TEST_P(VistaBoxes, SetTheirState) {
     VistaRig rig;
-    const std::string set = "Set" + std::string(GetParam().control);
+    const auto count = rig.At(GetParam().control).values.size();
+    rig.At(GetParam().control).values.assign(count, 0);
     (rig.form.*GetParam().box).UserSets(true);
+    EXPECT_THAT(rig.At(GetParam().control).values, testing::Each(1));
     (rig.form.*GetParam().box).UserSets(false);
-    EXPECT_THAT(rig.Sets(), ElementsAre(set + " True", set + " False"));
+    EXPECT_THAT(rig.At(GetParam().control).values, testing::Each(0));
+    EXPECT_EQ(rig.Writes().size(), 2U);
 }
 
 TEST_P(VistaBoxes, AreGreyedAndComeBack) {
     VistaRig rig;
-    rig.card.missing = {GetParam().control};
+    const MemoryHardware::Controls complete = rig.Side(GetParam().control);
+    rig.Remove(GetParam().control);
     rig.form.RefreshVistaSoundControls();
     EXPECT_FALSE((rig.form.*GetParam().box).Enabled());
-    rig.card.missing.clear();
+    rig.Side(GetParam().control) = complete;
     rig.form.RefreshVistaSoundControls();
     EXPECT_TRUE((rig.form.*GetParam().box).Enabled());
 }
 
-TEST(InputDevice, WithAMicrophonesLevelStandsThere) {
+TEST(InputDevice, WithAMicrophoneLevelIsShownThere) {
     VistaRig rig;
     rig.form.RefreshVistaSoundControls();
     EXPECT_EQ(rig.form.lblInputMixer.Caption(), "Microphone of a card");
     EXPECT_EQ(rig.form.lblLineInMixer.Caption(), "Not Selected");
 }
 
-TEST(InputDevice, WithoutOneStandsBesideLineIn) {
+TEST(InputDevice, WithoutAMicrophoneLevelIsShownAtLineIn) {
     VistaRig rig;
-    rig.card.missing = {"MicRecordVolume"};
+    rig.Remove(MixerFunction::kMicRecord);
     rig.form.RefreshVistaSoundControls();
     EXPECT_EQ(rig.form.lblInputMixer.Caption(), "Not Selected");
     EXPECT_EQ(rig.form.lblLineInMixer.Caption(), "Microphone of a card");
@@ -188,7 +192,7 @@ TEST(InputDevice, WithoutOneStandsBesideLineIn) {
 TEST(Master, ShowsTheLevelThatTheCardTook) {
     VistaRig rig;
     rig.form.Show();
-    rig.card.highestMaster = 64;
+    rig.At(MixerFunction::kMasterVolume).highest = 64;
     rig.form.sldMaster.UserMoves(90);
     EXPECT_EQ(rig.form.sldMaster.Value(), 64);
 }
@@ -202,9 +206,9 @@ TEST(Master, AboveSilentSpeakersIsADivisionByZero) {
                   return 0;
               }),
               11);
-    EXPECT_THAT(rig.Sets(), IsEmpty()) << "raised before the card is asked";
+    EXPECT_THAT(rig.Writes(), IsEmpty()) << "raised before anything is written";
     rig.form.sldMaster.UserMoves(0);
-    EXPECT_THAT(rig.Sets(), ElementsAre("SetMasterVolume 0"));
+    EXPECT_THAT(rig.Writes(), ElementsAre("Write Speakers/MasterVolume 0 0"));
 }
 
 TEST(Master, OfAMixerWithoutSpeakerControlIsMovedFreely) {
@@ -215,26 +219,26 @@ TEST(Master, OfAMixerWithoutSpeakerControlIsMovedFreely) {
     EXPECT_FALSE(rig.form.lblSpeaker.Enabled());
     EXPECT_FALSE(rig.form.chkSpeakerMute.Enabled());
     rig.form.sldMaster.UserMoves(10);
-    EXPECT_THAT(rig.Sets(), ElementsAre("SetMasterVolume 10"));
+    EXPECT_THAT(rig.Writes(), ElementsAre("Write Speakers/MasterVolume 10 5"));
     rig.form.sldSpeakers.UserMoves(10);
     rig.form.chkSpeakerMute.UserSets(true);
     EXPECT_THAT(rig.output.written, IsEmpty());
 }
 
-// As another mixer program: no control stays as it was.
+// Changes every control, as another mixer program would.
 void ChangeEverything(VistaRig& rig) {
     rig.output.Find("Master Volume").values = {6550, 6550};
     rig.output.Find("Master Mute").values = {0, 0};
-    rig.card.masterVolume = 5;
-    rig.card.masterMute = true;
-    rig.card.linePlayBack = 6;
-    rig.card.linePlayBackMute = false;
-    rig.card.micPlayBack = 7;
-    rig.card.micPlayBackMute = false;
-    rig.card.micRecordVolume = 8;
-    rig.card.micBoost = true;
-    rig.card.lineRecordVolume = 9;
-    rig.card.noMonitor = false;
+    rig.At(MixerFunction::kMasterVolume).values = {5, 5};
+    rig.At(MixerFunction::kMasterMute).values = {1, 1};
+    rig.At(MixerFunction::kLineVolume).values = {6, 6};
+    rig.At(MixerFunction::kLineMute).values = {0, 0};
+    rig.At(MixerFunction::kMicVolume).values = {7, 7};
+    rig.At(MixerFunction::kMicMute).values = {0, 0};
+    rig.At(MixerFunction::kMicRecord).values = {8, 8};
+    rig.At(MixerFunction::kMicBoost).values = {1};
+    rig.At(MixerFunction::kLineRecord).values = {9, 9};
+    rig.At(MixerFunction::kMonitorOff).values = {0};
 }
 
 TEST(Sync, BringsEveryControlToThePresentValues) {
@@ -254,11 +258,11 @@ TEST(Sync, BringsEveryControlToThePresentValues) {
     EXPECT_TRUE(rig.form.chkBoost.Checked());
     EXPECT_EQ(rig.form.sldLine.Value(), 9);
     EXPECT_FALSE(rig.form.chkNoMon.Checked());
-    EXPECT_THAT(rig.Sets(), IsEmpty());
+    EXPECT_THAT(rig.Writes(), IsEmpty());
     EXPECT_THAT(rig.output.written, IsEmpty());
 }
 
-// The speaker's controls on the last of three destinations, on lines of their own.
+// The speaker's controls are on different destinations and lines.
 TEST(SpeakerSelectors, ReachOtherDestinationsAndLines) {
     VistaRig rig;
     rig.output = FakeMixerControl(
@@ -299,7 +303,7 @@ TEST(VistaForm, ReadsTheCardWheneverItComesToTheFront) {
     rig.form.Activate();
     EXPECT_THAT(rig.log.Lines(), IsEmpty()) << "not loaded";
     rig.form.Show();
-    rig.card.masterVolume = 33;
+    rig.At(MixerFunction::kMasterVolume).values = {33, 33};
     rig.form.Activate();
     EXPECT_EQ(rig.form.sldMaster.Value(), 33);
 }

@@ -1,24 +1,27 @@
 #include <gmock/gmock.h>
 
 #include "core/mixer/frmVistaTone.h"
-#include "support/MemoryVista.h"
+#include "support/MemoryHardware.h"
 
 namespace sonavex {
 namespace {
 
 using testing::ElementsAre;
 
-struct VistaToneRig {
-    CallLog log;
-    MemoryVista card{log};
-    frmVistaTone form{card};
+struct VistaToneRig : MemoryCard {
+    frmVistaTone form{library};
 };
+
+// A control whose only gains are these two, at the lower one.
+MemoryHardware::Control OnlyGains(double lowerDb, double upperDb) {
+    return {{0, 1}, {0}, GainRange{lowerDb, upperDb}};
+}
 
 TEST(Tones, AreLoadedWithRangeAndLabelsWithoutAnySet) {
     VistaToneRig rig;
-    rig.card.bass = -6.0;
-    rig.card.midRange = 2.5;
-    rig.card.treble = 3.5;
+    rig.At(MixerFunction::kBass).values = {-12};
+    rig.At(MixerFunction::kMidRange) = OnlyGains(2.5, 12.0);
+    rig.At(MixerFunction::kTreble) = OnlyGains(3.5, 12.0);
     rig.form.Show();
     EXPECT_EQ(rig.form.sldBass.Min(), -12);
     EXPECT_EQ(rig.form.sldMid.Max(), 12);
@@ -26,7 +29,8 @@ TEST(Tones, AreLoadedWithRangeAndLabelsWithoutAnySet) {
     EXPECT_EQ(rig.form.lblBassValue.Caption(), "-6 dB");
     EXPECT_EQ(rig.form.lblMidValue.Caption(), "2 dB");
     EXPECT_EQ(rig.form.lblTrebleValue.Caption(), "4 dB");
-    EXPECT_THAT(rig.log.Lines(), ElementsAre("GetEQRange", "GetBass", "GetMidRange", "GetTreble"));
+    EXPECT_THAT(rig.log.Lines(),
+                ElementsAre("Read Speakers/Bass", "Read Speakers/MidRange", "Read Speakers/Treble"));
     EXPECT_EQ(rig.form.Frame.Caption(), "Tone Controls");
 }
 
@@ -34,20 +38,18 @@ struct ToneCase {
     Slider frmVistaTone::*slider;
     Label frmVistaTone::*label;
     Label frmVistaTone::*value;
-    const char* control;
-    double MemoryVista::*stored;
+    MixerFunction control;
 };
 class ToneSliders : public testing::TestWithParam<ToneCase> {};
-INSTANTIATE_TEST_SUITE_P(
-    All, ToneSliders,
-    testing::Values(ToneCase{&frmVistaTone::sldBass, &frmVistaTone::lblBass, &frmVistaTone::lblBassValue,
-                             "Bass", &MemoryVista::bass},
-                    ToneCase{&frmVistaTone::sldMid, &frmVistaTone::lblMid, &frmVistaTone::lblMidValue,
-                             "MidRange", &MemoryVista::midRange},
-                    ToneCase{&frmVistaTone::sldTreble, &frmVistaTone::lblTreble,
-                             &frmVistaTone::lblTrebleValue, "Treble", &MemoryVista::treble}));
+INSTANTIATE_TEST_SUITE_P(All, ToneSliders,
+                         testing::Values(ToneCase{&frmVistaTone::sldBass, &frmVistaTone::lblBass,
+                                                  &frmVistaTone::lblBassValue, MixerFunction::kBass},
+                                         ToneCase{&frmVistaTone::sldMid, &frmVistaTone::lblMid,
+                                                  &frmVistaTone::lblMidValue, MixerFunction::kMidRange},
+                                         ToneCase{&frmVistaTone::sldTreble, &frmVistaTone::lblTreble,
+                                                  &frmVistaTone::lblTrebleValue, MixerFunction::kTreble}));
 
-TEST_P(ToneSliders, SetTheirGainAndTellIt) {
+TEST_P(ToneSliders, SetTheirGainAndShowIt) {
     VistaToneRig rig;
     rig.form.Show();
     for (const auto& [gain, text] :
@@ -55,26 +57,26 @@ TEST_P(ToneSliders, SetTheirGainAndTellIt) {
         rig.log.Clear();
         (rig.form.*GetParam().slider).UserMoves(gain);
         EXPECT_EQ((rig.form.*GetParam().value).Caption(), text);
-        EXPECT_EQ(rig.card.*GetParam().stored, gain);
-        EXPECT_THAT(rig.log.Lines(), ElementsAre("Set" + std::string(GetParam().control) + ' ' +
-                                                 std::to_string(static_cast<double>(gain))));
+        EXPECT_THAT(rig.At(GetParam().control).values, ElementsAre(2 * gain));
+        EXPECT_EQ(rig.log.Count("Write"), 1U);
     }
 }
 
 TEST_P(ToneSliders, MovedToTheirMinimumShowIt) {
     VistaToneRig rig;
-    rig.card.eqMinimum = -10.4;
-    rig.card.eqMaximum = 7.6;
+    for (const MixerFunction tone : {MixerFunction::kBass, MixerFunction::kMidRange, MixerFunction::kTreble})
+        rig.At(tone) = {{0, 180}, {90}, GainRange{-10.4, 7.6}};
     rig.form.Show();
     EXPECT_EQ((rig.form.*GetParam().slider).Max(), 8);
     (rig.form.*GetParam().slider).UserMoves(-1000);
     EXPECT_EQ((rig.form.*GetParam().value).Caption(), "-10 dB");
-    EXPECT_EQ(rig.card.*GetParam().stored, -10.0);
+    EXPECT_THAT(rig.At(GetParam().control).values, ElementsAre(4))
+        << "-10 dB in steps of 0.1 dB from -10.4 dB";
 }
 
 TEST_P(ToneSliders, AreGreyedWithTheirLabels) {
     VistaToneRig rig;
-    rig.card.missing = {GetParam().control};
+    rig.Remove(GetParam().control);
     rig.form.Show();
     EXPECT_FALSE((rig.form.*GetParam().slider).Enabled());
     EXPECT_FALSE((rig.form.*GetParam().label).Enabled());
@@ -83,9 +85,8 @@ TEST_P(ToneSliders, AreGreyedWithTheirLabels) {
 
 TEST(Tones, OfACardWithoutThemHaveNoRange) {
     VistaToneRig rig;
-    rig.card.eqMinimum = 0.0;
-    rig.card.eqMaximum = 0.0;
-    rig.card.missing = {"Bass", "MidRange", "Treble", "EQRange"};
+    for (const MixerFunction tone : {MixerFunction::kBass, MixerFunction::kMidRange, MixerFunction::kTreble})
+        rig.Remove(tone);
     rig.form.Show();
     EXPECT_EQ(rig.form.sldBass.Min(), 0);
     EXPECT_EQ(rig.form.sldBass.Max(), 0);

@@ -7,120 +7,131 @@ namespace sonavex {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
+using enum MixerFunction;
 
 const MixerDevice kSpeakers{MixerSide::kPlayback, "Speakers"};
 const MixerDevice kMicrophone{MixerSide::kCapture, "Microphone"};
 const MixerDevice kHeadset{MixerSide::kCapture, "Headset"};
 
 struct KeeperRig {
+    KeeperRig() {
+        hardware.playback["Speakers"] = {{kMasterVolume, MemoryHardware::Level({10, 20})},
+                                         {kWaveVolume, MemoryHardware::Level({3})}};
+        hardware.capture = {{"Microphone", {{kMicRecord, MemoryHardware::Level({5})}}},
+                            {"Headset", {{kMicRecord, MemoryHardware::Level({7})}}}};
+    }
+    std::vector<std::int32_t>& Master() { return hardware.playback.at("Speakers").at(kMasterVolume).values; }
+    std::vector<std::int32_t>& Wave() { return hardware.playback.at("Speakers").at(kWaveVolume).values; }
+    std::vector<std::int32_t>& Record(const MixerDevice& device) {
+        return hardware.capture.at(device.name).at(kMicRecord).values;
+    }
     CallLog log;
-    FakeLevels levels{log};
+    MemoryHardware hardware{log};
+    DeviceLevels levels{hardware};
     MemoryJournal journal;
     LevelKeeper keeper{levels, journal};
-    KeeperRig() {
-        levels.devices = {{"playback Speakers", "Master\t10 20\nPCM\t3\n"},
-                          {"capture Microphone", "Capture\t5\n"},
-                          {"capture Headset", "Mic\t7\n"}};
-    }
-    std::string& At(const MixerDevice& device) { return levels.devices.at(FakeLevels::Key(device)); }
 };
 
-TEST(Keeper, GivesBackWhatWasThereAtFirst) {
+TEST(Keeper, RestoresTheFirstLevels) {
     KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
-    rig.At(kSpeakers) = "Master\t1 1\nPCM\t1\n";
+    rig.Master() = {1, 1};
+    rig.Wave() = {1};
     rig.keeper.Use({kSpeakers, kMicrophone});
-    EXPECT_EQ(rig.At(kSpeakers), "Master\t1 1\nPCM\t1\n") << "the same devices again change nothing";
+    EXPECT_THAT(rig.Master(), ElementsAre(1, 1)) << "the same devices again change nothing";
     EXPECT_EQ(rig.journal.writes, 1);
-    rig.keeper.GiveBack();
-    EXPECT_EQ(rig.At(kSpeakers), "Master\t10 20\nPCM\t3\n");
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Master(), ElementsAre(10, 20));
+    EXPECT_THAT(rig.Wave(), ElementsAre(3));
     EXPECT_EQ(rig.journal.text, "");
-    rig.At(kSpeakers) = "Master\t2 2\nPCM\t2\n";
-    rig.keeper.GiveBack();
-    EXPECT_EQ(rig.At(kSpeakers), "Master\t2 2\nPCM\t2\n") << "only once";
+    rig.Master() = {2, 2};
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Master(), ElementsAre(2, 2)) << "only once";
 }
 
-TEST(Keeper, GivesADeviceBackThatIsNoLongerUsed) {
+TEST(Keeper, RestoresADeviceThatIsNoLongerUsed) {
     KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
-    rig.At(kSpeakers) = "changed\t1\n";
-    rig.At(kMicrophone) = "changed\t1\n";
+    rig.Master() = {1, 1};
+    rig.Record(kMicrophone) = {1};
     rig.keeper.Use({kSpeakers, kHeadset});
-    EXPECT_EQ(rig.At(kMicrophone), "Capture\t5\n");
-    EXPECT_EQ(rig.At(kSpeakers), "changed\t1\n") << "still in use";
-    rig.At(kHeadset) = "changed\t1\n";
-    rig.keeper.GiveBack();
-    EXPECT_EQ(rig.At(kSpeakers), "Master\t10 20\nPCM\t3\n");
-    EXPECT_EQ(rig.At(kHeadset), "Mic\t7\n");
+    EXPECT_THAT(rig.Record(kMicrophone), ElementsAre(5));
+    EXPECT_THAT(rig.Master(), ElementsAre(1, 1)) << "still in use";
+    rig.Record(kHeadset) = {1};
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Master(), ElementsAre(10, 20));
+    EXPECT_THAT(rig.Record(kHeadset), ElementsAre(7));
 }
 
-TEST(Keeper, OfAKilledRunIsMadeGoodByTheNext) {
+TEST(Keeper, RestoresTheLevelsOfAKilledRun) {
     KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
-    rig.At(kSpeakers) = "changed\t1\n";
+    rig.Master() = {1, 1};
     LevelKeeper next(rig.levels, rig.journal);
     next.Use({kSpeakers, kHeadset});
-    EXPECT_EQ(rig.At(kSpeakers), "Master\t10 20\nPCM\t3\n");
-    rig.At(kSpeakers) = "changed again\t1\n";
-    next.GiveBack();
-    EXPECT_EQ(rig.At(kSpeakers), "Master\t10 20\nPCM\t3\n");
+    EXPECT_THAT(rig.Master(), ElementsAre(10, 20));
+    rig.Master() = {2, 2};
+    next.Restore();
+    EXPECT_THAT(rig.Master(), ElementsAre(10, 20));
     EXPECT_EQ(rig.journal.text, "");
 }
 
-TEST(Keeper, WaitsForADeviceThatIsNotThere) {
+TEST(Keeper, WaitsForAnAbsentDevice) {
     KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
-    rig.levels.devices.erase("capture Microphone");
-    rig.keeper.GiveBack();
+    rig.hardware.capture.erase("Microphone");
+    rig.keeper.Restore();
     EXPECT_NE(rig.journal.text, "");
     LevelKeeper next(rig.levels, rig.journal);
     next.Use({kSpeakers});
-    next.GiveBack();
+    next.Restore();
     EXPECT_NE(rig.journal.text, "");
-    rig.levels.devices["capture Microphone"] = "Capture\t99\n";
+    rig.hardware.capture["Microphone"] = {{kMicRecord, MemoryHardware::Level({99})}};
     LevelKeeper last(rig.levels, rig.journal);
     last.Use({kSpeakers});
-    EXPECT_EQ(rig.At(kMicrophone), "Capture\t5\n");
-    last.GiveBack();
+    EXPECT_THAT(rig.Record(kMicrophone), ElementsAre(5));
+    last.Restore();
     EXPECT_EQ(rig.journal.text, "");
 }
 
 TEST(Keeper, RestoresAWaitingDeviceBeforeItIsUsedAgain) {
     KeeperRig rig;
     rig.keeper.Use({kMicrophone});
-    rig.levels.devices.erase("capture Microphone");
+    rig.hardware.capture.erase("Microphone");
     rig.keeper.Use({kSpeakers});
-    rig.levels.devices["capture Microphone"] = "Capture\t99\n";
+    rig.hardware.capture["Microphone"] = {{kMicRecord, MemoryHardware::Level({99})}};
     rig.keeper.Use({kSpeakers, kMicrophone});
-    EXPECT_EQ(rig.At(kMicrophone), "Capture\t5\n");
+    EXPECT_THAT(rig.Record(kMicrophone), ElementsAre(5));
 }
 
-TEST(Keeper, DoesNotInsistOnControlsThatDoNotTakeTheirLevel) {
+TEST(Keeper, TriesALevelThatTheDeviceRejectsOnlyOnce) {
     KeeperRig rig;
     rig.keeper.Use({kSpeakers});
-    rig.levels.takes = false;
-    rig.keeper.GiveBack();
+    rig.Master() = {1, 1};
+    rig.hardware.playback.at("Speakers").at(kMasterVolume).rejects = true;
+    rig.keeper.Restore();
+    EXPECT_EQ(rig.log.Count("Write"), 1U);
     EXPECT_EQ(rig.journal.text, "");
 }
 
-TEST(Keeper, KnowsWhichSideIsThere) {
+TEST(Keeper, KnowsWhichSideIsPresent) {
     KeeperRig rig;
     rig.keeper.Use({kSpeakers, kMicrophone});
     EXPECT_TRUE(rig.keeper.Present(MixerSide::kPlayback));
     EXPECT_TRUE(rig.keeper.Present(MixerSide::kCapture));
-    rig.levels.devices.erase("playback Speakers");
+    rig.hardware.playback.clear();
     EXPECT_FALSE(rig.keeper.Present(MixerSide::kPlayback));
     EXPECT_TRUE(rig.keeper.Present(MixerSide::kCapture));
 }
 
-TEST(Keeper, LeavesDevicesAloneThatHaveNoLevels) {
+TEST(Keeper, IgnoresAbsentDevicesAndEmptyNames) {
     KeeperRig rig;
-    rig.levels.devices.clear();
+    rig.hardware.playback.clear();
+    rig.hardware.capture.clear();
     rig.keeper.Use({kSpeakers, {MixerSide::kCapture, ""}});
     EXPECT_FALSE(rig.keeper.Present(MixerSide::kPlayback));
-    rig.keeper.GiveBack();
-    EXPECT_THAT(rig.log.Lines(), IsEmpty());
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.log.Lines(), testing::IsEmpty());
     EXPECT_EQ(rig.journal.text, "");
 }
 
@@ -128,16 +139,17 @@ class DamagedJournals : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Texts, DamagedJournals,
                          testing::Values("noise", "playback\t", "playback\tSpeakers", "\n\n\n",
                                          "capture\tUnknown\nA\t1\n", std::string(10000, '\xff'),
-                                         "Master\t1 1\n\nplayback"));
+                                         "Speakers/MasterVolume\t1 1\n\nplayback",
+                                         "playback\tSpeakers\nSpeakers/MasterVolume\t1 1 1\nx\t1\n\n"));
 
-TEST_P(DamagedJournals, AreReadAsFarAsTheyGo) {
+TEST_P(DamagedJournals, AreReadAsFarAsPossible) {
     KeeperRig rig;
-    rig.levels.devices["playback Speakers"] = "Master\t1\n";
     rig.journal.text = GetParam();
     rig.keeper.Use({kMicrophone});
-    EXPECT_EQ(rig.At(kMicrophone), "Capture\t5\n");
-    rig.keeper.GiveBack();
-    EXPECT_EQ(rig.At(kMicrophone), "Capture\t5\n");
+    EXPECT_THAT(rig.Record(kMicrophone), ElementsAre(5));
+    EXPECT_THAT(rig.Master(), ElementsAre(10, 20));
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Record(kMicrophone), ElementsAre(5));
 }
 
 }  // namespace

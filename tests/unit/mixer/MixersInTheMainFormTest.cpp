@@ -12,33 +12,25 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
-constexpr const char* kOwnLine = "80,False,30,True,20,True,False,True,-1.5,0,6,70,60,";
-constexpr const char* kProgramLine = "11,True,12,False,13,False,True,False,1,2,3,14,15,";
-constexpr const char* kOwnLevels = "Master\t10 20\n";
-
-// Two cards of each direction; the library's card in memory stands for whatever is bound.
+// Two cards of each direction with the same levels, except the master of "Card B".
 struct MixedForm : MixerWorld {
     explicit MixedForm(std::int32_t osMajorVersion) : MixerWorld(osMajorVersion) {
         store.Save("SoundCard", "Output", "out-a");
         store.Save("SoundCard", "Input", "in-a");
-        store.Save("Settings", "VistaSoundCard", kProgramLine);
+        store.Save("Settings", "VistaSoundCard", kSavedVistaLine);
+        hardware.playback.clear();
+        hardware.capture.clear();
         for (const SoundDeviceInfo& device : sound.playbackDevices)
-            levels.devices["playback " + device.description] = kOwnLevels;
+            hardware.playback[device.description] = Playback();
         for (const SoundDeviceInfo& device : sound.captureDevices)
-            levels.devices["capture " + device.description] = "Capture\t5\n";
-        output.devices[0].name = NameOf(sound.playbackDevices, "out-a");
-        input.devices[1].name = NameOf(sound.captureDevices, "in-a");
+            hardware.capture[device.description] = Capture();
+        MasterOf("Card B") = {55, 54};
     }
-    static std::string NameOf(const SoundDeviceList& devices, const std::string& identifier) {
-        for (const SoundDeviceInfo& device : devices)
-            if (device.identifier == identifier) return device.description;
-        return {};
+    std::vector<std::int32_t>& MasterOf(const std::string& device) {
+        return hardware.playback.at(device).at(MixerFunction::kMasterVolume).values;
     }
-    std::string& LevelsOf(const std::string& identifier) {
-        return levels.devices.at("playback " + NameOf(sound.playbackDevices, identifier));
-    }
+    std::string Line() { return VistaSound::GetVistaMixerState(mixers.Library); }
     void ChooseTheOtherOutput() {
         form.ShowDeviceDialog = [this] {
             loadedMeanwhile = mixers.SoundVista.Loaded() || mixers.Tone.Loaded() || mixers.Sound.Loaded();
@@ -55,7 +47,7 @@ struct MixedForm : MixerWorld {
     RecordingErrorLog errorLog{log};
     MemoryDesktopFiles files{log};
     RecordingHelp help{log};
-    SoundCardMixers mixers{World()};
+    SoundCardMixers mixers{Needs()};
     frmMain form{{store, sound, loop, dialogs, desktop, errorLog, mixers}};
     bool loadedMeanwhile = true;
 };
@@ -63,43 +55,43 @@ struct MixedForm : MixerWorld {
 TEST(MixersInTheMainForm, AreOpenedCapturedAndSetByTheStart) {
     MixedForm world(6);
     world.form.Form_Load();
-    EXPECT_THAT(world.CallsWith("OpenSoundCard"), ElementsAre("OpenSoundCard Card A|Line A|"));
-    EXPECT_EQ(world.mixers.InitialVistaMixerState, kOwnLine);
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kProgramLine);
-    EXPECT_EQ(world.mixers.Speaker.SpeakerVolumeControl, 0);
+    EXPECT_EQ(world.mixers.InitialVistaMixerState, kMemoryCardLine);
+    EXPECT_EQ(world.Line(), kSavedVistaLine);
+    EXPECT_THAT(world.MasterOf("Card A"), ElementsAre(11, 6));
+    EXPECT_EQ(world.mixers.Speaker.SpeakerVolumeControl, 4) << "the last volume";
     EXPECT_NE(world.journal.text, "");
 }
 
-TEST(MixersInTheMainForm, AreSavedAndGivenBackByTheShutdown) {
+TEST(MixersInTheMainForm, AreSavedAndRestoredByTheShutdown) {
     MixedForm world(10);
     world.form.Form_Load();
-    world.card.masterVolume = 77;
-    world.LevelsOf("out-a") = "Master\t1 1\n";
+    world.MasterOf("Card A") = {77, 77};
     world.form.cmdExit.Press();
     EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""),
               "77,True,12,False,13,False,True,False,1,2,3,14,15,");
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
-    EXPECT_EQ(world.LevelsOf("out-a"), kOwnLevels);
+    EXPECT_THAT(world.MasterOf("Card A"), ElementsAre(80, 40));
     EXPECT_EQ(world.journal.text, "");
+    world.mixers.ReopenSoundCard("Card A", "Line A");
+    EXPECT_EQ(world.Line(), kMemoryCardLine);
 }
 
-TEST(MixersInTheMainForm, AreGivenBackByAnEndAtOnce) {
+TEST(MixersInTheMainForm, AreRestoredByAnImmediateEnd) {
     MixedForm world(10);
     world.form.Form_Load();
-    world.card.masterVolume = 77;
-    world.LevelsOf("out-a") = "Master\t1 1\n";
+    world.MasterOf("Card A") = {77, 77};
     world.form.ShutDown(EndProgram{1, true});
-    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), kProgramLine);
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
-    EXPECT_EQ(world.LevelsOf("out-a"), kOwnLevels);
+    EXPECT_EQ(world.store.Get("Settings", "VistaSoundCard", ""), kSavedVistaLine);
+    EXPECT_THAT(world.MasterOf("Card A"), ElementsAre(80, 40));
+    world.mixers.ReopenSoundCard("Card A", "Line A");
+    EXPECT_EQ(world.Line(), kMemoryCardLine);
 }
 
 TEST(MixersInTheMainForm, ShowTheCardThatCameBackWithARestart) {
     MixedForm world(10);
     world.form.Form_Load();
     world.mixers.ShowSoundCard();
-    world.card.masterVolume = 44;
-    world.card.missing = {"LinePlayBack"};
+    world.MasterOf("Card A") = {44, 44};
+    world.hardware.playback.at("Card A").erase(MixerFunction::kLineVolume);
     world.form.Watch.OnRestarted();
     EXPECT_EQ(world.mixers.SoundVista.sldMaster.Value(), 44);
     EXPECT_FALSE(world.mixers.SoundVista.sldLinePlay.Enabled());
@@ -118,34 +110,37 @@ TEST(MixersInTheMainForm, ShowTheGenerationsDialogFromTheMenu) {
     }
 }
 
-TEST(MixersInTheMainForm, FollowAnotherSelectionAndGiveTheFormerCardBack) {
+TEST(MixersInTheMainForm, FollowAnotherSelectionAndRestoreTheFormerCard) {
     MixedForm world(10);
     world.form.Form_Load();
     world.form.mnuSoundCard.UserChooses();
     world.mixers.SoundVista.cmdTone.Press();
-    world.LevelsOf("out-a") = "Master\t1 1\n";
-    world.log.Clear();
+    world.MasterOf("Card A") = {1, 1};
     world.ChooseTheOtherOutput();
     EXPECT_FALSE(world.loadedMeanwhile) << "the dialogs are unloaded before";
-    EXPECT_EQ(world.LevelsOf("out-a"), kOwnLevels);
-    EXPECT_THAT(world.CallsWith("OpenSoundCard"), ElementsAre("OpenSoundCard Card B|Line A|"));
-    world.LevelsOf("out-b") = "Master\t2 2\n";
+    EXPECT_THAT(world.MasterOf("Card A"), ElementsAre(80, 40));
+    EXPECT_EQ(world.Line(), "55,False,30,True,20,True,True,False,-1.5,0,6,14,15,") << "Card B and Line A";
+    world.MasterOf("Card B") = {2, 2};
     world.form.Unload();
-    EXPECT_EQ(world.LevelsOf("out-b"), kOwnLevels);
-    EXPECT_EQ(world.LevelsOf("out-a"), kOwnLevels);
+    EXPECT_THAT(world.MasterOf("Card B"), ElementsAre(55, 54));
+    EXPECT_THAT(world.MasterOf("Card A"), ElementsAre(80, 40));
     EXPECT_EQ(world.journal.text, "");
 }
 
-TEST(MixersInTheMainForm, OfTheOlderGenerationAskNothingOfTheLibrary) {
+TEST(MixersInTheMainForm, OfTheOlderGenerationDoNotOpenTheLibrary) {
     MixedForm world(5);
     world.store.Save("Settings", "OutSoundCard", "0,Master Volume,8,9,");
     world.form.Form_Load();
-    EXPECT_EQ(GetLegacyMixerState(world.output), "0,Master Volume,8,9,0,Master Mute,0,0,");
+    EXPECT_EQ(GetLegacyMixerState(world.mixers.OutputMixer), "0,Master Volume,8,9,0,Master Mute,0,0,");
     EXPECT_EQ(world.mixers.Legacy.MixerLocators.MasterVolume.Destination, 0);
     world.ChooseTheOtherOutput();
+    EXPECT_EQ(GetLegacyMixerState(world.mixers.OutputMixer), "0,Master Volume,55,54,0,Master Mute,0,0,");
+    std::int32_t status = 0;
+    static_cast<void>(world.mixers.Library.GetMasterVolume(status));
+    EXPECT_NE(status, 0);
+    EXPECT_EQ(world.mixers.InitialVistaMixerState, "");
     world.form.Unload();
-    for (const char* call : {"OpenSoundCard", "CloseSoundCard", "GetMasterVolume", "SetMasterVolume"})
-        EXPECT_THAT(world.CallsWith(call), IsEmpty());
+    EXPECT_THAT(world.MasterOf("Card B"), ElementsAre(55, 54));
 }
 
 class BadSavedLines : public testing::TestWithParam<std::string> {};
@@ -160,10 +155,11 @@ TEST_P(BadSavedLines, DoNotKeepTheInstrumentFromRunning) {
     const auto messages = world.log.Of("Message");
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_THAT(messages[0], HasSubstr("could not be applied completely"));
-    EXPECT_EQ(world.mixers.Speaker.SpeakerVolumeControl, 0);
+    EXPECT_GE(world.mixers.Speaker.SpeakerVolumeControl, 0);
     EXPECT_TRUE(world.form.Shared.EventsReady) << "the stream runs";
     world.form.Unload();
-    EXPECT_EQ(VistaSound::GetVistaMixerState(world.card), kOwnLine);
+    world.mixers.ReopenSoundCard("Card A", "Line A");
+    EXPECT_EQ(world.Line(), kMemoryCardLine);
 }
 
 }  // namespace

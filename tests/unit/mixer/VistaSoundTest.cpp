@@ -3,72 +3,75 @@
 #include "core/mixer/VistaSound.h"
 #include "support/Errors.h"
 #include "support/FakeMixerControl.h"
-#include "support/MemoryVista.h"
+#include "support/MemoryHardware.h"
 
 namespace sonavex {
 namespace {
 
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-
+// The controls in the order of the fields.
 const std::vector<std::string> kFields{
-    "MasterVolume",    "MasterMute", "LinePlayBack", "LinePlayBackMute", "MicPlayBack", "MicPlayBackMute",
-    "MicBoost",        "NoMonitor",  "Bass",         "MidRange",         "Treble",      "MicRecordVolume",
-    "LineRecordVolume"};
+    "Speakers/MasterVolume", "Speakers/MasterMute", "Speakers/LineVolume", "Speakers/LineMute",
+    "Speakers/MicVolume",    "Speakers/MicMute",    "Microphone/MicBoost", "Microphone/MonitorOff",
+    "Speakers/Bass",         "Speakers/MidRange",   "Speakers/Treble",     "Microphone/MicRecord",
+    "Microphone/LineRecord"};
 
-std::vector<std::string> Operations(const std::string& prefix, std::size_t count) {
+std::vector<std::string> FirstFields(std::size_t count) {
+    return {kFields.begin(), kFields.begin() + static_cast<std::ptrdiff_t>(count)};
+}
+
+// The controls that the operation reached, in order. Setting the master reads it twice.
+std::vector<std::string> Reached(const CallLog& log, const std::string& operation) {
     std::vector<std::string> names;
-    for (std::size_t i = 0; i < count; ++i) names.push_back(prefix + kFields[i]);
+    for (const std::string& line : log.Of(operation)) {
+        const std::string rest = line.substr(operation.size() + 1);
+        const std::string name = rest.substr(0, rest.find(' '));
+        if (names.empty() || names.back() != name) names.push_back(name);
+    }
     return names;
 }
 
-std::vector<std::string> OperationsOf(const CallLog& log) {
-    std::vector<std::string> names;
-    for (const std::string& line : log.Lines()) names.push_back(line.substr(0, line.find(' ')));
-    return names;
+TEST(StateLine, ReadsTheControlsInTheFieldsOrder) {
+    MemoryCard card;
+    EXPECT_EQ(VistaSound::GetVistaMixerState(card.library),
+              "80,False,30,True,20,True,False,True,-1.5,0,6,70,60,");
+    EXPECT_EQ(Reached(card.log, "Read"), kFields);
+    EXPECT_EQ(card.log.Lines().size(), kFields.size());
 }
 
-TEST(StateLine, CallsTheGetsInTheFieldsOrder) {
-    CallLog log;
-    MemoryVista card(log);
-    EXPECT_EQ(VistaSound::GetVistaMixerState(card), "80,False,30,True,20,True,False,True,-1.5,0,6,70,60,");
-    EXPECT_THAT(log.Lines(), ElementsAreArray(Operations("Get", 13)));
-}
-
-TEST(StateLine, CallsTheSetsInTheFieldsOrder) {
-    CallLog log;
-    MemoryVista card(log);
-    VistaSound::SetVistaMixerState(card, "1,True,2,False,3,False,True,False,-.5,1E+1,2.25,4.5,5.5,");
-    EXPECT_THAT(log.Lines(), ElementsAre("SetMasterVolume 1", "SetMasterMute True", "SetLinePlayBack 2",
-                                         "SetLinePlayBackMute False", "SetMicPlayBack 3",
-                                         "SetMicPlayBackMute False", "SetMicBoost True", "SetNoMonitor False",
-                                         "SetBass -0.500000", "SetMidRange 10.000000", "SetTreble 2.250000",
-                                         "SetMicRecordVolume 4", "SetLineRecordVolume 6"));
+TEST(StateLine, WritesTheControlsInTheFieldsOrder) {
+    MemoryCard card;
+    for (const MixerFunction tone : {MixerFunction::kBass, MixerFunction::kMidRange, MixerFunction::kTreble})
+        card.At(tone) = {{-64, 64}, {0}, GainRange{-16.0, 16.0}};
+    VistaSound::SetVistaMixerState(card.library, "1,True,2,False,3,False,True,False,-.5,1E+1,2.25,4.5,5.5,");
+    EXPECT_EQ(Reached(card.log, "Write"), kFields);
+    EXPECT_EQ(VistaSound::GetVistaMixerState(card.library),
+              "1,True,2,False,3,False,True,False,-.5,10,2.25,4,6,")
+        << "halves of the record levels are rounded to even";
 }
 
 TEST(StateLine, RoundTrips) {
-    CallLog log;
-    MemoryVista card(log);
-    card.bass = -0.25;
-    card.treble = 1e-5;
-    const std::string line = VistaSound::GetVistaMixerState(card);
-    MemoryVista other(log);
-    VistaSound::SetVistaMixerState(other, line);
-    EXPECT_EQ(VistaSound::GetVistaMixerState(other), line);
+    MemoryCard card;
+    card.At(MixerFunction::kBass) = {{0, 1}, {0}, GainRange{-0.25, 0.5}};
+    card.At(MixerFunction::kTreble) = {{0, 1}, {1}, GainRange{0.0, 1e-5}};
+    const std::string line = VistaSound::GetVistaMixerState(card.library);
+    MemoryCard other;
+    other.At(MixerFunction::kBass) = {{0, 1}, {1}, GainRange{-0.25, 0.5}};
+    other.At(MixerFunction::kTreble) = {{0, 1}, {0}, GainRange{0.0, 1e-5}};
+    VistaSound::SetVistaMixerState(other.library, line);
+    EXPECT_EQ(VistaSound::GetVistaMixerState(other.library), line);
     EXPECT_THAT(line, testing::HasSubstr(",-.25,0,1E-05,"));
 }
 
 TEST(StateLine, AcceptsNumbersForSwitchesBlanksAndTrailingText) {
-    CallLog log;
-    MemoryVista card(log);
-    VistaSound::SetVistaMixerState(card, " 7 ,-1,2,0,3,1,false,TRUE,0,0,0,4,5,whatever follows");
-    EXPECT_EQ(VistaSound::GetVistaMixerState(card), "7,True,2,False,3,True,False,True,0,0,0,4,5,");
+    MemoryCard card;
+    VistaSound::SetVistaMixerState(card.library, " 7 ,-1,2,0,3,1,false,TRUE,0,0,0,4,5,whatever follows");
+    EXPECT_EQ(VistaSound::GetVistaMixerState(card.library), "7,True,2,False,3,True,False,True,0,0,0,4,5,");
 }
 
 struct MalformedLine {
     std::string line;
     std::int32_t error;
-    std::size_t applied;  // fields before the one that is wrong
+    std::size_t applied;  // number of fields before the wrong one
 };
 class MalformedLines : public testing::TestWithParam<MalformedLine> {};
 INSTANTIATE_TEST_SUITE_P(
@@ -89,40 +92,40 @@ INSTANTIATE_TEST_SUITE_P(
                     MalformedLine{"50,True," + std::string(10000, '\xff') + ",", 13, 2}));
 
 TEST_P(MalformedLines, RaiseTheirErrorAfterTheFieldsBefore) {
-    CallLog log;
-    MemoryVista card(log);
+    MemoryCard card;
     EXPECT_EQ(ErrorOf([&] {
-                  VistaSound::SetVistaMixerState(card, GetParam().line);
+                  VistaSound::SetVistaMixerState(card.library, GetParam().line);
                   return 0;
               }),
               GetParam().error);
-    EXPECT_EQ(OperationsOf(log), Operations("Set", GetParam().applied));
+    EXPECT_EQ(Reached(card.log, "Read"), FirstFields(GetParam().applied));
 }
 
 TEST(StateToSave, KeepsTheFieldsOfControlsThatTheCardLacks) {
-    CallLog log;
-    MemoryVista card(log);
-    card.missing = {"MicBoost", "Bass", "MicRecordVolume", "LineRecordVolume"};
-    EXPECT_EQ(VistaSound::StateToSave(card, "1,True,2,False,3,False,True,False,4.5,5,6,33,44,"),
+    MemoryCard card;
+    for (const MixerFunction missing : {MixerFunction::kMicBoost, MixerFunction::kBass,
+                                        MixerFunction::kMicRecord, MixerFunction::kLineRecord})
+        card.Remove(missing);
+    EXPECT_EQ(VistaSound::StateToSave(card.library, "1,True,2,False,3,False,True,False,4.5,5,6,33,44,"),
               "80,False,30,True,20,True,True,True,4.5,0,6,33,44,");
-    EXPECT_EQ(OperationsOf(log), Operations("Get", 13));
+    EXPECT_THAT(card.Writes(), testing::IsEmpty());
 }
 
 TEST(StateToSave, IsThePresentStateOfACardWithEverything) {
-    CallLog log;
-    MemoryVista card(log);
-    EXPECT_EQ(VistaSound::StateToSave(card, "1,True,2,False,3,False,True,False,4.5,5,6,33,44,"),
-              VistaSound::GetVistaMixerState(card));
+    MemoryCard card;
+    EXPECT_EQ(VistaSound::StateToSave(card.library, "1,True,2,False,3,False,True,False,4.5,5,6,33,44,"),
+              VistaSound::GetVistaMixerState(card.library));
 }
 
-// A field that cannot be applied is not handed on.
+// A field that cannot be applied is not saved again.
 TEST(StateToSave, TakesNothingFromALineThatDoesNotConvert) {
-    CallLog log;
-    MemoryVista card(log);
-    card.missing = {"MicBoost", "MicRecordVolume", "LineRecordVolume"};
-    const std::string present = VistaSound::GetVistaMixerState(card);
+    MemoryCard card;
+    for (const MixerFunction missing :
+         {MixerFunction::kMicBoost, MixerFunction::kMicRecord, MixerFunction::kLineRecord})
+        card.Remove(missing);
+    const std::string present = VistaSound::GetVistaMixerState(card.library);
     for (const char* before : {"", "noise", "1,2,3,", "1,True,2,False,3,False,maybe,False,4.5,5,6,loud,,"})
-        EXPECT_EQ(VistaSound::StateToSave(card, before), present) << before;
+        EXPECT_EQ(VistaSound::StateToSave(card.library, before), present) << before;
 }
 
 TEST(SpeakerControls, AreTheLastOnesOfTheirNames) {

@@ -55,7 +55,7 @@ TEST_F(MenuCommandsTest, TellsTheNumberWhenThePageDoesNotOpen) {
 }
 
 TEST_F(MenuCommandsTest, StartsThePanelsOfTheNewerSystems) {
-    mixers.MixerDeviceNumber = 3;
+    mixers.numbers.MixerDeviceNumber = 3;
     for (const std::int32_t generation : {6, 10}) {
         log.Clear();
         shared.OsMajorVersion = generation;
@@ -67,12 +67,12 @@ TEST_F(MenuCommandsTest, StartsThePanelsOfTheNewerSystems) {
 
 TEST_F(MenuCommandsTest, StartsThePanelsOfTheOlderSystemsWithTheMixersNumbers) {
     shared.OsMajorVersion = 5;
-    mixers.MixerDeviceNumber = 0;
-    mixers.PlayMixerDeviceNumber = 0;
+    mixers.numbers.MixerDeviceNumber = 0;
+    mixers.numbers.PlayMixerDeviceNumber = 0;
     menus.mnuInputControl.UserChooses();
     menus.mnuPlayControl.UserChooses();
-    mixers.MixerDeviceNumber = 2;
-    mixers.PlayMixerDeviceNumber = 11;
+    mixers.numbers.MixerDeviceNumber = 2;
+    mixers.numbers.PlayMixerDeviceNumber = 11;
     menus.mnuInputControl.UserChooses();
     menus.mnuPlayControl.UserChooses();
     EXPECT_THAT(log.Lines(), ElementsAre("Run sndvol32 -R -D0", "Run sndvol32 -P -D0", "Run sndvol32 -R -D2",

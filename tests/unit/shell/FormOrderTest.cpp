@@ -13,9 +13,9 @@ using testing::ElementsAreArray;
 class WatchingMixers : public RecordingMixerSession {
 public:
     explicit WatchingMixers(CallLog& log) noexcept : RecordingMixerSession(log), log_(log) {}
-    void CaptureAndApplySaved() override {
+    void CaptureAndApplySaved(bool newerGeneration) override {
         if (lowEdgeHz) log_.Note("analysis from " + std::to_string(lowEdgeHz()) + " Hz");
-        RecordingMixerSession::CaptureAndApplySaved();
+        RecordingMixerSession::CaptureAndApplySaved(newerGeneration);
     }
     std::function<int()> lowEdgeHz;
 

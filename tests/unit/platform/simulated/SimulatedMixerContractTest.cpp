@@ -1,11 +1,10 @@
-#include "contract/MixerControlContract.h"
-#include "contract/MixerLibraryContract.h"
+#include "contract/MixerHardwareContract.h"
 #include "platform/simulated/SimulatedMixer.h"
 
 namespace sonavex {
 namespace {
 
-// The stepped card; Missing of its controls are taken out.
+// The stepped card without the controls in Missing.
 template <MixerFunction... Missing>
 class SimulatedMixerPlatform {
 public:
@@ -42,10 +41,8 @@ using Sparse =
                            MixerFunction::kMidRange, MixerFunction::kTreble, MixerFunction::kMicRecord,
                            MixerFunction::kMicBoost, MixerFunction::kMicSource, MixerFunction::kLineSource>;
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Simulated, MixerControlContract, Complete);
-INSTANTIATE_TYPED_TEST_SUITE_P(Simulated, MixerLibraryContract, Complete);
-INSTANTIATE_TYPED_TEST_SUITE_P(SimulatedSparse, MixerControlContract, Sparse);
-INSTANTIATE_TYPED_TEST_SUITE_P(SimulatedSparse, MixerLibraryContract, Sparse);
+INSTANTIATE_TYPED_TEST_SUITE_P(Simulated, MixerHardwareContract, Complete);
+INSTANTIATE_TYPED_TEST_SUITE_P(SimulatedSparse, MixerHardwareContract, Sparse);
 
 }  // namespace
 }  // namespace sonavex

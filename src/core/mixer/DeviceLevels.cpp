@@ -1,15 +1,14 @@
-#include "platform/mixer/HardwareLevels.h"
+#include "core/mixer/DeviceLevels.h"
 
-#include <algorithm>
 #include <sstream>
-#include <utility>
+#include <vector>
 
 #include "core/support/RuntimeError.h"
 
 namespace sonavex {
 namespace {
 
-// The text of a line after its name; nothing when the text has no such line.
+// The values in the line of that key, as text; nothing when the text has no such line.
 std::optional<std::string> LineOf(const std::string& levels, const std::string& key) {
     std::istringstream lines(levels);
     for (std::string line; std::getline(lines, line);)
@@ -18,7 +17,7 @@ std::optional<std::string> LineOf(const std::string& levels, const std::string& 
     return {};
 }
 
-// The control's line, with its end; empty when the card does not answer.
+// The control's line with its line end; empty when the control does not answer.
 std::string LineFor(const DeviceMixer::RawEntry& entry) {
     try {
         std::string line = entry.key + '\t';
@@ -30,7 +29,7 @@ std::string LineFor(const DeviceMixer::RawEntry& entry) {
     }
 }
 
-// False when the card did not take the values. A line that does not fit the control is left out.
+// False when the device rejected the values. A line with another number of values is skipped.
 bool Put(MixerElement& element, const std::string& line) {
     std::istringstream numbers(line);
     std::vector<std::int32_t> values;
@@ -46,7 +45,7 @@ bool Put(MixerElement& element, const std::string& line) {
 
 }  // namespace
 
-std::optional<std::string> HardwareLevels::Read(const MixerDevice& device) {
+std::optional<std::string> DeviceLevels::Read(const MixerDevice& device) {
     const std::shared_ptr<DeviceMixer> mixer = hardware_.Open(device);
     if (!mixer) return {};
     std::string levels;
@@ -56,13 +55,13 @@ std::optional<std::string> HardwareLevels::Read(const MixerDevice& device) {
     return levels;
 }
 
-bool HardwareLevels::Write(const MixerDevice& device, const std::string& levels) {
+bool DeviceLevels::Write(const MixerDevice& device, const std::string& levels) {
     const std::shared_ptr<DeviceMixer> mixer = hardware_.Open(device);
     if (!mixer) return false;
-    bool taken = true;
+    bool accepted = true;
     for (const DeviceMixer::RawEntry& entry : mixer->RawEntries())
-        if (const auto line = LineOf(levels, entry.key)) taken = Put(*entry.element, *line) && taken;
-    return taken;
+        if (const auto line = LineOf(levels, entry.key)) accepted = Put(*entry.element, *line) && accepted;
+    return accepted;
 }
 
 }  // namespace sonavex

@@ -1,4 +1,4 @@
-#include "platform/mixer/LayeredMixer.h"
+#include "platform/combined/LayeredMixer.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +13,7 @@ public:
 
     MixerElement* Find(MixerFunction function) override { return LayerOf(function).Find(function); }
     bool Serves(MixerFunction function) override { return LayerOf(function).Serves(function); }
-    // The server may move the card's controls when it takes its levels, so the card comes last.
+    // Restoring a level of the server can change the card's controls, so the card is restored last.
     std::vector<RawEntry> RawEntries() override {
         std::vector<RawEntry> entries = front_->RawEntries();
         for (const RawEntry& entry : back_->RawEntries())
@@ -22,7 +22,8 @@ public:
     }
 
 private:
-    // A front that has one record level knows whose it is: the other is then not the card's either.
+    // A front with one record level knows which input it belongs to. The back's level for the other input
+    // would be the same control under another name.
     DeviceMixer& LayerOf(MixerFunction function) {
         const bool record = function == MixerFunction::kMicRecord || function == MixerFunction::kLineRecord;
         const bool atFront = record ? front_->Find(MixerFunction::kMicRecord) != nullptr ||

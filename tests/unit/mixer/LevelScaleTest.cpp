@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "platform/mixer/LevelScale.h"
+#include "core/mixer/LevelScale.h"
 
 namespace sonavex {
 namespace {

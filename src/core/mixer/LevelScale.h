@@ -3,26 +3,27 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/mixer/MixerHardware.h"
+#include "core/ports/MixerHardware.h"
 
-// Raw values and the scales in which the instrument shows them.
+// Conversions between the hardware's steps and the scales of the instrument.
 namespace sonavex {
 
-// Place of a raw value in its range, 0 to full, rounded; a raw value outside counts as the nearest
-// limit.
+// Position of a raw value in its range, 0 to full, rounded. A value outside the range counts as the
+// nearest limit.
 std::int32_t ToScale(std::int32_t raw, const RawRange& range, std::int32_t full) noexcept;
-// The raw value nearest to that place; clamped.
+// The raw value nearest to a position; clamped to the range.
 std::int32_t FromScale(std::int32_t value, const RawRange& range, std::int32_t full) noexcept;
 
-// Level of a control of several channels in whole percent: the loudest channel's.
+// Level of a control in whole percent: that of its loudest channel.
 std::int32_t PercentOf(const std::vector<std::int32_t>& values, const RawRange& range) noexcept;
-// The values with the loudest channel at this level and the balance as it was. From silence all
-// channels come alike.
+// Scales the channels so that the loudest has this level and the balance is kept. When all channels are
+// silent they get the same value.
 std::vector<std::int32_t> AtPercent(const std::vector<std::int32_t>& values, const RawRange& range,
                                     std::int32_t percent);
 
-// Gain of a raw value in decibels, and the raw value nearest to a gain.
+// Gain of a raw value in decibels.
 double ToGain(std::int32_t raw, const RawRange& range, const GainRange& gains) noexcept;
+// The raw value nearest to a gain; clamped to the range.
 std::int32_t FromGain(double gainDb, const RawRange& range, const GainRange& gains) noexcept;
 
 }  // namespace sonavex

@@ -4,13 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "platform/mixer/MixerHardware.h"
+#include "core/ports/MixerHardware.h"
 
 namespace sonavex {
 
-// Two ways to the levels of a device in one: what the front has is used there, what only the back has
-// is used there; record levels are the front's alone when it has any. So a sound server keeps the levels that
-// it manages, and the card behind it adds the rest. The devices are those of both, the front's first.
+// Combines two mixers of the same devices: a sound server (front) and the cards behind it (back). A
+// control that the front has is used there, so that the server keeps the levels that it manages; the back
+// adds the rest. When the front has a record level, both record levels are the front's. The devices are
+// those of both, the front's first.
 class LayeredMixer : public MixerHardware {
 public:
     LayeredMixer(std::unique_ptr<MixerHardware> front, std::unique_ptr<MixerHardware> back)

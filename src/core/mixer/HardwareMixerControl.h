@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "core/ports/MixerControl.h"
-#include "platform/mixer/MixerHardware.h"
+#include "core/mixer/MixerControl.h"
+#include "core/ports/MixerHardware.h"
 
 namespace sonavex {
 
-// The older mixer control on any hardware: one destination with the controls that the device has, the
-// master's last. A master, or its mute, that the device lacks stands in its place and never answers, so
-// that the last volume and the last mute are the speaker's or nobody's. Writing one channel of a switch
-// writes all of them. Of devices whose names begin alike the longer name comes first, so that a sound
-// device finds its own mixer.
+// The older mixer control over any hardware. It offers one destination with the controls that the device
+// has. Master volume and master mute are always the last controls: where the device lacks one, a
+// placeholder that never answers takes its position, so that a search for the last volume or mute finds
+// the master's or nothing. Devices are listed by decreasing length of their names, because a search by
+// the beginning of a name takes the first match.
 class HardwareMixerControl : public MixerControl {
 public:
     // The hardware must outlive this object.
@@ -42,7 +42,7 @@ public:
     void SetValue(std::int16_t channel, std::int32_t value) override;
     void Commit() override;
 
-    // One kind of control: what it is called and how it is counted.
+    // How a function appears as a control.
     struct Kind {
         MixerFunction function;
         const char* name;
@@ -51,18 +51,18 @@ public:
     };
 
 private:
-    struct Present {
+    struct Entry {
         const Kind* kind;
-        MixerElement* element;  // nullptr for one that never answers
+        MixerElement* element;  // nullptr: a placeholder
     };
-    const Present* Selected() const;
+    const Entry* Selected() const;
 
     MixerHardware& hardware_;
     MixerSide side_;
     std::vector<std::string> names_;
     std::string deviceName_;
     std::shared_ptr<DeviceMixer> device_;
-    std::vector<Present> controls_;
+    std::vector<Entry> controls_;
     std::int16_t destination_ = 0;
     std::int16_t control_ = 0;
     std::int16_t line_ = 0;

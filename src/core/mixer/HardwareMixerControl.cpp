@@ -1,11 +1,11 @@
-#include "platform/mixer/HardwareMixerControl.h"
+#include "core/mixer/HardwareMixerControl.h"
 
 #include <algorithm>
 #include <span>
 #include <utility>
 
+#include "core/mixer/LevelScale.h"
 #include "core/support/RuntimeError.h"
-#include "platform/mixer/LevelScale.h"
 
 namespace sonavex {
 namespace {
@@ -46,11 +46,11 @@ bool IsMaster(MixerFunction function) {
 
 using Pending = std::array<std::optional<std::int32_t>, 2>;
 
-// What a channel shall become. Further channels follow left and right in turn; a single one takes what
-// there is, and so do all of a switch.
-std::optional<std::int32_t> WantedFor(std::size_t channel, const Pending& pending, bool any) {
+// The pending value for a channel of the hardware. Even channels take the left value, odd ones the right.
+// eitherSide: a channel without a value takes that of the other side.
+std::optional<std::int32_t> WantedFor(std::size_t channel, const Pending& pending, bool eitherSide) {
     const std::optional<std::int32_t>& own = pending.at(channel % 2);
-    return own || !any ? own : pending.at((channel + 1) % 2);
+    return own || !eitherSide ? own : pending.at((channel + 1) % 2);
 }
 
 }  // namespace
@@ -88,28 +88,28 @@ std::int16_t HardwareMixerControl::ControlCount() {
 void HardwareMixerControl::SetControl(std::int16_t control) {
     control_ = control;
     pending_ = {};
-    if (const Present* selected = Selected()) line_ = selected->kind->line;
+    if (const Entry* selected = Selected()) line_ = selected->kind->line;
 }
 
-const HardwareMixerControl::Present* HardwareMixerControl::Selected() const {
+const HardwareMixerControl::Entry* HardwareMixerControl::Selected() const {
     if (destination_ != 0 || control_ < 0 || static_cast<std::size_t>(control_) >= controls_.size())
         return nullptr;
     return &controls_[static_cast<std::size_t>(control_)];
 }
 
 std::string HardwareMixerControl::ControlName() {
-    const Present* const selected = Selected();
+    const Entry* const selected = Selected();
     return selected == nullptr ? "" : selected->kind->name;
 }
 
 MixerControlDescription HardwareMixerControl::Description() {
-    const Present* const selected = Selected();
+    const Entry* const selected = Selected();
     if (selected == nullptr) return {};
     return {selected->kind->type, 0, MaximumOf(selected->kind->type)};
 }
 
 std::int32_t HardwareMixerControl::Value(std::int16_t channel) {
-    const Present* const selected = Selected();
+    const Entry* const selected = Selected();
     if (selected == nullptr || selected->element == nullptr || channel < 0 || channel > 1) return -1;
     try {
         const std::vector<std::int32_t> values = selected->element->Read();
@@ -121,29 +121,29 @@ std::int32_t HardwareMixerControl::Value(std::int16_t channel) {
 }
 
 void HardwareMixerControl::SetValue(std::int16_t channel, std::int32_t value) {
-    const Present* const selected = Selected();
+    const Entry* const selected = Selected();
     if (selected == nullptr || channel < 0 || channel > 1) return;
     pending_[static_cast<std::size_t>(channel)] = std::clamp(value, 0, MaximumOf(selected->kind->type));
 }
 
 void HardwareMixerControl::Commit() {
     const Pending pending = std::exchange(pending_, {});
-    const Present* const selected = Selected();
+    const Entry* const selected = Selected();
     if (selected == nullptr || selected->element == nullptr) return;
     const std::int32_t full = MaximumOf(selected->kind->type);
     try {
         const RawRange range = selected->element->Range();
         const std::vector<std::int32_t> before = selected->element->Read();
-        const bool any = before.size() == 1 || selected->kind->type == mixer_type::kSwitch;
+        const bool eitherSide = before.size() == 1 || selected->kind->type == mixer_type::kSwitch;
         std::vector<std::int32_t> values = before;
         for (std::size_t channel = 0; channel < values.size(); ++channel) {
-            const std::optional<std::int32_t> wanted = WantedFor(channel, pending, any);
+            const std::optional<std::int32_t> wanted = WantedFor(channel, pending, eitherSide);
             if (wanted && *wanted != ToScale(before[channel], range, full))
                 values[channel] = FromScale(*wanted, range, full);
         }
         if (values != before) selected->element->Write(values);
     } catch (const RuntimeError&) {
-        // The control keeps its value, and reading tells.
+        // The control keeps its value; the next Value reports the failure.
     }
 }
 

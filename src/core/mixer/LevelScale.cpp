@@ -1,4 +1,4 @@
-#include "platform/mixer/LevelScale.h"
+#include "core/mixer/LevelScale.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,7 +12,7 @@ double Span(const RawRange& range) noexcept {
     return static_cast<double>(range.maximum) - range.minimum;
 }
 
-// Part of the range, 0 to 1; 0 for a range of one value.
+// Position in the range, 0 to 1; 0 when the range is a single value.
 double PartOf(std::int32_t raw, const RawRange& range) noexcept {
     if (range.maximum <= range.minimum) return 0.0;
     return (static_cast<double>(std::clamp(raw, range.minimum, range.maximum)) - range.minimum) / Span(range);
