@@ -9,9 +9,9 @@
 
 namespace sonavex::fuzz {
 
-// The simulated card's mixer and all that is made of it.
+// The simulated card's mixer with the older control, the library and the raw levels over it.
 struct MixerBench {
-    // Every bit of `lacking` takes a control away, in the order of MixerFunction.
+    // Each bit of `lacking` removes a control, in the order of MixerFunction.
     explicit MixerBench(std::uint32_t lacking = 0) {
         for (int function = 0; function <= static_cast<int>(MixerFunction::kLineSource); ++function)
             if (((lacking >> static_cast<unsigned>(function)) & 1U) != 0)
@@ -24,7 +24,7 @@ struct MixerBench {
         library.OpenSoundCard(name, name, "", status);
     }
 
-    // Every control has a value that it can have.
+    // Requires every control's value to be inside its range.
     void Check() {
         CheckLibrary();
         for (const MixerSide side : {MixerSide::kPlayback, MixerSide::kCapture}) {

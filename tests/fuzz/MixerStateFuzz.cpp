@@ -1,5 +1,5 @@
 // Stored mixer levels: state lines of both generations and the journal of the user's own levels. The first
-// byte chooses which, the next two take controls away.
+// byte selects which, the next two remove controls.
 
 #include "core/mixer/LegacyMixerState.h"
 #include "core/mixer/LevelKeeper.h"
@@ -54,7 +54,7 @@ void SetVista(MixerBench& bench, std::string_view line) {
             state);
 }
 
-// What is saved can be applied, whatever was saved before.
+// A line that was saved can be applied, whatever was saved before it.
 void SaveVista(MixerBench& bench, std::string_view savedBefore) {
     const std::string line = VistaSound::StateToSave(bench.library, savedBefore);
     VistaSound::SetVistaMixerState(bench.library, line);
@@ -62,8 +62,7 @@ void SaveVista(MixerBench& bench, std::string_view savedBefore) {
     Require(VistaSound::StateToSave(bench.library, line) == line, "what is saved stays", line);
 }
 
-// The journal of a run that was killed is made good, and this run's journal is empty at its end but for
-// devices that are not there.
+// Restores the journal of a killed run. At the end of this run the journal contains only absent devices.
 void UseJournal(MixerBench& bench, std::string_view text) {
     TextJournal journal;
     journal.text = text;
@@ -73,7 +72,7 @@ void UseJournal(MixerBench& bench, std::string_view text) {
     keeper.Restore();
     bench.Check();
     const std::string left = journal.text;
-    // An entry stands behind an empty line.
+    // An empty line precedes each entry.
     for (const char* head : {"playback\t", "capture\t"})
         Require(("\n\n" + left).find("\n\n" + std::string(head) + bench.name + "\n") == std::string::npos,
                 "the card's levels are given back", left);

@@ -10,7 +10,7 @@
 
 namespace sonavex {
 
-// Mixers made of lists. Every value that reaches the card is recorded: "CONTROL NAME/CHANNEL=VALUE".
+// Mixers with any destinations and controls. Records every committed value: "CONTROL NAME/CHANNEL=VALUE".
 class FakeMixerControl : public MixerControl {
 public:
     struct Entry {
@@ -85,7 +85,7 @@ public:
         ++commits;
     }
 
-    // The first control of that name of the selected device.
+    // The first control of that name on the selected device.
     Entry& Find(const std::string& name) {
         for (Controls& controls : devices.at(static_cast<std::size_t>(device_)).destinations)
             for (Entry& entry : controls)

@@ -30,7 +30,7 @@ Widget& Find(QWidget& dialog, const char* name) {
     return *widget;
 }
 
-// Both ways: every control has its widget of the same name, every prefixed widget a control.
+// Every control has a widget, and every widget with a control's prefix has a control.
 void ExpectJoined(ui::ModelessDialog& dialog, std::size_t controls) {
     std::set<QObject*> widgets;
     std::set<Control*> bound;
@@ -87,7 +87,8 @@ TEST(MixerDialogs, HaveTheirCaptionsAndToolTips) {
 
 using Captions = std::vector<std::pair<const char*, const char*>>;
 
-// Of labels, boxes and buttons by name; the empty name stands for any label, such as a frame's title.
+// Captions of labels, boxes and buttons by name. An empty name stands for any label, such as a frame's
+// title.
 void ExpectCaptions(QWidget& dialog, const Captions& captions) {
     std::set<std::string> titles;
     for (const QLabel* label : dialog.findChildren<QLabel*>()) titles.insert(label->text().toStdString());
@@ -144,7 +145,7 @@ TEST(VistaDialog, NamesItsControls) {
         {{"lblBass", "Bass :"}, {"lblMid", "Mid Range :"}, {"lblTreble", "Treble :"}, {"cmdClose", "Close"}});
 }
 
-TEST(MixerDialogs, OpenOnceBesideTheMainWindow) {
+TEST(MixerDialogs, OpenOnceAndAreNotModal) {
     MixerRig rig(10);
     rig.session.ShowSoundCard();
     rig.session.ShowSoundCard();
@@ -187,7 +188,7 @@ TEST(MixerDialogs, ComeBackWhereTheyWere) {
     EXPECT_EQ(rig.dialogs.SoundVista.pos(), QPoint(123, 77));
 }
 
-// Whatever figures stand beside them.
+// The percentages next to them have different widths.
 TEST(MixerDialogs, EndTheirSlidersInOneLine) {
     for (const std::int32_t generation : {5, 10}) {
         MixerRig rig(generation);
@@ -236,7 +237,7 @@ TEST(VistaDialog, ChecksTheBoostThatOthersSwitchOn) {
     EXPECT_TRUE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
 }
 
-TEST(VistaDialog, TellsOfADivisionByZero) {
+TEST(VistaDialog, ReportsADivisionByZero) {
     MixerRig rig(10);
     rig.session.ShowSoundCard();
     Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(0);
@@ -258,7 +259,7 @@ TEST(VistaDialog, GreysWhatTheCardLacks) {
     EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "lblInputMixer").text(), "Not Selected");
 }
 
-// The last volume and the last mute would otherwise be the microphone's.
+// Without placeholders the last volume and the last mute would be the microphone's.
 TEST(VistaDialog, OfACardWithoutMasterMovesNothingElse) {
     MixerRig rig(10, {MixerFunction::kMasterVolume, MixerFunction::kMasterMute});
     rig.session.ShowSoundCard();

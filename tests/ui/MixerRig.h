@@ -11,7 +11,7 @@
 
 namespace sonavex {
 
-// The real dialogs over the real forms on the simulated card's mixer, after the start.
+// The real dialogs and forms over the simulated card's mixer, after the start.
 struct MixerRig {
     explicit MixerRig(std::int32_t osMajorVersion, const std::vector<MixerFunction>& missing = {}) {
         desktop.majorVersion = osMajorVersion;

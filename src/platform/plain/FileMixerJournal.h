@@ -7,8 +7,8 @@
 
 namespace sonavex {
 
-// The journal of the mixers in a file of its own, replaced as a whole and readable for the user alone.
-// There is no file while nothing is kept.
+// The mixer journal as a private file that only the user can read, replaced atomically. An empty journal
+// has no file.
 class FileMixerJournal : public MixerJournal {
 public:
     explicit FileMixerJournal(std::filesystem::path file) : file_(std::move(file)) {}

@@ -56,7 +56,7 @@ std::string FakeMixerCards::PutIn(int number) {
     state.values[kFakeSource] = {1, 0};
     state.values[kFakeBass] = {7, 0};
     state.values[kFakeTreble] = {7, 0};
-    state.missing.at(kFakePlainBoost) = 1;  // the microphone's own is there
+    state.missing.at(kFakePlainBoost) = 1;  // the card has a microphone boost
     Save(number, state);
     return "hw:" + std::to_string(number);
 }

@@ -8,8 +8,8 @@
 
 namespace sonavex {
 
-// Cards without hardware for libasound that have a mixer only: "hw:N" for the number of a card. While
-// this object lives this process's ALSA configuration holds them and nothing else. One at a time.
+// Cards without hardware for libasound that are only mixers: "hw:N" for card N. While this object exists,
+// the process's ALSA configuration contains these cards only. One object at a time.
 class FakeMixerCards {
 public:
     FakeMixerCards();
@@ -17,13 +17,13 @@ public:
     FakeMixerCards(const FakeMixerCards&) = delete;
     FakeMixerCards& operator=(const FakeMixerCards&) = delete;
 
-    // Puts a card in, with its levels as they are at first; the name of its control.
+    // Inserts a card with its initial levels. Returns the name of its control.
     std::string PutIn(int number);
-    // As another program.
+    // Changes a control as another program does.
     void Change(int number, FakeControl control, const std::vector<std::int32_t>& values);
     std::vector<std::int32_t> Values(int number, FakeControl control) const;
     void PullOut(int number);
-    // The driver takes the control away, or brings it again.
+    // Removes a control as a driver does, or adds it again.
     void Offer(int number, FakeControl control, bool offered);
 
 private:

@@ -1,6 +1,6 @@
 // A sound card that is only a mixer, as a plugin of libasound ("ctl" of type "fakemixer"). Its controls
 // are those of a common card; their values are in the file that the configuration's "state" names.
-// Whoever writes the file is another program that changes the levels.
+// Writing that file simulates another program that changes the levels.
 
 #define PIC 1  // libasound's headers export the plugin's version by it
 #include <alsa/asoundlib.h>
@@ -58,14 +58,14 @@ constexpr std::array<const char*, 4> kSources{"CD", "Front Mic", "Line", "Rear M
 struct FakeCard {
     snd_ctl_ext_t ext{};
     int file = -1;
-    FakeMixerState seen;  // as the events told so far
+    FakeMixerState seen;  // as reported by events so far
 };
 
 FakeCard& CardOf(snd_ctl_ext_t* ext) {
     return *static_cast<FakeCard*>(ext->private_data);
 }
 
-// 0, or the error of a card that is gone.
+// 0, or the error when the card is gone.
 int Load(const FakeCard& card, FakeMixerState& state) {
     const ssize_t bytes = pread(card.file, &state, sizeof state, 0);
     return bytes == static_cast<ssize_t>(sizeof state) && state.pulledOut == 0 ? 0 : -ENODEV;
@@ -77,7 +77,7 @@ void Close(snd_ctl_ext_t* ext) {
     close(ext->poll_fd);
 }
 
-// Of the controls that the driver has told of and not taken away.
+// The controls that the driver has reported and not removed.
 std::vector<unsigned> OfferedKeys(const FakeCard& card) {
     std::vector<unsigned> keys;
     for (unsigned key = 0; key < kFakeControls; ++key)
@@ -101,7 +101,7 @@ int List(snd_ctl_ext_t* ext, unsigned offset, snd_ctl_elem_id_t* id) {
     return 0;
 }
 
-// Numbers move when a control goes; names stay.
+// Removing a control changes the numbers of others, but not their names.
 snd_ctl_ext_key_t Find(snd_ctl_ext_t* ext, const snd_ctl_elem_id_t* id) {
     for (const unsigned key : OfferedKeys(CardOf(ext)))
         if (std::strcmp(kDefinitions.at(key).name, snd_ctl_elem_id_get_name(id)) == 0) return key;
@@ -183,7 +183,7 @@ int WriteChoice(snd_ctl_ext_t* ext, snd_ctl_ext_key_t key, unsigned* item) {
 
 void Subscribe(snd_ctl_ext_t*, int) {}
 
-// One control that differs from what was told last; nothing more to tell ends the round.
+// Reports one control that has changed since it was last reported; ends when there is none.
 int ReadEvent(snd_ctl_ext_t* ext, snd_ctl_elem_id_t* id, unsigned* mask) {
     FakeCard& card = CardOf(ext);
     FakeMixerState state;
@@ -224,7 +224,7 @@ const snd_ctl_ext_callback_t kCallbacks = [] {
     return callbacks;
 }();
 
-// The file that the configuration names; nullptr without one.
+// The file that the configuration names; nullptr when it names none.
 const char* StateFile(snd_config_t* configuration) {
     snd_config_t* entry = nullptr;
     const char* file = nullptr;

@@ -5,8 +5,7 @@
 
 namespace sonavex {
 
-// What the fake card's file holds: shared by the plugin that libasound loads and by the tests, which
-// play the other program.
+// Contents of the fake card's file. The plugin that libasound loads and the tests share it.
 enum FakeControl : std::uint32_t {
     kFakeMaster,
     kFakeMasterSwitch,

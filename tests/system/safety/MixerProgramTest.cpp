@@ -1,4 +1,4 @@
-// The program on a sound server of the test's own: the user's levels survive it, however it ends.
+// The program on a private sound server: the user's levels are restored however it ends.
 
 #include <gmock/gmock.h>
 
@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-// Between percents, and not alike.
+// Two different levels between whole percents.
 constexpr const char* kOwnVolumes[] = {"20123", "40111"};
 constexpr const char* kProgramLine = "30,False,0,True,0,True,False,True,0,0,0,55,60,";
 
@@ -52,7 +52,7 @@ protected:
                                               folder_.Path() / "output");
     }
     std::string Volumes() const { return server_.Control({"get-sink-volume", "card"}); }
-    // Within a limit that a loaded machine keeps.
+    // The limit allows for a loaded machine.
     bool Reaches(const std::string& volume) const {
         const auto end = std::chrono::steady_clock::now() + 30s;
         while (Volumes().find(volume) == std::string::npos) {
@@ -70,7 +70,7 @@ protected:
     PulseServer server_{{{"card", 48000, "Test-Card"}}};
 };
 
-TEST_F(MixerProgram, PutsTheUsersLevelsBackWhenAskedToEnd) {
+TEST_F(MixerProgram, RestoresTheUsersLevelsWhenAskedToEnd) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         const auto program = Start();
         ASSERT_TRUE(Reaches("30%")) << "the program's own level";
@@ -84,7 +84,7 @@ TEST_F(MixerProgram, PutsTheUsersLevelsBackWhenAskedToEnd) {
     }
 }
 
-TEST_F(MixerProgram, OfAKilledRunIsMadeGoodByTheNextOne) {
+TEST_F(MixerProgram, RestoresTheLevelsOfAKilledRun) {
     const auto killed = Start();
     ASSERT_TRUE(Reaches("30%"));
     killed->Kill();
@@ -92,14 +92,14 @@ TEST_F(MixerProgram, OfAKilledRunIsMadeGoodByTheNextOne) {
     ASSERT_TRUE(std::filesystem::exists(Journal()));
     Write("");
     const auto next = Start();
-    ASSERT_TRUE(Reaches(kOwnVolumes[1])) << "given back at the start";
+    ASSERT_TRUE(Reaches(kOwnVolumes[1])) << "restored at the start";
     next->Send(SIGTERM);
     ASSERT_TRUE(next->WaitForEnd(30s));
     ExpectOwnVolumes();
 }
 
-// The message about the line stands open, and nobody answers it.
-TEST_F(MixerProgram, WithALineThatDoesNotConvertEndsInOrderToo) {
+// The message about the line is open and is not answered.
+TEST_F(MixerProgram, EndsRegularlyWithALineThatDoesNotConvert) {
     Write("30,False,loud,");
     const auto program = Start();
     ASSERT_TRUE(Reaches("30%")) << "the fields before are applied";
@@ -110,7 +110,7 @@ TEST_F(MixerProgram, WithALineThatDoesNotConvertEndsInOrderToo) {
     EXPECT_THAT(Stored(), HasSubstr("VistaSoundCard=30,False,loud,"));
 }
 
-// A sink that names the card that serves it: what the server does not manage is the card's own.
+// A sink with a card behind it, whose mixer has the controls that the server does not manage.
 class CardProgram : public MixerProgram {
 protected:
     static constexpr int kCard = 3;
@@ -143,12 +143,12 @@ protected:
     FakeMixerCards cards_;
 };
 
-TEST_F(CardProgram, SetsTheCardBehindTheServerAndPutsItBack) {
+TEST_F(CardProgram, SetsAndRestoresTheCardBehindTheServer) {
     const auto program = Start();
     ASSERT_TRUE(Reaches(kFakeLine, {31, 31}));
     ASSERT_TRUE(Reaches(kFakeTreble, {11, 0}));
     EXPECT_EQ(At(kFakeBass)[0], 0);
-    EXPECT_EQ(At(kFakeMaster), (std::vector<std::int32_t>{60, 50})) << "the server's to manage";
+    EXPECT_EQ(At(kFakeMaster), (std::vector<std::int32_t>{60, 50})) << "the server manages this level";
     program->Send(SIGTERM);
     ASSERT_TRUE(program->WaitForEnd(30s));
     EXPECT_EQ(program->Status(), 0);
@@ -156,7 +156,7 @@ TEST_F(CardProgram, SetsTheCardBehindTheServerAndPutsItBack) {
     EXPECT_THAT(Stored(), HasSubstr("VistaSoundCard=30,False,100,False,0,True,"));
 }
 
-TEST_F(CardProgram, OfAKilledRunIsMadeGoodByTheNextOne) {
+TEST_F(CardProgram, RestoresTheLevelsOfAKilledRun) {
     const auto killed = Start();
     ASSERT_TRUE(Reaches(kFakeTreble, {11, 0}));
     killed->Kill();

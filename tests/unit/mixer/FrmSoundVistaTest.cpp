@@ -12,7 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The speaker's controls are on a mixer of their own, so that they differ from the library's master.
+// The speaker's controls are on a separate mixer, so that they differ from the library's master.
 struct VistaRig : MemoryCard {
     FakeMixerControl output{
         {{FakeMixerControl::Level("Wave Volume", 1), FakeMixerControl::Switch("Wave Mute"),
@@ -122,7 +122,7 @@ TEST_P(VistaSliders, SetTheirLevel) {
     EXPECT_EQ((rig.form.*GetParam().slider).Max(), 100);
 }
 
-TEST_P(VistaSliders, AreGreyedWithTheirLabelAndComeBack) {
+TEST_P(VistaSliders, AreDisabledWithTheirLabelAndEnabledAgain) {
     VistaRig rig;
     const MemoryHardware::Controls complete = rig.Side(GetParam().control);
     rig.Remove(GetParam().control);
@@ -163,7 +163,7 @@ TEST_P(VistaBoxes, SetTheirState) {
     EXPECT_EQ(rig.Writes().size(), 2U);
 }
 
-TEST_P(VistaBoxes, AreGreyedAndComeBack) {
+TEST_P(VistaBoxes, AreDisabledAndEnabledAgain) {
     VistaRig rig;
     const MemoryHardware::Controls complete = rig.Side(GetParam().control);
     rig.Remove(GetParam().control);
@@ -189,7 +189,7 @@ TEST(InputDevice, WithoutAMicrophoneLevelIsShownAtLineIn) {
     EXPECT_EQ(rig.form.lblLineInMixer.Caption(), "Microphone of a card");
 }
 
-TEST(Master, ShowsTheLevelThatTheCardTook) {
+TEST(Master, ShowsTheLevelThatTheCardAccepted) {
     VistaRig rig;
     rig.form.Show();
     rig.At(MixerFunction::kMasterVolume).highest = 64;

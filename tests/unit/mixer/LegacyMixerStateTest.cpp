@@ -41,7 +41,7 @@ TEST(LegacyState, OfNoMixerIsEmptyAndEmptySetsNothing) {
     EXPECT_THAT(mixer.written, IsEmpty());
 }
 
-TEST(LegacyState, LeavesOutWhatTheMixerLacks) {
+TEST(LegacyState, SkipsControlsThatTheMixerLacks) {
     FakeMixerControl mixer = TwoDestinations();
     SetLegacyMixerState(mixer, "7,Bass,1,1,0,Treble,2,2,0,Wave Volume,-1,-1,1,Mute,0,0,");
     EXPECT_THAT(mixer.written, ElementsAre("Mute/0=0", "Mute/1=0"));

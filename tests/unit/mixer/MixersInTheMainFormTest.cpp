@@ -1,4 +1,4 @@
-// The mixers over a run of the main form: from the start over other devices to the end.
+// The mixers during a run of the main form: start, other devices, end.
 
 #include <gmock/gmock.h>
 
@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(Lines, BadSavedLines,
                          testing::Values("50,True", "50,loud,", "50,,", std::string(10000, 'n'),
                                          std::string(10000, '\xff') + ",", "50,True,99999999999,"));
 
-TEST_P(BadSavedLines, DoNotKeepTheInstrumentFromRunning) {
+TEST_P(BadSavedLines, DoNotPreventTheStart) {
     MixedForm world(10);
     world.store.Save("Settings", "VistaSoundCard", GetParam());
     world.form.Form_Load();

@@ -328,8 +328,7 @@ TEST(OlderMixers, AtAnImmediateEndRestoreAndSaveNothing) {
     EXPECT_EQ(world.Input(), world.mixers.InitialInputMixerState);
 }
 
-// The journal restores every level in any case; the state lines restore them too, from the start's capture.
-TEST(OlderMixers, RestoreTheCapturedStateOfADeviceThatTheJournalDoesNotKnow) {
+TEST(OlderMixers, RestoreRawLevelsAfterTheLines) {
     Older world;
     world.Start();
     world.mixers.InitialOutputMixerState = "0,Master Volume,5,6,";

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint32_t kMixerRateHz = 48000;
 constexpr std::size_t kFrames = 4096;
 
-// A sine through the stepped card with its mixer: levels of what is captured.
+// Sends a sine through the stepped card with its mixer and measures the captured levels.
 class MixerLoop {
 public:
     MixerLoop() {
@@ -26,7 +26,7 @@ public:
             {0, 32768, WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
     }
 
-    // Captured peak of each channel for such a sine with a peak of 4000, after it has settled.
+    // Captured peak of each channel for a sine of this frequency with a peak of 4000, once settled.
     std::array<int, 2> Peaks(double frequencyHz) {
         std::vector<std::int16_t> played(32768);
         for (std::size_t i = 0; i < played.size(); ++i)
@@ -65,7 +65,7 @@ private:
 
 constexpr double kToneHz = 1125.0;  // whole periods in the buffer
 
-TEST(SimulatedMixer, IsAPieceOfWireAtFirst) {
+TEST(SimulatedMixer, PassesSamplesUnchangedAtFirst) {
     MixerPath path;
     MixerLoop untouched;
     EXPECT_EQ(untouched.Peaks(kToneHz), (std::array{4000, 4000}));
@@ -122,7 +122,7 @@ TEST(SimulatedMixer, SelectsOneSource) {
     EXPECT_THAT(loop.mixer.Values(MixerFunction::kMicSource), testing::ElementsAre(1));
 }
 
-// The sum of an endless echo: the loop's own sine plus what returns a period of 256 frames later.
+// The return path delays by one device period of 256 frames, so the loop adds an endless echo.
 TEST(SimulatedMixer, MonitoringAndPlayThroughAreHeard) {
     for (const MixerFunction path :
          {MixerFunction::kMonitorOff, MixerFunction::kLineMute, MixerFunction::kMicMute}) {
@@ -153,11 +153,11 @@ TEST_P(TonesOfTheCard, ActOnTheirPartOfTheBand) {
         EXPECT_NEAR(loop.GainDb(GetParam().actsAtHz), gainDb, 0.5);
         EXPECT_NEAR(loop.GainDb(GetParam().leavesHz), 0.0, 0.5);
         loop.Set(GetParam().function, {0});
-        EXPECT_EQ(loop.Peaks(kToneHz), (std::array{4000, 4000})) << "bit for bit again";
+        EXPECT_EQ(loop.Peaks(kToneHz), (std::array{4000, 4000})) << "bit-exact again";
     }
 }
 
-TEST(SimulatedMixer, TellsOfChangesThroughTheLoop) {
+TEST(SimulatedMixer, ReportsChangesThroughTheEventLoop) {
     MixerLoop loop;
     int changes = 0;
     loop.mixer.OnChange([&] { ++changes; });
