@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Changes one comparison or constant at a time and reports what the unit tests do not notice.
+"""Mutation check: changes one comparison or constant at a time and reports the changes that no test detects.
 
-Every comparison, number and true or false in src/core/{audio,dsp,generator} is a place for one change or
-two ("mutants"). Each is compiled and linked with the tests, which are run until one fails. A mutant that no
-test notices has survived; tools/mutation/survivors.txt explains those that may.
+Every comparison, number, true and false in the sources of src/core/{audio,dsp,generator} is changed in one or two
+ways ("mutants"). Each mutant is compiled and linked with the unit and loop tests, which run until one fails. A mutant
+that no test detects has survived. tools/mutation/survivors.txt lists the accepted survivors with their reasons.
 
-The sources and tests are copied to build/mutation/tree and built there; the checked-out files are only
-read. With --build, a build that exists and is up to date is used in place of the copy.
+The check builds a copy of the sources and tests in build/mutation/tree and only reads the checked-out files. --build
+uses an existing, up-to-date build instead of the copy.
 
-Exit status 0: at most 10 % survived and all of them are explained; 1: not so; 2: it could not be found out.
+Exit status 0: at most 10 % of the mutants survived, and each survivor is explained. 1: otherwise. 2: the check failed.
 """
 
 import argparse
@@ -33,28 +33,27 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build" / "mutation"
 KNOWN = ROOT / "tools" / "mutation" / "survivors.txt"
 MOST_SURVIVORS = 0.10
-SWITCH = "SonavexMutant"
 
 KILLED, NOT_COMPILED, SURVIVED = "killed", "did not compile", "survived"
 
 
 def options():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
-    parser.add_argument("--list", action="store_true", help="list the mutants and end")
+    parser.add_argument("--list", action="store_true", help="list the mutants and exit")
     parser.add_argument("--only", action="append", default=[], metavar="FILE[:LINE]",
                         help="only this file (the end of its path) or line; may be repeated")
-    parser.add_argument("--sample", type=int, metavar="N", help="only N of them, of sources that are no headers")
-    parser.add_argument("--seed", type=int, help="of the sample; printed when it is not given")
-    parser.add_argument("--again", action="store_true", help="only those that did not die the last time")
-    parser.add_argument("--exclude-known", action="store_true", help="take the explained survivors for granted")
-    parser.add_argument("--known", type=pathlib.Path, default=KNOWN, help="the list of explained survivors")
+    parser.add_argument("--sample", type=int, metavar="N", help="check N randomly chosen mutants")
+    parser.add_argument("--seed", type=int, help="seed of the sample; printed when not given")
+    parser.add_argument("--again", action="store_true", help="only those that survived the last run")
+    parser.add_argument("--exclude-known", action="store_true", help="do not check the explained survivors")
+    parser.add_argument("--known", type=pathlib.Path, default=KNOWN, help="list of explained survivors")
     parser.add_argument("--build", type=pathlib.Path, metavar="FOLDER",
-                        help="use this build in place of one of a copy of the tree")
+                        help="use this build instead of a copy of the tree")
     parser.add_argument("--work", type=pathlib.Path, default=WORK, metavar="FOLDER",
-                        help="where to work, for two runs at the same time")
+                        help="work folder; two runs at a time need two")
     parser.add_argument("--all-tests", action="store_true",
-                        help="do not find out first which tests reach a change; so it is with --sample")
-    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="how many at the same time")
+                        help="do not measure first which tests reach which function (the default with --sample)")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="mutants checked in parallel")
     return parser.parse_args()
 
 
@@ -76,7 +75,6 @@ def choose(found, chosen, known, earlier):
         selected = [mutant for mutant in selected if earlier.get(mutant.key, (SURVIVED,))[0] == SURVIVED]
     if chosen.sample:
         seed = chosen.seed if chosen.seed is not None else random.randrange(1_000_000)
-        selected = [mutant for mutant in selected if not mutant.header]
         drawn = set(random.Random(seed).sample(selected, min(chosen.sample, len(selected))))
         print(f"Seed {seed}: {len(drawn)} of {len(selected)}", flush=True)
         selected = [mutant for mutant in selected if mutant in drawn]
@@ -84,7 +82,7 @@ def choose(found, chosen, known, earlier):
 
 
 def copy_tree(work):
-    """Brings the copy of the tree up to date and builds the tests there."""
+    """Updates the copy of the tree and builds the tests there."""
     tree = work / "tree"
     for name in ("CMakeLists.txt", "CMakePresets.json", "cmake", "src", "tests"):
         source = ROOT / name
@@ -102,8 +100,7 @@ def copy_tree(work):
                 path.unlink()
     print("Building the copy ...", flush=True)
     folder = tree / "build" / "core-only"
-    # Each test alone: a change of a header is judged with few of them.
-    for command in (["cmake", "--preset", "core-only", "-DCMAKE_UNITY_BUILD=OFF"],
+    for command in (["cmake", "--preset", "core-only"],
                     ["cmake", "--build", str(folder), "--target", *programs.PROGRAMS]):
         done = subprocess.run(command, cwd=tree, stdin=subprocess.DEVNULL, capture_output=True, text=True,
                               check=False)
@@ -113,7 +110,7 @@ def copy_tree(work):
 
 
 class Check:
-    """Judges mutants of one state of the sources."""
+    """Compiles, links and tests mutants of one build."""
 
     def __init__(self, root, build_folder, work, with_reach, jobs, earlier):
         self._jobs, self._work = jobs, work
@@ -141,14 +138,8 @@ class Check:
         folder.mkdir(parents=True)
         return folder
 
-    def _judged(self, program, mutant, reached, folder, environment=None):
-        if reached is not None and not reached:
-            return SURVIVED, "no test comes here"
-        by = programs.killer(program, self.suites, mutant, reached, folder, environment)
-        return (KILLED, by) if by else (SURVIVED, "")
-
-    def source(self, mutant):
-        """A change in a source file: one object."""
+    def judge(self, mutant):
+        """Compiles and links the change, and runs the suites that reach it until one fails."""
         folder = self._folder()
         source, output = folder / pathlib.Path(mutant.path).name, folder / "changed.o"
         source.write_text(mutant.apply(self.text(mutant.path)), encoding="utf-8")
@@ -157,117 +148,19 @@ class Check:
         program = folder / "tests"
         if not self.build.link(program, [output]):
             return NOT_COMPILED, "linker"
-        return self._judged(program, mutant, self.reach.suites(mutant), folder)
-
-    # Headers: whatever includes them is compiled again, tests too.
-
-    def _compile_all(self, targets, overlay, folder):
-        """The objects by their targets; None when one does not compile."""
-        outputs = {target: folder / "objects" / target for target in targets}
-        with concurrent.futures.ThreadPoolExecutor(self._jobs) as pool:
-            done = pool.map(lambda target: self.build.compile_changed_header(target, overlay, outputs[target]), targets)
-            return outputs if all(list(done)) else None
-
-    def _overlay(self, folder, texts):
-        for path, text in texts.items():
-            header = folder / "overlay" / pathlib.Path(path).relative_to("src")
-            header.parent.mkdir(parents=True, exist_ok=True)
-            header.write_text(text, encoding="utf-8")
-        return folder / "overlay"
-
-    def _split(self, targets):
-        tests = [name for names in self.build.objects.values() for name in names]
-        return [t for t in targets if t not in tests], [t for t in targets if t in tests]
-
-    def header(self, mutant):
-        """A change in a header: first with the tests that find most in its folder, then with all of its
-        folder, then with the others."""
-        folder = self._folder()
-        overlay = self._overlay(folder, {mutant.path: mutant.apply(self.text(mutant.path))})
-        used = set(self.build.all_objects())
-        parts, tests = self._split([t for t in self.build.dependents.get(mutant.path, ()) if t in used])
-        best = set(self.suites.best_files(mutant.folder, 2))
-        groups = {0: [], 1: [], 2: []}
-        for target in tests:
-            sources = self.build.sources_of(target)
-            near = any(f"/unit/{mutant.folder}/" in source for source in sources)
-            groups[0 if not best.isdisjoint(sources) else 1 if near else 2].append(target)
-        objects = self._compile_all(parts, overlay, folder)
-        if objects is None:
-            return NOT_COMPILED, ""
-        every = [name for names in self.build.objects.values() for name in names]
-        compiled = {}
-        for number, group in groups.items():
-            more = self._compile_all(group, overlay, folder)
-            if more is None:
-                return NOT_COMPILED, ""
-            compiled.update(more)
-            linked = [compiled.get(name, name) for name in every] if number == 2 else list(compiled.values())
-            if not group and number < 2:
-                continue
-            program = folder / "tests"
-            if not self.build.link(program, objects.values(), linked):
-                return NOT_COMPILED, "linker"
-            result = self._judged(program, mutant, None, folder)
-            if result[0] == KILLED:
-                return result
-        return SURVIVED, ""
-
-    def prepare_switches(self, found):
-        """One program with all of these changes in headers, chosen by an environment variable."""
-        folder = self._work / "switches"
-        shutil.rmtree(folder, ignore_errors=True)
-        numbers = {mutant: number for number, mutant in enumerate(found, 1)}
-        texts = {"src/core/mutant_switch.h": (
-            "#pragma once\n#include <cstdlib>\n"
-            f"inline bool {SWITCH}(int number) {{\n"
-            '    static const char* const chosen = std::getenv("SONAVEX_MUTANT");\n'
-            "    return chosen != nullptr && std::atoi(chosen) == number;\n}\n")}
-        for path in dict.fromkeys(mutant.path for mutant in found):
-            inside = [mutant for mutant in found if mutant.path == path]
-            text = finder.with_switches(self.text(path), inside, numbers, SWITCH)
-            texts[path] = text.replace("#pragma once\n", '#pragma once\n#include "core/mutant_switch.h"\n', 1)
-        overlay = self._overlay(folder, texts)
-        used = self.build.all_objects()
-        changed = {t for path in texts for t in self.build.dependents.get(path, ())}
-        parts, tests = self._split([t for t in used if t in changed])
-        objects = self._compile_all(parts + tests, overlay, folder)
-        if objects is None:
-            raise programs.Failed("The headers do not compile with switches")
-        every = [name for names in self.build.objects.values() for name in names]
-        program = folder / "tests"
-        if not self.build.link(program, [objects[t] for t in parts], [objects.get(name, name) for name in every]):
-            raise programs.Failed(self.build.link_output)
-        status, output = programs.run([str(program), "--gtest_brief=1"], folder)
-        if status != 0:
-            raise programs.Failed(f"The tests fail with all switches off:\n{output[-3000:]}")
-        self._switched, self._numbers = program, numbers
-
-    def switched(self, mutant):
-        environment = {"SONAVEX_MUTANT": str(self._numbers[mutant])}
-        return self._judged(self._switched, mutant, None, self._folder(), environment)
+        reached = self.reach.suites(mutant)
+        if reached is not None and not reached:
+            return SURVIVED, "no test runs this line"
+        by = programs.killer(program, self.suites, mutant, reached, folder)
+        return (KILLED, by) if by else (SURVIVED, "")
 
 
 def judge(check, selected, jobs, note):
-    """Calls note(mutant, result) for each: sources first, then headers."""
-    def at_once(function, some):
-        with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
-            work = {pool.submit(function, mutant): mutant for mutant in some}
-            for done in concurrent.futures.as_completed(work):
-                note(work[done], done.result())
-
-    at_once(check.source, [mutant for mutant in selected if not mutant.header])
-    headers = [mutant for mutant in selected if mutant.header]
-    if headers:
-        check.build.prepare_library_headers()
-    switchable = [mutant for mutant in headers if finder.switchable(mutant, check.text(mutant.path))]
-    if switchable:
-        print(f"Building {len(switchable)} changes of headers ...", flush=True)
-        check.prepare_switches(switchable)
-        at_once(check.switched, switchable)
-    for mutant in headers:
-        if mutant not in switchable:
-            note(mutant, check.header(mutant))
+    """Calls note(mutant, result) for each of the selected mutants."""
+    with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
+        work = {pool.submit(check.judge, mutant): mutant for mutant in selected}
+        for done in concurrent.futures.as_completed(work):
+            note(work[done], done.result())
 
 
 def load_results(work):
@@ -298,7 +191,7 @@ def table(results):
 
 
 def report(results, known):
-    """Exit status."""
+    """Prints the survivors and the table. Returns the exit status."""
     lived = [mutant for mutant, (status, _) in sorted(results.items(), key=lambda r: (r[0].path, r[0].start))
              if status == SURVIVED]
     unexplained = [mutant for mutant in lived if mutant.key not in known]
@@ -315,10 +208,10 @@ def report(results, known):
     print(f"\n{total[SURVIVED]} of {judged} survived ({100 * rate:.1f} %), {len(unexplained)} of them not explained")
     late = sum(by == "time limit" for _, by in results.values())
     if late:
-        print(f"{late} of the others took longer than their time limit")
+        print(f"{late} of the detected mutants exceeded the time limit")
     stale = [mutant for mutant, (status, _) in results.items() if status != SURVIVED and mutant.key in known]
     for mutant in stale:
-        print(f"Explained, but it does not survive: {mutant.path}:{mutant.line}: {mutant.new_line}")
+        print(f"Explained, but detected by a test: {mutant.path}:{mutant.line}: {mutant.new_line}")
     return 1 if rate > MOST_SURVIVORS or unexplained else 0
 
 
@@ -337,11 +230,11 @@ def main():
     found = finder.find(root)
     present = {mutant.key for mutant in found}
     for key in set(known) - present:
-        print(f"Explained, but no longer there: {key[0]}: {key[3]}")
+        print(f"Explained, but no longer in the sources: {key[0]}: {key[3]}")
     earlier = {key: result for key, result in load_results(work).items() if key in present}
     selected = choose(found, chosen, known, earlier)
     if not selected:
-        print("There is nothing to change", file=sys.stderr)
+        print("No mutant is selected", file=sys.stderr)
         return 2
     check = Check(root, folder, work, not (chosen.sample or chosen.all_tests), chosen.jobs, earlier)
     print(f"Ready after {time.monotonic() - since:.0f} s; {len(selected)} of {len(found)} mutants", flush=True)
@@ -366,7 +259,7 @@ def main():
     if chosen.exclude_known and not chosen.sample:
         for mutant in found:
             if mutant.key in known and mutant not in results and wanted(mutant, chosen.only):
-                results[mutant] = (SURVIVED, "not tried again")
+                results[mutant] = (SURVIVED, "not checked")
     status = report(results, known)
     print(f"After {time.monotonic() - since:.0f} s")
     return status

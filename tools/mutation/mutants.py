@@ -1,4 +1,4 @@
-"""Finds what can be changed in a source file: comparisons, constants, true and false."""
+"""Finds the places in a source file that can be changed: comparisons, constants, true and false."""
 
 import dataclasses
 import pathlib
@@ -6,7 +6,7 @@ import re
 
 FOLDERS = ("src/core/audio", "src/core/dsp", "src/core/generator")
 
-# The layout (clang-format) has comparisons between blanks, and brackets of templates, arrows and shifts not.
+# clang-format puts blanks around comparisons, but not around the brackets of templates.
 _TOKENS = re.compile(
     r"""
     (?P<skip>//[^\n]*|/\*.*?\*/                                           # comments
@@ -23,7 +23,7 @@ _TOKENS = re.compile(
 _INTEGER = re.compile(r"(0[xX][0-9A-Fa-f']+|0[bB][01']+|[0-9][0-9']*)([uUlLzZ]*|[a-z]{1,3})")
 _FLOATING = re.compile(r"((?:[0-9][0-9']*)?\.?[0-9]*(?:[eE][+-]?[0-9]+)?)([fFlL]?)")
 
-# Each comparison at its boundary and turned round.
+# Each comparison with its boundary moved, and reversed.
 _COMPARISONS = {
     "<": ("<=", ">="),
     "<=": ("<", ">"),
@@ -42,8 +42,6 @@ class Mutant:
     line: int
     start: int
     end: int
-    kind: str
-    old: str
     new: str
     old_line: str
     new_line: str
@@ -51,16 +49,12 @@ class Mutant:
 
     @property
     def key(self):
-        """What stays the same when other lines move."""
+        """Identifies the change independently of its line number."""
         return (self.path, self.occurrence, self.old_line, self.new_line)
 
     @property
     def folder(self):
         return self.path.split("/")[2]
-
-    @property
-    def header(self):
-        return self.path.endswith(".h")
 
     def apply(self, text):
         return text[: self.start] + self.new + text[self.end :]
@@ -95,17 +89,12 @@ def _changes(kind, text):
     return ()
 
 
-def _pure(before, after):
-    """The 0 of a pure virtual function."""
-    return re.search(r"(\)|const|noexcept|override)\s*=\s*$", before) and re.match(r"\s*;", after)
-
-
 def find_in_text(path, text):
     found = []
     lines = text.split("\n")
     for match in _TOKENS.finditer(text):
         kind = "skip" if match.group("skip") else match.lastgroup
-        if kind == "skip" or _pure(text[: match.start()][-40:], text[match.end() :][:8]):
+        if kind == "skip":
             continue
         number = text.count("\n", 0, match.start())
         column = match.start() - (text.rfind("\n", 0, match.start()) + 1)
@@ -113,42 +102,18 @@ def find_in_text(path, text):
         occurrence = 1 + sum(1 for line in lines[:number] if line.strip() == old_line.strip())
         for new in _changes(kind, match.group()):
             new_line = old_line[:column] + new + old_line[column + len(match.group()) :]
-            name = "true or false" if kind == "word" else "constant" if kind == "number" else kind
             found.append(
-                Mutant(path, number + 1, match.start(), match.end(), name, match.group(), new,
-                       old_line.strip(), new_line.strip(), occurrence)
+                Mutant(path, number + 1, match.start(), match.end(), new, old_line.strip(), new_line.strip(), occurrence)
             )
     return found
 
 
+def sources(root):
+    """The source files that are changed. Headers are not."""
+    return [path for folder in FOLDERS for path in sorted((pathlib.Path(root) / folder).rglob("*.cpp"))]
+
+
 def find(root):
-    """All mutants of the folders under `root`, in the order of files and lines."""
-    root = pathlib.Path(root)
-    found = []
-    for folder in FOLDERS:
-        for path in sorted((root / folder).iterdir()):
-            if path.suffix in (".cpp", ".h"):
-                found += find_in_text(str(path.relative_to(root)), path.read_text(encoding="utf-8"))
-    return found
-
-
-def switchable(mutant, text):
-    """Whether the change can be left to a switch at run time: a value outside constant expressions."""
-    if mutant.kind == "comparison":
-        return False
-    before = text[text.rfind("\n", 0, mutant.start) + 1 : mutant.start]
-    brackets = re.sub(r"<<|->|\s[<>]=?\s", "", before)
-    return "constexpr" not in before and "enum" not in before and brackets.count("<") <= brackets.count(">")
-
-
-def with_switches(text, mutants, numbers, switch):
-    """The text with all of `mutants` in it, each behind `switch(number)`."""
-    by_place = {}
-    for mutant in mutants:
-        by_place.setdefault((mutant.start, mutant.end), []).append(mutant)
-    for (start, end), at in sorted(by_place.items(), reverse=True):
-        value = text[start:end]
-        for mutant in at:
-            value = f"({switch}({numbers[mutant]}) ? {mutant.new} : {value})"
-        text = text[:start] + value + text[end:]
-    return text
+    """All mutants of the sources below `root`, in the order of files and lines."""
+    return [mutant for path in sources(root)
+            for mutant in find_in_text(str(path.relative_to(root)), path.read_text(encoding="utf-8"))]

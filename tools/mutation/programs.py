@@ -1,6 +1,5 @@
-"""Compiles single sources of a finished build anew, links the tests with them, and runs the tests."""
+"""Compiles changed sources with the commands of a finished build, links them with the tests, runs the tests."""
 
-import hashlib
 import json
 import os
 import pathlib
@@ -15,16 +14,15 @@ import threading
 
 PROGRAMS = ("sonavex-unit-tests", "sonavex-loop-tests")
 
-# Tests of the adapters cannot judge the folders that are changed here, and some of them measure real time.
-_NOT_USED = ("tests/unit/platform/",)
+# Tests of adapters: they reach the changed folders only indirectly, and some depend on real time.
+_NOT_USED = ("tests/unit/platform/", "tests/contract/")
 _QUICK_S = 0.06
-_UNOPTIMISED = ("-O0", "-g0", "-w", "-D_GLIBCXX_ASSERTIONS")
 _MEMORY = 4 << 30
 _FILE_SIZE = 1 << 30
 
 
 class Failed(Exception):
-    """Something that has to work does not."""
+    """A step without any change in the sources failed."""
 
 
 def _limits():
@@ -34,7 +32,7 @@ def _limits():
 
 
 def run(command, folder, limit_s=None, environment=None):
-    """Exit status (None: it took longer than the limit) and output."""
+    """Exit status (None after the time limit) and output."""
     with tempfile.TemporaryFile(dir=folder) as output:
         with subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=output, stderr=output,
                               env={**os.environ, **(environment or {})}, start_new_session=True,
@@ -56,138 +54,78 @@ def must_run(command, folder, environment=None):
 
 
 class Build:
-    """A build folder whose tests are up to date, and what is known about its sources and objects."""
+    """A finished build of the tests: its compile commands, objects and libraries."""
 
     def __init__(self, root, folder, work):
         self.root, self.folder, self.work = pathlib.Path(root), pathlib.Path(folder), pathlib.Path(work)
         self.work.mkdir(parents=True, exist_ok=True)
-        entries = json.loads((self.folder / "compile_commands.json").read_text(encoding="utf-8"))
-        self._commands = {}
-        for entry in entries:
-            words = shlex.split(entry["command"])
-            self._commands[words[words.index("-o") + 1]] = words
+        self._read_commands()
         self._read_links()
-        self._read_dependencies()
         self._fits, self._lock = {}, threading.Lock()
         self._linker = "lld" if shutil.which("ld.lld") else "gold"
 
-    def _ninja(self, *arguments):
-        return must_run(["ninja", *arguments], self.folder)
+    def _read_commands(self):
+        """The compile commands of the core's sources, by the path from the root."""
+        entries = json.loads((self.folder / "compile_commands.json").read_text(encoding="utf-8"))
+        self._commands = {os.path.relpath(entry["file"], self.root): shlex.split(entry["command"])
+                          for entry in entries if "sonavex_core.dir" in entry["command"]}
 
     def _read_links(self):
-        self.objects, self.libraries = {}, []
+        """The test programs' objects, and the libraries that they are linked with."""
+        self._tests, self._libraries = [], []
         for program in PROGRAMS:
-            line = self._ninja("-t", "commands", program).strip().split("\n")[-1]
+            line = must_run(["ninja", "-t", "commands", program], self.folder).strip().split("\n")[-1]
             words = shlex.split(line.replace(": && ", "").replace(" && :", ""))
             at = words.index("-o")
-            self.objects[program] = [word for word in words[:at] if word.endswith(".o")]
-            self.libraries += [word for word in words[at + 2 :] if re.search(r"\.(a|so)$", word)]
-        self.members = {}
-        for library in dict.fromkeys(self.libraries):
-            if not library.startswith("/"):
-                listed = self._ninja("-t", "query", library)
-                self.members[library] = re.findall(r"^\s+(\S+\.o)$", listed.split("outputs:")[0], re.MULTILINE)
-
-    def _read_dependencies(self):
-        """Objects by the headers and sources of the project that they are made of."""
-        self.dependents, target = {}, None
-        prefix = str(self.root) + "/"
-        for line in self._ninja("-t", "deps").split("\n"):
-            if "#deps" in line:
-                target = line.split(":")[0]
-            elif target and line.strip():
-                path = os.path.normpath(self.folder / line.strip())
-                if path.startswith(prefix):
-                    self.dependents.setdefault(path[len(prefix) :], []).append(target)
-
-    def all_objects(self):
-        """Objects of both programs, and of the project's libraries in them."""
-        found = [name for program in PROGRAMS for name in self.objects[program]]
-        return list(dict.fromkeys(found + [name for names in self.members.values() for name in names]))
-
-    def sources_of(self, target):
-        """The sources that an object is made of: tests are compiled several at once."""
-        compiled = pathlib.Path(self._commands[target][-1])
-        joined = re.findall(r'^#include "(.*)"', compiled.read_text(encoding="utf-8"), re.MULTILINE)
-        of_unity = compiled.parent.name == "Unity"
-        return [os.path.relpath(path, self.root) for path in (joined if of_unity else [compiled])]
-
-    def core_object(self, path):
-        """The object that the core has of a source."""
-        return next(name for name in self.dependents[path] if "sonavex_core.dir" in name)
+            self._tests += [word for word in words[:at] if word.endswith(".o")]
+            self._libraries += [word for word in words[at + 2 :] if re.search(r"\.(a|so)$", word)]
 
     # Compiling.
 
     def prepare_headers(self):
-        """All headers of the core compiled once, for sources of the core."""
+        """Precompiles all headers of the core."""
         folder = self.work / "headers"
         folder.mkdir(exist_ok=True)
         headers = sorted(path.relative_to(self.root / "src") for path in (self.root / "src/core").rglob("*.h"))
         header = folder / "core.h"
         header.write_text("".join(f'#include "{path}"\n' for path in headers), encoding="utf-8")
-        words = self._core_words(self.core_object("src/core/dsp/modDSP.cpp"))
+        words = self._core_words(next(iter(sorted(self._commands))))
         must_run([*words, "-x", "c++-header", str(header), "-o", f"{header}.gch"], self.folder)
         self._core_header = header
 
-    def _core_words(self, target):
-        """The command for an object of the core up to its output: quickly, and with checked indices."""
-        words = self._commands[target]
+    def _core_words(self, path):
+        """The compile command of a source up to its output: optimised for compile time, with checked indices."""
+        words = self._commands[path]
         level = "-O3" if "-O3" in words else "-O1"
         return [*words[: words.index("-o")], level, "-g0", "-w", "-D_GLIBCXX_ASSERTIONS"]
 
     def _with_headers(self, path):
-        """Whether the source can do with the compiled headers: names of other files may be in its way."""
+        """Whether the source compiles with the precompiled headers: names in other headers may be ambiguous."""
         with self._lock:
             if path not in self._fits:
-                words = self._core_words(self.core_object(path))
+                words = self._core_words(path)
                 status, _ = run([*words, "-include", str(self._core_header), "-fsyntax-only", str(self.root / path)],
                                 self.folder)
                 self._fits[path] = status == 0 and "-O3" not in words
             return self._fits[path]
 
     def compile_core(self, path, source, output, more=()):
-        """Compiles the changed copy `source` of the core's file `path`. Whether that worked."""
-        words = self._core_words(self.core_object(path))
+        """Compiles `source`, a changed copy of the core's file `path`. Returns whether that succeeded."""
         headers = ("-include", str(self._core_header)) if self._with_headers(path) else ()
-        status, _ = run([*words, *headers, *more, "-o", str(output), "-c", str(source)], self.folder)
-        return status == 0
-
-    def prepare_library_headers(self):
-        """The library's headers of the core compiled once, for sources that include changed headers."""
-        names = set()
-        for path in (self.root / "src/core").rglob("*.h"):
-            names.update(re.findall(r"^#include (<.*>)", path.read_text(encoding="utf-8"), re.MULTILINE))
-        header = self.work / "headers" / "library.h"
-        header.write_text("".join(f"#include {name}\n" for name in sorted(names)), encoding="utf-8")
-        words = self._commands[self.core_object("src/core/dsp/modDSP.cpp")]
-        must_run([*words[: words.index("-o")], *_UNOPTIMISED, "-x", "c++-header", str(header), "-o", f"{header}.gch"],
-                 self.folder)
-        self._library_header = header
-
-    def compile_changed_header(self, target, overlay, output):
-        """Compiles an object's own source with the headers in `overlay` in place of the tree's."""
-        words = self._commands[target]
-        at = words.index("-o")
-        more = [*_UNOPTIMISED, "-include", str(self._library_header)]
-        if "-O3" in words or "sonavex_test_headers" in " ".join(words):  # with headers of its own, or none
-            more = ["-w"]
-        output.parent.mkdir(parents=True, exist_ok=True)
-        command = [words[0], f"-I{overlay}", *words[1:at], *more, "-o", str(output), *words[at + 2 :]]
-        status, _ = run(command, self.folder)
-        return status == 0
+        command = [*self._core_words(path), *headers, *more, "-o", str(output), "-c", str(source)]
+        return run(command, self.folder)[0] == 0
 
     # Linking.
 
     def prepare_link(self):
-        """All test objects as one, and libraries without debug information."""
+        """Joins all test objects into one, and strips debug information from it and from the libraries."""
         folder = self.work / "link"
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir()
-        tests = [name for program in PROGRAMS for name in self.objects[program]]
-        self._tests = folder / "tests.o"
-        must_run(["ld", "-r", "-S", "-o", str(self._tests), *tests], self.folder)
+        self._test_object = folder / "tests.o"
+        must_run(["ld", "-r", "-S", "-o", str(self._test_object), *self._tests], self.folder)
         self._link_libraries = []
-        for library in self.libraries:
+        for library in self._libraries:
             if library.startswith("/"):
                 self._link_libraries.append(library)
                 continue
@@ -196,19 +134,16 @@ class Build:
             must_run(["strip", "-S", str(copy)], self.folder)
             self._link_libraries.append(str(copy))
 
-    def link(self, program, objects, tests=None, more=()):
-        """Links the tests (all, or these objects) with `objects` in place of the libraries' members.
-        Whether that worked."""
-        inputs = [str(name) for name in (tests if tests is not None else [self._tests])]
-        command = ["c++", f"-fuse-ld={self._linker}", *more, *map(str, objects), *inputs, "-Wl,--start-group",
-                   *self._link_libraries, "-Wl,--end-group", "-o", str(program)]
-        status, output = run(command, self.folder)
-        self.link_output = output
+    def link(self, program, objects, more=()):
+        """Links the tests with `objects` in place of the libraries' members. Returns whether that succeeded."""
+        command = ["c++", f"-fuse-ld={self._linker}", *more, *map(str, objects), str(self._test_object),
+                   "-Wl,--start-group", *self._link_libraries, "-Wl,--end-group", "-o", str(program)]
+        status, self.link_output = run(command, self.folder)
         return status == 0
 
 
 class Suites:
-    """The tests in the order in which they are asked."""
+    """The suites of the tests, their running times, and which suite detected changes in which file."""
 
     def __init__(self, program, work):
         report = pathlib.Path(work) / "clean.json"
@@ -226,8 +161,8 @@ class Suites:
         self._killers, self._lock = {}, threading.Lock()
 
     def stages(self, mutant, reached=None):
-        """Lists of suites: what has found most in this file, the quick ones of the same folder, the other
-        quick ones, the slow ones."""
+        """Lists of suites in the order in which they run: those that detected most changes in this file, the fast
+        ones of the same folder, the other fast ones, the slow ones."""
         usable = [name for name in self.times if reached is None or name in reached]
         with self._lock:
             found = self._killers.get(mutant.path, {})
@@ -239,29 +174,19 @@ class Suites:
                   [name for name in usable if self.times[name] >= _QUICK_S and name not in first]]
         return [stage for stage in stages if stage]
 
-    def best_files(self, folder, count):
-        """The test files that have found most in a folder."""
-        found = {}
-        with self._lock:
-            for path, names in self._killers.items():
-                if path.split("/")[2] == folder:
-                    for name, times in names.items():
-                        found[self.files[name]] = found.get(self.files[name], 0) + times
-        return sorted(found, key=lambda path: -found[path])[:count]
-
     def note_killer(self, path, name):
         with self._lock:
             found = self._killers.setdefault(path, {})
             found[name] = found.get(name, 0) + 1
 
 
-def killer(program, suites, mutant, reached, folder, environment=None):
-    """What noticed the change: a test, a crash or the time limit. Empty when nothing did."""
+def killer(program, suites, mutant, reached, folder):
+    """What detected the change: a suite, a crash or the time limit. Empty when nothing did."""
     for stage in suites.stages(mutant, reached):
         limit_s = 5.0 * sum(suites.times[name] for name in stage) + 3.0
         chosen = ":".join(f"{name}.*" for name in stage)
         status, output = run([str(program), "--gtest_fail_fast", "--gtest_brief=1", f"--gtest_filter={chosen}"],
-                             folder, limit_s, environment)
+                             folder, limit_s)
         if status == 0:
             continue
         failed = re.findall(r"\[  FAILED  \] ([\w/]+)\.[\w/]+", output)
@@ -269,10 +194,3 @@ def killer(program, suites, mutant, reached, folder, environment=None):
             suites.note_killer(mutant.path, failed[0])
         return failed[0] if failed else "time limit" if status is None else "crash"
     return ""
-
-
-def digest(paths):
-    total = hashlib.sha256()
-    for path in paths:
-        total.update(str(path).encode() + b"\0" + path.read_bytes())
-    return total.hexdigest()

@@ -1,15 +1,15 @@
-"""Which tests reach which functions: line coverage of the changed folders, one suite of tests at a time."""
+"""Measures which suites run which functions of the changed folders, by line coverage of one suite at a time."""
 
 import concurrent.futures
+import hashlib
 import json
 import shutil
 
-from mutation import programs
-from mutation.mutants import FOLDERS
+from mutation import mutants, programs
 
 
 class Reach:
-    """What the suites run. `ran`: by suite, [path, first line, last line, whether it ran] of functions."""
+    """What the suites run. `ran` has for each suite a list of functions: path, first line, last line, executed."""
 
     def __init__(self, ran):
         self._functions = {}  # by path and lines: suites
@@ -20,17 +20,17 @@ class Reach:
                     names.add(name)
 
     def suites(self, mutant):
-        """The suites that run a function around the line. Outside of functions: that run anything of the
-        file. None: it is not known."""
+        """The suites that run the function around the changed line. For a line outside of functions: those that run
+        any function of the file. None when that was not measured."""
         functions = self._functions.get(mutant.path)
-        if mutant.header or not functions:
+        if not functions:
             return None
         around = [names for (first, last), names in functions.items() if first <= mutant.line <= last]
         return set().union(*(around or functions.values()))
 
 
 class _Coverage:
-    """The tests with line coverage of the changed folders."""
+    """The tests, linked with changed folders that are compiled for line coverage."""
 
     def __init__(self, build):
         self._root, self._folder = build.root, build.work / "coverage"
@@ -40,8 +40,7 @@ class _Coverage:
     def compile(self, jobs):
         shutil.rmtree(self._folder, ignore_errors=True)
         self._folder.mkdir()
-        paths = [path for path in sorted(self._build.dependents)
-                 if path.startswith(FOLDERS) and path.endswith(".cpp")]
+        paths = [str(path.relative_to(self._root)) for path in mutants.sources(self._root)]
         objects = [self._folder / (path.replace("/", "-")[:-4] + ".o") for path in paths]
 
         def compile_one(path, output):
@@ -54,7 +53,7 @@ class _Coverage:
             raise programs.Failed(self._build.link_output)
 
     def run(self, name):
-        """The functions, and whether this suite ran them."""
+        """Runs one suite. Returns the functions, and whether the suite executed them."""
         folder = self._folder / name.replace("/", "-")
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir(parents=True)
@@ -74,18 +73,25 @@ class _Coverage:
                 if source["file"].startswith(prefix)]
 
 
+def _digest(paths):
+    total = hashlib.sha256()
+    for path in paths:
+        total.update(str(path).encode() + b"\0" + path.read_bytes())
+    return total.hexdigest()
+
+
 def measured(build, suites, jobs):
-    """Measures those suites whose tests have changed since the last time; all after a change of the core."""
-    sources = programs.digest(sorted(path for path in (build.root / "src").rglob("*") if path.is_file()))
+    """Measures the suites whose sources have changed since the last time; all of them after a change under src."""
+    sources = _digest(sorted(path for path in (build.root / "src").rglob("*") if path.is_file()))
     store = build.work / "reach.json"
     stored = json.loads(store.read_text(encoding="utf-8")) if store.exists() else {}
     kept = stored.get("suites", {}) if stored.get("sources") == sources else {}
-    states = {name: programs.digest([build.root / path]) for name, path in suites.files.items()}
+    states = {name: _digest([build.root / path]) for name, path in suites.files.items()}
     ran = {name: kept[name] for name in states if name in kept and kept[name][0] == states[name]}
     missing = [name for name in states if name not in ran]
     coverage = _Coverage(build)
     if missing:
-        print(f"Measuring what {len(missing)} suites reach ...", flush=True)
+        print(f"Measuring the coverage of {len(missing)} suites ...", flush=True)
         coverage.compile(jobs)
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
         for name, functions in zip(missing, pool.map(coverage.run, missing)):

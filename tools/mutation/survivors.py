@@ -1,8 +1,8 @@
-"""The list of survivors that are explained.
+"""Reads the list of explained survivors.
 
-A reason begins with "because" and goes on over indented lines. Below it, for each file a line with its
-path, and for each survivor the line as it is, after "-", and as it was changed, after "+". Where the same
-line occurs several times in a file, "-2" stands for the second one, and so on.
+A reason begins with "because" and continues on indented lines. Below it follow the paths of files, and below each
+path the survivors: after "-" the line of the source, after "+" the changed line. When the same line occurs several
+times in a file, "-2" means the second occurrence.
 """
 
 import re
@@ -30,7 +30,7 @@ def read(path):
         elif changed and old and changed[1] == "+":
             reasons[(source, old[0], old[1], changed[3].strip())] = " ".join(reason)
         else:
-            raise Bad(f"{path}:{number}: not understood: {line}")
+            raise Bad(f"{path}:{number}: cannot read this line: {line}")
     return reasons
 
 
