@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Measures the whole instrument as a user has it: its window on an X server of its own, and a PulseAudio of
-# its own whose sink at 48000 Hz returns what is played. Prints the time to the first captured block and to
-# the first reading (18 blocks later), the processor time and the memory. Best on an
-# idle machine. Argument: seconds to look at, 20 by default.
+# Measures the whole instrument in its window, on a private X server and a private PulseAudio loop at 48000 Hz. Prints
+# the time to the first captured block and to the first reading (18 blocks later), the processor time and the memory.
+# xdotool starts the tone; without it silence is measured. Use an idle machine.
+# Argument: duration of the measurement in seconds, 20 by default.
 set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
@@ -26,13 +26,24 @@ mkdir -p "$work/Sonavex"
 printf '[SoundCard]\nSampleRate=0\n' >"$work/Sonavex/Sonavex.ini"
 first_ms="$("$bin/sonavex-start-time" 5 "$bin/sonavex" | sed -n 's/^median //p')"
 
+# F5 starts the current signal. Only a focused window receives the key.
+start_sine() {
+    local window
+    window="$(xdotool search --onlyvisible --name '^Sonavex & Function Generator' | head -n 1)"
+    [[ -n $window ]] && xdotool windowfocus --sync "$window" key F5
+}
+
+# Whether the sink plays anything but zeros within three seconds.
+tone_plays() {
+    (($(timeout 3 parec --device=card.monitor --raw | tr -d '\0' | head -c 1 | wc -c)))
+}
+
 "$bin/sonavex" 2>"$work/sonavex.log" &
 program=$!
 pids+=("$program")
 sleep 3
-# F5 starts the current signal. Without xdotool silence is measured, which costs the same but for the tone.
 signal="silence"
-if command -v xdotool >/dev/null && xdotool key F5; then signal="a sine"; fi
+if start_sine 2>"$work/xdotool.log" && tone_plays; then signal="a sine"; fi
 ticks() { awk '{ print $14 + $15 }' "/proc/$program/stat"; }
 before="$(ticks)"
 sleep "$seconds"
