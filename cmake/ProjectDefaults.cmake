@@ -1,4 +1,4 @@
-# Language, warnings, sanitizers and the helper that declares one library of the house.
+# Dependencies, language standard, warnings and sanitizers of all targets; sonavex_library() declares a library.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -13,77 +13,52 @@ endif()
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
+pkg_check_modules(FFTW3 REQUIRED IMPORTED_TARGET fftw3)
+if(NOT SONAVEX_CORE_ONLY)
+  pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse)
+  pkg_check_modules(ALSA REQUIRED IMPORTED_TARGET alsa)
+  pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
+  find_package(CLI11 REQUIRED)
+  find_package(nlohmann_json REQUIRED)
+  find_library(SONAVEX_CHM_LIBRARY chm REQUIRED)
+endif()
 if(SONAVEX_WITH_QT)
   find_package(Qt6 REQUIRED COMPONENTS Widgets)
 endif()
-pkg_check_modules(FFTW3 REQUIRED IMPORTED_TARGET fftw3)
 
 add_library(sonavex_defaults INTERFACE)
 target_include_directories(sonavex_defaults INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(sonavex_defaults INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror
-  # Results must not depend on whether the machine has fused multiply-add.
-  -ffp-contract=off -fno-math-errno
-  # Up to version 12 the compiler sees overlaps in joined strings that cannot be, when it inlines most.
-  "$<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>")
-# It takes the operations on small structures from a library, where the other compiler writes them out.
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+  # Results are the same on processors with and without fused multiply-add.
+  -ffp-contract=off -fno-math-errno)
+# Clang calls libatomic for atomic structs; GCC inlines the operations.
 target_link_libraries(sonavex_defaults INTERFACE "$<$<CXX_COMPILER_ID:Clang>:atomic>")
 if(SONAVEX_SANITIZE)
   target_compile_options(sonavex_defaults INTERFACE
     -fsanitize=${SONAVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    # With the checks in between, the compiler loses sight of what the standard library has set.
+    # GCC's sanitizers cause false warnings about uninitialised variables in the standard library.
     "$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>")
   target_link_options(sonavex_defaults INTERFACE -fsanitize=${SONAVEX_SANITIZE})
-  # Function multiversioning resolves before the sanitizer runtime is ready.
+  # The loader chooses between versions of a function before the sanitizer's runtime is ready.
   target_compile_definitions(sonavex_defaults INTERFACE SONAVEX_SANITIZED)
 endif()
 if(SONAVEX_COVERAGE)
   target_compile_options(sonavex_defaults INTERFACE --coverage)
   target_link_options(sonavex_defaults INTERFACE --coverage)
 endif()
-
-if(SONAVEX_JOIN_PRODUCT)
-  # Joined sources are no headers: a type may have members of its source's unnamed namespace.
+if(CMAKE_UNITY_BUILD)
+  # In a unity build GCC takes the sources for headers and warns about their unnamed namespaces.
   add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endif()
 
-# sonavex_joined_sources(RESULT NAME SOURCE...): the sources of target NAME; with SONAVEX_JOIN_PRODUCT eight are
-# compiled as one, but for those with options of their own. Unlike the unity builds of CMake this names them by
-# their path from the joined source: sanitizers write names of sources into the programs, and an installed
-# program must not tell where it was built.
-function(sonavex_joined_sources result name)
-  set(${result} ${ARGN} PARENT_SCOPE)
-  if(NOT SONAVEX_JOIN_PRODUCT)
-    return()
-  endif()
-  set(sources ${ARGN})
-  list(FILTER sources INCLUDE REGEX "\\.cpp$")
-  set(folder ${CMAKE_CURRENT_BINARY_DIR}/joined)
-  set(batch 0)
-  set(count 0)
-  foreach(source IN LISTS sources)
-    get_source_file_property(options ${source} COMPILE_OPTIONS)
-    if(options)
-      continue()
-    endif()
-    set_source_files_properties(${source} PROPERTIES HEADER_FILE_ONLY TRUE)
-    math(EXPR batch "${count} / 8")
-    math(EXPR count "${count} + 1")
-    cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
-    cmake_path(RELATIVE_PATH source BASE_DIRECTORY ${folder})
-    string(APPEND text_${batch} "#include \"${source}\"\n")
-  endforeach()
-  set(joined "")
-  foreach(number RANGE ${batch})
-    file(CONFIGURE OUTPUT ${folder}/${name}-${number}.cpp CONTENT "${text_${number}}" @ONLY)
-    list(APPEND joined ${folder}/${name}-${number}.cpp)
-  endforeach()
-  set(${result} ${ARGN} ${joined} PARENT_SCOPE)
-endfunction()
-
+# sonavex_library(NAME FOLDER folder | SOURCES source... [LINKS target...])
+# A static library of all sources below the folder, or of the given sources.
 function(sonavex_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
-  sonavex_joined_sources(ARG_SOURCES ${name} ${ARG_SOURCES})
+  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINKS" ${ARGN})
+  if(ARG_FOLDER)
+    file(GLOB_RECURSE ARG_SOURCES CONFIGURE_DEPENDS ${ARG_FOLDER}/*.cpp ${ARG_FOLDER}/*.h ${ARG_FOLDER}/*.ui)
+  endif()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC sonavex_defaults ${ARG_LINKS})
 endfunction()

@@ -15,7 +15,7 @@ import threading
 PROGRAMS = ("sonavex-unit-tests", "sonavex-loop-tests")
 
 # Tests of adapters: they reach the changed folders only indirectly, and some depend on real time.
-_NOT_USED = ("tests/unit/platform/", "tests/contract/")
+_NOT_USED = ("tests/unit/platform/",)
 _QUICK_S = 0.06
 _MEMORY = 4 << 30
 _FILE_SIZE = 1 << 30
