@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
-# Builds the Debian package and prints its path, build/package/sonavex_VERSION_ARCHITECTURE.deb.
+# Builds the Debian package from the preset release and prints its path, build/release/sonavex_VERSION_ARCHITECTURE.deb.
 set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../tools/build.sh"
 cd "$root"
 
-"$root/tools/install-dependencies.sh"
-mkdir -p build
-cmake --preset release -B build/package -DSONAVEX_BUILD_TESTS=OFF -DSONAVEX_BUILD_BENCH=OFF >build/package.log
-rm -f build/package/*.deb
-build_preset package package
-ls build/package/*.deb
+tools/install-dependencies.sh
+build_preset release sonavex sonavex-measure sonavex-help sonavex-packaging
+rm -f build/release/*.deb
+if ! cpack --config build/release/CPackConfig.cmake -B build/release >build/package.log 2>&1; then
+    cat build/package.log >&2
+    exit 1
+fi
+ls build/release/*.deb

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds the Debian package, checks it, and tries it in a fresh Debian 12 made for that: installs it there,
-# measures with it on the simulated card, opens its window on a virtual screen, removes it again.
+# Builds the Debian package, checks its contents, and tests it in a new Debian 12 system: installs it, measures on the
+# simulated card, opens the window on a virtual screen, removes it.
 #
-#   packaging/check-package.sh [PACKAGE.deb]     a package that is there already is not built
+#   packaging/check-package.sh [PACKAGE.deb]     checks an existing package instead of building one
 #
-# Needs root, and the Debian archive that apt is set up for.
+# Needs root and the Debian archive that apt uses.
 set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/../tools/build.sh"
@@ -15,9 +15,9 @@ fail() {
     exit 1
 }
 
-# The archive that apt gets this release's packages from.
+# The address from which apt gets the packages of this release.
 archive() {
-    # shellcheck disable=SC2016  # apt fills it in
+    # shellcheck disable=SC2016  # apt expands it
     apt-get indextargets --format '$(SITE)' 'Created-By: Packages' 'Codename: bookworm' | head -n 1
 }
 
@@ -28,10 +28,10 @@ check_contents() {
     desktop-file-validate "$contents"/usr/share/applications/*.desktop
     appstreamcli validate --no-net "$contents"/usr/share/metainfo/*.metainfo.xml
     ! grep --recursive --text --fixed-strings --files-with-matches "$root" "$contents" ||
-        fail "the files above hold the path of the folder that they were built in"
+        fail "the files above contain the path of the build folder"
 }
 
-# Runs in the fresh system, in a world of processes of its own that ends with it.
+# Runs the test in the new system, in a process namespace that ends with it.
 try_in() {
     local fresh="$1"
     cp "$2" "$fresh/tmp/sonavex.deb"
@@ -53,7 +53,7 @@ package="${1:-$(packaging/build-package.sh)}"
 version="$(dpkg-deb --field "$package" Version)"
 check_contents "$package"
 debootstrap --variant=minbase bookworm "$work/fresh" "$(archive)" >"$work/log" 2>&1 ||
-    { tail "$work/log" >&2; fail "no fresh system could be made"; }
+    { tail "$work/log" >&2; fail "the new system could not be created"; }
 cp /etc/resolv.conf "$work/fresh/etc/resolv.conf"
 try_in "$work/fresh" "$package" "$version"
-echo "$(basename "$package"): installs, measures and opens its window in a fresh Debian 12"
+echo "$(basename "$package"): installs, measures and opens its window in a new Debian 12 system"

@@ -1,20 +1,20 @@
 #!/usr/bin/env bash
-# In a fresh system: installs the package, uses it, removes it. try-package.sh PACKAGE.deb VERSION
+# Runs in a new system: installs the package, tests it and removes it. try-package.sh PACKAGE.deb VERSION
 set -euo pipefail
 
 package="$1" version="$2"
-limit=30  # seconds for anything to appear
+limit=30  # seconds, for each wait
 
 fail() {
     echo "try-package: $*" >&2
     exit 1
 }
 
-# wait_for COMMAND...: until it succeeds, within the limit.
+# wait_for COMMAND...: waits until the command succeeds; fails after the limit.
 wait_for() {
     local end=$((SECONDS + limit))
     until "$@" >/dev/null 2>&1; do
-        ((SECONDS < end)) || fail "waited in vain for: $*"
+        ((SECONDS < end)) || fail "timeout: $*"
         sleep 0.2
     done
 }
@@ -31,11 +31,11 @@ measures() {
     reading="$(timeout "$limit" sonavex-measure run --tone sine:1000 --json | tail -n 1)"
     echo "$reading"
     [[ $reading == *'"frequency":"1000"'* && $reading == *'"locked":true'* && $reading == *'"simulated":true'* ]] ||
-        fail "that is not the reading of a locked tone of 1000 Hz"
+        fail "the reading is not that of a locked tone of 1000 Hz"
 }
 
 screen_answers() { xdotool getdisplaygeometry; }
-# window NAME: prints the window whose title matches, once it is shown.
+# window NAME: prints the visible window whose title matches.
 window() { xdotool search --onlyvisible --name "$1"; }
 
 opens_window() {
@@ -47,10 +47,10 @@ opens_window() {
     local program=$!
     wait_for window '^Sonavex & Function Generator'
     xdotool getwindowname "$(window '^Sonavex & Function Generator')"
-    # The help is found where it was installed.
+    # F1 opens the installed help file.
     xdotool windowfocus --sync "$(window '^Sonavex & Function Generator')" key F1
     wait_for window '^Sonavex Help$'
-    kill -0 "$program" || fail "the program ended by itself"
+    kill -0 "$program" || fail "the program ended unexpectedly"
     kill "$program"
 }
 
@@ -58,7 +58,7 @@ leaves_nothing() {
     apt-get -qq --yes purge sonavex >/dev/null 2>&1
     local rest
     rest="$(find /usr /etc /var/lib -iname '*sonavex*' -not -path '/var/lib/dpkg/*')"
-    [[ -z $rest ]] || fail "left behind: $rest"
+    [[ -z $rest ]] || fail "files remain after the removal: $rest"
 }
 
 export SONAVEX_SOUND=simulated
