@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
-# Compiles the help file: compile.sh FOLDER puts Sonavex.chm into the folder. Links that lead nowhere fail.
+# Compiles the help file: compile.sh FOLDER writes Sonavex.chm into the folder. Fails on broken links.
 #
-# The compiler writes the full path of each numbered topic's page into the result. It is given its project
-# by a path that is the same on every machine, so nothing of this machine's folders gets into the file.
+# The help compiler writes the absolute paths of the pages into the file. /proc/self/cwd is the same on every machine.
 set -euo pipefail
 
 sources="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
@@ -11,7 +10,7 @@ work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 
 cp "$sources"/*.html "$sources"/Sonavex.hhp "$sources"/contents.hhc "$sources"/pictures/*.png "$work"
-# Pictures have twice the dots of the size that they are shown in, for screens of any density.
+# Pictures are rendered at twice their displayed size, for screens of high density.
 for drawing in "$sources"/pictures/*.svg; do
     rsvg-convert --zoom 2 "$drawing" --output "$work/$(basename "$drawing" .svg).png"
 done
@@ -22,6 +21,6 @@ if ! log="$(chmcmd /proc/self/cwd/Sonavex.hhp 2>&1)" || [[ $log == *Warning* || 
     exit 1
 fi
 
-# A last line by which the reader sees that nothing is damaged. Other readers do not look behind the end.
+# The help window verifies this checksum before it opens the file. Other viewers ignore data behind the end.
 printf '\nSonavex help file %s\n' "$(cksum <Sonavex.chm)" >>Sonavex.chm
 mv Sonavex.chm "$target/Sonavex.chm"

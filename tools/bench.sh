@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Measures what speed is asked of: the block path against the bare transform, also with the instructions of
-# the oldest machines, the rings, the texts, the window at 200 % scale, and the start. Prints tables with the
-# targets and writes build/bench/summary.json beside the benchmarks' own files. Best on an idle machine.
+# Runs all benchmarks: the block path against the bare transform (also with SSE2 only), rings, texts, the window at
+# 200 % scale, and the start of the programs. Prints tables with the targets and writes build/bench/summary.json and
+# one file for each benchmark. Use an idle machine.
 # Argument: repetitions, 9 by default. Exit status 1 when a target was missed.
 set -euo pipefail
 # shellcheck source=tools/build.sh
@@ -14,8 +14,8 @@ build_preset release sonavex-bench sonavex-bench-sse2 sonavex-window-bench sonav
     sonavex-measure
 mkdir -p "$out"
 
-# measure NAME PROGRAM [ARGUMENT...]: medians into NAME.json, shuffled so that what else the machine does
-# meets all of them alike.
+# measure NAME PROGRAM [ARGUMENT...]: writes medians to NAME.json. The repetitions are interleaved at random, so that
+# other load on the machine affects all benchmarks equally.
 measure() {
     local name="$1"
     shift
@@ -28,7 +28,7 @@ measure() {
     }
 }
 
-# start NAME PROGRAM [ARGUMENT...]: an account of its own, 48000 Hz, the simulated card.
+# start NAME PROGRAM [ARGUMENT...]: measures the start with a private configuration, 48000 Hz and the simulated card.
 start() {
     local name="$1" account
     shift
@@ -46,7 +46,7 @@ start() {
 }
 
 measure block "$bin/sonavex-bench"
-# The C library chooses its vector functions by itself; the programs' own kernels are plain already.
+# sonavex-bench-sse2 has vector loops for SSE2 only; this limits the vector functions of the C library as well.
 GLIBC_TUNABLES=glibc.cpu.hwcaps=-SSE4_1,-SSE4_2,-AVX,-AVX2,-FMA,-AVX512F \
     measure sse2 "$bin/sonavex-bench-sse2" --benchmark_filter='BM_(Fft4096|Block)'
 measure window "$bin/sonavex-window-bench"

@@ -1,14 +1,13 @@
 # shellcheck shell=bash
-# Sourced by the commands at the root of the repository: sets `root` and how many tests run at the same
-# time, and defines build_preset.
+# Sourced by other scripts. Sets `root` and the number of parallel tests, and defines build_preset.
 
-# Half of the tests mostly wait; tests/CMakeLists.txt says how much of a processor each one takes.
+# Two slots for each processor. tests/CMakeLists.txt declares how many slots a test takes.
 export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$((2 * $(nproc)))}"
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
-# Shows the steps of a build on standard error: one line that is rewritten on a terminal, one line at
-# the beginning and one at the end elsewhere. Nothing when there is nothing to build.
+# Shows the progress of a build on standard error: a counter on a terminal, otherwise one line at the start and one at
+# the end. Prints nothing when everything is up to date.
 show_build_steps() {
     local preset="$1" line started="" since=$SECONDS
     while IFS= read -r line; do
@@ -23,11 +22,11 @@ show_build_steps() {
     done
     [[ -n $started ]] || return 0
     [[ ! -t 2 ]] || printf '\r\033[K' >&2
-    echo "Building $preset ended after $((SECONDS - since)) s" >&2
+    echo "Building $preset took $((SECONDS - since)) s" >&2
 }
 
-# build_preset PRESET [TARGET...]: configures when needed and builds the targets (default: all) in
-# build/PRESET. Quiet; shows the whole log when it fails.
+# build_preset PRESET [TARGET...]: configures when needed and builds the targets (default: all) in build/PRESET.
+# Shows the build log only when the build fails.
 build_preset() {
     local preset="$1" log ninja_file="$root/build/$1/build.ninja"
     shift

@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# Invents inputs for what takes input from outside, with libFuzzer: fuzz.sh [--merge] [SECONDS] [TARGET...]
-# Builds the preset fuzz and runs every target (default: all of tests/fuzz) for so many seconds of processor
-# time (default: 600), on a copy of its corpus in build/fuzz/work that is kept from run to run. Tells for each
-# target the inputs tried, the coverage reached, the processor time, the seed and the findings; SEED=NUMBER
-# sets the seed. A finding ends its target's run and stays in build/fuzz/findings; exit status 1 then.
-# --merge: afterwards, or alone with 0 SECONDS, puts a few of the inputs that reach new code into tests/fuzz/corpus,
-# in the place of those that an earlier merge put there. Files with names of their own always stay.
+# Fuzzes the parsers of external input with libFuzzer: fuzz.sh [--merge] [SECONDS] [TARGET...]
+# Builds the preset fuzz and runs each target (default: all of tests/fuzz) for SECONDS of processor time (default: 600).
+# The corpus of each target is copied to build/fuzz/work and kept there between runs. Prints for each target the number
+# of inputs, the coverage, the processor time, the seeds and the findings; SEED=NUMBER sets the first seed. A finding
+# ends the run of its target and is kept in build/fuzz/findings; the exit status is then 1.
+# --merge: afterwards (or only, with 0 SECONDS) replaces the inputs of the previous merge in tests/fuzz/corpus by a
+# selection of those that reach new code. Inputs whose names are not checksums are kept.
 set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
 
-# What an input may take, how many inputs a merge adds, and libFuzzer's status when it is stopped.
+# Limits for one input, the largest number of merged inputs, and the exit status of an interrupted libFuzzer.
 readonly input_seconds=60 memory_mb=2048 kept_inputs=60 interrupted=72
 declare -A longest=([tone-line]=256 [mixer-state]=1024 [settings]=2048 [typing]=600 [wav]=8192 [help]=16384)
 work="$root/build/fuzz/work"
@@ -32,7 +32,7 @@ seed="${SEED:-$((RANDOM * 32768 + RANDOM + 1))}"
 
 for target in "${targets[@]}"; do
     if [[ -z ${longest[$target]:-} ]]; then
-        echo "fuzz.sh: no target is called $target; there are ${!longest[*]}" >&2
+        echo "fuzz.sh: unknown target $target; the targets are ${!longest[*]}" >&2
         exit 2
     fi
 done
@@ -45,12 +45,12 @@ libfuzzer() {
         -report_slow_units="$input_seconds" -rss_limit_mb="$memory_mb" "$@"
 }
 
-# Last number after a name in the log.
+# last_of NAME LOG: the last number after the name.
 last_of() {
     grep -aoE "$1 *[0-9]+" "$2" | tail -1 | grep -oE '[0-9]+$' || echo 0
 }
 
-# fuzz TARGET: in slices, because libFuzzer counts the time that passes and not what it was given of it.
+# fuzz TARGET: runs libFuzzer repeatedly, because it limits elapsed time and this limits processor time.
 fuzz() {
     local target="$1" tried=0 slice=0 used_ms=0 status=0 user system log clock
     log="$work/$target.log"
@@ -69,19 +69,19 @@ fuzz() {
         slice=$((slice + 1))
     done
     rm -f "$clock"
-    echo "$target: $tried inputs, $(last_of 'cov:' "$log") places in the code and $(last_of 'ft:' "$log")" \
-        "features reached, $((used_ms / 1000)) s of processor time, seeds $seed to $((seed + slice - 1))"
+    echo "$target: $tried inputs, coverage $(last_of 'cov:' "$log") edges and $(last_of 'ft:' "$log")" \
+        "features, $((used_ms / 1000)) s of processor time, seeds $seed to $((seed + slice - 1))"
     ((status != 0)) || return 0
     if ((status == interrupted)); then
         echo "$target: interrupted"
         exit 130
     fi
-    echo "$target: FOUND something:"
+    echo "$target: FINDING:"
     grep -aE -A2 '^Not so|ERROR: |runtime error|what\(\)|Test unit written' "$log" | cut -c1-300
     return 1
 }
 
-# merge TARGET: libFuzzer names the inputs by their checksum.
+# merge_corpus TARGET: libFuzzer names the merged inputs by their checksum.
 merge_corpus() {
     local target="$1" corpus="$root/tests/fuzz/corpus/$1" chosen all step
     chosen="$(mktemp -d)"
@@ -89,7 +89,7 @@ merge_corpus() {
     mkdir -p "$work/$target"
     libfuzzer "$target" -merge=1 "$chosen" "$corpus" "$work/$target" >"$work/$target.merge.log" 2>&1
     find "$corpus" -type f -regextype posix-extended -regex '.*/[0-9a-f]{40}' -delete
-    # Spread over all lengths.
+    # A selection spread evenly over the lengths.
     mapfile -t all < <(find "$chosen" -type f -regextype posix-extended -regex '.*/[0-9a-f]{40}' \
         -printf '%s %p\n' | sort -n | cut -d' ' -f2)
     step=$(((${#all[@]} + kept_inputs - 1) / kept_inputs))

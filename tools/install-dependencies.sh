@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages listed in the given files (default: dependencies.txt beside this script)
-# that are missing. Says nothing and needs neither network nor rights when nothing is missing.
+# Installs the missing Debian packages of the given lists (default: tools/dependencies.txt). When none is missing it
+# prints nothing and needs no network and no privileges.
 set -euo pipefail
 
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
@@ -40,14 +40,14 @@ fi
 log="$(mktemp)"
 trap 'rm -f "$log"' EXIT
 
-# A package manager that is already at work (unattended upgrades) is waited for.
+# Waits for another package manager, such as unattended upgrades, to finish.
 apt() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive LC_ALL=C \
         apt-get --quiet --yes -o DPkg::Lock::Timeout=300 "$@" </dev/null >>"$log" 2>&1
 }
 
 echo "Installing: ${missing[*]}" >&2
-# A list of some other repository that does not load is no reason to give up.
+# One unreachable repository makes the update fail, although the packages may still be available.
 apt update || true
 if ! apt install --no-install-recommends "${missing[@]}"; then
     cat "$log" >&2

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Sourced by measurements on a sound server of their own: sets `work`, a folder that goes at the end, `pids`,
-# the processes that are ended with it, and defines await and start_private_sound.
+# Sourced by scripts that measure on a private sound server. Sets `work` (a temporary folder) and `pids` (processes);
+# both are removed when the script exits. Defines await and start_private_sound.
 
 work="$(mktemp -d)"
 pids=()
@@ -11,7 +11,7 @@ finish() {
 }
 trap finish EXIT
 
-# await WHAT COMMAND...: until the command succeeds, ten seconds at most.
+# await WHAT COMMAND...: waits until the command succeeds, at most ten seconds.
 await() {
     local what="$1" i
     shift
@@ -19,11 +19,12 @@ await() {
         if "$@" >/dev/null 2>&1; then return; fi
         sleep 0.1
     done
-    echo "There is no $what." >&2
+    echo "The $what did not start." >&2
     exit 1
 }
 
-# A PulseAudio whose sink at 48000 Hz returns what is played, for programs that see nothing of the user's.
+# Starts a private PulseAudio with one sink at 48000 Hz, whose monitor returns what is played. Hides the user's
+# configuration from the programs.
 start_private_sound() {
     export HOME="$work" XDG_CONFIG_HOME="$work" XDG_RUNTIME_DIR="$work" LC_ALL=C.UTF-8
     export PULSE_SERVER="unix:$work/native"

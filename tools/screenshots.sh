@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Pictures of the window in its states, light and dark, at 100 %, 125 % and 200 % scale, for people to
-# look at: build/screenshots/*.png. Needs no display and no sound.
+# Renders every window in its states, light and dark, at 100 %, 125 % and 200 % scale, into build/screenshots/*.png.
+# Needs no display and no sound.
 set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/build.sh"

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Lets the headless meter measure for an hour on a PulseAudio of its own, whose sink returns what is played,
-# while other processes keep the processors busy. Prints what was lost and what was read.
+# Runs sonavex-measure on a private PulseAudio loop while other processes keep the processors busy. Prints the losses
+# and the readings.
 #   tools/soak-server.sh [SECONDS [BUSY]]     3600 s; 2 busy processes for each processor
-# Exit status 1 when the meter fails, when it reads wrong without saying so, when sound is missing that it
-# does not count as lost, or when its memory grows.
+# Exit status 1 when the meter fails, when a settled reading is wrong, when missing blocks are not counted as lost, or
+# when the memory grows.
 set -euo pipefail
 # shellcheck source=tools/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
@@ -20,13 +20,13 @@ for ((i = 0; i < busy * $(nproc); ++i)); do
     pids+=($!)
 done
 
-# A copy, so that a build beside it changes nothing.
+# A copy, so that a build during the measurement does not replace the program.
 cp "$root/build/dev/bin/sonavex-measure" "$work/"
 "$work/sonavex-measure" run --json --rate 48000 --tone sine:1125 --seconds "$seconds" \
     >"$work/readings.jsonl" 2>"$work/errors.log" &
 meter=$!
 pids+=("$meter")
-# Memory in kB and the load, once a minute.
+# Records memory in kB and load average once a minute.
 while sleep 60 && kill -0 "$meter" 2>/dev/null; do
     resident="$(awk '/^VmRSS/ { print $2 }' "/proc/$meter/status" 2>/dev/null || true)"
     [[ -z $resident ]] || echo "$resident $(cut -d' ' -f1 /proc/loadavg)" >>"$work/minutes"
@@ -45,11 +45,11 @@ if os.path.exists(sys.argv[2]):
 settled = [float(line["thd"]) for line in lines if line["settled"]]
 last = lines[-1]
 lost = {key: last[key] for key in ("blocksLost", "framesMissing", "overruns", "underruns")}
-# A piece of wire: what is left is the rounding to 16 bit.
+# The loop is digital: only the rounding to 16 bits distorts.
 wrong = [thd for thd in settled if thd > 0.006]
-print(f"{last['block']} blocks, {len(lines)} readings, {len(settled)} of them of 19 good blocks in a row")
-# The sound of a second is 23.4 blocks; one second may pass at the start and the end.
-untold = float(sys.argv[3]) * 48000 / 2048 - last["block"] - last["blocksLost"]
+print(f"{last['block']} blocks, {len(lines)} readings, {len(settled)} of them settled (19 good blocks in a row)")
+# One second (23.4 blocks) of tolerance covers the start and the end.
+uncounted = float(sys.argv[3]) * 48000 / 2048 - last["block"] - last["blocksLost"]
 print("lost: " + ", ".join(f"{value} {key}" for key, value in lost.items()))
 if settled:
     print(f"total distortion of the settled readings: {min(settled)} to {max(settled)} %")
@@ -61,8 +61,8 @@ if minutes:
     print(f"memory {memory[0]:.0f} kB after a minute, {memory[-1]:.0f} kB at the end")
     print(f"load average {loads[0]} to {loads[-1]}, median {loads[len(loads) // 2]}, on {os.cpu_count()} processors")
 print("notes: " + ("; ".join(last["notes"]) or "none"))
-print(f"blocks of the time neither measured nor counted as lost: {untold:.0f}")
-if not settled or wrong or untold > 24 or grown > 1024:
-    sys.exit(f"FAILED: {len(settled)} settled readings, {len(wrong)} wrong ones, {untold:.0f} blocks missing, "
+print(f"blocks neither measured nor counted as lost: {uncounted:.0f}")
+if not settled or wrong or uncounted > 24 or grown > 1024:
+    sys.exit(f"FAILED: {len(settled)} settled readings, {len(wrong)} wrong ones, {uncounted:.0f} blocks missing, "
              f"{grown:.0f} kB more memory")
 PYTHON
