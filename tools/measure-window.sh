@@ -35,7 +35,7 @@ start_sine() {
 
 # Whether the sink plays anything but zeros within three seconds.
 tone_plays() {
-    (($(timeout 3 parec --device=card.monitor --raw | tr -d '\0' | head -c 1 | wc -c)))
+    (($(timeout 3 parec --device=card.monitor --raw 2>/dev/null | tr -d '\0' | head -c 1 | wc -c)))
 }
 
 "$bin/sonavex" 2>"$work/sonavex.log" &
