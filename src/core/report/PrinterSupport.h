@@ -12,8 +12,6 @@ public:
     // Stores the present default printer. The printer must outlive this object.
     PrinterSupport(Printer& printer, const InstalledPrinters& present);
 
-    const std::string& Remembered() const noexcept { return remembered_; }
-
     // Makes the stored printer the default again if it no longer is. Does nothing if there was none, if it is
     // unchanged, or if it is gone or the print system does not answer.
     void RestoreDefault();

@@ -20,10 +20,10 @@ struct RoleFont {
 };
 
 constexpr RoleFont kRoleFonts[] = {
-    {"hero", 5.0, true, true},       {"unit", 2.6, false, false},       {"title", 1.12, false, false},
-    {"quiet", 0.92, false, false},   {"value", 1.15, true, true},       {"figure", 1.3, true, false},
-    {"boldfigure", 1.3, true, true}, {"order", 1.15, false, false},     {"state", 1.0, false, true},
-    {"rate", 1.0, false, false},     {"figureSmall", 1.0, true, false},
+    {"unit", 2.6, false, false},       {"title", 1.12, false, false}, {"quiet", 0.92, false, false},
+    {"value", 1.15, true, true},       {"figure", 1.3, true, false},  {"boldfigure", 1.3, true, true},
+    {"order", 1.15, false, false},     {"state", 1.0, false, true},   {"rate", 1.0, false, false},
+    {"figureSmall", 1.0, true, false},
 };
 
 QFont FontOf(const RoleFont& role) {
@@ -49,7 +49,6 @@ QMenuBar { background: @card; color: @text; padding: 2px; }
 QMenuBar::item { padding: 4px 10px; background: transparent; }
 QMenuBar::item:selected { background: @field; }
 QLabel { color: @text; background: transparent; }
-QLabel:disabled { color: @quiet; }
 QLabel:disabled { color: @faint; }
 QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet; }
 QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }

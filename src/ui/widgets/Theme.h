@@ -33,8 +33,8 @@ struct Theme {
     static Theme Dark();
 };
 
-// Takes colours and fonts over to a window and everything in it. A widget says in its property "role"
-// what it is: hero, unit, title, quiet, value, figure, figureSmall, state, primary, note.
+// Applies colours and fonts to a window and its widgets. A widget's property "role" selects its style: unit, title,
+// quiet, value, figure, boldfigure, figureSmall, order, state, rate, primary, note, preset, alarm.
 void ApplyTheme(QWidget& window);
 
 // Makes a widget paint its own background (card, stripe or window), so that a change repaints only this
