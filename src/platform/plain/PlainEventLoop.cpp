@@ -1,10 +1,6 @@
 #include "platform/plain/PlainEventLoop.h"
 
 #include <algorithm>
-#include <condition_variable>
-#include <cstdint>
-#include <limits>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -12,84 +8,13 @@ namespace sonavex {
 
 namespace {
 
-// Between two looks at a condition that no event announces.
+// RunUntil evaluates its condition at least this often.
 constexpr std::chrono::nanoseconds kLongestSleep = std::chrono::milliseconds(10);
-
-// One bell. It stands in the queue by its own links, so that ringing it needs no memory.
-struct Bell {
-    std::function<void()> handler;
-    std::shared_ptr<Bell> next;  // while queued
-    std::uint64_t ticket = 0;    // of its last ring; rises with every ring of the loop
-    bool queued = false;
-    bool destroyed = false;
-};
 
 }  // namespace
 
-struct PlainEventLoop::Queue {
-    std::mutex mutex;
-    std::condition_variable wake;
-    std::shared_ptr<Bell> first;
-    std::shared_ptr<Bell> last;
-    std::uint64_t lastTicket = 0;
-
-    std::uint64_t LastTicket() {
-        const std::lock_guard lock(mutex);
-        return lastTicket;
-    }
-
-    bool Push(const std::shared_ptr<Bell>& bell) {
-        {
-            const std::lock_guard lock(mutex);
-            if (bell->queued) return false;
-            bell->queued = true;
-            bell->ticket = ++lastTicket;
-            (last ? last->next : first) = bell;
-            last = bell;
-        }
-        wake.notify_one();
-        return true;
-    }
-
-    // The oldest ring, nothing when it is younger than the ticket.
-    std::shared_ptr<Bell> Pop(std::uint64_t ticket) {
-        const std::lock_guard lock(mutex);
-        std::shared_ptr<Bell> bell = first;
-        if (!bell || bell->ticket > ticket) return nullptr;
-        first = std::move(bell->next);
-        bell->next = nullptr;
-        if (!first) last = nullptr;
-        bell->queued = false;
-        return bell;
-    }
-};
-
-class PlainEventLoop::QueuedSignal : public Signal {
-public:
-    QueuedSignal(std::shared_ptr<Queue> queue, std::function<void()> handler)
-        : queue_(std::move(queue)), bell_(std::make_shared<Bell>()) {
-        bell_->handler = std::move(handler);
-    }
-    ~QueuedSignal() override { bell_->destroyed = true; }
-    QueuedSignal(const QueuedSignal&) = delete;
-    QueuedSignal& operator=(const QueuedSignal&) = delete;
-
-    bool Raise() noexcept override { return queue_->Push(bell_); }
-
-private:
-    std::shared_ptr<Queue> queue_;
-    std::shared_ptr<Bell> bell_;
-};
-
-PlainEventLoop::PlainEventLoop() : queue_(std::make_shared<Queue>()) {}
-
-PlainEventLoop::~PlainEventLoop() {
-    while (queue_->Pop(std::numeric_limits<std::uint64_t>::max())) {
-    }
-}
-
 std::unique_ptr<Signal> PlainEventLoop::CreateSignal(std::function<void()> handler) {
-    return std::make_unique<QueuedSignal>(queue_, std::move(handler));
+    return queue_.Create(std::move(handler));
 }
 
 EventLoop::TimerId PlainEventLoop::StartTimer(std::chrono::milliseconds interval,
@@ -107,11 +32,9 @@ std::chrono::nanoseconds PlainEventLoop::Now() const {
 }
 
 void PlainEventLoop::Yield() {
-    // Only what is pending now: a ring that comes meanwhile is served by the next call, also when a
-    // handler calls Yield itself.
-    const std::uint64_t lastTicket = queue_->LastTicket();
-    while (const auto bell = queue_->Pop(lastTicket))
-        if (!bell->destroyed) bell->handler();
+    // Uses up the wake-up of the signals that are delivered here, so that the next Wait sleeps.
+    if (!queue_.Empty()) static_cast<void>(wake_.try_acquire());
+    queue_.Deliver([](const std::function<void()>& handler) { handler(); });
     RunDueTimers();
 }
 
@@ -129,7 +52,7 @@ void PlainEventLoop::RunDueTimers() {
 void PlainEventLoop::Tick(TimerId id, Timer& timer, std::chrono::nanoseconds now) {
     timer.due += timer.interval;
     if (timer.due <= now) timer.due = now + timer.interval;
-    // A handler that yields does not meet itself, and it may stop its own timer.
+    // A handler that calls Yield is not entered again, and it may stop its own timer.
     struct Running {
         std::map<TimerId, Timer>& timers;
         TimerId id;
@@ -152,10 +75,9 @@ std::chrono::nanoseconds PlainEventLoop::UntilNextTimer(std::chrono::nanoseconds
 }
 
 void PlainEventLoop::Wait(std::chrono::nanoseconds limit) {
-    {
-        std::unique_lock lock(queue_->mutex);
-        queue_->wake.wait_for(lock, UntilNextTimer(limit), [this] { return queue_->first != nullptr; });
-    }
+    const auto end = Now() + UntilNextTimer(limit);
+    // A wake-up may belong to a signal that was delivered already.
+    while (queue_.Empty() && Now() < end) static_cast<void>(wake_.try_acquire_for(end - Now()));
     Yield();
 }
 

@@ -4,34 +4,31 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <semaphore>
 
 #include "core/ports/EventLoop.h"
+#include "platform/plain/SignalQueue.h"
 
 namespace sonavex {
 
 // An event loop for programs without a window. The thread that calls Yield, Wait or RunUntil is the
-// user-interface thread.
+// user-interface thread. An exception of a handler leaves these calls.
 class PlainEventLoop : public EventLoop {
 public:
-    PlainEventLoop();
-    ~PlainEventLoop() override;
-
     std::unique_ptr<Signal> CreateSignal(std::function<void()> handler) override;
     TimerId StartTimer(std::chrono::milliseconds interval, std::function<void()> handler) override;
     void StopTimer(TimerId id) override;
     void Yield() override;
     std::chrono::nanoseconds Now() const override;
 
-    // Sleeps until something is pending, a timer is due or the time is over, then delivers it.
+    // Sleeps until a signal is raised, a timer is due or the limit has passed, then calls Yield.
     void Wait(std::chrono::nanoseconds limit);
 
-    // Delivers events until the condition holds (true) or the time is over (false). The condition is
-    // looked at after every delivery and every 10 ms, so it may depend on the time or on another thread.
+    // Delivers events until the condition holds (true) or the limit has passed (false). The condition
+    // is evaluated after every delivery and every 10 ms, so it may depend on the time or on another thread.
     bool RunUntil(const std::function<bool()>& condition, std::chrono::nanoseconds limit);
 
 private:
-    struct Queue;  // shared with the signals
-    class QueuedSignal;
     struct Timer {
         std::chrono::nanoseconds interval;
         std::chrono::nanoseconds due;
@@ -43,7 +40,8 @@ private:
     void RunDueTimers();
     void Tick(TimerId id, Timer& timer, std::chrono::nanoseconds now);
 
-    std::shared_ptr<Queue> queue_;
+    std::counting_semaphore<> wake_{0};
+    SignalQueue queue_{[this] { wake_.release(); }};
     std::map<TimerId, Timer> timers_;
     TimerId lastTimer_ = 0;
 };

@@ -3,58 +3,50 @@
 #include <QObject>
 #include <QSocketNotifier>
 #include <chrono>
-#include <cstdint>
 #include <exception>
 #include <functional>
-#include <map>
 #include <memory>
 
 #include "core/ports/EventLoop.h"
+#include "platform/plain/SignalQueue.h"
 
 namespace sonavex {
 
-// The event loop of a program with windows: signals and timers are delivered by whatever loop of the
-// toolkit runs on the thread that created this object, also by that of an open dialog. An application
-// object must exist as long as this one.
+// The event loop of a program with windows. Any loop of the toolkit that runs on the thread that created
+// this object delivers signals and timers, also the loop of an open dialog. The application object must
+// outlive this one.
 //
-// An error that leaves a handler goes to the given procedure instead of through the toolkit; the
-// handler's signal or timer lives on. The procedure may show a message box; it must not throw.
+// An exception that leaves a handler is passed to `onError` instead of through the toolkit. The signal or
+// timer of that handler stays active. onError may show a message box; it must not throw.
 class QtEventLoop : public EventLoop {
 public:
     using OnError = std::function<void(std::exception_ptr)>;
 
-    // Throws std::system_error when the system has no descriptor left.
+    // Throws std::system_error when the system is out of descriptors.
     explicit QtEventLoop(OnError onError);
     ~QtEventLoop() override;
 
     std::unique_ptr<Signal> CreateSignal(std::function<void()> handler) override;
     TimerId StartTimer(std::chrono::milliseconds interval, std::function<void()> handler) override;
     void StopTimer(TimerId id) override;
-    // Signals that were raised before the call, then the toolkit's events that are pending. Signals
-    // raised by these are left to the next delivery.
+    // Delivers the signals that were raised before the call, then the pending events of the toolkit.
+    // Signals raised meanwhile wait for the next delivery.
     void Yield() override;
     std::chrono::nanoseconds Now() const override;
 
 private:
-    struct Bell;
-    class Belfry;  // shared with the signals
-    class QueuedSignal;
+    class WakeDescriptor;
     class Timers;
 
-    void Collect() noexcept;
-    std::shared_ptr<Bell> PopUpTo(std::uint64_t ticket) noexcept;
-    void DeliverCollected();
+    void Deliver();
     void OnWake();
     void Run(const std::function<void()>& handler) noexcept;
 
     OnError onError_;
-    std::shared_ptr<Belfry> belfry_;
-    QSocketNotifier wake_;
-    // The rings that were seen and not delivered, and the ticket of the last one; it rises with every ring.
-    Bell* oldest_ = nullptr;
-    Bell* youngest_ = nullptr;
-    std::uint64_t lastTicket_ = 0;
-    int yieldingLevel_ = -1;  // depth of the toolkit's loops that the innermost Yield works in
+    std::unique_ptr<WakeDescriptor> wake_;
+    SignalQueue queue_;
+    QSocketNotifier notifier_;
+    int yieldingLevel_ = -1;  // nesting level of the toolkit's loop in which the innermost Yield runs
     std::unique_ptr<Timers> timers_;
 };
 

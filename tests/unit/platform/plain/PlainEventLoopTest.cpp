@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <stdexcept>
 #include <thread>
@@ -46,15 +47,57 @@ TEST(PlainEventLoop, RunUntilNoticesAConditionThatNoEventAnnounces) {
     EXPECT_LT(loop.Now() - start, 10s);
 }
 
-TEST(PlainEventLoop, WaitEndsEarlyForARing) {
+TEST(PlainEventLoop, WaitEndsEarlyForASignal) {
     PlainEventLoop loop;
-    bool rung = false;
-    const auto signal = loop.CreateSignal([&] { rung = true; });
+    bool delivered = false;
+    const auto signal = loop.CreateSignal([&] { delivered = true; });
     signal->Raise();
     const auto start = loop.Now();
     loop.Wait(10s);
-    EXPECT_TRUE(rung);
+    EXPECT_TRUE(delivered);
     EXPECT_LT(loop.Now() - start, 5s);
+}
+
+TEST(PlainEventLoop, ASignalThatYieldDeliveredDoesNotEndTheNextWait) {
+    PlainEventLoop loop;
+    const auto signal = loop.CreateSignal([] {});
+    signal->Raise();
+    loop.Yield();
+    const auto start = loop.Now();
+    loop.Wait(20ms);
+    EXPECT_GE(loop.Now() - start, 20ms);
+}
+
+TEST(PlainEventLoop, WaitEndsAtOnceForWhatAnErrorLeftWaiting) {
+    PlainEventLoop loop;
+    bool delivered = false;
+    const auto bad = loop.CreateSignal([] { throw std::runtime_error("bad"); });
+    const auto good = loop.CreateSignal([&] { delivered = true; });
+    bad->Raise();
+    good->Raise();
+    EXPECT_THROW(loop.Wait(10s), std::runtime_error);
+    const auto start = loop.Now();
+    loop.Wait(10s);
+    EXPECT_TRUE(delivered);
+    EXPECT_LT(loop.Now() - start, 5s);
+}
+
+// Nothing else wakes the loop, so a lost wake-up shows.
+TEST(PlainEventLoop, EverySignalWakesASleepingLoop) {
+    constexpr int kRounds = 3000;
+    PlainEventLoop loop;
+    std::atomic<int> delivered{0};
+    const auto signal = loop.CreateSignal([&] { ++delivered; });
+    std::thread raiser([&] {
+        for (int round = 0; round < kRounds; ++round) {
+            signal->Raise();
+            while (delivered <= round) std::this_thread::yield();
+        }
+    });
+    const auto start = loop.Now();
+    while (delivered < kRounds) loop.Wait(30s);
+    raiser.join();
+    EXPECT_LT(loop.Now() - start, 25s);
 }
 
 TEST(PlainEventLoop, WaitEndsAtItsLimit) {
