@@ -50,14 +50,6 @@ RuntimeError OpenError(const AlsaDevice& device, int error) {
 
 }  // namespace
 
-void RequireAlsaFormat(const BufferDescription& description) {
-    const WaveFormat& format = description.format;
-    if (format.formatTag == 1 && format.channels == kChannels && format.bitsPerSample == 16 &&
-        format.blockAlign == 4 && format.samplesPerSecond > 0)
-        return;
-    throw RuntimeError(sound_error::kBadFormat, "Sound cards are used with 16-bit stereo PCM only.");
-}
-
 void AlsaPcm::Close::operator()(snd_pcm_t* pcm) const noexcept {
     snd_pcm_drop(pcm);
     snd_pcm_close(pcm);

@@ -11,9 +11,6 @@
 
 namespace sonavex {
 
-// Throws kBadFormat unless the description asks for 16-bit stereo.
-void RequireAlsaFormat(const BufferDescription& description);
-
 // A PCM of libasound, opened for 16-bit interleaved stereo at one rate. It never blocks. A card's
 // device that lacks the rate, 16 bits or stereo is opened through libasound's conversions instead; a
 // device of the user's configuration is used as it is defined.

@@ -2,8 +2,6 @@
 
 #include <alsa/asoundlib.h>
 
-#include <utility>
-
 #include "platform/alsa/AlsaBuffers.h"
 #include "platform/alsa/AlsaDevices.h"
 
@@ -16,47 +14,16 @@ SoundDeviceList Enumerate(snd_pcm_stream_t direction, const char* primary) {
     return list;
 }
 
-// Failures reach the user through the errors of the port.
+constexpr const char* kRefusal = "Sound cards are used with 16-bit stereo PCM only.";
+
+// Failures are reported as RuntimeErrors instead.
 void PrintNothing(const char*, int, const char*, int, const char*, ...) {}
 
 }  // namespace
 
-class AlsaSoundSystem::Playback : public PlaybackDevice {
-public:
-    Playback(AlsaSoundSystem& system, AlsaDevice device) : system_(system), device_(std::move(device)) {}
-    // Whoever opened the card has it alone.
-    void SetCooperativeLevel(std::int32_t) override {}
-    PlaybackCapabilities GetCapabilities() override { return {}; }
-    std::unique_ptr<PlaybackBuffer> CreateBuffer(const BufferDescription& description) override {
-        RequireAlsaFormat(description);
-        return std::make_unique<AlsaPlaybackBuffer>(
-            system_.loop_, device_, description,
-            [&system = system_](const RuntimeError& error) { system.ReportLoss(error); });
-    }
-
-private:
-    AlsaSoundSystem& system_;
-    AlsaDevice device_;
-};
-
-class AlsaSoundSystem::Capture : public CaptureDevice {
-public:
-    Capture(AlsaSoundSystem& system, AlsaDevice device) : system_(system), device_(std::move(device)) {}
-    std::unique_ptr<CaptureBuffer> CreateBuffer(const BufferDescription& description) override {
-        RequireAlsaFormat(description);
-        return std::make_unique<AlsaCaptureBuffer>(
-            system_.loop_, system_.hub_, device_, description,
-            [&system = system_](const RuntimeError& error) { system.ReportLoss(error); });
-    }
-
-private:
-    AlsaSoundSystem& system_;
-    AlsaDevice device_;
-};
-
 const std::string AlsaSoundSystem::kIdentifierPrefix = kAlsaPrefix;
 
-AlsaSoundSystem::AlsaSoundSystem(EventLoop& loop) : loop_(loop), hub_(loop) {
+AlsaSoundSystem::AlsaSoundSystem(EventLoop& loop) : RingSoundSystem(loop) {
     snd_lib_error_set_handler(PrintNothing);
 }
 
@@ -69,17 +36,21 @@ SoundDeviceList AlsaSoundSystem::EnumerateCapture() {
 }
 
 std::unique_ptr<PlaybackDevice> AlsaSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
-    return std::make_unique<Playback>(*this, FindAlsaDevice(SND_PCM_STREAM_PLAYBACK, identifier));
+    const AlsaDevice device = FindAlsaDevice(SND_PCM_STREAM_PLAYBACK, identifier);
+    return PlaybackDeviceOf([this, device](const BufferDescription& description) {
+        RequireStereo16(description.format, kRefusal);
+        return std::make_unique<AlsaPlaybackBuffer>(Loop(), device, description,
+                                                    [this](const RuntimeError& error) { ReportLoss(error); });
+    });
 }
 
 std::unique_ptr<CaptureDevice> AlsaSoundSystem::CreateCaptureDevice(const std::string& identifier) {
-    return std::make_unique<Capture>(*this, FindAlsaDevice(SND_PCM_STREAM_CAPTURE, identifier));
-}
-
-void AlsaSoundSystem::ReportLoss(const RuntimeError& error) const {
-    // The handler may replace itself.
-    const auto handler = lostHandler_;
-    if (handler) handler(error);
+    const AlsaDevice device = FindAlsaDevice(SND_PCM_STREAM_CAPTURE, identifier);
+    return CaptureDeviceOf([this, device](const BufferDescription& description) {
+        RequireStereo16(description.format, kRefusal);
+        return std::make_unique<AlsaCaptureBuffer>(Loop(), Hub(), device, description,
+                                                   [this](const RuntimeError& error) { ReportLoss(error); });
+    });
 }
 
 }  // namespace sonavex

@@ -18,17 +18,17 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kLongestWaitMs = 100;
-// A time in which this program itself was held up counts for no more than this.
-constexpr auto kLongestStillness = 2 * std::chrono::milliseconds(kLongestWaitMs);
-// Longer than any device needs between two periods.
-constexpr auto kMostStillness = 2s;
-// An overrun is one bad moment; so many in a second are a device that cannot be served.
+// One pass of the thread counts for at most this time: a longer one means that this program was stopped.
+constexpr auto kLongestPass = 2 * std::chrono::milliseconds(kLongestWaitMs);
+// A device that moves nothing for this time is lost. Every period is shorter.
+constexpr auto kLongestStall = 2s;
+// A device that is interrupted more often than this cannot be served.
 constexpr int kMostRestarts = 20;
 constexpr auto kRestartWindow = 1s;
 constexpr int kRestMs = 1;
 constexpr int kPriority = 5;
 
-// Served before ordinary threads where the system allows it; works without as well.
+// Runs the thread before ordinary ones where the system allows it. A refusal does no harm.
 void AskForPriority() noexcept {
     sched_param parameters{};
     parameters.sched_priority = kPriority;
@@ -37,10 +37,11 @@ void AskForPriority() noexcept {
 
 }  // namespace
 
-AlsaStream::AlsaStream(EventLoop& loop, const std::string& deviceName, LostHandler onLost)
-    : deviceName_(deviceName),
+AlsaStream::AlsaStream(EventLoop& loop, const AlsaPcm& pcm, const std::string& deviceName, LostHandler onLost)
+    : pcm_(pcm),
+      deviceName_(deviceName),
       wake_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
-      lostBell_(loop.CreateSignal([this, handler = std::move(onLost)] {
+      lostSignal_(loop.CreateSignal([this, handler = std::move(onLost)] {
           const bool removed = loss_.load() == Loss::kRemoved;
           handler({removed ? sound_error::kNoDriver : sound_error::kBufferLost, LossText()});
       })) {
@@ -54,10 +55,9 @@ AlsaStream::~AlsaStream() {
     close(wake_);
 }
 
-void AlsaStream::Run(AlsaPcm& pcm, AlsaMover& mover) {
-    pcm_ = pcm.Handle();
+void AlsaStream::Run(AlsaMover& mover) {
     mover_ = &mover;
-    const int count = snd_pcm_poll_descriptors_count(pcm_);
+    const int count = snd_pcm_poll_descriptors_count(pcm_.Handle());
     descriptors_.resize(1 + static_cast<std::size_t>(std::max(count, 0)));
     descriptors_.front() = {wake_, POLLIN, 0};
     const int error = mover.Start();
@@ -80,25 +80,27 @@ void AlsaStream::Work() noexcept {
         if (stopping_.load()) return;
         if (moved == 0) moved = mover_->Move();
         if (moved < 0 && !Recover(static_cast<int>(moved))) return;
-        if (StandsStill(moved > 0, before)) return;
+        if (Stalled(moved > 0, before)) return;
     }
 }
 
-// Until the device or the owner wants something. 0 or an error of libasound.
+// Waits until the device is ready, the stream ends or kLongestWaitMs has passed. Returns 0 or an error of
+// libasound.
 int AlsaStream::Wait() noexcept {
     pollfd* const ofPcm = descriptors_.data() + 1;
     const auto count = static_cast<unsigned>(descriptors_.size() - 1);
-    const int filled = snd_pcm_poll_descriptors(pcm_, ofPcm, count);
+    const int filled = snd_pcm_poll_descriptors(pcm_.Handle(), ofPcm, count);
     if (filled < 0) return filled;
     if (poll(descriptors_.data(), 1 + static_cast<nfds_t>(filled), kLongestWaitMs) <= 0) return 0;
     unsigned short events = 0;
-    const int error = snd_pcm_poll_descriptors_revents(pcm_, ofPcm, static_cast<unsigned>(filled), &events);
+    const int error =
+        snd_pcm_poll_descriptors_revents(pcm_.Handle(), ofPcm, static_cast<unsigned>(filled), &events);
     if (error < 0) return error;
     return (events & (POLLERR | POLLHUP | POLLNVAL)) != 0 ? ErrorOfState() : 0;
 }
 
 int AlsaStream::ErrorOfState() const noexcept {
-    switch (snd_pcm_state(pcm_)) {
+    switch (snd_pcm_state(pcm_.Handle())) {
         case SND_PCM_STATE_XRUN:
             return -EPIPE;
         case SND_PCM_STATE_SUSPENDED:
@@ -106,7 +108,7 @@ int AlsaStream::ErrorOfState() const noexcept {
         case SND_PCM_STATE_DISCONNECTED:
             return -ENODEV;
         default:
-            return 0;  // moving the samples tells
+            return 0;  // Move returns the error
     }
 }
 
@@ -124,16 +126,17 @@ bool AlsaStream::Recover(int error) noexcept {
         case ENXIO:
             return Lose(Loss::kRemoved);
         default:
-            return Lose(snd_pcm_state(pcm_) == SND_PCM_STATE_DISCONNECTED ? Loss::kRemoved : Loss::kFailing);
+            return Lose(snd_pcm_state(pcm_.Handle()) == SND_PCM_STATE_DISCONNECTED ? Loss::kRemoved
+                                                                                   : Loss::kFailing);
     }
 }
 
 bool AlsaStream::Restart() noexcept {
     xruns_.fetch_add(1, std::memory_order_relaxed);
     if (TooManyRestarts()) return Lose(Loss::kFailing);
-    int error = snd_pcm_prepare(pcm_);
+    int error = snd_pcm_prepare(pcm_.Handle());
     if (error == 0) error = mover_->Start();
-    // Overrun already: noticed by the next move, and counted there.
+    // -EPIPE: the next overrun came already. The next Move returns it.
     if (error >= 0 || error == -EPIPE) return true;
     return Lose(error == -ENODEV || error == -ENXIO ? Loss::kRemoved : Loss::kFailing);
 }
@@ -147,16 +150,16 @@ bool AlsaStream::TooManyRestarts() noexcept {
     return ++restarts_ > kMostRestarts;
 }
 
-bool AlsaStream::StandsStill(bool moved, Clock::time_point before) noexcept {
+bool AlsaStream::Stalled(bool moved, Clock::time_point before) noexcept {
     const Clock::duration elapsed = Clock::now() - before;
     if (moved) {
-        still_ = Clock::duration::zero();
+        stalledFor_ = Clock::duration::zero();
         return false;
     }
-    // A descriptor that is ready without a reason must not keep this thread busy.
+    // Keeps the thread from spinning on a descriptor that reports itself ready for no reason.
     if (elapsed < std::chrono::milliseconds(kRestMs)) Rest();
-    still_ += std::min<Clock::duration>(Clock::now() - before, kLongestStillness);
-    return still_ >= kMostStillness && !Lose(Loss::kStalled);
+    stalledFor_ += std::min<Clock::duration>(Clock::now() - before, kLongestPass);
+    return stalledFor_ >= kLongestStall && !Lose(Loss::kStalled);
 }
 
 void AlsaStream::Rest() noexcept {
@@ -166,7 +169,7 @@ void AlsaStream::Rest() noexcept {
 // Always false: the stream has ended.
 bool AlsaStream::Lose(Loss loss) noexcept {
     loss_.store(loss);
-    lostBell_->Raise();
+    lostSignal_->Raise();
     return false;
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Longer than any device needs to start.
+// A stalled stream counts as lost after this time. Every device starts sooner.
 constexpr int kMostSecondsStill = 4;
 
 constexpr auto kStreamFlags =
@@ -48,18 +48,17 @@ std::int32_t OpenErrorNumber(int paError) noexcept {
 }  // namespace
 
 void RequirePulseFormat(const BufferDescription& description) {
-    const WaveFormat& format = description.format;
-    const pa_sample_spec spec = SampleSpec(format.samplesPerSecond);
-    if (format.formatTag != 1 || format.channels != 2 || format.bitsPerSample != 16 ||
-        format.blockAlign != 4 || pa_sample_spec_valid(&spec) == 0)
-        throw RuntimeError(sound_error::kBadFormat, "The sound server is used with 16-bit stereo PCM only.");
+    constexpr const char* kRefusal = "The sound server is used with 16-bit stereo PCM only.";
+    RequireStereo16(description.format, kRefusal);
+    const pa_sample_spec spec = SampleSpec(description.format.samplesPerSecond);
+    if (pa_sample_spec_valid(&spec) == 0) throw RuntimeError(sound_error::kBadFormat, kRefusal);
 }
 
 PulseStream::PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo device, LostHandler onLost)
     : context_(context),
       loop_(loop),
       device_(std::move(device)),
-      lostBell_(loop.CreateSignal([this, handler = std::move(onLost)] {
+      lostSignal_(loop.CreateSignal([this, handler = std::move(onLost)] {
           const bool removed = loss_.load() == Loss::kDeviceRemoved;
           handler({removed ? sound_error::kNoDriver : sound_error::kBufferLost, LossText()});
       })) {}
@@ -82,7 +81,8 @@ PulseStream::~PulseStream() {
 void PulseStream::Create(pa_context* server, std::uint32_t rateHz, const char* title) {
     const pa_sample_spec spec = SampleSpec(rateHz);
     pa_proplist* const properties = pa_proplist_new();
-    // Neither ducked for a telephone call nor given the volume of an earlier stream.
+    // Keeps the server from lowering the volume during telephone calls and from restoring the volume of an
+    // earlier stream.
     pa_proplist_sets(properties, PA_PROP_MEDIA_ROLE, "test");
     pa_proplist_sets(properties, "state.restore-props", "false");
     stream_ = pa_stream_new_with_proplist(server, title, &spec, nullptr, properties);
@@ -116,7 +116,7 @@ void PulseStream::Open(std::uint32_t rateHz, const char* title, const Connector&
 
 void PulseStream::ResetCaptureVolume(const PulseDeadline& deadline) {
     const PulseContext::Lock lock(context_);
-    if (pa_stream_get_state(stream_) != PA_STREAM_READY) return;  // lost: reported elsewhere
+    if (pa_stream_get_state(stream_) != PA_STREAM_READY) return;  // lost; OnState has reported it
     pa_context* const server = pa_stream_get_context(stream_);
     const std::uint32_t index = pa_stream_get_index(stream_);
     pa_cvolume volume;
@@ -132,7 +132,7 @@ void PulseStream::FollowPath(PulseDirection direction, const PulseDeadline& dead
     try {
         path_->Await(deadline);
     } catch (const RuntimeError&) {
-        // The stream runs all the same; what is asked later may be answered.
+        // The stream runs without an answer. AskForPath tries again.
     }
 }
 
@@ -150,7 +150,7 @@ RuntimeError PulseStream::OpenError(int paError) const {
 void PulseStream::OnState(pa_stream* stream, void* self) {
     auto& me = *static_cast<PulseStream*>(self);
     if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream))) {
-        // A failed stream parts with its context after this.
+        // A failed stream has no context after this callback.
         pa_context* const server = pa_stream_get_context(stream);
         me.failure_ = pa_context_errno(server);
         me.Lose(PA_CONTEXT_IS_GOOD(pa_context_get_state(server)) ? Loss::kDeviceRemoved : Loss::kServerGone);
@@ -173,7 +173,7 @@ void PulseStream::OnUnderflow(pa_stream*, void* self) {
 
 void PulseStream::Lose(Loss loss) noexcept {
     Loss none = Loss::kNone;
-    if (opened_ && loss_.compare_exchange_strong(none, loss)) lostBell_->Raise();
+    if (opened_ && loss_.compare_exchange_strong(none, loss)) lostSignal_->Raise();
 }
 
 void PulseStream::WatchMovement() noexcept {

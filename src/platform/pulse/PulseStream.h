@@ -12,48 +12,46 @@
 #include "core/ports/SoundSystem.h"
 #include "platform/pulse/PulseContext.h"
 #include "platform/pulse/PulsePath.h"
+#include "platform/ring/RingBuffers.h"
 
 namespace sonavex {
 
 // Throws kBadFormat unless the description asks for 16-bit stereo at a rate that servers know.
 void RequirePulseFormat(const BufferDescription& description);
 
-// One stream of samples to or from a device: opened, watched, closed. What moves the samples is the
-// owner's. User-interface thread only.
-class PulseStream {
+// A stream of samples to or from a device of the server: opens it, detects its loss, closes it. The owner
+// moves the samples in callbacks of libpulse.
+class PulseStream : public RingDevice {
 public:
     using LostHandler = std::function<void(const RuntimeError&)>;
 
-    // onLost is called on the user-interface thread, once, when the stream that was opened can no
-    // longer reach its device.
+    // onLost is called once, on the user-interface thread, when an opened stream loses its device.
     PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo device, LostHandler onLost);
-    // Closes the stream; no callback of it runs afterwards. Waits for no server.
-    ~PulseStream();
+    // Closes the stream without waiting for the server. No callback of the stream runs afterwards.
+    ~PulseStream() override;
     PulseStream(const PulseStream&) = delete;
     PulseStream& operator=(const PulseStream&) = delete;
 
-    // Installs the owner's callbacks and connects to the device; returns what libpulse returned.
+    // Installs the owner's callbacks and connects to the device. Returns the result of libpulse.
     using Connector = std::function<int(pa_stream*, const char* device, pa_stream_flags_t flags)>;
-    // Opens the stream and waits until it runs. To be called once; throws when it does not run.
+    // Opens the stream and waits until it runs. Call once. Throws when it does not run before the deadline.
     void Open(std::uint32_t rateHz, const char* title, const Connector& connect,
               const PulseDeadline& deadline);
-    // For an open stream from a device: full volume, whatever an earlier recording was given. A
-    // volume cannot be passed on opening such a stream.
+    // For an open capture stream: sets full volume, because the server may remember another volume of an
+    // earlier stream. The volume cannot be passed when such a stream is opened.
     void ResetCaptureVolume(const PulseDeadline& deadline);
-
-    // For an open stream: what the server does to its samples is told by PathNote from now on.
+    // For an open stream: from now on, PathNote and ClockName describe its path through the server.
     void FollowPath(PulseDirection direction, const PulseDeadline& deadline);
-    std::string PathNote() const { return path_ ? path_->Note() : std::string(); }
-    // Of the card behind the device; empty when there is none.
-    std::string ClockName() const { return path_ ? path_->ClockName() : std::string(); }
 
-    // Throws kBufferLost after a loss.
-    void RequireDevice() const;
+    std::string PathNote() const override { return path_ ? path_->Note() : std::string(); }
+    // The clock of the card behind the device; empty when there is no card.
+    std::string ClockName() const override { return path_ ? path_->ClockName() : std::string(); }
+    void RequireDevice() const override;
+    // How often the server ran out of samples of a playback stream.
+    std::uint64_t Underruns() const override { return underruns_.load(std::memory_order_relaxed); }
 
-    // Times that the server ran out of samples of a stream to a device.
-    std::uint64_t Underruns() const noexcept { return underruns_.load(std::memory_order_relaxed); }
-    // To be called by whatever moves samples: a stream that stands still for seconds counts as lost,
-    // because a server that hangs says nothing. Any thread.
+    // Call whenever samples are moved. A stream that moves none for seconds counts as lost, because a
+    // server that hangs reports nothing. Any thread.
     void CountMovement() noexcept { movements_.fetch_add(1, std::memory_order_relaxed); }
 
 private:
@@ -75,12 +73,12 @@ private:
     SoundDeviceInfo device_;
     pa_stream* stream_ = nullptr;
     std::unique_ptr<PulsePath> path_;
-    // Changed under the context's lock.
+    // Under the context's lock.
     bool opened_ = false;
-    int failure_ = PA_OK;  // why the stream failed
+    int failure_ = PA_OK;  // libpulse's error when the stream failed
 
     std::atomic<Loss> loss_{Loss::kNone};
-    std::unique_ptr<Signal> lostBell_;
+    std::unique_ptr<Signal> lostSignal_;
 
     std::atomic<std::uint32_t> movements_{0};
     std::atomic<std::uint64_t> underruns_{0};

@@ -8,7 +8,7 @@ namespace sonavex {
 void CaptureRing::SetPositions(std::vector<Position> positions) {
     if (running_.load()) throw RuntimeError(error_number::kInvalidCall);
     for (const Position& position : positions)
-        if (position.offset < 0 || position.offset >= frames_.Bytes() || !position.bell)
+        if (position.offset < 0 || position.offset >= frames_.Bytes() || !position.signal)
             throw RuntimeError(error_number::kInvalidCall);
     positions_ = std::move(positions);
 }
@@ -21,7 +21,7 @@ void CaptureRing::Start() noexcept {
 
 void CaptureRing::Stop() noexcept {
     running_.store(false);
-    // A push under way may still ring; it is at most a device period long.
+    // A push takes at most as long as copying one device period.
     while (pushing_.load()) std::this_thread::yield();
 }
 
@@ -46,7 +46,7 @@ void CaptureRing::Notify(std::size_t frame) noexcept {
     for (const Position& position : positions_) {
         if (static_cast<std::size_t>(position.offset / kFrameBytes) != frame) continue;
         completed_.fetch_add(1, std::memory_order_relaxed);
-        if (!position.bell->Raise()) lost_.fetch_add(1, std::memory_order_relaxed);
+        if (!position.signal->Raise()) lost_.fetch_add(1, std::memory_order_relaxed);
     }
 }
 

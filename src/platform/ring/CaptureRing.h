@@ -12,27 +12,29 @@
 
 namespace sonavex {
 
-// The capture buffer of every adapter. An audio thread pushes what the device delivers; each time a
-// notification position has been filled its bell is rung. Push is for one audio thread, everything
-// else for the user-interface thread; Push neither locks, allocates nor logs.
+// The looping memory of a capture buffer. An audio thread pushes the samples that the device delivers.
+// Each time a notification position has been filled, its signal is raised. Push and PushSilence are for
+// one audio thread and take no lock and no memory; everything else is for the user-interface thread.
 class CaptureRing {
 public:
+    // Error 5 unless `bytes` is a positive multiple of a frame.
     explicit CaptureRing(std::int32_t bytes) : frames_(bytes) {}
 
-    // Where to ring. Only while stopped; error 5 otherwise or for an offset outside the ring.
     struct Position {
         std::int32_t offset;  // bytes
-        std::shared_ptr<Signal> bell;
+        std::shared_ptr<Signal> signal;
     };
+    // Only while stopped. Error 5 otherwise, and for an offset outside the ring.
     void SetPositions(std::vector<Position> positions);
 
-    // Starts at position 0. What is pushed while stopped is dropped.
+    // Starts at position 0. Samples that are pushed while stopped are dropped.
     void Start() noexcept;
+    // Waits for a push that is under way. No signal is raised afterwards.
     void Stop() noexcept;
 
     // Interleaved stereo, 2 x frames samples.
     void Push(const std::int16_t* samples, std::size_t frames) noexcept;
-    // The same with silence, for a gap in what the device delivered; counted as missing.
+    // Silence in place of frames that the device left out; they are counted as missing.
     void PushSilence(std::size_t frames) noexcept;
 
     void Read(std::int32_t offset, std::span<std::int16_t> samples) const;
@@ -45,12 +47,11 @@ private:
     void Notify(std::size_t frame) noexcept;
 
     RingFrames frames_;
-    std::vector<Position> positions_;  // changed only while no Push can look at it
-    // Raised by Start, taken by the next Push: from there on that thread owns `next_`.
+    std::vector<Position> positions_;  // changed only while no push reads it
     std::atomic<bool> running_{false};
-    std::atomic<bool> rewind_{false};
+    std::atomic<bool> rewind_{false};  // set by Start: the next push begins at frame 0
     std::atomic<bool> pushing_{false};
-    std::size_t next_ = 0;
+    std::size_t next_ = 0;  // audio thread
     std::atomic<std::uint64_t> captured_{0};
     std::atomic<std::uint64_t> completed_{0};
     std::atomic<std::uint64_t> lost_{0};

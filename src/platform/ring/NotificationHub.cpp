@@ -3,47 +3,41 @@
 #include <utility>
 
 namespace sonavex {
-namespace {
 
-// What the rings hold of an event. The event's own signal goes when the event is destroyed; a ring
-// that still holds this object then rings for nobody.
-struct EventState {
-    std::function<void(EventHandle)> handler;
-    bool alive = true;  // user-interface thread only
-};
-
-class EventSignal : public Signal {
+class NotificationHub::Event : public Signal {
 public:
-    EventSignal(EventLoop& loop, EventHandle event, std::function<void(EventHandle)> handler)
-        : state_(std::make_shared<EventState>()) {
-        state_->handler = std::move(handler);
-        bell_ = loop.CreateSignal([state = state_, event] {
-            // The handler may destroy its own event, and this closure with it.
-            const auto keep = state;  // NOLINT(performance-unnecessary-copy-initialization)
-            if (keep->alive) keep->handler(event);
-        });
-    }
+    Event(EventLoop& loop, EventHandle handle, std::function<void(EventHandle)> handler)
+        : state_(std::make_shared<State>(State{std::move(handler)})),
+          signal_(loop.CreateSignal([state = state_, handle] {
+              // The handler may destroy its event, and this closure with it.
+              const auto keep = state;  // NOLINT(performance-unnecessary-copy-initialization)
+              if (keep->enabled) keep->handler(handle);
+          })) {}
 
-    bool Raise() noexcept override { return bell_->Raise(); }
-    void Silence() noexcept { state_->alive = false; }
+    bool Raise() noexcept override { return signal_->Raise(); }
+    // For a destroyed event. A ring may hold and raise its signal for longer.
+    void Disable() noexcept { state_->enabled = false; }
 
 private:
-    std::shared_ptr<EventState> state_;
-    std::unique_ptr<Signal> bell_;
-};
+    struct State {
+        std::function<void(EventHandle)> handler;
+        bool enabled = true;  // user-interface thread only
+    };
 
-}  // namespace
+    std::shared_ptr<State> state_;
+    std::unique_ptr<Signal> signal_;
+};
 
 EventHandle NotificationHub::Create(std::function<void(EventHandle)> handler) {
     const EventHandle event = ++last_;
-    events_.emplace(event, std::make_shared<EventSignal>(loop_, event, std::move(handler)));
+    events_.emplace(event, std::make_shared<Event>(loop_, event, std::move(handler)));
     return event;
 }
 
 void NotificationHub::Destroy(EventHandle event) {
     const auto found = events_.find(event);
     if (found == events_.end()) return;
-    static_cast<EventSignal&>(*found->second).Silence();
+    found->second->Disable();
     events_.erase(found);
 }
 

@@ -25,24 +25,24 @@ void SimulatedCard::SetRate(std::uint32_t rateHz) {
     mixer_.SetRate(rateHz);
 }
 
-void SimulatedCard::ConnectPlayback(std::shared_ptr<PlaybackRing> ring) {
+void SimulatedCard::Connect(PlaybackRing& ring) {
     const std::lock_guard lock(mutex_);
-    playback_ = std::move(ring);
+    playback_ = &ring;
 }
 
-void SimulatedCard::ConnectCapture(std::shared_ptr<CaptureRing> ring) {
+void SimulatedCard::Connect(CaptureRing& ring) {
     const std::lock_guard lock(mutex_);
-    capture_ = std::move(ring);
+    capture_ = &ring;
 }
 
 void SimulatedCard::Disconnect(const PlaybackRing& ring) {
     const std::lock_guard lock(mutex_);
-    if (playback_.get() == &ring) playback_ = nullptr;
+    if (playback_ == &ring) playback_ = nullptr;
 }
 
 void SimulatedCard::Disconnect(const CaptureRing& ring) {
     const std::lock_guard lock(mutex_);
-    if (capture_.get() == &ring) capture_ = nullptr;
+    if (capture_ == &ring) capture_ = nullptr;
 }
 
 void SimulatedCard::Step(std::size_t frames) {
@@ -58,11 +58,11 @@ void SimulatedCard::Step(std::size_t frames) {
 void SimulatedCard::StepPeriod(std::size_t frames) {
     played_.assign(2 * device_.FramesNeeded(frames), 0);
     captured_.resize(2 * frames);
-    if (playback_) playback_->Pull(played_.data(), played_.size() / 2, 0);
+    if (playback_ != nullptr) playback_->Pull(played_.data(), played_.size() / 2, 0);
     mixer_.ProcessOutput(played_);
     device_.Process(played_, captured_);
     mixer_.ProcessInput(captured_);
-    if (capture_) capture_->Push(captured_.data(), frames);
+    if (capture_ != nullptr) capture_->Push(captured_.data(), frames);
 }
 
 void SimulatedCard::SetStalled(bool stalled) {

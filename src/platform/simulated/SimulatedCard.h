@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -12,42 +11,42 @@
 
 namespace sonavex {
 
-// The hardware of the built-in card: whatever is played goes through the mixer and the device under
-// test and comes back as capture, frame for frame. Step may run on any one thread at a time; the rest is for
-// the user-interface thread.
+// The hardware of the built-in card. Played frames pass the mixer and the device under test and come back
+// as captured frames, one for one. Step may run on any one thread at a time; the rest is for the
+// user-interface thread.
 class SimulatedCard {
 public:
     SimulatedCard() : device_(DeviceUnderTestModel{}) {}
 
-    // Replaces the device under test; what its delay still holds is gone.
+    // Replaces the device under test. Frames in its delay are dropped.
     void SetDeviceUnderTest(DeviceUnderTestModel model);
 
     void SetMixerGains(const MixerGains& gains);
     void SetRate(std::uint32_t rateHz);
 
-    // The rings in use: each replaces the one before.
-    void ConnectPlayback(std::shared_ptr<PlaybackRing> ring);
-    void ConnectCapture(std::shared_ptr<CaptureRing> ring);
-    // A ring that is not in use (any more) is ignored.
+    // The ring that is played or filled, in place of an earlier one. Disconnect it before it is destroyed.
+    void Connect(PlaybackRing& ring);
+    void Connect(CaptureRing& ring);
+    // Ignores a ring that is not connected.
     void Disconnect(const PlaybackRing& ring);
     void Disconnect(const CaptureRing& ring);
 
-    // Moves so many frames through the card, in device periods of at most 256 frames. Does nothing
-    // while stalled or unplugged.
+    // Moves this many frames through the card, in periods of at most 256 frames. Does nothing while
+    // stalled or unplugged.
     void Step(std::size_t frames);
 
     // A stalled card keeps its devices but moves nothing.
     void SetStalled(bool stalled);
-    // Unplugging disconnects the rings for good.
+    // Unplugging disconnects the rings.
     void SetPlugged(bool plugged);
     bool Plugged() const;
 
 private:
     void StepPeriod(std::size_t frames);
 
-    mutable std::mutex mutex_;  // connections and device against the pacing thread
-    std::shared_ptr<PlaybackRing> playback_;
-    std::shared_ptr<CaptureRing> capture_;
+    mutable std::mutex mutex_;  // held by Step and by every change
+    PlaybackRing* playback_ = nullptr;
+    CaptureRing* capture_ = nullptr;
     MixerPath mixer_;
     DeviceUnderTest device_;
     std::vector<std::int16_t> played_;

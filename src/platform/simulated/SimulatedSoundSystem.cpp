@@ -5,146 +5,73 @@
 #include <utility>
 
 #include "core/ports/SoundErrors.h"
+#include "platform/ring/RingBuffers.h"
 
 namespace sonavex {
 namespace {
 
 using namespace std::chrono_literals;
 
-// Longest time that the pacing thread makes up for after it was held up; beyond it frames are lost,
-// as they would be on a real card.
+// After a delay, the pacing thread catches up with at most this time. Frames beyond it are lost, as on a
+// real card.
 constexpr auto kLongestCatchUp = 2s;
 constexpr auto kPacingInterval = 4ms;
+constexpr std::int32_t kFreeHardwareBuffers = 1;
 
 RuntimeError DeviceGone() {
     return {sound_error::kBufferLost, "The simulated sound card has been unplugged."};
 }
 
-void RequireFormat(const WaveFormat& format) {
-    if (format.formatTag == 1 && format.channels == 2 && format.bitsPerSample == 16 &&
-        format.blockAlign == 4 && format.samplesPerSecond > 0)
-        return;
-    throw RuntimeError(sound_error::kBadFormat, "The simulated sound card takes 16-bit stereo PCM only.");
-}
-
 }  // namespace
 
-// What a buffer and the system both know of the buffer's fate. It holds as long as the buffer exists.
-struct SimulatedSoundSystem::Connection {
+// The connection of one buffer to the card.
+struct SimulatedSoundSystem::Connection : RingDevice {
     bool lost = false;
     bool reported = false;
 
-    void Require() const {
+    void RequireDevice() const override {
         if (lost) throw DeviceGone();
     }
 };
 
-class SimulatedSoundSystem::PlayBuffer : public PlaybackBuffer {
+class SimulatedSoundSystem::SimulatedPlayback : public RingPlaybackBuffer {
 public:
-    PlayBuffer(SimulatedSoundSystem& system, const BufferDescription& description)
-        : system_(system),
-          ring_(std::make_shared<PlaybackRing>(
-              description.bytes, static_cast<std::int32_t>(description.format.samplesPerSecond))),
-          connection_(system.Connect()) {
-        system_.SetRate(description.format.samplesPerSecond);
-        system_.card_.ConnectPlayback(ring_);
+    SimulatedPlayback(SimulatedCard& card, std::shared_ptr<const Connection> connection,
+                      const BufferDescription& description)
+        : RingPlaybackBuffer(description), card_(card), connection_(std::move(connection)) {
+        card_.Connect(Ring());
     }
-    ~PlayBuffer() override { system_.card_.Disconnect(*ring_); }
-    PlayBuffer(const PlayBuffer&) = delete;
-    PlayBuffer& operator=(const PlayBuffer&) = delete;
-
-    BufferCursors GetCurrentPosition() override { return Ring().Cursors(); }
-    void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) override {
-        Ring().Write(offset, samples);
-    }
-    void SetCurrentPosition(std::int32_t offset) override { Ring().SetPosition(offset); }
-    void PlayLooping() override { Ring().Play(); }
-    void Stop() override { ring_->Stop(); }
-    void SetVolume(std::int32_t hundredthsDb) override { Ring().SetVolume(hundredthsDb); }
+    ~SimulatedPlayback() override { card_.Disconnect(Ring()); }
+    SimulatedPlayback(const SimulatedPlayback&) = delete;
+    SimulatedPlayback& operator=(const SimulatedPlayback&) = delete;
 
 private:
-    PlaybackRing& Ring() {
-        connection_->Require();
-        return *ring_;
-    }
+    const RingDevice& Device() const noexcept override { return *connection_; }
 
-    SimulatedSoundSystem& system_;
-    std::shared_ptr<PlaybackRing> ring_;
+    SimulatedCard& card_;
     std::shared_ptr<const Connection> connection_;
 };
 
-class SimulatedSoundSystem::CaptBuffer : public CaptureBuffer {
+class SimulatedSoundSystem::SimulatedCapture : public RingCaptureBuffer {
 public:
-    CaptBuffer(SimulatedSoundSystem& system, const BufferDescription& description)
-        : system_(system),
-          ring_(std::make_shared<CaptureRing>(description.bytes)),
-          connection_(system.Connect()) {
-        system_.SetRate(description.format.samplesPerSecond);
-        system_.card_.ConnectCapture(ring_);
+    SimulatedCapture(SimulatedCard& card, std::shared_ptr<const Connection> connection,
+                     const NotificationHub& hub, const BufferDescription& description)
+        : RingCaptureBuffer(hub, description), card_(card), connection_(std::move(connection)) {
+        card_.Connect(Ring());
     }
-    ~CaptBuffer() override {
-        ring_->Stop();
-        system_.card_.Disconnect(*ring_);
-    }
-    CaptBuffer(const CaptBuffer&) = delete;
-    CaptBuffer& operator=(const CaptBuffer&) = delete;
-
-    void SetNotificationPositions(std::span<const PositionNotification> positions) override {
-        std::vector<CaptureRing::Position> ringPositions;
-        for (const PositionNotification& position : positions)
-            ringPositions.push_back({position.offset, system_.hub_.SignalOf(position.event)});
-        Ring().SetPositions(std::move(ringPositions));
-    }
-    void StartLooping() override { Ring().Start(); }
-    void Stop() override { ring_->Stop(); }
-    void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) override {
-        Ring().Read(offset, samples);
-    }
-    CaptureStatistics Statistics() const override { return ring_->Statistics(); }
+    ~SimulatedCapture() override { card_.Disconnect(Ring()); }
+    SimulatedCapture(const SimulatedCapture&) = delete;
+    SimulatedCapture& operator=(const SimulatedCapture&) = delete;
 
 private:
-    CaptureRing& Ring() {
-        connection_->Require();
-        return *ring_;
-    }
+    const RingDevice& Device() const noexcept override { return *connection_; }
 
-    SimulatedSoundSystem& system_;
-    std::shared_ptr<CaptureRing> ring_;
+    SimulatedCard& card_;
     std::shared_ptr<const Connection> connection_;
-};
-
-class SimulatedSoundSystem::Playback : public PlaybackDevice {
-public:
-    explicit Playback(SimulatedSoundSystem& system) noexcept : system_(system) {}
-    void SetCooperativeLevel(std::int32_t) override {}
-    PlaybackCapabilities GetCapabilities() override { return {system_.freeHardwareBuffers_}; }
-    std::unique_ptr<PlaybackBuffer> CreateBuffer(const BufferDescription& description) override {
-        system_.FailIfAsked(Operation::kPlaybackBuffer);
-        if (!system_.card_.Plugged()) throw DeviceGone();
-        RequireFormat(description.format);
-        return std::make_unique<PlayBuffer>(system_, description);
-    }
-
-private:
-    SimulatedSoundSystem& system_;
-};
-
-class SimulatedSoundSystem::Capture : public CaptureDevice {
-public:
-    explicit Capture(SimulatedSoundSystem& system) noexcept : system_(system) {}
-    std::unique_ptr<CaptureBuffer> CreateBuffer(const BufferDescription& description) override {
-        system_.FailIfAsked(Operation::kCaptureBuffer);
-        if (!system_.card_.Plugged()) throw DeviceGone();
-        RequireFormat(description.format);
-        return std::make_unique<CaptBuffer>(system_, description);
-    }
-
-private:
-    SimulatedSoundSystem& system_;
 };
 
 SimulatedSoundSystem::SimulatedSoundSystem(EventLoop& loop, Pace pace)
-    : hub_(loop), lostBell_(loop.CreateSignal([this] { ReportLostBuffers(); })) {
+    : RingSoundSystem(loop), lostSignal_(loop.CreateSignal([this] { ReportLostBuffers(); })) {
     if (pace == Pace::kRealTime) thread_ = std::thread([this] { Run(); });
 }
 
@@ -198,16 +125,30 @@ void SimulatedSoundSystem::RequirePlugged(const std::string& identifier) const {
 std::unique_ptr<PlaybackDevice> SimulatedSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
     FailIfAsked(Operation::kPlaybackDevice);
     RequirePlugged(identifier);
-    return std::make_unique<Playback>(*this);
+    return PlaybackDeviceOf(
+        [this](const BufferDescription& description) {
+            FailIfAsked(Operation::kPlaybackBuffer);
+            return std::make_unique<SimulatedPlayback>(card_, Connect(description.format), description);
+        },
+        {kFreeHardwareBuffers});
 }
 
 std::unique_ptr<CaptureDevice> SimulatedSoundSystem::CreateCaptureDevice(const std::string& identifier) {
     FailIfAsked(Operation::kCaptureDevice);
     RequirePlugged(identifier);
-    return std::make_unique<Capture>(*this);
+    return CaptureDeviceOf([this](const BufferDescription& description) {
+        FailIfAsked(Operation::kCaptureBuffer);
+        return std::make_unique<SimulatedCapture>(card_, Connect(description.format), Hub(), description);
+    });
 }
 
-std::shared_ptr<const SimulatedSoundSystem::Connection> SimulatedSoundSystem::Connect() {
+// The connection of a new buffer of this format, to whose rate the card is set.
+std::shared_ptr<const SimulatedSoundSystem::Connection> SimulatedSoundSystem::Connect(
+    const WaveFormat& format) {
+    if (!card_.Plugged()) throw DeviceGone();
+    RequireStereo16(format, "The simulated sound card takes 16-bit stereo PCM only.");
+    rateHz_.store(format.samplesPerSecond);
+    card_.SetRate(format.samplesPerSecond);
     std::erase_if(connections_, [](const auto& connection) { return connection.expired(); });
     const auto connection = std::make_shared<Connection>();
     connections_.push_back(connection);
@@ -218,7 +159,7 @@ void SimulatedSoundSystem::Unplug() {
     card_.SetPlugged(false);
     for (const auto& weak : connections_)
         if (const auto connection = weak.lock()) connection->lost = true;
-    lostBell_->Raise();
+    lostSignal_->Raise();
 }
 
 void SimulatedSoundSystem::ReportLostBuffers() {
@@ -229,8 +170,7 @@ void SimulatedSoundSystem::ReportLostBuffers() {
         connection->reported = true;
         news = true;
     }
-    const auto handler = lostHandler_;
-    if (news && handler) handler(DeviceGone());
+    if (news) ReportLoss(DeviceGone());
 }
 
 void SimulatedSoundSystem::FailNext(Operation operation, const RuntimeError& error) {
