@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fuzz/Instrument.h"
-#include "platform/qt/IniText.h"
+#include "platform/plain/IniText.h"
 
 namespace sonavex {
 namespace {

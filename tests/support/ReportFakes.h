@@ -8,7 +8,7 @@
 #include "core/ports/DesktopFiles.h"
 #include "core/ports/Diagnostics.h"
 #include "core/ports/Help.h"
-#include "core/report/DateTime.h"
+#include "core/text/Dates.h"
 #include "support/CallLog.h"
 
 namespace sonavex {

@@ -9,8 +9,8 @@
 #include "core/report/frmAbout.h"
 #include "core/text/ErrorText.h"
 #include "platform/chm/ChmHelpBook.h"
+#include "platform/plain/LocalTime.h"
 #include "platform/plain/UserFolders.h"
-#include "platform/qt/QtWallClock.h"
 #include "ui/AboutDialog.h"
 #include "ui/PrintDialog.h"
 

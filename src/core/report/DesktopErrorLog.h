@@ -7,9 +7,9 @@
 #include "core/ports/Desktop.h"
 #include "core/ports/DesktopFiles.h"
 #include "core/ports/SoundSystem.h"
-#include "core/report/DateTime.h"
 #include "core/report/ErrorState.h"
 #include "core/settings/Settings.h"
+#include "core/text/Dates.h"
 
 namespace sonavex {
 
@@ -23,7 +23,7 @@ public:
         SoundSystem& sound;
         Desktop& desktop;
         DesktopFiles& files;
-        WallClock now;
+        std::function<DateTime()> now;
     };
 
     explicit DesktopErrorLog(Environment environment);

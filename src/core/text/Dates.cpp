@@ -20,4 +20,9 @@ std::string FormatDate(const CalendarDate& date) {
            Padded(date.year, 4);
 }
 
+std::string DateAndTime(const DateTime& time) {
+    return Padded(time.year, 4) + '-' + Padded(time.month, 2) + '-' + Padded(time.day, 2) + ' ' +
+           Padded(time.hour, 2) + ':' + Padded(time.minute, 2) + ':' + Padded(time.second, 2);
+}
+
 }  // namespace sonavex

@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "core/ports/SettingsStore.h"
-#include "platform/qt/IniText.h"
-#include "platform/qt/SettingsFile.h"
+#include "platform/plain/IniText.h"
+#include "platform/plain/SettingsFile.h"
 
 namespace sonavex {
 

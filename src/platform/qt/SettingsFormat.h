@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "platform/qt/IniText.h"
+#include "platform/plain/IniText.h"
 
 namespace sonavex {
 

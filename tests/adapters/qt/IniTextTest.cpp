@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "platform/qt/IniText.h"
+#include "platform/plain/IniText.h"
 
 namespace sonavex {
 namespace {

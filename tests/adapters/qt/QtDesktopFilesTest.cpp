@@ -11,7 +11,6 @@
 
 #include "core/support/RuntimeError.h"
 #include "platform/qt/QtDesktopFiles.h"
-#include "platform/qt/QtWallClock.h"
 #include "support/ChildProcess.h"
 
 namespace sonavex {
@@ -139,15 +138,6 @@ TEST_F(DesktopFolder, OnAFullDiskKeepsTheOldReport) {
     const SmallDisk disk(4);
     ErrorOf([&] { files.Replace(name, std::string(100, 'x')); });
     EXPECT_EQ(Content(), "old\n");
-}
-
-TEST(WallClock, ShowsAPlausibleTime) {
-    const DateTime now = LocalDateTime();
-    EXPECT_GE(now.year, 2024);
-    EXPECT_TRUE(now.month >= 1 && now.month <= 12);
-    EXPECT_TRUE(now.day >= 1 && now.day <= 31);
-    EXPECT_TRUE(now.hour >= 0 && now.hour < 24);
-    EXPECT_TRUE(now.second >= 0 && now.second < 60);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include <iostream>
 #include <thread>
 
-#include "platform/qt/IniText.h"
+#include "platform/plain/IniText.h"
 #include "support/PulseServer.h"
 #include "system/safety/Account.h"
 #include "system/safety/Amount.h"

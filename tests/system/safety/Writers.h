@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/qt/IniText.h"
+#include "platform/plain/IniText.h"
 #include "support/ChildProcess.h"
 
 namespace sonavex {

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "core/report/DateTime.h"
 #include "core/report/ErrorNames.h"
+#include "core/text/Dates.h"
 
 namespace sonavex {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/qt/SettingsFile.h"
+#include "platform/plain/SettingsFile.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

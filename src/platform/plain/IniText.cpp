@@ -1,4 +1,4 @@
-#include "platform/qt/IniText.h"
+#include "platform/plain/IniText.h"
 
 #include <algorithm>
 #include <array>

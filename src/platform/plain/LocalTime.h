@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/report/DateTime.h"
+#include "core/text/Dates.h"
 
 namespace sonavex {
 
-// The present time of the user's time zone.
+// The present time in the user's time zone.
 DateTime LocalDateTime();
 
 }  // namespace sonavex

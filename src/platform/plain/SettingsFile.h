@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/qt/IniText.h"
+#include "platform/plain/IniText.h"
 
 namespace sonavex {
 

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+namespace sonavex {
+
+// Lets only one process run at a time, by a lock on a file. The system releases the lock however the
+// process ends, at the latest with this object.
+class SingleInstance {
+public:
+    // Lock files, best first. A file in a folder that does not belong to the user is not used.
+    explicit SingleInstance(std::vector<std::filesystem::path> lockFiles);
+    ~SingleInstance();
+    SingleInstance(const SingleInstance&) = delete;
+    SingleInstance& operator=(const SingleInstance&) = delete;
+
+    // True when another process holds the lock. The first call decides. False where no lock file can be
+    // opened.
+    bool AnotherRuns();
+
+private:
+    std::vector<std::filesystem::path> files_;
+    std::optional<bool> anotherRuns_;
+    int lock_ = -1;
+};
+
+}  // namespace sonavex
