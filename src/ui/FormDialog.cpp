@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QMainWindow>
 #include <QMoveEvent>
-#include <QScreen>
 #include <optional>
 #include <utility>
 
@@ -40,22 +39,15 @@ private:
     std::function<void(const EndProgram&)> before_;
 };
 
-// Stored positions count from the top left of the primary screen.
-QPoint PrimaryOrigin() {
-    return QGuiApplication::primaryScreen()->geometry().topLeft();
-}
-
-bool OnAnyScreen(const QRect& frame) {
-    // Large enough to grab with the mouse.
-    for (const QScreen* screen : QGuiApplication::screens())
-        if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -40, -40))) return true;
-    return false;
-}
-
 }  // namespace
 
 FormDialog::FormDialog(Window& frame, HandlerGuard& guard, std::function<void()> unload)
-    : QDialog(Owner()), binder_(guard, [] {}), frame_(frame), guard_(guard), unload_(std::move(unload)) {
+    : QDialog(Owner()),
+      binder_(guard, [] {}),
+      frame_(frame),
+      guard_(guard),
+      unload_(std::move(unload)),
+      placement_(*this, frame) {
     setModal(true);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 }
@@ -84,17 +76,15 @@ void FormDialog::TellSize() {
 }
 
 void FormDialog::Place() {
-    move(PrimaryOrigin() + QPoint(frame_.Left(), frame_.Top()));
-    if (!OnAnyScreen(QRect(pos(), size())))
-        move(QGuiApplication::primaryScreen()->availableGeometry().center() - rect().center());
-    placed_ = true;
+    placement_.MoveToFrame();
+    placement_.MoveOntoScreen();
+    placement_.Report();
+    placement_.StartReporting();
 }
 
 void FormDialog::moveEvent(QMoveEvent* event) {
     QDialog::moveEvent(event);
-    if (!placed_) return;
-    const QPoint place = pos() - PrimaryOrigin();
-    frame_.Move(place.x(), place.y());
+    placement_.OnMove();
 }
 
 }  // namespace sonavex::ui

@@ -6,6 +6,7 @@
 #include "core/controls/Window.h"
 #include "core/shell/HandlerGuard.h"
 #include "ui/Binder.h"
+#include "ui/Placement.h"
 
 namespace sonavex::ui {
 
@@ -42,7 +43,7 @@ private:
     Window& frame_;
     HandlerGuard& guard_;
     std::function<void()> unload_;
-    bool placed_ = false;
+    Placement placement_;
 };
 
 }  // namespace sonavex::ui

@@ -6,7 +6,6 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
-#include <climits>
 #include <string_view>
 
 #include "core/dsp/display/MeterDisplay.h"
@@ -59,11 +58,6 @@ void FixSize(QLabel& label, const QString& widest) {
 // The same margin that the form keeps from the bottom of the lowest screen.
 constexpr int kBottomMargin = 50;
 
-// Stored positions count from the top left of the primary screen.
-QPoint PrimaryOrigin() {
-    return QGuiApplication::primaryScreen()->geometry().topLeft();
-}
-
 QString Text(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -74,7 +68,8 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     : form_(form),
       simulatedName_(simulatedName),
       ui_(std::make_unique<Ui::frmMain>()),
-      binder_(form.Guard, [this] { Decorate(); }) {
+      binder_(form.Guard, [this] { Decorate(); }),
+      placement_(*this, form.Frame) {
     ui_->setupUi(this);
     for (std::size_t i = 0; i < bars_.size(); ++i)
         bars_[i] = findChild<HarmonicBar*>("bar_" + QString::number(i));
@@ -180,20 +175,12 @@ void MainWindow::TellSize() {
 void MainWindow::ShowPlaced() {
     const QString caption = QString::fromStdString(form_.Frame.Caption());
     setWindowTitle(simulatedName_.isEmpty() ? caption : caption + QStringLiteral(" — ") + simulatedName_);
-    move(PrimaryOrigin() + QPoint(form_.Frame.Left(), form_.Frame.Top()));
-    if (!OnAnyScreen())
-        move(QGuiApplication::primaryScreen()->availableGeometry().center() - rect().center());
+    placement_.MoveToFrame();
+    placement_.MoveOntoScreen();
     KeepAboveTheScreensBottom();
-    placedAt_ = pos();
+    placement_.StartReporting();
     binder_.Flush();
     show();
-}
-
-bool MainWindow::OnAnyScreen() const {
-    const QRect frame(pos(), size());
-    for (const QScreen* screen : QGuiApplication::screens())
-        if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -40, -40))) return true;
-    return false;
 }
 
 // Screens can differ in height, and the form knows only the lowest edge.
@@ -214,11 +201,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
-    // Ignores the position that the program itself has set.
-    if (!placedAt_ || pos() == *placedAt_) return;
-    placedAt_ = QPoint(INT_MIN, INT_MIN);
-    const QPoint place = pos() - PrimaryOrigin();
-    form_.Frame.Move(place.x(), place.y());
+    placement_.OnMove();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
@@ -228,14 +211,10 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    const bool themeChanged = event->type() == QEvent::PaletteChange ||
-                              event->type() == QEvent::ThemeChange ||
-                              event->type() == QEvent::ApplicationFontChange;
-    if (!themeChanged || applyingTheme_) return;
-    applyingTheme_ = true;
-    ApplyTheme(*this);
-    FixSizes();
-    applyingTheme_ = false;
+    themeChanges_.Handle(*event, [this] {
+        ApplyTheme(*this);
+        FixSizes();
+    });
 }
 
 void MainWindow::Decorate() {

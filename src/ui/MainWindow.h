@@ -4,11 +4,12 @@
 #include <QTimer>
 #include <array>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "core/shell/frmMain.h"
 #include "ui/Binder.h"
+#include "ui/Placement.h"
+#include "ui/widgets/Theme.h"
 
 namespace Ui {
 class frmMain;
@@ -55,7 +56,6 @@ private:
     void StandOnGrounds();
     void FixSizes();
     void TakeLayoutSize();
-    bool OnAnyScreen() const;
     void KeepAboveTheScreensBottom();
 
     frmMain& form_;
@@ -65,9 +65,8 @@ private:
     std::vector<QPushButton*> presets_;
     Binder binder_;
     QTimer sweepWatch_;
-    // Position at which the window was shown; nothing after the user has moved it.
-    std::optional<QPoint> placedAt_;
-    bool applyingTheme_ = false;
+    Placement placement_;
+    ThemeChanges themeChanges_;
     bool stale_ = false;
 };
 

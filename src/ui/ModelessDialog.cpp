@@ -5,9 +5,6 @@
 #include <QLabel>
 #include <QScreen>
 #include <algorithm>
-#include <climits>
-
-#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 namespace {
@@ -18,11 +15,15 @@ constexpr int kLabelPadding = 4;
 }  // namespace
 
 ModelessDialog::ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget& parent)
-    : QDialog(&parent), form_(form), guard_(guard), binder_(guard, [this] { Decorate(); }) {
+    : QDialog(&parent),
+      form_(form),
+      guard_(guard),
+      binder_(guard, [this] { Decorate(); }),
+      placement_(*this, form.Frame) {
     setModal(false);
     form_.OnShow = [this] { ShowForm(); };
     form_.OnUnload = [this] {
-        placedAt_.reset();
+        placement_.StopReporting();
         hide();
     };
 }
@@ -41,10 +42,10 @@ void ModelessDialog::Complete() {
 void ModelessDialog::ShowForm() {
     if (!isVisible()) {
         if (KeepsPlace)
-            move(form_.Frame.Left(), form_.Frame.Top());
+            placement_.MoveToFrame();
         else
             PlaceBesideParent();
-        placedAt_ = pos();
+        placement_.StartReporting();
     }
     binder_.Flush();
     show();
@@ -68,26 +69,19 @@ void ModelessDialog::reject() {
     guard_.Run([this] { form_.Unload(); });
 }
 
-// Ignores the position that the program itself has set.
 void ModelessDialog::moveEvent(QMoveEvent* event) {
     QDialog::moveEvent(event);
-    if (!placedAt_ || pos() == *placedAt_) return;
-    placedAt_ = QPoint(INT_MIN, INT_MIN);
-    form_.Frame.Move(pos().x(), pos().y());
+    placement_.OnMove();
 }
 
 void ModelessDialog::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         guard_.Run([this] { form_.Activate(); });
-    const bool themeChanged = event->type() == QEvent::PaletteChange ||
-                              event->type() == QEvent::ThemeChange ||
-                              event->type() == QEvent::ApplicationFontChange;
-    if (!themeChanged || applyingTheme_) return;
-    applyingTheme_ = true;
-    ApplyTheme(*this);
-    Align();
-    applyingTheme_ = false;
+    themeChanges_.Handle(*event, [this] {
+        ApplyTheme(*this);
+        Align();
+    });
 }
 
 void AlignColumn(std::initializer_list<QWidget*> widgets) {

@@ -2,10 +2,11 @@
 
 #include <QDialog>
 #include <initializer_list>
-#include <optional>
 
 #include "core/controls/ModelessForm.h"
 #include "ui/Binder.h"
+#include "ui/Placement.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
 
@@ -44,8 +45,8 @@ private:
     ModelessForm& form_;
     HandlerGuard& guard_;
     Binder binder_;
-    std::optional<QPoint> placedAt_;
-    bool applyingTheme_ = false;
+    Placement placement_;
+    ThemeChanges themeChanges_;
 };
 
 // Gives all widgets the width of the widest one, to align the columns of two groups.

@@ -203,4 +203,13 @@ void ApplyTheme(QWidget& window) {
     ApplyFonts(window);
 }
 
+void ThemeChanges::Handle(const QEvent& event, const std::function<void()>& apply) {
+    const bool changed = event.type() == QEvent::PaletteChange || event.type() == QEvent::ThemeChange ||
+                         event.type() == QEvent::ApplicationFontChange;
+    if (!changed || applying_) return;
+    applying_ = true;
+    apply();
+    applying_ = false;
+}
+
 }  // namespace sonavex::ui

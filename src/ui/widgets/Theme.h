@@ -2,8 +2,10 @@
 
 #include <QColor>
 #include <QString>
+#include <functional>
 
 class QApplication;
+class QEvent;
 class QPainter;
 class QWidget;
 
@@ -36,6 +38,17 @@ struct Theme {
 // Applies colours and fonts to a window and its widgets. A widget's property "role" selects its style: unit, title,
 // quiet, value, figure, boldfigure, figureSmall, order, state, rate, primary, note, preset, alarm.
 void ApplyTheme(QWidget& window);
+
+// Follows changes of the desktop's colours and fonts. One for each window.
+class ThemeChanges {
+public:
+    // Call from changeEvent. Calls `apply` when the event is such a change. Events that apply causes itself
+    // are ignored.
+    void Handle(const QEvent& event, const std::function<void()>& apply);
+
+private:
+    bool applying_ = false;
+};
 
 // Makes a widget paint its own background (card, stripe or window), so that a change repaints only this
 // widget. Call before ApplyTheme.
