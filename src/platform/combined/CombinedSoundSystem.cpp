@@ -8,34 +8,37 @@
 namespace sonavex {
 namespace {
 
-// Both lists with one primary device, the first system's that has a device at all.
-template <class List>
-SoundDeviceList Join(List listServer, List listDirect) {
-    SoundDeviceList server;
+using Enumerate = SoundDeviceList (SoundSystem::*)();
+
+// The devices of both systems. The primary device is that of the first system that has any device.
+SoundDeviceList Join(SoundSystem& server, SoundSystem& direct, Enumerate enumerate) {
+    SoundDeviceList list;
     std::optional<RuntimeError> failure;
     try {
-        server = listServer();
+        list = (server.*enumerate)();
     } catch (const RuntimeError& error) {
         failure = error;
     }
-    SoundDeviceList direct = listDirect();
-    if (failure && direct.size() < 2) throw *failure;
-    if (server.size() < 2) return direct.size() < 2 ? server : direct;
-    if (!direct.empty()) server.insert(server.end(), direct.begin() + 1, direct.end());
-    return server;
+    const SoundDeviceList directList = (direct.*enumerate)();
+    // A list with fewer than two entries holds no device.
+    if (failure && directList.size() < 2) throw *failure;
+    if (list.size() < 2) return directList.size() < 2 ? list : directList;
+    if (!directList.empty()) list.insert(list.end(), directList.begin() + 1, directList.end());
+    return list;
 }
 
-// The primary device of the server, or of the direct devices where the server has none.
+// What `create` makes of the server or, where that fails, of the direct devices. When there is no direct
+// device, the failure of the server is thrown.
 template <class Create>
-auto CreatePrimary(Create createOnServer, Create createDirect) -> decltype(createOnServer()) {
+auto CreatePrimary(SoundSystem& server, SoundSystem& direct, Create create) {
     std::optional<RuntimeError> failure;
     try {
-        return createOnServer();
+        return create(server);
     } catch (const RuntimeError& error) {
         failure = error;
     }
     try {
-        return createDirect();
+        return create(direct);
     } catch (const RuntimeError& error) {
         if (error.Number() != sound_error::kNoDriver) throw;
     }
@@ -44,7 +47,7 @@ auto CreatePrimary(Create createOnServer, Create createDirect) -> decltype(creat
 
 }  // namespace
 
-// A capture buffer of one of the systems, armed with the combined system's events.
+// A capture buffer of one of the two systems. It translates the combined events to those of its system.
 class CombinedSoundSystem::Buffer : public CaptureBuffer {
 public:
     Buffer(const CombinedSoundSystem& system, std::unique_ptr<CaptureBuffer> buffer, bool direct)
@@ -67,7 +70,7 @@ public:
     std::string ClockName() const override { return buffer_->ClockName(); }
 
 private:
-    // An unknown event is refused by the buffer as well.
+    // 0 for an unknown event, which the buffer refuses.
     EventHandle Translated(EventHandle event) const {
         const auto found = system_.events_.find(event);
         if (found == system_.events_.end()) return 0;
@@ -100,35 +103,28 @@ CombinedSoundSystem::CombinedSoundSystem(std::unique_ptr<SoundSystem> server,
 CombinedSoundSystem::~CombinedSoundSystem() = default;
 
 SoundDeviceList CombinedSoundSystem::EnumeratePlayback() {
-    using List = std::function<SoundDeviceList()>;
-    return Join<List>([this] { return server_->EnumeratePlayback(); },
-                      [this] { return direct_->EnumeratePlayback(); });
+    return Join(*server_, *direct_, &SoundSystem::EnumeratePlayback);
 }
 
 SoundDeviceList CombinedSoundSystem::EnumerateCapture() {
-    using List = std::function<SoundDeviceList()>;
-    return Join<List>([this] { return server_->EnumerateCapture(); },
-                      [this] { return direct_->EnumerateCapture(); });
+    return Join(*server_, *direct_, &SoundSystem::EnumerateCapture);
 }
 
 std::unique_ptr<PlaybackDevice> CombinedSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
-    using Create = std::function<std::unique_ptr<PlaybackDevice>()>;
-    const Create onServer = [&] { return server_->CreatePlaybackDevice(identifier); };
-    const Create direct = [&] { return direct_->CreatePlaybackDevice(identifier); };
-    if (identifier.empty()) return CreatePrimary(onServer, direct);
-    return Direct(identifier) ? direct() : onServer();
+    const auto create = [&](SoundSystem& system) { return system.CreatePlaybackDevice(identifier); };
+    return identifier.empty() ? CreatePrimary(*server_, *direct_, create) : create(SystemOf(identifier));
 }
 
 std::unique_ptr<CaptureDevice> CombinedSoundSystem::CreateCaptureDevice(const std::string& identifier) {
-    using Create = std::function<std::unique_ptr<CaptureDevice>()>;
-    const Create onServer = [&] {
-        return std::make_unique<Capture>(*this, server_->CreateCaptureDevice(identifier), false);
+    const auto create = [&](SoundSystem& system) -> std::unique_ptr<CaptureDevice> {
+        return std::make_unique<Capture>(*this, system.CreateCaptureDevice(identifier),
+                                         &system == direct_.get());
     };
-    const Create direct = [&] {
-        return std::make_unique<Capture>(*this, direct_->CreateCaptureDevice(identifier), true);
-    };
-    if (identifier.empty()) return CreatePrimary(onServer, direct);
-    return Direct(identifier) ? direct() : onServer();
+    return identifier.empty() ? CreatePrimary(*server_, *direct_, create) : create(SystemOf(identifier));
+}
+
+SoundSystem& CombinedSoundSystem::SystemOf(const std::string& identifier) const {
+    return identifier.starts_with(directPrefix_) ? *direct_ : *server_;
 }
 
 EventHandle CombinedSoundSystem::CreateEvent(std::function<void(EventHandle)> handler) {

@@ -10,9 +10,10 @@
 
 namespace sonavex {
 
-// The devices of a sound server, and beside them those that are reached directly. The server's come
-// first, and the primary device is the server's as long as it has a device; otherwise the direct
-// devices stand alone. An identifier that begins with the given prefix belongs to a direct device.
+// The devices of a sound server and those that are reached directly, as one list. The server's devices come
+// first, and the primary device is that of the server. While the server has no device, the list holds the
+// direct devices alone, with their primary device. An identifier that begins with the given prefix belongs
+// to a direct device.
 class CombinedSoundSystem : public SoundSystem {
 public:
     CombinedSoundSystem(std::unique_ptr<SoundSystem> server, std::unique_ptr<SoundSystem> direct,
@@ -21,7 +22,7 @@ public:
     CombinedSoundSystem(const CombinedSoundSystem&) = delete;
     CombinedSoundSystem& operator=(const CombinedSoundSystem&) = delete;
 
-    // The server's failure is thrown when there is no direct device either.
+    // Without a direct device, a failure of the server is thrown.
     SoundDeviceList EnumeratePlayback() override;
     SoundDeviceList EnumerateCapture() override;
     std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) override;
@@ -34,13 +35,13 @@ private:
     class Capture;
     class Buffer;
 
-    bool Direct(const std::string& identifier) const { return identifier.starts_with(directPrefix_); }
+    SoundSystem& SystemOf(const std::string& identifier) const;
 
     std::unique_ptr<SoundSystem> server_;
     std::unique_ptr<SoundSystem> direct_;
     std::string directPrefix_;
 
-    // An event is one in each system: its buffer decides which of them fires.
+    // A combined event is an event of each system. The buffer that it is set for decides which one fires.
     struct EventPair {
         EventHandle ofServer;
         EventHandle ofDirect;
