@@ -11,7 +11,6 @@
 #include "core/dsp/display/MeterDisplay.h"
 #include "core/generator/GeneratorWords.h"
 #include "ui/widgets/HarmonicBar.h"
-#include "ui/widgets/Theme.h"
 #include "ui_frmMain.h"
 
 namespace sonavex::ui {

@@ -8,13 +8,13 @@
 namespace sonavex {
 namespace {
 
-// Definitions may refer to each other; libasound itself would not get further than this.
+// Definitions may refer to each other in circles. libasound itself follows no deeper chain.
 constexpr int kDeepestDefinition = 16;
 
-// Types of PCM that end somewhere else than at a card of one's own.
+// Types of PCM that do not give exclusive access to a card.
 constexpr std::array<std::string_view, 12> kIndirectTypes{
     "null", "file", "pulse", "pipewire", "jack", "oss", "dmix", "dsnoop", "share", "dshare", "shm", "a52"};
-// Types that hand the samples of their slave on as they are.
+// Types that pass the samples of their slave unchanged.
 constexpr std::array<std::string_view, 4> kExactTypes{"hooks", "copy", "mmap_emul", "empty"};
 
 template <class Types>
@@ -27,7 +27,7 @@ struct DeleteConfig {
 };
 using OwnedConfig = std::unique_ptr<snd_config_t, DeleteConfig>;
 
-// Null when there is none of that name.
+// Null when there is no definition with this name.
 OwnedConfig Definition(snd_config_t* top, const char* base, const std::string& name) {
     snd_config_t* definition = nullptr;
     if (top == nullptr || snd_config_search_definition(top, base, name.c_str(), &definition) < 0) return {};
@@ -83,7 +83,7 @@ AlsaPath AlsaConfiguration::PathOf(snd_config_t* definition, snd_pcm_stream_t di
     return path == AlsaPath::kDirect && !Contains(kExactTypes, type) ? AlsaPath::kConverting : path;
 }
 
-// The slave is given in place, or by the name of a definition of its own.
+// A slave is defined in place or named.
 AlsaPath AlsaConfiguration::PathOfSlave(snd_config_t* slave, snd_pcm_stream_t direction, int depth) const {
     OwnedConfig named;
     if (snd_config_get_type(slave) == SND_CONFIG_TYPE_STRING) {

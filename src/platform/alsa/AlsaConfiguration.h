@@ -6,18 +6,18 @@
 
 namespace sonavex {
 
-// What lies between a PCM of libasound and the card.
+// The path from a PCM of libasound to the card.
 enum class AlsaPath {
-    kIndirect,   // a sound server, other programs, a file or nothing: not an access to a card
-    kDirect,     // nothing that changes samples
-    kConverting  // plugins that may change samples
+    kIndirect,   // leads to a sound server, other programs, a file or nothing, not to a card
+    kDirect,     // leads to a card, and samples pass unchanged
+    kConverting  // leads to a card through plugins that may change samples
 };
 
-// libasound's configuration as its files are now: the system's, the user's, or the one that
+// libasound's configuration, read from the files of the system and the user, or from the one that
 // ALSA_CONFIG_PATH names. User-interface thread only.
 class AlsaConfiguration {
 public:
-    // A configuration that cannot be read is an empty one.
+    // Reads the files. A configuration that cannot be read is empty.
     AlsaConfiguration();
     ~AlsaConfiguration();
     AlsaConfiguration(const AlsaConfiguration&) = delete;
@@ -25,10 +25,10 @@ public:
 
     struct Pcm {
         AlsaPath path = AlsaPath::kIndirect;
-        std::string type;  // of the definition, "hw" for example
+        std::string type;  // type of the definition, "hw" for example
     };
-    // Of the PCM of that name, with its arguments; indirect when it is not defined or has nothing for
-    // this direction.
+    // The PCM with this name, which may include arguments. kIndirect when it is not defined, or not for this
+    // direction.
     Pcm Find(const std::string& name, snd_pcm_stream_t direction) const;
 
 private:

@@ -6,11 +6,11 @@
 
 namespace sonavex {
 
-// The control of libasound ("hw:PCH") that holds the mixer of the card behind a PCM of a card
-// ("hw:CARD=PCH,DEV=0", "hw:1,0"); empty for any other PCM.
+// The name of libasound's control ("hw:PCH") that holds the mixer of the card of a PCM ("hw:CARD=PCH,DEV=0",
+// "hw:1,0"). Empty for a PCM that does not name a card.
 std::string AlsaControlOfPcm(const std::string& pcm);
 
-// The same for the listed device of that description; empty when there is none.
+// The same for the listed device with this description. Empty when there is no such device.
 std::string AlsaControlOf(snd_pcm_stream_t direction, const std::string& description);
 
 }  // namespace sonavex

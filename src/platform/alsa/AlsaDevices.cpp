@@ -12,8 +12,8 @@
 namespace sonavex {
 namespace {
 
-// PCMs that libasound's packages define for every machine: they stand for the first card, which is
-// listed itself, with conversions.
+// PCMs that libasound's packages define on every machine. They add conversions to the first card, which is
+// listed itself.
 constexpr std::array<std::string_view, 7> kPackagePcms{"default", "lavrate", "samplerate", "speexrate",
                                                        "speex",   "upmix",   "vdownmix"};
 
@@ -27,7 +27,7 @@ Hints PcmHints() {
     return snd_device_name_hint(-1, "pcm", &hints) < 0 ? Hints() : Hints(hints);
 }
 
-// Empty where the hint says nothing.
+// Empty when the hint has no such text.
 std::string HintText(const void* hint, const char* id) {
     const std::unique_ptr<char, void (*)(void*)> text(snd_device_name_get_hint(hint, id), std::free);
     return text ? text.get() : "";
@@ -38,7 +38,7 @@ bool ServesDirection(const void* hint, snd_pcm_stream_t direction) {
     return only.empty() || only == (direction == SND_PCM_STREAM_PLAYBACK ? "Output" : "Input");
 }
 
-// A card's devices have many more names, each with other conversions.
+// Leaves out the other names of a card's devices, each of which stands for other conversions.
 bool Offered(const std::string& name) {
     if (name.find(':') != std::string::npos) return name.starts_with("hw:");
     return std::find(kPackagePcms.begin(), kPackagePcms.end(), name) == kPackagePcms.end();
@@ -46,7 +46,7 @@ bool Offered(const std::string& name) {
 
 std::string Description(const void* hint, const std::string& name, bool converting) {
     std::string text = HintText(hint, "DESC");
-    // The second line explains the kind of name.
+    // The second line describes the type of PCM.
     text.resize(std::min(text.find('\n'), text.size()));
     return (text.empty() ? name : text) + (converting ? " (direct, converting)" : " (direct)");
 }

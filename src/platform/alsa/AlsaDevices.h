@@ -14,19 +14,19 @@ inline constexpr const char* kAlsaPrefix = "alsa:";
 
 struct AlsaDevice {
     SoundDeviceInfo info;
-    std::string pcm;          // name that libasound knows it by
+    std::string pcm;          // its name in libasound
     bool converting = false;  // its definition holds plugins that may change samples
 
-    // A device of a card, as against one that the user's configuration defines.
+    // True for a device of a card, false for a PCM that the user's configuration defines.
     bool Hardware() const { return pcm.starts_with("hw:"); }
 };
 
-// What leads straight to a card in that direction: the devices of the cards first, then the PCMs
-// that the user's configuration defines. Not what leads to a sound server, to a file or to nothing.
-// Empty when there is none. User-interface thread only.
+// The devices that lead directly to a card: first the devices of the cards, then the PCMs that the user's
+// configuration defines. PCMs that lead to a sound server, to a file or to nothing are left out.
+// User-interface thread only.
 std::vector<AlsaDevice> ListAlsaDevices(snd_pcm_stream_t direction);
 
-// The device of that identifier, for an empty one the first. Throws kNoDriver.
+// The device with this identifier, or the first device for an empty one. Throws kNoDriver when there is none.
 AlsaDevice FindAlsaDevice(snd_pcm_stream_t direction, const std::string& identifier);
 
 }  // namespace sonavex

@@ -70,7 +70,7 @@ AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint
 }
 
 void AlsaPcm::Open(const std::string& name) {
-    // An open device would keep itself out.
+    // The device can be open only once.
     pcm_.reset();
     snd_pcm_t* pcm = nullptr;
     const int error = snd_pcm_open(&pcm, name.c_str(), direction_, SND_PCM_NONBLOCK);
@@ -88,7 +88,7 @@ AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling) const {
     Require(snd_pcm_hw_params_any(pcm, parameters.get()));
     Require(snd_pcm_hw_params_set_rate_resample(pcm, parameters.get(),
                                                 resampling == Resampling::kAllowed ? 1 : 0));
-    // One after the other: a card may have this rate in mono only.
+    // Each test includes the earlier choices, because a card may have this rate in mono only.
     Lacks lacks;
     lacks.channels = snd_pcm_hw_params_test_channels(pcm, parameters.get(), kChannels) < 0;
     if (!lacks.channels) Require(snd_pcm_hw_params_set_channels(pcm, parameters.get(), kChannels));

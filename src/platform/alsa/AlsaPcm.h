@@ -11,19 +11,19 @@
 
 namespace sonavex {
 
-// A PCM of libasound, opened for 16-bit interleaved stereo at one rate. It never blocks. A card's
-// device that lacks the rate, 16 bits or stereo is opened through libasound's conversions instead; a
-// device of the user's configuration is used as it is defined.
+// A PCM of libasound, opened for 16-bit interleaved stereo at one rate, in non-blocking mode. When a device
+// of a card lacks the rate, 16 bits or stereo, it is opened through libasound's conversions. A PCM of the
+// user's configuration is used as it is defined.
 class AlsaPcm {
 public:
-    // Frames that are asked for; the device grants something near.
+    // Requested frames. The device grants the nearest numbers that it can.
     struct Shape {
         std::uint32_t bufferFrames;
         std::uint32_t periodFrames;
     };
 
-    // Opens the device. Throws kAllocated when another program holds it, kNoDriver when it is not
-    // there, kBadFormat when it cannot be used at this rate, kGeneric otherwise.
+    // Opens the device. Throws kAllocated when another program uses it, kNoDriver when it does not exist,
+    // kBadFormat when it cannot run at this rate, kGeneric for any other failure.
     AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint32_t rateHz, Shape wanted);
 
     snd_pcm_t* Handle() const noexcept { return pcm_.get(); }
@@ -31,17 +31,17 @@ public:
     std::uint32_t BufferFrames() const noexcept { return bufferFrames_; }
     std::uint32_t PeriodFrames() const noexcept { return periodFrames_; }
 
-    // Wakes poll once so many frames can be moved; the device starts only when told to.
+    // Wakes poll when this many frames can be moved. The device starts only by snd_pcm_start.
     void SetWakeUp(std::uint32_t frames);
 
-    // What happens to the samples on their way, for the user; empty when they pass bit for bit.
+    // For the user: how samples are converted. Empty when they pass bit for bit.
     const std::string& Note() const noexcept { return note_; }
 
-    // "card N" with the system's number of the card; empty when the device is no card's.
+    // "card N" with the system's number of the card; empty when there is no card.
     std::string ClockName() const;
 
 private:
-    // What the device cannot do by itself.
+    // Properties that the device itself lacks.
     struct Lacks {
         bool rate = false;
         bool format = false;  // 16 bits

@@ -10,7 +10,7 @@
 namespace sonavex {
 namespace {
 
-// Beyond anything that a page or a picture of a help file is: a broken length must not fill the memory.
+// Larger than any page or picture of a help file. Keeps a damaged length from filling the memory.
 constexpr std::uint64_t kMaxLength = 16U << 20U;
 
 std::optional<chmUnitInfo> Find(chmFile* file, const std::string& path) {

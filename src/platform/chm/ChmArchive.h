@@ -8,18 +8,18 @@ struct chmFile;
 
 namespace sonavex {
 
-// The files inside a compiled help file. Paths begin with a slash; letter case does not matter. Made for
-// files that may be cut short or be something else altogether. One thread at a time.
+// The files inside a compiled help file. Paths begin with a slash and ignore letter case. Truncated and
+// foreign files are refused. One thread at a time.
 class ChmArchive {
 public:
-    // Throws HelpFileError when the file cannot be read or is not as the instrument's was compiled.
+    // Throws HelpFileError when the file cannot be read or differs from the one that the build compiled.
     explicit ChmArchive(const std::string& file);
     ~ChmArchive();
     ChmArchive(const ChmArchive&) = delete;
     ChmArchive& operator=(const ChmArchive&) = delete;
 
     bool Exists(const std::string& path) const;
-    // Nothing when there is no such file, or not all of it can be read.
+    // Null when there is no such file, or when it cannot be read completely.
     std::optional<std::string> Read(const std::string& path) const;
 
 private:

@@ -12,12 +12,12 @@ constexpr int kMostLevels = 16;
 constexpr std::size_t kExcerptBefore = 40;
 constexpr std::size_t kExcerptLength = 110;
 
-// Kinds of entries in the file's description of itself.
+// Kinds of entries in the file /#SYSTEM.
 constexpr std::uint32_t kContentsFile = 0;
 constexpr std::uint32_t kHomePage = 2;
 constexpr std::uint32_t kTitle = 3;
 
-// Little-endian number at an offset; 0 where the text ends before.
+// The little-endian number at an offset; 0 when the bytes end before it.
 std::uint32_t Number(const std::string& bytes, std::size_t at, unsigned width) {
     if (at > bytes.size() || width > bytes.size() - at) return 0;
     std::uint32_t number = 0;
@@ -49,7 +49,8 @@ std::vector<std::string> WordsOf(std::string_view text) {
     return words;
 }
 
-// The lists of a contents file: each "object" is a chapter, each list inside belongs to the chapter before.
+// Reads the lists of a contents file. Each "object" is a chapter; a nested list holds the subchapters of the
+// chapter before it.
 class SitemapReader {
 public:
     explicit SitemapReader(std::string_view html) : reader_(html) {}
@@ -98,13 +99,13 @@ void CollectPages(const std::vector<HelpBook::Chapter>& chapters, std::vector<st
     }
 }
 
-// A match shows the title beside the text, so the text need not begin with it.
+// A search result shows the title separately, so the text must not begin with it.
 PageText WithoutHeading(PageText page) {
     if (page.text.starts_with(page.title + " ")) page.text.erase(0, page.title.size() + 1);
     return page;
 }
 
-// Begins and ends between words.
+// The text around a match, cut between words.
 std::string Excerpt(const std::string& text, std::size_t place) {
     std::size_t begin = place > kExcerptBefore ? text.find(' ', place - kExcerptBefore) : 0;
     if (begin == std::string::npos || begin > place) begin = place;
@@ -128,7 +129,7 @@ ChmHelpBook::ChmHelpBook(const std::string& file) : archive_(file) {
     if (!Read(home_)) throw HelpFileError("The file is damaged or is no help file.");
 }
 
-// Version, then entries of kind, length and text.
+// The file holds a version, then entries of kind, length and text.
 void ChmHelpBook::ReadSystem() {
     const auto system = archive_.Read("/#SYSTEM");
     if (!system) return;
@@ -147,7 +148,7 @@ void ChmHelpBook::ReadContents() {
     if (const auto html = archive_.Read(WithSlash(contentsFile_))) SitemapReader(*html).Read(contents_, 0);
 }
 
-// Pairs of a topic's number and the offset of its page among the file's strings.
+// The file holds pairs of a topic's number and the offset of its page in the string table.
 void ChmHelpBook::ReadTopics() {
     const auto pairs = archive_.Read("/#IVB");
     const auto strings = archive_.Read("/#STRINGS");
@@ -158,7 +159,8 @@ void ChmHelpBook::ReadTopics() {
     }
 }
 
-// The compiler writes the paths that the pages had where it ran; the book knows the end of them.
+// The compiler stores the paths that the pages had on the machine that ran it. The path of a page in the book
+// is the end of such a path.
 std::string ChmHelpBook::LongestSuffix(const std::string& path) const {
     for (std::size_t from = 0; from < path.size();) {
         std::string suffix = path.substr(path[from] == '/' ? from + 1 : from);
@@ -175,7 +177,7 @@ std::optional<std::string> ChmHelpBook::PageOfTopic(std::int32_t topic) const {
 }
 
 std::optional<std::string> ChmHelpBook::Read(const std::string& path) const {
-    // A name that ends so is a folder.
+    // A path that ends with a slash is a folder.
     if (path.empty() || path.back() == '/') return std::nullopt;
     return archive_.Read(WithSlash(path));
 }

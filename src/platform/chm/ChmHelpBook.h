@@ -15,7 +15,7 @@ namespace sonavex {
 // A compiled help file (CHM).
 class ChmHelpBook : public HelpBook {
 public:
-    // Throws HelpFileError when the file cannot be read, is no help file or has no page to show.
+    // Throws HelpFileError when the file cannot be read, is not a help file or has no page.
     explicit ChmHelpBook(const std::string& file);
 
     const std::string& Title() const override { return title_; }

@@ -30,7 +30,7 @@ void Require(bool good) {
     if (!good) Refuse();
 }
 
-// What the checksum's polynomial makes of every byte.
+// The remainder of each byte by the checksum's polynomial.
 constexpr std::array<std::uint32_t, 256> kRemainders = [] {
     std::array<std::uint32_t, 256> remainders{};
     for (std::uint32_t byte = 0; byte < 256; ++byte) {
@@ -42,7 +42,7 @@ constexpr std::array<std::uint32_t, 256> kRemainders = [] {
     return remainders;
 }();
 
-// The checksum of POSIX.
+// The checksum of the POSIX program cksum.
 std::uint32_t Checksum(std::string_view bytes) {
     const auto add = [](std::uint32_t sum, std::uint32_t byte) {
         return (sum << 8U) ^ kRemainders[(sum >> 24U) ^ byte];
@@ -54,7 +54,7 @@ std::uint32_t Checksum(std::string_view bytes) {
     return ~sum;
 }
 
-// Bytes of a file, read with little-endian numbers; what lies outside refuses the file.
+// The bytes of a file. Reads little-endian numbers; a position outside the file refuses the file.
 class Bytes {
 public:
     explicit Bytes(std::string_view bytes) noexcept : bytes_(bytes) {}
@@ -81,7 +81,7 @@ private:
     std::string_view bytes_;
 };
 
-// The entries of a directory block, one after the other. Numbers have seven bits a byte, highest first.
+// Reads the entries of a directory block in order. Numbers have seven bits in each byte, the highest first.
 class EntryReader {
 public:
     EntryReader(const Bytes& block, std::uint64_t begin, std::uint64_t end)
@@ -215,7 +215,7 @@ private:
     }
 
     Bytes file_;
-    std::uint64_t data_ = 0;  // where the stored files begin
+    std::uint64_t data_ = 0;  // where the content of the files begins
     std::uint64_t blockLength_ = 0;
     std::uint64_t blockCount_ = 0;
     std::uint64_t visited_ = 0;
@@ -235,7 +235,7 @@ std::string ReadHelpFile(const std::string& file) {
 }
 
 void CheckSeal(std::string_view content) {
-    // The line begins with a line break, so that it stands alone behind the last byte.
+    // The build starts the line with a line break, because the content need not end with one.
     const std::size_t line = content.rfind(kSeal);
     Require(line != std::string_view::npos);
     const std::string_view sealed = content.substr(0, line);

@@ -5,18 +5,18 @@
 
 namespace sonavex {
 
-// What is looked at before the library that unpacks help files gets to see one: it believes what a file
-// says, and damaged compressed data makes it write where it must not. All of them throw HelpFileError.
+// Checks made before libchm opens a file: it trusts the file's lengths and writes out of bounds on damaged
+// compressed data. Each check throws HelpFileError.
 
-// The content of a file that is not too large for a help file.
+// The content of the file. Refuses a file that is too large for a help file.
 std::string ReadHelpFile(const std::string& file);
 
-// That the content is as it was compiled: its last line, which the compilation adds, gives the checksum
-// and the length of what stands before it, as the program cksum prints them.
+// Requires the content to be as it was compiled. The build appends a last line with the checksum and the
+// length of the content before it, as the program cksum prints them.
 void CheckSeal(std::string_view content);
 
-// The frame: headers, directory blocks and their entries, extents inside the file, the tables of the
-// compressed part.
+// Requires a valid structure: headers, directory blocks and their entries, extents inside the file, tables of
+// the compressed part.
 void CheckStructure(std::string_view content);
 
 }  // namespace sonavex

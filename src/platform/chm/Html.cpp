@@ -35,7 +35,7 @@ std::string Utf8(std::uint32_t code) {
     return {static_cast<char>(0xF0U | (code >> 18U)), tail(12), tail(6), tail(0)};
 }
 
-// Of "amp", "#8722", "#x2212"; empty when there is no such entity.
+// The character of an entity such as "amp", "#8722" or "#x2212"; empty for an unknown entity.
 std::string Decoded(std::string_view entity) {
     for (const auto& [name, character] : kEntities)
         if (name == entity) return std::string(character);
@@ -50,7 +50,7 @@ std::string Decoded(std::string_view entity) {
     return Utf8(code);
 }
 
-// name="value" or name=value or name, at the start of `rest`; takes it off.
+// Removes name="value", name=value or name from the start of `rest` and returns it.
 std::pair<std::string, std::string> TakeAttribute(std::string_view& rest) {
     const auto skip = [&] {
         while (!rest.empty() && IsSpace(rest.front())) rest.remove_prefix(1);
@@ -81,7 +81,7 @@ HtmlTag ParseTag(std::string_view inside) {
     for (;;) {
         while (!inside.empty() && (IsSpace(inside.front()) || inside.front() == '/')) inside.remove_prefix(1);
         if (inside.empty()) return tag;
-        // A stray "=" is no attribute.
+        // Skips a "=" without a name.
         if (inside.front() == '=')
             inside.remove_prefix(1);
         else
@@ -89,7 +89,7 @@ HtmlTag ParseTag(std::string_view inside) {
     }
 }
 
-// Appends the words of a text, one blank between them.
+// Appends the words of a text with single blanks between them.
 void AppendWords(std::string& text, std::string_view more) {
     for (const char c : more) {
         if (!IsSpace(c))
@@ -99,7 +99,7 @@ void AppendWords(std::string& text, std::string_view more) {
     }
 }
 
-// Tags that do not part words.
+// Tags that may stand inside a word.
 bool InsideWords(std::string_view name) {
     if (!name.empty() && name.front() == '/') name.remove_prefix(1);
     constexpr std::array<std::string_view, 8> kInline{"a", "b", "i", "em", "strong", "code", "sub", "sup"};

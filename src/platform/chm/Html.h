@@ -11,16 +11,17 @@ struct HtmlTag {
     std::string name;
     std::vector<std::pair<std::string, std::string>> attributes;
 
-    // Empty when there is no such attribute.
+    // The value; empty when there is no such attribute.
     std::string Attribute(std::string_view wanted) const;
 };
 
-// Reads a page piece by piece: text up to a tag, then the tag. Never fails; what is no tag is text.
+// Splits a page into texts and tags. Never fails: characters that are not part of a tag are text.
 class HtmlReader {
 public:
     explicit HtmlReader(std::string_view html) noexcept : html_(html) {}
 
-    // The text up to the next tag, entities decoded, and the tag; false at the end, with the last text.
+    // Returns the text before the next tag, with entities decoded, and the tag. At the end of the page it
+    // returns false and the last text.
     bool Next(std::string& text, HtmlTag& tag);
 
 private:
@@ -28,13 +29,13 @@ private:
     std::size_t at_ = 0;
 };
 
-// In lower case, letters without accents only: the words of an English book.
+// Lower case of the letters A to Z; other characters stay. Enough for an English book.
 std::string Lower(std::string_view text);
 
-// "&amp;" to "&" and so on; numbers to UTF-8. Unknown entities stay.
+// Replaces entities such as "&amp;" and "&#8722;" by their characters in UTF-8. Unknown entities stay.
 std::string DecodeEntities(std::string_view text);
 
-// The page as a reader sees it: its title, and its text with single blanks between the words.
+// The visible text of a page: its title, and its words with single blanks between them.
 struct PageText {
     std::string title;
     std::string text;

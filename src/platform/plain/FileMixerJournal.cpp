@@ -13,7 +13,7 @@
 namespace sonavex {
 namespace {
 
-// A journal holds a few hundred lines; what is longer is none.
+// A journal holds a few hundred lines. A longer file is not a journal.
 constexpr std::uintmax_t kLongestBytes = 1 << 20;
 
 bool WriteAll(int descriptor, std::string_view text) {
@@ -25,7 +25,7 @@ bool WriteAll(int descriptor, std::string_view text) {
     return fsync(descriptor) == 0;
 }
 
-// The new name of a file is lasting once its folder is.
+// A rename is on the disk only after its folder has been written.
 void SyncFolder(const std::filesystem::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return;
@@ -57,7 +57,7 @@ void FileMixerJournal::Write(const std::string& text) {
     const bool written = WriteAll(descriptor, text);
     close(descriptor);
     if (written) std::filesystem::rename(next, file_, error);
-    // Half a journal is of no use, and on a full disk it takes room.
+    // An incomplete journal is useless and takes space on a full disk.
     if (!written || error) unlink(next.c_str());
     SyncFolder(file_.parent_path());
 }

@@ -35,8 +35,8 @@ int HexDigit(char character) {
     return -1;
 }
 
-// The character that the text after a backslash stands for, and how long that text is; length 0 when
-// the backslash stands for itself.
+// The character that the text after a backslash stands for, and the length of that text. The length is 0 when
+// the backslash is an ordinary character.
 std::pair<char, std::size_t> Escaped(std::string_view rest) {
     for (const auto& [letter, character] : kEscapes)
         if (!rest.empty() && rest.front() == letter) return {character, 1};
@@ -47,10 +47,10 @@ std::pair<char, std::size_t> Escaped(std::string_view rest) {
 
 struct Quoted {
     std::string text;
-    std::string_view rest;  // behind the closing quotation mark
+    std::string_view rest;  // after the closing quotation mark
 };
 
-// What stands in the quotation marks at the beginning; nothing when it has none or they do not close.
+// The quoted text at the beginning of the line. Null when there is none or its quotation mark is missing.
 std::optional<Quoted> ReadQuoted(std::string_view line) {
     if (line.empty() || line.front() != '"') return std::nullopt;
     Quoted quoted;

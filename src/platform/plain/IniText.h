@@ -7,33 +7,32 @@
 
 namespace sonavex {
 
-// Values by section and key. All three are strings of bytes, usually UTF-8.
+// Values by section and key. All three are byte strings, usually UTF-8.
 using IniSections = std::map<std::string, std::map<std::string, std::string, std::less<>>, std::less<>>;
 
 struct IniReading {
     IniSections sections;
-    // Some of the text is no settings text. When it holds control characters nothing of it is taken;
-    // otherwise the lines that could be understood are.
+    // True when the text is not entirely settings text. The valid lines are used all the same, except when
+    // the text holds control characters: then no line is used.
     bool damaged = false;
 };
 
-// Text form of the settings, made to be read and edited by hand:
+// Text form of the settings, for reading and editing by hand:
 //
 //   ; a comment, also with #
 //   [Signal Generator]
 //   Memory Signal Start 3=1000
-//   Level= -50                         the text is -50: blanks around it do not count
-//   Input=a card, "the big one"        everything to the end of the line, as it is
+//   Level= -50                         the value is -50: blanks around it are dropped
+//   Input=a card, "the big one"        the value is everything up to the end of the line
 //   Name=" blanks, \"quotes\", a \\ and a\nline break"
 //
-// A value that begins and ends with a quotation mark has its blanks kept and \" \\ \n \r \t \xHH
-// replaced; a backslash before anything else stands for itself, as it does in a value without quotation
-// marks. Section names and keys may be written in quotation marks as well. A repeated key counts with
-// its last value; sections may come in any order and more than once.
+// A value in quotation marks keeps its blanks, and \" \\ \n \r \t \xHH stand for characters. A backslash
+// before any other character, or in a value without quotation marks, is an ordinary character. Section names
+// and keys may be in quotation marks as well. The last value of a repeated key counts. Sections may come in
+// any order and more than once.
 IniReading ReadIni(std::string_view text);
 
-// Text that ReadIni reads back as the same sections, letter for letter. Sections without a value are
-// not written.
+// Text from which ReadIni reads exactly the same sections. Sections without a value are left out.
 std::string WriteIni(const IniSections& sections);
 
 }  // namespace sonavex

@@ -7,8 +7,7 @@
 
 namespace sonavex {
 
-// Settings that live as long as this object: for the headless meter, which must not touch the
-// user's, and for tests.
+// Settings in memory, for tests and for the headless meter, which must not change the user's settings.
 class MemorySettingsStore : public SettingsStore {
 public:
     std::string Get(std::string_view section, std::string_view key, std::string_view fallback) const override;
@@ -16,7 +15,7 @@ public:
     void DeleteSection(std::string_view section) override;
     std::string Location() const override { return "settings in memory"; }
 
-    // Number of values stored.
+    // The number of stored values.
     std::size_t Size() const noexcept;
 
 private:

@@ -11,7 +11,7 @@
 namespace sonavex {
 namespace {
 
-constexpr mode_t kReadAndWrite = 0666;  // less what the process's mask takes away
+constexpr mode_t kReadAndWrite = 0666;  // before the process's umask
 constexpr mode_t kRights = 0777;
 
 std::error_code LastError() {
@@ -22,7 +22,7 @@ std::string NameOf(int descriptor) {
     return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
-// What a new file gets: the process's mask can only be read by setting it.
+// The permissions of a new file. The umask can only be read by setting it.
 mode_t NewFileRights() {
     const mode_t mask = umask(0);
     umask(mask);
@@ -53,14 +53,14 @@ void ReplacedFile::Open() {
         descriptor_ = open(file_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
         return;
     }
-    // Its folder may let it be replaced; its own rights say that it must not be.
+    // A rename would need only the rights of the folder. Respect those of the file.
     if (exists && access(file_.c_str(), W_OK) != 0) return;
     const std::filesystem::path folder = file_.parent_path();
     if (!OpenUnnamed(folder.empty() ? "." : folder) && !OpenNamed()) return;
     if (exists) static_cast<void>(fchmod(descriptor_, present.st_mode & kRights));
 }
 
-// Nothing of it stays when the process is killed.
+// An unnamed file disappears when the process is killed.
 bool ReplacedFile::OpenUnnamed(const std::filesystem::path& folder) {
     descriptor_ = open(folder.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, kReadAndWrite);
     if (descriptor_ < 0) return false;
@@ -70,7 +70,7 @@ bool ReplacedFile::OpenUnnamed(const std::filesystem::path& folder) {
     return false;
 }
 
-// Where a disk knows no files without a name.
+// For file systems that have no unnamed files.
 bool ReplacedFile::OpenNamed() {
     std::string pattern = next_.string() + std::string(6, 'X');
     descriptor_ = mkostemp(pattern.data(), O_CLOEXEC);
@@ -83,7 +83,7 @@ bool ReplacedFile::OpenNamed() {
 
 bool ReplacedFile::GiveName() {
     if (named_) return true;
-    // Left by a process that was killed at this place.
+    // May have been left by a process that was killed before its rename.
     unlink(next_.c_str());
     named_ = linkat(AT_FDCWD, NameOf(descriptor_).c_str(), AT_FDCWD, next_.c_str(), AT_SYMLINK_FOLLOW) == 0;
     return named_;

@@ -6,10 +6,10 @@
 
 namespace sonavex {
 
-// A file that gets its name when it is complete: until then, and when that never comes, what has the name
-// stays as it was, even when the process is killed: at the worst moment that leaves a complete file, named
-// after it with a dot and ".new", to the next writing. A link leads to the file that is replaced. What is no
-// file of a disk, such as a pipe, is written as it is.
+// Replaces a file atomically. Data goes into an unnamed temporary file; Commit renames it over the target. A
+// process that dies earlier leaves the target untouched. A process that dies inside Commit may leave a
+// complete ".NAME.new", which the next write removes. Symbolic links are followed. A target that is not a
+// regular file, such as a pipe, is written directly.
 class ReplacedFile {
 public:
     explicit ReplacedFile(const std::filesystem::path& file);
@@ -17,13 +17,13 @@ public:
     ReplacedFile(const ReplacedFile&) = delete;
     ReplacedFile& operator=(const ReplacedFile&) = delete;
 
-    // Why it cannot be written, none when it can.
+    // The first error of this object; none while all went well.
     std::error_code Error() const noexcept { return error_; }
-    // To write to; -1 after an error. Stays open as long as this object.
+    // The descriptor to write to; -1 when the file cannot be opened. Open until the object is destroyed.
     int Descriptor() const noexcept { return descriptor_; }
-    // All of the text at the end of what is written already.
+    // Appends the whole text.
     std::error_code Write(std::string_view text);
-    // All is written: from here on the name means this file.
+    // Call after the last Write: replaces the target.
     std::error_code Commit();
 
 private:
@@ -33,10 +33,10 @@ private:
     bool GiveName();
 
     std::filesystem::path file_;  // without links
-    std::filesystem::path next_;  // beside it
+    std::filesystem::path next_;  // name of the new file before it replaces file_
     int descriptor_ = -1;
     bool replaces_ = true;
-    bool named_ = false;  // next_ is there
+    bool named_ = false;  // next_ exists
     std::error_code error_;
 };
 

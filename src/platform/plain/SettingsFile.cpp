@@ -12,12 +12,13 @@
 namespace sonavex {
 namespace {
 
-// No settings are that long; not read into memory.
+// A longer file does not hold settings and is not read into memory.
 constexpr std::uintmax_t kLongestFile = 16 << 20;
 constexpr int kLastCopy = 99;
-// Between two tries for the lock. Short, because a process that writes again and again leaves short gaps.
+// Time between two attempts to take the lock. Short, because a process that writes continuously leaves only
+// short gaps.
 constexpr std::chrono::microseconds kLookAgain{50};
-// With less the disk counts as full, in bytes.
+// Bytes. A disk with less free space counts as full.
 constexpr std::uintmax_t kLeastRoom = 65536;
 
 std::string ErrorText(int error) {
@@ -39,9 +40,9 @@ private:
     int number_;
 };
 
-// Empty for success, otherwise what went wrong.
+// Returns a description of the failure, empty for success.
 std::string ReadAll(const std::filesystem::path& file, std::string& text) {
-    // A pipe that took the file's place meanwhile must not block.
+    // Does not block when a pipe has replaced the file meanwhile.
     const Descriptor descriptor(file, O_RDONLY | O_NONBLOCK);
     if (descriptor.Number() < 0) return ErrorText(errno);
     std::array<char, 65536> part{};
@@ -84,7 +85,7 @@ bool FileStamp::operator==(const FileStamp& other) const noexcept {
 
 FileReading ReadSettingsFile(const std::filesystem::path& file) {
     FileReading reading;
-    // Before the reading, so that a change during it shows later.
+    // Taken before reading, so that a change during the reading is noticed later.
     reading.stamp = FileStamp::Of(file);
     if (!reading.stamp.Exists()) {
         if (errno != ENOENT) reading.problem = ErrorText(errno);
@@ -110,7 +111,7 @@ std::filesystem::path KeepAside(const std::filesystem::path& file) {
         ++number;
     auto copy = CopyName(file, number);
     std::filesystem::remove(copy, error);
-    // A second name needs no room on a full disk.
+    // A hard link needs no space on a full disk.
     std::filesystem::create_hard_link(original, copy, error);
     if (!error) return copy;
     const bool copied = std::filesystem::copy_file(original, copy, error);

@@ -10,7 +10,7 @@
 
 namespace sonavex {
 
-// Which state of a file was seen. Two states of a file that is replaced or edited differ.
+// Identifies one state of a file. A file that is replaced or edited has a different stamp afterwards.
 class FileStamp {
 public:
     FileStamp() = default;  // no file
@@ -28,17 +28,17 @@ private:
 struct FileReading {
     FileStamp stamp;
     IniReading content;   // empty for a missing file
-    std::string problem;  // why it cannot be read; empty when it was read or is missing
+    std::string problem;  // why the file cannot be read; empty when it was read or is missing
 };
 FileReading ReadSettingsFile(const std::filesystem::path& file);
 
-// Keeps a copy beside the file, named after it with ".damaged" or ".damaged-1" to ".damaged-99". Earlier
-// copies stay; when all names are taken the last is used again. Returns the copy's path, empty when it
-// could not be made.
+// Copies the file to its name with ".damaged" or ".damaged-1" to ".damaged-99". Earlier copies stay; when all
+// names are taken, the last copy is replaced. Returns the path of the copy, empty when it could not be made.
 std::filesystem::path KeepAside(const std::filesystem::path& file);
 
-// While it lives, no other process holds one for the same folder. Nothing stays behind, not even when
-// the process is killed. Where the lock cannot be had within the limit, the object does not hold it.
+// A lock on a folder against other processes that use this class. The system releases it when the object is
+// destroyed or the process ends. When another process keeps the lock for longer than the limit, Held is
+// false.
 class FolderLock {
 public:
     FolderLock(const std::filesystem::path& folder, std::chrono::milliseconds limit);
@@ -53,7 +53,7 @@ private:
     bool held_ = false;
 };
 
-// Why a file of this name cannot be written, as far as can be told; for messages.
+// The probable reason why a file of this name cannot be written, for messages.
 std::string WhyNotWritable(const std::filesystem::path& file);
 
 }  // namespace sonavex

@@ -15,7 +15,7 @@ std::error_code CreatePrivateFolder(const std::filesystem::path& folder) {
         error = CreatePrivateFolder(folder.parent_path());
         if (error) return error;
     }
-    // Somebody else may have been faster.
+    // Another process may have created it meanwhile.
     if (mkdir(folder.c_str(), S_IRWXU) == 0) return {};
     const int cause = errno;
     if (std::filesystem::is_directory(folder, error)) return {};
@@ -35,7 +35,7 @@ std::filesystem::path RuntimeFolder() {
 }
 
 void KeepFilesFromEverybody() noexcept {
-    // The mask can only be read by setting it.
+    // The umask can only be read by setting it.
     umask(umask(S_IRWXG | S_IRWXO) | S_IWOTH);
 }
 

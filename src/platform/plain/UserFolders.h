@@ -5,19 +5,19 @@
 
 namespace sonavex {
 
-// Makes the folder and those above it that are missing, for the user alone whatever mask of rights the
-// process has. Folders that exist stay as they are.
+// Creates the folder and its missing parents, accessible to the user only, whatever the umask. Existing
+// folders stay as they are.
 std::error_code CreatePrivateFolder(const std::filesystem::path& folder);
 
-// Whether it is a folder that belongs to the user of this process and that nobody else can write to.
+// Whether the path is a folder that belongs to the user of this process and that no one else can write to.
 bool BelongsToTheUser(const std::filesystem::path& folder) noexcept;
 
-// The folder that the system keeps for what the user's programs leave while they run (XDG_RUNTIME_DIR);
-// empty where there is none, and where others could put something there.
+// The folder for temporary files of the user's running programs (XDG_RUNTIME_DIR). Empty when there is none,
+// or when other users can write to it.
 std::filesystem::path RuntimeFolder();
 
-// From here on no file that this process or the programs it starts create can be written by everybody,
-// whatever mask of rights it was started with.
+// Changes the umask so that new files of this process, and of the programs that it starts, are never writable
+// by everyone.
 void KeepFilesFromEverybody() noexcept;
 
 }  // namespace sonavex

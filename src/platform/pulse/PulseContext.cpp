@@ -8,10 +8,10 @@
 namespace sonavex {
 namespace {
 
-// Below the three seconds that a call on a sound system may last, with room for the rest of it.
+// A call on a sound system may last three seconds. Waiting is only a part of it.
 constexpr pa_usec_t kCallLimit = 2 * PA_USEC_PER_SEC;
 
-// After a wait in vain: how long waits are short, and how short.
+// After a timeout: the time for which waits are short, and their length.
 constexpr pa_usec_t kImpatience = 4 * PA_USEC_PER_SEC;
 constexpr pa_usec_t kImpatientLimit = PA_USEC_PER_SEC / 10;
 
@@ -19,11 +19,11 @@ constexpr const char* kNotAnswering = "The sound server does not answer.";
 
 struct Alarm {
     pa_threaded_mainloop* loop;
-    bool rung;
+    bool expired;
 };
 
 void RingAlarm(pa_mainloop_api*, pa_time_event*, const timeval*, void* alarm) {
-    static_cast<Alarm*>(alarm)->rung = true;
+    static_cast<Alarm*>(alarm)->expired = true;
     pa_threaded_mainloop_signal(static_cast<Alarm*>(alarm)->loop, 0);
 }
 
@@ -76,7 +76,7 @@ void PulseContext::Connect() {
     if (context_ == nullptr) throw RuntimeError(error_number::kOutOfMemory);
     pa_context_set_state_callback(context_, OnContextState, this);
     const char* const address = serverAddress_.empty() ? nullptr : serverAddress_.c_str();
-    // A refusal shows in the state.
+    // A refusal changes the state of the context.
     static_cast<void>(pa_context_connect(context_, address, PA_CONTEXT_NOAUTOSPAWN, nullptr));
 }
 
@@ -96,7 +96,7 @@ pa_usec_t PulseContext::EndOf(const PulseDeadline& deadline) const noexcept {
 bool PulseContext::WaitUntil(const PulseDeadline& deadline, const std::function<bool()>& condition) {
     Alarm alarm{loop_, false};
     pa_time_event* const timer = pa_context_rttime_new(context_, EndOf(deadline), RingAlarm, &alarm);
-    while (!condition() && !alarm.rung) pa_threaded_mainloop_wait(loop_);
+    while (!condition() && !alarm.expired) pa_threaded_mainloop_wait(loop_);
     pa_threaded_mainloop_get_api(loop_)->time_free(timer);
     const bool met = condition();
     if (met)
@@ -118,7 +118,7 @@ void PulseContext::Await(pa_operation* operation, const PulseDeadline& deadline)
     if (!ended) pa_operation_cancel(operation);
     pa_operation_unref(operation);
     if (!ended) throw RuntimeError(sound_error::kUninitialized, kNotAnswering);
-    // Cancelled by the end of the connection.
+    // The end of the connection cancelled the request.
     if (!done) throw RuntimeError(sound_error::kUninitialized, "The sound server has gone.");
 }
 

@@ -10,35 +10,35 @@
 
 namespace sonavex {
 
-// A text of the server; empty where it has none.
+// A text of the server; empty for a null pointer.
 inline std::string PulseText(const char* text) {
     return text == nullptr ? std::string() : std::string(text);
 }
 
-// Until when the waits of one public call may last, together.
+// The time by which all waits of one public call must have ended.
 class PulseDeadline {
 public:
     PulseDeadline() noexcept;
     pa_usec_t Time() const noexcept { return time_; }
 
 private:
-    pa_usec_t time_;  // of pa_rtclock_now
+    pa_usec_t time_;  // on the clock of pa_rtclock_now
 };
 
-// The connection to the sound server and the thread that serves it. Connects when first needed,
-// never starts a server, and replaces a connection that was lost at the next need. Everything is
-// for the user-interface thread, under a Lock where the comment says so; callbacks that others
-// install at the server run on the connection's thread, which then holds the lock.
+// The connection to the sound server and the thread that serves it. It connects when it is first needed,
+// never starts a server, and connects again after a loss. All functions are for the user-interface thread,
+// under a Lock where the comment says so. Callbacks that are installed at the server run on the connection's
+// thread, which holds the lock meanwhile.
 class PulseContext {
 public:
     // An empty address stands for the environment's server.
     explicit PulseContext(std::string serverAddress);
-    // Waits for no server.
+    // Does not wait for the server.
     ~PulseContext();
     PulseContext(const PulseContext&) = delete;
     PulseContext& operator=(const PulseContext&) = delete;
 
-    // Keeps the connection's thread out.
+    // Excludes the connection's thread while it exists.
     class Lock {
     public:
         explicit Lock(PulseContext& context) noexcept : loop_(context.loop_) {
@@ -52,22 +52,23 @@ public:
         pa_threaded_mainloop* loop_;
     };
 
-    // Called, under lock, with every connection that has been established; before the first one.
+    // The handler is called, under lock, with each connection that has been established. Call before the
+    // first one.
     void OnConnected(std::function<void(pa_context*)> handler) { onConnected_ = std::move(handler); }
 
-    // The connection, established if need be. Under lock. Throws kUninitialized when no server
-    // answers in time.
+    // The connection; connects when there is none. Under lock. Throws kUninitialized when no server answers
+    // before the deadline.
     pa_context* Connected(const PulseDeadline& deadline);
 
-    // Waits, under lock, until the condition holds (true) or the time is over (false). The condition
-    // is looked at again after each Wake. For some seconds after a wait that was in vain the next ones
-    // are short: a server that stands still is not to hold up the window call after call.
+    // Waits, under lock, until the condition holds (true) or the deadline has passed (false). The condition
+    // is evaluated after each Wake. For some seconds after a timeout, further waits are short, so that a
+    // server that hangs does not block the window in every call.
     bool WaitUntil(const PulseDeadline& deadline, const std::function<bool()>& condition);
-    // Lets WaitUntil look again; for callbacks.
+    // For callbacks: makes WaitUntil evaluate its condition.
     void Wake() noexcept { pa_threaded_mainloop_signal(loop_, 0); }
 
-    // Waits, under lock, for the end of a request and releases it. Throws when the server refused
-    // or did not answer; no callback of the request runs any more then.
+    // Waits, under lock, for the end of a request and releases it. Throws when the server refused or did
+    // not answer; no callback of the request runs afterwards.
     void Await(pa_operation* operation, const PulseDeadline& deadline);
 
 private:
@@ -79,7 +80,7 @@ private:
     std::function<void(pa_context*)> onConnected_;
     pa_threaded_mainloop* loop_;
     pa_context* context_ = nullptr;
-    pa_usec_t impatientUntil_ = 0;  // of pa_rtclock_now
+    pa_usec_t impatientUntil_ = 0;  // waits are short until then; on the clock of pa_rtclock_now
 };
 
 }  // namespace sonavex

@@ -9,12 +9,12 @@ namespace sonavex {
 
 enum class PulseDirection { kPlayback, kCapture };
 
-// The server's sinks or sources: its default device first, then the others in the server's order.
-// Sources include the monitors of the sinks. Empty when the server has none.
+// The server's sinks or sources: the default device first, then the others in the server's order. Sources
+// include the monitors of the sinks. Empty when the server has no device.
 SoundDeviceList ListPulseDevices(PulseContext& context, PulseDirection direction,
                                  const PulseDeadline& deadline);
 
-// The device of that name, for an empty name the default one. Throws kNoDriver.
+// The device with this name, or the default one for an empty name. Throws kNoDriver when there is none.
 SoundDeviceInfo FindPulseDevice(PulseContext& context, PulseDirection direction,
                                 const std::string& identifier, const PulseDeadline& deadline);
 

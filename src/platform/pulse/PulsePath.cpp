@@ -26,7 +26,7 @@ std::string Percent(const std::vector<double>& channels) {
     std::string text;
     for (const double percent : channels) {
         const double tenths = std::round(10.0 * percent) / 10.0;
-        // What is not 100 % must not read so.
+        // A volume that rounds to 100 % without being 100 % is shown unrounded.
         text += (text.empty() ? "" : " and ") + CStr(tenths == 100.0 && percent != 100.0 ? percent : tenths) +
                 " %";
     }
@@ -51,7 +51,7 @@ void PulsePath::Forget() noexcept {
     pending_.clear();
 }
 
-// Either every channel counts or none does.
+// One percentage when all channels have the same volume; none when that is 100 %.
 PulsePath::Volume PulsePath::VolumeOf(const pa_cvolume& volume, int mute) {
     Volume taken;
     taken.muted = mute != 0;
@@ -71,8 +71,8 @@ void PulsePath::TakeCard(pa_context*, const Info* info, int, void* self) {
     me.virtual_ = card == nullptr && pa_proplist_contains(info->proplist, PA_PROP_DEVICE_API) == 0;
 }
 
-// PipeWire runs everything at one rate at a time. A card tells what it runs at; a virtual device tells
-// what it was made for.
+// PipeWire runs all devices at one rate at a time. A card reports that rate; a virtual device reports the
+// rate that it was created with.
 void PulsePath::TakeServer(pa_context*, const pa_server_info* info, void* self) {
     if (info == nullptr || info->server_name == nullptr) return;
     const bool pipeWire = std::string(info->server_name).find("PipeWire") != std::string::npos;
@@ -83,7 +83,7 @@ void PulsePath::AskForCardOf(pa_context* server, const pa_sink_info& sink) {
     TakeCard(server, &sink, 0, this);
 }
 
-// A monitor runs on the clock of its sink and does not say so itself.
+// A monitor runs on the clock of its sink. Its own properties name no card.
 void PulsePath::AskForCardOf(pa_context* server, const pa_source_info& source) {
     if (source.monitor_of_sink == PA_INVALID_INDEX) return TakeCard(server, &source, 0, this);
     pa_operation* const operation =
@@ -105,11 +105,11 @@ template <class Info>
 void PulsePath::TakeStream(pa_context*, const Info* info, int, void* self) {
     if (info == nullptr) return;
     auto& me = *static_cast<PulsePath*>(self);
-    // PipeWire tells a volume of 0 while it does not know better.
+    // PipeWire reports a volume of 0 until it knows the volume.
     const bool zero = pa_cvolume_is_muted(&info->volume) != 0;
     if (std::exchange(me.zeroBefore_, zero) != zero && zero) return;
     me.stream_ = VolumeOf(info->volume, info->mute);
-    // Not every stream has one.
+    // Some streams have no volume.
     if (info->has_volume == 0 || info->volume.channels == 0) me.stream_.percent.clear();
 }
 

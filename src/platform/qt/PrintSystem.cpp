@@ -13,16 +13,16 @@ namespace {
 constexpr int kAnswerLimitMs = 3000;
 constexpr int kSendLimitMs = 15000;
 constexpr int kKillLimitMs = 1000;
-// Lines of the answer; the others that hold no blank are names of printers.
+// Lines of lpstat's output. Other lines without a blank are names of printers.
 constexpr auto kNotRunning = "scheduler is not running";
 constexpr auto kDefaultPrefix = "system default destination: ";
 
 struct Answer {
     QString output;
-    QString trouble;  // empty when all went well
+    QString trouble;  // empty for success
 };
 
-// "/usr/bin/lp: The printer or class does not exist." without the program.
+// The message of "/usr/bin/lp: The printer or class does not exist." without the name of the program.
 QString Complaint(const QString& program, const QByteArray& errors) {
     QString text = QString::fromUtf8(errors).trimmed();
     const QString before = program + QStringLiteral(": ");
@@ -31,7 +31,7 @@ QString Complaint(const QString& program, const QByteArray& errors) {
     return text.isEmpty() ? QStringLiteral("The print system reports an error.") : text;
 }
 
-// Waits until the process has ended or the time is over.
+// Waits until the process has ended or the limit has passed.
 void Wait(QProcess& process, const QString& program, const QStringList& arguments, int limitMs,
           const QByteArray& input) {
     QEventLoop loop;

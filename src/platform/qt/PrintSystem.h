@@ -7,15 +7,15 @@
 
 namespace sonavex {
 
-// The system's printers (CUPS), by its own programs lpstat, lp and lpoptions. Each call waits in an event
-// loop of its own, where signals and timers go on and the user's input waits: three seconds at most, and
-// fifteen for a document. An application object must exist; its thread only.
+// The system's printers (CUPS), through its programs lpstat, lp and lpoptions. Each call waits in a nested
+// event loop that delivers signals and timers but no user input, for at most three seconds, or fifteen for a
+// document. An application object must exist. For the thread of that object.
 class PrintSystem {
 public:
-    // With trouble when there is no print system, when it does not run or when it does not answer.
+    // The result describes the failure when the print system is missing, does not run or does not answer.
     static InstalledPrinters Printers();
 
-    // Both raise kPrinterError with what the print system says against it.
+    // SetDefaultPrinter and Send throw kPrinterError with the message of the print system.
     static void SetDefaultPrinter(const QString& name);
     // Sends a document as one copy.
     static void Send(const QString& printer, const QString& title, const QByteArray& document);

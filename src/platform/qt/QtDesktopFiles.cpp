@@ -24,7 +24,7 @@ QString PathOf(const std::string& name) {
     throw RuntimeError(number, (path + QStringLiteral(": ") + reason).toStdString());
 }
 
-// The error of a file operation that has just failed; cause: the system's error number then.
+// Throws the error of a file operation that has failed. `cause` is its errno.
 [[noreturn]] void Fail(const QFileDevice& file, int cause) {
     const bool full = cause == ENOSPC || cause == EDQUOT || cause == EFBIG;
     const bool denied = cause == EACCES || cause == EPERM || cause == EROFS;
@@ -36,7 +36,7 @@ void CreateFolder() {
     if (!QDir().mkpath(folder)) Fail(kFileAccess, folder, QStringLiteral("The folder cannot be created."));
 }
 
-// Everything, up to the disk's cache.
+// Writes and flushes the whole text.
 void WriteAll(QFileDevice& file, const std::string& text) {
     errno = 0;
     const auto size = static_cast<qint64>(text.size());

@@ -7,13 +7,13 @@
 
 namespace sonavex {
 
-// Files in the user's desktop folder: "desktop" in the folder that the environment variable "userprofile"
-// names, where it is set, else the desktop folder of the platform.
+// Files in the user's desktop folder. When the environment variable "userprofile" is set, that is the folder
+// "desktop" in the folder it names; otherwise it is the platform's desktop folder.
 class QtDesktopFiles : public DesktopFiles {
 public:
-    // A folder that is missing is created. On a disk that is full the file keeps what was written.
+    // Creates the folder when it is missing. When the disk becomes full, the file keeps what was written.
     void Append(const std::string& name, const std::string& text) override;
-    // Where the folder allows it, the old content stays until the new one is complete.
+    // Atomic where the rights of the folder allow a rename.
     void Replace(const std::string& name, const std::string& text) override;
     void Delete(const std::string& name) override;
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kKilledWithinMs = 1000;
 
-// Program and arguments, separated by blanks.
+// Programs with arguments, separated by blanks.
 constexpr const char* kCommandLines[] = {
     "pactl --version",
     "pactl info",
@@ -42,7 +42,7 @@ QByteArray SystemFile(const char* path) {
     return Heading(file.fileName()) + file.read(QtDiagnostics::kMostBytes);
 }
 
-// What needs no program.
+// The part of the report that needs no program.
 QByteArray Beginning() {
     QByteArray text = "Sound devices of this computer, " +
                       QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")).toUtf8() +
@@ -138,7 +138,7 @@ void QtDiagnostics::TakeOutput() {
     EndOf(QStringLiteral("\n(printed more than is kept)"));
 }
 
-// The command is over, or is ended.
+// Ends the command, if it still runs, and adds its output and a remark to the report.
 void QtDiagnostics::EndOf(const QString& remark) {
     QStringList words = process_->arguments();
     words.prepend(process_->program());
@@ -151,7 +151,7 @@ void QtDiagnostics::EndOf(const QString& remark) {
         this, [this] { Next(); }, Qt::QueuedConnection);
 }
 
-// The process object may be calling: it goes when that call has returned, and with it the program.
+// The process object may be the caller, so it is deleted later, and the program with it.
 void QtDiagnostics::Stop() {
     timer_.stop();
     if (!process_) return;

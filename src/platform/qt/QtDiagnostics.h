@@ -15,18 +15,18 @@
 
 namespace sonavex {
 
-// A report made of what the installed programs of the sound system print, one after the other, each with
-// a time limit. They are started directly, without a shell, in the "C" locale and without input.
+// A report of the output of the sound system's installed programs. They run one after the other, each with a
+// time limit. They are started directly, without a shell, in the "C" locale and without input.
 class QtDiagnostics : public QObject, public Diagnostics {
 public:
     struct Command {
         QString program;
         QStringList arguments;
     };
-    // Servers, cards, devices, formats and versions.
+    // Commands that print servers, cards, devices, formats and versions.
     static std::vector<Command> DefaultCommands();
-    static constexpr std::chrono::milliseconds kDefaultLimit{3000};  // of one command
-    static constexpr qint64 kMostBytes = 1 << 20;                    // of one command's output
+    static constexpr std::chrono::milliseconds kDefaultLimit{3000};  // for each command
+    static constexpr qint64 kMostBytes = 1 << 20;                    // of the output of each command
 
     explicit QtDiagnostics(std::vector<Command> commands = DefaultCommands(),
                            std::chrono::milliseconds limit = kDefaultLimit);
@@ -34,7 +34,7 @@ public:
     QtDiagnostics(const QtDiagnostics&) = delete;
     QtDiagnostics& operator=(const QtDiagnostics&) = delete;
 
-    // A program that is not installed is left out; one that has exceeded its limit is not started again.
+    // Skips a program that is not installed, and a program that has exceeded its limit before.
     void Start(Done done) override;
     void Cancel() override;
 
@@ -52,9 +52,9 @@ private:
     std::unique_ptr<QProcess> process_;
     Done done_;
     std::size_t next_ = 0;
-    QSet<QString> unusable_;  // programs that are missing or stuck
+    QSet<QString> unusable_;  // programs that are missing or have exceeded their limit
     bool anyStarted_ = false;
-    QByteArray output_;  // of the command that runs
+    QByteArray output_;  // of the running command
     QByteArray report_;
 };
 

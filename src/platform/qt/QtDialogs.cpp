@@ -28,7 +28,7 @@ QString WithLineBreaks(const std::string& text) {
         .replace(u'\r', u'\n');
 }
 
-// In the box one can click, whatever the program is doing.
+// Shows the arrow while it exists: the user can click in the box even while the program is busy.
 class UsualPointer {
 public:
     explicit UsualPointer(bool needed) : needed_(needed) {
@@ -44,8 +44,8 @@ private:
     bool needed_;
 };
 
-// The window that a box belongs to. Beside the main window and its dialogs there may be windows, such as
-// the help, that go while the box is open.
+// The window that a box belongs to: the main window or one of its dialogs. Other windows, such as the help,
+// may close while the box is open.
 QWidget* Owner() {
     if (QWidget* const modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
     for (QWidget* const window : QApplication::topLevelWidgets())

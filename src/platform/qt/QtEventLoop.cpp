@@ -78,7 +78,7 @@ protected:
 
 private:
     struct Timer {
-        int number = 0;  // the toolkit's, used again after the timer was stopped
+        int number = 0;  // Qt's identifier, which Qt reuses after the timer was stopped
         std::function<void()> handler;
         bool running = false;  // its handler is being called
     };

@@ -29,7 +29,7 @@ std::optional<Side> PanelOf(const QString& commandLine) {
     return std::nullopt;
 }
 
-// Sound settings and the desktop that they are part of, empty for none.
+// Sound settings, and the desktop that they belong to; empty when they belong to none.
 struct Panel {
     const char* desktop;
     ProgramCall recording;
@@ -42,7 +42,7 @@ ProgramCall Call(const char* program, std::initializer_list<const char*> argumen
     return call;
 }
 
-// The same program for both sides.
+// Sound settings with one program for recording and playback.
 Panel Both(const char* desktop, const char* program, std::initializer_list<const char*> arguments) {
     return {desktop, Call(program, arguments), Call(program, arguments)};
 }
@@ -66,7 +66,7 @@ bool Belongs(const Panel& panel, const QStringList& desktops) {
     return *panel.desktop != '\0' && desktops.contains(QLatin1String(panel.desktop), Qt::CaseInsensitive);
 }
 
-// Whether all the programs of a call are there: also the one that a terminal is to show.
+// Whether all programs of a call are installed, including one that runs in a terminal.
 bool Installed(const ProgramCall& call) {
     if (QStandardPaths::findExecutable(call.program).isEmpty()) return false;
     const qsizetype inner = call.arguments.indexOf(QStringLiteral("-e")) + 1;
@@ -85,7 +85,8 @@ std::vector<ProgramCall> QtLauncher::PanelCalls(const QString& commandLine, cons
     if (!side) return calls;
     std::vector<Panel> panels = Panels();
     const QStringList desktops = desktop.split(u':');
-    // The desktop's own first, then what belongs to none, then the other desktops'; terminals last.
+    // First those of this desktop, then those of no desktop, then those of other desktops. The last entry, a
+    // terminal, stays last.
     std::stable_sort(panels.begin(), panels.end() - 1, [&](const Panel& left, const Panel& right) {
         const auto rank = [&](const Panel& panel) {
             return Belongs(panel, desktops) ? 0 : *panel.desktop == '\0' ? 1 : 2;

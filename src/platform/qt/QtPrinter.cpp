@@ -44,7 +44,7 @@ void WriteFile(const std::string& file, const QByteArray& content) {
 
 }  // namespace
 
-// One page on its way to becoming a PDF.
+// A document of one page that is being drawn as PDF.
 class QtPrinter::Document {
 public:
     explicit Document(const PageSetUp& page) : writer_(&buffer_) {
@@ -80,7 +80,7 @@ private:
     QPdfWriter writer_;
     QPainter painter_;
     double baseline_ = 0.0;  // dots below the top of a line
-    double stretch_ = 1.0;   // to the page's character width, whatever font was found
+    double stretch_ = 1.0;   // scales the font to the page's character width
 };
 
 QtPrinter::QtPrinter() = default;

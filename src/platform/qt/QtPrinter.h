@@ -10,9 +10,9 @@
 
 namespace sonavex {
 
-// Documents drawn by the toolkit as PDF; the print system prints them, or they stay as files. A
-// fixed-pitch font of the system stands in where the page's own is not installed; characters keep the
-// page's width. An application object must exist.
+// Draws documents as PDF with Qt and passes them to the print system or stores them as files. When the page's
+// font is not installed, a fixed-pitch font of the system replaces it with the same character width. An
+// application object must exist.
 class QtPrinter : public Printer {
 public:
     QtPrinter();
@@ -22,14 +22,14 @@ public:
 
     InstalledPrinters Printers() override;
     void SetDefaultPrinter(const std::string& name) override;
-    // "Sonavex report.pdf" with a number when that is taken, in the user's folder of documents or, where
-    // there is none, in the home folder.
+    // "Sonavex report.pdf", with a number when that name is taken, in the user's documents folder or, without
+    // one, in the home folder.
     std::string SuggestedFile() override;
     bool FileExists(const std::string& file) override;
     void Select(const PrintDestination& destination) override;
     void BeginPage(const PageSetUp& page) override;
     void Text(double x, double y, std::string_view text) override;
-    // A file is replaced as a whole or not at all. Without a page there is nothing to send.
+    // Replaces a file atomically. Sends nothing when the document has no page.
     void EndDoc() override;
 
 private:
@@ -37,7 +37,7 @@ private:
 
     PrintDestination destination_;
     std::unique_ptr<Document> document_;
-    std::optional<RuntimeError> failure_;  // why the document could not be begun
+    std::optional<RuntimeError> failure_;  // why the document could not be started
 };
 
 }  // namespace sonavex

@@ -13,8 +13,8 @@
 namespace sonavex {
 namespace {
 
-// For other processes that write the file. A writing takes some milliseconds, so only one that was stopped
-// in the middle takes longer.
+// Longest wait for another process that writes the file. A write takes some milliseconds; only a process that
+// was stopped in the middle of one takes longer.
 constexpr std::chrono::milliseconds kLongestWait{2000};
 
 const std::string* Find(const IniSections& sections, std::string_view section, std::string_view key) {
@@ -98,7 +98,7 @@ void QtSettingsStore::Refresh() const {
 
 void QtSettingsStore::Take(const FileReading& reading) const {
     stamp_ = reading.stamp;
-    // What was known before is better than what a damaged or locked file says.
+    // The known values are better than those of a file that is damaged or cannot be read.
     if (!reading.problem.empty()) return;
     if (reading.content.damaged && reading.content.sections.empty()) return;
     known_ = reading.content.sections;
@@ -116,14 +116,14 @@ std::string QtSettingsStore::CreateFolder() const {
 }
 
 bool QtSettingsStore::KeepDamaged(const FileReading& reading) {
-    // A writing that failed has kept it already.
+    // An earlier write that failed has copied it already.
     if (!copy_.empty() && reading.stamp == copied_) return true;
     copy_ = KeepAside(file_);
     copied_ = FileStamp::Of(file_);
     return !copy_.empty();
 }
 
-// Empty for success, otherwise what stands in the way.
+// Returns the reason of a failure, empty for success.
 std::string QtSettingsStore::Replace() {
     if (auto problem = CreateFolder(); !problem.empty()) return problem;
     const FolderLock lock(file_.parent_path(), patient_ ? kLongestWait : std::chrono::milliseconds::zero());

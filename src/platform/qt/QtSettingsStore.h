@@ -14,22 +14,22 @@
 
 namespace sonavex {
 
-// The user's settings in a text file of the form that IniText describes.
+// The user's settings in a text file with the format of IniText.
 //
-// What is saved or deleted is visible at once and is written in one replacement of the file when control
-// returns to the event loop, at the latest when the store is destroyed. Without an application object
-// every call writes. A replacement puts the changes of this run, value by value, on top of what the file
-// holds at that moment: values that others wrote meanwhile are kept, and the last writer of a value wins.
-// Reading looks at the file again whenever it has changed.
+// Changes are visible at once. They are written in one atomic replacement of the file when control returns
+// to the event loop, at the latest when the store is destroyed. Without an application object every call
+// writes. Each write merges the changes of this run, value by value, into the present content of the file:
+// values that other processes wrote are kept, and the last writer of a value wins. Get reads the file again
+// when it has changed.
 //
-// When the file cannot be written, that is reported once; the changes stay in effect for the run and every
-// later writing tries again. A file that is damaged is kept under another name before it is replaced, which
-// is reported once too; a file that exists but cannot be read is never replaced. Another
-// process that writes is waited for, for at most two seconds; then, and until it has ended its writing, this
-// one writes without regard to it.
+// When the file cannot be written, that is reported once. The changes stay in effect for the run, and each
+// later write tries again. A damaged file is copied to another name before it is replaced; that is reported
+// once too. A file that exists and cannot be read is never replaced. A write waits at most two seconds for
+// another process that is writing. After such a timeout, writes do not wait until the lock is free again.
 class QtSettingsStore : public SettingsStore {
 public:
-    // Gets one sentence or two for the user, at the end of a writing; may run an event loop, must not throw.
+    // Receives one or two sentences for the user at the end of a write. May run an event loop; must not
+    // throw.
     using Report = std::function<void(const std::string&)>;
 
     explicit QtSettingsStore(const std::filesystem::path& file = DefaultFile(), Report report = {});
@@ -45,11 +45,11 @@ public:
     void DeleteSection(std::string_view section) override;
     std::string Location() const override { return file_.string(); }
 
-    // Writes what is not written yet, now; false when something stays unwritten.
+    // Writes all changes now. False when that failed.
     bool Write();
 
-    // While one lives, nothing is written except by Write: for a start that may still fail. The changes are
-    // written when control returns to the event loop afterwards. They must not outlive the store.
+    // While one exists, only Write writes: for a start that may still fail. Afterwards the changes are
+    // written when control returns to the event loop. The store must outlive it.
     class HoldWrites {
     public:
         explicit HoldWrites(QtSettingsStore& store) noexcept : store_(store) { ++store_.holds_; }
@@ -60,11 +60,11 @@ public:
     private:
         QtSettingsStore& store_;
     };
-    // Forgets what is not written yet.
+    // Drops the changes that are not written yet.
     void DiscardChanges();
 
 private:
-    // What this run did to the settings and did not write yet: first the deletions, then the values.
+    // Unwritten changes of this run. The deletions are applied before the values.
     struct Changes {
         std::set<std::string, std::less<>> deleted;
         IniSections saved;
@@ -87,12 +87,12 @@ private:
     Changes changes_;
     QTimer writing_;
     int holds_ = 0;
-    bool patient_ = true;  // waits for other processes
+    bool patient_ = true;  // waits for other processes that write
     bool failureReported_ = false;
     bool damageReported_ = false;
-    std::filesystem::path copy_;  // of the damaged file, kept by this run
-    FileStamp copied_;            // the state of the file that it shows
-    // The file as it was read last.
+    std::filesystem::path copy_;  // this run's copy of the damaged file
+    FileStamp copied_;            // stamp of the file when it was copied
+    // The file when it was read last.
     mutable FileStamp stamp_;
     mutable IniSections known_;
 };

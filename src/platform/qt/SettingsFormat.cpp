@@ -13,8 +13,8 @@ namespace {
 
 constexpr QFile::Permissions kOwnerOnly = QFile::ReadOwner | QFile::WriteOwner;
 
-// In between, texts are bytes in the lower half of QString, and names are encoded to letters that the
-// settings class has no use of its own for. The first letter makes empty names possible.
+// Inside QSettings, values are bytes in QString's Latin-1 range, and names are percent-encoded, because
+// QSettings interprets some characters. The first letter allows for empty names.
 QString EncodeName(char first, const std::string& name) {
     return QLatin1String(first + QByteArray::fromStdString(name).toPercentEncoding());
 }
@@ -27,7 +27,7 @@ QString EncodeKey(const std::string& section, const std::string& key) {
     return EncodeName('s', section) + u'/' + EncodeName('k', key);
 }
 
-// The settings class need not know what the file holds, only that it holds something.
+// QSettings needs no values of the existing file, only the fact that it is not empty.
 bool ReadFormat(QIODevice&, QSettings::SettingsMap& map) {
     map.insert(QStringLiteral("present"), QVariant());
     return true;
@@ -44,12 +44,12 @@ bool WriteFormat(QIODevice& device, const QSettings::SettingsMap& map) {
     const QByteArray text = QByteArray::fromStdString(WriteIni(sections));
     auto* const file = qobject_cast<QFileDevice*>(&device);
     if (file != nullptr && !file->setPermissions(kOwnerOnly)) return false;
-    // A part that does not fit on the disk would be lost without a word when the file is completed.
+    // Without flush, a failure on a full disk would go unnoticed when the file is closed.
     return device.write(text) == text.size() && (file == nullptr || file->flush());
 }
 
-// Where a file is not there yet, the toolkit gives the finished one its name in a single step; beside one
-// that is there it would need a third name, of chance letters.
+// QSettings creates a missing file by one rename. To replace an existing file, it would use another temporary
+// file with a random name.
 std::filesystem::path NewFileBeside(const std::filesystem::path& file) {
     return file.string() + ".new";
 }
@@ -63,7 +63,7 @@ QSettings::Format Format() {
 bool Write(const std::filesystem::path& file, const IniSections& sections) {
     QSettings settings(QFile::decodeName(file.c_str()), Format());
     settings.clear();
-    // Not of the file's form, and so not written; with it there is something to write in any case.
+    // Makes QSettings write even when there is no value. WriteFormat leaves this entry out.
     settings.setValue(QStringLiteral("present"), true);
     for (const auto& [section, values] : sections)
         for (const auto& [key, value] : values)
@@ -79,7 +79,7 @@ bool ReplaceIniFile(const std::filesystem::path& file, const IniSections& sectio
     const auto target = std::filesystem::weakly_canonical(file, error);
     if (error) return false;
     const auto next = NewFileBeside(target);
-    // Left by a process that was killed; a lock without an owner would be respected for 30 seconds.
+    // May have been left by a process that was killed. QSettings respects such a lock for 30 seconds.
     std::filesystem::remove(next, error);
     std::filesystem::remove(next.string() + ".lock", error);
     if (!Write(next, sections)) return false;

@@ -13,10 +13,10 @@ namespace {
 
 constexpr std::array<int, 3> kSignals{SIGTERM, SIGINT, SIGHUP};
 
-std::array<int, 2> g_pipe{-1, -1};  // NOLINT(readability-identifier-naming): a handler knows no object
+std::array<int, 2> g_pipe{-1, -1};  // NOLINT(readability-identifier-naming): a signal handler has no object
 std::array<struct sigaction, kSignals.size()> g_before;  // NOLINT(readability-identifier-naming)
 
-// Only what a signal handler may do: one byte into the pipe.
+// Writes one byte into the pipe: a signal handler may do little more.
 void OnSignal(int) {
     const int error = errno;
     const char byte = 0;

@@ -6,8 +6,8 @@
 
 namespace sonavex {
 
-// The system's polite requests to end the program (SIGTERM, SIGINT, SIGHUP), delivered by the event
-// loop. One object at a time; after it the signals do again what they did before.
+// Delivers the system's requests to end the program (SIGTERM, SIGINT, SIGHUP) through the event loop. One
+// object at a time. Its destructor restores the earlier signal handlers.
 class TerminationSignals {
 public:
     explicit TerminationSignals(std::function<void()> requested);

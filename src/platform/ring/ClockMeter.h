@@ -9,17 +9,17 @@
 
 namespace sonavex {
 
-// Compares a device's clock with the system's: how much further the frames that the device has moved
-// reach, at their nominal rate, than the time that has passed since the first of them. A device whose
-// clock is fast gains. Moved is for one audio thread, Lead for any; neither locks nor allocates.
+// Compares the clock of a device with that of the system. The lead is the duration of the frames that the
+// device has moved, at their nominal rate, less the time since the first of them. The lead of a device with a
+// fast clock grows. Moved is for one audio thread, Lead for any; neither takes a lock or memory.
 class ClockMeter {
 public:
     using Clock = std::chrono::steady_clock;
 
     explicit ClockMeter(std::uint32_t rateHz) noexcept : rateHz_(rateHz) {}
 
-    // The device has moved so many frames more, at this time; `behind` of all that were ever moved it
-    // has still to play.
+    // The device took or delivered this many more frames at this time. `behind` counts the frames that it
+    // took and has not played yet.
     void Moved(std::size_t frames, std::size_t behind, Clock::time_point now = Clock::now()) noexcept {
         total_ += frames;
         const auto reached = static_cast<std::int64_t>(total_) - static_cast<std::int64_t>(behind);
@@ -28,7 +28,7 @@ public:
         leadNs_.store(Nanoseconds(reached) - passed, std::memory_order_relaxed);
     }
 
-    // Nothing before the first frames.
+    // Null before the first frames.
     std::optional<std::chrono::nanoseconds> Lead() const noexcept {
         const std::int64_t lead = leadNs_.load(std::memory_order_relaxed);
         if (lead == kUnknown) return std::nullopt;
@@ -38,7 +38,7 @@ public:
 private:
     static constexpr std::int64_t kUnknown = std::numeric_limits<std::int64_t>::min();
 
-    // Whole seconds first: the product of a day's frames and a second would overflow.
+    // Whole seconds are converted apart, because a day's frames times a second in nanoseconds overflow.
     std::int64_t Nanoseconds(std::int64_t frames) const noexcept {
         return frames / rateHz_ * kSecondNs + frames % rateHz_ * kSecondNs / rateHz_;
     }

@@ -22,7 +22,7 @@ PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
     Place next{};
     do {
         next.frame = static_cast<std::uint32_t>((old.frame + frames) % frames_.Size());
-        // Saturates: beyond the ring's length the count only has to stay large.
+        // Saturates: a count above the ring's length has no further meaning.
         const std::uint64_t handed = std::uint64_t{old.handedOver} + frames;
         next.handedOver = static_cast<std::uint32_t>(std::min<std::uint64_t>(handed, kMostHandedOver));
     } while (!place_.compare_exchange_weak(old, next));
@@ -38,7 +38,7 @@ void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t d
     if (!audible_) gain_ = rampTarget_ = targetGain_.load();
     audible_ = true;
     const Place from = Claim(frames);
-    // Beyond the ring's length the delay only has to stay large.
+    // Saturates as the count of frames does.
     delay_.store(static_cast<std::uint32_t>(std::min<std::size_t>(deviceDelay + frames, kMostHandedOver)));
     std::size_t at = from.frame;
     for (std::size_t i = 0; i < frames; ++i) {

@@ -12,8 +12,8 @@ namespace sonavex {
 
 inline constexpr std::int32_t kFrameBytes = 4;
 
-// The memory of a ring, one atomic word a frame: a reader that is overtaken by the writer gets old
-// or new frames, never half a frame.
+// The memory of a ring, one atomic word for each frame. A reader that is overtaken by the writer gets old or
+// new frames, never a mixture of both in one frame. Store and Load are for any thread.
 class RingFrames {
 public:
     // Bytes must be a positive multiple of a frame (error 5).

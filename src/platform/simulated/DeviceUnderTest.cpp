@@ -11,11 +11,11 @@ namespace {
 constexpr double kFullScale = 32768.0;
 constexpr int kLowestSample = -32768;
 constexpr int kSampleValues = 65536;
-constexpr std::size_t kTaps = 32;  // of the fractional-delay interpolator; even
+constexpr std::size_t kTaps = 32;  // length of the fractional-delay interpolator; even
 
 constexpr double kHalfWidth = kTaps / 2.0;
 
-// Frames from the left one of the two in the middle of the window.
+// Position of a tap in frames, relative to the left one of the two middle taps.
 double Place(std::size_t tap) noexcept {
     return static_cast<double>(tap) - (kHalfWidth - 1.0);
 }
@@ -34,9 +34,9 @@ std::array<Turn, kTaps> TurnsOfPlaces() {
     return turns;
 }
 
-// Blackman-windowed sinc for the values at phase, 0 to 1, right of the middle's left frame. With
-// x = place - phase: sin(pi x) is the sine of the phase with the sign of every other place, and the
-// cosine of the window's turn comes from those of place and phase.
+// Blackman-windowed sinc for the value at phase, 0 to 1, to the right of the left middle frame. With
+// x = place - phase, |sin(pi x)| equals |sin(pi phase)| and only the sign alternates, and the window's cosine
+// follows from those of place and phase by the addition theorem.
 std::array<double, kTaps> InterpolatorTaps(double phase) noexcept {
     static const std::array<Turn, kTaps> turns = TurnsOfPlaces();
     const double sine = std::sin(std::numbers::pi * phase);

@@ -8,31 +8,31 @@
 
 namespace sonavex {
 
-// What stands between the simulated card's output and its input. Samples are in units of a 16-bit
-// step (full scale 32768). With the defaults the device is a piece of wire: every sample comes back
-// unchanged.
+// The device between the output and the input of the simulated card. Samples are in units of a 16-bit step
+// (full scale 32768). The default device is a wire: every sample comes back unchanged.
 struct DeviceUnderTestModel {
     double gain = 1.0;
 
     // Harmonics of a sine whose peak at the device's input is referencePeak: element n - 2 is the
-    // amplitude of harmonic n relative to the fundamental (n = 2, 3, ...). Made with Chebyshev
-    // polynomials of the first kind, T_n(cos x) = cos(n x), so each order is exact and alone.
+    // amplitude of harmonic n relative to the fundamental (n = 2, 3, ...). They are made by Chebyshev
+    // polynomials of the first kind, T_n(cos x) = cos(n x), so each amplitude is exact and adds no other
+    // harmonic.
     std::vector<double> harmonicAmplitudes;
     double referencePeak = 8191.75;
 
     // Static curve: output = full scale x sum over n of polynomial[n] x (input / full scale)^n. Empty
-    // for none.
+    // for no curve.
     std::vector<double> polynomial;
 
-    // Hard limit of both signs, in 16-bit steps; 0 for none.
+    // Hard limit of both signs, in 16-bit steps; 0 for no limit.
     double clipAt = 0.0;
 
     double dcOffset = 0.0;  // 16-bit steps
-    double noiseRms = 0.0;  // Gaussian, each channel its own, 16-bit steps
+    double noiseRms = 0.0;  // Gaussian, independent for each channel, 16-bit steps
     std::uint32_t noiseSeed = 1;
 
     std::uint32_t delayFrames = 0;
-    // How much faster than the playback clock the capture clock runs, in parts per million.
+    // Parts per million by which the capture clock is faster than the playback clock.
     double clockOffsetPpm = 0.0;
 };
 
@@ -41,7 +41,7 @@ class DeviceUnderTest {
 public:
     explicit DeviceUnderTest(DeviceUnderTestModel model);
 
-    // Frames of playback that Process needs to make this many frames of capture.
+    // The number of playback frames that Process needs for this many capture frames.
     std::size_t FramesNeeded(std::size_t captureFrames) const noexcept;
 
     // played: interleaved stereo, exactly FramesNeeded frames. captured: interleaved stereo.
@@ -61,13 +61,13 @@ private:
     DeviceUnderTestModel model_;
     std::mt19937 random_;
     std::normal_distribution<double> normal_;
-    // Played frames already through the delay, oldest first; the interpolation looks at all of them.
+    // Played frames after the delay, oldest first. The interpolation uses all of them.
     std::vector<double> history_;
     std::vector<std::int16_t> delayLine_;
     std::size_t delayAt_ = 0;
     double ratio_;        // playback frames per capture frame
-    double phase_ = 0.0;  // 0 to 1: place between two remembered frames
-    // Converted values of all samples, from the lowest; empty where noise or the clock comes between.
+    double phase_ = 0.0;  // 0 to 1: position between the two middle frames of history_
+    // Output for every input sample, from the lowest. Empty when noise or the clock offset rules a table out.
     std::vector<std::int16_t> table_;
 };
 

@@ -10,7 +10,7 @@ namespace {
 constexpr double kBassCornerHz = 250.0;
 constexpr double kMidCentreHz = 1000.0;
 constexpr double kTrebleCornerHz = 4000.0;
-// Low rates bring the filters down with them.
+// Limits the corner frequencies at low sampling rates.
 constexpr double kHighestPartOfRate = 0.2;
 constexpr double kShelfQ = std::numbers::sqrt2 / 2.0;
 constexpr double kMidQ = 0.8;
@@ -44,7 +44,7 @@ void MixerPath::Filter::Design(const std::array<double, 3>& b, const std::array<
     a2 = a[2] / a[0];
 }
 
-// The usual shelving filter by the bilinear transform; the high shelf is the low one mirrored.
+// Shelving filter by the bilinear transform. The high shelf is the mirrored low shelf.
 void MixerPath::Filter::Shelf(double gainDb, double cornerHz, double rateHz, bool high) noexcept {
     inUse = gainDb != 0.0;
     const double turn = 2.0 * std::numbers::pi * std::min(cornerHz / rateHz, kHighestPartOfRate);

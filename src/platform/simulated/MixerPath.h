@@ -7,34 +7,34 @@
 
 namespace sonavex {
 
-// Gains of the simulated card's mixer, left and right; 1 leaves the samples as they are.
+// Gains of the simulated card's mixer, left and right. A gain of 1 leaves the samples unchanged.
 struct MixerGains {
     using Pair = std::array<double, 2>;
 
-    Pair wave{1.0, 1.0};     // what is played
-    Pair line{0.0, 0.0};     // from the line input to the output
-    Pair mic{0.0, 0.0};      // from the microphone input to the output
-    Pair monitor{0.0, 0.0};  // from what is recorded to the output
-    Pair master{1.0, 1.0};   // of the sum of these
-    Pair record{1.0, 1.0};   // from the input that is recorded to the capture
+    Pair wave{1.0, 1.0};     // playback to the output
+    Pair line{0.0, 0.0};     // line input to the output
+    Pair mic{0.0, 0.0};      // microphone input to the output
+    Pair monitor{0.0, 0.0};  // recorded signal to the output
+    Pair master{1.0, 1.0};   // sum of the above to the output
+    Pair record{1.0, 1.0};   // selected input to the capture
 
-    // Tone of the output, decibels.
+    // Tone control of the output, decibels.
     double bassDb = 0.0;
     double midDb = 0.0;
     double trebleDb = 0.0;
 };
 
-// The simulated card's mixer as a signal path: before the device under test and after it. The device's
-// output is wired to both inputs. What comes back to the output does so one device period later. With
-// the gains as they are by default every sample passes unchanged. One thread at a time.
+// The signal path of the simulated card's mixer, before and after the device under test. The device's output
+// is wired to both inputs. Inputs that are mixed into the output arrive there one device period later. With
+// the default gains every sample passes unchanged. One thread at a time.
 class MixerPath {
 public:
     void SetGains(const MixerGains& gains);
-    // The tone filters depend on it.
+    // Sets the rate that the tone filters are designed for.
     void SetRate(std::uint32_t rateHz);
 
-    // Interleaved stereo, in place: from what is played to the device under test, and from there to
-    // what is captured.
+    // Interleaved stereo, in place. ProcessOutput turns playback into the input of the device under test,
+    // ProcessInput turns the device's output into capture.
     void ProcessOutput(std::span<std::int16_t> samples);
     void ProcessInput(std::span<std::int16_t> samples);
 
@@ -57,7 +57,7 @@ private:
     MixerGains gains_;
     double rateHz_ = 48000.0;
     std::array<Filter, 3> tones_;
-    // The last period at the inputs, and as it was recorded.
+    // The last period, at the inputs and after the record gain.
     std::vector<std::int16_t> input_;
     std::vector<std::int16_t> recorded_;
 };
