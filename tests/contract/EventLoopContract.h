@@ -148,17 +148,17 @@ TYPED_TEST_P(EventLoopContract, AnErrorInAHandlerLeavesTheOthersWaiting) {
 }
 
 TYPED_TEST_P(EventLoopContract, RingFromAnotherThreadWakesTheLoop) {
-    bool rung = false;
+    bool delivered = false;
     std::thread::id on;
     const auto signal = this->Loop().CreateSignal([&] {
-        rung = true;
+        delivered = true;
         on = std::this_thread::get_id();
     });
     std::thread other([&] {
         std::this_thread::sleep_for(20ms);
         signal->Raise();
     });
-    EXPECT_TRUE(this->RunUntil([&] { return rung; }, 10s));
+    EXPECT_TRUE(this->RunUntil([&] { return delivered; }, 10s));
     other.join();
     EXPECT_EQ(on, std::this_thread::get_id());
 }

@@ -8,23 +8,23 @@ namespace sonavex {
 class VirtualEventLoop::QueuedSignal : public Signal {
 public:
     QueuedSignal(VirtualEventLoop& loop, std::function<void()> handler)
-        : loop_(loop), bell_(std::make_shared<Bell>()) {
-        bell_->handler = std::move(handler);
+        : loop_(loop), entry_(std::make_shared<Entry>()) {
+        entry_->handler = std::move(handler);
     }
-    ~QueuedSignal() override { bell_->destroyed = true; }
+    ~QueuedSignal() override { entry_->destroyed = true; }
     QueuedSignal(const QueuedSignal&) = delete;
     QueuedSignal& operator=(const QueuedSignal&) = delete;
 
     bool Raise() noexcept override {
-        if (bell_->queued) return false;
-        bell_->queued = true;
-        loop_.waiting_.push_back(bell_);
+        if (entry_->queued) return false;
+        entry_->queued = true;
+        loop_.waiting_.push_back(entry_);
         return true;
     }
 
 private:
     VirtualEventLoop& loop_;
-    std::shared_ptr<Bell> bell_;
+    std::shared_ptr<Entry> entry_;
 };
 
 std::unique_ptr<Signal> VirtualEventLoop::CreateSignal(std::function<void()> handler) {
@@ -38,10 +38,10 @@ EventLoop::TimerId VirtualEventLoop::StartTimer(std::chrono::milliseconds interv
 }
 
 void VirtualEventLoop::DeliverNextSignal() {
-    const auto bell = waiting_.front();
+    const auto entry = waiting_.front();
     waiting_.pop_front();
-    bell->queued = false;
-    if (!bell->destroyed) bell->handler();
+    entry->queued = false;
+    if (!entry->destroyed) entry->handler();
 }
 
 void VirtualEventLoop::Skip(std::chrono::nanoseconds time) {

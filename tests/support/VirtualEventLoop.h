@@ -35,7 +35,7 @@ public:
     std::chrono::milliseconds Interval() const;
 
 private:
-    struct Bell {
+    struct Entry {
         std::function<void()> handler;
         bool queued = false;
         bool destroyed = false;
@@ -50,7 +50,7 @@ private:
     void DeliverNextSignal();
     void RunTimersDueBy(std::chrono::nanoseconds time);
 
-    std::deque<std::shared_ptr<Bell>> waiting_;
+    std::deque<std::shared_ptr<Entry>> waiting_;
     std::map<TimerId, Timer> timers_;
     TimerId lastTimer_ = 0;
     std::chrono::nanoseconds now_{0};

@@ -13,14 +13,14 @@ namespace {
 constexpr std::int32_t kCaptureBytes = 32768;
 constexpr std::int32_t kSegmentFrames = 2048;
 
-// A bell that counts its rings and answers as told.
-class CountingBell : public Signal {
+// Counts how often it is raised. `accept` is the result of Raise.
+class CountingSignal : public Signal {
 public:
     bool Raise() noexcept override {
-        ++rings;
+        ++raised;
         return accept;
     }
-    int rings = 0;
+    int raised = 0;
     bool accept = true;
 };
 
@@ -29,8 +29,8 @@ protected:
     CaptureRingTest() {
         std::vector<CaptureRing::Position> positions;
         for (std::int32_t segment = 0; segment < 4; ++segment) {
-            bells_.push_back(std::make_shared<CountingBell>());
-            positions.push_back({segment * 8192 + 8191, bells_.back()});
+            signals_.push_back(std::make_shared<CountingSignal>());
+            positions.push_back({segment * 8192 + 8191, signals_.back()});
         }
         ring_.SetPositions(positions);
     }
@@ -49,12 +49,12 @@ protected:
         return samples;
     }
     std::vector<int> Rings() const {
-        std::vector<int> rings;
-        for (const auto& bell : bells_) rings.push_back(bell->rings);
-        return rings;
+        std::vector<int> raised;
+        for (const auto& signal : signals_) raised.push_back(signal->raised);
+        return raised;
     }
 
-    std::vector<std::shared_ptr<CountingBell>> bells_;
+    std::vector<std::shared_ptr<CountingSignal>> signals_;
     CaptureRing ring_{kCaptureBytes};
 };
 
@@ -122,7 +122,7 @@ TEST_F(CaptureRingTest, OnePushMayPassSeveralPositions) {
 
 TEST_F(CaptureRingTest, CountsRingsThatWereStillWaitingAsLost) {
     ring_.Start();
-    bells_[1]->accept = false;
+    signals_[1]->accept = false;
     Push(0, 4 * kSegmentFrames);
     EXPECT_EQ(ring_.Statistics().segmentsCompleted, 4U);
     EXPECT_EQ(ring_.Statistics().segmentsLost, 1U);
@@ -161,7 +161,7 @@ TEST_F(CaptureRingTest, PositionsAreForAStoppedRing) {
 TEST_F(CaptureRingTest, RefusesPositionsOutsideAndWithoutBell) {
     for (const std::int32_t offset : {-1, kCaptureBytes, kCaptureBytes + 1})
         EXPECT_EQ(ErrorOf([&] {
-                      return ring_.SetPositions({{offset, bells_[0]}}), 0;
+                      return ring_.SetPositions({{offset, signals_[0]}}), 0;
                   }),
                   error_number::kInvalidCall)
             << offset;

@@ -42,13 +42,13 @@ TEST_F(NotificationHubTest, DestroyingDiscardsWhatIsWaiting) {
     EXPECT_EQ(delivered_, Events{});
 }
 
-TEST_F(NotificationHubTest, ABellStillHeldRingsForNobody) {
+TEST_F(NotificationHubTest, RaisingTheSignalOfADestroyedEventHasNoEffect) {
     const EventHandle event = Create();
-    const std::shared_ptr<Signal> bell = hub_.SignalOf(event);
-    bell->Raise();
+    const std::shared_ptr<Signal> signal = hub_.SignalOf(event);
+    signal->Raise();
     hub_.Destroy(event);
     loop_.Yield();
-    bell->Raise();
+    signal->Raise();
     loop_.Yield();
     EXPECT_EQ(delivered_, Events{});
 }
@@ -59,10 +59,10 @@ TEST_F(NotificationHubTest, AHandlerMayDestroyItsOwnEvent) {
         hub_.Destroy(self);
         delivered_.push_back(event);
     });
-    const std::shared_ptr<Signal> bell = hub_.SignalOf(event);
-    bell->Raise();
+    const std::shared_ptr<Signal> signal = hub_.SignalOf(event);
+    signal->Raise();
     loop_.Yield();
-    bell->Raise();
+    signal->Raise();
     loop_.Yield();
     EXPECT_EQ(delivered_, Events{event});
 }
