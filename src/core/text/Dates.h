@@ -11,7 +11,7 @@ struct CalendarDate {
     int day = 1;
 };
 
-// A point in time on the clock of a time zone.
+// A date and time in the local time zone.
 struct DateTime {
     int year = 0;
     int month = 0;
