@@ -4,11 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/support/BlockSize.h"
+
 // How much sound an adapter lets wait between a ring and its device. The stream engine works on blocks
 // of 2048 frames and keeps its cursors three blocks apart.
 namespace sonavex::stream_timing {
 
-inline constexpr std::uint32_t kBlockFrames = 2048;
 // The longest output delay that the engine's distance between the cursors allows for.
 inline constexpr std::size_t kMostDelayFrames = 3 * std::size_t{kBlockFrames};
 
@@ -19,14 +20,14 @@ constexpr std::uint32_t FramesOf(std::uint32_t rateHz, std::uint32_t millisecond
 // Frames to keep in the device's playback buffer: enough to outlast a busy moment of the machine, and few
 // enough to leave the delay far below three blocks even when a server adds its own.
 constexpr std::uint32_t PlaybackFrames(std::uint32_t rateHz) noexcept {
-    return std::max(std::min(FramesOf(rateHz, 80), kBlockFrames * 3 / 2), 16U);
+    return std::max(std::min(FramesOf(rateHz, 80), std::uint32_t{kBlockFrames * 3 / 2}), 16U);
 }
 
 // Frames that the device delivers at a time. Few compared to a block, so that the end of a block is
 // noticed soon after it was captured. Not fewer, because PipeWire runs its whole graph at the next lower
 // power of two.
 constexpr std::uint32_t CaptureFrames(std::uint32_t rateHz) noexcept {
-    return std::clamp(FramesOf(rateHz, 12), 16U, kBlockFrames / 4);
+    return std::clamp(FramesOf(rateHz, 12), 16U, std::uint32_t{kBlockFrames / 4});
 }
 
 }  // namespace sonavex::stream_timing
