@@ -39,13 +39,13 @@ std::string BytesOf(const std::filesystem::path& path) {
 }
 
 TEST(FileOutput, IsSixteenBitStereoOfWholeBlocks) {
-    const RecordingFile file({22050, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT, 20 * kBlockFrames + 100},
+    const RecordingFile file({22050, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT, 20 * kRecordedBlockFrames + 100},
                              Sine(1000.0, 22050, 0.5));
     const Samples output = OutputOf(file, {});
     EXPECT_EQ(output.format, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     EXPECT_EQ(output.channels, 2);
     EXPECT_EQ(output.rateHz, 22050);
-    EXPECT_EQ(output.frames, 20 * kBlockFrames);
+    EXPECT_EQ(output.frames, 20 * kRecordedBlockFrames);
 }
 
 TEST(FileOutput, MutedIsSilentWithoutTone) {
@@ -82,7 +82,7 @@ TEST(FileOutput, WithoutMuteTheInputComesDelayed) {
         return channel == 0 ? left(frame, 0) : right(frame, 1);
     });
     const Samples output = OutputOf(file, {"--no-mute"});
-    for (std::int64_t i = kBlockFrames; i < output.frames; ++i) {
+    for (std::int64_t i = kRecordedBlockFrames; i < output.frames; ++i) {
         const double time = (static_cast<double>(i) - 1023.5) / 48000.0;
         ASSERT_NEAR(output.At(i, 0), 16384.0 * std::sin(2.0 * std::numbers::pi * 1000.0 * time), 4.0) << i;
         ASSERT_NEAR(output.At(i, 1), 8192.0 * std::sin(2.0 * std::numbers::pi * 3000.0 * time), 4.0) << i;
@@ -93,7 +93,7 @@ TEST(FileOutput, WithoutMuteTheBandEndsBelowAndAbove) {
     // At this rate the band-pass is sharp: full from 30 Hz on, nothing at 10 Hz and at 1970 Hz.
     const auto gainAt = [](double frequencyHz) {
         const RecordingFile file({4000, 1}, Sine(frequencyHz, 4000, 0.5));
-        return AmplitudeFrom(OutputOf(file, {"--no-mute"}), 2 * kBlockFrames) / 16384.0;
+        return AmplitudeFrom(OutputOf(file, {"--no-mute"}), 2 * kRecordedBlockFrames) / 16384.0;
     };
     EXPECT_LT(gainAt(10.0), 0.001);
     EXPECT_NEAR(gainAt(40.0), 1.0, 0.01);
@@ -107,7 +107,7 @@ TEST(FileOutput, LowEdgeMovesTheBand) {
     const auto gainWith = [&](const Arguments& more) {
         Arguments arguments{"--no-mute"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        return AmplitudeFrom(OutputOf(file, arguments), 2 * kBlockFrames) / 16384.0;
+        return AmplitudeFrom(OutputOf(file, arguments), 2 * kRecordedBlockFrames) / 16384.0;
     };
     const double at25 = gainWith({"--low-edge", "25"});
     const double at20 = gainWith({"--low-edge", "20"});
@@ -125,7 +125,7 @@ TEST(FileOutput, SweepAdvancesByTheTimeOfTheBlocks) {
         double first = -1.0;
         double last = -1.0;
         int periods = -1;
-        for (std::int64_t i = block * kBlockFrames + 1; i < (block + 1) * kBlockFrames; ++i) {
+        for (std::int64_t i = block * kRecordedBlockFrames + 1; i < (block + 1) * kRecordedBlockFrames; ++i) {
             const double before = output.At(i - 1, 0);
             const double now = output.At(i, 0);
             if (!(before < 0.0 && now >= 0.0)) continue;

@@ -127,11 +127,12 @@ TEST(File, ValuesThatAreNoNumbersAreSilent) {
 }
 
 TEST(File, RemainderIsDropped) {
-    for (const std::int64_t rest : {std::int64_t{0}, std::int64_t{1}, kBlockFrames - 1}) {
-        const RecordingFile file({32000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 18 * kBlockFrames + rest},
-                                 Sine(1000.0, 32000, 0.5));
+    for (const std::int64_t rest : {std::int64_t{0}, std::int64_t{1}, kRecordedBlockFrames - 1}) {
+        const RecordingFile file(
+            {32000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 18 * kRecordedBlockFrames + rest},
+            Sine(1000.0, 32000, 0.5));
         EXPECT_EQ(Updates(MeasureFile(file, {"--write", file.Other("out.wav")}), 0).size(), 1U);
-        EXPECT_EQ(ReadSamples(file.Other("out.wav")).frames, 18 * kBlockFrames);
+        EXPECT_EQ(ReadSamples(file.Other("out.wav")).frames, 18 * kRecordedBlockFrames);
     }
 }
 
@@ -148,15 +149,15 @@ TEST(File, FirstCycleAveragesEighteenBlocksOverNineteen) {
 }
 
 TEST(File, FewerThanEighteenBlocksGiveNoReading) {
-    for (const std::int64_t frames : {std::int64_t{1}, kBlockFrames, 18 * kBlockFrames - 1}) {
+    for (const std::int64_t frames : {std::int64_t{1}, kRecordedBlockFrames, 18 * kRecordedBlockFrames - 1}) {
         const RecordingFile file({32000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16, frames},
                                  Sine(1000.0, 32000, 0.5));
         const Outcome outcome = MeasureFile(file);
         EXPECT_EQ(outcome.status, 2);
         EXPECT_EQ(outcome.output, "");
-        EXPECT_EQ(outcome.errors,
-                  "sonavex-measure: The recording is too short: " + std::to_string(frames / kBlockFrames) +
-                      " of the 18 blocks of 2048 frames that a reading needs.\n");
+        EXPECT_EQ(outcome.errors, "sonavex-measure: The recording is too short: " +
+                                      std::to_string(frames / kRecordedBlockFrames) +
+                                      " of the 18 blocks of 2048 frames that a reading needs.\n");
     }
 }
 
@@ -183,13 +184,13 @@ TEST(File, NeverLockedIsAStatusOfItsOwn) {
 }
 
 TEST(File, LostLockUnsettlesTheCycle) {
-    const std::int64_t gap = 20 * kBlockFrames;
+    const std::int64_t gap = 20 * kRecordedBlockFrames;
     const RecordedSignal tone = Sine(1000.0, 32000, 0.5);
-    const RecordingFile file({32000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 56 * kBlockFrames},
-                             [&](std::int64_t frame, int channel) {
-                                 return frame >= gap && frame < gap + kBlockFrames ? 0.0
-                                                                                   : tone(frame, channel);
-                             });
+    const RecordingFile file(
+        {32000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 56 * kRecordedBlockFrames},
+        [&](std::int64_t frame, int channel) {
+            return frame >= gap && frame < gap + kRecordedBlockFrames ? 0.0 : tone(frame, channel);
+        });
     const std::vector<ordered_json> lines = Updates(MeasureFile(file), 0);
     ASSERT_EQ(lines.size(), 3U);
     EXPECT_EQ(lines[1]["settled"], false);

@@ -7,11 +7,13 @@
 #include <functional>
 #include <vector>
 
+#include "core/support/BlockSize.h"
 #include "support/ChildProcess.h"
 
 namespace sonavex {
 
-inline constexpr std::int64_t kBlockFrames = 2048;
+// Frames of a block, as a frame count of a recording.
+inline constexpr std::int64_t kRecordedBlockFrames{kBlockFrames};
 
 // Value of a sample, full scale 1, at a frame of a channel.
 using RecordedSignal = std::function<double(std::int64_t frame, int channel)>;
@@ -21,7 +23,7 @@ struct Recording {
     std::int32_t rateHz = 32000;
     int channels = 2;
     int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    std::int64_t frames = 37 * kBlockFrames;
+    std::int64_t frames = 37 * kRecordedBlockFrames;
 };
 
 // Writes one. Values beyond full scale clip, except in floating-point formats.
