@@ -1,4 +1,4 @@
-"""The check of the includes, tools/arrows.py, on small source trees of its own."""
+"""Tests of tools/arrows.py on small temporary source trees."""
 
 import pathlib
 import subprocess
