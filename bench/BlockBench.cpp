@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <numbers>
 
-#include "core/shell/Meter.h"
+#include "core/audio/Meter.h"
 
 namespace {
 

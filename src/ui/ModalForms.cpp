@@ -8,8 +8,7 @@
 namespace sonavex::ui {
 
 void ModalForms::ShowDevices() {
-    frmDevices devices(world_.form.DevicesEnvironment(world_.files, world_.help),
-                       world_.form.DevicesControls());
+    frmDevices devices(world_.form.DevicesNeeds(world_.files, world_.help), world_.form.DevicesLabels());
     DeviceDialog dialog(devices, world_.form.Guard);
     dialog.Run();
 }

@@ -8,14 +8,14 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/Instrument.h"
+#include "fuzz/FuzzRig.h"
 #include "platform/plain/IniText.h"
 
 namespace sonavex {
 namespace {
 
+using fuzz::FuzzRig;
 using fuzz::Input;
-using fuzz::Instrument;
 using fuzz::Require;
 
 struct PlacedKey {
@@ -93,7 +93,7 @@ bool StoreFile(Input& input, SettingsStore& store) {
 }
 
 // Every tone that is stored sounds, and so does the current signal.
-void Play(Instrument& instrument, int blocks) {
+void Play(FuzzRig& instrument, int blocks) {
     MemoryControls& memory = instrument.form.Signals.Memory;
     instrument.Step(blocks);
     instrument.Act([&] {
@@ -110,7 +110,7 @@ void Play(Instrument& instrument, int blocks) {
 }
 
 bool Run(SettingsStore& store, std::int32_t generation, bool plainText, int blocks) {
-    Instrument instrument(store, generation, plainText);
+    FuzzRig instrument(store, generation, plainText);
     if (!instrument.Start()) return false;
     Play(instrument, blocks);
     const std::size_t before = instrument.ErrorsTold();
@@ -131,12 +131,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MemorySettingsStore store;
     const bool plainText = (head & 2U) != 0 ? StoreFile(input, store) : StoreValues(input, store);
     if (Run(store, generation, plainText, blocks)) {
-        Instrument next(store, generation, plainText);
+        FuzzRig next(store, generation, plainText);
         const bool started = next.Start();
         Require(started, "what was stored at the end starts the instrument", next.log.Lines().back());
     } else {
         MemorySettingsStore none;
-        Instrument next(none, generation, true);
+        FuzzRig next(none, generation, true);
         Require(next.Start(), "without settings the instrument starts");
     }
     return 0;

@@ -3,13 +3,13 @@
 
 #include <array>
 
-#include "fuzz/Instrument.h"
+#include "fuzz/FuzzRig.h"
 
 namespace sonavex {
 namespace {
 
+using fuzz::FuzzRig;
 using fuzz::Input;
-using fuzz::Instrument;
 using fuzz::Require;
 
 constexpr int kMostActions = 60;
@@ -18,7 +18,7 @@ constexpr std::uint8_t kMostBlocks = 20;
 // The hands of the user.
 class User {
 public:
-    User(Instrument& instrument, Input& input) : instrument_(instrument), input_(input) {
+    User(FuzzRig& instrument, Input& input) : instrument_(instrument), input_(input) {
         instrument_.print.ShowPrintDialog = [this](frmPrint& dialog) { FillPrintDialog(dialog); };
         instrument_.InDeviceDialog = [this](frmDevices& dialog) { FillDeviceDialog(dialog); };
     }
@@ -133,7 +133,7 @@ private:
         if (input_.Byte() % 4U == 0) dialog.cmdCancel.Press();
     }
 
-    Instrument& instrument_;
+    FuzzRig& instrument_;
     Input& input_;
 };
 
@@ -146,7 +146,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::int32_t generation = (input.Byte() & 1U) != 0 ? 5 : 10;
     MemorySettingsStore store;
     {
-        Instrument instrument(store, generation, true);
+        FuzzRig instrument(store, generation, true);
         Require(instrument.Start(), "without settings the instrument starts");
         User user(instrument, input);
         for (int action = 0; action < kMostActions && !input.AtEnd() && !instrument.Ended(); ++action)
@@ -156,7 +156,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         instrument.ShutDown();
         Require(instrument.ErrorsTold() == before, "the shutdown succeeds");
     }
-    Instrument next(store, generation, true);
+    FuzzRig next(store, generation, true);
     const bool started = next.Start();
     Require(started, "what was stored at the end starts the instrument", next.log.Lines().back());
     return 0;

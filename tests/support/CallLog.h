@@ -40,6 +40,15 @@ public:
     }
     std::size_t Count(std::string_view operation) const { return Of(operation).size(); }
 
+    // The line before the first one of this operation, that line, and the one after it; empty without all
+    // three.
+    std::vector<std::string> Around(std::string_view operation) const {
+        for (std::size_t i = 1; i + 1 < lines_.size(); ++i)
+            if (lines_[i].substr(0, lines_[i].find(' ')) == operation)
+                return {lines_[i - 1], lines_[i], lines_[i + 1]};
+        return {};
+    }
+
 private:
     std::vector<std::string> lines_;
     std::map<std::string, RuntimeError> failing_;

@@ -13,11 +13,13 @@ struct DevicesRig : EngineBench {
     explicit DevicesRig(std::int32_t osMajorVersion = 10) : EngineBench(osMajorVersion) {
         form.OnUnloaded = [this] { ++unloads; };
         form.Frame.SetSize(500, 300);
-        for (CommandButton* button : {&startCurrent, &startMemory})
+        for (CommandButton* button : {&startCurrent, &startMemory}) {
+            button->SetEnabled(true);
             button->Click.Handle([this, button] {
                 log.Note("Press " + button->Caption());
                 button->SetCaption("Start");
             });
+        }
     }
     std::string Stored(const char* key) const { return store.Get("SoundCard", key, "(absent)"); }
     // Loads the form and forgets what that recorded.
@@ -37,11 +39,17 @@ struct DevicesRig : EngineBench {
     MemoryDesktopFiles files{log};
     RecordingHelp help{log};
     Generator generator{shared};
-    CommandButton startCurrent;
-    CommandButton startMemory;
-    frmDevices form{{shared, settings, sound, loop, dialogs, desktop, files, help, engine, generator,
+    MenuItem mnuPrint;
+    CheckBox chkMuteOutput;
+    GeneratorPanel panel{{shared, settings, dialogs, generator, [](bool) {}}, mnuPrint, chkMuteOutput};
+    CommandButton& startCurrent = panel.Signal.Command1;
+    CommandButton& startMemory = panel.Memory.cmdStartMemory;
+    Label lblInput;
+    Label lblOutput;
+    Label lblSampleRate;
+    frmDevices form{{shared, settings, sound, loop, dialogs, desktop, files, help, engine, panel,
                      [this] { log.Call("SetUpSoundControls"); }},
-                    {lblInput, lblOutput, lblSampleRate, startCurrent, startMemory}};
+                    {lblInput, lblOutput, lblSampleRate}};
     int unloads = 0;
 };
 

@@ -65,13 +65,7 @@ struct EngineBench {
     RecordingErrorLog errorLog{log};
     RecordingMixers mixers{log};
     RecordingProcessor processor{log};
-    Label lblInput;
-    Label lblOutput;
-    Label lblSampleRate;
-    Slider sldStartFreq;
-    Slider sldEndFreq;
-    StreamEngine engine{{shared, settings, sound, loop, dialogs, errorLog, mixers, processor},
-                        {lblInput, lblOutput, lblSampleRate, sldStartFreq, sldEndFreq}};
+    StreamEngine engine{{shared, settings, sound, loop, dialogs, errorLog, mixers, processor}};
     std::size_t nextSegment = 0;
 };
 

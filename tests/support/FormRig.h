@@ -75,7 +75,7 @@ public:
     RecordingErrorLog errorLog{log};
     RecordingMixerSession mixers{log};
 
-    frmMain::World On(SoundSystem& sound) { return {store, sound, loop, dialogs, desktop, errorLog, mixers}; }
+    frmMain::Needs On(SoundSystem& sound) { return {store, sound, loop, dialogs, desktop, errorLog, mixers}; }
 };
 
 // The main form on the stepped simulated card.

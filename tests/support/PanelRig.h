@@ -71,7 +71,9 @@ public:
     SweepTimer timer{loop, generator, [] { return false; }};
     MenuItem mnuPrint;
     CheckBox chkMuteOutput;
-    GeneratorPanel panel{{bench.shared, settings, dialogs, generator, timer}, mnuPrint, chkMuteOutput};
+    GeneratorNeeds needs{bench.shared, settings, dialogs, generator,
+                         [this](bool enabled) { timer.SetEnabled(enabled); }};
+    GeneratorPanel panel{needs, mnuPrint, chkMuteOutput};
     SignalControls& signal = panel.Signal;
     MemoryControls& memory = panel.Memory;
     std::vector<std::int32_t> volumes;

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "core/audio/BlockProcessor.h"
-#include "core/audio/ErrorLog.h"
-#include "core/audio/MixerBinding.h"
 #include "core/ports/Dialogs.h"
+#include "core/ports/ErrorLog.h"
+#include "core/ports/MixerBinding.h"
 #include "support/CallLog.h"
 
 namespace sonavex {

@@ -83,7 +83,7 @@ TEST_F(DeviceDialogs, TheSelectionHasItsTexts) {
 
 TEST_F(DeviceDialogs, TheSelectionJoinsEveryControl) {
     Load();
-    frmDevices form(rig.form.DevicesEnvironment(rig.files, rig.help), rig.form.DevicesControls());
+    frmDevices form(rig.form.DevicesNeeds(rig.files, rig.help), rig.form.DevicesLabels());
     const ui::DeviceDialog dialog(form, rig.form.Guard);
     std::set<Control*> controls;
     for (const auto& pair : dialog.Bindings().Pairs()) controls.insert(pair.control);

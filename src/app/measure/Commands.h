@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/measure/Options.h"
-#include "core/shell/Meter.h"
+#include "core/audio/Meter.h"
 
 namespace sonavex::measure {
 

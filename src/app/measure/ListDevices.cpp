@@ -1,9 +1,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "app/common/Sound.h"
 #include "app/measure/Commands.h"
 #include "app/measure/Readings.h"
-#include "app/measure/SoundChoice.h"
 #include "platform/plain/PlainEventLoop.h"
 
 namespace sonavex::measure {
@@ -27,13 +27,14 @@ void AsText(std::ostream& out, const char* title, const SoundDeviceList& devices
 
 int ListDevices(bool json) {
     PlainEventLoop loop;
-    const auto sound = ChooseSound(loop);
+    const app::Sound wanted = app::SoundFromEnvironment();
+    const auto sound = app::CreateSound(wanted, loop);
     const SoundDeviceList outputs = sound->EnumeratePlayback();
     const SoundDeviceList inputs = sound->EnumerateCapture();
     std::ostringstream out;
     if (json) {
         nlohmann::ordered_json all;
-        all["sound"] = SoundName();
+        all["sound"] = app::NameOf(wanted);
         all["outputs"] = AsJson(outputs);
         all["inputs"] = AsJson(inputs);
         out << all.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';

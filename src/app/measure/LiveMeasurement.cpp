@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "app/common/Sound.h"
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
-#include "app/measure/SoundChoice.h"
 #include "core/dsp/AnalysisBand.h"
 #include "core/settings/SampleRates.h"
 #include "core/text/Numbers.h"
+#include "platform/plain/OsMajorVersion.h"
 
 namespace sonavex::measure {
 namespace {
@@ -15,27 +16,20 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kUpdatesNeeded = 2;
-constexpr auto kFirstBlockLimit = 2500ms;
 constexpr auto kPollInterval = 50ms;
-constexpr auto kLongestCheckInterval = 4 * kPollInterval;
+// A script wants an answer, not a recovery.
+constexpr StreamWatch::Policy kEndAtLoss{.firstBlock = 2500ms, .recover = false};
+
+std::int32_t OsMajorVersion() {
+    const std::string_view text = OsMajorVersionText();
+    if (const auto version = ParseOsMajorVersion(text)) return *version;
+    throw MeasureError("SONAVEX_OS_MAJOR is '" + std::string(text) +
+                       "'; it takes a whole number of 1 to 1000.");
+}
 
 std::int32_t RateOf(const RunOptions& options, std::int32_t osMajorVersion) {
     if (options.rateHz) return *options.rateHz;
     return SampleRateTable[static_cast<std::size_t>(DefaultSampleRateIndex(osMajorVersion))];
-}
-
-SharedState MakeShared(const RunOptions& options) {
-    SharedState shared;
-    shared.OsMajorVersion = OsMajorVersion();
-    shared.SampleRate = RateOf(options, shared.OsMajorVersion);
-    return shared;
-}
-
-// How long the capture may stand still: three blocks, at least a second.
-std::chrono::nanoseconds StandstillLimit(std::int32_t rateHz) {
-    const auto threeBlocks =
-        std::chrono::nanoseconds(std::int64_t{3} * kBlockFrames * 1'000'000'000 / rateHz);
-    return std::max<std::chrono::nanoseconds>(1s, threeBlocks);
 }
 
 bool Listed(const SoundDeviceList& devices, const std::string& identifier) {
@@ -67,25 +61,25 @@ std::string LiveMeasurement::Console::Line(const std::string& fallback) const {
 
 LiveMeasurement::LiveMeasurement(const RunOptions& options)
     : options_(options),
-      shared_(MakeShared(options)),
-      tones_(ParseTones(options.tones, shared_.SampleRate)),
-      sound_(ChooseSound(loop_)),
-      meter_(shared_),
-      engine_({shared_, settings_, *sound_, loop_, console_, console_, console_, meter_},
-              {lblInput_, lblOutput_, lblSampleRate_, sldStartFreq_, sldEndFreq_}),
-      sweepTimer_(loop_, meter_.Tones, [this] { return engine_.Restarting(); }) {
-    settings_.Save(keys::kInput, options_.input);
-    settings_.Save(keys::kOutput, options_.output);
-    settings_.Save(keys::kLevel, CStr(options_.levelHundredthsDb));
-    PrepareMeter(meter_, options_);
-    sound_->OnDeviceLost([this](const RuntimeError& error) { lost_ = error; });
+      osMajorVersion_(OsMajorVersion()),
+      rateHz_(RateOf(options, osMajorVersion_)),
+      tones_(ParseTones(options.tones, rateHz_)),
+      sound_(app::CreateSound(app::SoundFromEnvironment(), loop_)),
+      instrument_({store_, *sound_, loop_, console_, console_, console_}, kEndAtLoss) {
+    instrument_.Shared.OsMajorVersion = osMajorVersion_;
+    instrument_.Shared.SampleRate = rateHz_;
+    instrument_.Settings.Save(keys::kInput, options_.input);
+    instrument_.Settings.Save(keys::kOutput, options_.output);
+    instrument_.Settings.Save(keys::kLevel, CStr(options_.levelHundredthsDb));
+    PrepareMeter(instrument_.Meter, options_);
 }
 
 Path LiveMeasurement::DevicePath() const {
-    const CaptureStatistics counts = engine_.CaptureCounts();
-    return {engine_.InputDeviceName, engine_.OutputDeviceName, shared_.SampleRate,
-            sound_->Simulated(),     engine_.PathNotes(),      counts.segmentsLost,
-            counts.framesMissing,    engine_.Overruns,         engine_.Underruns()};
+    const StreamEngine& engine = instrument_.Engine;
+    const CaptureStatistics counts = engine.CaptureCounts();
+    return {engine.InputDeviceName, engine.OutputDeviceName, rateHz_,
+            sound_->Simulated(),    engine.PathNotes(),      counts.segmentsLost,
+            counts.framesMissing,   engine.Overruns,         engine.Underruns()};
 }
 
 void LiveMeasurement::CheckDevices() const {
@@ -96,7 +90,7 @@ void LiveMeasurement::CheckDevices() const {
 void LiveMeasurement::CreateEngineDevices() {
     bool created = false;
     try {
-        created = engine_.CreateDevices() && engine_.SetEvents();
+        created = instrument_.Engine.CreateDevices() && instrument_.Engine.SetEvents();
     } catch (const EndProgram&) {
         created = false;
     }
@@ -106,51 +100,42 @@ void LiveMeasurement::CreateEngineDevices() {
 void LiveMeasurement::Start() {
     CheckDevices();
     CreateEngineDevices();
-    const Band band = AnalysisBand(shared_.SampleRate);
-    meter_.SetUpAnalysis(band.lowHz, band.highHz);
-    engine_.ResetStream();
-    StartTones(meter_.Tones, tones_);
-    sweepTimer_.SetInterval(1ms);
-    sweepTimer_.SetEnabled(AnySweep(tones_));
-    engine_.StartCapture();
-    lastCheck_ = loop_.Now();
+    const Band band = AnalysisBand(rateHz_);
+    instrument_.Meter.SetUpAnalysis(band.lowHz, band.highHz);
+    instrument_.Engine.ResetStream();
+    StartTones(instrument_.Meter.Tones, tones_);
+    instrument_.HiTimer1.SetInterval(1ms);
+    instrument_.HiTimer1.SetEnabled(AnySweep(tones_));
+    instrument_.StartCapture();
 }
 
-void LiveMeasurement::CheckAlive(std::chrono::nanoseconds now) {
-    if (lost_) throw MeasureError(lost_->what());
-    // A time in which this program itself was held up does not count.
-    standstill_ += std::min<std::chrono::nanoseconds>(now - lastCheck_, kLongestCheckInterval);
-    lastCheck_ = now;
-    if (engine_.Blocks != blocksSeen_) {
-        blocksSeen_ = engine_.Blocks;
-        standstill_ = 0ns;
-        return;
-    }
-    const auto limit = blocksSeen_ == 0 ? std::max<std::chrono::nanoseconds>(
-                                              kFirstBlockLimit, StandstillLimit(shared_.SampleRate))
-                                        : StandstillLimit(shared_.SampleRate);
-    if (standstill_ > limit)
-        throw MeasureError("The input device '" + engine_.InputDeviceName +
-                           "' has stopped delivering sound.");
+void LiveMeasurement::CheckAlive() const {
+    const StreamWatch& watch = instrument_.Watch;
+    if (watch.Losses() == 0) return;
+    if (!watch.Stalled()) throw MeasureError(watch.Reason());
+    throw MeasureError("The input device '" + instrument_.Engine.InputDeviceName +
+                       "' has stopped delivering sound.");
 }
 
 bool LiveMeasurement::Finished(std::chrono::nanoseconds now) {
-    if (!playbackStart_ && engine_.PlaybackStarts > 0) playbackStart_ = now;
+    if (!playbackStart_ && instrument_.Engine.PlaybackStarts > 0) playbackStart_ = now;
     if (!playbackStart_ || updates_ < kUpdatesNeeded) return false;
     return std::chrono::duration<double>(now - *playbackStart_).count() >= options_.seconds;
 }
 
 void LiveMeasurement::Run(const std::function<void()>& onBlock) {
-    meter_.OnBlock([&] {
-        if (meter_.Updated()) ++updates_;
+    Meter& meter = instrument_.Meter;
+    meter.OnBlock([&] {
+        if (meter.Updated()) ++updates_;
         onBlock();
     });
     for (auto now = loop_.Now(); !Finished(now); now = loop_.Now()) {
-        CheckAlive(now);
+        CheckAlive();
         loop_.Wait(kPollInterval);
     }
-    engine_.Stop();
-    meter_.OnBlock(nullptr);
+    instrument_.Watch.Stop();
+    instrument_.Engine.Stop();
+    meter.OnBlock(nullptr);
 }
 
 }  // namespace sonavex::measure

@@ -9,15 +9,13 @@
 #include "app/measure/Options.h"
 #include "app/measure/Readings.h"
 #include "app/measure/Tones.h"
-#include "core/audio/StreamEngine.h"
-#include "core/audio/SweepTimer.h"
-#include "core/shell/Meter.h"
+#include "core/audio/Instrument.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "platform/plain/PlainEventLoop.h"
 
 namespace sonavex::measure {
 
-// The instrument without its window: engine, meter and generator on one sound system.
+// The instrument without its window, for one measurement.
 class LiveMeasurement {
 public:
     explicit LiveMeasurement(const RunOptions& options);
@@ -27,10 +25,10 @@ public:
 
     // Measures until the time is over and two updates are complete, calling onBlock after each
     // block.
-    // Throws MeasureError when the device is lost or stands still.
+    // Throws MeasureError when a device is lost or delivers nothing.
     void Run(const std::function<void()>& onBlock);
 
-    const Meter& Readings() const noexcept { return meter_; }
+    const Meter& Readings() const noexcept { return instrument_.Meter; }
     Path DevicePath() const;
 
 private:
@@ -55,30 +53,18 @@ private:
 
     void CheckDevices() const;
     void CreateEngineDevices();
-    void CheckAlive(std::chrono::nanoseconds now);
+    void CheckAlive() const;
     bool Finished(std::chrono::nanoseconds now);
 
     RunOptions options_;
-    SharedState shared_;
+    std::int32_t osMajorVersion_;
+    std::int32_t rateHz_;
     std::vector<ToneRequest> tones_;
     PlainEventLoop loop_;
     std::unique_ptr<SoundSystem> sound_;
     MemorySettingsStore store_;
-    Settings settings_{store_};
     Console console_;
-    Meter meter_;
-    Label lblInput_;
-    Label lblOutput_;
-    Label lblSampleRate_;
-    Slider sldStartFreq_;
-    Slider sldEndFreq_;
-    StreamEngine engine_;
-    SweepTimer sweepTimer_;
-
-    std::optional<RuntimeError> lost_;
-    std::uint64_t blocksSeen_ = 0;
-    std::chrono::nanoseconds standstill_{0};  // since the last block
-    std::chrono::nanoseconds lastCheck_{0};
+    Instrument instrument_;
     std::optional<std::chrono::nanoseconds> playbackStart_;
     int updates_ = 0;
 };

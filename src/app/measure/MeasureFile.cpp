@@ -124,10 +124,10 @@ private:
     std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> file_;
 };
 
-// Advances the sweeps by the time that the blocks take.
-class SweepClock {
+// Advances the sweeps by the time that the blocks last, one step a millisecond.
+class BlockTicks {
 public:
-    SweepClock(Generator& generator, std::int32_t rateHz) noexcept : generator_(generator), rateHz_(rateHz) {}
+    BlockTicks(Generator& generator, std::int32_t rateHz) noexcept : generator_(generator), rateHz_(rateHz) {}
 
     void AdvanceTo(std::int64_t blocks) {
         const std::int64_t dueMs = blocks * kBlockFrames * 1000 / rateHz_;
@@ -154,7 +154,7 @@ int MeasureFile(const FileOptions& options) {
     const Band band = AnalysisBand(shared.SampleRate, options.lowEdgeHz);
     meter.SetUpAnalysis(band.lowHz, band.highHz);
     StartTones(meter.Tones, tones);
-    SweepClock sweeps(meter.Tones, shared.SampleRate);
+    BlockTicks sweeps(meter.Tones, shared.SampleRate);
 
     bool everLocked = false;
     std::string table;

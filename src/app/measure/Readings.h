@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/shell/Meter.h"
+#include "core/audio/Meter.h"
 
 namespace sonavex::measure {
 

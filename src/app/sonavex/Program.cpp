@@ -4,8 +4,7 @@
 #include <algorithm>
 #include <iostream>
 
-#include "app/common/WantedSound.h"
-#include "app/sonavex/SoundOffer.h"
+#include "app/common/Sound.h"
 #include "core/report/frmAbout.h"
 #include "core/text/ErrorText.h"
 #include "platform/chm/ChmHelpBook.h"
@@ -80,13 +79,14 @@ std::optional<int> Program::Open() {
 }
 
 void Program::MakeForm() {
-    sound_ = ChooseSound(WantedSoundFromEnvironment(), SoundMakers::Of(loop_), dialogs_);
+    sound_ = OfferSound(
+        SoundFromEnvironment(), [this](Sound sound) { return CreateSound(sound, loop_); }, dialogs_);
     errorLog_ = std::make_unique<DesktopErrorLog>(
         DesktopErrorLog::Environment{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
     errorLog_->OnLine = WriteLine;
     mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_, JournalFile());
     form_ = std::make_unique<frmMain>(
-        frmMain::World{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
+        frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
     // The levels are the user's own again however the program is asked to end.
     termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
     form_->OnUnloaded = [this](int status) {

@@ -4,7 +4,6 @@
 
 #include "core/audio/StreamEngine.h"
 #include "core/generator/SignalControls.h"
-#include "core/text/Numbers.h"
 
 namespace sonavex {
 namespace {
@@ -35,12 +34,12 @@ std::string NameOf(const SoundDeviceList& devices, const std::string& identifier
 }  // namespace
 
 bool StreamEngine::Report(std::string message, const RuntimeError& error) {
-    if (!quiet_) env_.errorLog.WriteErrorLog(message, error);
+    if (!quiet_) needs_.errorLog.WriteErrorLog(message, error);
     return false;
 }
 
 void StreamEngine::EndWithoutPlaybackDevice(const RuntimeError& error) {
-    env_.errorLog.SetFatalError(true);
+    needs_.errorLog.SetFatalError(true);
     Report(kNoOutput, error);
     throw EndProgram{1};
 }
@@ -49,7 +48,7 @@ void StreamEngine::EndWithoutPlaybackDevice(const RuntimeError& error) {
 SoundDeviceList StreamEngine::EnumeratePlayback() {
     RuntimeError trouble(0, "");
     try {
-        SoundDeviceList devices = env_.sound.EnumeratePlayback();
+        SoundDeviceList devices = needs_.sound.EnumeratePlayback();
         if (devices.size() > 1) return devices;
     } catch (const RuntimeError& error) {
         trouble = error;
@@ -61,9 +60,9 @@ SoundDeviceList StreamEngine::EnumeratePlayback() {
 bool StreamEngine::CreateDevices() {
     const SoundDeviceList playbackDevices = EnumeratePlayback();
     if (playbackDevices.empty() || !CreateDeviceObjects(playbackDevices)) return false;
-    env_.mixers.PointMixersAt(OutputDeviceName, InputDeviceName);
-    ShowDevices();
-    if (env_.shared.NewerGeneration()) env_.mixers.ReopenSoundCard(OutputDeviceName, InputDeviceName);
+    needs_.mixers.PointMixersAt(OutputDeviceName, InputDeviceName);
+    if (OnDevices) OnDevices(InputDeviceName, OutputDeviceName, needs_.shared.SampleRate);
+    if (needs_.shared.NewerGeneration()) needs_.mixers.ReopenSoundCard(OutputDeviceName, InputDeviceName);
     try {
         playbackDevice_->SetCooperativeLevel(kPriorityLevel);
     } catch (const RuntimeError& error) {
@@ -73,38 +72,32 @@ bool StreamEngine::CreateDevices() {
 }
 
 bool StreamEngine::CreateDeviceObjects(const SoundDeviceList& playbackDevices) {
-    InputDeviceId = env_.settings.Text(keys::kInput);
-    OutputDeviceId = env_.settings.Text(keys::kOutput);
+    InputDeviceId = needs_.settings.Text(keys::kInput);
+    OutputDeviceId = needs_.settings.Text(keys::kOutput);
     OutputDeviceName = NameOf(playbackDevices, OutputDeviceId);
     std::optional<RuntimeError> inputError;
     try {
-        InputDeviceName = NameOf(env_.sound.EnumerateCapture(), InputDeviceId);
+        InputDeviceName = NameOf(needs_.sound.EnumerateCapture(), InputDeviceId);
     } catch (const RuntimeError& error) {
         InputDeviceName.clear();
         inputError = error;
     }
     try {
-        playbackDevice_ = env_.sound.CreatePlaybackDevice(OutputDeviceId);
+        playbackDevice_ = needs_.sound.CreatePlaybackDevice(OutputDeviceId);
     } catch (const RuntimeError& error) {
         return Report(kNoOutput, error);
     }
     if (inputError) return Report(kNoInput, *inputError);
     try {
-        captureDevice_ = env_.sound.CreateCaptureDevice(InputDeviceId);
+        captureDevice_ = needs_.sound.CreateCaptureDevice(InputDeviceId);
     } catch (const RuntimeError& error) {
         return Report(kNoInput, error);
     }
     return true;
 }
 
-void StreamEngine::ShowDevices() {
-    controls_.lblInput.SetCaption(InputDeviceName);
-    controls_.lblOutput.SetCaption(OutputDeviceName);
-    controls_.lblSampleRate.SetCaption(CStr(env_.shared.SampleRate));
-}
-
 bool StreamEngine::CreateCaptureBuffer() {
-    const BufferDescription description{0, kCaptureBytes, WaveFormat::Stereo16(env_.shared.SampleRate)};
+    const BufferDescription description{0, kCaptureBytes, WaveFormat::Stereo16(needs_.shared.SampleRate)};
     try {
         captureBuffer_ = captureDevice_->CreateBuffer(description);
     } catch (const RuntimeError& error) {
@@ -118,7 +111,7 @@ bool StreamEngine::CreateCaptureBuffer() {
 bool StreamEngine::CreatePlaybackBuffer() {
     const std::int32_t level = StoredLevel();
     BufferDescription description{buffer_flag::kVolumePositionFocus, kPlaybackBytes,
-                                  WaveFormat::Stereo16(env_.shared.SampleRate)};
+                                  WaveFormat::Stereo16(needs_.shared.SampleRate)};
     try {
         description.flags |= MixingLocationFlag();
         playbackBuffer_ = playbackDevice_->CreateBuffer(description);
@@ -139,7 +132,7 @@ std::uint32_t StreamEngine::MixingLocationFlag() {
 }
 
 std::int32_t StreamEngine::StoredLevel() const {
-    return std::clamp(env_.settings.Long(keys::kLevel), kLowestLevel, 0);
+    return std::clamp(needs_.settings.Long(keys::kLevel), kLowestLevel, 0);
 }
 
 }  // namespace sonavex

@@ -21,8 +21,7 @@ constexpr std::int32_t kSettlingBlocks = 8;
 
 }  // namespace
 
-StreamEngine::StreamEngine(const Environment& environment, const Controls& controls)
-    : env_(environment), controls_(controls) {}
+StreamEngine::StreamEngine(const Needs& needs) : needs_(needs) {}
 
 StreamEngine::~StreamEngine() {
     Release();
@@ -73,17 +72,17 @@ bool StreamEngine::SetEvents() {
         std::array<PositionNotification, kNotifications> notifyPositions;
         for (std::size_t i = 0; i < kNotifications; ++i) {
             NotifyEvents[i] =
-                env_.sound.CreateEvent([this](EventHandle event) { DirectXEvent8_DXCallback(event); });
+                needs_.sound.CreateEvent([this](EventHandle event) { DirectXEvent8_DXCallback(event); });
             const auto quarters = static_cast<std::int32_t>(i + 1);
             notifyPositions[i] = {kCaptureBytes / 4 * quarters - 1, NotifyEvents[i]};
         }
         Capture().SetNotificationPositions(notifyPositions);
     } catch (const RuntimeError& error) {
         if (error.Number() != error_number::kObjectMissing) return Report(error.what(), error);
-        env_.dialogs.Message(kOneInstance, MessageIcon::kCritical);
+        needs_.dialogs.Message(kOneInstance, MessageIcon::kCritical);
         throw EndProgram{0};
     }
-    env_.shared.EventsReady = true;
+    needs_.shared.EventsReady = true;
     return true;
 }
 
@@ -111,7 +110,7 @@ void StreamEngine::Abandon() {
 }
 
 void StreamEngine::DestroyEvents(const std::function<void()>& beforeEach) {
-    env_.shared.EventsReady = false;
+    needs_.shared.EventsReady = false;
     for (auto event = NotifyEvents.rbegin(); event != NotifyEvents.rend(); ++event) {
         beforeEach();
         DestroyEvent(*event);
@@ -123,7 +122,7 @@ void StreamEngine::DestroyEvents(const std::function<void()>& beforeEach) {
 void StreamEngine::DestroyEvent(EventHandle event) {
     if (event == 0) return;
     try {
-        env_.sound.DestroyEvent(event);
+        needs_.sound.DestroyEvent(event);
     } catch (const RuntimeError& error) {
         TraceLabel(error.what(), event);
     }
@@ -146,15 +145,15 @@ void StreamEngine::ReleaseObjects() {
 
 bool StreamEngine::ReStart(Telling telling) {
     if (restarting_) return false;
-    BusyPointer busyPointer(env_.dialogs);
+    BusyPointer busyPointer(needs_.dialogs);
     const ScopedFlag restarting(restarting_);
     quiet_ = telling == Telling::kQuiet;
     Stop();
-    DestroyEvents([this] { env_.loop.Yield(); });
+    DestroyEvents([this] { needs_.loop.Yield(); });
     ReleaseObjects();
-    env_.processor.StreamDisturbed();
-    const Band band = AnalysisBand(env_.shared.SampleRate, kLowEdgeAfterRestartHz);
-    env_.processor.SetUpAnalysis(band.lowHz, band.highHz);
+    needs_.processor.StreamDisturbed();
+    const Band band = AnalysisBand(needs_.shared.SampleRate, kLowEdgeAfterRestartHz);
+    needs_.processor.SetUpAnalysis(band.lowHz, band.highHz);
     if (!CreateDevices() || !SetEvents()) return false;
     PlayBlockIndex = 0;
     RestartPending = true;
@@ -165,9 +164,7 @@ bool StreamEngine::ReStart(Telling telling) {
 }
 
 void StreamEngine::StartOver() {
-    controls_.sldStartFreq.SetMax(env_.shared.SampleRate / 2);
-    controls_.sldEndFreq.SetMax(env_.shared.SampleRate / 2);
-    if (OnLimitsChanged) OnLimitsChanged();
+    if (OnLimits) OnLimits(needs_.shared.SampleRate / 2);
     Playback().SetCurrentPosition(0);
     StartCapture();
 }
@@ -181,7 +178,7 @@ void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
     if (OnNotified) OnNotified();
     if (HoldNotifications) {
         ++DroppedNotifications;
-        env_.processor.StreamDisturbed();
+        needs_.processor.StreamDisturbed();
         return;
     }
     const auto* fired = std::find(NotifyEvents.begin(), NotifyEvents.begin() + kNotifications, eventid);
@@ -190,7 +187,7 @@ void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
     BlockOffset = CaptureSegment * kCaptureBlockBytes;
     Capture().ReadBuffer(BlockOffset, CaptureData);
     NoteDisturbances();
-    env_.processor.ProcessCapturedBlock(CaptureData, PlayData);
+    needs_.processor.ProcessCapturedBlock(CaptureData, PlayData);
 
     BlockOffset = PlayBlockIndex * kCaptureBlockBytes;
     BlockEnd = BlockOffset + kCaptureBlockBytes - 1;
@@ -211,7 +208,7 @@ void StreamEngine::NoteDisturbances() {
     // A gap that has just been counted lies in this block or in the one being captured.
     if (RestartPending || underrun) settlingBlocks_ = kSettlingBlocks;
     FollowClocks(lost || gap || settlingBlocks_ > 0);
-    if (lost || gap || gapBefore_ || settlingBlocks_ > 0) env_.processor.StreamDisturbed();
+    if (lost || gap || gapBefore_ || settlingBlocks_ > 0) needs_.processor.StreamDisturbed();
     if (settlingBlocks_ > 0) --settlingBlocks_;
     captureCounts_ = counts;
     gapBefore_ = gap;
@@ -223,12 +220,12 @@ void StreamEngine::FollowClocks(bool disturbed) {
     if (!captureBuffer_ || !playbackBuffer_) return;
     const auto input = captureBuffer_->ClockLead();
     const auto output = playbackBuffer_->ClockLead();
-    if (input && output) drift_.Add(env_.loop.Now(), *input - *output);
+    if (input && output) drift_.Add(needs_.loop.Now(), *input - *output);
 }
 
 // True when the block has been written.
 bool StreamEngine::HandleOverrun() {
-    if (env_.shared.NewerGeneration()) return HandleOverrunNewer();
+    if (needs_.shared.NewerGeneration()) return HandleOverrunNewer();
     HandleOverrunOlder();
     return false;
 }

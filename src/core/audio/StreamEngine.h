@@ -11,11 +11,10 @@
 
 #include "core/audio/BlockProcessor.h"
 #include "core/audio/ClockDrift.h"
-#include "core/audio/ErrorLog.h"
-#include "core/audio/MixerBinding.h"
-#include "core/controls/Controls.h"
 #include "core/ports/Dialogs.h"
+#include "core/ports/ErrorLog.h"
 #include "core/ports/EventLoop.h"
+#include "core/ports/MixerBinding.h"
 #include "core/ports/SoundSystem.h"
 #include "core/settings/Settings.h"
 #include "core/settings/SharedState.h"
@@ -35,7 +34,7 @@ public:
     static constexpr std::int32_t kPrimingBlocks = 7;
 
     // What the engine works with. Everything must outlive it.
-    struct Environment {
+    struct Needs {
         SharedState& shared;
         Settings& settings;
         SoundSystem& sound;
@@ -45,16 +44,8 @@ public:
         MixerBinding& mixers;
         BlockProcessor& processor;
     };
-    // Controls of the main form that the engine writes.
-    struct Controls {
-        Label& lblInput;
-        Label& lblOutput;
-        Label& lblSampleRate;
-        Slider& sldStartFreq;
-        Slider& sldEndFreq;
-    };
 
-    StreamEngine(const Environment& environment, const Controls& controls);
+    explicit StreamEngine(const Needs& needs);
     ~StreamEngine();
     StreamEngine(const StreamEngine&) = delete;
     StreamEngine& operator=(const StreamEngine&) = delete;
@@ -127,13 +118,20 @@ public:
     bool HoldNotifications = false;
     std::uint64_t DroppedNotifications = 0;
 
-    // Told by ReStart when the frequency sliders have got the limits of the new rate. May be empty.
-    std::function<void()> OnLimitsChanged;
+    // The hooks may be empty.
 
-    // Told of each notification, before anything is done with its block. May be empty.
+    // Called by CreateDevices when the device objects exist and the older mixers have been pointed at them,
+    // before a buffer is made: the names of the devices, the sampling rate in Hz.
+    std::function<void(const std::string& input, const std::string& output, std::int32_t rateHz)> OnDevices;
+
+    // Called by ReStart when devices and events are ready, before playback and capture start: the highest
+    // frequency in Hz that the generator can play at the new rate.
+    std::function<void(std::int32_t highestHz)> OnLimits;
+
+    // Called for each notification, before anything is done with its block.
     std::function<void()> OnNotified;
 
-    // Told after each block that was processed and queued without an error. May be empty.
+    // Called after each block that was processed and queued without an error.
     std::function<void()> OnBlockQueued;
 
     // Receives the debug trace: a label and the cursor it is about (0 for none).
@@ -144,7 +142,6 @@ private:
     [[noreturn]] void EndWithoutPlaybackDevice(const RuntimeError& error);
     SoundDeviceList EnumeratePlayback();
     bool CreateDeviceObjects(const SoundDeviceList& playbackDevices);
-    void ShowDevices();
     bool CreateCaptureBuffer();
     bool CreatePlaybackBuffer();
     std::uint32_t MixingLocationFlag();
@@ -166,8 +163,7 @@ private:
     PlaybackBuffer& Playback() const;
     CaptureBuffer& Capture() const;
 
-    Environment env_;
-    Controls controls_;
+    Needs needs_;
     std::unique_ptr<PlaybackDevice> playbackDevice_;
     std::unique_ptr<CaptureDevice> captureDevice_;
     std::unique_ptr<PlaybackBuffer> playbackBuffer_;

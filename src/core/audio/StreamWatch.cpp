@@ -17,7 +17,6 @@ constexpr auto kTryEvery = 1s;
 // stay usable.
 constexpr int kPauseOverTry = 4;
 constexpr auto kLeastPatience = 1s;
-constexpr auto kLeastStartPatience = 3s;
 constexpr std::int64_t kPatientBlocks = 3;
 
 // The window was not served for so long: what was waited for may have waited too.
@@ -49,7 +48,7 @@ bool Lists(const SoundDeviceList& devices, const Choice& choice) {
 
 }  // namespace
 
-StreamWatch::StreamWatch(const Environment& environment) : env_(environment) {}
+StreamWatch::StreamWatch(const Needs& needs, const Policy& policy) : needs_(needs), policy_(policy) {}
 
 StreamWatch::~StreamWatch() {
     Stop();
@@ -57,20 +56,20 @@ StreamWatch::~StreamWatch() {
 
 void StreamWatch::Start() {
     BeginPatience();
-    lastLook_ = env_.loop.Now();
-    env_.sound.OnDeviceLost([this](const RuntimeError& error) { DeviceLost(error); });
-    if (timer_ == 0) timer_ = env_.loop.StartTimer(kLookEvery, [this] { Look(); });
+    lastLook_ = needs_.loop.Now();
+    needs_.sound.OnDeviceLost([this](const RuntimeError& error) { DeviceLost(error); });
+    if (timer_ == 0) timer_ = needs_.loop.StartTimer(kLookEvery, [this] { Look(); });
 }
 
 void StreamWatch::Stop() {
     if (timer_ == 0) return;
-    env_.loop.StopTimer(timer_);
+    needs_.loop.StopTimer(timer_);
     timer_ = 0;
-    env_.sound.OnDeviceLost({});
+    needs_.sound.OnDeviceLost({});
 }
 
 void StreamWatch::Notified() {
-    lastNotification_ = env_.loop.Now();
+    lastNotification_ = needs_.loop.Now();
     awaitingFirst_ = false;
 }
 
@@ -83,28 +82,29 @@ void StreamWatch::BlockQueued() {
 }
 
 void StreamWatch::BeginPatience() {
-    seenStarts_ = env_.engine.CaptureStarts;
-    lastBlock_ = lastNotification_ = env_.loop.Now();
+    seenStarts_ = needs_.engine.CaptureStarts;
+    lastBlock_ = lastNotification_ = needs_.loop.Now();
     awaitingFirst_ = true;
     loss_.reset();
 }
 
 std::chrono::nanoseconds StreamWatch::Patience() const {
     const std::chrono::nanoseconds blocks =
-        kPatientBlocks * kBlockFrames * 1'000'000'000ns / env_.shared.SampleRate;
+        kPatientBlocks * kBlockFrames * 1'000'000'000ns / needs_.shared.SampleRate;
     return std::max<std::chrono::nanoseconds>(kLeastPatience, blocks);
 }
 
 std::chrono::nanoseconds StreamWatch::StartPatience() const {
-    return std::max<std::chrono::nanoseconds>(kLeastStartPatience, Patience());
+    return std::max(policy_.firstBlock, Patience());
 }
 
 bool StreamWatch::Watching() const {
-    return !reporting_ && !env_.engine.Restarting() && !env_.engine.HoldNotifications && !(Held && Held());
+    return !reporting_ && !needs_.engine.Restarting() && !needs_.engine.HoldNotifications &&
+           !(Held && Held());
 }
 
 void StreamWatch::Look() {
-    const Time now = env_.loop.Now();
+    const Time now = needs_.loop.Now();
     ForgiveHoldUp(now);
     FollowStarts();
     MarkStandstill(now);
@@ -114,10 +114,10 @@ void StreamWatch::Look() {
         lastNotification_ = now;
         return;
     }
-    if (!env_.shared.EventsReady)
+    if (!needs_.shared.EventsReady)
         LookForReturn();
     else if (loss_)
-        GiveUp(RuntimeError(*loss_));
+        TakeLoss(RuntimeError(*loss_), false);
     else
         LookForStall(now);
 }
@@ -131,7 +131,7 @@ void StreamWatch::ForgiveHoldUp(Time now) {
 
 // A start that somebody else made.
 void StreamWatch::FollowStarts() {
-    if (env_.engine.CaptureStarts == seenStarts_) return;
+    if (needs_.engine.CaptureStarts == seenStarts_) return;
     BeginPatience();
     onTrial_ = false;
 }
@@ -139,9 +139,9 @@ void StreamWatch::FollowStarts() {
 void StreamWatch::MarkStandstill(Time now) {
     if (stopped_ || now - lastBlock_ <= Patience()) return;
     const char* reason = kFailing;
-    if (!env_.shared.EventsReady)
+    if (!needs_.shared.EventsReady)
         reason = kNotRunning;
-    else if (env_.engine.HoldNotifications)
+    else if (needs_.engine.HoldNotifications)
         reason = kHeldBack;
     else if (awaitingFirst_)
         reason = kWaiting;
@@ -150,23 +150,31 @@ void StreamWatch::MarkStandstill(Time now) {
 
 void StreamWatch::LookForStall(Time now) {
     if (now - lastNotification_ > (awaitingFirst_ ? StartPatience() : Patience()))
-        GiveUp({sound_error::kBufferLost, kStalled});
+        TakeLoss({sound_error::kBufferLost, kStalled}, true);
 }
 
 void StreamWatch::DeviceLost(const RuntimeError& error) {
     // A start not yet looked at must not wipe out a loss that came after it.
     FollowStarts();
-    if (loss_ || !env_.shared.EventsReady) return;
+    if (loss_ || !needs_.shared.EventsReady) return;
     loss_ = error;
     SetStopped(true, error.what());
 }
 
-void StreamWatch::GiveUp(const RuntimeError& error) {
+void StreamWatch::TakeLoss(const RuntimeError& error, bool stalled) {
+    stalled_ = stalled;
     loss_.reset();
-    env_.engine.Abandon();
-    nextTry_ = env_.loop.Now() + kTryEvery;
+    if (policy_.recover) return GiveUp(error);
+    Stop();
+    ++losses_;
     SetStopped(true, error.what());
-    // A device that was tried again and failed again has been told of.
+}
+
+void StreamWatch::GiveUp(const RuntimeError& error) {
+    needs_.engine.Abandon();
+    nextTry_ = needs_.loop.Now() + kTryEvery;
+    SetStopped(true, error.what());
+    // A device that was tried again and failed again has been reported.
     if (!onTrial_) Report(error);
 }
 
@@ -174,46 +182,47 @@ void StreamWatch::Report(const RuntimeError& error) {
     const ScopedFlag reporting(reporting_);
     ++losses_;
     std::string message = std::string(kLostMessage) + "\r\r" + error.what();
-    env_.errorLog.WriteErrorLog(message, error);
+    needs_.errorLog.WriteErrorLog(message, error);
     if (stopped_ && ChooseDevices && (ChoiceGivenUp() || DevicesListed())) ChooseDevices();
 }
 
 // By the message's own button.
 bool StreamWatch::ChoiceGivenUp() const {
-    return env_.settings.Text(keys::kOutput) != env_.engine.OutputDeviceId ||
-           env_.settings.Text(keys::kInput) != env_.engine.InputDeviceId;
+    return needs_.settings.Text(keys::kOutput) != needs_.engine.OutputDeviceId ||
+           needs_.settings.Text(keys::kInput) != needs_.engine.InputDeviceId;
 }
 
 void StreamWatch::LookForReturn() {
-    const Time begin = env_.loop.Now();
+    const Time begin = needs_.loop.Now();
     if (begin < nextTry_) return;
     if (DevicesListed()) TryAgain();
-    const Time end = env_.loop.Now();
+    const Time end = needs_.loop.Now();
     nextTry_ = end + std::max<Time>(kTryEvery, kPauseOverTry * (end - begin));
 }
 
 void StreamWatch::TryAgain() {
     onTrial_ = true;
     try {
-        if (env_.engine.ReStart(StreamEngine::Telling::kQuiet)) {
+        if (needs_.engine.ReStart(StreamEngine::Telling::kQuiet)) {
             BeginPatience();
             if (OnRestarted) OnRestarted();
             return;
         }
     } catch (const RuntimeError&) {
         // The device went away again while it was being started.
-        env_.engine.Abandon();
+        needs_.engine.Abandon();
     }
     BeginPatience();
 }
 
 bool StreamWatch::DevicesListed() {
-    const Choice output{env_.settings.Text(keys::kOutput), env_.engine.OutputDeviceId,
-                        env_.engine.OutputDeviceName};
-    const Choice input{env_.settings.Text(keys::kInput), env_.engine.InputDeviceId,
-                       env_.engine.InputDeviceName};
+    const Choice output{needs_.settings.Text(keys::kOutput), needs_.engine.OutputDeviceId,
+                        needs_.engine.OutputDeviceName};
+    const Choice input{needs_.settings.Text(keys::kInput), needs_.engine.InputDeviceId,
+                       needs_.engine.InputDeviceName};
     try {
-        return Lists(env_.sound.EnumeratePlayback(), output) && Lists(env_.sound.EnumerateCapture(), input);
+        return Lists(needs_.sound.EnumeratePlayback(), output) &&
+               Lists(needs_.sound.EnumerateCapture(), input);
     } catch (const RuntimeError&) {
         return false;
     }

@@ -6,21 +6,29 @@
 #include <optional>
 #include <string>
 
-#include "core/audio/ErrorLog.h"
 #include "core/audio/StreamEngine.h"
+#include "core/ports/ErrorLog.h"
 #include "core/ports/EventLoop.h"
 #include "core/ports/SoundSystem.h"
 
 namespace sonavex {
 
-// Sees to it that a stream that has come to rest is never taken for one that runs: readings that stand
-// still, for whatever reason, are marked; a device that is lost, or notifications that stay away, stop
-// the engine, are recorded and told once, and the engine is started again when its devices are back.
-// User-interface thread only.
+// Guards against stale readings. When blocks stop coming, the readings are marked. A device that is lost,
+// or a capture that stalls, is a loss. What a loss leads to is the owner's policy: either the engine is
+// stopped, the loss is logged and reported once, and the engine is started again when its devices are
+// back; or the watch ends and leaves the engine to its owner.
 class StreamWatch {
 public:
+    // What the owner of the watch decides.
+    struct Policy {
+        // Least time that the first notification after a start may take: sleeping devices need time to wake.
+        std::chrono::nanoseconds firstBlock = std::chrono::seconds(3);
+        // Whether a loss is logged, reported and recovered from. Otherwise it is only counted.
+        bool recover = true;
+    };
+
     // Everything must outlive the watch.
-    struct Environment {
+    struct Needs {
         EventLoop& loop;
         SoundSystem& sound;
         StreamEngine& engine;
@@ -29,12 +37,12 @@ public:
         Settings& settings;
     };
 
-    explicit StreamWatch(const Environment& environment);
+    StreamWatch(const Needs& needs, const Policy& policy);
     ~StreamWatch();
     StreamWatch(const StreamWatch&) = delete;
     StreamWatch& operator=(const StreamWatch&) = delete;
 
-    // From now on, until Stop. Losses are told to the watch by the sound system.
+    // Watches from now on, until Stop. The sound system reports losses to the watch meanwhile.
     void Start();
     void Stop();
 
@@ -49,8 +57,10 @@ public:
     bool Stopped() const noexcept { return stopped_; }
     // Why, for the user; empty while running.
     const std::string& Reason() const noexcept { return reason_; }
-    // Records written so far: one a loss.
+    // Losses so far. A device that was started again and failed before its first block counts once.
     std::uint64_t Losses() const noexcept { return losses_; }
+    // The last loss was a stall: the device was there and delivered nothing.
+    bool Stalled() const noexcept { return stalled_; }
 
     // Told when Stopped has changed. May be empty.
     std::function<void()> OnChanged;
@@ -64,7 +74,7 @@ public:
 
     // The time without a notification after which the stream counts as stalled: 1 s, or three blocks.
     std::chrono::nanoseconds Patience() const;
-    // The same for the first notification after a start: devices that slept need time to wake.
+    // The same for the first notification after a start: the policy's time, or Patience if that is longer.
     std::chrono::nanoseconds StartPatience() const;
 
 private:
@@ -77,6 +87,7 @@ private:
     void LookForStall(Time now);
     void LookForReturn();
     void TryAgain();
+    void TakeLoss(const RuntimeError& error, bool stalled);
     void GiveUp(const RuntimeError& error);
     void Report(const RuntimeError& error);
     bool DevicesListed();
@@ -85,7 +96,8 @@ private:
     void BeginPatience();
     void SetStopped(bool stopped, const std::string& reason);
 
-    Environment env_;
+    Needs needs_;
+    Policy policy_;
     EventLoop::TimerId timer_ = 0;
     Time lastLook_{};
     Time lastNotification_{};
@@ -95,6 +107,7 @@ private:
     std::uint64_t seenStarts_ = 0;
     bool awaitingFirst_ = true;
     bool stopped_ = false;
+    bool stalled_ = false;
     bool reporting_ = false;
     // The engine was started again by the watch and has not yet delivered a block.
     bool onTrial_ = false;

@@ -4,24 +4,23 @@
 #include <functional>
 
 #include "core/generator/Generator.h"
-#include "core/generator/SweepClock.h"
 #include "core/ports/EventLoop.h"
 
 namespace sonavex {
 
 // HiTimer1: paces the sweeps with one step a millisecond while enabled. A tick that is late is not
 // made up for; the sweep then lasts longer. User-interface thread only.
-class SweepTimer final : public SweepClock {
+class SweepTimer {
 public:
     // paused: while it answers true (the engine is being rebuilt) ticks do nothing.
     SweepTimer(EventLoop& loop, Generator& generator, std::function<bool()> paused);
-    ~SweepTimer() override;
+    ~SweepTimer();
     SweepTimer(const SweepTimer&) = delete;
     SweepTimer& operator=(const SweepTimer&) = delete;
 
     void SetInterval(std::chrono::milliseconds interval) noexcept { interval_ = interval; }
     bool Enabled() const noexcept { return timer_ != 0; }
-    void SetEnabled(bool enabled) override;
+    void SetEnabled(bool enabled);
 
     // One tick. Does nothing inside another tick, to whatever that one yields. Ends early when the
     // timer is disabled meanwhile.

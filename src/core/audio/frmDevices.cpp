@@ -40,8 +40,7 @@ const std::string& SelectedIdentifier(const ComboBox& list, const SoundDeviceLis
 
 }  // namespace
 
-frmDevices::frmDevices(const Environment& environment, const MainControls& mainControls)
-    : env_(environment), main_(mainControls) {
+frmDevices::frmDevices(const Needs& needs, const MainLabels& mainLabels) : needs_(needs), main_(mainLabels) {
     cmdOkay.Click.Handle([this] { cmdOkay_Click(); });
     cmdCancel.Click.Handle([this] { cmdCancel_Click(); });
     cmdHelp.Click.Handle([this] { cmdHelp_Click(); });
@@ -55,70 +54,64 @@ frmDevices::frmDevices(const Environment& environment, const MainControls& mainC
 
 void frmDevices::Form_Load() {
     RestorePosition();
-    const BusyPointer busyPointer(env_.dialogs);
+    const BusyPointer busyPointer(needs_.dialogs);
     Enumerate();
-    env_.loop.Yield();
-    Label5.SetVisible(env_.shared.NewerGeneration());
-    cmdCancel.SetEnabled(env_.shared.EventsReady);
+    needs_.loop.Yield();
+    Label5.SetVisible(needs_.shared.NewerGeneration());
+    cmdCancel.SetEnabled(needs_.shared.EventsReady);
     FillLists();
 }
 
 void frmDevices::RestorePosition() {
-    const Windows::Place place = Windows::Restore(env_.settings, Frame, env_.desktop.Screens());
+    const Windows::Place place = Windows::Restore(needs_.settings, Frame, needs_.desktop.Screens());
     Frame.Move(place.left, place.top);
 }
 
 void frmDevices::Enumerate() {
     try {
-        inputs_ = env_.sound.EnumerateCapture();
-        outputs_ = env_.sound.EnumeratePlayback();
+        inputs_ = needs_.sound.EnumerateCapture();
+        outputs_ = needs_.sound.EnumeratePlayback();
     } catch (const RuntimeError&) {
-        env_.dialogs.Message(kNoSoundCard, MessageIcon::kCritical);
+        needs_.dialogs.Message(kNoSoundCard, MessageIcon::kCritical);
         throw EndProgram{1};
     }
 }
 
 void frmDevices::FillLists() {
-    Fill(cmbInputMixer, inputs_, env_.settings.Text(keys::kInput));
-    Fill(cmbOutputMixer, outputs_, env_.settings.Text(keys::kOutput));
-    cmbSampleRate.SetListIndex(env_.settings.Long(keys::kSampleRate));
+    Fill(cmbInputMixer, inputs_, needs_.settings.Text(keys::kInput));
+    Fill(cmbOutputMixer, outputs_, needs_.settings.Text(keys::kOutput));
+    cmbSampleRate.SetListIndex(needs_.settings.Long(keys::kSampleRate));
 }
 
 void frmDevices::cmdOkay_Click() {
     if (applying_) return;
     const ScopedFlag applying(applying_);
     if (cmbOutputMixer.ListIndex() < 0) {
-        env_.dialogs.Message(kSelectOutput, MessageIcon::kCritical);
+        needs_.dialogs.Message(kSelectOutput, MessageIcon::kCritical);
         return;
     }
-    env_.settings.Save(keys::kOutput, SelectedIdentifier(cmbOutputMixer, outputs_));
+    needs_.settings.Save(keys::kOutput, SelectedIdentifier(cmbOutputMixer, outputs_));
     if (cmbInputMixer.ListIndex() < 0) {
-        env_.dialogs.Message(kSelectInput, MessageIcon::kCritical);
+        needs_.dialogs.Message(kSelectInput, MessageIcon::kCritical);
         return;
     }
-    env_.settings.Save(keys::kInput, SelectedIdentifier(cmbInputMixer, inputs_));
+    needs_.settings.Save(keys::kInput, SelectedIdentifier(cmbInputMixer, inputs_));
     TakeRate();
-    StopPlaying();
+    needs_.generatorPanel.StopPlaying();
     Apply();
 }
 
 void frmDevices::TakeRate() {
     const std::int32_t index = cmbSampleRate.ListIndex();
     if (index < 0) throw RuntimeError(error_number::kSubscript);
-    env_.settings.Save(keys::kSampleRate, CStr(index));
-    env_.shared.SampleRate = SampleRateTable.at(static_cast<std::size_t>(index));
-}
-
-void frmDevices::StopPlaying() {
-    if (!env_.generator.SweepRunning) return;
-    for (CommandButton* button : {&main_.startCurrent, &main_.startMemory})
-        if (button->Caption().substr(0, 3) == "Sto") button->Press();
+    needs_.settings.Save(keys::kSampleRate, CStr(index));
+    needs_.shared.SampleRate = SampleRateTable.at(static_cast<std::size_t>(index));
 }
 
 void frmDevices::Apply() {
-    if (!env_.engine.ReStart()) return;
-    env_.loop.Yield();
-    env_.setUpSoundControls();
+    if (!needs_.engine.ReStart()) return;
+    needs_.loop.Yield();
+    needs_.setUpSoundControls();
     applying_ = false;
     Unload();
 }
@@ -128,7 +121,7 @@ void frmDevices::cmdCancel_Click() {
 }
 
 void frmDevices::cmdHelp_Click() {
-    env_.help.ShowTopic(help_topic::kSoundDevices);
+    needs_.help.ShowTopic(help_topic::kSoundDevices);
 }
 
 void frmDevices::Unload() {
@@ -137,21 +130,21 @@ void frmDevices::Unload() {
 
 bool frmDevices::Form_QueryUnload() {
     if (applying_) return false;
-    if (!env_.shared.EventsReady) {
-        if (!env_.dialogs.AskOkCancel(kNotInitialised)) throw EndProgram{0};
+    if (!needs_.shared.EventsReady) {
+        if (!needs_.dialogs.AskOkCancel(kNotInitialised)) throw EndProgram{0};
         return false;
     }
     for (const char* name : {desktop_file::kError, desktop_file::kDiagnostics}) {
         try {
-            env_.files.Delete(name);
+            needs_.files.Delete(name);
         } catch (const RuntimeError&) {
             continue;  // a file that cannot be deleted stays
         }
     }
-    main_.lblInput.SetCaption(Left(env_.engine.InputDeviceName, kShownCharacters));
-    main_.lblOutput.SetCaption(Left(env_.engine.OutputDeviceName, kShownCharacters));
-    main_.lblSampleRate.SetCaption(CStr(env_.shared.SampleRate));
-    Windows::Store(env_.settings, Frame);
+    main_.lblInput.SetCaption(Left(needs_.engine.InputDeviceName, kShownCharacters));
+    main_.lblOutput.SetCaption(Left(needs_.engine.OutputDeviceName, kShownCharacters));
+    main_.lblSampleRate.SetCaption(CStr(needs_.shared.SampleRate));
+    Windows::Store(needs_.settings, Frame);
     return true;
 }
 

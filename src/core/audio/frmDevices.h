@@ -8,7 +8,7 @@
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
 #include "core/controls/Window.h"
-#include "core/generator/Generator.h"
+#include "core/generator/GeneratorPanel.h"
 #include "core/ports/Desktop.h"
 #include "core/ports/DesktopFiles.h"
 #include "core/ports/Dialogs.h"
@@ -23,8 +23,8 @@ namespace sonavex {
 // Selection of the sound devices and the sampling rate. User-interface thread only.
 class frmDevices {
 public:
-    // What the form works with. Everything must outlive it.
-    struct Environment {
+    // Everything must outlive the form.
+    struct Needs {
         SharedState& shared;
         Settings& settings;
         SoundSystem& sound;
@@ -34,20 +34,18 @@ public:
         DesktopFiles& files;
         Help& help;
         StreamEngine& engine;
-        const Generator& generator;
+        GeneratorPanel& generatorPanel;
         // Finds the mixer controls of the devices in use.
         std::function<void()> setUpSoundControls;
     };
-    // Controls of the main form that this one writes or presses.
-    struct MainControls {
+    // Labels of the main form that this one writes when it closes.
+    struct MainLabels {
         Label& lblInput;
         Label& lblOutput;
         Label& lblSampleRate;
-        CommandButton& startCurrent;
-        CommandButton& startMemory;
     };
 
-    frmDevices(const Environment& environment, const MainControls& mainControls);
+    frmDevices(const Needs& needs, const MainLabels& mainLabels);
     frmDevices(const frmDevices&) = delete;
     frmDevices& operator=(const frmDevices&) = delete;
 
@@ -84,11 +82,10 @@ private:
     void Enumerate();
     void FillLists();
     void TakeRate();
-    void StopPlaying();
     void Apply();
 
-    Environment env_;
-    MainControls main_;
+    Needs needs_;
+    MainLabels main_;
     SoundDeviceList inputs_;  // as enumerated when the form was loaded
     SoundDeviceList outputs_;
     bool applying_ = false;

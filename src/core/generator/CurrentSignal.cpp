@@ -15,16 +15,15 @@ constexpr double kStoredStepDivisor = 100.0;
 
 }  // namespace
 
-CurrentSignal::CurrentSignal(const GeneratorEnvironment& environment, SignalControls& controls,
-                             PlayInterlock& interlock)
-    : env_(environment), controls_(controls), interlock_(interlock) {
+CurrentSignal::CurrentSignal(const GeneratorNeeds& needs, SignalControls& controls, PlayInterlock& interlock)
+    : needs_(needs), controls_(controls), interlock_(interlock) {
     controls_.cmbType.SetItems({kWaveNames.begin(), kWaveNames.end()});
     SetLimits();
     TakeEvents();
 }
 
 void CurrentSignal::SetLimits() {
-    const std::int32_t highest = env_.shared.SampleRate / 2;
+    const std::int32_t highest = needs_.shared.SampleRate / 2;
     controls_.sldStartFreq.SetRange(kLowestFrequency, highest);
     controls_.sldEndFreq.SetRange(kLowestFrequency, highest);
     controls_.sldSweepTime.SetRange(0, kLongestSweepMs);
@@ -53,13 +52,13 @@ void CurrentSignal::TakeEvents() {
 }
 
 void CurrentSignal::RestoreLevel() {
-    controls_.sldLevel.SetValue(env_.settings.Long(keys::kLevel));
+    controls_.sldLevel.SetValue(needs_.settings.Long(keys::kLevel));
     sldLevel_First();
 }
 
 void CurrentSignal::Restore() {
     ToneRecord& tone = Record();
-    const Settings& settings = env_.settings;
+    const Settings& settings = needs_.settings;
     tone.StartFrequency = settings.Double(keys::kCurrentStart);
     tone.EndFrequency = settings.Double(keys::kCurrentEnd);
     tone.SweepTime = settings.Long(keys::kCurrentSweepTime);
@@ -82,12 +81,13 @@ void CurrentSignal::Restore() {
 }
 
 bool CurrentSignal::CheckFrequency(TextBox& box, const char* message) {
-    const std::int32_t highest = env_.shared.SampleRate / 2;
+    const std::int32_t highest = needs_.shared.SampleRate / 2;
     if (IsNumeric(box.Text())) {
         const double frequencyHz = CDbl(box.Text());
         if (frequencyHz >= kLowestChecked && frequencyHz <= highest) return true;
     }
-    env_.dialogs.Message(message + ("\r\rValue has to be 20 to " + CStr(highest)), MessageIcon::kInformation);
+    needs_.dialogs.Message(message + ("\r\rValue has to be 20 to " + CStr(highest)),
+                           MessageIcon::kInformation);
     box.SetFocus();
     return false;
 }
@@ -99,7 +99,7 @@ bool CurrentSignal::CheckEntries() {
         return false;
     TextBox& box = controls_.txtSweepTime;
     if (IsNumeric(box.Text()) && CDbl(box.Text()) <= kLongestChecked) return true;
-    env_.dialogs.Message("Invalid Sweep Time", MessageIcon::kInformation);
+    needs_.dialogs.Message("Invalid Sweep Time", MessageIcon::kInformation);
     box.SetFocus();
     return false;
 }
@@ -128,7 +128,7 @@ void CurrentSignal::SaveCurrentSignal() {
     ToneRecord& tone = Record();
     tone.LoopIncrement =
         tone.Sweep ? (tone.EndFrequency - tone.StartFrequency) / (tone.SweepTime * kStoredStepDivisor) : 0.0;
-    Settings& settings = env_.settings;
+    Settings& settings = needs_.settings;
     settings.Save(keys::kCurrentLoopIncrement, CStr(tone.LoopIncrement));
     settings.Save(keys::kCurrentStart, CStr(tone.StartFrequency));
     settings.Save(keys::kCurrentEnd, CStr(tone.EndFrequency));
@@ -150,7 +150,7 @@ void CurrentSignal::FollowLimits() {
 }
 
 void CurrentSignal::Command1_Click() {
-    if (env_.generator.SweepRunning) {
+    if (needs_.generator.SweepRunning) {
         Stop();
     } else if (CheckEntries()) {
         Start();
@@ -158,11 +158,11 @@ void CurrentSignal::Command1_Click() {
 }
 
 void CurrentSignal::Start() {
-    Generator& generator = env_.generator;
+    Generator& generator = needs_.generator;
     generator.NumTones = 1;
     TakeControls();
     ToneRecord& tone = Record();
-    env_.HiTimer1.SetEnabled(tone.Sweep);
+    needs_.EnableHiTimer1(tone.Sweep);
     tone.LastFrequency = 0.0;
     tone.LoopIncrement = 0.0;
     UpdateLoopIncrement();
@@ -177,10 +177,10 @@ void CurrentSignal::Start() {
 }
 
 void CurrentSignal::Stop() {
-    Generator& generator = env_.generator;
+    Generator& generator = needs_.generator;
     generator.SetGeneratorRunning(false);
     generator.SweepRunning = false;
-    env_.HiTimer1.SetEnabled(false);
+    needs_.EnableHiTimer1(false);
     controls_.Command1.SetCaption("Start Current");
     interlock_.Show(Playing::kNothing);
 }

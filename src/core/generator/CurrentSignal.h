@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "core/generator/GeneratorEnvironment.h"
+#include "core/generator/GeneratorNeeds.h"
 #include "core/generator/PlayInterlock.h"
 #include "core/generator/SignalControls.h"
 
@@ -15,8 +15,7 @@ class CurrentSignal {
 public:
     // Sets the limits of the controls and handles their events. All referenced objects must outlive this
     // object.
-    CurrentSignal(const GeneratorEnvironment& environment, SignalControls& controls,
-                  PlayInterlock& interlock);
+    CurrentSignal(const GeneratorNeeds& needs, SignalControls& controls, PlayInterlock& interlock);
     CurrentSignal(const CurrentSignal&) = delete;
     CurrentSignal& operator=(const CurrentSignal&) = delete;
 
@@ -67,9 +66,9 @@ private:
     static void SetNearest(Slider& slider, double value);
     void Start();
     void Stop();
-    ToneRecord& Record() const noexcept { return env_.generator.Tones.front(); }
+    ToneRecord& Record() const noexcept { return needs_.generator.Tones.front(); }
 
-    GeneratorEnvironment env_;
+    GeneratorNeeds needs_;
     SignalControls& controls_;
     PlayInterlock& interlock_;
     // Last values that the handlers of the frequency sliders saw.

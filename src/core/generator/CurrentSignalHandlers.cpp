@@ -7,7 +7,7 @@ void CurrentSignal::cmbType_Click() {
     const std::int32_t index = controls_.cmbType.ListIndex();
     ToneType = static_cast<std::int16_t>(index);
     Record().WaveType = ToneType;
-    env_.settings.Save(keys::kToneType, CStr(index));
+    needs_.settings.Save(keys::kToneType, CStr(index));
 }
 
 void CurrentSignal::chkLoop_Click() {
@@ -20,7 +20,7 @@ void CurrentSignal::sldStartFreq_First() {
     controls_.txtGenFreq.SetText(CStr(value));
     ToneRecord& tone = Record();
     tone.StartFrequency = value;
-    if (env_.generator.NumTones != 1) return;
+    if (needs_.generator.NumTones != 1) return;
     tone.Frequency = value;
     tone.LastFrequency = 0.0;  // forces the next block to compute the increments
 }
@@ -65,7 +65,7 @@ void CurrentSignal::sldSweepTime_Second() {
 void CurrentSignal::sldLevel_First() {
     const std::int32_t value = controls_.sldLevel.Value();
     controls_.lblGenLevel.SetCaption(Format(value / 100.0, Pattern::kTwoDecimals) + " dB");
-    env_.settings.Save(keys::kLevel, CStr(value));
+    needs_.settings.Save(keys::kLevel, CStr(value));
     if (SetPlaybackVolume) SetPlaybackVolume(value);
 }
 

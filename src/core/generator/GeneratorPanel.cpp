@@ -2,23 +2,22 @@
 
 namespace sonavex {
 
-GeneratorPanel::GeneratorPanel(const GeneratorEnvironment& environment, MenuItem& mnuPrint,
-                               const CheckBox& chkMuteOutput)
-    : env_(environment),
+GeneratorPanel::GeneratorPanel(const GeneratorNeeds& needs, MenuItem& mnuPrint, const CheckBox& chkMuteOutput)
+    : needs_(needs),
       mnuPrint_(mnuPrint),
       interlock_(Signal, Memory),
-      current_(environment, Signal, interlock_),
-      memory_(environment, Memory, current_, Signal, interlock_, chkMuteOutput) {
+      current_(needs, Signal, interlock_),
+      memory_(needs, Memory, current_, Signal, interlock_, chkMuteOutput) {
     interlock_.Show(Playing::kNothing);
 }
 
 void GeneratorPanel::InitGenerator() {
     current_.RestoreLevel();
-    env_.generator.LoadGeneratorDefaults(env_.settings, Signal.sldLevel);
+    needs_.generator.LoadGeneratorDefaults(needs_.settings, Signal.sldLevel);
     Signal.Command1.SetCaption("Start Current");
     mnuPrint_.SetEnabled(false);
     current_.Restore();
-    env_.generator.NumTones = env_.settings.Long(keys::kNumberOfTones);
+    needs_.generator.NumTones = needs_.settings.Long(keys::kNumberOfTones);
     current_.sldLevel_First();
     memory_.Load();
     interlock_.Show(Playing::kNothing);
@@ -28,6 +27,7 @@ void GeneratorPanel::InitGenerator() {
 }
 
 void GeneratorPanel::StopPlaying() {
+    if (!needs_.generator.SweepRunning) return;
     for (CommandButton* button : {&Signal.Command1, &Memory.cmdStartMemory})
         if (button->Caption().starts_with("Sto")) button->Press();
 }

@@ -6,7 +6,7 @@
 
 #include "core/controls/Commands.h"
 #include "core/generator/CurrentSignal.h"
-#include "core/generator/GeneratorEnvironment.h"
+#include "core/generator/GeneratorNeeds.h"
 #include "core/generator/MemoryTones.h"
 #include "core/generator/PlayInterlock.h"
 #include "core/generator/SignalControls.h"
@@ -17,8 +17,7 @@ namespace sonavex {
 class GeneratorPanel {
 public:
     // mnuPrint and chkMuteOutput belong to the main form. All referenced objects must outlive this object.
-    GeneratorPanel(const GeneratorEnvironment& environment, MenuItem& mnuPrint,
-                   const CheckBox& chkMuteOutput);
+    GeneratorPanel(const GeneratorNeeds& needs, MenuItem& mnuPrint, const CheckBox& chkMuteOutput);
 
     SignalControls Signal;
     MemoryControls Memory;
@@ -30,7 +29,7 @@ public:
     // Stores all settings of the generator.
     void WriteMemoryToRegistry() { memory_.WriteMemoryToRegistry(); }
 
-    // Presses each start button that currently stops playing.
+    // While something plays, presses each start button that currently stops playing.
     void StopPlaying();
 
     // Call after a change of the sampling rate: shows the frequencies that the new limits have clamped.
@@ -47,7 +46,7 @@ public:
     MemoryTones& Tones() noexcept { return memory_; }
 
 private:
-    GeneratorEnvironment env_;
+    GeneratorNeeds needs_;
     MenuItem& mnuPrint_;
     PlayInterlock interlock_;
     CurrentSignal current_;

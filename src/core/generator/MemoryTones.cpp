@@ -71,10 +71,9 @@ const char* WaveName(const Settings& settings, std::int32_t entry, std::int16_t 
 
 }  // namespace
 
-MemoryTones::MemoryTones(const GeneratorEnvironment& environment, MemoryControls& controls,
-                         CurrentSignal& current, SignalControls& signal, PlayInterlock& interlock,
-                         const CheckBox& chkMuteOutput)
-    : env_(environment),
+MemoryTones::MemoryTones(const GeneratorNeeds& needs, MemoryControls& controls, CurrentSignal& current,
+                         SignalControls& signal, PlayInterlock& interlock, const CheckBox& chkMuteOutput)
+    : needs_(needs),
       controls_(controls),
       current_(current),
       signal_(signal),
@@ -89,20 +88,20 @@ MemoryTones::MemoryTones(const GeneratorEnvironment& environment, MemoryControls
 
 void MemoryTones::Load() {
     controls_.ToneList.Clear();
-    for (std::int32_t entry = 1; entry <= env_.generator.NumTones; ++entry) {
+    for (std::int32_t entry = 1; entry <= needs_.generator.NumTones; ++entry) {
         if (entry > MemoryControls::kEntries)
-            throw env_.settings.Failure(error_number::kSubscript, keys::kNumberOfTones);
-        ToneRecord& tone = env_.generator.Tones[static_cast<std::size_t>(entry)];
-        ReadTone(env_.settings, entry, ToneKeys(), tone);
-        const bool selected = env_.settings.Boolean(EntryKey(keys::kMemorySelected, entry).Get());
+            throw needs_.settings.Failure(error_number::kSubscript, keys::kNumberOfTones);
+        ToneRecord& tone = needs_.generator.Tones[static_cast<std::size_t>(entry)];
+        ReadTone(needs_.settings, entry, ToneKeys(), tone);
+        const bool selected = needs_.settings.Boolean(EntryKey(keys::kMemorySelected, entry).Get());
         controls_.ToneList.AddItem(
-            MakeToneLine(tone, WaveName(env_.settings, entry, tone.WaveType), tone.Loop));
+            MakeToneLine(tone, WaveName(needs_.settings, entry, tone.WaveType), tone.Loop));
         controls_.ToneList.SetSelected(entry - 1, selected);
     }
 }
 
 void MemoryTones::WriteMemoryToRegistry() {
-    Settings& settings = env_.settings;
+    Settings& settings = needs_.settings;
     settings.Store().DeleteSection(keys::kSignalGenerator);
     current_.SaveCurrentSignal();
     const std::int32_t count = controls_.ToneList.Count();
@@ -117,7 +116,7 @@ void MemoryTones::WriteEntry(std::int32_t position) {
     ParseToneLine(controls_.ToneList.List(position), tone);
     if (tone.Sweep) tone.LoopIncrement = StepOf(tone);
     const auto save = [this, entry = position + 1](const SettingsKey& key, const std::string& value) {
-        env_.settings.Save(EntryKey(key, entry).Get(), value);
+        needs_.settings.Save(EntryKey(key, entry).Get(), value);
     };
     save(keys::kMemoryStart, Str(tone.StartFrequency));
     save(keys::kMemoryEnd, Str(tone.EndFrequency));
@@ -138,7 +137,7 @@ void MemoryTones::cmdGenAdd_Click() {
     current_.sldStartFreq_First();
     current_.sldSweepTime_First();
     current_.sldEndFreq_First();
-    ToneRecord& tone = env_.generator.Tones.front();
+    ToneRecord& tone = needs_.generator.Tones.front();
     tone.Sweep = tone.SweepTime != 0;
     // Playing memory tones may have changed the record's Loop.
     tone.Loop = signal_.chkLoop.Checked();
@@ -146,7 +145,7 @@ void MemoryTones::cmdGenAdd_Click() {
     controls_.ToneList.AddItem(MakeToneLine(tone, signal_.cmbType.Text(), loop));
     if (controls_.ToneList.Count() >= MemoryControls::kEntries) controls_.cmdGenAdd.SetEnabled(false);
     WriteMemoryToRegistry();
-    env_.generator.NumTones = controls_.ToneList.Count() - 1;
+    needs_.generator.NumTones = controls_.ToneList.Count() - 1;
 }
 
 void MemoryTones::cmdRemove_Click() {
@@ -157,7 +156,7 @@ void MemoryTones::cmdRemove_Click() {
 }
 
 void MemoryTones::cmdStartMemory_Click() {
-    if (env_.generator.SweepRunning) {
+    if (needs_.generator.SweepRunning) {
         Stop();
     } else {
         Start();
@@ -169,33 +168,33 @@ void MemoryTones::Start() {
         StartSelected();
     } catch (...) {
         Stop();
-        env_.generator.NumTones = 0;
+        needs_.generator.NumTones = 0;
         throw;
     }
-    env_.generator.SetGeneratorRunning(true);
-    env_.generator.SweepRunning = true;
+    needs_.generator.SetGeneratorRunning(true);
+    needs_.generator.SweepRunning = true;
     controls_.cmdStartMemory.SetCaption("Stop Memory");
 }
 
 void MemoryTones::StartSelected() {
     interlock_.Show(Playing::kMemory);
-    env_.generator.NumTones = 0;
-    env_.generator.SweepCycleCount = 0;
+    needs_.generator.NumTones = 0;
+    needs_.generator.SweepCycleCount = 0;
     for (std::int32_t position = 0; position < controls_.ToneList.Count(); ++position)
         if (controls_.ToneList.Selected(position)) StartEntry(position);
-    env_.generator.ResetTonePhases();
+    needs_.generator.ResetTonePhases();
 }
 
 void MemoryTones::StartEntry(std::int32_t position) {
-    Generator& generator = env_.generator;
+    Generator& generator = needs_.generator;
     if (generator.NumTones >= kToneRecords) throw RuntimeError(error_number::kSubscript);
     ToneRecord& tone = generator.Tones[static_cast<std::size_t>(generator.NumTones)];
     const ToneKeys toneKeys = KeysAtPlayback();
-    ReadTone(env_.settings, position + 1, toneKeys, tone);
-    RequireAudible(env_.settings, position + 1, toneKeys.start, tone.StartFrequency);
+    ReadTone(needs_.settings, position + 1, toneKeys, tone);
+    RequireAudible(needs_.settings, position + 1, toneKeys.start, tone.StartFrequency);
     if (tone.Sweep) {
-        RequireAudible(env_.settings, position + 1, toneKeys.end, tone.EndFrequency);
-        env_.HiTimer1.SetEnabled(true);
+        RequireAudible(needs_.settings, position + 1, toneKeys.end, tone.EndFrequency);
+        needs_.EnableHiTimer1(true);
     }
     tone.LastFrequency = 0.0;
     tone.Frequency = tone.StartFrequency;
@@ -204,9 +203,9 @@ void MemoryTones::StartEntry(std::int32_t position) {
 }
 
 void MemoryTones::Stop() {
-    env_.generator.SetGeneratorRunning(false);
-    env_.generator.SweepRunning = false;
-    env_.HiTimer1.SetEnabled(false);
+    needs_.generator.SetGeneratorRunning(false);
+    needs_.generator.SweepRunning = false;
+    needs_.EnableHiTimer1(false);
     controls_.cmdStartMemory.SetCaption("Start Memory");
     interlock_.Show(Playing::kNothing);
 }

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "core/generator/CurrentSignal.h"
-#include "core/generator/GeneratorEnvironment.h"
+#include "core/generator/GeneratorNeeds.h"
 #include "core/generator/PlayInterlock.h"
 #include "core/generator/SignalControls.h"
 
@@ -15,7 +15,7 @@ class MemoryTones {
 public:
     // Handles the events of the controls. All referenced objects must outlive this object. chkMuteOutput is
     // stored with the tones.
-    MemoryTones(const GeneratorEnvironment& environment, MemoryControls& controls, CurrentSignal& current,
+    MemoryTones(const GeneratorNeeds& needs, MemoryControls& controls, CurrentSignal& current,
                 SignalControls& signal, PlayInterlock& interlock, const CheckBox& chkMuteOutput);
     MemoryTones(const MemoryTones&) = delete;
     MemoryTones& operator=(const MemoryTones&) = delete;
@@ -41,7 +41,7 @@ private:
     void StartEntry(std::int32_t position);
     void Stop();
 
-    GeneratorEnvironment env_;
+    GeneratorNeeds needs_;
     MemoryControls& controls_;
     CurrentSignal& current_;
     SignalControls& signal_;

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/audio/MixerBinding.h"
+#include "core/ports/MixerBinding.h"
 
 namespace sonavex {
 

@@ -3,9 +3,9 @@
 #include <functional>
 #include <string>
 
-#include "core/audio/ErrorLog.h"
 #include "core/ports/Desktop.h"
 #include "core/ports/DesktopFiles.h"
+#include "core/ports/ErrorLog.h"
 #include "core/ports/SoundSystem.h"
 #include "core/report/ErrorState.h"
 #include "core/settings/Settings.h"

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "core/ports/BusyPointer.h"
 #include "core/report/PrinterSupport.h"
 #include "core/report/Report.h"
 #include "core/support/RuntimeError.h"
@@ -13,17 +14,6 @@ constexpr const char* kNotPrinted = "The report could not be printed.";
 constexpr const char* kNotRestored = "The default printer could not be set back.";
 // Up to this major version of the operating system the printer makes the copies itself.
 constexpr std::int32_t kLastGenerationOfOneCopy = 4;
-
-class BusyPointer {
-public:
-    explicit BusyPointer(Dialogs& dialogs) : dialogs_(dialogs) { dialogs_.SetBusyPointer(true); }
-    ~BusyPointer() { dialogs_.SetBusyPointer(false); }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-
-private:
-    Dialogs& dialogs_;
-};
 
 }  // namespace
 

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "core/settings/SharedState.h"
+
 namespace sonavex {
 
 // The seven sampling rates in Hz. The settings store the index.
@@ -12,7 +14,7 @@ inline constexpr std::array<std::int32_t, 7> SampleRateTable{48000, 44100, 32000
 
 // Index of the sampling rate if none is stored.
 constexpr std::int32_t DefaultSampleRateIndex(std::int32_t osMajorVersion) noexcept {
-    return osMajorVersion >= 6 ? 2 : 1;
+    return IsNewerGeneration(osMajorVersion) ? 2 : 1;
 }
 
 // Index of a rate in SampleRateTable; nothing for any other rate.

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "core/audio/ErrorLog.h"
 #include "core/ports/Dialogs.h"
+#include "core/ports/ErrorLog.h"
 #include "core/support/RuntimeError.h"
 
 namespace sonavex {

@@ -22,41 +22,37 @@ constexpr std::int32_t kFallbackRateIndex = 3;
 
 }  // namespace
 
-frmMain::frmMain(const World& world)
-    : Stored(world.store),
-      Measurement(Shared),
-      BaselineOptions(Shared, Stored, world.dialogs, Measurement.Analysis(), Measurement.Controls),
-      Guard(world.dialogs, world.errorLog),
-      HiTimer1(std::make_unique<SweepTimer>(world.loop, Measurement.Tones,
-                                            [this] { return Engine.Restarting(); })),
-      Signals({Shared, Stored, world.dialogs, Measurement.Tones, *HiTimer1}, mnuPrint,
-              Measurement.Controls.chkMuteOutput),
-      Engine(
-          {Shared, Stored, world.sound, world.loop, world.dialogs, world.errorLog, world.mixers, Measurement},
-          {lblInput, lblOutput, lblSampleRate, Signals.Signal.sldStartFreq, Signals.Signal.sldEndFreq}),
-      Watch({world.loop, world.sound, Engine, world.errorLog, Shared, Stored}),
-      world_(world) {
+frmMain::frmMain(const Needs& needs)
+    : Instrument({needs.store, needs.sound, needs.loop, needs.dialogs, needs.errorLog, needs.mixers}),
+      BaselineOptions(Shared, Stored, needs.dialogs, Measurement.Analysis(), Measurement.Controls),
+      Guard(needs.dialogs, needs.errorLog),
+      Signals({Shared, Stored, needs.dialogs, Measurement.Tones,
+               [this](bool enabled) { Instrument.HiTimer1.SetEnabled(enabled); }},
+              mnuPrint, Measurement.Controls.chkMuteOutput),
+      needs_(needs) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
     mnuSoundCard.Click.Handle([this] { mnuSoundCard_Click(); });
     mnuSelectCard.Click.Handle([this] { mnuSelectCard_Click(); });
-    Signals.SetPlaybackVolume([this](std::int32_t level) { SetVolume(level); });
-    Engine.OnLimitsChanged = [this] { Signals.FollowLimits(); };
+    Signals.SetPlaybackVolume([this](std::int32_t level) { Instrument.SetVolume(level); });
+    Engine.OnDevices = [this](const std::string& input, const std::string& output, std::int32_t rateHz) {
+        ShowDevices(input, output, rateHz);
+    };
+    Engine.OnLimits = [this](std::int32_t highestHz) {
+        LimitFrequencySliders(highestHz);
+        Signals.FollowLimits();
+    };
     Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
     Guard.OnEnd = [this](const EndProgram& end) { End(end); };
-    Engine.OnNotified = [this] { Watch.Notified(); };
-    Engine.OnBlockQueued = [this] {
-        Guard.BlockSucceeded();
-        Watch.BlockQueued();
-    };
+    Instrument.OnBlockQueued = [this] { Guard.BlockSucceeded(); };
     Measurement.OnBlock([this] {
         if (Measurement.Updated() && Measurement.Analysis().FreqLocked) mnuPrint.SetEnabled(true);
     });
     Watch.Held = [this] { return choosingDevices_; };
     Watch.OnChanged = [this] { ShowStreamState(); };
-    Watch.OnRestarted = [this] { world_.mixers.SetUpSoundControls(); };
+    Watch.OnRestarted = [this] { needs_.mixers.SetUpSoundControls(); };
     Watch.ChooseDevices = [this] { ChooseDevices(); };
-    endLater_ = world.loop.CreateSignal([this] { End(*end_); });
+    endLater_ = needs.loop.CreateSignal([this] { End(*end_); });
 }
 
 frmMain::~frmMain() {
@@ -69,14 +65,14 @@ std::string frmMain::HelpFileIn(const std::string& folder) {
 
 void frmMain::Form_Load() {
     RefuseSecondInstance();
-    HelpFile = HelpFileIn(world_.desktop.ApplicationFolder());
+    HelpFile = HelpFileIn(needs_.desktop.ApplicationFolder());
     RestorePosition();
     Reached(Started::kPosition);
-    Shared.OsMajorVersion = world_.desktop.OsMajorVersion();
+    Shared.OsMajorVersion = needs_.desktop.OsMajorVersion();
     Frame.SetCaption(std::string(kApplicationTitle) + " & Function Generator");
     BaselineOptions.RestoreBoxes();
     RestoreSampleRate();
-    LimitFrequencySliders();
+    LimitFrequencySliders(Shared.SampleRate / 2);
     Signals.InitGenerator();
     Reached(Started::kGenerator);
     CreateSoundDevices();
@@ -87,13 +83,13 @@ void frmMain::Form_Load() {
 }
 
 void frmMain::RefuseSecondInstance() {
-    if (!world_.desktop.AnotherInstanceRunning()) return;
-    world_.dialogs.Message(kAnotherInstance, MessageIcon::kCritical);
+    if (!needs_.desktop.AnotherInstanceRunning()) return;
+    needs_.dialogs.Message(kAnotherInstance, MessageIcon::kCritical);
     throw EndProgram{0};
 }
 
 void frmMain::RestorePosition() {
-    const Windows::Place place = Windows::Restore(Stored, Frame, world_.desktop.Screens());
+    const Windows::Place place = Windows::Restore(Stored, Frame, needs_.desktop.Screens());
     Frame.Move(place.left, place.top);
 }
 
@@ -109,12 +105,18 @@ void frmMain::RestoreSampleRate() {
     }
     Shared.SampleRate = SampleRateTable[kFallbackRateIndex];
     Stored.Save(keys::kSampleRate, CStr(kFallbackRateIndex));
-    world_.dialogs.Message(kInvalidRate, MessageIcon::kInformation);
+    needs_.dialogs.Message(kInvalidRate, MessageIcon::kInformation);
 }
 
-void frmMain::LimitFrequencySliders() {
-    Signals.Signal.sldStartFreq.SetMax(Shared.SampleRate / 2);
-    Signals.Signal.sldEndFreq.SetMax(Shared.SampleRate / 2);
+void frmMain::ShowDevices(const std::string& input, const std::string& output, std::int32_t rateHz) {
+    lblInput.SetCaption(input);
+    lblOutput.SetCaption(output);
+    lblSampleRate.SetCaption(CStr(rateHz));
+}
+
+void frmMain::LimitFrequencySliders(std::int32_t highestHz) {
+    Signals.Signal.sldStartFreq.SetMax(highestHz);
+    Signals.Signal.sldEndFreq.SetMax(highestHz);
 }
 
 void frmMain::CreateSoundDevices() {
@@ -127,36 +129,23 @@ void frmMain::StartStream() {
     Measurement.Analysis().HistIndex = 0;
     const Band band = AnalysisBand(Shared.SampleRate);
     Measurement.SetUpAnalysis(band.lowHz, band.highHz);
-    world_.mixers.CaptureAndApplySaved(Shared.NewerGeneration());
+    needs_.mixers.CaptureAndApplySaved(Shared.NewerGeneration());
     Reached(Started::kMixers);
-    world_.mixers.SetUpSoundControls();
+    needs_.mixers.SetUpSoundControls();
     Engine.ResetStream();
     HiTimer1->SetInterval(1ms);
-    StartCapture();
+    Instrument.StartCapture();
     FollowPath();
-}
-
-// A device that was removed since it was opened counts as lost.
-void frmMain::StartCapture() {
-    std::optional<RuntimeError> loss;
-    try {
-        Engine.StartCapture();
-    } catch (const RuntimeError& error) {
-        if (error.Number() != sound_error::kBufferLost) throw;
-        loss = error;
-    }
-    Watch.Start();
-    if (loss) Watch.DeviceLost(*loss);
 }
 
 // Polled, because volume changes are not reported.
 void frmMain::FollowPath() {
     ShowPath();
-    if (pathTimer_ == 0) pathTimer_ = world_.loop.StartTimer(1s, [this] { ShowPath(); });
+    if (pathTimer_ == 0) pathTimer_ = needs_.loop.StartTimer(1s, [this] { ShowPath(); });
 }
 
 void frmMain::LeavePath() {
-    world_.loop.StopTimer(pathTimer_);
+    needs_.loop.StopTimer(pathTimer_);
     pathTimer_ = 0;
 }
 
@@ -164,18 +153,6 @@ void frmMain::ShowPath() {
     std::string text;
     for (const std::string& note : Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
     PathNote.SetCaption(text);
-}
-
-// A failure is ignored: StreamWatch reports a lost device, and its successor gets the level when it is
-// created.
-void frmMain::SetVolume(std::int32_t hundredthsDb) {
-    PlaybackBuffer* const buffer = Engine.SecondaryBuffer();
-    if (buffer == nullptr) return;
-    try {
-        buffer->SetVolume(hundredthsDb);
-    } catch (const RuntimeError& error) {
-        if (error.Number() != sound_error::kBufferLost) throw;
-    }
 }
 
 void frmMain::StreamError(const std::exception_ptr& error) {
@@ -215,8 +192,8 @@ void frmMain::Form_QueryUnload() {
     ShutdownStep(Has(Started::kGenerator), [this] { Signals.WriteMemoryToRegistry(); });
     ShutdownStep(Has(Started::kTabs),
                  [this] { Stored.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()})); });
-    ShutdownStep(true, [this] { world_.mixers.UnloadDialogs(); });
-    ShutdownStep(Has(Started::kMixers), [this] { world_.mixers.SaveAndRestoreInitial(); });
+    ShutdownStep(true, [this] { needs_.mixers.UnloadDialogs(); });
+    ShutdownStep(Has(Started::kMixers), [this] { needs_.mixers.SaveAndRestoreInitial(); });
     ShutdownStep(true, [this] { Engine.Release(); });
     ShutdownStep(Has(Started::kPosition), [this] { Windows::Store(Stored, Frame); });
 }
@@ -239,8 +216,8 @@ void frmMain::EndAtOnce() {
     Watch.Stop();
     ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
     ShutdownStep(true, [this] { Engine.Stop(); });
-    ShutdownStep(true, [this] { world_.mixers.UnloadDialogs(); });
-    ShutdownStep(Has(Started::kMixers), [this] { world_.mixers.RestoreInitial(); });
+    ShutdownStep(true, [this] { needs_.mixers.UnloadDialogs(); });
+    ShutdownStep(Has(Started::kMixers), [this] { needs_.mixers.RestoreInitial(); });
     ShutdownStep(true, [this] { Engine.Release(); });
 }
 
@@ -275,7 +252,7 @@ void frmMain::mnuExit_Click() {
 }
 
 void frmMain::mnuSoundCard_Click() {
-    world_.mixers.ShowSoundCard();
+    needs_.mixers.ShowSoundCard();
 }
 
 void frmMain::mnuSelectCard_Click() {
@@ -288,26 +265,26 @@ void frmMain::mnuSelectCard_Click() {
 void frmMain::ChooseDevices() {
     if (choosingDevices_ || Engine.Restarting() || !ShowDeviceDialog) return;
     const ScopedFlag choosing(choosingDevices_);
-    world_.mixers.UnloadDialogs();
+    needs_.mixers.UnloadDialogs();
     ShowDeviceDialog();
 }
 
-frmDevices::Environment frmMain::DevicesEnvironment(DesktopFiles& files, Help& help) {
+frmDevices::Needs frmMain::DevicesNeeds(DesktopFiles& files, Help& help) {
     return {Shared,
             Stored,
-            world_.sound,
-            world_.loop,
-            world_.dialogs,
-            world_.desktop,
+            needs_.sound,
+            needs_.loop,
+            needs_.dialogs,
+            needs_.desktop,
             files,
             help,
             Engine,
-            Measurement.Tones,
-            [this] { world_.mixers.SetUpSoundControls(); }};
+            Signals,
+            [this] { needs_.mixers.SetUpSoundControls(); }};
 }
 
-frmDevices::MainControls frmMain::DevicesControls() {
-    return {lblInput, lblOutput, lblSampleRate, Signals.Signal.Command1, Signals.Memory.cmdStartMemory};
+frmDevices::MainLabels frmMain::DevicesLabels() {
+    return {lblInput, lblOutput, lblSampleRate};
 }
 
 }  // namespace sonavex

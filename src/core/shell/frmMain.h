@@ -7,9 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "core/audio/StreamEngine.h"
-#include "core/audio/StreamWatch.h"
-#include "core/audio/SweepTimer.h"
+#include "core/audio/Instrument.h"
 #include "core/audio/frmDevices.h"
 #include "core/controls/Choices.h"
 #include "core/controls/Commands.h"
@@ -20,14 +18,11 @@
 #include "core/mixer/MixerSession.h"
 #include "core/ports/Desktop.h"
 #include "core/report/MenuControls.h"
-#include "core/settings/Settings.h"
-#include "core/settings/SharedState.h"
 #include "core/shell/HandlerGuard.h"
-#include "core/shell/Meter.h"
 
 namespace sonavex {
 
-// The main form: owns the shared state and the subsystems, starts them and shuts them down in order.
+// The main form: owns the instrument, shows it, starts it and shuts it down in order.
 class frmMain {
 public:
     static constexpr const char* kApplicationTitle = "Sonavex";
@@ -36,7 +31,7 @@ public:
     static std::string HelpFileIn(const std::string& folder);
 
     // All referenced objects must outlive the form.
-    struct World {
+    struct Needs {
         SettingsStore& store;
         SoundSystem& sound;
         EventLoop& loop;
@@ -46,7 +41,7 @@ public:
         MixerSession& mixers;
     };
 
-    explicit frmMain(const World& world);
+    explicit frmMain(const Needs& needs);
     ~frmMain();
     frmMain(const frmMain&) = delete;
     frmMain& operator=(const frmMain&) = delete;
@@ -84,8 +79,8 @@ public:
     // Shows the device selection dialog and returns when it has closed. May throw EndProgram.
     std::function<void()> ShowDeviceDialog;
     // Dependencies of that dialog.
-    frmDevices::Environment DevicesEnvironment(DesktopFiles& files, Help& help);
-    frmDevices::MainControls DevicesControls();
+    frmDevices::Needs DevicesNeeds(DesktopFiles& files, Help& help);
+    frmDevices::MainLabels DevicesLabels();
 
     Window Frame{"frmMain"};
     Label lblInput;
@@ -100,15 +95,16 @@ public:
     MenuItem mnuSelectCard;
     MenuControls Menus;
 
-    SharedState Shared;
-    Settings Stored;
-    Meter Measurement;
+    sonavex::Instrument Instrument;
+    SharedState& Shared = Instrument.Shared;
+    Settings& Stored = Instrument.Settings;
+    Meter& Measurement = Instrument.Meter;
+    SweepTimer* HiTimer1 = &Instrument.HiTimer1;
+    StreamEngine& Engine = Instrument.Engine;
+    StreamWatch& Watch = Instrument.Watch;
     Baseline BaselineOptions;
     HandlerGuard Guard;
-    std::unique_ptr<SweepTimer> HiTimer1;
     GeneratorPanel Signals;
-    StreamEngine Engine;
-    StreamWatch Watch;
     // Why nothing is being measured; empty while blocks arrive.
     Label StreamTrouble;
     // What changes the samples between instrument and cards; empty if nothing is known.
@@ -124,12 +120,11 @@ private:
     void RefuseSecondInstance();
     void RestorePosition();
     void RestoreSampleRate();
-    void LimitFrequencySliders();
+    void ShowDevices(const std::string& input, const std::string& output, std::int32_t rateHz);
+    void LimitFrequencySliders(std::int32_t highestHz);
     void CreateSoundDevices();
     void ChooseDevices();
     void StartStream();
-    void StartCapture();
-    void SetVolume(std::int32_t hundredthsDb);
     void SelectLastTab();
     void ShowStreamState();
     void ShowPath();
@@ -140,7 +135,7 @@ private:
     void Reached(Started stage) noexcept { started_ = stage; }
     bool Has(Started stage) const noexcept { return started_ >= stage; }
 
-    World world_;
+    Needs needs_;
     Started started_ = Started::kNothing;
     bool unloaded_ = false;
     std::optional<EndProgram> end_;

@@ -4,24 +4,15 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QString>
-#include <charconv>
-#include <cstdlib>
 #include <filesystem>
-#include <string_view>
 #include <vector>
 
+#include "platform/plain/OsMajorVersion.h"
 #include "platform/plain/UserFolders.h"
 #include "platform/qt/QtSettingsStore.h"
 
 namespace sonavex {
 namespace {
-
-constexpr std::int32_t kNewestGeneration = 10;
-
-std::string_view Environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
 
 std::vector<std::filesystem::path> LockFiles(const std::string& name) {
     std::vector<std::filesystem::path> files;
@@ -35,11 +26,7 @@ std::vector<std::filesystem::path> LockFiles(const std::string& name) {
 QtDesktop::QtDesktop(const std::string& instanceName) : instance_(LockFiles(instanceName)) {}
 
 std::int32_t QtDesktop::OsMajorVersion() {
-    const std::string_view text = Environment("SONAVEX_OS_MAJOR");
-    const char* const end = text.data() + text.size();
-    std::int32_t version = 0;
-    const auto [read, error] = std::from_chars(text.data(), end, version);
-    return error == std::errc() && read == end ? version : kNewestGeneration;
+    return ParseOsMajorVersion(OsMajorVersionText()).value_or(kOsMajorVersion);
 }
 
 std::string QtDesktop::ApplicationFolder() {

@@ -16,7 +16,7 @@ public:
     // The lock file is in the user's run-time folder. Where that folder is missing or writable by others,
     // the lock file is in the folder of the settings.
     bool AnotherInstanceRunning() override { return instance_.AnotherRuns(); }
-    // 10, or SONAVEX_OS_MAJOR when it is a whole number.
+    // SONAVEX_OS_MAJOR when it is a whole number of 1 to 1000, otherwise 10.
     std::int32_t OsMajorVersion() override;
     std::string ApplicationFolder() override;
     ScreenArea Screens() override;

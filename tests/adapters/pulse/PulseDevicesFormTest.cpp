@@ -78,8 +78,8 @@ public:
 // The form of the selection, loaded, over the instrument.
 struct Selection {
     explicit Selection(Instrument& instrument)
-        : form(instrument.form.DevicesEnvironment(instrument.files, instrument.help),
-               instrument.form.DevicesControls()) {
+        : form(instrument.form.DevicesNeeds(instrument.files, instrument.help),
+               instrument.form.DevicesLabels()) {
         form.OnUnloaded = [this] { closed = true; };
         form.Form_Load();
     }

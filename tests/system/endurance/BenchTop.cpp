@@ -57,7 +57,7 @@ bool BenchTop::Start() {
 }
 
 void BenchTop::MakeForm() {
-    form_ = std::make_unique<frmMain>(frmMain::World{store_, card_, loop_, *this, *this, *this, *this});
+    form_ = std::make_unique<frmMain>(frmMain::Needs{store_, card_, loop_, *this, *this, *this, *this});
     form_->Frame.SetSize(980, 640);
     form_->OnUnloaded = [this](int) { ended_ = true; };
     form_->ShowDeviceDialog = [this] { ChooseDevices(); };
@@ -124,7 +124,7 @@ void BenchTop::SelectRate(std::int32_t index) {
 
 // Somebody selects what is offered, tries Okay and then Cancel, and gives up in the end.
 void BenchTop::ChooseDevices() {
-    frmDevices devices(form_->DevicesEnvironment(*this, *this), form_->DevicesControls());
+    frmDevices devices(form_->DevicesNeeds(*this, *this), form_->DevicesLabels());
     bool closed = false;
     devices.OnUnloaded = [&] { closed = true; };
     devices.Form_Load();

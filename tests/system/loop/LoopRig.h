@@ -1,13 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
-#include <vector>
 
-#include "core/audio/StreamEngine.h"
-#include "core/settings/Settings.h"
-#include "core/shell/Meter.h"
+#include "core/audio/Instrument.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "platform/plain/PlainEventLoop.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
@@ -38,10 +34,7 @@ public:
     std::string PercentText(int n) const;
     std::string DbText(int n) const;
 
-    SharedState shared;
-    Meter meter{shared};
-
-    StreamEngine& Engine() { return *engine_; }
+    StreamEngine& Engine() { return instrument_.Engine; }
 
 private:
     void Message(const std::string& text, MessageIcon icon) override;
@@ -56,14 +49,12 @@ private:
 
     PlainEventLoop loop_;
     MemorySettingsStore store_;
-    Settings settings_{store_};
     SimulatedSoundSystem sound_{loop_, SimulatedSoundSystem::Pace::kStepped};
-    Label lblInput_;
-    Label lblOutput_;
-    Label lblSampleRate_;
-    Slider sldStartFreq_;
-    Slider sldEndFreq_;
-    std::unique_ptr<StreamEngine> engine_;
+    Instrument instrument_{{store_, sound_, loop_, *this, *this, *this}};
+
+public:
+    SharedState& shared = instrument_.Shared;
+    Meter& meter = instrument_.Meter;
 };
 
 }  // namespace sonavex

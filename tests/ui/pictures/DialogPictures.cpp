@@ -37,7 +37,7 @@ public:
     bool Devices(const char* name, bool running, const char* output) {
         rig_.store.Save("SoundCard", "Output", output);
         rig_.form.Shared.EventsReady = running;
-        frmDevices form(rig_.form.DevicesEnvironment(rig_.files, rig_.help), rig_.form.DevicesControls());
+        frmDevices form(rig_.form.DevicesNeeds(rig_.files, rig_.help), rig_.form.DevicesLabels());
         ui::DeviceDialog dialog(form, rig_.form.Guard);
         return Save(dialog, name, dark_, folder_);
     }

@@ -10,8 +10,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "app/common/Sound.h"
 #include "app/sonavex/Program.h"
-#include "app/sonavex/SoundOffer.h"
 #include "support/CallLog.h"
 #include "support/ChildProcess.h"
 #include "support/FakeSoundSystem.h"
@@ -163,15 +163,18 @@ struct Offer {
     CallLog simulatedLog;
     std::function<void(FakeSoundSystem&)> prepare = [](FakeSoundSystem&) {};
 
-    bool Simulated(app::WantedSound wanted) {
+    bool Simulated(app::Sound wanted) {
         const auto make = [](CallLog& callLog, const std::function<void(FakeSoundSystem&)>& change) {
             auto system = std::make_unique<FakeSoundSystem>(callLog);
             change(*system);
             return system;
         };
-        const auto chosen = app::ChooseSound(
+        const auto chosen = app::OfferSound(
             wanted,
-            {[&] { return make(systemLog, prepare); }, [&] { return make(simulatedLog, [](auto&) {}); }},
+            [&](app::Sound sound) {
+                return sound == app::Sound::kSystem ? make(systemLog, prepare)
+                                                    : make(simulatedLog, [](auto&) {});
+            },
             dialogs);
         return &dynamic_cast<FakeSoundSystem&>(*chosen).log == &simulatedLog;
     }
@@ -179,8 +182,8 @@ struct Offer {
 
 TEST(SoundOffer, IsNotMadeWhereTheSystemHasSound) {
     Offer offer;
-    EXPECT_FALSE(offer.Simulated(app::WantedSound::kSystem));
-    EXPECT_TRUE(offer.Simulated(app::WantedSound::kSimulated));
+    EXPECT_FALSE(offer.Simulated(app::Sound::kSystem));
+    EXPECT_TRUE(offer.Simulated(app::Sound::kSimulated));
     EXPECT_THAT(offer.log.Lines(), IsEmpty());
 }
 
@@ -201,7 +204,7 @@ TEST(SoundOffer, IsMadeWhereSomethingIsMissing) {
             Offer offer;
             offer.prepare = prepare;
             offer.dialogs.Answer = accepted;
-            EXPECT_EQ(offer.Simulated(app::WantedSound::kSystem), accepted);
+            EXPECT_EQ(offer.Simulated(app::Sound::kSystem), accepted);
             ASSERT_EQ(offer.log.Count("AskOkCancel"), 1U);
             EXPECT_THAT(offer.log.Lines()[0], HasSubstr(text));
             EXPECT_THAT(offer.log.Lines()[0], HasSubstr("not a measurement"));

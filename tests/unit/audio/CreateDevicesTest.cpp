@@ -52,12 +52,17 @@ TEST_P(CreateDevices, ComparesIdentifiersExactly) {
     EXPECT_EQ(bench.engine.OutputDeviceName, "");
 }
 
-TEST_P(CreateDevices, ShowsDevicesAndRate) {
+TEST_P(CreateDevices, ReportsDevicesAndRateBeforeItMakesBuffers) {
     bench.shared.SampleRate = 44100;
+    bench.engine.OnDevices = [&](const std::string& input, const std::string& output, std::int32_t rateHz) {
+        bench.log.Note("OnDevices " + input + '|' + output + '|' + std::to_string(rateHz));
+    };
     ASSERT_TRUE(bench.engine.CreateDevices());
-    EXPECT_EQ(bench.lblInput.Caption(), "Line A");
-    EXPECT_EQ(bench.lblOutput.Caption(), "Card A");
-    EXPECT_EQ(bench.lblSampleRate.Caption(), "44100");
+    EXPECT_EQ(bench.log.Count("OnDevices"), 1U);
+    EXPECT_EQ(bench.log.Around("OnDevices"),
+              (std::vector<std::string>{
+                  "PointMixersAt Card A|Line A", "OnDevices Line A|Card A|44100",
+                  Newer() ? "ReopenSoundCard Card A|Line A" : "playbackDevice.SetCooperativeLevel 2"}));
 }
 
 // Rate and average bytes per second.

@@ -38,7 +38,7 @@ TEST(FreshEngine, AsksForBuffersOfFourAndEightBlocks) {
 TEST(FreshWatch, HasSeenNoLoss) {
     EngineBench bench;
     const StreamWatch watch{
-        {bench.loop, bench.sound, bench.engine, bench.errorLog, bench.shared, bench.settings}};
+        {bench.loop, bench.sound, bench.engine, bench.errorLog, bench.shared, bench.settings}, {}};
     EXPECT_FALSE(watch.Stopped());
     EXPECT_EQ(watch.Losses(), 0U);
 }
@@ -47,7 +47,8 @@ TEST(FreshWatch, HasSeenNoLoss) {
 TEST(FreshWatch, TellsOfAFirstStartThatBringsNothing) {
     EngineBench bench;
     bench.Start();
-    StreamWatch watch{{bench.loop, bench.sound, bench.engine, bench.errorLog, bench.shared, bench.settings}};
+    StreamWatch watch{{bench.loop, bench.sound, bench.engine, bench.errorLog, bench.shared, bench.settings},
+                      {}};
     watch.Start();
     bench.loop.Advance(3200ms);
     EXPECT_EQ(bench.log.Count("WriteErrorLog"), 1U);

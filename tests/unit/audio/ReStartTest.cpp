@@ -107,18 +107,24 @@ TEST_P(ReStart, ClearsEventsReadyBeforeItYields) {
 
 TEST_P(ReStart, TakesTheNewRateOver) {
     bench.Start();
-    bench.sldStartFreq.SetRange(1, 16000);
-    bench.sldEndFreq.SetRange(1, 16000);
-    bench.sldEndFreq.SetValue(15000);
     bench.shared.SampleRate = 22050;
     EXPECT_TRUE(bench.engine.ReStart());
-    EXPECT_EQ(bench.sldStartFreq.Max(), 11025);
-    EXPECT_EQ(bench.sldEndFreq.Max(), 11025);
-    EXPECT_EQ(bench.sldEndFreq.Value(), 11025);
-    EXPECT_EQ(bench.sldStartFreq.Min(), 1);
     EXPECT_THAT(bench.log.Of("SetUpAnalysis"), ElementsAre("SetUpAnalysis 20 10925"));
     EXPECT_EQ(bench.sound.captureDescription.format.samplesPerSecond, 22050U);
     EXPECT_EQ(bench.sound.playbackDescription.format.samplesPerSecond, 22050U);
+}
+
+// The limits of the frequencies are set when the pointer is back and before playback and capture start.
+TEST_P(ReStart, ReportsTheLimitsOnceBeforeItStarts) {
+    bench.Start();
+    bench.shared.SampleRate = 22050;
+    bench.engine.OnLimits = [&](std::int32_t highestHz) {
+        bench.log.Note("OnLimits " + std::to_string(highestHz));
+    };
+    EXPECT_TRUE(bench.engine.ReStart());
+    EXPECT_EQ(bench.log.Count("OnLimits"), 1U);
+    EXPECT_THAT(bench.log.Around("OnLimits"),
+                ElementsAre("SetBusyPointer off", "OnLimits 11025", "playbackBuffer.SetCurrentPosition 0"));
 }
 
 TEST_P(ReStart, AnswersFalseWhileItRunsAlready) {
@@ -136,7 +142,8 @@ TEST_P(ReStart, AnswersFalseWhileItRunsAlready) {
 
 TEST_P(ReStart, RestoresThePointerWhenDevicesFail) {
     bench.Start();
-    bench.sldStartFreq.SetRange(1, 500);
+    int limits = 0;
+    bench.engine.OnLimits = [&](std::int32_t) { ++limits; };
     bench.log.Fail("captureDevice.CreateBuffer", RuntimeError(sound_error::kAllocated, "in use"));
     EXPECT_FALSE(bench.engine.ReStart());
     EXPECT_EQ(bench.log.Lines().back(), "SetBusyPointer off");
@@ -144,7 +151,7 @@ TEST_P(ReStart, RestoresThePointerWhenDevicesFail) {
     EXPECT_EQ(bench.log.Count("CreateEvent"), 0U);
     EXPECT_FALSE(bench.shared.EventsReady);
     EXPECT_FALSE(bench.engine.Restarting());
-    EXPECT_EQ(bench.sldStartFreq.Max(), 500);
+    EXPECT_EQ(limits, 0);
 }
 
 TEST_P(ReStart, RestoresThePointerWhenAnErrorEscapes) {

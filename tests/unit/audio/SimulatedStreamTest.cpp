@@ -55,10 +55,7 @@ protected:
     RecordingErrorLog errorLog{log};
     RecordingMixers mixers{log};
     RecordingProcessor processor{log};
-    Label label;
-    Slider slider;
-    StreamEngine engine{{shared, settings, sound, loop, dialogs, errorLog, mixers, processor},
-                        {label, label, label, slider, slider}};
+    StreamEngine engine{{shared, settings, sound, loop, dialogs, errorLog, mixers, processor}};
     std::vector<std::int32_t> segments;
     std::vector<std::int16_t> lastCaptured;
     int blocksMade = 0;

@@ -68,11 +68,8 @@ TEST(StreamShutdown, HappensWhenTheEngineGoes) {
     RecordingErrorLog errorLog(log);
     RecordingMixers mixers(log);
     RecordingProcessor processor(log);
-    Label label;
-    Slider slider;
     {
-        StreamEngine engine({shared, settings, sound, loop, dialogs, errorLog, mixers, processor},
-                            {label, label, label, slider, slider});
+        StreamEngine engine({shared, settings, sound, loop, dialogs, errorLog, mixers, processor});
         ASSERT_TRUE(engine.CreateDevices());
         ASSERT_TRUE(engine.SetEvents());
         log.Fail("DestroyEvent", RuntimeError(5));

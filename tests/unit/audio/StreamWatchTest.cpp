@@ -36,7 +36,7 @@ struct WatchBench : EngineBench {
     static constexpr auto kLook = 150ms;
     void Replug() { sound.playbackDevices = kept; }
 
-    StreamWatch watch{{loop, sound, engine, errorLog, shared, settings}};
+    StreamWatch watch{{loop, sound, engine, errorLog, shared, settings}, {}};
     int changes = 0;
     int choices = 0;
     SoundDeviceList kept;

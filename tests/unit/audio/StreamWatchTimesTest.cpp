@@ -37,7 +37,7 @@ struct TimesBench : EngineBench {
         RunBlocks(1);
     }
 
-    StreamWatch watch{{loop, sound, engine, errorLog, shared, settings}};
+    StreamWatch watch{{loop, sound, engine, errorLog, shared, settings}, {}};
     int choices = 0;
 };
 

@@ -6,8 +6,8 @@
 #include <numbers>
 #include <string>
 
+#include "core/audio/Meter.h"
 #include "core/settings/SampleRates.h"
-#include "core/shell/Meter.h"
 #include "core/text/Numbers.h"
 #include "support/Blocks.h"
 #include "support/Golden.h"

@@ -220,7 +220,7 @@ TEST_F(MemoryList, ComesBackAtTheNextStart) {
     Select(1);
     panel.WriteMemoryToRegistry();
     const std::vector<std::string> lines = Lines();
-    GeneratorPanel next({bench.shared, settings, dialogs, generator, timer}, mnuPrint, chkMuteOutput);
+    GeneratorPanel next(needs, mnuPrint, chkMuteOutput);
     next.InitGenerator();
     ASSERT_EQ(next.Memory.ToneList.Count(), 2);
     EXPECT_EQ(next.Memory.ToneList.List(0), lines[0]);

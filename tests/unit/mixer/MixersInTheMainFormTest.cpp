@@ -34,7 +34,7 @@ struct MixedForm : MixerWorld {
     void ChooseTheOtherOutput() {
         form.ShowDeviceDialog = [this] {
             loadedMeanwhile = mixers.SoundVista.Loaded() || mixers.Tone.Loaded() || mixers.Sound.Loaded();
-            frmDevices devices(form.DevicesEnvironment(files, help), form.DevicesControls());
+            frmDevices devices(form.DevicesNeeds(files, help), form.DevicesLabels());
             devices.Form_Load();
             devices.cmbOutputMixer.UserSelects(1);
             devices.cmdOkay.Press();

@@ -50,8 +50,7 @@ TEST(SelectCard, ChangesDevicesAndRateAndStopsTheSignal) {
     ASSERT_TRUE(world.form.Measurement.Tones.SweepRunning);
     bool closed = false;
     world.form.ShowDeviceDialog = [&] {
-        frmDevices devices(world.form.DevicesEnvironment(world.files, world.help),
-                           world.form.DevicesControls());
+        frmDevices devices(world.form.DevicesNeeds(world.files, world.help), world.form.DevicesLabels());
         devices.OnUnloaded = [&] { closed = true; };
         devices.Form_Load();
         EXPECT_EQ(devices.cmbOutputMixer.Text(), "Card A");
@@ -77,7 +76,7 @@ TEST(SelectCard, StopsMemoryTonesToo) {
     memory.ToneList.UserSelects(0, true);
     memory.cmdStartMemory.Press();
     ASSERT_EQ(memory.cmdStartMemory.Caption(), "Stop Memory");
-    frmDevices devices(world.form.DevicesEnvironment(world.files, world.help), world.form.DevicesControls());
+    frmDevices devices(world.form.DevicesNeeds(world.files, world.help), world.form.DevicesLabels());
     devices.Form_Load();
     devices.cmdOkay.Press();
     EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
@@ -89,8 +88,7 @@ TEST(SelectCard, AtAFailedStartEndsInARunningInstrument) {
     world.log.Fail("CreateCaptureDevice", RuntimeError(sound_error::kNoDriver, "gone"));
     world.form.ShowDeviceDialog = [&] {
         world.log.Heal("CreateCaptureDevice");
-        frmDevices devices(world.form.DevicesEnvironment(world.files, world.help),
-                           world.form.DevicesControls());
+        frmDevices devices(world.form.DevicesNeeds(world.files, world.help), world.form.DevicesLabels());
         devices.Form_Load();
         EXPECT_FALSE(devices.cmdCancel.Enabled());
         devices.cmbInputMixer.UserSelects(1);

@@ -238,8 +238,14 @@ TEST(LowerRate, ClampsTheFrequenciesAndShowsThem) {
     FormRig rig;
     rig.form.Form_Load();
     rig.form.Signals.Signal.sldStartFreq.UserMoves(15000);
+    rig.form.Signals.Signal.sldEndFreq.UserMoves(15500);
     rig.form.Shared.SampleRate = 16000;
     ASSERT_TRUE(rig.form.Engine.ReStart());
+    EXPECT_EQ(rig.form.Signals.Signal.sldEndFreq.Max(), 8000);
+    EXPECT_EQ(rig.form.Signals.Signal.sldEndFreq.Value(), 8000);
+    EXPECT_EQ(rig.form.Signals.Signal.txtGenEndFreq.Text(), "8000");
+    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Max(), 8000);
+    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Min(), 1);
     EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Value(), 8000);
     EXPECT_EQ(rig.form.Signals.Signal.txtGenFreq.Text(), "8000");
     EXPECT_EQ(rig.form.Measurement.Tones.Tones[0].StartFrequency, 8000.0);

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/shell/Meter.h"
+#include "core/audio/Meter.h"
 #include "support/Blocks.h"
 #include "support/Errors.h"
 

@@ -1,4 +1,4 @@
-#include "fuzz/Instrument.h"
+#include "fuzz/FuzzRig.h"
 
 #include <array>
 #include <chrono>
@@ -30,7 +30,7 @@ bool IsReading(const std::string& caption) {
 
 }  // namespace
 
-Instrument::Instrument(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool plainText)
+FuzzRig::FuzzRig(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool plainText)
     : store(settingsStore), plainText_(plainText) {
     desktop.majorVersion = osMajorVersion;
     form.Frame.SetSize(980, 640);
@@ -38,9 +38,9 @@ Instrument::Instrument(SettingsStore& settingsStore, std::int32_t osMajorVersion
     form.OnUnloaded = [this](int) { ended_ = true; };
 }
 
-Instrument::~Instrument() = default;
+FuzzRig::~FuzzRig() = default;
 
-bool Instrument::Start() {
+bool FuzzRig::Start() {
     try {
         form.Form_Load();
         running_ = true;
@@ -61,8 +61,8 @@ bool Instrument::Start() {
 }
 
 // As the forms' owner does it: dialog after dialog until one may close.
-void Instrument::ShowDevices() {
-    frmDevices devices(form.DevicesEnvironment(files, help), form.DevicesControls());
+void FuzzRig::ShowDevices() {
+    frmDevices devices(form.DevicesNeeds(files, help), form.DevicesLabels());
     bool open = true;
     devices.OnUnloaded = [&open] { open = false; };
     devices.Frame.SetSize(500, 300);
@@ -76,13 +76,13 @@ void Instrument::ShowDevices() {
     Require(!open, "the dialog for devices closes");
 }
 
-void Instrument::Act(const std::function<void()>& action) {
+void FuzzRig::Act(const std::function<void()>& action) {
     if (ended_) return;
     form.Guard.Run(action);
     Check(After::kAnAction);
 }
 
-void Instrument::Step(int blocks) {
+void FuzzRig::Step(int blocks) {
     const std::chrono::nanoseconds block{std::int64_t{2048} * 1'000'000'000 / form.Shared.SampleRate};
     for (int i = 0; i < blocks && !ended_; ++i) {
         const std::uint64_t before = form.Engine.Blocks;
@@ -96,27 +96,27 @@ void Instrument::Step(int blocks) {
     }
 }
 
-void Instrument::ShutDown() {
+void FuzzRig::ShutDown() {
     if (!ended_) form.Unload();
     Require(ended_, "the instrument ends");
     CheckTexts();
 }
 
-std::size_t Instrument::ErrorsTold() const {
+std::size_t FuzzRig::ErrorsTold() const {
     std::size_t told = 0;
     for (const std::string& line : log.Lines())
         if (line.starts_with(kMessage) && line.find(kRunTimeError) != std::string::npos) ++told;
     return told;
 }
 
-void Instrument::Check(After what) {
+void FuzzRig::Check(After what) {
     CheckReadings();
     CheckGenerator(what);
     CheckTexts();
     CheckMixers();
 }
 
-void Instrument::CheckReadings() {
+void FuzzRig::CheckReadings() {
     const MeasurementControls& shown = form.Measurement.Controls;
     const modDSP::State& state = form.Measurement.Analysis();
     for (std::size_t i = 0; i < modDSP::kHarmonics; ++i) {
@@ -134,7 +134,7 @@ void Instrument::CheckReadings() {
                 "a finite output");
 }
 
-void Instrument::CheckGenerator(After what) {
+void FuzzRig::CheckGenerator(After what) {
     const SignalControls& signal = form.Signals.Signal;
     for (const Slider* slider :
          {&signal.sldStartFreq, &signal.sldEndFreq, &signal.sldSweepTime, &signal.sldLevel})
@@ -152,11 +152,11 @@ void Instrument::CheckGenerator(After what) {
     }
 }
 
-void Instrument::CheckShown(const std::string& text, const char* what) const {
+void FuzzRig::CheckShown(const std::string& text, const char* what) const {
     if (plainText_) Require(IsUtf8(text), what, text);
 }
 
-void Instrument::CheckTexts() {
+void FuzzRig::CheckTexts() {
     const std::vector<std::string>& lines = log.Lines();
     for (; linesSeen_ < lines.size(); ++linesSeen_) {
         const std::string& line = lines[linesSeen_];
@@ -171,7 +171,7 @@ void Instrument::CheckTexts() {
         CheckShown(item.text, "a line of the list is UTF-8");
 }
 
-void Instrument::CheckMixers() {
+void FuzzRig::CheckMixers() {
     std::int32_t status = 0;
     for (const std::int32_t level :
          {mixers.Library.GetMasterVolume(status), mixers.Library.GetMicRecordVolume(status)})

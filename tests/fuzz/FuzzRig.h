@@ -22,13 +22,13 @@ namespace sonavex::fuzz {
 
 // The whole instrument without its face, as the program puts it together, on the stepped simulated card.
 // What the user would see of it is looked at: Check after every step.
-class Instrument {
+class FuzzRig {
 public:
     // The store must outlive the instrument. `plainText`: what goes in is UTF-8, so what is shown must be.
-    Instrument(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool plainText);
-    ~Instrument();
-    Instrument(const Instrument&) = delete;
-    Instrument& operator=(const Instrument&) = delete;
+    FuzzRig(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool plainText);
+    ~FuzzRig();
+    FuzzRig(const FuzzRig&) = delete;
+    FuzzRig& operator=(const FuzzRig&) = delete;
 
     // The start, as the program makes it: true when the instrument runs; false when settings kept it from
     // that, which has then been told with the key that is to blame, and the shutdown has run.

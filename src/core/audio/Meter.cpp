@@ -1,4 +1,4 @@
-#include "core/shell/Meter.h"
+#include "core/audio/Meter.h"
 
 #include <utility>
 

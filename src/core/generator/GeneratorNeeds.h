@@ -1,7 +1,8 @@
 #pragma once
 
+#include <functional>
+
 #include "core/generator/Generator.h"
-#include "core/generator/SweepClock.h"
 #include "core/ports/Dialogs.h"
 #include "core/settings/Settings.h"
 #include "core/settings/SharedState.h"
@@ -9,12 +10,13 @@
 namespace sonavex {
 
 // All referenced objects must outlive the panels.
-struct GeneratorEnvironment {
+struct GeneratorNeeds {
     const SharedState& shared;
     Settings& settings;
     Dialogs& dialogs;
     Generator& generator;
-    SweepClock& HiTimer1;
+    // Starts and stops the timer that advances the sweeps.
+    std::function<void(bool)> EnableHiTimer1;
 };
 
 }  // namespace sonavex
