@@ -41,7 +41,7 @@ protected:
 
 TYPED_TEST_SUITE_P(EventLoopContract);
 
-TYPED_TEST_P(EventLoopContract, SignalsAreDeliveredInTheOrderOfTheirRings) {
+TYPED_TEST_P(EventLoopContract, SignalsAreDeliveredInTheOrderInWhichTheyWereRaised) {
     const auto a = this->Writing("a");
     const auto b = this->Writing("b");
     const auto c = this->Writing("c");
@@ -55,7 +55,7 @@ TYPED_TEST_P(EventLoopContract, SignalsAreDeliveredInTheOrderOfTheirRings) {
     EXPECT_EQ(this->log_, "cab");
 }
 
-TYPED_TEST_P(EventLoopContract, ASecondRingWhileWaitingIsTheSameRing) {
+TYPED_TEST_P(EventLoopContract, ASecondRaiseWhileWaitingIsTheSameRequest) {
     const auto a = this->Writing("a");
     const auto b = this->Writing("b");
     EXPECT_TRUE(a->Raise());
@@ -68,7 +68,7 @@ TYPED_TEST_P(EventLoopContract, ASecondRingWhileWaitingIsTheSameRing) {
     EXPECT_EQ(this->log_, "aba");
 }
 
-TYPED_TEST_P(EventLoopContract, DestroyingDiscardsAWaitingRing) {
+TYPED_TEST_P(EventLoopContract, DestroyingDiscardsAWaitingSignal) {
     const auto a = this->Writing("a");
     auto b = this->Writing("b");
     const auto c = this->Writing("c");
@@ -102,7 +102,7 @@ TYPED_TEST_P(EventLoopContract, AHandlerMayDestroyTheNextSignal) {
     EXPECT_EQ(this->log_, "");
 }
 
-TYPED_TEST_P(EventLoopContract, YieldLeavesRingsOfItsHandlersForTheNextYield) {
+TYPED_TEST_P(EventLoopContract, YieldLeavesSignalsOfItsHandlersForTheNextYield) {
     std::unique_ptr<Signal> again;
     again = this->Loop().CreateSignal([&] {
         this->log_ += "x";
@@ -147,7 +147,7 @@ TYPED_TEST_P(EventLoopContract, AnErrorInAHandlerLeavesTheOthersWaiting) {
     EXPECT_TRUE(bad->Raise());
 }
 
-TYPED_TEST_P(EventLoopContract, RingFromAnotherThreadWakesTheLoop) {
+TYPED_TEST_P(EventLoopContract, ASignalFromAnotherThreadWakesTheLoop) {
     bool delivered = false;
     std::thread::id on;
     const auto signal = this->Loop().CreateSignal([&] {
@@ -163,9 +163,9 @@ TYPED_TEST_P(EventLoopContract, RingFromAnotherThreadWakesTheLoop) {
     EXPECT_EQ(on, std::this_thread::get_id());
 }
 
-TYPED_TEST_P(EventLoopContract, EveryAcceptedRingOfManyThreadsIsDeliveredOnce) {
+TYPED_TEST_P(EventLoopContract, EveryAcceptedSignalOfManyThreadsIsDeliveredOnce) {
     constexpr int kThreads = 3;
-    constexpr int kRings = 2000;
+    constexpr int kRaises = 2000;
     std::vector<std::unique_ptr<Signal>> signals;
     std::atomic<int> accepted{0};
     std::atomic<int> finished{0};
@@ -174,7 +174,7 @@ TYPED_TEST_P(EventLoopContract, EveryAcceptedRingOfManyThreadsIsDeliveredOnce) {
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([&] {
-            for (int i = 0; i < kRings; ++i)
+            for (int i = 0; i < kRaises; ++i)
                 if (signals[static_cast<std::size_t>(i) % 2]->Raise()) ++accepted;
             ++finished;
         });
@@ -185,7 +185,7 @@ TYPED_TEST_P(EventLoopContract, EveryAcceptedRingOfManyThreadsIsDeliveredOnce) {
     EXPECT_GE(delivered, 2);
 }
 
-TYPED_TEST_P(EventLoopContract, AWaitingRingDiesWithTheLoop) {
+TYPED_TEST_P(EventLoopContract, AWaitingSignalEndsWithTheLoop) {
     const auto kept = std::make_shared<int>(0);
     auto first = this->Loop().CreateSignal([kept] { ++*kept; });
     auto second = this->Loop().CreateSignal([kept] { ++*kept; });
@@ -295,15 +295,16 @@ TYPED_TEST_P(EventLoopContract, TimerStoppingAnUnknownTimerIsIgnored) {
     loop.StopTimer(id);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(EventLoopContract, SignalsAreDeliveredInTheOrderOfTheirRings,
-                            ASecondRingWhileWaitingIsTheSameRing, DestroyingDiscardsAWaitingRing,
+REGISTER_TYPED_TEST_SUITE_P(EventLoopContract, SignalsAreDeliveredInTheOrderInWhichTheyWereRaised,
+                            ASecondRaiseWhileWaitingIsTheSameRequest, DestroyingDiscardsAWaitingSignal,
                             AHandlerMayDestroyItsOwnSignal, AHandlerMayDestroyTheNextSignal,
-                            YieldLeavesRingsOfItsHandlersForTheNextYield,
+                            YieldLeavesSignalsOfItsHandlersForTheNextYield,
                             YieldInsideAHandlerDeliversTheRestOnce, AnErrorInAHandlerLeavesTheOthersWaiting,
-                            RingFromAnotherThreadWakesTheLoop, EveryAcceptedRingOfManyThreadsIsDeliveredOnce,
-                            AWaitingRingDiesWithTheLoop, TimerTicksUntilStopped,
-                            TimerDoesNotTickBeforeItsInterval, TimerDoesNotMakeUpForLateTicks,
-                            TimerAHandlerMayStopItsOwnTimer, TimerAHandlerMayStopAnotherTimerThatIsDue,
+                            ASignalFromAnotherThreadWakesTheLoop,
+                            EveryAcceptedSignalOfManyThreadsIsDeliveredOnce, AWaitingSignalEndsWithTheLoop,
+                            TimerTicksUntilStopped, TimerDoesNotTickBeforeItsInterval,
+                            TimerDoesNotMakeUpForLateTicks, TimerAHandlerMayStopItsOwnTimer,
+                            TimerAHandlerMayStopAnotherTimerThatIsDue,
                             TimerAHandlerThatYieldsIsNotCalledInsideItself,
                             TimerGoesOnAfterAnErrorInItsHandler, TimerStoppingAnUnknownTimerIsIgnored);
 

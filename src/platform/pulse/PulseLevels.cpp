@@ -59,7 +59,7 @@ pa_cvolume VolumeOf(const std::vector<std::int32_t>& volumes) {
 }  // namespace
 
 PulseLevels::PulseLevels(EventLoop& loop, const std::string& serverAddress)
-    : bell_(loop.CreateSignal([this] {
+    : changeSignal_(loop.CreateSignal([this] {
           const auto handler = changed_;
           if (handler) handler();
       })),
@@ -70,7 +70,7 @@ PulseLevels::PulseLevels(EventLoop& loop, const std::string& serverAddress)
 PulseLevels::~PulseLevels() = default;
 
 void PulseLevels::Changed(pa_context*, pa_subscription_event_type_t, uint32_t, void* levels) {
-    static_cast<PulseLevels*>(levels)->bell_->Raise();
+    static_cast<PulseLevels*>(levels)->changeSignal_->Raise();
 }
 
 // A server that does not take the subscription shows its changes on demand only.

@@ -54,7 +54,7 @@ private:
     static void Changed(pa_context*, pa_subscription_event_type_t, uint32_t, void* levels);
 
     std::function<void()> changed_;
-    std::unique_ptr<Signal> bell_;
+    std::unique_ptr<Signal> changeSignal_;
     PulseContext context_;
     std::chrono::steady_clock::time_point deadUntil_{};
     std::optional<RuntimeError> lastError_;

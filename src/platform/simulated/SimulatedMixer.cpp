@@ -77,7 +77,7 @@ private:
 };
 
 SimulatedMixer::SimulatedMixer(SimulatedSoundSystem& system, EventLoop& loop)
-    : system_(system), bell_(loop.CreateSignal([this] {
+    : system_(system), changeSignal_(loop.CreateSignal([this] {
           const auto handler = changed_;
           if (handler) handler();
       })) {
@@ -141,7 +141,7 @@ void SimulatedMixer::SetValues(MixerFunction function, const std::vector<std::in
     std::transform(values.begin(), values.end(), element->second->values.begin(),
                    [&](std::int32_t value) { return std::clamp(value, range.minimum, range.maximum); });
     Apply();
-    bell_->Raise();
+    changeSignal_->Raise();
 }
 
 void SimulatedMixer::Apply() {

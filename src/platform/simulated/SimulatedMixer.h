@@ -55,7 +55,7 @@ private:
     SimulatedSoundSystem& system_;
     std::map<MixerFunction, std::shared_ptr<Element>> elements_;
     std::function<void()> changed_;
-    std::unique_ptr<Signal> bell_;
+    std::unique_ptr<Signal> changeSignal_;
     int writes_ = 0;
 };
 

@@ -35,8 +35,8 @@ struct Theme {
     static Theme Dark();
 };
 
-// Applies colours and fonts to a window and its widgets. A widget's property "role" selects its style: unit, title,
-// quiet, value, figure, boldfigure, figureSmall, order, state, rate, primary, note, preset, alarm.
+// Applies colours and fonts to a window and its widgets. A widget's property "role" selects its style: unit,
+// title, quiet, value, figure, boldfigure, figureSmall, order, state, rate, primary, note, preset, alarm.
 void ApplyTheme(QWidget& window);
 
 // Follows changes of the desktop's colours and fonts. One for each window.

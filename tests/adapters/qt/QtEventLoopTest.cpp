@@ -48,14 +48,14 @@ protected:
 };
 
 // Nothing else wakes the loop, so a wake that is lost shows.
-TEST_F(QtEventLoopTest, EveryRingWakesASleepingLoop) {
+TEST_F(QtEventLoopTest, EverySignalWakesASleepingLoop) {
     constexpr int kRounds = 3000;
     QEventLoop running;
     std::atomic<int> delivered{0};
     const auto signal = loop_.CreateSignal([&] {
         if (++delivered == kRounds) running.quit();
     });
-    std::thread ringer([&] {
+    std::thread raiser([&] {
         const auto end = std::chrono::steady_clock::now() + 10s;
         for (int round = 0; round < kRounds; ++round) {
             EXPECT_TRUE(signal->Raise());
@@ -63,13 +63,13 @@ TEST_F(QtEventLoopTest, EveryRingWakesASleepingLoop) {
         }
     });
     EXPECT_TRUE(Run(running));
-    ringer.join();
+    raiser.join();
     EXPECT_EQ(delivered, kRounds);
 }
 
-TEST_F(QtEventLoopTest, RingsOfSeveralThreadsAllArriveInASleepingLoop) {
+TEST_F(QtEventLoopTest, SignalsOfSeveralThreadsAllArriveInASleepingLoop) {
     constexpr int kThreads = 3;
-    constexpr int kRings = 5000;
+    constexpr int kRaises = 5000;
     QEventLoop running;
     std::atomic<int> accepted{0};
     std::atomic<int> finished{0};
@@ -80,7 +80,7 @@ TEST_F(QtEventLoopTest, RingsOfSeveralThreadsAllArriveInASleepingLoop) {
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([&] {
-            for (std::size_t i = 0; i < kRings; ++i) {
+            for (std::size_t i = 0; i < kRaises; ++i) {
                 if (signals[i % signals.size()]->Raise()) ++accepted;
                 if (i % 64 == 0) std::this_thread::sleep_for(100us);
             }
