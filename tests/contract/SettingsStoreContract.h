@@ -9,7 +9,7 @@
 
 namespace sonavex {
 
-// Texts that a store may be tempted to change.
+// Texts that a store might alter.
 inline std::vector<std::string> AwkwardTexts() {
     std::vector<std::string> texts{"",
                                    " ",
@@ -55,10 +55,9 @@ inline std::vector<std::string> AwkwardTexts() {
     return texts;
 }
 
-// What every settings store keeps. A Platform is default constructible, lives for one test, and offers
-//   SettingsStore& Store()    at first without a value
-//   void Reopen()             ends the store and opens another one on the same values, where values
-//                             outlive a store
+// Contract of every settings store. A Platform is default constructible, lives for one test, and offers
+// SettingsStore& Store() initially empty
+// void Reopen() closes the store and opens another one on the same values, if values outlive a store
 template <class Platform>
 class SettingsStoreContract : public testing::Test {
 protected:

@@ -7,7 +7,7 @@
 namespace sonavex::fuzz {
 namespace {
 
-// Bytes of the character that the text begins with; 0 when it begins with none.
+// Length in bytes of the UTF-8 character at the start of the text; 0 if there is none.
 std::size_t CharacterLength(std::string_view text) {
     const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     const auto tail = [&](std::size_t at, unsigned from, unsigned to) {

@@ -5,22 +5,22 @@
 #include <string>
 #include <string_view>
 
-// The one function of a fuzz target: does with the bytes what the instrument does with such input, and
-// ends the program when a property does not hold. Returns 0.
+// Entry point of a fuzz target: handles the bytes as the instrument handles such input, and ends the program
+// when a property does not hold. Returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace sonavex::fuzz {
 
-// Ends the program with a message when the condition does not hold.
+// Ends the program with a message if the condition does not hold.
 void Require(bool condition, const char* property, std::string_view detail = {});
 
-// Whether every byte of the text belongs to a character of UTF-8, none of them written too long.
+// Whether the text is valid UTF-8 without overlong sequences.
 bool IsUtf8(std::string_view text);
 
-// The same text with a question mark in the place of each byte that belongs to no character.
+// The text with a question mark for each invalid byte.
 std::string AsUtf8(std::string_view text);
 
-// Reads an input piece by piece from its front. Where it ends, zeros and empty texts follow.
+// Reads an input from its front. After its end, zeros and empty texts follow.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
@@ -28,9 +28,9 @@ public:
 
     bool AtEnd() const noexcept { return rest_.empty(); }
     std::uint8_t Byte();
-    // A number of two bytes, lower one first.
+    // A two-byte number, little-endian.
     std::uint16_t Word();
-    // Up to the next line break, which is taken off too.
+    // The text up to the next line break, which is consumed too.
     std::string_view Line();
     std::string_view Bytes(std::size_t count);
     std::string_view Rest() const noexcept { return rest_; }

@@ -17,7 +17,7 @@ std::string Number(std::uint64_t value, unsigned width) {
     return bytes;
 }
 
-// Seven bits a byte, highest first.
+// Seven bits per byte, highest first.
 std::string Packed(std::uint64_t value) {
     std::string bytes(1, static_cast<char>(value & 0x7FU));
     for (value >>= 7U; value > 0; value >>= 7U)
@@ -55,7 +55,7 @@ std::string DirectoryBlock(const std::vector<HelpPart>& parts) {
     return block;
 }
 
-// The checksum of POSIX, a table entry for each byte.
+// Table of the POSIX checksum.
 std::array<std::uint32_t, 256> ChecksumTable() {
     std::array<std::uint32_t, 256> table{};
     for (std::uint32_t byte = 0; byte < 256; ++byte) {

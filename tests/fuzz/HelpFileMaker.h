@@ -7,14 +7,14 @@ namespace sonavex::fuzz {
 
 // A file inside a help file.
 struct HelpPart {
-    std::string name;  // with its slash
+    std::string name;  // with a leading slash
     std::string content;
 };
 
-// A help file with these parts, stored as they are, sealed. The names must fit one directory block.
+// A sealed help file with these parts, uncompressed. The names must fit into one directory block.
 std::string MakeHelpFile(const std::vector<HelpPart>& parts);
 
-// The content with the checksum line that its compilation would add.
+// The content with the checksum line that the compilation adds.
 std::string Sealed(const std::string& content);
 
 }  // namespace sonavex::fuzz

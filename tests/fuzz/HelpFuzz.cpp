@@ -1,9 +1,8 @@
-// Help files and their pages of any content: a book that can be read and searched, or a refusal.
+// Help files and pages with any content: the result is a readable, searchable book or a refusal.
 //
-// First byte: 0 a file as it is, 1 the frame of a file, 2 a file made of the parts that follow and sealed,
-// 3 a page. The library that unpacks compressed files is not made for damaged ones, which is why the
-// instrument looks at checksum and frame first; so files with compressed parts do not get a right
-// checksum here.
+// First byte: 0 a file as it is, 1 the frame of a file, 2 a sealed file made of the following parts, 3 a
+// page. The library that unpacks compressed files does not survive damaged ones, which is why the instrument
+// checks checksum and frame first. Files with compressed parts therefore get no valid checksum here.
 
 #include <array>
 #include <chrono>

@@ -10,7 +10,7 @@
 
 namespace sonavex::fuzz {
 
-// A file in memory with a name to open it by.
+// A file in memory with a path.
 class MemoryFile {
 public:
     explicit MemoryFile(const std::string& content) : descriptor_(memfd_create("fuzz", MFD_CLOEXEC)) {

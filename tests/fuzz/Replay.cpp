@@ -1,6 +1,5 @@
-// Runs a fuzz target over inputs that are kept: the files named on the command line, and those in the
-// folders; without arguments the target's own corpus. An input that breaks a property ends the program;
-// the last line tells which one it was.
+// Runs a fuzz target over stored inputs: the files and folders on the command line, or the target's corpus.
+// An input that violates a property ends the program; the last line names it.
 
 #include <algorithm>
 #include <chrono>
@@ -29,7 +28,7 @@ bool Replay(const std::filesystem::path& file) {
     const std::string content((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
     std::printf("%s\n", file.filename().c_str());
     std::fflush(stdout);
-    // A copy of exactly this length, so that a sanitizer sees what is read behind it.
+    // A copy of exactly this length, so that a sanitizer detects reads behind it.
     const std::vector<std::uint8_t> bytes(content.begin(), content.end());
     return stream && LLVMFuzzerTestOneInput(bytes.data(), bytes.size()) == 0;
 }

@@ -1,5 +1,5 @@
-// Lines of the memory list. A line that was written by hand, or damaged, gives a tone or a run-time
-// error; the line of that tone gives the same tone again.
+// Lines of the memory list. A hand-written or damaged line gives a tone or a run-time error. The line of that
+// tone gives the same tone again.
 
 #include <algorithm>
 #include <cmath>
@@ -18,7 +18,7 @@ bool Same(const ToneRecord& a, const ToneRecord& b) {
            a.WaveType == b.WaveType && a.SweepTime == b.SweepTime && a.Sweep == b.Sweep && a.Loop == b.Loop;
 }
 
-// Fifteen digits of a number are kept.
+// Equal to fifteen digits.
 bool Near(double a, double b) {
     return std::fabs(a - b) <= 1e-14 * std::max(std::fabs(a), std::fabs(b));
 }

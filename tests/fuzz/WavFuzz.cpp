@@ -1,9 +1,8 @@
-// Recordings of any content through the headless meter: readings that are numbers, or one line that says
-// what is wrong with the file.
+// Recordings with any content through the headless meter: valid readings, or one line with the error.
 //
-// First byte: bits 0 and 1 choose tones, bit 2 an output file, bit 3 a table in place of JSON. Second byte:
-// so many blocks' worth of bytes are appended, which repeat the end of the file, so that a short input can
-// be a recording that is long enough to be measured.
+// First byte: bits 0 and 1 select tones, bit 2 an output file, bit 3 a table in place of JSON. The second
+// byte gives a number of blocks that are appended by repeating the end of the file, so that a short input can
+// be long enough to measure.
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +31,7 @@ constexpr std::size_t kBlockBytes = 2048;
 constexpr std::size_t kRepeated = 256;
 constexpr unsigned kMostBlocks = 64;
 
-// What is written to a stream while it lives.
+// Captures the output of a stream during its lifetime.
 class Captured {
 public:
     explicit Captured(std::ostream& stream) : stream_(stream), own_(stream.rdbuf(text_.rdbuf())) {}
@@ -69,13 +68,13 @@ void CheckJson(const std::string& output) {
     }
 }
 
-// One name for all inputs.
+// One path for all inputs.
 std::string OutputPath() {
     static const PrivateFolder kFolder;
     return kFolder.Path() / "output.wav";
 }
 
-// Whole blocks of 16-bit stereo behind a head.
+// Requires whole blocks of 16-bit stereo after a header.
 void CheckOutput(const std::filesystem::path& path) {
     constexpr std::uintmax_t kHeadBytes = 44;
     constexpr std::uintmax_t kOutputBlockBytes = 8192;

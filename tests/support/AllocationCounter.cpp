@@ -6,7 +6,7 @@
 
 namespace {
 
-// Plain thread-local values: they need no memory of their own.
+// Plain thread-local values, which need no allocation.
 thread_local bool counting = false;
 thread_local std::size_t requests = 0;
 
@@ -52,7 +52,7 @@ void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
 
 #else
 
-// In place of the C library's functions, which operator new calls too.
+// Replace the C library's functions, which operator new calls too.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

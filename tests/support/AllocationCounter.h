@@ -4,8 +4,8 @@
 
 namespace sonavex {
 
-// Counts every request for memory that this thread makes while one of these exists. Built with
-// sanitizers it sees operator new only, otherwise the C library's functions as well.
+// Counts every memory allocation of this thread during its lifetime. With sanitizers it sees operator new
+// only, otherwise the C library's functions too.
 class AllocationCounter {
 public:
     AllocationCounter() noexcept;

@@ -10,8 +10,8 @@
 
 namespace sonavex {
 
-// Any sound system, with a copy of every captured sample that the instrument reads: the first channel,
-// in the order of reading.
+// Wraps a sound system and copies the first channel of every captured sample that the instrument reads, in
+// reading order.
 class CaptureTap : public SoundSystem {
 public:
     // The system must outlive this object.

@@ -37,7 +37,7 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
     return pointers;
 }
 
-// A file that is written at its end; closed with this object.
+// A file opened for appending; closed by the destructor.
 class OpenFile {
 public:
     explicit OpenFile(const std::filesystem::path& path)
@@ -53,7 +53,7 @@ private:
     int descriptor_;
 };
 
-// In the new process: only calls that are safe between fork and exec.
+// Runs in the new process, where only calls that are safe between fork and exec are allowed.
 [[noreturn]] void Become(char** command, char** environment, int output, int errors) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -78,7 +78,7 @@ ChildProcess::ChildProcess(const Arguments& command, const Environment& environm
         Become(const_cast<char**>(commandPointers.data()), const_cast<char**>(environmentPointers.data()),
                outputFile.Descriptor(), errorsFile.Descriptor());
     if (pid_ < 0) throw std::runtime_error("cannot start " + command.front());
-    // Both sides set the group, so that it exists whoever comes first.
+    // Parent and child both set the group, because either can be first.
     setpgid(pid_, pid_);
 }
 
@@ -96,7 +96,7 @@ void ChildProcess::Send(int signal) const noexcept {
 }
 
 void ChildProcess::Kill() noexcept {
-    // A process that is not waited for keeps its number, so this meets nobody else's.
+    // Until it is waited for, the process keeps its number, so the signal cannot reach another process.
     Send(SIGKILL);
     WaitForEnd(5s);
 }

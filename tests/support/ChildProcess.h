@@ -13,29 +13,29 @@ namespace sonavex {
 using Arguments = std::vector<std::string>;
 using Environment = std::vector<std::pair<std::string, std::string>>;
 
-// A program that runs beside the test, in a process group of its own, and ends with it. What it
-// prints goes to a file, or to one and its complaints to another.
+// A running program in a private process group; the destructor ends it. Its output goes to one file, or
+// standard output and standard error to two.
 class ChildProcess {
 public:
-    // The environment's values come on top of the test's own. Throws std::runtime_error when the
-    // program cannot be started.
+    // `environment` is added to the test's environment. Throws std::runtime_error if the program cannot be
+    // started.
     ChildProcess(const Arguments& command, const Environment& environment,
                  const std::filesystem::path& output)
         : ChildProcess(command, environment, output, output) {}
     ChildProcess(const Arguments& command, const Environment& environment,
                  const std::filesystem::path& output, const std::filesystem::path& errors);
-    // Ends the group: politely, then by force.
+    // Ends the group: SIGTERM first, then SIGKILL.
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    // To the process and what it started.
+    // Sends a signal to the process and its children.
     void Send(int signal) const noexcept;
     // Kills it and waits for its end.
     void Kill() noexcept;
-    // True when it has ended by then.
+    // Whether it ends within the limit.
     bool WaitForEnd(std::chrono::milliseconds limit) noexcept;
-    // Only after its end: 0 for success, 128 + n for signal n.
+    // Valid after the process has ended: 0 for success, 128 + n for signal n.
     int Status() const noexcept { return status_; }
 
 private:
@@ -44,12 +44,12 @@ private:
     int status_ = -1;
 };
 
-// Runs a program to its end and returns what it printed. Throws std::runtime_error when it takes
-// longer than the limit or fails.
+// Runs a program until it ends and returns its output. Throws std::runtime_error if it exceeds the limit or
+// fails.
 std::string RunProgram(const Arguments& command, const Environment& environment,
                        std::chrono::milliseconds limit);
 
-// A folder that only the user can enter and that goes with this object.
+// A folder that only the user can enter; the destructor removes it.
 class PrivateFolder {
 public:
     PrivateFolder();

@@ -9,9 +9,8 @@
 
 namespace sonavex {
 
-// A sound system that plays and captures nothing. It writes every call to the log ("captureBuffer.
-// ReadBuffer 8192", released objects as "~captureBuffer"), answers with what the test scripted and
-// fires its events when told to. Operations fail through the log.
+// A sound system without audio. It logs every call ("captureBuffer.ReadBuffer 8192", released objects as
+// "~captureBuffer"), returns scripted results and fires events on request. Operations fail through the log.
 class FakeSoundSystem : public SoundSystem {
 public:
     explicit FakeSoundSystem(CallLog& callLog);
@@ -26,22 +25,22 @@ public:
         lostHandler_ = std::move(handler);
     }
 
-    // Tells that a device in use is lost.
+    // Reports the loss of a device in use.
     void Lose(const RuntimeError& error) {
         if (lostHandler_) lostHandler_(error);
     }
 
-    // Fires the event that is armed at this segment's end, if it still exists.
+    // Fires the event armed at the end of this segment, if it still exists.
     void FireSegment(std::size_t segment);
     // Fires an event by its handle, if it still exists.
     void Fire(EventHandle event);
     std::size_t LiveEvents() const noexcept { return handlers_.size(); }
 
-    // Answers.
+    // Scripted results.
     SoundDeviceList playbackDevices;  // primary, "out-a", "out-b"
     SoundDeviceList captureDevices;   // primary, "in-a", "in-b"
     std::int32_t freeHardwareBuffers = 1;
-    std::deque<BufferCursors> cursors;  // one a call; then `restingCursors`
+    std::deque<BufferCursors> cursors;  // one per call, then `restingCursors`
     BufferCursors restingCursors;
     CaptureStatistics statistics;
     std::string inputPathNote;
@@ -51,10 +50,10 @@ public:
     std::optional<std::chrono::nanoseconds> outputLead;
     std::string inputClock;
     std::string outputClock;
-    // First sample of what is read; the following ones count up.
+    // First captured sample; the following ones count up.
     std::int16_t firstCapturedSample = 0;
 
-    // What was handed over.
+    // A block written to the playback buffer.
     struct Written {
         std::int32_t offset;
         std::vector<std::int16_t> samples;

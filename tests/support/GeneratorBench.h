@@ -9,11 +9,11 @@ namespace sonavex {
 
 inline constexpr std::int32_t kBlock = 2048;
 
-// A generator with its shared state, and blocks to fill.
+// A generator with its shared state and blocks to fill.
 struct GeneratorBench {
     explicit GeneratorBench(std::int32_t rateHz = 48000) { shared.SampleRate = rateHz; }
 
-    // Adds a tone that stands at its frequency.
+    // Adds a tone with a constant frequency.
     ToneRecord& Add(std::int16_t waveType, double frequencyHz) {
         ToneRecord& tone = generator.Tones.at(static_cast<std::size_t>(generator.NumTones++));
         tone.WaveType = waveType;
@@ -22,19 +22,19 @@ struct GeneratorBench {
         tone.SweepFrequency = frequencyHz;
         return tone;
     }
-    // As the start buttons do.
+    // Starts the generator as the start buttons do.
     void Run() {
         generator.ResetTonePhases();
         generator.SetGeneratorRunning(true);
     }
-    // The next samples on top of nothing; both channels must be alike.
+    // The next samples, added to silence; both channels must be equal.
     std::vector<double> Fill(std::int32_t count = kBlock) {
         first.assign(first.size(), 0.0);
         second.assign(second.size(), 0.0);
         generator.FillGeneratorBlock(first, second, count);
         return {first.begin(), first.begin() + count};
     }
-    // So many samples in blocks of 2048.
+    // `count` samples, in blocks of 2048.
     std::vector<double> Samples(std::size_t count) {
         std::vector<double> samples;
         while (samples.size() < count) {

@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// A file of recorded results: names of the columns, then how far each may be off, then the results.
+// A file of recorded results: column names, then tolerances, then the results.
 struct Golden {
     using Row = std::map<std::string, double>;
 
@@ -14,7 +14,7 @@ struct Golden {
     std::vector<Row> rows;
 };
 
-// Reads tests/golden/<name>.csv; throws std::runtime_error when it is missing or not well formed.
+// Reads tests/golden/<name>.csv; throws std::runtime_error if it is missing or malformed.
 Golden ReadGolden(const std::string& name);
 
 }  // namespace sonavex

@@ -12,24 +12,24 @@ inline constexpr std::int32_t kSegmentBytes = 8192;
 inline constexpr std::int32_t kCaptureBytes = 4 * kSegmentBytes;
 inline constexpr std::int32_t kPlaybackBytes = 8 * kSegmentBytes;
 
-// A stereo buffer of this length at this rate.
+// Description of a stereo buffer.
 BufferDescription Stereo(std::int32_t bytes, std::int32_t rateHz);
 
 // Random samples of a full playback buffer; no frame is silent.
 std::vector<std::int16_t> RandomPattern(std::uint32_t seed);
 
-// Arms the four segments of a capture buffer and collects them as they are notified.
+// Arms the four segments of a capture buffer and stores them when they are notified.
 class SegmentRecorder {
 public:
     SegmentRecorder(SoundSystem& system, CaptureBuffer& buffer);
-    // The buffer must still exist; it is stopped.
+    // The buffer must still exist; the destructor stops it.
     ~SegmentRecorder();
     SegmentRecorder(const SegmentRecorder&) = delete;
     SegmentRecorder& operator=(const SegmentRecorder&) = delete;
 
-    // Numbers of the segments, in the order of their notifications.
+    // Segment numbers in the order of their notifications.
     const std::vector<std::int32_t>& Order() const noexcept { return order_; }
-    // Their samples, one after the other.
+    // Samples of these segments, concatenated.
     const std::vector<std::int16_t>& Samples() const noexcept { return samples_; }
 
 private:
@@ -42,9 +42,9 @@ private:
     std::vector<std::int16_t> samples_;
 };
 
-// How a recording compares with a pattern that was played round and round.
+// Comparison of a recording with a pattern played in a loop.
 struct LoopComparison {
-    std::size_t firstFrame = 0;       // of the recording that is not silent
+    std::size_t firstFrame = 0;       // first frame of the recording that is not silent
     std::size_t comparedFrames = 0;   // from there to the end
     std::size_t differentFrames = 0;  // of these
 };

@@ -25,7 +25,7 @@ public:
         Add();
         log.Clear();
     }
-    // Whether every control of the current signal but those of a sweep is as told.
+    // Whether all controls of the current signal, except those of a sweep, have this enabled state.
     bool SignalEnabled(bool enabled) const {
         const std::initializer_list<const Control*> controls{&signal.cmbType,      &signal.sldStartFreq,
                                                              &signal.txtGenFreq,   &signal.sldSweepTime,

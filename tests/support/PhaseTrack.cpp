@@ -21,7 +21,7 @@ double Frequency(std::span<const std::int16_t> block) {
     return square == 0.0 ? 0.0 : std::acos(std::clamp(product / square, -1.0, 1.0));
 }
 
-// The sine of that frequency that fits the block best: a sin + b cos by the normal equations.
+// The best-fitting sine of that frequency: a sin + b cos by the normal equations.
 SineBlock Fit(std::span<const std::int16_t> block, double radiansPerSample) {
     double ss = 0.0;
     double sc = 0.0;
@@ -49,11 +49,11 @@ SineBlock Fit(std::span<const std::int16_t> block, double radiansPerSample) {
     return sine;
 }
 
-// The smoothed frequency estimate is a little off; the one of least residue lies beside it.
+// The frequency estimate is biased; searches next to it for the smallest residue.
 SineBlock FitBest(std::span<const std::int16_t> block) {
     double radians = Frequency(block);
     for (int pass = 0; pass < 3; ++pass) {
-        // The phase that the second half has more than the first one predicts tells the error.
+        // The phase error between the two halves gives the frequency error.
         const std::size_t half = block.size() / 2;
         const SineBlock first = Fit(block.first(half), radians);
         const SineBlock second = Fit(block.subspan(half), radians);
@@ -78,7 +78,7 @@ double PhaseTrack::LargestJump() const {
     double largest = 0.0;
     for (std::size_t i = 1; i < blocks_.size(); ++i) {
         const SineBlock& before = blocks_[i - 1];
-        // A change of frequency holds from the block's first step on.
+        // A change of frequency applies from the first step of the block.
         const double reached = before.firstPhase +
                                before.radiansPerSample * static_cast<double>(kFitFrames - 1) +
                                blocks_[i].radiansPerSample;

@@ -7,36 +7,36 @@
 
 namespace sonavex {
 
-// One block of a recorded sine: within it the frequency stands still.
+// One block of a recorded sine with constant frequency.
 struct SineBlock {
     double radiansPerSample = 0.0;
     double peak = 0.0;
-    double firstPhase = 0.0;  // of its first sample, radians
+    double firstPhase = 0.0;  // phase of the first sample, radians
     double residue = 0.0;     // largest difference between the samples and the sine
 };
 
-// A recording of a sine whose frequency may change from block to block, cut into its blocks.
+// A recording of a sine whose frequency can change between blocks, divided into blocks.
 class PhaseTrack {
 public:
-    // The recording begins anywhere in the silence before the sine; the first sample that is not 0 begins
-    // the first block of 2048. What is left at the end is no block.
+    // The recording starts in the silence before the sine. The first nonzero sample starts the first block of
+    // 2048. An incomplete last block is ignored.
     explicit PhaseTrack(std::span<const std::int16_t> recording);
 
     const std::vector<SineBlock>& Blocks() const noexcept { return blocks_; }
-    // The largest jump of the phase from the end of one block to the beginning of the next, radians.
+    // Largest phase jump between consecutive blocks, radians.
     double LargestJump() const;
-    // Of the samples, the largest difference from the block's sine.
+    // Largest difference between the samples and the fitted sines.
     double LargestResidue() const;
-    // Number of frequencies that differ from the block's before.
+    // Number of blocks with another frequency than the block before.
     std::size_t Changes() const;
 
 private:
     std::vector<SineBlock> blocks_;
 };
 
-// The largest difference between neighbouring samples.
+// Largest difference between neighbouring samples.
 int LargestStep(std::span<const std::int16_t> samples);
-// The largest magnitude.
+// Largest magnitude of a sample.
 int LargestMagnitude(std::span<const std::int16_t> samples);
 
 }  // namespace sonavex

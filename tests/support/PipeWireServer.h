@@ -9,20 +9,20 @@
 
 namespace sonavex {
 
-// A PipeWire of the test's own: message bus, daemon, session manager and the PulseAudio protocol,
-// with these sinks; the first is the default one. An idle graph takes over the rate of a stream.
+// A private PipeWire with these sinks: message bus, daemon, session manager and PulseAudio protocol server.
+// The first sink is the default. An idle graph adopts the rate of a stream.
 class PipeWireServer : public SoundServer {
 public:
-    // In cycles of 512 frames, which the instrument's streams ask for, the graph is torn without a word
-    // wherever the machine stops a thread for 10 ms, as virtual machines do. Where samples are compared, this
-    // many frames make it patient.
+    // The instrument requests cycles of 512 frames. On a machine that stops threads for 10 ms, as virtual
+    // machines do, PipeWire then drops samples silently. Tests that compare samples use cycles of this
+    // length.
     static constexpr std::uint32_t kPatientCycle = 2048;
 
-    // leastCycleFrames: 0 for what the streams ask for.
+    // leastCycleFrames: minimum cycle length; 0 for what the streams request.
     explicit PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastCycleFrames = 0);
     ~PipeWireServer() override;
 
-    // These act on the protocol server; the daemon goes on.
+    // These act on the protocol server; the daemon continues.
     void Kill() override;
     void Restart() override;
     void Pause() override;

@@ -10,8 +10,8 @@
 
 namespace sonavex {
 
-// A CUPS of the test's own, in a private folder, which this process and its children use while the object
-// lives. Its printers put every job into a file.
+// A private CUPS server, used by this process and its children during the object's lifetime. Its printers
+// write every job to a file.
 class PrintServer {
 public:
     explicit PrintServer(const std::vector<std::string>& printers);
@@ -19,14 +19,14 @@ public:
     PrintServer(const PrintServer&) = delete;
     PrintServer& operator=(const PrintServer&) = delete;
 
-    // Runs one of the print system's programs and returns what it printed.
+    // Runs a program of the print system and returns its output.
     std::string Control(const Arguments& command) const;
 
-    // Files of the jobs printed so far on a printer, in order; waits until there are so many of them and
-    // throws std::runtime_error when they do not come.
+    // Files of the jobs printed on a printer, in order. Waits for `count` files and throws std::runtime_error
+    // if they do not arrive.
     std::vector<std::filesystem::path> Jobs(const std::string& printer, std::size_t count) const;
 
-    // Lets it neither answer nor end, and undoes that.
+    // Stops and continues the server process.
     void Pause();
     void Continue();
 

@@ -7,8 +7,8 @@
 
 namespace sonavex {
 
-// A PulseAudio of the test's own, with these sinks; the first is the default one. The volumes are
-// 100 percent, and an idle sink starts at once.
+// A private PulseAudio server with these sinks; the first is the default. Volumes are 100 percent, and an
+// idle sink starts at once.
 class PulseServer : public SoundServer {
 public:
     explicit PulseServer(std::vector<NullSink> sinks);

@@ -12,8 +12,8 @@
 
 namespace sonavex {
 
-// "SetDefaultPrinter NAME", "Select PRINTER|FILE", "BeginPage FONT POINTS WIDTHxHEIGHT", "EndDoc". The
-// texts of a page are kept apart: "X Y TEXT", in inches with two decimals.
+// Records "SetDefaultPrinter NAME", "Select PRINTER|FILE", "BeginPage FONT POINTS WIDTHxHEIGHT" and "EndDoc".
+// The texts of a page are stored separately: "X Y TEXT", in inches with two decimals.
 class RecordingPrinter : public Printer {
 public:
     explicit RecordingPrinter(CallLog& log) noexcept : log_(log) {}

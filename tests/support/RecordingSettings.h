@@ -27,7 +27,7 @@ public:
     }
     std::string Location() const override { return "recorded settings"; }
 
-    // What is stored, to be read and written without a record.
+    // The stored values, accessible without recording.
     MemorySettingsStore Stored;
 
 private:

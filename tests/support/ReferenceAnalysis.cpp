@@ -146,7 +146,7 @@ Analysis::Polar Analysis::ToPolar(std::size_t count) const {
 void Analysis::ShowOutputLevel() {
     Polar polar = ToPolar(2048);
     outputPeak = *std::max_element(polar.mag.begin(), polar.mag.begin() + 2048);
-    if (outputPeak > 32760.0) outputPeak = 32760.0;  // what scaling all of them comes to
+    if (outputPeak > 32760.0) outputPeak = 32760.0;  // equals scaling all samples
     prgDAC = static_cast<float>(outputPeak);
     if (chkMuteOutput)
         lblDACLevel = "Muted";

@@ -10,9 +10,9 @@
 
 namespace sonavex::reference {
 
-// The analysis of a block written down step by step: spectra in polar form with all their phases,
-// plain loops, long-double transforms. Slow, for comparison only; shares no signal processing with
-// the instrument (number texts are the instrument's).
+// A literal, step-by-step implementation of the analysis of a block: polar spectra with all phases, plain
+// loops, long-double transforms. Slow; for comparison only. Shares no signal processing with the instrument,
+// only its number texts.
 class Analysis {
 public:
     explicit Analysis(std::int32_t sampleRate) : sampleRate_(sampleRate) {}
@@ -21,14 +21,14 @@ public:
     void Process(std::span<const std::int16_t> captured, std::span<std::int16_t> playback,
                  BlockFill& generator);
 
-    // What the user sets.
+    // Inputs by the user.
     bool chkAuto = false;
     bool chkMuteOutput = false;
     bool baselineOn = false;
     std::array<double, 8> baselinePct{};
     std::string txtFreq;
 
-    // What is shown.
+    // Displayed values.
     float prgADC = 0.0F;
     float prgDAC = 0.0F;
     std::string LblLevel;
@@ -38,8 +38,8 @@ public:
     std::string lblThd;
     bool locked = false;
 
-    // What is worked with.
-    std::vector<double> inputMagnitudes;  // of the filtered input, all bins
+    // Intermediate values.
+    std::vector<double> inputMagnitudes;  // filtered input, all bins
     std::int32_t peakBin = 0;
     std::int32_t peakMag = 0;
     std::int32_t histIndex = 0;
@@ -49,7 +49,7 @@ public:
     std::array<double, 8> currentDb{};
     std::vector<double> tailA = std::vector<double>(4097);
     std::vector<double> tailB = std::vector<double>(4097);
-    // The output signals before they are rounded: second and first sample of the frames.
+    // The output signals before rounding: second and first sample of the frames.
     std::vector<double> outputA = std::vector<double>(4097);
     std::vector<double> outputB = std::vector<double>(4097);
 

@@ -15,7 +15,7 @@ Complex Turn(long double turns) {
     return {std::cos(angle), std::sin(angle)};
 }
 
-// Plain: without the checks for infinities that the library's product makes.
+// Without the library's checks for infinities.
 Complex Product(const Complex& a, const Complex& b) {
     return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
 }
@@ -28,7 +28,7 @@ std::vector<Complex> Roots(std::size_t length) {
     return roots;
 }
 
-// roots: of any multiple of the length.
+// roots: roots of unity of a multiple of the length.
 std::vector<Complex> DftByHalving(std::vector<Complex> x, const std::vector<Complex>& roots) {
     const std::size_t half = x.size() / 2;
     if (half == 0) return x;
@@ -85,7 +85,7 @@ std::vector<double> Bandpass(long double low, long double high, std::int32_t tap
     std::vector<double> response(static_cast<std::size_t>(taps));
     const long double last = taps - 1;
     for (std::int32_t n = 0; n < taps; ++n) {
-        // Integral of 2 cos(2 pi f t) over the band; at the centre the width of both its sides.
+        // Integral of 2 cos(2 pi f t) over the band; at the centre, twice its width.
         const long double t = n - last / 2.0L;
         const long double ideal =
             t == 0.0L ? 2.0L * (high - low)

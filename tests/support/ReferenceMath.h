@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-// Textbook mathematics in long double, apart from the instrument's own, to compare it with.
+// Textbook mathematics in long double, independent of the instrument's, for comparison.
 namespace sonavex::reference {
 
 using Complex = std::complex<long double>;
@@ -13,12 +13,12 @@ using Complex = std::complex<long double>;
 // X[k] = sum over t of x[t] e^(-2 pi i k t / N), term by term.
 std::vector<Complex> NaiveDft(std::span<const double> re, std::span<const double> im);
 
-// The same by halving; the length must be a power of two.
+// The same by recursive halving; the length must be a power of two.
 std::vector<Complex> Dft(std::vector<Complex> x);
-// Factor 1 / N and the opposite sign.
+// With the factor 1 / N and the opposite sign.
 std::vector<Complex> InverseDft(std::vector<Complex> x);
 
-// One bin of it, at any frequency (a fraction of the sampling rate).
+// One bin of the transform at any frequency (a fraction of the sampling rate).
 Complex DftAt(std::span<const double> x, long double fraction);
 
 // Windowed-sinc band-pass between two fractions of the sampling rate, magnitude 1 in mid-band.

@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// A variable of this process's environment, while the object lives.
+// Sets an environment variable of this process for the object's lifetime.
 class ScopedVariable {
 public:
     ScopedVariable(const char* name, const std::string& value) : name_(name) {

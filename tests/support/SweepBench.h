@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// A generator whose tones sweep, ticked by hand.
+// A generator with sweeping tones, ticked by hand.
 class SweepBench : public testing::Test {
 public:
     ToneRecord& Sweep(double startHz, double endHz, std::int32_t timeMs) {

@@ -1,1 +1,1 @@
-// The compiled headers of the tests belong to this otherwise empty source.
+// Owns the precompiled headers of the tests.

@@ -9,7 +9,7 @@
 
 namespace sonavex {
 
-// Interleaved stereo with the same 16-bit sine on both channels: so many cycles in periodFrames.
+// Interleaved stereo with the same 16-bit sine on both channels: `cycles` cycles in periodFrames.
 inline std::vector<std::int16_t> StereoSine(double peak, double cycles, std::size_t periodFrames,
                                             std::size_t frames) {
     std::vector<std::int16_t> samples;
@@ -23,13 +23,13 @@ inline std::vector<std::int16_t> StereoSine(double peak, double cycles, std::siz
     return samples;
 }
 
-// One line of the discrete Fourier transform of one channel, by definition, scaled so that its
+// One line of the discrete Fourier transform of one channel, computed by definition. Scaled so that its
 // magnitude is the peak of a sine on that line (twice the mean for line 0).
 inline std::complex<double> SpectralLine(const std::int16_t* interleaved, std::size_t frames,
                                          std::size_t line, std::size_t channel = 0) {
     std::complex<double> sum = 0.0;
     for (std::size_t n = 0; n < frames; ++n) {
-        // The product is reduced first: angles stay small and exact.
+        // Reduces the product first, so that angles stay small and exact.
         const auto turn = static_cast<double>(line * n % frames) / static_cast<double>(frames);
         sum += std::polar(static_cast<double>(interleaved[2 * n + channel]), -2.0 * std::numbers::pi * turn);
     }

@@ -10,8 +10,7 @@
 
 namespace sonavex {
 
-// The real window over the real form on the stepped card, with the generator's tab in front. The rate is
-// 32000 Hz.
+// The real window and form on the stepped card at 32000 Hz, with the generator's tab in front.
 class GeneratorTabRig : public WindowRig {
 protected:
     void SetUp() override {
@@ -22,7 +21,7 @@ protected:
 
     void Advance(int ms) {
         rig.loop.Advance(std::chrono::milliseconds(ms));
-        // The window looks at a sweep by the clock.
+        // The window polls a sweep in real time.
         QTest::qWait(150);
         Settle();
     }

@@ -125,7 +125,7 @@ TEST_F(HelpWindowTest, LoadsPicturesOfTheBook) {
     EXPECT_LT(picture().width(), Browser().viewport()->width());
 }
 
-// The widths that other readers go by would not follow the window.
+// Fixed widths in the page would not follow the window.
 TEST_F(HelpWindowTest, FitsPicturesByItself) {
     viewer.ShowContents();
     for (const char* page : {"index.html", "start.html", "limits.html", "generator.html"}) {
@@ -152,7 +152,7 @@ TEST_F(HelpWindowTest, LoadsNothingFromOutsideTheBook) {
     for (const char* address :
          {"file:///etc/passwd", "/etc/passwd", "https://sonavex.example/a.png", "../chain.svg", "qrc:/x.png",
           "data:text/html,x", "book://host/index.html", "missing.html"}) {
-        // The toolkit would look for the file itself without an answer.
+        // Qt would open the file itself if no resource were returned.
         const QVariant picture = Browser().loadResource(QTextDocument::ImageResource, QUrl(address));
         EXPECT_EQ(picture.value<QImage>().size(), QSize(1, 1)) << address;
         const QVariant style = Browser().loadResource(QTextDocument::StyleSheetResource, QUrl(address));

@@ -5,7 +5,7 @@ namespace {
 
 class MemoryTonesOnTheTab : public GeneratorTabRig {
 protected:
-    // One entry, with a sweep of so many milliseconds to 2000 Hz (0: none).
+    // Adds an entry with a sweep of sweepMs milliseconds to 2000 Hz (0: none).
     void Add(const QString& hertz, int sweepMs, bool loops = false) {
         TypeAndReturn("txtGenFreq", hertz);
         TypeAndReturn("txtSweepTime", QString::number(sweepMs));
@@ -117,7 +117,7 @@ TEST_F(MemoryTonesOnTheTab, NeverEndASweepThatLoops) {
     }
 }
 
-// The longest line there is; more than that is wrapped.
+// The longest possible line; anything longer wraps.
 TEST_F(MemoryTonesOnTheTab, AreShownInFull) {
     TypeAndReturn("txtGenFreq", "15999");
     TypeAndReturn("txtSweepTime", "10000");
@@ -147,7 +147,7 @@ TEST_F(SweepWords, FollowTheCurrentSignal) {
     EXPECT_EQ(Text("runningDetail"), "");
 }
 
-// A sweep time that is set while a steady tone plays sweeps from the next start on.
+// A sweep time set while a steady tone plays takes effect at the next start.
 TEST_F(SweepWords, TellNoSweepThatDoesNotMove) {
     Click("Command1");
     TypeAndReturn("txtSweepTime", "1000");

@@ -15,7 +15,7 @@
 
 namespace sonavex {
 
-// The real window over the real form on the stepped card.
+// The real window and form on the stepped card.
 class WindowRig : public testing::Test {
 protected:
     void SetUp() override {

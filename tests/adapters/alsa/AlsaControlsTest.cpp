@@ -1,4 +1,4 @@
-// Whose mixer belongs to a device that is reached directly.
+// Which mixer belongs to a device with direct access.
 
 #include <gtest/gtest.h>
 

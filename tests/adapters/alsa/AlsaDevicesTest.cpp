@@ -1,4 +1,4 @@
-// Which devices are listed, and as what.
+// Which devices are listed, and under which names.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

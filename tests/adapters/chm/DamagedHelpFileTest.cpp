@@ -10,10 +10,10 @@
 namespace sonavex {
 namespace {
 
-// Files that are cut, changed or something else: a message, never a crash.
+// Truncated, changed and foreign files give a message and never crash.
 class DamagedHelpFileTest : public testing::Test {
 protected:
-    // Uses everything of what can be opened; the error's text when it cannot.
+    // Reads the whole book; returns the error's text if it cannot be opened.
     std::string Use(const std::string& content) {
         std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
         try {
@@ -96,7 +96,7 @@ TEST_F(DamagedHelpFileTest, RefusesBytesBehindTheEnd) {
     EXPECT_NE(Use(whole + whole), "");
 }
 
-// The frame alone, as if its checksum were right.
+// The frame alone, as if the checksum were right.
 class DamagedFrameTest : public DamagedHelpFileTest {
 protected:
     void Check(const std::string& content) {

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::Optional;
 
-// The instrument's own help file.
+// The compiled help file of the instrument.
 class HelpBookTest : public testing::Test {
 protected:
     std::vector<HelpBook::Chapter> Flat() const {
@@ -29,7 +29,7 @@ protected:
             Add(chapter.chapters, all);
         }
     }
-    // Addresses that a page's links and pictures name.
+    // Addresses in a page's links and pictures.
     static std::vector<std::string> AddressesOf(const std::string& html) {
         std::vector<std::string> found;
         HtmlReader reader(html);

@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// The help file that the build made.
+// The help file made by the build.
 inline std::string HelpFile() {
     return SONAVEX_HELP_FILE;
 }

@@ -1,4 +1,4 @@
-// A sound server and cards beside it are one sound system like any other.
+// A sound server and cards combined fulfil the contract of a sound system.
 
 #include "contract/SoundSystemContract.h"
 #include "platform/alsa/AlsaSoundSystem.h"

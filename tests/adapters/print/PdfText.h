@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// A word of a page and its edges, in inches from the top left of the page.
+// A word and its edges, in inches from the top left of the page.
 struct PlacedWord {
     std::string text;
     double left = 0.0;
@@ -15,11 +15,11 @@ struct PlacedWord {
     double bottom = 0.0;
 };
 
-// What another program (pdftotext) reads in a PDF of one page.
+// Words that pdftotext finds in a PDF of one page.
 std::vector<PlacedWord> WordsOfPdf(const std::filesystem::path& file);
-// The page as lines of text, with blanks between the words.
+// The page as lines of words separated by blanks.
 std::string TextOfPdf(const std::filesystem::path& file);
-// Pages, paper size, fonts: what pdfinfo and pdffonts say.
+// Output of pdfinfo and pdffonts: pages, paper size, fonts.
 std::string FactsOfPdf(const std::filesystem::path& file);
 
 }  // namespace sonavex

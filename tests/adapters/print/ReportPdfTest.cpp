@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// The report as a PDF file, read back by another program.
+// The report as a PDF file, read by another program.
 class ReportPdfTest : public testing::Test {
 protected:
     void Show(const std::array<const char*, 8>& percent, const std::array<const char*, 8>& db,
@@ -74,7 +74,7 @@ TEST_F(ReportPdfTest, ReadsAsItWasComposed) {
     EXPECT_THAT(text, HasSubstr("Quenby Software Audio Sonavex."));
 }
 
-// Within a hundredth of an inch, whatever font stands in.
+// Within a hundredth of an inch, with any replacement font.
 TEST_F(ReportPdfTest, PutsEveryWordWhereThePageSaysItIs) {
     ShowLocked();
     const auto words = Words();

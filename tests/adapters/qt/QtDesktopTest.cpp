@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Sets an environment variable, or removes it, while it lives.
+// Sets or removes an environment variable during its lifetime.
 class Variable {
 public:
     Variable(const char* name, const std::optional<std::string>& value) : name_(name) {
@@ -45,7 +45,7 @@ class QtDesktopTest : public testing::Test {
 protected:
     std::filesystem::path RuntimeLock() const { return folder_.Path() / "kept.lock"; }
 
-    // What another process says about itself; it stays.
+    // Starts another process with this expected answer; it keeps running.
     std::unique_ptr<ChildProcess> Start(const std::string& expectedAnswer) {
         const auto output = folder_.Path() / ("output" + std::to_string(++started_));
         auto process = std::make_unique<ChildProcess>(InstanceProgram("kept"), Environment{}, output);
@@ -107,7 +107,7 @@ TEST_F(QtDesktopTest, AProgramThatAnInstanceStartedDoesNotCount) {
     EXPECT_FALSE(QtDesktop("kept").AnotherInstanceRunning());
 }
 
-// Missing, or a folder that somebody else could put something into.
+// The runtime folder is missing, or others can write to it.
 TEST_F(QtDesktopTest, WithoutARuntimeFolderOfTheUsersOwnThatOfTheSettingsServes) {
     const auto shared = folder_.Path() / "shared";
     std::filesystem::create_directory(shared);
@@ -147,7 +147,7 @@ TEST_F(QtDesktopTest, WhateverStandsInTheWayOfTheLockBlocksNothing) {
     const auto inTheWay = [&](const std::function<void()>& put) {
         std::filesystem::remove_all(RuntimeLock());
         put();
-        // The folder of the settings takes over.
+        // The folder of the settings is used instead.
         QtDesktop desktop("kept");
         EXPECT_FALSE(desktop.AnotherInstanceRunning());
         EXPECT_TRUE(QtDesktop("kept").AnotherInstanceRunning());

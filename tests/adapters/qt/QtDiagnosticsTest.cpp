@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 namespace fs = std::filesystem;
 
-// Programs of the test's own that stand for those of the sound system.
+// Fake programs in place of the sound system's.
 class DiagnosticsTest : public testing::Test {
 protected:
     using Command = QtDiagnostics::Command;

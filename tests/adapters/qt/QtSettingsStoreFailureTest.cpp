@@ -21,7 +21,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::SizeIs;
 
-// While it lives no file of this process can grow beyond the room, as on a full disk.
+// Limits the size of this process's files during its lifetime, like a full disk.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t room = 0) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -95,7 +95,7 @@ TEST_F(QtSettingsStoreFailure, AFullDiskKeepsTheOldFileAndTheNewValues) {
     }
     EXPECT_EQ(FileText(File()), text);
     EXPECT_THAT(reports_, SizeIs(1));
-    // Room again: the next writing takes everything along.
+    // With room again, the next write includes everything.
     store->Save("Windows", "LastTab", "2");
     EXPECT_TRUE(store->Write());
     EXPECT_EQ(Stored("Settings", "Auto"), "new");
@@ -152,7 +152,7 @@ TEST_F(QtSettingsStoreFailure, RandomBytesAreKeptAsideBeforeANewFileIsWritten) {
         {
             const auto store = Open();
             EXPECT_EQ(store->Get("Settings", "Auto", "1"), "1");
-            // Reading alone changes nothing.
+            // Reading changes nothing.
             EXPECT_EQ(FileText(File()), bytes);
             EXPECT_TRUE(reports_.empty());
             store->Save("Settings", "Auto", std::to_string(seed));
@@ -231,7 +231,7 @@ TEST_F(QtSettingsStoreFailure, AHugeFileIsNotRead) {
     EXPECT_EQ(Stored("Settings", "Baseline"), "1");
 }
 
-// The toolkit's lock of a process that was killed at the worst moment has no owner in it.
+// Qt's lock file of a process killed at the worst moment names no owner.
 TEST_F(QtSettingsStoreFailure, ALockThatWasLeftBehindDelaysNothing) {
     WriteFile(File().string() + ".lock", "");
     WriteFile(File().string() + ".new.lock", "");
@@ -245,7 +245,7 @@ TEST_F(QtSettingsStoreFailure, ALockThatWasLeftBehindDelaysNothing) {
     EXPECT_THAT(FilesInFolder(), ElementsAre("Sonavex.ini"));
 }
 
-// Those of a disk that cannot hold files without a name have chance letters in theirs.
+// Temporary files have random names on disks without unnamed files.
 TEST_F(QtSettingsStoreFailure, FilesOfProcessesThatWereKilledDoNotPileUp) {
     for (const char* const left : {".new", ".new.lock", ".new.aBcDeF", ".new.ZZZZZZ"})
         WriteFile(File().string() + left, "[Settings]\nAuto=9\n");
@@ -274,7 +274,7 @@ TEST_F(QtSettingsStoreFailure, AProcessThatStandsStillIsNotWaitedForTwice) {
     EXPECT_TRUE(reports_.empty());
 }
 
-// A box that shows the report runs an event loop, and what happens there may save again.
+// A message box runs an event loop, in which settings may be saved again.
 TEST_F(QtSettingsStoreFailure, AReportMaySaveAndRunTheEventLoop) {
     WriteFile(File(), RandomBytes(9, 300));
     std::unique_ptr<QtSettingsStore> store;

@@ -16,7 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// Counts what happens to a file from its construction on.
+// Counts events of a file since construction.
 class FileWatch {
 public:
     explicit FileWatch(const std::filesystem::path& file)
@@ -29,7 +29,7 @@ public:
     FileWatch& operator=(const FileWatch&) = delete;
 
     int Replacements() { return Read().replacements_; }
-    // Everything else that changes the file or makes it disappear.
+    // All other events that change or remove the file.
     int OtherChanges() { return Read().otherChanges_; }
 
 private:

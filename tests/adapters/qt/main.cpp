@@ -7,7 +7,7 @@
 
 namespace {
 
-// The screen of these tests has no window manager to tell about sizes.
+// The offscreen platform warns about missing size hints.
 void WriteMessage(QtMsgType, const QMessageLogContext&, const QString& text) {
     if (!text.contains(QLatin1String("propagateSizeHints"))) std::fprintf(stderr, "%s\n", qPrintable(text));
 }

@@ -18,7 +18,7 @@ bool IsHardware(const LoopCards::Card& card) {
     return card.name.starts_with(kHardware);
 }
 
-// What a card's definition holds besides its file.
+// Options of a card's definition other than its file.
 std::string Abilities(const LoopCards::Card& card) {
     std::string text = " channels " + std::to_string(card.channels) + " format \"" + card.format + "\"";
     if (card.ratesHz.empty()) return text;

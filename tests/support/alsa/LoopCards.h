@@ -11,34 +11,34 @@
 
 namespace sonavex {
 
-// Sound cards without hardware for libasound: each returns on its input what it plays, in real time.
-// While this object lives they are what this process's ALSA configuration holds, and nothing else is.
+// Fake sound cards for libasound: each returns on its input what it plays, in real time. During the object's
+// lifetime this process's ALSA configuration contains these cards only.
 class LoopCards {
 public:
     // A card that the configuration defines as a PCM.
     struct Card {
         std::string name;
         std::string description;
-        std::vector<int> ratesHz{};  // empty: those of the instrument
+        std::vector<int> ratesHz{};  // empty: all rates of the instrument
         int channels = 2;
         std::string format = "S16_LE";
     };
 
-    // More is added to the configuration as it is. Cards whose name begins with "hw:CARD=" stand for
-    // hardware: "hw:" and "plughw:" reach them; they share rates, channels and format.
+    // `more` is added to the configuration verbatim. Cards whose name begins with "hw:CARD=" act as hardware:
+    // "hw:" and "plughw:" reach them, and they share rates, channels and format.
     explicit LoopCards(const std::vector<Card>& cards, const std::string& more = {});
     ~LoopCards();
     LoopCards(const LoopCards&) = delete;
     LoopCards& operator=(const LoopCards&) = delete;
 
-    // What happens to the card of that name; a card stays as it is set.
+    // State of the card with that name; it stays as set.
     LoopCardState& State(const std::string& name);
 
-    // Whether somebody has that direction of the card, found out without opening it.
+    // Whether a process uses that direction of the card, checked without opening it.
     enum class Direction { kPlayback, kCapture };
     bool InUse(const std::string& name, Direction direction) const;
 
-    // For programs that are to see the same cards.
+    // Environment for programs that must see the same cards.
     Environment ForPrograms() const { return {{"ALSA_CONFIG_PATH", ConfigurationPath().string()}}; }
 
 private:

@@ -41,7 +41,7 @@ std::uint32_t Packed(std::int16_t first, std::int16_t second) {
                                                    << 16U;
 }
 
-// The mapped file, held by one stream a direction.
+// The mapped file; each direction is held by one stream.
 class Cable {
 public:
     Cable() = default;
@@ -52,7 +52,7 @@ public:
     Cable(const Cable&) = delete;
     Cable& operator=(const Cable&) = delete;
 
-    // 0 or a negative error.
+    // Returns 0 or a negative error.
     int Open(const std::string& path, snd_pcm_stream_t direction) {
         file_ = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
         if (file_ < 0 || ftruncate(file_, sizeof(LoopCardState)) < 0) return -errno;
@@ -65,7 +65,7 @@ public:
         mine.l_type = F_WRLCK;
         mine.l_start = direction;
         mine.l_len = 1;
-        // Belongs to the open file, so another stream of this process is kept out as well.
+        // The lock belongs to the open file, so another stream of this process is refused too.
         return fcntl(file_, F_OFD_SETLK, &mine) < 0 ? -EBUSY : 0;
     }
 
@@ -91,7 +91,7 @@ private:
     LoopCardState* state_ = nullptr;
 };
 
-// One stream. Positions count frames since the start.
+// One stream. Positions count frames since its start.
 class LoopPcm {
 public:
     LoopPcm() : timer_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)) {}
@@ -99,7 +99,7 @@ public:
     LoopPcm(const LoopPcm&) = delete;
     LoopPcm& operator=(const LoopPcm&) = delete;
 
-    // 0 or a negative error; once 0, the PCM owns this object.
+    // Returns 0 or a negative error. After 0 the PCM owns this object.
     int Create(const char* name, const Settings& settings, snd_pcm_stream_t direction, int mode);
     snd_pcm_t* Pcm() const { return io_.pcm; }
 
@@ -141,9 +141,9 @@ private:
     Cable cable_;
     bool running_ = false;
     std::int64_t start_ = 0;     // number of the frame at position 0
-    std::int64_t position_ = 0;  // of the card
+    std::int64_t position_ = 0;  // position of the card
     std::int64_t availableMin_ = 1;
-    std::vector<std::uint32_t> beforeStart_;  // written, not yet on the cable
+    std::vector<std::uint32_t> beforeStart_;  // written before the start, not yet on the cable
 };
 
 int LoopPcm::Prepare() {
@@ -165,7 +165,7 @@ int LoopPcm::Start() {
     return 0;
 }
 
-// What was written and has not been played is not heard any more.
+// Discards what was written but not played.
 int LoopPcm::Stop() {
     if (running_ && Playback())
         for (std::int64_t position = Position(); position < Application(); ++position)
@@ -215,7 +215,7 @@ void LoopPcm::StoreFrame(char* samples, std::uint32_t frame) const {
 snd_pcm_sframes_t LoopPcm::Transfer(char* samples, snd_pcm_uframes_t frames) {
     if (cable_.Unplugged()) return -ENODEV;
     const std::size_t frameBytes = io_.channels * (io_.format == SND_PCM_FORMAT_S16_LE ? 2U : 4U);
-    // What is mapped is read again until the program has taken it.
+    // Mapped frames are read again until the program has taken them.
     std::int64_t number = start_ + Application();
     for (snd_pcm_uframes_t i = 0; i < frames; ++i, ++number, samples += frameBytes) {
         if (!Playback())
@@ -278,7 +278,7 @@ const snd_pcm_ioplug_callback_t& LoopPcm::Callbacks() {
 }
 
 int LoopPcm::SetConstraints(const Settings& settings) {
-    // Programs write and read; libasound's conversions map.
+    // Programs use read and write; libasound's conversions use mmap.
     const unsigned access[] = {SND_PCM_ACCESS_RW_INTERLEAVED, SND_PCM_ACCESS_MMAP_INTERLEAVED};
     int error = snd_pcm_ioplug_set_param_list(&io_, SND_PCM_IOPLUG_HW_ACCESS, 2, access);
     if (error == 0)
@@ -300,7 +300,7 @@ int LoopPcm::Create(const char* name, const Settings& settings, snd_pcm_stream_t
     if (error < 0) return error;
     io_.version = SND_PCM_IOPLUG_VERSION;
     io_.name = "Loop card";
-    // Positions are counted without end.
+    // Positions are counted without wrapping.
     io_.flags = SND_PCM_IOPLUG_FLAG_BOUNDARY_WA;
     io_.poll_fd = timer_;
     io_.poll_events = POLLIN;

@@ -12,7 +12,7 @@ struct Refused {
     std::string message;
 };
 
-// The name of the test in a listing.
+// Name of the test in listings.
 void PrintTo(const Refused& refused, std::ostream* out) {
     for (const std::string& argument : refused.arguments) *out << '[' << argument << "] ";
 }
@@ -105,7 +105,7 @@ TEST(Arguments, AtMostNineTonesSoundTogether) {
 TEST(Arguments, HighestToneFollowsTheRate) {
     ExpectRefusal(MeasureSimulated({"run", "--rate", "4000", "--tone", "sine:2001"}),
                   "outside 0.001 to 2000 Hz");
-    // 32000 Hz is what the newer generation starts with, 44100 Hz the older one.
+    // The default is 32000 Hz on the newer generation and 44100 Hz on the older one.
     ExpectRefusal(MeasureSimulated({"run", "--tone", "sine:16001"}), "outside 0.001 to 16000 Hz");
     ExpectRefusal(
         Measure({"run", "--tone", "sine:22051"}, {{"SONAVEX_SOUND", "simulated"}, {"SONAVEX_OS_MAJOR", "5"}}),

@@ -1,4 +1,4 @@
-// Recordings of known harmonics read as theory demands.
+// Recordings with known harmonics read as theory predicts.
 
 #include <gmock/gmock.h>
 
@@ -47,7 +47,7 @@ double Number(const ordered_json& caption) {
     return std::stod(caption.get<std::string>());
 }
 
-// Distortion up to each harmonic against everything up to it, and each harmonic alone.
+// Expected: distortion up to each harmonic relative to everything up to it, and the level of each harmonic.
 void ExpectTheory(const ordered_json& line, const Spectrum& spectrum) {
     double harmonics = 0.0;
     for (std::size_t i = 1; i < spectrum.size(); ++i) {
@@ -65,7 +65,7 @@ class FileHarmonics : public testing::TestWithParam<std::int32_t> {};
 TEST_P(FileHarmonics, AgreeWithTheory) {
     const std::int32_t rateHz = GetParam();
     std::mt19937 random(static_cast<std::uint32_t>(rateHz));
-    // Whole periods in a block, and the 9th harmonic within the band.
+    // Whole periods per block, with the 9th harmonic inside the band.
     std::uniform_int_distribution<std::int32_t> halfBin(20, 54);
     for (int round = 0; round < 4; ++round) {
         const Spectrum spectrum = RandomSpectrum(random);

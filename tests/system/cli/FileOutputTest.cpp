@@ -1,4 +1,4 @@
-// What is written while a recording is measured: the blocks that would have been played.
+// Output of `sonavex-measure file --write`: the blocks that would have been played.
 
 #include <gmock/gmock.h>
 
@@ -13,7 +13,7 @@
 namespace sonavex {
 namespace {
 
-// Measures a recording and reads what was written.
+// Measures a recording and returns the written samples.
 Samples OutputOf(const RecordingFile& file, const Arguments& more, int status = 0) {
     const auto path = file.Other("output.wav");
     Arguments arguments{"file", file.Path(), "--write", path};
@@ -24,7 +24,7 @@ Samples OutputOf(const RecordingFile& file, const Arguments& more, int status = 
     return ReadSamples(path);
 }
 
-// Amplitude of the sine in the first channel, from the frame on.
+// Amplitude of the sine in the first channel, starting at a frame.
 double AmplitudeFrom(const Samples& samples, std::int64_t from) {
     double power = 0.0;
     for (std::int64_t i = from; i < samples.frames; ++i)
@@ -90,7 +90,7 @@ TEST(FileOutput, WithoutMuteTheInputComesDelayed) {
 }
 
 TEST(FileOutput, WithoutMuteTheBandEndsBelowAndAbove) {
-    // At this rate the band-pass is sharp: full from 30 Hz on, nothing at 10 Hz and at 1970 Hz.
+    // At this rate the band-pass is sharp: full gain from 30 Hz up, none at 10 Hz and at 1970 Hz.
     const auto gainAt = [](double frequencyHz) {
         const RecordingFile file({4000, 1}, Sine(frequencyHz, 4000, 0.5));
         return AmplitudeFrom(OutputOf(file, {"--no-mute"}), 2 * kRecordedBlockFrames) / 16384.0;
@@ -117,11 +117,11 @@ TEST(FileOutput, LowEdgeMovesTheBand) {
 }
 
 TEST(FileOutput, SweepAdvancesByTheTimeOfTheBlocks) {
-    // 16000 Hz: a block lasts 128 ms. After 2000 ms the sweep has reached its end.
+    // At 16000 Hz a block lasts 128 ms. The sweep ends after 2000 ms.
     const RecordingFile file({16000, 1}, Silence());
     const Samples output = OutputOf(file, {"--tone", "sine:100:1000:2000"}, 2);
     const auto frequencyOf = [&](std::int64_t block) {
-        // Between the first and the last rise through zero of the block.
+        // Frequency between the first and the last rising zero crossing of the block.
         double first = -1.0;
         double last = -1.0;
         int periods = -1;

@@ -1,4 +1,4 @@
-// Recordings as they come: formats, channels, lengths, and what is no recording at all.
+// Recordings of all formats, channel counts and lengths, and files that are not recordings.
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -38,7 +38,7 @@ std::vector<ordered_json> Updates(const Outcome& outcome, int status) {
     return lines;
 }
 
-// The update of a full cycle.
+// The first update of a complete cycle.
 ordered_json Settled(const Outcome& outcome) {
     const std::vector<ordered_json> lines = Updates(outcome, 0);
     EXPECT_EQ(lines.size(), 2U);
@@ -51,7 +51,7 @@ ordered_json Settled(const Outcome& outcome) {
 struct Format {
     const char* name;
     int format;
-    double stepOf16Bit;  // how far a sample may be off, in 16-bit steps
+    double stepOf16Bit;  // tolerance of a sample, in 16-bit steps
 };
 
 class FileFormats : public testing::TestWithParam<Format> {};
@@ -93,7 +93,7 @@ TEST(File, OfManyChannelsTheFirstTwoCount) {
     });
     const RecordingFile two({32000, 2}, tone);
     EXPECT_EQ(Settled(MeasureFile(three)), Settled(MeasureFile(two)));
-    // Each of the two counts, not the first alone.
+    // The second channel counts too.
     const RecordingFile second({32000, 2}, [&](std::int64_t frame, int channel) {
         return channel == 1 ? other(frame, channel) : 0.0;
     });
@@ -105,7 +105,7 @@ TEST(File, ValuesBeyondFullScaleClip) {
     const ordered_json line = Settled(MeasureFile(file));
     EXPECT_EQ(line["adc"], "Ovr");
     EXPECT_EQ(line["adcPeak"], 32760);
-    // A sine clipped to nearly a square: a third harmonic of nearly a third.
+    // A sine clipped almost to a square has a third harmonic of almost a third.
     EXPECT_THAT(line["db"][1].get<std::string>(), testing::StartsWith("-09."));
 }
 

@@ -1,4 +1,4 @@
-// What a running measurement does when the sound goes away: it ends soon, with status 1 and one line.
+// A running measurement whose sound is lost ends soon, with status 1 and one line.
 
 #include <gmock/gmock.h>
 
@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kSoon = 3s;
 
-// Never ends by itself within the test.
+// A measurement that does not end by itself during the test.
 MeasureProgram Running(const SoundServer& server) {
     return MeasureProgram({"run", "--rate", "48000", "--tone", "sine:1000", "--seconds", "600", "--json"},
                           {{"PULSE_SERVER", server.Address()}});
@@ -94,7 +94,7 @@ TEST(Loss, StoppedServerAtTheLowestRate) {
     server.Continue();
 }
 
-// The program itself is held up, as with the terminal's suspend key: no fault of the device.
+// The program itself was stopped, as with the terminal's suspend key. That is not a fault of the device.
 TEST(Loss, StoppedProgramGoesOn) {
     MeasureProgram program({"run", "--rate", "48000", "--tone", "sine:1000", "--seconds", "0", "--json"},
                            kSimulated);

@@ -9,34 +9,34 @@
 
 namespace sonavex {
 
-// How a run of the program ended.
+// Result of a run.
 struct Outcome {
     bool ended = false;  // within the limit
     int status = -1;
     std::string output;
     std::string errors;
 
-    // The lines of the output, each an object.
+    // The lines of the output, parsed as JSON objects.
     std::vector<nlohmann::ordered_json> Json() const;
 };
 
-// sonavex-measure, running beside the test: without settings, sound choice, sound server or cards of
-// the user, unless the additions name one. Ends with this object.
+// A running sonavex-measure process. It sees none of the user's settings, sound servers or cards unless the
+// additions name one. The destructor ends it.
 class MeasureProgram {
 public:
-    // Where its output and its complaints go instead of the outcome; empty for the outcome.
+    // Files for standard output and standard error; empty for the outcome.
     struct Streams {
         std::filesystem::path output;
         std::filesystem::path errors;
     };
-    // Arguments without the program's name.
+    // The arguments do not include the program's name.
     MeasureProgram(const Arguments& arguments, const Environment& additions, const Streams& streams);
     explicit MeasureProgram(const Arguments& arguments, const Environment& additions = {})
         : MeasureProgram(arguments, additions, Streams{}) {}
 
-    // Waits for its end, at most so long.
+    // Waits until it ends, at most for `limit`.
     Outcome End(std::chrono::milliseconds limit);
-    // True when the output so far holds this text before the time is over.
+    // Whether the output contains the text before the limit.
     bool Prints(const std::string& text, std::chrono::milliseconds limit) const;
     void Send(int signal) const noexcept { process_.Send(signal); }
 
@@ -48,26 +48,26 @@ private:
     ChildProcess process_;
 };
 
-// Runs it to its end; for runs that need no more than a few seconds.
+// Runs it until it ends. For runs of a few seconds.
 Outcome Measure(const Arguments& arguments, const Environment& additions = {});
-// On the simulated card.
+// The same, on the simulated card.
 Outcome MeasureSimulated(const Arguments& arguments);
 
 inline const Environment kSimulated{{"SONAVEX_SOUND", "simulated"}};
 
-// One line on the standard error that holds the text, nothing on the standard output, status 1.
+// Expects status 1, one line on standard error that contains the text, and no standard output.
 void ExpectRefusal(const Outcome& outcome, const std::string& text);
 
-// All of an update's keys in their order and with their types, 8 captions of each kind.
-// live: with what a live measurement adds.
+// Expects all keys of an update in their order and with their types, and 8 captions of each kind. live:
+// including the keys of `run`.
 void ExpectShape(const nlohmann::ordered_json& line, bool live);
 
-// The end of the table: every harmonic and the total in percent, every harmonic in dB.
+// Matches the end of the table: every harmonic and the total in percent, every harmonic in dB.
 inline constexpr const char* kReadingsPattern =
     " 2nd +3rd +4th +5th +6th +7th +8th +9th +Total\n=+\nThd %( +[0-9.]+| +N/A){9}\n"
     "dB  ( +-?[0-9.]+| +N/A){8}\n$";
 
-// The captions of the line joined by blanks.
+// The captions of the line, joined by blanks.
 std::string Captions(const nlohmann::ordered_json& line, const char* key);
 
 }  // namespace sonavex

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The notes of a short measurement on a card of 48000 Hz.
+// Notes of a short measurement on a card of 48000 Hz.
 std::string Notes(const PulseServer& server, const char* rate, const char* output = "card",
                   const char* input = "card.monitor", int status = 0) {
     MeasureProgram program({"run", "--output", output, "--input", input, "--rate", rate, "--tone",
@@ -41,14 +41,14 @@ TEST(Notes, TellOfVolumesAndMuting) {
     server.Control({"set-source-volume", "card.monitor", "80%"});
     EXPECT_EQ(Notes(server, "48000"),
               R"(["Input: volume of the device 80 %","Output: volume of the device 50 %"])");
-    // Two channels whose mean is 100 %, and nearly that.
+    // Two channels whose mean is 100 %, and nearly 100 %.
     server.Control({"set-sink-volume", "card", "50%", "150%"});
     server.Control({"set-source-volume", "card.monitor", "65400"});
     EXPECT_EQ(Notes(server, "48000"),
               R"(["Input: volume of the device 99.8 %","Output: volume of the device 50 % and 150 %"])");
 }
 
-// Which card a device belongs to is what the server says of it.
+// The server says which card a device belongs to.
 TEST(Notes, TellOfTwoCards) {
     const PulseServer server({{"card", 48000, "Card"}});
     for (const char* number : {"3", "7"})

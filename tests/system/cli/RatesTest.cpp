@@ -1,5 +1,5 @@
-// The main job on real streams: a 1000 Hz sine leaves through a sound server, comes back bit for bit
-// and is measured, at each of the seven rates.
+// The main use case on real streams, at each of the seven rates: a 1000 Hz sine is played through a sound
+// server, returns bit for bit and is measured.
 
 #include <gmock/gmock.h>
 
@@ -25,12 +25,12 @@ std::string SinkOf(std::uint32_t rateHz) {
     return "card" + std::to_string(rateHz);
 }
 
-// What every update of such a loop has, whatever its rate.
+// Expectations for every update of such a loop at any rate.
 void ExpectLoopUpdate(const ordered_json& line, std::int64_t block, std::uint32_t rateHz) {
     ExpectShape(line, true);
     EXPECT_EQ(line["block"], block);
     EXPECT_EQ(line["locked"], true);
-    // The first cycle has 18 blocks only, the first ones of them silent.
+    // The first cycle has only 18 blocks, and the first of them are silent.
     EXPECT_EQ(line["settled"], block > 18);
     EXPECT_EQ(line["adc"], "25");
     EXPECT_EQ(line["adcPeak"], 8192);
@@ -58,8 +58,7 @@ double Total(const ordered_json& line) {
     return std::strtod(line.at("thd").get<std::string>().c_str(), nullptr);
 }
 
-// The measurements at all rates, at the same time and beside the other tests: the lowest rate needs
-// 19 seconds.
+// Runs the measurements at all rates in parallel, because the lowest rate needs 19 seconds.
 class AllRates : public testing::Environment {
 public:
     void SetUp() override {
@@ -105,8 +104,8 @@ TEST_P(PulseRates, ReadAsTheRateDemands) {
         double leastPct;
         double mostPct;
     };
-    // At these rates the block ends within a period of the sine, or with it; the reading is what
-    // leaks into the harmonics' bins.
+    // At these rates the block does not hold a whole number of periods, or just does; the readings are the
+    // leakage at the harmonics' bins.
     const std::map<std::uint32_t, Expected> expected{
         {48000, {85, "996", 0.81, 0.84}},   {44100, {93, "1001", 0.74, 0.81}},
         {32000, {128, "1000", 0.0, 0.003}}, {22050, {186, "1001", 0.16, 0.19}},
@@ -137,7 +136,7 @@ TEST_P(PulseRates, HarmonicsBeyondTheBandAreNotAvailable) {
         EXPECT_EQ(Captions(line, "db"), kAllNotAvailable);
         return;
     }
-    // The highest harmonic below the upper limit, which is 1000 Hz under half the rate.
+    // The highest harmonic below the upper limit, 1000 Hz under half the rate.
     const std::size_t last = rateHz == 16000 ? 6 : 9;
     for (std::size_t harmonic = last + 1; harmonic <= 9; ++harmonic) {
         EXPECT_EQ(line["percent"][harmonic - 2], "N/A");
@@ -156,7 +155,7 @@ TEST(PipeWireLoop, ReadsAsOnPulseAudio) {
                                            {{"PULSE_SERVER", server.Address()}})
                                 .End(20s);
     const std::vector<ordered_json> lines = LoopUpdates(outcome, 48000);
-    // Five seconds, unless told otherwise.
+    // The default duration is five seconds.
     ASSERT_GE(lines.size(), 5U);
     EXPECT_EQ(lines[0]["output"], "Card");
     EXPECT_EQ(lines[0]["peakBin"], 85);

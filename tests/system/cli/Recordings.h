@@ -15,10 +15,10 @@ namespace sonavex {
 // Frames of a block, as a frame count of a recording.
 inline constexpr std::int64_t kRecordedBlockFrames{kBlockFrames};
 
-// Value of a sample, full scale 1, at a frame of a channel.
+// Value of a sample (full scale 1) at a frame of a channel.
 using RecordedSignal = std::function<double(std::int64_t frame, int channel)>;
 
-// What a recording is made of.
+// Format of a recording.
 struct Recording {
     std::int32_t rateHz = 32000;
     int channels = 2;
@@ -26,7 +26,7 @@ struct Recording {
     std::int64_t frames = 37 * kRecordedBlockFrames;
 };
 
-// Writes one. Values beyond full scale clip, except in floating-point formats.
+// Writes a recording. Values beyond full scale clip, except in floating-point formats.
 void WriteRecording(const std::filesystem::path& path, const Recording& recording,
                     const RecordedSignal& signal);
 
@@ -34,7 +34,7 @@ void WriteRecording(const std::filesystem::path& path, const Recording& recordin
 RecordedSignal Sine(double frequencyHz, std::int32_t rateHz, double amplitude);
 RecordedSignal Silence();
 
-// A 16-bit file as it is.
+// The samples of a 16-bit file.
 struct Samples {
     std::int32_t rateHz = 0;
     int channels = 0;
@@ -48,7 +48,7 @@ struct Samples {
 };
 Samples ReadSamples(const std::filesystem::path& path);
 
-// A file of a test's own folder.
+// A file in a private folder.
 class RecordingFile {
 public:
     RecordingFile() = default;

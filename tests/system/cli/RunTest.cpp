@@ -1,4 +1,4 @@
-// What the options of a live measurement do, on the simulated card: what is played comes back as it is.
+// Options of a live measurement, on a simulated card that returns what is played.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 using nlohmann::ordered_json;
 using testing::HasSubstr;
 
-// As short as a measurement can be: two updates at the highest rate.
+// The shortest possible measurement: two updates at the highest rate.
 Arguments ShortRun(const Arguments& more) {
     Arguments arguments{"run", "--rate", "48000", "--seconds", "0", "--json"};
     arguments.insert(arguments.end(), more.begin(), more.end());
@@ -43,7 +43,7 @@ double NumberOf(const ordered_json& caption) {
     return std::strtod(caption.get<std::string>().c_str(), nullptr);
 }
 
-// The last update of a run that is expected to lock.
+// The last update of a run that must lock.
 ordered_json LastOf(MeasureProgram& program) {
     const Outcome outcome = program.End(20s);
     EXPECT_EQ(outcome.status, 0);
@@ -74,7 +74,8 @@ TEST(Run, SeveralTonesShareTheScale) {
     EXPECT_NEAR(NumberOf(line["percent"][0]), 100.0 * std::sqrt(0.2), 0.01);
     EXPECT_EQ(line["db"][0], "-06.02");
     EXPECT_EQ(LastOf(square)["adcPeak"], 8192);
-    // 48 samples a period: these count to 48, the triangle to its top and the sawtooth to its end.
+    // A period of 48 samples: these waveforms count to 48, the triangle to its peak and the sawtooth to its
+    // end.
     EXPECT_EQ(LastOf(sawtooth)["adcPeak"], 16384);
     EXPECT_EQ(LastOf(triangle)["adcPeak"], 16384);
 }
@@ -122,14 +123,14 @@ TEST(Run, WithoutToneNothingIsLocked) {
     for (const ordered_json& line : Updates(outcome)) {
         EXPECT_EQ(line["frequency"], "0");
         EXPECT_EQ(line["locked"], false);
-        // A block without any positive sample counts as overload.
+        // A block without a positive sample counts as overload.
         EXPECT_EQ(line["adc"], "Ovr");
         EXPECT_EQ(line["adcPeak"], 32760);
     }
 }
 
 TEST(Run, WithoutMuteTheInputGoesOnToTheOutput) {
-    // The loop feeds back; the level keeps it from growing.
+    // The loop feeds back; the low level prevents growth.
     MeasureProgram open(ShortRun({"--tone", "sine:1000", "--no-mute", "--level", "-2000"}), kSimulated);
     const ordered_json line = LastOf(open);
     EXPECT_NE(line["dac"], "Muted");
@@ -178,13 +179,13 @@ TEST(Run, UnwritableOutputIsAnError) {
         ExpectRefusal(program->End(20s), "The readings cannot be written to the standard output.");
 }
 
-// The other side of a terminal, on which a program may print.
+// The master side of a terminal that a program prints to.
 class Terminal {
 public:
     Terminal() : side_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
         grantpt(side_);
         unlockpt(side_);
-        // Held open, so that what was printed outlasts the program.
+        // Held open so that the output survives the program.
         keep_ = open(Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     }
     ~Terminal() {

@@ -85,7 +85,7 @@ void InstrumentModel::TakeControls() {
     tone.WaveType = static_cast<std::int16_t>(type);
 }
 
-// The current signal is stored with a hundredth of its step, which also stays in its record.
+// Storing the current signal leaves a hundredth of its step in its record.
 void InstrumentModel::Store() {
     TakeControls();
     ToneRecord& tone = table[0];
@@ -230,7 +230,7 @@ void InstrumentModel::Select(const UserAction& action) {
     ShowSelection();
 }
 
-// The frequency that a slider or a text asks for, nothing for a text that is no number.
+// The frequency requested by a slider or a text; nothing for a text that is not a number.
 std::optional<std::int32_t> InstrumentModel::Asked(const UserAction& action, bool typed) const {
     if (!typed) return std::clamp(action.value, 1, rate / 2);
     if (!IsNumeric(action.text)) return std::nullopt;
@@ -288,7 +288,7 @@ void InstrumentModel::CardMoves() {
     if (audible) cursor = (cursor + 1) % 8;
 }
 
-// Blocks that cannot be measured are not written, so that the card comes round to where the next one goes.
+// Blocks that cannot be measured are not written, so the card catches up with the next block to write.
 void InstrumentModel::FillBlock() {
     if (running)
         for (std::int32_t i = 0; i < tones; ++i) Sound(table[static_cast<std::size_t>(i)]);
@@ -309,7 +309,7 @@ void InstrumentModel::Tick() {
         ToneRecord& tone = table[static_cast<std::size_t>(i)];
         const double left = tone.LoopIncrement > 0.0 ? tone.EndFrequency - tone.SweepFrequency
                                                      : tone.SweepFrequency - tone.EndFrequency;
-        // What rounding leaves of a sweep is not worth another step.
+        // The rounding error at the end of a sweep does not cause another step.
         const bool underWay = left > 1e-9 * std::abs(tone.EndFrequency - tone.StartFrequency);
         if (sweeping && tone.Sweep && underWay) {
             const double next = tone.SweepFrequency + tone.LoopIncrement;
@@ -350,7 +350,7 @@ void InstrumentModel::SelectRate(std::int32_t rateHz) {
 }
 
 void InstrumentModel::ProgramRestarts(std::int32_t rateHz) {
-    // What plays stops; what the end stores is in the controls and the list.
+    // Playing stops. The end of the program stores the controls and the list.
     const double storedStep = sweepMs != 0 ? (endHz - startHz) / (sweepMs * 100.0) : 0.0;
     table = {};
     running = sweeping = false;
@@ -358,7 +358,7 @@ void InstrumentModel::ProgramRestarts(std::int32_t rateHz) {
     state = 0;
     playing = Playing::kNothing;
     tones = 0;
-    // The stored values pass their controls within the limits of the rate.
+    // The stored values pass through the controls, which clamp them to the limits of the rate.
     table[0].Sweep = sweepMs != 0;
     table[0].WaveType = static_cast<std::int16_t>(type);
     table[0].Loop = loopChecked;

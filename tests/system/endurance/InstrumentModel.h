@@ -11,9 +11,9 @@
 
 namespace sonavex {
 
-// What the instrument's generator and stream must be after what a user did, written down a second time as
-// plainly as possible: flags, tone table, which controls can be used, and the places of the stream. Knows
-// nothing of the instrument's own classes but their data, and reads what is typed with their conversions.
+// A second, plain implementation of what user actions do to generator and stream: flags, tone table, enabled
+// controls and stream positions. It uses only the data types of the instrument, and its conversions for typed
+// text.
 class InstrumentModel {
 public:
     struct Entry {
@@ -25,21 +25,21 @@ public:
     explicit InstrumentModel(std::int32_t rateHz);
 
     void Apply(const UserAction& action);
-    // The card moved one block on.
+    // The card has moved one block.
     void CardMoves();
-    // A block was captured, measured and the next one written.
+    // A block was captured and measured, and the next one written.
     void FillBlock();
-    // Time passes: the sweeps' timer ticks.
+    // Time passes and the sweep timer ticks.
     void Pass(std::chrono::nanoseconds time);
-    // The stream begins anew, at this rate.
+    // The stream starts again at this rate.
     void StreamStarts(std::int32_t rateHz);
-    // The user took another rate in the selection of devices.
+    // The user selected another rate in the selection of devices.
     void SelectRate(std::int32_t rateHz);
-    // The program was ended and started.
+    // The program was restarted.
     void ProgramRestarts(std::int32_t rateHz);
 
     std::int32_t rate = 0;
-    // Controls: what they show and whether they can be used.
+    // Controls: their values and whether they are enabled.
     std::int32_t type = 0, startHz = 1000, endHz = 20, sweepMs = 0, level = -50;
     bool loopChecked = false;
     std::string startText, endText, sweepText;
@@ -52,7 +52,7 @@ public:
     std::array<ToneRecord, 9> table{};
     // The stream.
     std::int32_t playBlock = 0, primed = 0;
-    std::int32_t cursor = 0;  // block that the card plays next; 0 until it plays
+    std::int32_t cursor = 0;  // block that the card plays next; 0 before it plays
     bool priming = true, audible = false;
     std::uint64_t playbackStarts = 0, overruns = 0;
 

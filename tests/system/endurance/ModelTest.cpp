@@ -1,4 +1,4 @@
-// Users who do anything, and after everything they do the forms against the model.
+// Random users. After every action the forms are compared with the model.
 
 #include <gtest/gtest.h>
 
@@ -84,10 +84,10 @@ private:
         model_->ProgramRestarts(Form().Shared.SampleRate);
     }
 
-    // The generator goes on; the stream is back a few seconds after the card.
+    // The generator continues. The stream returns a few seconds after the card.
     void LoseTheCard() {
         Note("card lost");
-        // With a frequency asked for that is no number no block could be measured.
+        // With an invalid typed frequency no block could be measured.
         bench_.Act([this] { Form().Measurement.Controls.chkAuto.UserSets(true); });
         bench_.Card().Unplug();
         const int blocks = 20 + user_.Pick(20);
@@ -113,7 +113,7 @@ private:
         AdoptSweeps();
     }
 
-    // Sweeps stand still while the stream is built anew.
+    // Sweeps pause while the stream is restarted.
     void AdoptSweeps() {
         for (std::size_t i = 0; i < model_->table.size(); ++i) {
             if (!model_->table[i].Sweep) continue;
@@ -150,7 +150,7 @@ private:
     void CompareTone(std::size_t i) {
         const ToneRecord& tone = Form().Measurement.Tones.Tones[i];
         ToneRecord& expected = model_->table[i];
-        // A record that does not sound keeps what it held before, some of it from other tones.
+        // A record that is not playing keeps old values, partly of other tones.
         const bool sounds = model_->running && static_cast<std::int32_t>(i) < model_->tones;
         if (i > 0 && !sounds) return;
         EXPECT_EQ(tone.WaveType, expected.WaveType) << i;
@@ -172,7 +172,7 @@ private:
                 << i;
         } else {
             EXPECT_EQ(tone.SampleCount, expected.SampleCount) << i;
-            // Where a sine would go on.
+            // Phase at which a sine would continue.
             expected.Phase = tone.Phase;
         }
     }
@@ -234,7 +234,7 @@ private:
     std::deque<std::string> history_;
 };
 
-// SONAVEX_MODEL_SEQUENCES and SONAVEX_MODEL_SEED make longer and other runs.
+// SONAVEX_MODEL_SEQUENCES and SONAVEX_MODEL_SEED select the number of sequences and the first seed.
 TEST(Model, AgreesWithTheFormsWhateverTheUserDoes) {
     const std::uint64_t sequences = FromEnvironment("SONAVEX_MODEL_SEQUENCES", 40);
     const std::uint64_t seed = FromEnvironment("SONAVEX_MODEL_SEED", 1);

@@ -8,7 +8,7 @@
 
 namespace sonavex {
 
-// One thing that a user does in the window. What a disabled control does not let happen does not happen.
+// One user action in the window. Actions on disabled controls have no effect.
 struct UserAction {
     enum class Kind {
         kType,
@@ -37,19 +37,19 @@ struct UserAction {
     Kind kind = Kind::kType;
     std::int32_t value = 0;
     std::string text;
-    bool leaves = false;  // the slider is let go, or the entry finished
+    bool leaves = false;  // the slider is released, or the entry finished
 };
 
-// For a failure's message: the action in words.
+// The action in words, for failure messages.
 std::string Describe(const UserAction& action);
 
-// A user who does anything at any time.
+// A user who performs random actions.
 class RandomUser {
 public:
     explicit RandomUser(std::uint64_t seed) : random_(seed) {}
-    // What could be done next at a sampling rate.
+    // A random action at a sampling rate.
     UserAction Next(std::int32_t rateHz);
-    // From 0 to count - 1.
+    // Random number from 0 to count - 1.
     std::int32_t Pick(std::int32_t count);
     bool Chance(double probability) { return std::bernoulli_distribution(probability)(random_); }
     double Between(double low, double high) {
@@ -62,7 +62,7 @@ private:
     std::mt19937_64 random_;
 };
 
-// The action on the form's controls.
+// Performs the action on the form's controls.
 void Perform(const UserAction& action, frmMain& form);
 
 }  // namespace sonavex

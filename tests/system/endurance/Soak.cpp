@@ -16,10 +16,10 @@ namespace {
 
 constexpr int kSettlingBlocks = 120;
 constexpr int kCountedBlocks = 64;
-// What rounding to 16 bit, on both sides of the device, may add to a reading.
+// Error of a reading that rounding to 16 bit on both sides of the device may cause.
 constexpr double kRoundingPercent = 0.006;
 constexpr double kRoundingDb = 0.1;
-// Texts and lists of the present state differ by that much, and no more.
+// Permitted variation of the heap from texts and lists of the present state.
 constexpr std::size_t kHeapAllowance = 64 * 1024;
 constexpr double kPi = std::numbers::pi;
 
@@ -28,8 +28,8 @@ constexpr std::array<const char*, Soak::kEvents> kEventNames{
     "standstills",      "failed operations", "other devices under test", "hold-ups of the window",
     "odd stored values"};
 
-// Rates and whole frequencies that lie on an even bin, so that nothing leaks between harmonics, with all
-// nine harmonics below the highest usable bin.
+// Rates and whole frequencies on an even bin, so that harmonics do not leak into each other, with all nine
+// harmonics below the highest usable bin.
 struct Tuning {
     std::int32_t rateIndex;
     std::int32_t frequencyHz;
@@ -52,7 +52,7 @@ DeviceUnderTestModel AnyDevice(RandomUser& user) {
     if (user.Chance(0.2)) model.dcOffset = user.Between(-20000.0, 20000.0);
     if (user.Chance(0.05)) model.noiseRms = user.Between(0.0, 3000.0);
     if (user.Chance(0.2)) model.delayFrames = static_cast<std::uint32_t>(user.Pick(20000));
-    // Interpolation takes several times the time of everything else.
+    // Rare, because interpolation takes several times as long as everything else.
     if (user.Chance(0.01)) model.clockOffsetPpm = user.Between(-500.0, 500.0);
     return model;
 }
@@ -119,7 +119,7 @@ void Soak::FollowCard() {
     if (!bench_->Running() && blocksUntilPlugged_ == 0) StartUntilItRuns();
 }
 
-// Stored values that cannot be used end a start with a message; a user then has them removed.
+// Invalid stored values end a start with a message; the user then removes them.
 void Soak::StartUntilItRuns() {
     for (int tries = 0; tries < 5 && !bench_->Running(); ++tries) {
         if (bench_->Start()) break;
@@ -133,7 +133,7 @@ void Soak::StartUntilItRuns() {
 }
 
 void Soak::HappenSomething() {
-    // Users act more often than anything fails.
+    // User actions are more frequent than faults.
     static constexpr std::array<Event, 9> kRare{
         Event::kRateChange,  Event::kProgramRestart, Event::kUnplugged,
         Event::kStandstill,  Event::kHeldUp,         Event::kFailedOperation,
@@ -164,7 +164,7 @@ void Soak::Happen(Event event) {
     }
 }
 
-// Without a card the program says so and ends; it is started again when there is one.
+// Without a card the program reports it and ends; it is restarted when there is a card.
 void Soak::RestartProgram() {
     bench_->End();
     if (blocksUntilPlugged_ == 0)
@@ -195,7 +195,8 @@ void Soak::ReachForTheCard(Event event) {
     }
 }
 
-// What an older or a damaged file may hold; read at the next start, if it is still there then.
+// Stores a value as an old or damaged file may contain. The next start reads it, unless it is overwritten
+// before.
 void Soak::StoreOddValue() {
     static constexpr std::array<const SettingsKey*, 12> kKeys{
         &keys::kAuto,         &keys::kBaseline,      &keys::kInput,
@@ -231,16 +232,16 @@ void Soak::CheckTones(After what) {
         if (!std::isfinite(tone.Frequency) || tone.Frequency <= 0.0) Fail("Frequency", i, tone.Frequency);
         if (tone.SampleCount < 0.0 || tone.SampleCount != std::floor(tone.SampleCount))
             Fail("SampleCount", i, tone.SampleCount);
-        // Of the other waves it is a value from 0 to 1, or a quarter or three quarters of a turn, which a
-        // square that becomes a sine keeps until the next block.
+        // Triangle and sawtooth: 0 to 1. Square: a quarter or three quarters of a turn, which a square that
+        // has become a sine keeps until the next block.
         const bool wasASquare = what == After::kAnEvent && std::abs(tone.Phase - 1.5 * kPi) <= 1e-9;
         if (tone.WaveType == wave::kSine && !wasASquare && (tone.Phase <= -kPi || tone.Phase > kPi))
             Fail("Phase", i, tone.Phase);
     }
 }
 
-// Counts of one run of the program only grow, and every segment is either told of or counted as lost, but
-// for those that a stopped stream took with it.
+// Counts of one run only grow. Every segment is either delivered or counted as lost, except those discarded
+// when a stream stopped.
 void Soak::CheckCounts() {
     const StreamEngine& engine = bench_->Form().Engine;
     const CaptureStatistics counts = engine.CaptureCounts();
@@ -280,7 +281,7 @@ void Soak::CheckReadings() {
     CompareReadings();
     CheckThatBlocksAreCounted();
     CheckState();
-    // A piece of wire costs the least time.
+    // A wire needs the least computing time.
     bench_->Card().Card().SetDeviceUnderTest({});
     ++report_.checks;
     CheckMemory();
@@ -293,9 +294,9 @@ void Soak::PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz) {
     bench_->Card().Card().SetStalled(false);
     bench_->Card().Card().SetDeviceUnderTest(KnownDevice());
     blocksUntilPlugged_ = blocksUntilMoving_ = 0;
-    // The selection of devices does not open over a stored rate that is none.
+    // The selection of devices does not open if the stored rate is invalid.
     bench_->Store().Save(keys::kSampleRate.section, keys::kSampleRate.key, "0");
-    // A card that comes back is taken up within seconds, and what is still to fail fails now.
+    // A returned card is used within seconds, and pending failures happen now.
     for (int i = 0; i < kSettlingBlocks; ++i) Step();
     for (int tries = 0; tries < 5; ++tries) {
         if (!bench_->Running()) StartUntilItRuns();
@@ -329,7 +330,7 @@ void Soak::PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz) {
 }
 
 void Soak::WaitForReadings() {
-    // The delay of the device before is gone, the output has to come round.
+    // Waits until the delay of the previous device has passed and the output has returned.
     for (int i = 0; i < 2 * Meter::kCycleBlocks; ++i) Step();
     for (int i = 0; i < kSettlingBlocks && !(bench_->Running() && bench_->Form().Measurement.Settled()); ++i)
         Step();
@@ -370,7 +371,7 @@ void Soak::CheckThatBlocksAreCounted() {
             "marked as stopped: " + bench_->Form().StreamTrouble.Caption());
 }
 
-// Sanitizers keep a heap of their own, of which nothing is known here: then both are 0.
+// With sanitizers the heap size is unknown and both values are 0.
 void Soak::CheckMemory() {
     const std::size_t bytes = HeapInUse();
     if (report_.warmBytes == 0) report_.warmBytes = bytes;

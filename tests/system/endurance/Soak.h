@@ -11,13 +11,12 @@
 
 namespace sonavex {
 
-// Days of use in a fraction of the time: blocks without end, and now and then something that users and
-// sound cards do. After every such event the state must be possible; from time to time everything is put
-// in order, and what is read must be what the device under test does. Whatever is not as it must be is a
-// std::runtime_error that names the block and the seed.
+// Simulates days of use: blocks without end, with random actions of users and faults of sound cards. After
+// every event the state must be valid. From time to time all faults are cleared, and the readings must be
+// those of the device under test. A failure is a std::runtime_error that names the block and the seed.
 class Soak {
 public:
-    // What happened, by kind.
+    // Kinds of events.
     enum class Event {
         kUserAction,
         kRateChange,
@@ -33,9 +32,9 @@ public:
 
     struct Report {
         std::uint64_t blocks = 0;
-        double soundSeconds = 0.0;  // what the blocks last
+        double soundSeconds = 0.0;  // duration of the blocks
         std::array<std::uint64_t, kEvents> events{};
-        std::uint64_t checks = 0;   // of readings against the device under test
+        std::uint64_t checks = 0;   // comparisons of readings with the device under test
         double worstPercent = 0.0;  // largest error of a reading, percentage points
         double worstDb = 0.0;
         std::uint64_t programStarts = 0;
@@ -43,23 +42,23 @@ public:
         std::uint64_t losses = 0;
         std::uint64_t overruns = 0;
         std::uint64_t segmentsLost = 0;
-        std::uint64_t mostFrames = 0;  // captured from one start of the program to its end
-        std::size_t warmBytes = 0;     // heap in use at the first check, and the most at any later one
+        std::uint64_t mostFrames = 0;  // most frames captured in one run of the program
+        std::size_t warmBytes = 0;     // heap in use at the first check, and the largest at later checks
         std::size_t mostBytes = 0;
     };
     static const char* Name(Event event);
 
-    // An event comes after so many blocks on average; 700 is every half minute at 48000 Hz.
+    // blocksPerEvent: average number of blocks between events; 700 is about half a minute at 48000 Hz.
     explicit Soak(std::uint64_t seed, double blocksPerEvent = 700.0);
 
-    // Without restarts of the program, so that its counts grow; it may still end by itself.
+    // Disables restarts of the program, so that its counts grow. It may still end by itself.
     void LeaveRunning() noexcept { restarts_ = false; }
 
-    // Runs so many blocks; `checkEvery`: blocks between the checks of readings, which come on top.
+    // Runs `blocks` blocks. `checkEvery`: blocks between the checks of readings, whose own blocks are extra.
     void Run(std::uint64_t blocks, std::uint64_t checkEvery);
     const Report& Result() const noexcept { return report_; }
 
-    // Told after each check of readings. May be empty.
+    // Called after each check of readings. May be empty.
     std::function<void()> OnCheck;
 
 private:
@@ -94,7 +93,7 @@ private:
     std::int64_t blocksUntilPlugged_ = 0;  // 0: plugged
     std::int64_t blocksUntilMoving_ = 0;   // 0: moving
     std::string happenedLast_;
-    // Counts of the present program at the last look.
+    // Counts of the present run at the last check.
     std::uint64_t seenStart_ = 0;
     std::uint64_t seenBlocks_ = 0;
     std::uint64_t seenOverruns_ = 0;

@@ -1,4 +1,4 @@
-// Lets the instrument run for days of sound on the stepped card, with everything that goes wrong.
+// Runs the instrument on the stepped card for days of sound, with all kinds of faults.
 
 #include <CLI/CLI.hpp>
 #include <chrono>

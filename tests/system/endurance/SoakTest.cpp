@@ -5,7 +5,7 @@
 namespace sonavex {
 namespace {
 
-// Half an hour of sound with an event every few seconds; sonavex-soak takes as many days as one likes.
+// Half an hour of sound with an event every few seconds. sonavex-soak runs for any number of days.
 TEST(Soak, HoursOfUseAndFaultsLeaveTheReadingsRight) {
     Soak soak(20260, 100.0);
     ASSERT_NO_THROW(soak.Run(30'000, 3'000));

@@ -1,4 +1,4 @@
-// What is installed, in a folder of the test's own.
+// An installed copy in a private folder.
 
 #include <gmock/gmock.h>
 
@@ -56,7 +56,7 @@ TEST_F(InstalledCopyTest, HasEverythingThatADesktopLooksFor) {
     EXPECT_THAT(Content(Installed("share/applications/sonavex.desktop")), HasSubstr("\nExec=sonavex\n"));
 }
 
-// One place says which version this is.
+// The version is defined in one place.
 TEST_F(InstalledCopyTest, AgreesOnTheVersion) {
     const std::string version = SONAVEX_VERSION;
     EXPECT_THAT(RunProgram({Installed("bin/sonavex-measure"), "--version"}, {}, 20s), HasSubstr(version));

@@ -22,7 +22,7 @@ TEST(Loop, BaselineTakesTheCardsOwnDistortionAway) {
     rig.Settle();
     for (int n = 2; n <= 9; ++n) EXPECT_NEAR(rig.Percent(n), 0.0, 0.0002) << n;
     EXPECT_EQ(rig.DbText(3), level);
-    // With a worse device the rest is the difference.
+    // With a worse device the reading is the difference.
     model.harmonicAmplitudes = {0.03, 0.02};
     rig.Connect(model);
     rig.Settle();
@@ -44,7 +44,7 @@ TEST(Loop, LocksOnlyOnTheFrequencyAskedFor) {
     EXPECT_EQ(rig.PercentText(2), "");
     EXPECT_EQ(rig.meter.Controls.lblThd.Caption(), "N/A");
     rig.PlaySine(1500.0);
-    rig.Step(12);  // what is in the playback buffer sounds first
+    rig.Step(12);  // plays what is in the playback buffer
     EXPECT_EQ(rig.meter.Controls.picLocked.BackColor(), kLightGreen);
     EXPECT_EQ(rig.PercentText(2), "");
     rig.Settle();
@@ -85,7 +85,7 @@ TEST(Loop, NoiseShowsInTheReadings) {
     rig.Connect(model);
     rig.PlaySine(1000.0);
     rig.Settle();
-    // A bin holds noise of rms sqrt(2048) x 80 in each channel, against 8191.75 x 1024 in the sine.
+    // Noise of one bin: rms sqrt(2048) x 80 in each channel, against 8191.75 x 1024 of the sine.
     const double oneBin = 100.0 * std::sqrt(2048.0) * 80.0 / (8191.75 * 1024.0);
     EXPECT_GT(rig.Percent(2), 0.5 * oneBin);
     EXPECT_LT(rig.Percent(2), 1.5 * oneBin);

@@ -11,11 +11,11 @@
 namespace sonavex {
 namespace {
 
-// A rate and a frequency exactly on an even bin, so that nothing leaks between harmonics.
+// A rate and a frequency on an even bin, so that harmonics do not leak into each other.
 struct Case {
     std::int32_t rateHz;
     int bin;
-    int harmonics;  // that lie below the highest usable bin
+    int harmonics;  // below the highest usable bin
 
     double FrequencyHz() const { return bin * rateHz / 4096.0; }
 };
@@ -52,7 +52,7 @@ TEST_P(HarmonicLoop, CaptionsMatchTheDevicesHarmonics) {
     EXPECT_EQ(rig.meter.Controls.LblLevel.Caption().empty(), false);
 }
 
-// 128 x 9 and less fit everywhere; the last two show the limit at work.
+// Bins up to 128 x 9 fit at every rate; the last two cases show the limit.
 INSTANTIATE_TEST_SUITE_P(Rates, HarmonicLoop,
                          testing::Values(Case{32000, 128, 9}, Case{48000, 96, 9}, Case{44100, 94, 9},
                                          Case{22050, 186, 9}, Case{16000, 64, 9}, Case{8000, 130, 9},
@@ -91,8 +91,8 @@ TEST(Loop, APolynomialMakesTheHarmonicsOfItsPowers) {
     EXPECT_LT(rig.Db(4), -90.0);
 }
 
-// Amplitude of harmonic n of a sine of peak 1 that is cut off at +/- level: the Fourier integral over
-// one period by fine steps.
+// Amplitude of harmonic n of a sine of peak 1 clipped at +/- level: the Fourier integral over one period in
+// fine steps.
 double ClippedHarmonic(int n, double level) {
     constexpr int kSteps = 200000;
     double sum = 0.0;
@@ -108,7 +108,7 @@ TEST(Loop, ClippingMakesOddHarmonics) {
     DeviceUnderTestModel model;
     model.clipAt = 6000.0;
     rig.Connect(model);
-    // Some 171 samples a cycle: the corners are well resolved and the aliases small.
+    // About 171 samples per cycle resolve the corners well, and aliases are small.
     rig.PlaySine(187.5);
     rig.Settle();
     const double level = 6000.0 / 8191.75;

@@ -6,7 +6,7 @@
 
 namespace sonavex {
 
-// A user's folders, all of the test's own, and an environment that knows no other.
+// Private folders of a test user, and an environment that names no others.
 class Account {
 public:
     Account() {
@@ -20,14 +20,14 @@ public:
     std::filesystem::path Config() const { return Home() / ".config"; }
     std::filesystem::path Desktop() const { return Home() / "Desktop"; }
     std::filesystem::path Documents() const { return Home() / "Documents"; }
-    // Of the program.
+    // The program's folder.
     std::filesystem::path SettingsFolder() const { return Config() / "Sonavex"; }
     std::filesystem::path SettingsFile() const { return SettingsFolder() / "Sonavex.ini"; }
     std::filesystem::path Journal() const { return Runtime() / "sonavex-mixer-levels"; }
-    // What a process prints.
+    // File for a process's output.
     std::filesystem::path Output() const { return folder_.Path() / "output"; }
 
-    // Without a display, a sound server or a bus of the user's; on the simulated card.
+    // Without a display, sound server or bus of the real user; on the simulated card.
     Environment Variables(const Environment& more = {}) const {
         Environment variables{{"HOME", Home()},
                               {"XDG_RUNTIME_DIR", Runtime()},

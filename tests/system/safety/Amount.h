@@ -7,14 +7,13 @@
 
 namespace sonavex {
 
-// A whole number from the environment, or what counts without it.
+// A whole number from the environment, or the default.
 inline unsigned long FromEnvironment(const char* name, unsigned long otherwise) {
     const char* const text = std::getenv(name);
     return text != nullptr && *text != '\0' ? std::stoul(text) : otherwise;
 }
 
-// The random moments of one test; another run with the seed that it prints has the same ones.
-// SONAVEX_SAFETY_SEED sets it.
+// Random moments of one test. The seed is printed; SONAVEX_SAFETY_SEED repeats it.
 class Chance {
 public:
     explicit Chance(const char* purpose)
@@ -22,7 +21,7 @@ public:
         random_.seed(static_cast<std::mt19937::result_type>(seed_));
         std::cout << purpose << ": SONAVEX_SAFETY_SEED=" << seed_ << std::endl;
     }
-    // From 0 up to the limit.
+    // Random number from 0 to limit.
     unsigned long Below(unsigned long limit) {
         return std::uniform_int_distribution<unsigned long>(0, limit - 1)(random_);
     }
@@ -32,7 +31,7 @@ private:
     std::mt19937 random_;
 };
 
-// How many processes one test kills; SONAVEX_SAFETY_KILLS makes it more.
+// Number of processes that one test kills; SONAVEX_SAFETY_KILLS increases it.
 inline unsigned long Kills(unsigned long shortForm) {
     return FromEnvironment("SONAVEX_SAFETY_KILLS", shortForm);
 }

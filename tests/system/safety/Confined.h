@@ -8,21 +8,21 @@
 
 namespace sonavex {
 
-// How a program is run. The superuser's power over the rights of files is taken away in any case, so that
-// a folder without the right to write is one for everybody.
+// How a program is confined. The superuser's power over file permissions is always removed, so that a folder
+// without write permission is read-only for everybody.
 struct Confinement {
-    // No file grows beyond it, as on a disk that is full then; 0 for none.
+    // Limit of every file's size, like a full disk; 0 for none.
     unsigned long fileBytes = 0;
     mode_t mask = 022;
-    // Whoever asks for a socket of the internet protocols is killed (SIGSYS), with what it started.
+    // Kills (SIGSYS) any process that creates an Internet socket, including started ones.
     bool noInternet = false;
 };
 
-// The command line that runs the program so, through this executable.
+// The command line that runs the program confined, through this executable.
 Arguments Confined(const Confinement& confinement, const Arguments& command);
 
-// Becomes the program that the command line asks for; returns the exit status when that fails, nothing
-// when it asks for none.
+// Replaces this process with the program in the command line. Returns the exit status if that fails, nothing
+// if the command line requests none.
 std::optional<int> RunConfined(int argc, char** argv);
 
 }  // namespace sonavex

@@ -12,7 +12,7 @@
 
 namespace sonavex {
 
-// The test executable, which also serves as the other processes.
+// The test executable, which also runs as the other processes.
 inline std::string ThisProgram() {
     return std::filesystem::read_symlink("/proc/self/exe").string();
 }
@@ -28,7 +28,7 @@ inline void WriteFile(const std::filesystem::path& file, const std::string& text
     std::ofstream(file, std::ios::binary) << text;
 }
 
-// The names in a folder, sorted.
+// Sorted names in a folder.
 inline std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
@@ -37,7 +37,7 @@ inline std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     return names;
 }
 
-// True when the condition holds within a limit that a loaded machine keeps.
+// Whether the condition becomes true within a limit that a loaded machine meets.
 inline bool Until(const std::function<bool()>& condition,
                   std::chrono::milliseconds limit = std::chrono::seconds(30)) {
     const auto end = std::chrono::steady_clock::now() + limit;

@@ -8,11 +8,11 @@
 
 namespace sonavex {
 
-// The help window with a book of one page, run by the test executable in the folder `inFolder`: it shows
-// the page, follows each of its links with the keyboard, prints what there is to read and ends.
+// Runs the help window with a book of one page in the folder `inFolder`: shows the page, follows each link
+// with the keyboard, prints the text and ends.
 Arguments ShowHelpPage(const std::filesystem::path& page, const std::filesystem::path& inFolder);
 
-// Asks the platform for this address, as a page must not.
+// Opens this address through the platform, which a page must not do.
 Arguments OpenAddress(const std::string& address);
 
 std::optional<int> RunShowHelpPage(int argc, char** argv);

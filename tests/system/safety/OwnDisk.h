@@ -7,14 +7,14 @@
 
 namespace sonavex {
 
-// Command lines that run a program while the folder is a disk of its own (in memory), which holds the
-// folder's files. Afterwards the folder holds what was on the disk. The status is the program's. Where users
-// may mount nothing, the program is not run: `unshare` or `mount` says so, and the status is 1.
+// Command lines that run a program while the folder is a private disk in memory, which holds the folder's
+// files. Afterwards the folder holds the disk's content. The status is the program's. Where users may not
+// mount, the program is not run: `unshare` or `mount` reports it, and the status is 1.
 
-// With room for so many blocks of 4096 bytes more.
+// With `freeBlocks` free blocks of 4096 bytes.
 Arguments OnDiskWithRoom(const std::filesystem::path& folder, std::uint32_t freeBlocks,
                          const Arguments& command);
-// Mounted for reading only.
+// Mounted read-only.
 Arguments OnReadOnlyDisk(const std::filesystem::path& folder, const Arguments& command);
 
 }  // namespace sonavex

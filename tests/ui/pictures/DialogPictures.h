@@ -4,7 +4,7 @@
 
 namespace sonavex {
 
-// Pictures of the dialogs about sound devices in the palette that is set. False when one cannot be saved.
+// Saves pictures of the dialogs about sound devices with the present palette. False if one cannot be saved.
 bool DialogPictures(bool dark, const QString& folder);
 
 }  // namespace sonavex

@@ -1,5 +1,5 @@
-// Pictures of the windows beside the main one: sonavex-dialog-screenshots FOLDER. One scale a run, by
-// QT_SCALE_FACTOR.
+// Saves pictures of the dialogs and the help window: sonavex-dialog-screenshots FOLDER. One scale per run,
+// set by QT_SCALE_FACTOR.
 
 #include <QApplication>
 #include <QLineEdit>

@@ -1,5 +1,5 @@
-// Pictures of the window in its states, for people to look at: sonavex-screenshots FOLDER. One scale a
-// run, by QT_SCALE_FACTOR.
+// Saves pictures of the window in its states: sonavex-screenshots FOLDER. One scale per run, set by
+// QT_SCALE_FACTOR.
 
 #include <QApplication>
 #include <QPalette>
@@ -35,7 +35,7 @@ void AddMemoryTones(FormRig& rig) {
         signal.sldStartFreq.UserMoves(i == 3 ? 15555 : 250 * i);
         signal.sldStartFreq.UserReleases();
         signal.cmbType.UserSelects(i % 4);
-        // Some sweep, the third one with the longest line there is.
+        // Sweeps; the third has the longest possible line.
         signal.sldEndFreq.UserMoves(16000 - 3 * i);
         signal.sldSweepTime.UserMoves(i % 3 == 0 ? 10000 : 0);
         signal.sldSweepTime.UserReleases();
@@ -138,7 +138,7 @@ QPalette PaletteOf(bool dark) {
     return palette;
 }
 
-// The mixers' dialogs: with everything, and with what a plain USB card has.
+// The mixer dialogs with all controls, and with those of a simple USB card.
 struct MixerScene {
     const char* name;
     std::int32_t osMajorVersion;
@@ -198,7 +198,7 @@ bool Picture(const Scene& scene, bool dark, const QString& folder) {
     rig.form.Form_Load();
     window.ShowPlaced();
     scene.play(rig);
-    // What was flushed may ask for a new layout.
+    // A flush may request a new layout.
     for (int i = 0; i < 3; ++i) QApplication::processEvents();
     const QString name = QStringLiteral("%1/%2-%3-%4.png")
                              .arg(folder, scene.name, dark ? "dark" : "light")

@@ -7,7 +7,7 @@ class FrequencySliderOnTheTab : public GeneratorTabRig {
 protected:
     ui::FrequencySlider& slider = Find<ui::FrequencySlider>("sldStartFreq");
     std::int32_t Value() { return Signal().sldStartFreq.Value(); }
-    // Slider, box, record and description say the same.
+    // Slider, box, record and description agree.
     void ExpectEverywhere(std::int32_t hertz) {
         EXPECT_EQ(Value(), hertz);
         EXPECT_EQ(slider.Hz(), hertz);
@@ -72,12 +72,12 @@ TEST_F(FrequencySliderOnTheTab, AddsUpWhatATouchpadSends) {
     ExpectEverywhere(1059);
     for (int i = 0; i < 11; ++i) Wheel("sldStartFreq", 10);
     ExpectEverywhere(1122);
-    // Turning back begins anew.
+    // Reversing the wheel starts a new notch.
     for (int i = 0; i < 11; ++i) Wheel("sldStartFreq", -10);
     ExpectEverywhere(1122);
     Wheel("sldStartFreq", -10);
     ExpectEverywhere(1059);
-    // Movement to the side is none.
+    // Horizontal wheel movement is ignored.
     Wheel("sldStartFreq", 0);
     ExpectEverywhere(1059);
 }
@@ -128,7 +128,7 @@ TEST_F(FrequencySliderOnTheTab, FeelsLogarithmic) {
     EXPECT_EQ(slider.value(), slider.minimum());
     TypeAndReturn("txtGenFreq", "16000");
     EXPECT_EQ(slider.value(), slider.maximum());
-    // 126.49 Hz is the middle of 1 and 16000 Hz.
+    // 126.49 Hz is the logarithmic middle of 1 and 16000 Hz.
     TypeAndReturn("txtGenFreq", "126");
     EXPECT_NEAR(slider.value(), (slider.minimum() + slider.maximum()) / 2, 10);
     TypeAndReturn("txtGenFreq", "100");

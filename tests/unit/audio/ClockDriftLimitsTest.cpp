@@ -13,8 +13,8 @@ std::chrono::nanoseconds Nanoseconds(double ns) {
     return std::chrono::nanoseconds(std::llround(ns));
 }
 
-// `count` observations of a clock that gains `ppm`, the last one `span` after the first, which is at
-// 5 s with a lead of 1 ms.
+// `count` observations of a clock that drifts by `ppm`. The first is at 5 s with a lead of 1 ms, the last one
+// `span` later.
 void ObserveLine(ClockDrift& drift, double ppm, int count, std::chrono::seconds span) {
     for (int i = 0; i < count; ++i) {
         const std::chrono::nanoseconds after = i * std::chrono::nanoseconds(span) / (count - 1);
@@ -48,8 +48,8 @@ TEST(ClockDriftLimits, OfTheReadingItselfAreThoseOfTheNumbers) {
     EXPECT_NEAR(*drift.Ppm(), -20.0, 1e-9);
 }
 
-// The clock changes its rate as soon as ten minutes are full: the next observation begins a new line, which
-// tells the new rate a minute later and not before.
+// The clock changes its rate when ten minutes are full: the next observation starts a new line, which gives
+// the new rate a minute later and not before.
 TEST(ClockDriftLimits, AfterTenMinutesANewLineBegins) {
     ClockDrift drift;
     ObserveLine(drift, 50.0, 301, 600s);
@@ -60,8 +60,8 @@ TEST(ClockDriftLimits, AfterTenMinutesANewLineBegins) {
     EXPECT_NEAR(*drift.Ppm(), 200.0, 1e-3);
 }
 
-// Residues of one size with alternating signs: the textbook's standard error of the slope, from them.
-// Six times that must be within 3 ppm.
+// Residues of equal size with alternating signs give the textbook standard error of the slope. Six times that
+// must be within 3 ppm.
 TEST(ClockDriftLimits, AreThreePpmAtSixStandardErrors) {
     constexpr int kCount = 31;
     const double squaresOfTime = 4.0 * kCount * (kCount * kCount - 1.0) / 12.0;  // every 2 s

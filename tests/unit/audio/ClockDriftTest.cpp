@@ -14,7 +14,7 @@ std::chrono::nanoseconds Microseconds(double us) {
     return std::chrono::nanoseconds(static_cast<std::int64_t>(us * 1e3));
 }
 
-// Observations every 40 ms of a clock that gains `ppm`, each off by up to `jitterUs`.
+// Observations every 40 ms of a clock that drifts by `ppm`, each with an error of up to `jitterUs`.
 void Observe(ClockDrift& drift, double ppm, double jitterUs, double seconds) {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> jitter(-jitterUs, jitterUs);
@@ -89,10 +89,10 @@ TEST(ClockMeter, ComparesFramesWithTheTime) {
     EXPECT_EQ(meter.Lead(), 0ns);
     meter.Moved(48000, 480, start + 1s);
     EXPECT_EQ(meter.Lead(), 0ns);
-    // The device has moved 48 frames too many.
+    // The device has moved 48 extra frames.
     meter.Moved(48048, 480, start + 2s);
     EXPECT_EQ(meter.Lead(), 1ms);
-    // It holds more than was ever moved, as a server may claim at its start.
+    // It reports more than was ever moved, as a server may at its start.
     ClockMeter other(48000);
     other.Moved(48, 96, start);
     EXPECT_EQ(other.Lead(), -1ms);

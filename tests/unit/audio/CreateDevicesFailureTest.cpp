@@ -18,7 +18,7 @@ std::string Logged(std::int32_t number, const std::string& text) {
 struct FailureRow {
     const char* operation;
     const char* message;
-    const char* lastPortCall;  // nothing after it but the record
+    const char* lastPortCall;  // only the record follows it
 };
 
 class CreateDevicesFailure : public testing::TestWithParam<std::tuple<std::int32_t, FailureRow>> {};
@@ -90,7 +90,7 @@ TEST(CreateDevicesFailure, LeavesNothingOfTheFailedAttemptInTheWay) {
     EXPECT_NE(bench.engine.SecondaryBuffer(), nullptr);
 }
 
-// Status of the end of the program that the action asks for; -1 when it does not.
+// Status of the EndProgram that the action throws; -1 if it throws none.
 template <class Action>
 int EndStatus(Action action) {
     try {

@@ -73,7 +73,7 @@ TEST(DevicesOkay, StoresTheChoiceRestartsAndCloses) {
     EXPECT_EQ(rig.sound.captureDescription.format.samplesPerSecond, 22050U);
     EXPECT_EQ(rig.unloads, 1);
     EXPECT_TRUE(rig.shared.EventsReady);
-    // One event round between the restart and the mixers.
+    // One yield between the restart and the mixers.
     const std::ptrdiff_t started = Position(rig.log, "captureBuffer.StartLooping");
     EXPECT_EQ(rig.log.Lines().at(static_cast<std::size_t>(started) + 1), "Yield");
     EXPECT_EQ(rig.log.Lines().at(static_cast<std::size_t>(started) + 2), "SetUpSoundControls");

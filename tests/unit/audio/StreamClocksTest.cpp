@@ -7,7 +7,7 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// A stream that runs quietly, whose input's clock gains on the output's.
+// A running stream whose input clock is faster than its output clock.
 struct ClockBench : EngineBench {
     ClockBench() {
         RunUpToIndex(0);
@@ -36,7 +36,7 @@ TEST(StreamClocks, TellTheirDriftOnceItIsKnown) {
         ElementsAre("Clocks: input and output run on different clocks, the input's is 50 ppm faster"));
 }
 
-// What was seen before an interruption and after it lies on no line.
+// Observations before and after an interruption do not form one line.
 TEST(StreamClocks, BeginAnewAfterAnInterruption) {
     ClockBench bench;
     bench.Run(50s, 0.0);
@@ -55,7 +55,7 @@ TEST(StreamClocks, BeginAnewAfterAnInterruption) {
         ElementsAre("Clocks: input and output run on different clocks, the input's is 40 ppm faster"));
 }
 
-// The blocks that may carry the step of a start or of an underrun are on no line, the last of them neither.
+// Blocks that may contain the step of a start or of an underrun are not used, including the last of them.
 TEST(StreamClocks, AreComparedFromTheFirstBlockThatHasSettled) {
     ClockBench bench;
     bench.sound.underruns = 1;

@@ -6,7 +6,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Playback runs, the next block is 3: bytes 24576 to 32767.
+// Playback runs; the next block is 3: bytes 24576 to 32767.
 struct OverrunRow {
     std::int32_t osMajorVersion;
     BufferCursors cursors;  // play, write
@@ -100,7 +100,7 @@ TEST(OverrunOnOlderSystems, StartsPlaybackAgainSixNotificationsLater) {
     bench.RunUpToIndex(3);
     bench.sound.cursors = {{40000, 24576}};
     bench.RunBlocks(1);
-    bench.sound.restingCursors = {60000, 60000};  // playback goes on meanwhile
+    bench.sound.restingCursors = {60000, 60000};  // playback continues meanwhile
     bench.RunBlocks(5);
     EXPECT_EQ(bench.log.Count("playbackBuffer.PlayLooping"), 0U);
     EXPECT_EQ(bench.engine.RestartCount, 6);
@@ -120,7 +120,7 @@ TEST(OverrunOnOlderSystems, IsNotCountedTwiceWhilePlaybackIsPending) {
     bench.sound.cursors = {{40000, 24576}, {8192, 8192}};
     bench.RunBlocks(2);
     EXPECT_EQ(bench.engine.Overruns, 1U);
-    // The second one began the priming again all the same.
+    // The second overrun restarted the priming.
     EXPECT_EQ(bench.engine.PlayBlockIndex, 1);
     EXPECT_EQ(bench.engine.RestartCount, 1);
 }

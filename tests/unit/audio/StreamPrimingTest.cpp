@@ -21,7 +21,7 @@ constexpr PrimingRow kRows[] = {{0, 0, 1, 1, true},      {1, 8192, 2, 2, true}, 
 
 class Priming : public testing::TestWithParam<std::int32_t> {
 protected:
-    // What the buffer answers at notification n: 0/0 while stopped, then playing far behind writing.
+    // Cursors at notification n: 0/0 while stopped, then playing far behind writing.
     static BufferCursors CursorsAt(int n) {
         return n <= 7 ? BufferCursors{0, 0} : BufferCursors{20000, 30000};
     }
@@ -73,7 +73,7 @@ TEST_P(Priming, BeginsInTheFirstBlockWhateverTheGenerationMakesOfTheStoppedCurso
     EXPECT_EQ(bench.engine.BlockEnd, 8191);
     EXPECT_EQ(bench.log.Count("playbackBuffer.WriteBuffer"), 1U);
     if (GetParam() >= 6) {
-        // The stopped write cursor lies in the block: position 0 is set, which is where it stands.
+        // The stopped write cursor is in the block: position 0 is set, which is its present position.
         EXPECT_EQ(bench.log.Count("playbackBuffer.SetCurrentPosition"), 1U);
         EXPECT_THAT(bench.traces, ElementsAre("vista overrun@0"));
     } else {
@@ -89,8 +89,8 @@ TEST_P(Priming, IsReportedToTheProcessorBlockByBlock) {
         bench.log.Clear();
         bench.sound.restingCursors = n <= 7 ? BufferCursors{0, 0} : BufferCursors{-1, -1};
         bench.RunBlocks(1);
-        // While priming, and as long as the start of playback may take to come back: the length of the
-        // playback buffer.
+        // During priming, and for the length of the playback buffer, in which the start of playback may
+        // return.
         EXPECT_EQ(bench.log.Count("StreamDisturbed"), n <= 14 ? 1U : 0U) << n;
     }
 }
@@ -115,7 +115,7 @@ TEST_P(Priming, WrapsAtTheEighthBlockForEver) {
     for (int n = 0; n < 7 + 80; ++n) {
         const std::int32_t index = bench.engine.PlayBlockIndex;
         EXPECT_EQ(index, n % 8);
-        // The cursors stay four blocks away from what is written.
+        // The cursors stay four blocks away from the block being written.
         const std::int32_t away = (index + 4) % 8 * 8192;
         bench.sound.restingCursors =
             bench.engine.RestartPending ? BufferCursors{} : BufferCursors{away, away};

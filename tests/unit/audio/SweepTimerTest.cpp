@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 class HiTimer1 : public testing::Test {
 protected:
-    // One tone on its way from start to end; playing.
+    // One playing tone that sweeps from start to end.
     ToneRecord& Sweep(double startHz, double endHz, std::int32_t timeMs) {
         ToneRecord& tone = generator.Tones[static_cast<std::size_t>(generator.NumTones++)];
         tone.StartFrequency = startHz;

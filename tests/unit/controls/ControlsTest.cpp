@@ -5,7 +5,7 @@
 namespace sonavex {
 namespace {
 
-// Counts how often the face was told.
+// Counts calls of the OnDirty hook.
 template <class Watched>
 struct Counted {
     Watched control;

@@ -142,7 +142,7 @@ TEST(Baseline, ANegativeResultIsShownWithItsSign) {
 
 TEST(Baseline, AnExactZeroIsNotAvailable) {
     AnalysisRig rig(32000);
-    // 4 and 3 make 5: every slot holds exactly 60.
+    // 4 and 3 add to 5: every slot holds exactly 60.
     rig.state->BaselineOn = 1;
     rig.state->BaselinePct.fill(60.0);
     rig.state->BaselinePct[7] = 59.5;

@@ -11,7 +11,7 @@
 namespace sonavex::modSPL2VB {
 namespace {
 
-// Four arrays of a transform at chosen places of one memory.
+// Four arrays of a transform at selected positions of one buffer.
 struct Arrays {
     Arrays(std::int32_t order, std::size_t spacing, std::size_t offset) : length(std::size_t{1} << order) {
         memory.assign(4 * spacing + offset + 8, 0.0);
@@ -28,7 +28,7 @@ struct Arrays {
         }
     }
 
-    // Largest difference from the sum, relative to the largest bin.
+    // Largest difference from the direct sum, relative to the largest bin.
     double Error(const std::vector<reference::Complex>& expected) const {
         double error = 0.0;
         double largest = 0.0;

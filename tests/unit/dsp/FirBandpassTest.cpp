@@ -96,13 +96,13 @@ TEST(FirBandpass, TouchesOnlyItsTaps) {
     EXPECT_NEAR(taps[30], 0.0, 1e-16);
 }
 
-// A band without width lets nothing through, and has no gain to divide by.
+// A band without width passes nothing and has no gain to divide by.
 TEST(FirBandpass, OfABandWithoutWidthIsNothing) {
     for (const double tap : Design(0.2, 0.2, 31, 0)) EXPECT_EQ(tap, 0.0);
     EXPECT_EQ(ErrorOf([] { return Design(0.2, 0.2, 31).size(); }), 11);
 }
 
-// The window is zero at its ends, so two taps let nothing through.
+// The window is zero at its ends, so two taps pass nothing.
 TEST(FirBandpass, DesignsTwoTapsAtLeast) {
     EXPECT_EQ(ErrorOf([] { return Design(0.1, 0.2, 2, 0).size(); }), 0);
     for (const double tap : Design(0.1, 0.2, 2, 0)) EXPECT_NEAR(tap, 0.0, 1e-16);

@@ -12,7 +12,7 @@ struct Shown {
     std::string caption;
 };
 
-// What is shown for a block that is silent but for one sample of each channel.
+// Displayed input level of a block that is silent except for one sample per channel.
 Shown InputOf(std::int16_t first, std::int16_t second) {
     AnalysisRig rig(32000);
     Block block{};
@@ -49,7 +49,7 @@ TEST(InputLevel, AFullSampleIsAnOverload) {
 TEST(InputLevel, NothingPositiveCountsAsAnOverload) {
     ExpectInput(0, 0, 32760.0F, "Ovr");
     ExpectInput(-1, -32768, 32760.0F, "Ovr");
-    // Even where no sample at all is zero.
+    // Even if no sample is zero.
     AnalysisRig rig(32000);
     Block block;
     block.fill(-12);
@@ -66,7 +66,7 @@ TEST(InputLevel, PercentagesAreWholeAndHalvesGoUp) {
     ExpectInput(819, 0, 819.0F, "3");       // 2.5
 }
 
-// The output level for one vector of two samples, everything else silent.
+// Displayed output level for one vector of two samples, with silence elsewhere.
 Shown OutputOf(double first, double second, bool mute = false) {
     AnalysisRig rig(32000);
     rig.controls.chkMuteOutput.SetValue(mute ? 1 : 0);

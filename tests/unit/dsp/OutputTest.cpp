@@ -10,7 +10,7 @@
 namespace sonavex {
 namespace {
 
-// Playback of one muted block onto which the generator puts these samples.
+// Playback of one muted block to which the generator adds these samples.
 Block Played(const std::vector<double>& first, const std::vector<double>& second) {
     AnalysisRig rig(32000);
     rig.generator.fill = [&](std::span<double> a, std::span<double> b, std::int32_t) {
@@ -49,7 +49,7 @@ TEST(Output, TheGeneratorIsAskedForOneBlock) {
         EXPECT_EQ(*std::max_element(first.begin(), first.end()), 0.0);
         EXPECT_EQ(*std::min_element(second.begin(), second.end()), 0.0);
     };
-    rig.Feed(Noise(20000, 1), 3);  // muted: the generator starts from nothing
+    rig.Feed(Noise(20000, 1), 3);  // muted: the generator adds to silence
     EXPECT_EQ(calls, 3);
 }
 
@@ -57,7 +57,7 @@ TEST(Output, TheLimitHoldsForTheVectorNotForAChannel) {
     const Block within = Played({20000.0, 1000.0}, {20000.0, -2000.0});
     EXPECT_EQ(within[0], 20000);
     EXPECT_EQ(within[1], 20000);
-    // 30000 and 30000 make 42426: all samples of the block shrink alike.
+    // 30000 and 30000 add to 42426: all samples of the block are scaled alike.
     const Block limited = Played({30000.0, 1000.0}, {30000.0, -2000.0});
     EXPECT_EQ(limited[0], 23165);
     EXPECT_EQ(limited[1], 23165);
@@ -82,7 +82,7 @@ TEST(Output, TheLimitIsTakenAfterTheGeneratorAndFromWhatIsNotScaled) {
     rig.state->TailA[7] = 40000.0;
     rig.state->TailA[9] = 1000.0;
     rig.generator.fill = [](std::span<double> first, std::span<double>, std::int32_t) {
-        EXPECT_EQ(first[7], 40000.0);  // the level's scaling is for the display
+        EXPECT_EQ(first[7], 40000.0);  // the scaling affects the displayed level only
         first[7] += 25520.0;
     };
     rig.Feed(Block{});
@@ -97,7 +97,7 @@ TEST(Output, TheInputComesThroughFilteredAndDelayed) {
     rig.controls.chkMuteOutput.SetValue(0);
     const StereoSignal signal = Pair(Sine(32000, 1000, 9000), Sine(32000, 2500, 5000, 1.0));
     rig.Feed(signal, 4);
-    // The filter's centre lies 1023.5 frames back.
+    // The centre of the filter is 1023.5 frames back.
     for (std::size_t i = 0; i < kTestBlockFrames; i += 37) {
         const double at = 3.0 * 2048.0 + static_cast<double>(i) - 1023.5;
         const double first = 9000.0 * std::sin(2.0 * std::numbers::pi * 1000.0 * at / 32000.0);
@@ -111,7 +111,7 @@ TEST(Output, AnImpulseRingsOnIntoTheNextBlockFor2046Frames) {
     AnalysisRig rig(32000);
     rig.controls.chkMuteOutput.SetValue(0);
     Block block{};
-    block[2 * 2047] = 30000;  // the last frame: all but one tap fall into the next block
+    block[2 * 2047] = 30000;  // the last frame: all taps but one fall into the next block
     rig.Feed(block);
     for (std::size_t i = 0; i < 2046; ++i) {
         ASSERT_NEAR(rig.state->TailB[i], 30000.0 * rig.state->FilterTaps[i + 1], 1e-9) << i;

@@ -16,7 +16,7 @@ struct Polar {
     double phase;
 };
 
-// The same pair in 19 places, so that both the vector loop and its rest convert it.
+// The same pair at 19 positions, so that the vector loop and its remainder both convert it.
 Polar Convert(double re, double im) {
     const std::vector<double> res(19, re);
     const std::vector<double> ims(19, im);

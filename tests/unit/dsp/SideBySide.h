@@ -13,7 +13,7 @@
 
 namespace sonavex {
 
-// Of the largest value of the vector compared.
+// Relative to the largest value of the compared vector.
 inline constexpr double kTolerance = 1e-12;
 
 inline double Largest(std::span<const double> values) {
@@ -28,7 +28,7 @@ inline void ExpectClose(std::span<const double> got, std::span<const double> exp
     for (std::size_t i = 0; i < count; ++i) ASSERT_NEAR(got[i], expected[i], allowed) << what << ' ' << i;
 }
 
-// The instrument's analysis and the literal one, side by side, each with a generator of its own.
+// Compares the instrument's analysis with the literal one; each has its own generator.
 class SideBySide {
 public:
     SideBySide(std::int32_t rate, std::int32_t lowHz)
@@ -112,7 +112,7 @@ private:
         const modDSP::State& state = *rig_.state;
         ExpectClose(state.SpecMag, literal_.inputMagnitudes, 2049, Largest(literal_.inputMagnitudes),
                     "SpecMag");
-        // Both channels are the two parts of one complex signal.
+        // Both channels are parts of one complex signal.
         const double largest = std::max(Largest(literal_.tailA), Largest(literal_.tailB));
         ExpectClose(state.TailA, literal_.tailA, 2046, largest, "TailA");
         ExpectClose(state.TailB, literal_.tailB, 2046, largest, "TailB");
@@ -123,7 +123,7 @@ private:
         ExpectClose(state.SpecRe, literal_.outputA, kTestBlockFrames, loudest, "output A");
         ExpectClose(state.SpecIm, literal_.outputB, kTestBlockFrames, loudest, "output B");
         for (std::size_t i = 0; i < kTestBlockFrames; ++i) {
-            // The whole number next to the literal value; either of two when it lies on the half.
+            // The literal value rounded; either neighbour if it is on the half.
             ASSERT_NEAR(rig_.playback[2 * i], literal_.outputB[i], 0.5 + kTolerance * scale) << i;
             ASSERT_NEAR(rig_.playback[2 * i + 1], literal_.outputA[i], 0.5 + kTolerance * scale) << i;
         }

@@ -18,7 +18,7 @@ Values Ramp(std::size_t size, double start, double step) {
     return values;
 }
 
-// Counts around the widths of vector instructions, and the one in use.
+// Counts around the widths of vector instructions, and the count in use.
 constexpr std::int32_t kCounts[] = {0, 1, 2, 3, 4, 7, 8, 15, 16, 17, 31, 33, 100, 2046, 4096};
 
 TEST(Vectors, AddInPlaceTouchesOnlyTheCount) {

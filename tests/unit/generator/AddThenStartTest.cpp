@@ -7,11 +7,11 @@ namespace {
 
 using testing::Each;
 
-// Adding a tone leaves another number of tones behind than the one that plays next.
+// Adding a tone leaves NumTones different from what plays next.
 class AddThenStart : public PanelRig {
 protected:
     AddThenStart() { Init(); }
-    // What the current signal of 440 Hz sounds like for a block after so many additions.
+    // A block of the current signal of 440 Hz after `entries` additions.
     std::vector<double> BlockAfter(int entries) {
         MoveTo(signal.sldStartFreq, 440);
         Add(entries);
@@ -47,7 +47,7 @@ TEST_F(AddThenStart, IsSilentInBetween) {
     for (int entry = 0; entry < 8; ++entry) {
         Add();
         EXPECT_THAT(bench.Fill(), Each(0.0)) << entry;
-        // The number that stays behind may be 1, and the slider then writes the first record.
+        // The remaining number may be 1, and the slider then writes the first record.
         MoveTo(signal.sldStartFreq, 500 + entry);
         EXPECT_THAT(bench.Fill(), Each(0.0)) << entry;
     }

@@ -123,8 +123,8 @@ TEST_F(AdvanceSweep, RaisesItsErrors) {
     for (int i = 0; i < 9; ++i) Sweep(100, 200, 100);
     generator.NumTones = 10;
     EXPECT_EQ(ErrorOf(tick), 9);
-    EXPECT_EQ(yields, 11);                           // before the tone that does not exist, too
-    EXPECT_EQ(generator.Tones[8].Frequency, 101.0);  // the others took their step
+    EXPECT_EQ(yields, 11);                           // also before the tone that does not exist
+    EXPECT_EQ(generator.Tones[8].Frequency, 101.0);  // the others were advanced
     ToneRecord& tone = generator.Tones[0];
     tone.SweepFrequency = -1e308;
     tone.EndFrequency = -1.7e308;

@@ -13,7 +13,7 @@ using testing::IsEmpty;
 class CurrentSignalTest : public PanelRig {
 protected:
     CurrentSignalTest() { Init(); }
-    // Frequency that a sounding sine has, from its increment.
+    // Frequency of a playing sine, computed from its increment.
     double SoundingHz() {
         bench.Fill();
         return Tone().PhaseIncrement / 6.28318530717958 * 44100.0;
@@ -76,7 +76,7 @@ TEST_F(CurrentSignalTest, StartsATone) {
     EXPECT_EQ(tone.LoopIncrement, 0.0);
     EXPECT_FALSE(tone.Sweep);
     EXPECT_FALSE(tone.Loop);
-    // As after a change of frequency: from phase 0, with its own period.
+    // As after a change of frequency: phase 0 and its own period.
     EXPECT_EQ(tone.LastFrequency, 1000.0);
     EXPECT_EQ(tone.Period, 44.1);
     EXPECT_EQ(tone.Phase, 0.0);

@@ -59,7 +59,7 @@ TEST_F(FreshPanel, HasTheLimitsOfItsControls) {
     EXPECT_EQ(signal.picGenRunning.BackColor(), (Colour{128, 128, 128})) << "grey";
 }
 
-// The numbers are those of the settings and of the list.
+// The same numbers as in the settings and the list.
 TEST(Waveforms, AreNumberedAsTheyAreListed) {
     EXPECT_EQ(wave::kSine, 0);
     EXPECT_EQ(wave::kSquare, 1);

@@ -135,7 +135,7 @@ TEST_F(MemoryPlayback, RefusesATenthTone) {
               9);
 }
 
-// Whatever fails while starting leaves the panel as if nothing had been started.
+// After any failure of a start, the panel is as if nothing had been started.
 TEST_F(MemoryPlayback, PlaysNothingAfterAFailedStart) {
     Select(0);
     Select(2);
@@ -185,7 +185,7 @@ TEST_F(MemoryPlayback, StopsWithWhateverPlays) {
     EXPECT_FALSE(generator.SweepRunning);
 }
 
-// However low: what the record held before is no measure.
+// Even for very low frequencies; the record's old period must not be used.
 TEST_F(MemoryPlayback, GivesEveryToneItsOwnPeriod) {
     for (const char* startHz : {"0.01", "0.5", "300"}) {
         Store("Memory Signal Start 2", startHz);

@@ -8,7 +8,7 @@
 namespace sonavex {
 namespace {
 
-// Long random sequences of what a user can do, the same for the same seed.
+// Long random sequences of user actions, reproducible by seed.
 class PanelSequence : public PanelRig, public testing::WithParamInterface<std::uint32_t> {
 protected:
     PanelSequence() { Init(); }
@@ -66,7 +66,7 @@ protected:
         };
         actions[static_cast<std::size_t>(Any(0, static_cast<int>(std::size(actions)) - 1))]();
     }
-    // As the choice of another rate does: stop, new limits, clamped values shown.
+    // As a change of rate does: stops, sets new limits, shows clamped values.
     void ChangeRate() {
         panel.StopPlaying();
         bench.shared.SampleRate = Any(0, 1) == 0 ? 8000 : 44100;
@@ -92,7 +92,7 @@ protected:
         EXPECT_EQ(memory.cmdGenAdd.Enabled(), !playing && memory.ToneList.Count() < 8);
         CheckClock(playing);
     }
-    // The clock runs exactly for what swept when it was started.
+    // The clock runs exactly when a tone swept at its start.
     void CheckClock(bool playing) {
         if (playing && !played_) {
             const auto* last = generator.Tones.begin() + generator.NumTones;
@@ -137,7 +137,7 @@ TEST_P(PanelSequence, KeepsThePanelConsistent) {
         EXPECT_FALSE(HasFailure()) << "step " << step;
         log.Clear();
     }
-    // The sequence played, otherwise it showed nothing.
+    // Proves that the sequence played.
     EXPECT_GT(starts, 50);
 }
 

@@ -75,7 +75,7 @@ TEST(Phase, OfTheOtherWavesGoesOnAtItsCount) {
     }
 }
 
-// A square leaves its phase at three quarters of a turn.
+// A square wave leaves its phase at three quarters of a turn.
 TEST(Phase, OfASineThatWasASquareStaysWithinHalfATurn) {
     for (const double frequencyHz : {1000.0, 24000.0, 45600.0}) {
         GeneratorBench bench(48000);
@@ -135,7 +135,7 @@ TEST(ResetTonePhases, StartsChangedTonesAndKeepsTheOthers) {
     EXPECT_EQ(kept.PhaseIncrement, before.PhaseIncrement);
     EXPECT_EQ(changed.Phase, 0.0);
     EXPECT_EQ(changed.SampleCount, 0.0);
-    EXPECT_EQ(changed.LastFrequency, 960.0);  // the frequency itself, unlike the fill
+    EXPECT_EQ(changed.LastFrequency, 960.0);  // the frequency itself, unlike FillGeneratorBlock
     EXPECT_EQ(changed.Period, 50.0);
     EXPECT_EQ(changed.PhaseIncrement, kTwoPi / 50.0);
     EXPECT_EQ(changed.SweepFrequency, 111.0);
@@ -199,7 +199,7 @@ TEST(Phase, StaysInRangeBelowZeroHertz) {
     }
 }
 
-// Half a turn is written with the one sign, forwards and backwards.
+// Half a turn has a positive sign, in both directions.
 TEST(Phase, OfHalfATurnIsPositive) {
     for (const double frequencyHz : {24000.0, -24000.0}) {
         GeneratorBench bench(48000);
@@ -210,7 +210,7 @@ TEST(Phase, OfHalfATurnIsPositive) {
     }
 }
 
-// A memory tone that was stored at 48000 Hz, played at 4000 Hz.
+// A memory tone stored at 48000 Hz and played at 4000 Hz.
 TEST(Phase, OfASineAboveTheSamplingRateStaysWithinATurn) {
     GeneratorBench bench(4000);
     ToneRecord& tone = bench.Add(wave::kSine, 20100.0);
@@ -220,7 +220,7 @@ TEST(Phase, OfASineAboveTheSamplingRateStaysWithinATurn) {
         ASSERT_GT(tone.Phase, -kPi - 1e-12) << block;
         ASSERT_LE(tone.Phase, kPi) << block;
     }
-    // It sounds as its alias, 100 Hz.
+    // It plays as its alias, 100 Hz.
     GeneratorBench alias(4000);
     alias.Add(wave::kSine, 100.0);
     alias.Run();

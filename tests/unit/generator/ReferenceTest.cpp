@@ -8,7 +8,7 @@
 namespace sonavex {
 namespace {
 
-// The fill as it is described: sample by sample, and within a sample tone by tone.
+// A literal implementation of the fill: sample by sample, and tone by tone within a sample.
 class Reference {
 public:
     explicit Reference(const Generator& generator) : tones_(generator.Tones), count_(generator.NumTones) {}
@@ -78,7 +78,7 @@ private:
 
 struct Mix {
     std::int32_t tones;
-    std::int16_t firstType;  // -1: all types, one after the other
+    std::int16_t firstType;  // -1: all types in turn
 };
 
 class AgainstReference : public testing::TestWithParam<Mix> {
@@ -92,7 +92,7 @@ protected:
         bench.Run();
     }
 
-    // Both arrays begin with noise of this peak.
+    // Both arrays start with noise of this peak.
     void Compare(Reference& reference, double noisePeak) {
         std::uniform_real_distribution<double> noise(-noisePeak, noisePeak);
         for (std::size_t i = 0; i < bench.first.size(); ++i) {

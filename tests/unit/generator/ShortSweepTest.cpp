@@ -13,7 +13,7 @@ struct Span {
 
 class ShortSweep : public SweepBench, public testing::WithParamInterface<Span> {
 protected:
-    // Where the last tick left the tone.
+    // The last tick left the tone within one step of its end.
     void ExpectWithinOneStep(const ToneRecord& tone) const {
         const double step = std::abs(tone.LoopIncrement);
         EXPECT_GE(tone.Frequency, std::min(tone.StartFrequency, tone.EndFrequency) - step);
@@ -60,7 +60,7 @@ TEST_P(ShortSweep, LoopsAfterOneTickMore) {
     }
 }
 
-// An end that is moved while the old step still counts.
+// The end is moved while the old step still applies.
 TEST_P(ShortSweep, NeverStepsToZeroOrBelow) {
     for (const double step : {-1.0, -2.0, -7.5, -5000.0, -1e6}) {
         generator.NumTones = 0;
@@ -74,7 +74,7 @@ TEST_P(ShortSweep, NeverStepsToZeroOrBelow) {
     }
 }
 
-// The way of a whole second in whole blocks, through the form: no error of a frequency of 0.
+// A whole second in whole blocks through the form: no error for a frequency of 0.
 class ShortSweepOnTheForm : public PanelRig {};
 
 TEST_F(ShortSweepOnTheForm, PlaysEveryTimeInBothDirections) {

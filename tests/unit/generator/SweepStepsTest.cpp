@@ -25,8 +25,7 @@ TEST_F(SweepSteps, UpwardsWaitForTheFillHoweverSmall) {
     EXPECT_NEAR(up.Frequency, 100.001, 1e-9);
 }
 
-// A sweep without a step sounds at its own frequency, whatever sounded before; the fill need not be waited
-// for.
+// A sweep with a step of 0 plays at its own frequency, whatever played before. It does not wait for the fill.
 TEST_F(SweepSteps, OfNothingAreStepsToo) {
     ToneRecord& tone = Sweep(400.0, 100.0, 300);
     tone.LoopIncrement = 0.0;

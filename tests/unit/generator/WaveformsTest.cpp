@@ -11,7 +11,7 @@ namespace {
 constexpr double kSinePeak = 32767.0 / 2.0 / 2.0;  // one tone
 constexpr double kRampPeak = 32767.0 / 2.0;        // one tone, unipolar
 
-// What a waveform repeats, in units of its peak, at 44100 Hz.
+// One cycle of a waveform, in units of its peak, at 44100 Hz.
 std::vector<double> Cycle(std::int16_t waveType, double frequencyHz, std::size_t length) {
     GeneratorBench bench(44100);
     bench.Add(waveType, frequencyHz);
@@ -101,7 +101,7 @@ TEST(Cycle, LastsTheRoundedUpPeriodAndOneSample) {
         bench.Add(wave::kSawtooth, frequencyHz);
         bench.Run();
         const auto samples = bench.Samples(20000);
-        // A sawtooth is 0 once a cycle.
+        // A sawtooth is 0 once per cycle.
         std::vector<std::ptrdiff_t> zeros;
         for (std::size_t i = 0; i < samples.size(); ++i)
             if (samples[i] == 0.0) zeros.push_back(static_cast<std::ptrdiff_t>(i));

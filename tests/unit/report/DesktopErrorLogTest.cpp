@@ -37,7 +37,7 @@ struct LogRig {
         for (std::string line; std::getline(text, line);) lines.push_back(line);
         return lines;
     }
-    // The line that begins so, "(none)" without one.
+    // The line with this beginning; "(none)" if there is none.
     std::string LineOf(const std::string& beginning) {
         for (const std::string& line : Lines())
             if (line.rfind(beginning, 0) == 0) return line;

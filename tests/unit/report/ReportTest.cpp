@@ -26,7 +26,7 @@ protected:
         PrintInformation(measurement, {2026, 11, 21}, printer);
         return printer.items;
     }
-    // From the column header on, which is the same on every page, to the footer.
+    // From the column header, which is the same on every page, to the footer.
     std::vector<std::string> Rows() {
         const auto& items = Print();
         return {items.begin() + 14, items.end() - 1};

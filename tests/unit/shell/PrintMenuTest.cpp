@@ -9,7 +9,7 @@ TEST(PrintMenuTest, IsEnabledByTheFirstLockedUpdate) {
     FormRig rig;
     rig.form.Form_Load();
     EXPECT_FALSE(rig.form.mnuPrint.Enabled());
-    // Nothing is heard: an update, but not locked.
+    // Silence: an update without lock.
     rig.form.Measurement.Controls.chkAuto.UserSets(false);
     rig.form.Measurement.Controls.txtFreq.UserTypes("440");
     rig.Step(40);

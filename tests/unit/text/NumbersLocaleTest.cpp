@@ -19,9 +19,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A C library locale whose decimal sign is a comma, written in the library's own binary form: a
-// magic number, the count and the offsets of its six items, then the items (decimal sign, thousands
-// sign, grouping, both signs as wide characters, code set).
+// Writes a C library locale with a decimal comma in the library's binary form: a magic number, the count and
+// the offsets of six items, then the items (decimal sign, thousands sign, grouping, both signs as wide
+// characters, code set).
 void WriteCommaLocale(const fs::path& folder) {
     fs::create_directories(folder);
     const std::array<std::uint32_t, 8> head{0x20031114U, 6, 32, 34, 36, 40, 44, 48};
@@ -43,7 +43,7 @@ struct CommaSign : std::numpunct<char> {
     std::string do_grouping() const override { return "\3"; }
 };
 
-// The process runs as on a desktop with a decimal comma, for both the C and the C++ library.
+// The process runs with a decimal comma, for the C and the C++ library.
 class CommaDesktop : public testing::Test {
 protected:
     void SetUp() override {

@@ -22,7 +22,7 @@ std::string Printed(const char* format, double value) {
     return text;
 }
 
-// Any finite double: random bits, so all sizes are equally likely.
+// Any finite double: random bits, so that all magnitudes are equally likely.
 double AnyDouble(std::mt19937_64& random) {
     for (;;) {
         const double value = std::bit_cast<double>(random());
@@ -30,7 +30,7 @@ double AnyDouble(std::mt19937_64& random) {
     }
 }
 
-// A value as the meter shows them, often with few decimals so that halves come up.
+// A typical value of the meter, often with few decimals so that halves occur.
 double MeterValue(std::mt19937_64& random) {
     const auto whole = static_cast<double>(static_cast<std::int64_t>(random() % 2000001) - 1000000);
     constexpr double kDivisors[] = {1.0, 8.0, 1000.0, 200000.0, 3276.7, 1e9};
@@ -107,7 +107,7 @@ TEST(NumbersProperty, FormatOfAnyDoubleReadsBackWithinHalfAStep) {
     }
 }
 
-// Rounded to fifteen digits the largest would be beyond every double.
+// Rounded to fifteen digits, the largest double would overflow.
 TEST(NumbersProperty, TheLargestNumbersReadBack) {
     for (double value = std::numeric_limits<double>::max(); value > 1.7976931348623e308;
          value = std::nextafter(value, 0.0) - 1e294) {

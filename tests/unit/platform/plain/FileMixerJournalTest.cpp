@@ -51,7 +51,7 @@ TEST_F(Journal, IsTheUsersAloneWhateverTheMask) {
         EXPECT_EQ(fs::status(made).permissions(), fs::perms::owner_all) << made;
 }
 
-// The old text stays, and no half of the new one is left to take the room.
+// The old text stays, and no partial new text occupies the disk.
 TEST_F(Journal, OnAFullDiskStaysAsItWas) {
     FileMixerJournal journal(File());
     journal.Write("old");

@@ -81,7 +81,7 @@ TEST_F(ReplacedFileTest, FollowsALink) {
     EXPECT_EQ(Text(folder_ / "deep" / "target"), "new");
 }
 
-// What a process left that was killed between the two names.
+// A file left by a process that was killed just before the rename.
 TEST_F(ReplacedFileTest, IsNotStoppedByWhatWasLeft) {
     std::ofstream(folder_ / ".output.wav.new") << "left";
     Replace(File(), "new");

@@ -22,7 +22,7 @@ constexpr std::size_t kPeriodFrames = 64;
 constexpr std::int32_t kSharedRingFrames = 1024;
 constexpr std::int32_t kSharedRingBytes = kSharedRingFrames * kFrameBytes;
 
-// Whole frames only: both channels of every frame carry the same value here.
+// Whether all frames are whole: here both channels of a frame have the same value.
 bool FramesAreWhole(const std::vector<std::int16_t>& samples) {
     for (std::size_t i = 0; i < samples.size(); i += 2)
         if (samples[i] != samples[i + 1]) return false;
@@ -57,7 +57,7 @@ TEST(RingThreads, PlaybackServesTwoThreads) {
 
 TEST(RingThreads, PlayCursorNeverFallsBehindAPositionSetWhilePlaying) {
     constexpr std::int32_t kPosition = 100 * kFrameBytes;
-    // Longer than all pulls together, so nothing wraps.
+    // Longer than all pulls together, so that nothing wraps.
     PlaybackRing ring(2 * kSteps * kFrameBytes, 48000);
     ring.SetPosition(kPosition);
     ring.Play();

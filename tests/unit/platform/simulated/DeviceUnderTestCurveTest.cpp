@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kCurveFrames = 4096;
 constexpr std::size_t kLine = 37;
-// What the rounding of input and output to 16 bits may do to one spectral line, in steps.
+// Error of one spectral line from rounding input and output to 16 bits, in steps.
 constexpr double kRounding = 0.1;
 
 using Samples = std::vector<std::int16_t>;

@@ -15,7 +15,7 @@ namespace {
 
 using Samples = std::vector<std::int16_t>;
 
-// Captures in periods of 100 frames, feeding exactly what the device asks for.
+// Captures in periods of 100 frames, feeding exactly what the device requests.
 Samples Capture(DeviceUnderTest& device, const Samples& played, std::size_t frames,
                 std::size_t* used = nullptr) {
     Samples captured(2 * frames);
@@ -87,7 +87,7 @@ TEST(DeviceUnderTestDelay, IsExactInFrames) {
 }
 
 constexpr std::size_t kBlock = 4096;
-constexpr double kCycles = 100.0;  // of the tone in a block
+constexpr double kCycles = 100.0;  // cycles of the tone per block
 
 Samples CaptureToneWithOffset(double ppm, std::size_t frames, std::size_t* used) {
     DeviceUnderTestModel model;
@@ -101,7 +101,7 @@ TEST(DeviceUnderTestClock, AFasterCaptureClockLowersTheFrequency) {
     for (const double ppm : {100.0, -100.0, 37.5}) {
         std::size_t used = 0;
         const Samples captured = CaptureToneWithOffset(ppm, kBlocks * kBlock, &used);
-        // The tone's phase creeps from block to block; the first is skipped, it holds the start.
+        // The tone's phase drifts between blocks. The first block contains the start and is skipped.
         const auto line = static_cast<std::size_t>(kCycles);
         const auto first = SpectralLine(captured.data() + 2 * kBlock, kBlock, line);
         const auto last = SpectralLine(captured.data() + 2 * (kBlocks - 1) * kBlock, kBlock, line);
@@ -142,7 +142,7 @@ TEST(DeviceUnderTestClock, InterpolationKeepsTheToneClean) {
     const double ppm = 100.0;
     constexpr double kRatio = 1.0 / (1.0 + 100e-6);
     const Samples captured = CaptureToneWithOffset(ppm, 10 * kBlock, &used);
-    // Least-squares fit of the tone at its captured frequency; what is left is the interpolator's.
+    // Least-squares fit of the tone at its captured frequency; the residue is the interpolator's error.
     const double turn = 2.0 * std::numbers::pi * kCycles / kBlock * kRatio;
     std::complex<double> fit = 0.0;
     const std::size_t from = kBlock;
