@@ -67,7 +67,7 @@ HelpWindow::~HelpWindow() = default;
 void HelpWindow::BuildLeft(QWidget* left) {
     search_ = new QLineEdit(left);
     search_->setPlaceholderText(tr("Search"));
-    search_->setAccessibleName(tr("Search in the help"));
+    search_->setAccessibleName(tr("Search the help"));
     search_->setClearButtonEnabled(true);
     contents_ = new QTreeWidget(left);
     contents_->setHeaderHidden(true);
@@ -102,9 +102,9 @@ void HelpWindow::BuildLeft(QWidget* left) {
 }
 
 void HelpWindow::BuildRight(QWidget* right) {
-    back_ = Button(right, tr("Back"), tr("The page before (Alt+Left)"));
-    forward_ = Button(right, tr("Forward"), tr("The page after (Alt+Right)"));
-    auto* const home = Button(right, tr("Home"), tr("The first page"));
+    back_ = Button(right, tr("Back"), tr("Back (Alt+Left)"));
+    forward_ = Button(right, tr("Forward"), tr("Forward (Alt+Right)"));
+    auto* const home = Button(right, tr("Home"), tr("First page"));
     browser_ = new HelpBrowser(right);
     browser_->setObjectName(QStringLiteral("HelpPage"));
     browser_->SetBook(*book_);

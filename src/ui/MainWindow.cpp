@@ -99,8 +99,7 @@ void MainWindow::ExplainReadings() {
         const QString number = QString::number(i);
         const int order = static_cast<int>(i) + 2;
         findChild<QLabel*>("lbltest_" + number)
-            ->setToolTip(
-                tr("Harmonics 2 to %1 together, as a share of fundamental and harmonics").arg(order));
+            ->setToolTip(tr("Harmonics 2 to %1 together, relative to fundamental plus harmonics").arg(order));
         for (QWidget* level :
              {static_cast<QWidget*>(findChild<QLabel*>("lblDb_" + number)), static_cast<QWidget*>(bars_[i])})
             level->setToolTip(tr("Level of harmonic %1 alone, relative to the fundamental").arg(order));
@@ -244,13 +243,11 @@ void MainWindow::DecorateStream() {
 void MainWindow::DecoratePath() {
     const QString notes = QString::fromStdString(form_.PathNote.Caption()).replace('\r', '\n');
     ui_->pathNote->setVisible(!notes.isEmpty());
-    ui_->pathNote->setToolTip(
-        tr("%1\n\nThe readings include what this does to the samples on their way between the instrument "
-           "and the cards.")
-            .arg(notes));
+    ui_->pathNote->setToolTip(tr("%1\n\nThe readings include the effect of this on the samples.").arg(notes));
     const CaptureStatistics counts = form_.Engine.CaptureCounts();
     ui_->lblSampleRate->setToolTip(
-        tr("Sampling rate of input and output\n%1 blocks measured, %2 lost, %3 dropped behind a message\n"
+        tr("Sampling rate of input and output\n%1 blocks measured, %2 lost, %3 dropped while a message was "
+           "open\n"
            "%4 frames missing in the input\n%5 overruns, %6 underruns of the output")
             .arg(form_.Engine.Blocks)
             .arg(counts.segmentsLost)
