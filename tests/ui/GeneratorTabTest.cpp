@@ -262,5 +262,15 @@ TEST_F(GeneratorTab, GivesEveryWrongBoxTheKeyboard) {
     EXPECT_EQ(window.focusWidget(), &Find<QLineEdit>("txtSweepTime"));
 }
 
+TEST_F(GeneratorTab, PlaysAPresetFrequency) {
+    Click("preset_100");
+    EXPECT_EQ(Signal().sldStartFreq.Value(), 100);
+    EXPECT_EQ(Box("txtGenFreq"), "100");
+    Key("sldStartFreq", Qt::Key_Right);
+    EXPECT_EQ(Signal().sldStartFreq.Value(), 101);
+    Key("sldStartFreq", Qt::Key_PageUp);
+    EXPECT_EQ(Box("txtGenFreq"), "127");
+}
+
 }  // namespace
 }  // namespace sonavex

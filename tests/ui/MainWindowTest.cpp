@@ -1,16 +1,21 @@
 #include <QAction>
+#include <QGuiApplication>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTabWidget>
 #include <QTest>
+#include <QToolButton>
+#include <map>
 #include <set>
 
 #include "ui/WindowRig.h"
-#include "ui/widgets/HarmonicBar.h"
 
 namespace sonavex {
 namespace {
+
+using testing::IsEmpty;
 
 using MainWindowTest = WindowRig;
 
@@ -102,96 +107,6 @@ TEST_F(MainWindowTest, ShowsTheSimulatedCardInTheTitle) {
     EXPECT_EQ(Text("lblSampleRate"), "32000");
 }
 
-TEST_F(MainWindowTest, MeasuresWhatItsStartButtonPlays) {
-    QTest::mouseClick(&Find<QPushButton>("startCurrentMeter"), Qt::LeftButton);
-    Settle();
-    EXPECT_EQ(Find<QPushButton>("startCurrentMeter").text(), "Stop Current");
-    EXPECT_EQ(Find<QPushButton>("Command1").text(), "Stop Current");
-    Step(60);
-    EXPECT_EQ(Find<QLineEdit>("txtFreq").text(), "1000");
-    EXPECT_EQ(Text("lockWord"), "LOCKED");
-    EXPECT_EQ(Find<ui::LockLamp>("picLocked").Colour(), QColor(0, 255, 0));
-    EXPECT_EQ(Text("lblThd").toStdString(), rig.Thd());
-    EXPECT_GT(Text("lblThd").toDouble(), 0.0);
-    EXPECT_LT(Text("lblThd").toDouble(), 0.01);
-    EXPECT_FALSE(Find<QLabel>("settlingNote").isVisible());
-    EXPECT_EQ(Text("lblDACLevel"), "Muted");
-}
-
-TEST_F(MainWindowTest, SaysNotLockedInWordShapeAndColour) {
-    QTest::mouseClick(&Find<QPushButton>("startCurrentMeter"), Qt::LeftButton);
-    Find<QCheckBox>("chkAuto").click();
-    Find<QLineEdit>("txtFreq").setFocus();
-    Find<QLineEdit>("txtFreq").selectAll();
-    QTest::keyClicks(&Find<QLineEdit>("txtFreq"), "440");
-    Step(25);
-    EXPECT_EQ(Text("lockWord"), "NOT LOCKED");
-    EXPECT_FALSE(Find<ui::LockLamp>("picLocked").Good());
-    EXPECT_EQ(Find<ui::LockLamp>("picLocked").Colour(), QColor(255, 0, 0));
-    EXPECT_EQ(Text("lblThd"), "N/A");
-    EXPECT_EQ(Text("lbltest_0"), "");
-    EXPECT_FALSE(Find<QLabel>("unitThd").isVisible());
-}
-
-TEST_F(MainWindowTest, TellsOverloadFromSilence) {
-    Step(1);
-    EXPECT_EQ(Text("LblLevel"), "Ovr");
-    EXPECT_EQ(Text("adcWord"), "NO SIGNAL");
-    DeviceUnderTestModel loud;
-    loud.gain = 8.0;
-    rig.card.Card().SetDeviceUnderTest(loud);
-    QTest::mouseClick(&Find<QPushButton>("startCurrentMeter"), Qt::LeftButton);
-    Step(12);
-    EXPECT_EQ(Text("LblLevel"), "Ovr");
-    EXPECT_EQ(Text("adcWord"), "OVERLOAD");
-    EXPECT_TRUE(Find<ui::LevelBar>("prgADC").Overload());
-}
-
-TEST_F(MainWindowTest, CapturesAndAppliesTheBaseline) {
-    DeviceUnderTestModel bent;
-    bent.harmonicAmplitudes = {0.01};
-    rig.card.Card().SetDeviceUnderTest(bent);
-    QTest::mouseClick(&Find<QPushButton>("startCurrentMeter"), Qt::LeftButton);
-    Step(60);
-    const double before = Text("lbltest_0").toDouble();
-    EXPECT_GT(before, 0.5);
-    QTest::mouseClick(&Find<QPushButton>("cmdBaseline"), Qt::LeftButton);
-    Find<QCheckBox>("chkBaseline").click();
-    Settle();
-    EXPECT_FALSE(Find<QPushButton>("cmdBaseline").isEnabled());
-    Step(19);
-    EXPECT_LT(std::abs(rig.form.Measurement.Analysis().CurrentPct[0]), 0.01);
-}
-
-TEST_F(MainWindowTest, PlaysAPresetFrequency) {
-    rig.form.TabStrip1.SetIndex(1);
-    Settle();
-    QTest::mouseClick(&Find<QPushButton>("preset_100"), Qt::LeftButton);
-    Settle();
-    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Value(), 100);
-    EXPECT_EQ(Find<QLineEdit>("txtGenFreq").text(), "100");
-    auto& slider = Find<ui::FrequencySlider>("sldStartFreq");
-    slider.setFocus();
-    QTest::keyClick(&slider, Qt::Key_Right);
-    Settle();
-    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Value(), 101);
-    QTest::keyClick(&slider, Qt::Key_PageUp);
-    Settle();
-    EXPECT_EQ(Find<QLineEdit>("txtGenFreq").text(), "127");
-}
-
-TEST_F(MainWindowTest, KeepsMemoryTonesInTheList) {
-    QTest::mouseClick(&Find<QPushButton>("cmdGenAdd"), Qt::LeftButton);
-    Settle();
-    auto& list = Find<QListWidget>("ToneList");
-    ASSERT_EQ(list.count(), 1);
-    EXPECT_EQ(list.item(0)->text(), "1000Hz / NA / Sine / NA / No Loop");
-    list.item(0)->setSelected(true);
-    Settle();
-    EXPECT_TRUE(rig.form.Signals.Memory.ToneList.Selected(0));
-    EXPECT_TRUE(Find<QPushButton>("cmdStartMemory").isEnabled());
-}
-
 TEST_F(MainWindowTest, ClosesThroughTheFormsShutdown) {
     bool unloaded = false;
     rig.form.OnUnloaded = [&](int) { unloaded = true; };
@@ -233,23 +148,155 @@ TEST_F(MainWindowTest, FindsEverythingAgainInASecondRun) {
     EXPECT_EQ(second.findChild<QListWidget*>("ToneList")->count(), 1);
 }
 
-TEST_F(MainWindowTest, SaysWhatTheTotalCounts) {
-    rig.form.Signals.Signal.sldStartFreq.UserMoves(4000);
-    QTest::mouseClick(&Find<QPushButton>("startCurrentMeter"), Qt::LeftButton);
-    Step(60);
-    EXPECT_EQ(Text("capTotalOf"), QString::fromUtf8("H2–H3, re total (THD_R)"));
+// The letters behind the "&" of these texts.
+std::map<QChar, std::set<QString>> Mnemonics(const QList<QPair<QString, QString>>& texts) {
+    std::map<QChar, std::set<QString>> letters;
+    const QRegularExpression mark("&([^&])");
+    for (const auto& [name, text] : texts) {
+        const auto match = mark.match(text);
+        if (match.hasMatch()) letters[match.captured(1).toUpper().at(0)].insert(name);
+    }
+    return letters;
 }
 
-TEST_F(MainWindowTest, DoesNotJumpWhenReadingsComeAndGo) {
-    Step(1);
-    const QRect hero = Find<QLabel>("lblThd").geometry();
-    const QRect percent = Find<QLabel>("lbltest_0").geometry();
-    const QRect level = Find<QLabel>("LblLevel").geometry();
-    QTest::mouseClick(&Find<QPushButton>("startCurrentMeter"), Qt::LeftButton);
-    Step(60);
-    EXPECT_EQ(Find<QLabel>("lblThd").geometry(), hero);
-    EXPECT_EQ(Find<QLabel>("lbltest_0").geometry(), percent);
-    EXPECT_EQ(Find<QLabel>("LblLevel").geometry(), level);
+TEST_F(MainWindowTest, HasNoLetterTwiceOnATab) {
+    for (const int tab : {0, 1}) {
+        rig.form.TabStrip1.SetIndex(tab);
+        Settle();
+        QList<QPair<QString, QString>> texts;
+        for (const QAction* menu : window.menuBar()->actions()) texts.append({menu->text(), menu->text()});
+        auto& tabs = Find<QTabWidget>("TabStrip1");
+        for (int i = 0; i < tabs.count(); ++i) texts.append({tabs.tabText(i), tabs.tabText(i)});
+        for (const QWidget* widget : window.findChildren<QWidget*>())
+            if (widget->isVisible())
+                texts.append({widget->objectName(), widget->property("text").toString()});
+        for (const auto& [letter, names] : Mnemonics(texts))
+            EXPECT_EQ(names.size(), 1U)
+                << QString(letter).toStdString() << ' ' << names.begin()->toStdString();
+    }
+}
+
+TEST_F(MainWindowTest, ReachesEveryControlByTheTabKey) {
+    for (const int tab : {0, 1}) {
+        rig.form.TabStrip1.SetIndex(tab);
+        Settle();
+        std::set<QString> unreached;
+        for (const QWidget* widget : window.findChildren<QWidget*>())
+            if (widget->isVisible() && widget->isEnabled() && widget->focusProxy() == nullptr &&
+                (widget->focusPolicy() & Qt::TabFocus) != 0)
+                unreached.insert(widget->objectName());
+        window.activateWindow();
+        for (int i = 0; i < 80; ++i) {
+            QTest::keyClick(QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : &window,
+                            Qt::Key_Tab);
+            if (const QWidget* focus = QApplication::focusWidget()) unreached.erase(focus->objectName());
+        }
+        for (const QString& name : unreached) ADD_FAILURE() << name.toStdString();
+        EXPECT_THAT(unreached, IsEmpty());
+    }
+}
+
+TEST_F(MainWindowTest, ExplainsAndNamesWhatCanBeUsed) {
+    for (const QWidget* widget : window.findChildren<QWidget*>()) {
+        const bool usable = (widget->focusPolicy() & Qt::TabFocus) != 0 && !widget->objectName().isEmpty() &&
+                            !widget->objectName().startsWith("qt_") &&
+                            qobject_cast<const QToolButton*>(widget) == nullptr;
+        if (!usable || qobject_cast<const QTabWidget*>(widget) != nullptr) continue;
+        const bool named =
+            !widget->accessibleName().isEmpty() || !widget->property("text").toString().isEmpty();
+        EXPECT_TRUE(named) << widget->objectName().toStdString();
+        EXPECT_FALSE(widget->toolTip().isEmpty()) << widget->objectName().toStdString();
+    }
+}
+
+// The window of a second run on what a first one stored.
+class SecondRun : public testing::Test {
+protected:
+    void Store(const char* section, const char* key, const char* value) {
+        rig.store.Save(section, key, value);
+    }
+    void Open() {
+        window.TellSize();
+        rig.form.Form_Load();
+        window.ShowPlaced();
+        QApplication::processEvents();
+    }
+
+    FormRig rig;
+    ui::MainWindow window{rig.form, {}};
+};
+
+TEST_F(SecondRun, ShowsWhatTheFirstStored) {
+    Store("Windows", "LastTab", "1");
+    Store("Windows", "frmMain Left", "33");
+    Store("Windows", "frmMain Top", "44");
+    Store("Settings", "Auto", "0");
+    Store("Settings", "Baseline", " 1");
+    Store("Signal Generator", "MuteMeter", "0");
+    Store("Signal Generator", "Current Signal Start", "440");
+    Store("SoundCard", "SampleRate", "0");
+    rig.desktop.screens = {3000, 3000, 3000, 3000};
+    Open();
+    EXPECT_EQ(window.findChild<QTabWidget*>("TabStrip1")->currentIndex(), 1);
+    EXPECT_EQ(rig.form.Frame.Left(), 33);
+    EXPECT_EQ(rig.form.Frame.Top(), 44);
+    EXPECT_EQ(window.pos().x(), 33);
+    EXPECT_FALSE(window.findChild<QCheckBox*>("chkAuto")->isChecked());
+    EXPECT_TRUE(window.findChild<QLineEdit*>("txtFreq")->isEnabled());
+    EXPECT_TRUE(window.findChild<QCheckBox*>("chkBaseline")->isChecked());
+    EXPECT_FALSE(window.findChild<QPushButton*>("cmdBaseline")->isEnabled());
+    EXPECT_FALSE(window.findChild<QCheckBox*>("chkMuteOutput")->isChecked());
+    EXPECT_EQ(window.findChild<QLineEdit*>("txtGenFreq")->text(), "440");
+    EXPECT_EQ(window.findChild<QLabel*>("lblSampleRate")->text(), "48000");
+}
+
+TEST_F(SecondRun, IsCentredWhereNoScreenShowsThePlace) {
+    Store("Windows", "frmMain Left", "-20000");
+    Store("Windows", "frmMain Top", "-20000");
+    Open();
+    EXPECT_EQ(rig.form.Frame.Left(), -20000);
+    EXPECT_TRUE(QGuiApplication::primaryScreen()->availableGeometry().intersects(window.geometry()));
+}
+
+TEST_F(SecondRun, IsPulledBackFromTheRightAndTheBottom) {
+    Store("Windows", "frmMain Left", "30000");
+    Store("Windows", "frmMain Top", "30000");
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    rig.desktop.screens = {screen.width(), screen.height(), screen.width(), screen.height()};
+    Open();
+    // The display's frame around the window is known only once it is shown.
+    EXPECT_EQ(rig.form.Frame.Left(), screen.width() - window.width());
+    EXPECT_EQ(rig.form.Frame.Top(), screen.height() - window.height());
+    EXPECT_EQ(window.pos(), QPoint(rig.form.Frame.Left(), rig.form.Frame.Top()));
+    EXPECT_GE(rig.form.Frame.Width(), window.minimumSizeHint().width());
+}
+
+TEST_F(SecondRun, IsNotMadeWiderByLongDeviceNames) {
+    Open();
+    const int width = window.width();
+    const std::string name(200, 'W');
+    rig.form.lblInput.SetCaption(name);
+    rig.form.lblOutput.SetCaption(name);
+    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    EXPECT_EQ(window.width(), width);
+    EXPECT_EQ(window.findChild<QLabel*>("lblInput")->text().toStdString(), name);
+}
+
+TEST_F(SecondRun, ClosesOnlyAfterTheTickIsThrough) {
+    Open();
+    bool unloaded = false;
+    rig.form.OnUnloaded = [&](int) { unloaded = true; };
+    rig.form.Signals.Signal.sldSweepTime.UserMoves(1000);
+    rig.form.Signals.Signal.sldSweepTime.UserReleases();
+    rig.form.Signals.Signal.Command1.Press();
+    rig.loop.OnYield([&] {
+        window.close();
+        EXPECT_FALSE(unloaded);
+    });
+    rig.form.HiTimer1->Tick();
+    rig.loop.OnYield({});
+    rig.loop.DeliverSignals();
+    EXPECT_TRUE(unloaded);
 }
 
 }  // namespace
