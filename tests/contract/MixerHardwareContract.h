@@ -16,7 +16,7 @@
 #include "core/mixer/QuenbyVista.h"
 #include "core/mixer/VistaSound.h"
 #include "platform/plain/PlainEventLoop.h"
-#include "support/PollUntil.h"
+#include "support/Wait.h"
 
 namespace sonavex {
 
@@ -361,11 +361,11 @@ TYPED_TEST_P(MixerHardwareContract, ReportsChangesFromOutside) {
     this->hardware->OnChange([&] { ++changes; });
     static_cast<void>(this->library.GetMasterVolume(this->status));
     // Opening the devices may have caused reports too.
-    PollUntil(
+    WaitUntil(
         this->loop, [] { return false; }, std::chrono::milliseconds(300));
     changes = 0;
     this->ChangeMasterOutside(this->platform.OddValues());
-    EXPECT_TRUE(PollUntil(
+    EXPECT_TRUE(WaitUntil(
         this->loop, [&] { return changes > 0; }, std::chrono::seconds(5)));
 }
 

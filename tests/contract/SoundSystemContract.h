@@ -13,9 +13,7 @@
 
 #include "core/ports/SoundErrors.h"
 #include "core/ports/SoundSystem.h"
-#include "platform/plain/PlainEventLoop.h"
-#include "support/LoopSignal.h"
-#include "support/PollUntil.h"
+#include "support/Duplex.h"
 
 namespace sonavex {
 
@@ -34,32 +32,9 @@ protected:
 
     SoundSystemContract() : system_(platform_->Create(loop_)) {}
 
-    void OpenPlayback() {
-        output_ = system_->CreatePlaybackDevice("");
-        playback_ = output_->CreateBuffer(Stereo(kPlaybackBytes, kRateHz));
-    }
-    void OpenCapture() {
-        input_ = system_->CreateCaptureDevice("");
-        capture_ = input_->CreateBuffer(Stereo(kCaptureBytes, kRateHz));
-    }
-    void Close() {
-        playback_.reset();
-        capture_.reset();
-        output_.reset();
-        input_.reset();
-    }
-
-    // The number of the RuntimeError that the action throws; 0 for none.
-    template <class Action>
-    static std::int32_t ErrorOf(Action action) {
-        try {
-            action();
-        } catch (const RuntimeError& error) {
-            EXPECT_STRNE(error.what(), "");
-            return error.Number();
-        }
-        return 0;
-    }
+    void OpenPlayback() { duplex_.OpenPlayback("", kRateHz); }
+    void OpenCapture() { duplex_.OpenCapture("", kRateHz); }
+    void Close() { duplex_.Close(); }
 
     static std::int32_t Distance(const BufferCursors& cursors) {
         return (cursors.write - cursors.play + kPlaybackBytes) % kPlaybackBytes;
@@ -84,10 +59,11 @@ protected:
     inline static std::unique_ptr<Platform> platform_;
     PlainEventLoop loop_;
     std::unique_ptr<SoundSystem> system_;
-    std::unique_ptr<PlaybackDevice> output_;
-    std::unique_ptr<CaptureDevice> input_;
-    std::unique_ptr<PlaybackBuffer> playback_;
-    std::unique_ptr<CaptureBuffer> capture_;
+    Duplex duplex_{loop_, *system_};
+    std::unique_ptr<PlaybackDevice>& output_ = duplex_.output;
+    std::unique_ptr<CaptureDevice>& input_ = duplex_.input;
+    std::unique_ptr<PlaybackBuffer>& playback_ = duplex_.playback;
+    std::unique_ptr<CaptureBuffer>& capture_ = duplex_.capture;
 };
 
 TYPED_TEST_SUITE_P(SoundSystemContract);
@@ -130,8 +106,8 @@ TYPED_TEST_P(SoundSystemContract, RefusesOtherFormats) {
     const auto expectRefusal = [&](std::int32_t number, auto change) {
         BufferDescription description = Stereo(kCaptureBytes, this->kRateHz);
         change(description);
-        EXPECT_EQ(this->ErrorOf([&] { this->output_->CreateBuffer(description); }), number);
-        EXPECT_EQ(this->ErrorOf([&] { this->input_->CreateBuffer(description); }), number);
+        EXPECT_EQ(ErrorOf([&] { this->output_->CreateBuffer(description); }), number);
+        EXPECT_EQ(ErrorOf([&] { this->input_->CreateBuffer(description); }), number);
     };
     expectRefusal(sound_error::kBadFormat, [](BufferDescription& wanted) { wanted.format.channels = 1; });
     expectRefusal(sound_error::kBadFormat,
@@ -154,7 +130,7 @@ TYPED_TEST_P(SoundSystemContract, CursorsOfAStoppedBufferAreZero) {
     this->playback_->SetCurrentPosition(4096);
     expectZero();
     this->playback_->PlayLooping();
-    EXPECT_TRUE(PollUntil(
+    EXPECT_TRUE(WaitUntil(
         this->loop_, [&] { return this->playback_->GetCurrentPosition().write > 8192; },
         std::chrono::seconds(3)));
     this->playback_->Stop();
@@ -208,25 +184,25 @@ TYPED_TEST_P(SoundSystemContract, RefusesPositionsOutsideTheBuffer) {
     this->OpenCapture();
     std::vector<std::int16_t> samples(8);
     for (const std::int32_t offset : {2, -4, kPlaybackBytes, kPlaybackBytes + 4})
-        EXPECT_EQ(this->ErrorOf([&] { this->playback_->SetCurrentPosition(offset); }), 5) << offset;
+        EXPECT_EQ(ErrorOf([&] { this->playback_->SetCurrentPosition(offset); }), 5) << offset;
     for (const std::int32_t offset : {2, -4, kPlaybackBytes - 12, kPlaybackBytes})
-        EXPECT_EQ(this->ErrorOf([&] { this->playback_->WriteBuffer(offset, samples); }), 5) << offset;
+        EXPECT_EQ(ErrorOf([&] { this->playback_->WriteBuffer(offset, samples); }), 5) << offset;
     for (const std::int32_t offset : {2, -4, kCaptureBytes - 12, kCaptureBytes})
-        EXPECT_EQ(this->ErrorOf([&] { this->capture_->ReadBuffer(offset, samples); }), 5) << offset;
-    EXPECT_EQ(this->ErrorOf([&] { this->playback_->SetCurrentPosition(kPlaybackBytes - 4); }), 0);
-    EXPECT_EQ(this->ErrorOf([&] { this->playback_->WriteBuffer(kPlaybackBytes - 16, samples); }), 0);
-    EXPECT_EQ(this->ErrorOf([&] { this->capture_->ReadBuffer(kCaptureBytes - 16, samples); }), 0);
+        EXPECT_EQ(ErrorOf([&] { this->capture_->ReadBuffer(offset, samples); }), 5) << offset;
+    EXPECT_EQ(ErrorOf([&] { this->playback_->SetCurrentPosition(kPlaybackBytes - 4); }), 0);
+    EXPECT_EQ(ErrorOf([&] { this->playback_->WriteBuffer(kPlaybackBytes - 16, samples); }), 0);
+    EXPECT_EQ(ErrorOf([&] { this->capture_->ReadBuffer(kCaptureBytes - 16, samples); }), 0);
     samples.resize(7);  // half a frame at the end
-    EXPECT_EQ(this->ErrorOf([&] { this->playback_->WriteBuffer(0, samples); }), 5);
-    EXPECT_EQ(this->ErrorOf([&] { this->capture_->ReadBuffer(0, samples); }), 5);
+    EXPECT_EQ(ErrorOf([&] { this->playback_->WriteBuffer(0, samples); }), 5);
+    EXPECT_EQ(ErrorOf([&] { this->capture_->ReadBuffer(0, samples); }), 5);
 }
 
 TYPED_TEST_P(SoundSystemContract, TakesVolumesInItsRangeOnly) {
     this->OpenPlayback();
-    EXPECT_EQ(this->ErrorOf([&] { this->playback_->SetVolume(0); }), 0);
-    EXPECT_EQ(this->ErrorOf([&] { this->playback_->SetVolume(-10000); }), 0);
-    EXPECT_EQ(this->ErrorOf([&] { this->playback_->SetVolume(1); }), 5);
-    EXPECT_EQ(this->ErrorOf([&] { this->playback_->SetVolume(-10001); }), 5);
+    EXPECT_EQ(ErrorOf([&] { this->playback_->SetVolume(0); }), 0);
+    EXPECT_EQ(ErrorOf([&] { this->playback_->SetVolume(-10000); }), 0);
+    EXPECT_EQ(ErrorOf([&] { this->playback_->SetVolume(1); }), 5);
+    EXPECT_EQ(ErrorOf([&] { this->playback_->SetVolume(-10001); }), 5);
 }
 
 TYPED_TEST_P(SoundSystemContract, ArmsKnownEventsInsideAStoppedBufferOnly) {
@@ -235,7 +211,7 @@ TYPED_TEST_P(SoundSystemContract, ArmsKnownEventsInsideAStoppedBufferOnly) {
     EXPECT_NE(event, 0);
     const auto arm = [&](std::int32_t offset, EventHandle handle) {
         const PositionNotification position{offset, handle};
-        return this->ErrorOf([&] { this->capture_->SetNotificationPositions({&position, 1}); });
+        return ErrorOf([&] { this->capture_->SetNotificationPositions({&position, 1}); });
     };
     EXPECT_EQ(arm(-1, event), 5);
     EXPECT_EQ(arm(kCaptureBytes, event), 5);
@@ -278,7 +254,7 @@ TYPED_TEST_P(SoundSystemContract, TheDeviceDelayStaysWithinThreeBlocks) {
     this->playback_->PlayLooping();
     std::int64_t heard = 0;  // frames captured since the first that was played
     std::vector<std::int16_t> recording(kCaptureBytes / 2);
-    ASSERT_TRUE(PollUntil(
+    ASSERT_TRUE(WaitUntil(
         this->loop_,
         [&] {
             const auto captured = static_cast<std::int64_t>(this->capture_->Statistics().framesCaptured);
@@ -348,7 +324,7 @@ TYPED_TEST_P(SoundSystemContract, LeavesNothingBehind) {
         this->system_ = this->platform_->Create(this->loop_);
         useOnce();
     }
-    EXPECT_TRUE(PollUntil(
+    EXPECT_TRUE(WaitUntil(
         this->loop_,
         [&] {
             return this->Entries("/proc/self/fd") == files && this->Entries("/proc/self/task") == threads;

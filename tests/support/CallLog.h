@@ -10,23 +10,37 @@
 
 namespace sonavex {
 
-// What the fakes of one test were asked to do, in order, one line a call: the operation, then its
-// arguments separated by blanks. An operation can be made to fail.
+// The calls of a test's fakes in order, one line per call: the operation, then its arguments, separated by
+// blanks. An operation can be made to fail.
 class CallLog {
 public:
     // Records the call; raises the error that the operation was given.
     void Call(const std::string& operation, const std::string& arguments = {}) {
-        lines_.push_back(arguments.empty() ? operation : operation + ' ' + arguments);
+        Note(arguments.empty() ? operation : operation + ' ' + arguments);
         const auto failing = failing_.find(operation);
         if (failing != failing_.end()) throw failing->second;
     }
-    // Records without ever failing: destructors and calls that may not fail.
-    void Note(const std::string& line) { lines_.push_back(line); }
+    // Records without ever failing: for destructors and calls that may not fail.
+    void Note(const std::string& line) {
+        if (!countsOnly_) return lines_.push_back(line);
+        Counted& counted = counted_[line.substr(0, line.find(' '))];
+        ++counted.count;
+        counted.last = line;
+    }
 
     void Fail(const std::string& operation, const RuntimeError& error) {
         failing_.insert_or_assign(operation, error);
     }
     void Heal(const std::string& operation) { failing_.erase(operation); }
+
+    // From now on keeps the count and the last line of each operation instead of all lines, so that the log
+    // does not grow.
+    void CountOnly() { countsOnly_ = true; }
+    // The last line of the operation after CountOnly; empty when there is none.
+    std::string Last(const std::string& operation) const {
+        const auto found = counted_.find(operation);
+        return found == counted_.end() ? std::string() : found->second.last;
+    }
 
     const std::vector<std::string>& Lines() const noexcept { return lines_; }
     void Clear() noexcept { lines_.clear(); }
@@ -38,7 +52,10 @@ public:
                      [&](const std::string& line) { return line.substr(0, line.find(' ')) == operation; });
         return found;
     }
-    std::size_t Count(std::string_view operation) const { return Of(operation).size(); }
+    std::size_t Count(std::string_view operation) const {
+        const auto found = counted_.find(operation);
+        return Of(operation).size() + (found == counted_.end() ? 0 : found->second.count);
+    }
 
     // The line before the first one of this operation, that line, and the one after it; empty without all
     // three.
@@ -50,8 +67,15 @@ public:
     }
 
 private:
+    struct Counted {
+        std::size_t count = 0;
+        std::string last;
+    };
+
     std::vector<std::string> lines_;
     std::map<std::string, RuntimeError> failing_;
+    bool countsOnly_ = false;
+    std::map<std::string, Counted, std::less<>> counted_;
 };
 
 }  // namespace sonavex

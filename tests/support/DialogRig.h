@@ -2,14 +2,13 @@
 
 #include "core/report/DesktopErrorLog.h"
 #include "support/FakeSoundSystem.h"
-#include "support/FormRig.h"
-#include "support/ReportFakes.h"
+#include "support/World.h"
 #include "ui/ModalForms.h"
 
 namespace sonavex {
 
 // The main form on scripted devices, with the real error log and the real dialogs about sound devices.
-class DialogRig : public FormWorld {
+class DialogRig : public World {
 public:
     DialogRig() {
         store.Save("SoundCard", "Output", "out-a");
@@ -26,11 +25,9 @@ public:
 
     FakeSoundSystem sound{log};
     Settings settings{store};
-    MemoryDesktopFiles files{log};
     ScriptedDiagnostics diagnostics{log};
-    RecordingHelp help{log};
     DesktopErrorLog report{{settings, sound, desktop, files, FixedTime}};
-    frmMain form{{store, sound, loop, dialogs, desktop, report, mixers}};
+    frmMain form{On(sound, report)};
     ui::ModalForms forms{{form, report.State(), dialogs, files, diagnostics, help}};
 };
 

@@ -1,20 +1,39 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
+#include <optional>
+#include <string>
 
 #include "core/support/RuntimeError.h"
 
 namespace sonavex {
 
-// Number of the run-time error that the action raises, 0 when it raises none.
+// The run-time error that the action raises; nothing when it raises none.
 template <class Action>
-std::int32_t ErrorOf(Action action) {
+std::optional<RuntimeError> Raised(Action action) {
     try {
         static_cast<void>(action());
     } catch (const RuntimeError& error) {
-        return error.Number();
+        EXPECT_STRNE(error.what(), "") << error.Number();
+        return error;
     }
-    return 0;
+    return {};
+}
+
+// Its number; 0 when the action raises none.
+template <class Action>
+std::int32_t ErrorOf(Action action) {
+    const auto error = Raised(action);
+    return error ? error->Number() : 0;
+}
+
+// Its text; "no error" when the action raises none.
+template <class Action>
+std::string TextOfError(Action action) {
+    const auto error = Raised(action);
+    return error ? error->what() : "no error";
 }
 
 }  // namespace sonavex

@@ -3,8 +3,9 @@
 #include <csignal>
 #include <fstream>
 #include <stdexcept>
-#include <thread>
 #include <utility>
+
+#include "support/Wait.h"
 
 namespace sonavex {
 namespace {
@@ -15,11 +16,7 @@ constexpr auto kPipeWireLimit = 10s;
 
 template <class Condition>
 void WaitFor(const char* what, Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + kPipeWireLimit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= end) throw std::runtime_error(std::string("no ") + what);
-        std::this_thread::sleep_for(5ms);
-    }
+    if (!WaitUntil(condition, kPipeWireLimit)) throw std::runtime_error(std::string("no ") + what);
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "support/Wait.h"
+
 namespace sonavex {
 namespace {
 
@@ -110,15 +112,14 @@ void PrintServer::WriteBackend() const {
 }
 
 void PrintServer::WaitUntilReady() const {
-    const auto end = std::chrono::steady_clock::now() + kServerLimit;
-    do {
+    const auto answers = [this] {
         try {
-            if (Control({"lpstat", "-r"}) == "scheduler is running\n") return;
+            return Control({"lpstat", "-r"}) == "scheduler is running\n";
         } catch (const std::runtime_error&) {
-            // Not yet.
+            return false;
         }
-        std::this_thread::sleep_for(10ms);
-    } while (std::chrono::steady_clock::now() < end);
+    };
+    if (WaitUntil(answers, kServerLimit)) return;
     std::ostringstream output;
     output << std::ifstream(folder_.Path() / "output").rdbuf();
     throw std::runtime_error("The print server does not get ready: " + output.str());
@@ -129,17 +130,17 @@ std::string PrintServer::Control(const Arguments& command) const {
 }
 
 std::vector<std::filesystem::path> PrintServer::Jobs(const std::string& printer, std::size_t count) const {
-    const auto end = std::chrono::steady_clock::now() + kServerLimit;
-    for (;;) {
-        std::vector<std::filesystem::path> files;
+    std::vector<std::filesystem::path> files;
+    const auto complete = [&] {
+        files.clear();
         for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / printer))
             if (entry.path().extension() == ".pdf") files.push_back(entry.path());
-        std::sort(files.begin(), files.end());
-        // What is still under way would come too late to be counted.
-        if (files.size() >= count && Control({"lpstat", "-o"}).empty()) return files;
-        if (std::chrono::steady_clock::now() >= end) throw std::runtime_error("The print jobs do not come");
-        std::this_thread::sleep_for(10ms);
-    }
+        // A job that is still being printed would not be counted.
+        return files.size() >= count && Control({"lpstat", "-o"}).empty();
+    };
+    if (!WaitUntil(complete, kServerLimit)) throw std::runtime_error("The print jobs do not come");
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
 void PrintServer::Pause() {

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "support/Wait.h"
+
 namespace sonavex {
 namespace {
 
@@ -58,28 +60,25 @@ std::string SoundServer::LoadNullSink(const NullSink& sink) const {
 
 // PipeWire takes its time.
 void SoundServer::WaitUntilListed(const std::string& sink) const {
-    const auto end = std::chrono::steady_clock::now() + kReadyLimit;
-    while (Control({"list", "short", "sinks"}).find('\t' + sink + '\t') == std::string::npos ||
-           Control({"list", "short", "sources"}).find('\t' + sink + ".monitor\t") == std::string::npos) {
-        if (std::chrono::steady_clock::now() >= end) throw std::runtime_error("the sink does not come");
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    const auto listed = [&](const char* kind, const std::string& name) {
+        return Control({"list", "short", kind}).find('\t' + name + '\t') != std::string::npos;
+    };
+    if (!WaitUntil([&] { return listed("sinks", sink) && listed("sources", sink + ".monitor"); },
+                   kReadyLimit))
+        throw std::runtime_error("the sink does not come");
 }
 
 void SoundServer::WaitUntilReady() const {
-    const auto end = std::chrono::steady_clock::now() + kReadyLimit;
-    for (;;) {
+    const auto answers = [this] {
         try {
-            if (std::filesystem::exists(SocketPath())) {
-                Control({"info"});
-                return;
-            }
+            if (!std::filesystem::exists(SocketPath())) return false;
+            Control({"info"});
+            return true;
         } catch (const std::runtime_error&) {
-            // Not yet.
+            return false;
         }
-        if (std::chrono::steady_clock::now() >= end) break;
-        std::this_thread::sleep_for(5ms);
-    }
+    };
+    if (WaitUntil(answers, kReadyLimit)) return;
     std::ostringstream log;
     log << std::ifstream(LogPath()).rdbuf();
     throw std::runtime_error("The sound server does not get ready: " + log.str());

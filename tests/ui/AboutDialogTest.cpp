@@ -2,7 +2,7 @@
 
 #include <QLabel>
 
-#include "support/DialogDriver.h"
+#include "support/DialogUser.h"
 #include "support/FormRig.h"
 #include "support/RecordingLauncher.h"
 #include "ui/AboutDialog.h"
@@ -15,7 +15,7 @@ using testing::ElementsAre;
 class AboutDialogWindow : public testing::Test {
 protected:
     void With(std::function<void(QDialog&)> step) {
-        const DialogDriver driver({std::move(step)});
+        const DialogSteps driver({std::move(step)});
         ui::AboutDialog(about, rig.form.Guard).Run();
     }
 

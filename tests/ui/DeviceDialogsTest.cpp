@@ -12,8 +12,8 @@
 #include <optional>
 
 #include "core/ports/SoundErrors.h"
-#include "support/DialogDriver.h"
 #include "support/DialogRig.h"
+#include "support/DialogUser.h"
 #include "ui/DeviceDialog.h"
 #include "ui/ErrorDialog.h"
 
@@ -49,11 +49,11 @@ protected:
     }
     // The main form's start; the dialogs that it opens go through these steps.
     void Load(std::vector<std::function<void(QDialog&)>> steps = {}) {
-        const DialogDriver driver(std::move(steps));
+        const DialogSteps driver(std::move(steps));
         rig.form.Form_Load();
     }
     void SelectFromMenu(std::vector<std::function<void(QDialog&)>> steps) {
-        const DialogDriver driver(std::move(steps));
+        const DialogSteps driver(std::move(steps));
         rig.form.Guard.Run([this] { rig.form.mnuSelectCard.UserChooses(); });
     }
     std::string Stored(const char* key) const { return rig.store.Get("SoundCard", key, "(absent)"); }

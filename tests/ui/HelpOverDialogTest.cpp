@@ -5,7 +5,7 @@
 #include <QTest>
 
 #include "platform/chm/ChmHelpBook.h"
-#include "support/DialogDriver.h"
+#include "support/DialogUser.h"
 #include "support/FormRig.h"
 #include "support/ReportFakes.h"
 #include "ui/ErrorDialog.h"
@@ -24,8 +24,8 @@ protected:
     }
     // The step has to close the dialog, which lives as long as in the program.
     void Fail(std::function<void(QDialog&)> step) {
-        const DialogDriver driver({std::move(step)});
-        frmError error({state, rig.form.Shared, rig.form.Stored, rig.dialogs, files, diagnostics, viewer,
+        const DialogSteps driver({std::move(step)});
+        frmError error({state, rig.form.Shared, rig.form.Stored, rig.dialogs, rig.files, diagnostics, viewer,
                         "in-b", "out-a"});
         ui::ErrorDialog dialog(error, rig.form.Guard);
         dialog.Run();
@@ -33,7 +33,6 @@ protected:
 
     FormRig rig;
     ErrorState state;
-    MemoryDesktopFiles files{rig.log};
     ScriptedDiagnostics diagnostics{rig.log};
     ui::HelpViewer viewer{rig.dialogs, [] { return std::string(SONAVEX_HELP_FILE); },
                           [](const std::string& file) { return std::make_unique<ChmHelpBook>(file); }};

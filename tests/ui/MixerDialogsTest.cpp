@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <set>
 
+#include "support/DialogUser.h"
 #include "ui/MixerRig.h"
 
 namespace sonavex {
@@ -21,13 +22,6 @@ using testing::HasSubstr;
 void Settle(MixerRig& rig) {
     rig.loop.DeliverSignals();
     for (int i = 0; i < 3; ++i) QApplication::processEvents();
-}
-
-template <class Widget>
-Widget& Find(QWidget& dialog, const char* name) {
-    auto* const widget = dialog.findChild<Widget*>(name);
-    if (widget == nullptr) throw std::runtime_error(name);
-    return *widget;
 }
 
 // Every control has a widget, and every widget with a control's prefix has a control.

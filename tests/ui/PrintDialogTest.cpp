@@ -5,7 +5,7 @@
 #include <QLineEdit>
 
 #include "core/report/PrintCommand.h"
-#include "support/DialogDriver.h"
+#include "support/DialogUser.h"
 #include "support/FormRig.h"
 #include "support/RecordingPrinter.h"
 #include "ui/PrintDialog.h"
@@ -24,7 +24,7 @@ protected:
     }
     // Presses the button; the step has to close the dialog.
     void With(std::function<void(QDialog&)> step) {
-        const DialogDriver driver({std::move(step)});
+        const DialogSteps driver({std::move(step)});
         rig.form.cmdPrint.Press();
     }
 

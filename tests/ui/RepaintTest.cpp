@@ -1,10 +1,14 @@
 #include <QEvent>
 #include <map>
 
+#include "support/QtWait.h"
 #include "ui/WindowRig.h"
 
 namespace sonavex {
 namespace {
+
+// Painting follows its event by some milliseconds.
+constexpr std::chrono::seconds kPaintLimit{2};
 
 // How often each widget of a window has been painted, and layouts have been made anew.
 class Watcher : public QObject {
@@ -41,12 +45,7 @@ protected:
         WindowRig::SetUp();
         rig.form.Signals.Signal.Command1.Press();
         Step(60);
-        Await([] { return false; }, 50);
-    }
-    // Painting follows its event by some milliseconds.
-    template <class Condition>
-    void Await(Condition condition, int limitMs = 2000) {
-        for (int waitedMs = 0; waitedMs < limitMs && !condition(); waitedMs += 5) QTest::qWait(5);
+        WaitInQt(std::chrono::milliseconds(50));
     }
     MeasurementControls& Meter() { return rig.form.Measurement.Controls; }
 };
@@ -57,7 +56,7 @@ TEST_F(Repaint, EqualReadingsPaintNothing) {
     Meter().lblThd.SetCaption(std::string(Meter().lblThd.Caption()));
     Meter().prgADC.SetValue(Meter().prgADC.Value());
     Meter().picLocked.SetBackColor(Meter().picLocked.BackColor());
-    Await([] { return false; }, 100);
+    WaitInQt(std::chrono::milliseconds(100));
     EXPECT_EQ(watcher.All(), 0);
     EXPECT_EQ(watcher.Layouts, 0);
 }
@@ -70,7 +69,7 @@ TEST_F(Repaint, AChangedFigurePaintsItselfAlone) {
                        : name == std::string("LblLevel") ? Meter().LblLevel
                                                          : Meter().lbltest[3];
         label.SetCaption("77");
-        Await([&] { return watcher.Painted(name) > 0; });
+        WaitInQt(kPaintLimit, [&] { return watcher.Painted(name) > 0; });
         EXPECT_EQ(Text(name), "77");
         EXPECT_EQ(watcher.Painted(name), 1);
         EXPECT_EQ(watcher.All(), 1);
@@ -81,7 +80,7 @@ TEST_F(Repaint, AChangedFigurePaintsItselfAlone) {
 TEST_F(Repaint, AChangedLevelPaintsItsBarAlone) {
     const Watcher watcher;
     Meter().prgADC.SetValue(Meter().prgADC.Value() + 900.0F);
-    Await([&] { return watcher.Painted("prgADC") > 0; });
+    WaitInQt(kPaintLimit, [&] { return watcher.Painted("prgADC") > 0; });
     EXPECT_EQ(watcher.Painted("prgADC"), 1);
     EXPECT_EQ(watcher.All(), 1);
 }

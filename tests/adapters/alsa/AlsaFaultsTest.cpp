@@ -8,6 +8,7 @@
 
 #include "adapters/alsa/AlsaSession.h"
 #include "support/AllocationCounter.h"
+#include "support/Wait.h"
 #include "support/alsa/LoopCards.h"
 
 namespace sonavex {
@@ -28,7 +29,7 @@ protected:
     void ExpectRecovery() {
         session_.Close();
         OpenAndRun();
-        EXPECT_TRUE(session_.losses_.empty());
+        EXPECT_TRUE(session_.losses.empty());
     }
 
     LoopCards cards_{CardList{{"card", "Test card"}, {"hw:CARD=Fake,DEV=0", "Test card"}}};
@@ -41,7 +42,7 @@ TEST_F(AlsaFaults, UnpluggedWhileRunningAndPluggedInAgain) {
     card_.unplugged = 1;
     session_.ExpectLosses("has been removed.");
     session_.ExpectError(sound_error::kNoDriver, "'Test card (direct)' is not there.",
-                         [&] { session_.output_->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
+                         [&] { session_.output->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
     session_.Close();
     session_.ExpectError(sound_error::kNoDriver, "is not there.", [&] { session_.Create(kDevice, kRateHz); });
     card_.unplugged = 0;
@@ -52,14 +53,14 @@ TEST_F(AlsaFaults, UnpluggedWhileRunningAndPluggedInAgain) {
 TEST_F(AlsaFaults, BothDirectionsCompareTheirClockWithTheSystems) {
     OpenAndRun();
     const auto lead = [&](const auto& buffer) { return buffer->ClockLead().value_or(1h); };
-    session_.loop_.RunUntil([] { return false; }, 300ms);
-    const auto captureBefore = lead(session_.capture_);
-    const auto playbackBefore = lead(session_.playback_);
-    session_.loop_.RunUntil([] { return false; }, 1s);
+    session_.loop.RunUntil([] { return false; }, 300ms);
+    const auto captureBefore = lead(session_.capture);
+    const auto playbackBefore = lead(session_.playback);
+    session_.loop.RunUntil([] { return false; }, 1s);
     // The device moves pieces of 12 to 20 ms.
-    EXPECT_LT(std::chrono::abs(lead(session_.capture_) - captureBefore), 60ms);
-    EXPECT_LT(std::chrono::abs(lead(session_.playback_) - playbackBefore), 60ms);
-    EXPECT_EQ(session_.capture_->ClockName(), "");
+    EXPECT_LT(std::chrono::abs(lead(session_.capture) - captureBefore), 60ms);
+    EXPECT_LT(std::chrono::abs(lead(session_.playback) - playbackBefore), 60ms);
+    EXPECT_EQ(session_.capture->ClockName(), "");
 }
 
 TEST_F(AlsaFaults, SuspendedAndResumed) {
@@ -99,24 +100,24 @@ TEST_F(AlsaFaults, FailingAgainAndAgainIsALossAndCostsNoTime) {
 // The card's clock jumps, as it does when the machine does not serve it for that long.
 TEST_F(AlsaFaults, BeingServedTooLateIsCountedAndGoesOn) {
     OpenAndRun();
-    EXPECT_EQ(session_.playback_->Underruns(), 0U);
-    EXPECT_EQ(session_.capture_->Statistics().framesMissing, 0U);
+    EXPECT_EQ(session_.playback->Underruns(), 0U);
+    EXPECT_EQ(session_.capture->Statistics().framesMissing, 0U);
     card_.stalled = 1;
-    session_.loop_.RunUntil([] { return false; }, 700ms);
+    session_.loop.RunUntil([] { return false; }, 700ms);
     card_.stalled = 0;
-    EXPECT_TRUE(PollUntil(
-        session_.loop_,
+    EXPECT_TRUE(WaitUntil(
+        session_.loop,
         [&] {
-            return session_.playback_->Underruns() > 0 && session_.capture_->Statistics().framesMissing > 0;
+            return session_.playback->Underruns() > 0 && session_.capture->Statistics().framesMissing > 0;
         },
         AlsaSession::kLimit));
     // About as long as the gap was.
-    const double missing = static_cast<double>(session_.capture_->Statistics().framesMissing);
+    const double missing = static_cast<double>(session_.capture->Statistics().framesMissing);
     EXPECT_NEAR(missing / kRateHz, 0.7, 0.4);
     EXPECT_TRUE(session_.Captures());
-    session_.loop_.RunUntil([] { return false; }, 100ms);
-    EXPECT_TRUE(session_.losses_.empty());
-    EXPECT_LE(session_.playback_->Underruns(), 3U);
+    session_.loop.RunUntil([] { return false; }, 100ms);
+    EXPECT_TRUE(session_.losses.empty());
+    EXPECT_LE(session_.playback->Underruns(), 3U);
 }
 
 TEST_F(AlsaFaults, HeldByAnotherProgram) {
@@ -128,12 +129,12 @@ TEST_F(AlsaFaults, HeldByAnotherProgram) {
             std::make_unique<ChildProcess>(Arguments{program, "-q", "-D", "card", "-t", "raw", "-f", "S16_LE",
                                                      "-c", "2", "-r", "48000", file},
                                            cards_.ForPrograms(), folder.Path() / "log");
-        EXPECT_TRUE(PollUntil(
-            session_.loop_, [&] { return cards_.InUse("card", direction); }, AlsaSession::kLimit));
+        EXPECT_TRUE(WaitUntil(
+            session_.loop, [&] { return cards_.InUse("card", direction); }, AlsaSession::kLimit));
         return process;
     };
-    const auto output = session_.system_.CreatePlaybackDevice(kDevice);
-    const auto input = session_.system_.CreateCaptureDevice(kDevice);
+    const auto output = session_.system.CreatePlaybackDevice(kDevice);
+    const auto input = session_.system.CreateCaptureDevice(kDevice);
     const std::string inUse = "The sound device 'Test card (direct)' is in use by another program.";
     {
         const auto player = holder("aplay", "/dev/zero", Direction::kPlayback);
@@ -144,7 +145,7 @@ TEST_F(AlsaFaults, HeldByAnotherProgram) {
         session_.ExpectError(sound_error::kAllocated, inUse,
                              [&] { input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); });
         // Busy cards are listed all the same.
-        EXPECT_EQ(session_.system_.EnumeratePlayback().size(), 3U);
+        EXPECT_EQ(session_.system.EnumeratePlayback().size(), 3U);
     }
     ExpectRecovery();
 }
@@ -152,7 +153,7 @@ TEST_F(AlsaFaults, HeldByAnotherProgram) {
 TEST_F(AlsaFaults, HeldByAnotherBufferOfThisProgram) {
     OpenAndRun();
     session_.ExpectError(sound_error::kAllocated, "is in use by another program.",
-                         [&] { session_.input_->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); });
+                         [&] { session_.input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); });
     EXPECT_TRUE(session_.Captures());
 }
 
@@ -165,11 +166,11 @@ TEST_F(AlsaFaults, FiftyRapidCyclesLeaveNothingBehind) {
         // Also through the conversions of a card, and through losses.
         session_.Open(round % 2 == 0 ? kDevice : "alsa:hw:CARD=Fake,DEV=0", kRateHz);
         if (round % 5 == 0) card_.unplugged = 1;
-        session_.loop_.Wait(1ms);
+        session_.loop.Wait(1ms);
         session_.Close();
         card_.unplugged = 0;
-        session_.loop_.Yield();
-        session_.losses_.clear();
+        session_.loop.Yield();
+        session_.losses.clear();
     };
     for (int round = 0; round < 10; ++round) cycle(round);
     const auto files = Entries("/proc/self/fd");
@@ -216,9 +217,7 @@ TEST_F(AlsaFaults, TheAudioThreadAllocatesNothing) {
     const PositionNotification position{kSegmentBytes - 1, system.CreateEvent([](EventHandle) {})};
     capture->SetNotificationPositions({&position, 1});
     capture->StartLooping();
-    const auto start = std::chrono::steady_clock::now();
-    while (loop.raised.load() < 4 && std::chrono::steady_clock::now() - start < 5s)
-        std::this_thread::sleep_for(5ms);
+    WaitUntil([&] { return loop.raised.load() >= 4; }, 5s);
     capture->Stop();
     EXPECT_GE(loop.raised.load(), 4);
     EXPECT_EQ(loop.allocations.load(), 0U);

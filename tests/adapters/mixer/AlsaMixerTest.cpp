@@ -250,9 +250,9 @@ TEST(AlsaMixer, ReportsTheLossOfACardOnce) {
     int changes = 0;
     rig.hardware->OnChange([&] { ++changes; });
     rig.platform.TakeAway();
-    EXPECT_TRUE(PollUntil(
+    EXPECT_TRUE(WaitUntil(
         rig.loop, [&] { return changes > 0; }, std::chrono::seconds(5)));
-    PollUntil(
+    WaitUntil(
         rig.loop, [] { return false; }, std::chrono::milliseconds(350));
     EXPECT_EQ(changes, 1);
 }

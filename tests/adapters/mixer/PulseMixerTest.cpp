@@ -17,6 +17,7 @@
 #include "platform/pulse/PulseSoundSystem.h"
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
+#include "support/Wait.h"
 
 namespace sonavex {
 namespace {
@@ -45,11 +46,8 @@ public:
         const std::string first = std::to_string(values.at(0));
         const std::string second = std::to_string(values.at(1));
         server_.Control({"set-sink-volume", kSinkName, first, second});
-        const auto end = std::chrono::steady_clock::now() + 5s;
-        while (!Has(": " + first + " /", ": " + second + " /")) {
-            ASSERT_LT(std::chrono::steady_clock::now(), end) << Volume();
-            std::this_thread::sleep_for(5ms);
-        }
+        ASSERT_TRUE(WaitUntil([&] { return Has(": " + first + " /", ": " + second + " /"); }, 5s))
+            << Volume();
     }
     void TakeAway() { server_.Kill(); }
 
@@ -94,11 +92,11 @@ public:
     // Level of each captured channel relative to the played sine, in decibels, once it has settled: a server
     // that is late interrupts the sine for a moment.
     std::array<double, 2> LevelsDb() {
-        PollUntil(
+        WaitUntil(
             loop, [] { return false; }, 700ms);
         std::array<double, 2> levels = PresentLevelsDb();
         for (int looks = 0; looks < 20; ++looks) {
-            PollUntil(
+            WaitUntil(
                 loop, [] { return false; }, 200ms);
             const std::array<double, 2> before = std::exchange(levels, PresentLevelsDb());
             if (Same(levels[0], before[0]) && Same(levels[1], before[1])) break;
@@ -187,7 +185,7 @@ TEST(PulseMixer, OfAStalledServerWaitsOnlyOnce) {
     EXPECT_EQ(VistaSound::GetVistaMixerState(library), "100,False,0,True,0,True,False,True,0,0,0,100,100,");
     EXPECT_LT(loop.Now() - before, 4s) << "thirteen levels, but only one wait";
     platform.TheServer().Continue();
-    EXPECT_TRUE(PollUntil(
+    EXPECT_TRUE(WaitUntil(
         loop,
         [&] {
             static_cast<void>(library.GetMasterVolume(status));
@@ -204,7 +202,7 @@ TEST(PulseMixer, FindsARestartedServer) {
     std::int32_t status = -1;
     library.OpenSoundCard(kDescription, "", "", status);
     platform.TheServer().Restart();
-    EXPECT_TRUE(PollUntil(
+    EXPECT_TRUE(WaitUntil(
         loop,
         [&] {
             static_cast<void>(library.GetMasterVolume(status));
@@ -214,7 +212,7 @@ TEST(PulseMixer, FindsARestartedServer) {
     int changes = 0;
     mixer->OnChange([&] { ++changes; });
     platform.ChangeOutside(MixerFunction::kMasterVolume, {1000, 1000});
-    EXPECT_TRUE(PollUntil(
+    EXPECT_TRUE(WaitUntil(
         loop, [&] { return changes > 0; }, 5s));
 }
 

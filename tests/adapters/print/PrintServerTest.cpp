@@ -3,9 +3,8 @@
 #include <chrono>
 
 #include "adapters/print/PdfText.h"
-#include "core/report/PrintCommand.h"
 #include "platform/qt/QtPrinter.h"
-#include "support/FormRig.h"
+#include "support/PrintRig.h"
 #include "support/PrintServer.h"
 #include "support/ScopedVariable.h"
 
@@ -19,36 +18,20 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 // The print command against a real print system.
-class PrintServerTest : public testing::Test {
+class PrintServerTest : public PrintRig<QtPrinter> {
 protected:
     PrintServerTest() {
         server.Control({"lpoptions", "-d", "Workshop"});
         measurement.txtFreq.SetText("1000");
-        command.ShowPrintDialog = [this](frmPrint& dialog) {
-            offered = dialog.cmbPrinter.Items();
-            preferred = dialog.cmbPrinter.Text();
-            if (user) user(dialog);
-        };
+    }
+    void DialogOpens(frmPrint& dialog) override {
+        offered = dialog.cmbPrinter.Items();
+        preferred = dialog.cmbPrinter.Text();
     }
 
     PrintServer server{{"Office", "Workshop"}};
-    CallLog log;
-    RecordingDialogs dialogs{log};
-    FakeDesktop desktop{log};
-    QtPrinter printer;
-    MeasurementControls measurement;
-    std::function<void(frmPrint&)> user;
     std::vector<std::string> offered;
     std::string preferred;
-    CommandButton cmdPrint;
-    MenuItem mnuPrint;
-    PrintCommand command{{printer, dialogs, desktop,
-                          [] {
-                              return CalendarDate{2026, 11, 21};
-                          }},
-                         measurement,
-                         cmdPrint,
-                         mnuPrint};
 };
 
 TEST_F(PrintServerTest, PrintsTwoCopiesAsTwoJobs) {

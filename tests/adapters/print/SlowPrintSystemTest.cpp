@@ -8,10 +8,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "core/report/PrintCommand.h"
 #include "platform/qt/QtPrinter.h"
 #include "support/ChildProcess.h"
-#include "support/FormRig.h"
+#include "support/PrintRig.h"
 #include "support/ScopedVariable.h"
 
 namespace sonavex {
@@ -22,18 +21,17 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The print command with print programs of the test's own, while a timer runs as the instrument's do.
-class SlowPrintSystem : public testing::Test {
+class SlowPrintSystem : public PrintRig<QtPrinter> {
 protected:
     SlowPrintSystem() {
         Program("lpstat", "echo 'scheduler is running'; echo Office; echo 'no system default destination'");
         Program("lp", "cat > /dev/null; echo lp >> " + Calls());
         QObject::connect(&timer_, &QTimer::timeout, [this] { ++ticks; });
         timer_.start(10ms);
-        command.ShowPrintDialog = [this](frmPrint& dialog) {
-            ticksBeforeDialog = ticks;
-            note = dialog.lblNote.Caption();
-            if (user) user(dialog);
-        };
+    }
+    void DialogOpens(frmPrint& dialog) override {
+        ticksBeforeDialog = ticks;
+        note = dialog.lblNote.Caption();
     }
     void Program(const std::string& name, const std::string& script) {
         const auto file = folder_.Path() / name;
@@ -59,21 +57,6 @@ protected:
         };
     }
 
-    CallLog log;
-    RecordingDialogs dialogs{log};
-    FakeDesktop desktop{log};
-    QtPrinter printer;
-    MeasurementControls measurement;
-    std::function<void(frmPrint&)> user;
-    CommandButton cmdPrint;
-    MenuItem mnuPrint;
-    PrintCommand command{{printer, dialogs, desktop,
-                          [] {
-                              return CalendarDate{2026, 11, 21};
-                          }},
-                         measurement,
-                         cmdPrint,
-                         mnuPrint};
     int ticks = 0;
     int ticksBeforeDialog = 0;
     std::string note;

@@ -10,10 +10,10 @@
 #include "core/text/Numbers.h"
 #include "platform/plain/PlainEventLoop.h"
 #include "platform/pulse/PulseSoundSystem.h"
-#include "support/FormRig.h"
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
 #include "support/ReportFakes.h"
+#include "support/World.h"
 
 namespace sonavex {
 namespace {
@@ -26,7 +26,7 @@ const NullSink kCard{"card", 48000, "TestCard"};
 const NullSink kOther{"other", 48000, "OtherCard"};
 
 // The instrument without its window on a server, measuring the monitor of its own sink.
-class Instrument {
+class Instrument : public WorldOf<PlainEventLoop> {
 public:
     explicit Instrument(const SoundServer& server) : sound(loop, server.Address()) {
         store.Save("SoundCard", "Output", "card");
@@ -61,18 +61,10 @@ public:
         return list.substr(begin, end - begin);
     }
 
-    CallLog log;
-    MemorySettingsStore store;
     Settings settings{store};
-    PlainEventLoop loop;
-    RecordingDialogs dialogs{log};
-    FakeDesktop desktop{log};
-    RecordingMixerSession mixers{log};
-    MemoryDesktopFiles files{log};
-    RecordingHelp help{log};
     PulseSoundSystem sound;
     DesktopErrorLog report{{settings, sound, desktop, files, FixedTime}};
-    frmMain form{{store, sound, loop, dialogs, desktop, report, mixers}};
+    frmMain form{On(sound, report)};
 };
 
 // The form of the selection, loaded, over the instrument.

@@ -12,11 +12,9 @@
 #include <vector>
 
 #include "core/ports/SoundErrors.h"
-#include "platform/plain/PlainEventLoop.h"
 #include "platform/pulse/PulseSoundSystem.h"
-#include "support/LoopSignal.h"
+#include "support/Duplex.h"
 #include "support/PipeWireServer.h"
-#include "support/PollUntil.h"
 #include "support/PulseServer.h"
 
 namespace sonavex {
@@ -26,107 +24,26 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 
 constexpr std::int32_t kRateHz = 48000;
-// The longest time that a call may take and that may pass until a loss is reported.
-constexpr auto kLimit = 3s;
 // Until a stream that moves nothing is given up.
 constexpr auto kStallLimit = 7s;
 
 const NullSink kUsedCard{"card", kRateHz, "TestCard"};
 const NullSink kSpareCard{"other", kRateHz, "OtherCard"};
 
-// A sound system in use: both buffers run.
-class Session {
+// The sound system in use: both buffers run.
+class Session : public DuplexOn<PulseSoundSystem> {
 public:
-    explicit Session(const SoundServer& server) : system_(loop_, server.Address()) {
-        system_.OnDeviceLost([this](const RuntimeError& error) { losses_.push_back(error); });
-    }
+    explicit Session(const SoundServer& server) : DuplexOn(server.Address()) {}
 
     void Open(const std::string& sink) {
-        output_ = system_.CreatePlaybackDevice(sink);
-        input_ = system_.CreateCaptureDevice(sink + ".monitor");
-        playback_ = output_->CreateBuffer(Stereo(kPlaybackBytes, kRateHz));
-        capture_ = input_->CreateBuffer(Stereo(kCaptureBytes, kRateHz));
-        playback_->PlayLooping();
-        capture_->StartLooping();
+        OpenPlayback(sink, kRateHz);
+        OpenCapture(sink + ".monitor", kRateHz);
+        Start();
     }
-    void Close() {
-        playback_.reset();
-        capture_.reset();
-        output_.reset();
-        input_.reset();
-    }
-
-    bool Captures() {
-        const std::uint64_t before = capture_->Statistics().framesCaptured;
-        return PollUntil(
-            loop_, [&] { return capture_->Statistics().framesCaptured > before; }, kLimit);
-    }
-
-    // Both buffers report their loss, once, and refuse their use.
     void ExpectLosses(const std::string& text, std::chrono::nanoseconds limit = kLimit) {
-        EXPECT_TRUE(loop_.RunUntil([&] { return losses_.size() >= 2; }, limit));
-        loop_.RunUntil([] { return false; }, 100ms);
-        ASSERT_EQ(losses_.size(), 2U);
-        for (const RuntimeError& error : losses_) {
-            EXPECT_THAT(error.what(), HasSubstr(text));
-            EXPECT_THAT(error.what(), HasSubstr("TestCard"));
-            EXPECT_TRUE(error.Number() == sound_error::kBufferLost ||
-                        error.Number() == sound_error::kNoDriver);
-        }
-        ExpectBuffersRefuse();
+        Duplex::ExpectLosses(kUsedCard.description, text, limit);
     }
-
-    void ExpectBuffersRefuse() {
-        std::vector<std::int16_t> samples(8);
-        const auto expectLost = [](auto action) {
-            try {
-                action();
-                ADD_FAILURE() << "no error";
-            } catch (const RuntimeError& error) {
-                EXPECT_EQ(error.Number(), sound_error::kBufferLost);
-            }
-        };
-        expectLost([&] { playback_->GetCurrentPosition(); });
-        expectLost([&] { playback_->WriteBuffer(0, samples); });
-        expectLost([&] { playback_->SetCurrentPosition(0); });
-        expectLost([&] { playback_->PlayLooping(); });
-        expectLost([&] { playback_->SetVolume(0); });
-        expectLost([&] { capture_->StartLooping(); });
-        expectLost([&] { capture_->ReadBuffer(0, samples); });
-        expectLost([&] { capture_->SetNotificationPositions({}); });
-        EXPECT_NO_THROW(playback_->Stop());
-        EXPECT_NO_THROW(capture_->Stop());
-    }
-
-    // The error of an action, which must come in time; nothing when it succeeds.
-    template <class Action>
-    std::optional<RuntimeError> ErrorOf(Action action) {
-        const auto start = loop_.Now();
-        std::optional<RuntimeError> caught;
-        try {
-            action();
-        } catch (const RuntimeError& error) {
-            caught = error;
-        }
-        EXPECT_LT(loop_.Now() - start, kLimit);
-        return caught;
-    }
-
-    template <class Action>
-    void ExpectError(std::int32_t number, const std::string& text, Action action) {
-        const auto error = ErrorOf(action);
-        ASSERT_TRUE(error.has_value());
-        EXPECT_EQ(error->Number(), number) << error->what();
-        EXPECT_THAT(error->what(), HasSubstr(text));
-    }
-
-    PlainEventLoop loop_;
-    PulseSoundSystem system_;
-    std::vector<RuntimeError> losses_;
-    std::unique_ptr<PlaybackDevice> output_;
-    std::unique_ptr<CaptureDevice> input_;
-    std::unique_ptr<PlaybackBuffer> playback_;
-    std::unique_ptr<CaptureBuffer> capture_;
+    void ExpectBuffersRefuse() { Duplex::ExpectBuffersRefuse(""); }
 };
 
 TEST(PulseLoss, NoServerIsAnError) {
@@ -168,10 +85,10 @@ TEST(PulseLoss, DaemonBelowTheProtocolKilled) {
 TEST(PulseLoss, AServerWithoutDevicesHasThePrimaryEntryOnly) {
     const PulseServer server({});
     Session session(server);
-    EXPECT_EQ(session.system_.EnumeratePlayback().size(), 1U);
-    EXPECT_EQ(session.system_.EnumerateCapture().size(), 1U);
+    EXPECT_EQ(session.system.EnumeratePlayback().size(), 1U);
+    EXPECT_EQ(session.system.EnumerateCapture().size(), 1U);
     session.ExpectError(sound_error::kNoDriver, "no sound device",
-                        [&] { session.system_.CreatePlaybackDevice(""); });
+                        [&] { session.system.CreatePlaybackDevice(""); });
 }
 
 // The server dies and comes back.
@@ -182,16 +99,16 @@ void CheckDeathOf(SoundServer& server) {
     server.Kill();
     session.ExpectLosses("The sound server has gone.");
     session.ExpectError(sound_error::kUninitialized, "No sound server answers",
-                        [&] { session.system_.EnumeratePlayback(); });
+                        [&] { session.system.EnumeratePlayback(); });
     session.ExpectError(sound_error::kUninitialized, "No sound server answers",
-                        [&] { session.output_->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
+                        [&] { session.output->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
     server.Restart();
-    EXPECT_GE(session.system_.EnumeratePlayback().size(), 2U);
+    EXPECT_GE(session.system.EnumeratePlayback().size(), 2U);
     session.ExpectBuffersRefuse();
     session.Close();
     session.Open("card");
     EXPECT_TRUE(session.Captures());
-    EXPECT_EQ(session.losses_.size(), 2U);
+    EXPECT_TRUE(session.losses.empty());
 }
 
 TEST(PulseLoss, ServerKilledAndStartedAgain) {
@@ -213,16 +130,16 @@ void CheckRemovalAt(const SoundServer& server) {
     server.Control({"unload-module", module});
     session.ExpectLosses("has been removed");
     session.ExpectError(sound_error::kNoDriver, "'TestCard'",
-                        [&] { session.output_->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
+                        [&] { session.output->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
     session.ExpectError(sound_error::kNoDriver, "There is no sound device 'card'.",
-                        [&] { session.system_.CreatePlaybackDevice("card"); });
-    for (const SoundDeviceInfo& device : session.system_.EnumeratePlayback())
+                        [&] { session.system.CreatePlaybackDevice("card"); });
+    for (const SoundDeviceInfo& device : session.system.EnumeratePlayback())
         EXPECT_NE(device.identifier, "card");
     session.Close();
     server.LoadNullSink(kUsedCard);
     session.Open("card");
     EXPECT_TRUE(session.Captures());
-    EXPECT_EQ(session.losses_.size(), 2U);
+    EXPECT_TRUE(session.losses.empty());
 }
 
 TEST(PulseLoss, SinkUnloaded) {
@@ -252,7 +169,7 @@ TEST(PulseLoss, MovingTheStreamIsRefused) {
     const std::string number = inputs.substr(0, inputs.find('\t'));
     EXPECT_ANY_THROW(server.Control({"move-sink-input", number, "other"}));
     EXPECT_TRUE(session.Captures());
-    EXPECT_TRUE(session.losses_.empty());
+    EXPECT_TRUE(session.losses.empty());
 }
 
 // The server stands still and goes on.
@@ -262,29 +179,29 @@ void CheckPauseOf(SoundServer& server) {
     ASSERT_TRUE(session.Captures());
     server.Pause();
     session.ExpectError(sound_error::kUninitialized, "does not answer",
-                        [&] { session.system_.EnumerateCapture(); });
+                        [&] { session.system.EnumerateCapture(); });
     session.ExpectError(sound_error::kGeneric, "'TestCard'",
-                        [&] { session.output_->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
+                        [&] { session.output->CreateBuffer(Stereo(kPlaybackBytes, kRateHz)); });
     {
         Session late(server);
         late.ExpectError(sound_error::kUninitialized, "No sound server answers",
-                         [&] { late.system_.EnumeratePlayback(); });
+                         [&] { late.system.EnumeratePlayback(); });
     }
-    const auto start = session.loop_.Now();
+    const auto start = session.loop.Now();
     session.Close();
-    EXPECT_LT(session.loop_.Now() - start, 500ms);
+    EXPECT_LT(session.loop.Now() - start, 500ms);
     server.Continue();
     session.Open("card");
     EXPECT_TRUE(session.Captures());
-    EXPECT_TRUE(session.losses_.empty());
+    EXPECT_TRUE(session.losses.empty());
     // The stream that was given up while it was being opened is closed as well.
     session.Close();
-    EXPECT_TRUE(PollUntil(
-        session.loop_,
+    EXPECT_TRUE(WaitUntil(
+        session.loop,
         [&] {
             return server.Control({"list", "short", "sink-inputs"}).empty();
         },
-        kLimit));
+        Session::kLimit));
 }
 
 TEST(PulseLoss, ServerStopped) {
@@ -314,7 +231,7 @@ TEST(PulseLoss, EndsQuicklyWhileTheServerIsStopped) {
         Session session(server);
         session.Open("card");
         server.Pause();
-        start = session.loop_.Now();
+        start = session.loop.Now();
     }
     EXPECT_LT(loop.Now() - start, 500ms);
 }

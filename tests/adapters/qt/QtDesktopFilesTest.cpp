@@ -12,6 +12,7 @@
 #include "core/support/RuntimeError.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "support/ChildProcess.h"
+#include "support/Errors.h"
 
 namespace sonavex {
 namespace {
@@ -50,17 +51,6 @@ protected:
         std::ostringstream text;
         text << file.rdbuf();
         return text.str();
-    }
-    // Text of the error that the action raises; fails when it raises none.
-    template <class Action>
-    static RuntimeError ErrorOf(Action action) {
-        try {
-            action();
-        } catch (const RuntimeError& error) {
-            return error;
-        }
-        ADD_FAILURE() << "no error";
-        return RuntimeError(0, "");
     }
 
     PrivateFolder folder;
@@ -106,25 +96,25 @@ TEST_F(DesktopFolder, LosesAFileThatIsDeletedAndForgivesOneThatIsNotThere) {
 
 TEST_F(DesktopFolder, ThatCannotBeMadeIsAnError) {
     std::ofstream(folder.Path() / "desktop") << "in the way";
-    const RuntimeError error = ErrorOf([&] { files.Append(name, "text"); });
+    const RuntimeError error = Raised([&] { files.Append(name, "text"); }).value();
     EXPECT_EQ(error.Number(), 75);
     EXPECT_THAT(error.what(), HasSubstr((folder.Path() / "desktop").string()));
-    ErrorOf([&] { files.Replace(name, "text"); });
+    EXPECT_NE(ErrorOf([&] { files.Replace(name, "text"); }), 0);
 }
 
 TEST_F(DesktopFolder, WithAFolderInPlaceOfTheFileIsAnError) {
     fs::create_directories(Path() / "inside");
-    const RuntimeError error = ErrorOf([&] { files.Append(name, "text"); });
+    const RuntimeError error = Raised([&] { files.Append(name, "text"); }).value();
     EXPECT_THAT(error.what(), HasSubstr(Path().string()));
-    ErrorOf([&] { files.Replace(name, "text"); });
-    ErrorOf([&] { files.Delete(name); });
+    EXPECT_NE(ErrorOf([&] { files.Replace(name, "text"); }), 0);
+    EXPECT_NE(ErrorOf([&] { files.Delete(name); }), 0);
 }
 
 TEST_F(DesktopFolder, OnAFullDiskKeepsWhatWasThere) {
     files.Append(name, "first\n");
     {
         const SmallDisk disk(16);
-        const RuntimeError error = ErrorOf([&] { files.Append(name, std::string(100, 'x')); });
+        const RuntimeError error = Raised([&] { files.Append(name, std::string(100, 'x')); }).value();
         EXPECT_EQ(error.Number(), 61);
         EXPECT_THAT(error.what(), HasSubstr(name));
     }
@@ -136,7 +126,7 @@ TEST_F(DesktopFolder, OnAFullDiskKeepsWhatWasThere) {
 TEST_F(DesktopFolder, OnAFullDiskKeepsTheOldReport) {
     files.Replace(name, "old\n");
     const SmallDisk disk(4);
-    ErrorOf([&] { files.Replace(name, std::string(100, 'x')); });
+    EXPECT_NE(ErrorOf([&] { files.Replace(name, std::string(100, 'x')); }), 0);
     EXPECT_EQ(Content(), "old\n");
 }
 

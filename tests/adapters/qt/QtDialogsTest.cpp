@@ -14,6 +14,7 @@
 
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtEventLoop.h"
+#include "support/DialogUser.h"
 
 namespace sonavex {
 namespace {
@@ -25,21 +26,8 @@ protected:
     // Runs the action and, once its message box is open, the inspection, which has to close the box.
     // A box that is still open after 10 s is closed and fails the test.
     void WithBox(const std::function<void()>& action, const std::function<void(QMessageBox&)>& inspect) {
-        int inspected = 0;
-        const auto end = std::chrono::steady_clock::now() + 10s;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &look, [&] {
-            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (box == nullptr || !box->isVisible()) return;
-            if (++inspected == 1) inspect(*box);
-            if (std::chrono::steady_clock::now() > end) {
-                ADD_FAILURE() << "the box stays open";
-                box->reject();
-            }
-        });
-        look.start(2);
+        const DialogSteps user({[&](QDialog& dialog) { inspect(dynamic_cast<QMessageBox&>(dialog)); }});
         action();
-        EXPECT_GE(inspected, 1);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     }
 

@@ -11,6 +11,7 @@
 #include "platform/qt/QtLauncher.h"
 #include "support/ChildProcess.h"
 #include "support/ScopedVariable.h"
+#include "support/Wait.h"
 
 namespace sonavex {
 namespace {
@@ -46,9 +47,7 @@ protected:
     }
     // The call that was made, one word an entry, the program without its folder.
     std::vector<std::string> Called() {
-        const auto end = std::chrono::steady_clock::now() + 10s;
-        while (!std::filesystem::exists(Calls()) && std::chrono::steady_clock::now() < end)
-            std::this_thread::sleep_for(2ms);
+        WaitUntil([this] { return std::filesystem::exists(Calls()); }, 10s);
         std::vector<std::string> words;
         std::ifstream file(Calls());
         for (std::string word; std::getline(file, word);) words.push_back(word);

@@ -5,6 +5,7 @@
 
 #include "adapters/qt/HelperPrograms.h"
 #include "adapters/qt/SettingsRig.h"
+#include "support/Wait.h"
 
 namespace sonavex {
 namespace {
@@ -27,15 +28,6 @@ protected:
         }
         return numbers.size() == 1 && numbers.count("missing") == 0 ? std::stoi(*numbers.begin()) : -1;
     }
-
-    static bool Until(const std::function<bool()>& condition) {
-        const auto end = std::chrono::steady_clock::now() + 20s;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::sleep_for(1ms);
-        }
-        return true;
-    }
 };
 
 TEST_F(QtSettingsStoreProcess, WhoeverIsKilledWhileWritingLeavesTheOldFileOrTheNewOne) {
@@ -45,7 +37,8 @@ TEST_F(QtSettingsStoreProcess, WhoeverIsKilledWhileWritingLeavesTheOldFileOrTheN
     int last = 0;
     for (int kill = 0; kill < kKills; ++kill) {
         ChildProcess writer(RewritingProgram(File()), {}, folder_.Path() / "output");
-        ASSERT_TRUE(Until([&] { return RewrittenNumber() > last; })) << FileText(folder_.Path() / "output");
+        ASSERT_TRUE(WaitUntil([&] { return RewrittenNumber() > last; }))
+            << FileText(folder_.Path() / "output");
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
         writer.Kill();
         ASSERT_EQ(writer.Status(), 128 + SIGKILL);

@@ -2,28 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "platform/qt/QtSettingsStore.h"
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 
 namespace sonavex {
-
-inline std::string FileText(const std::filesystem::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file, std::ios::binary).rdbuf();
-    return text.str();
-}
-
-inline void WriteFile(const std::filesystem::path& file, const std::string& text) {
-    std::ofstream(file, std::ios::binary) << text;
-}
 
 // Stores on a settings file in a private folder, and what they report.
 class SettingsRig : public testing::Test {
@@ -42,13 +30,7 @@ protected:
     std::string Stored(const std::string& section, const std::string& key) {
         return Open()->Get(section, key, "none");
     }
-    std::vector<std::string> FilesInFolder() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(Folder()))
-            names.push_back(entry.path().filename());
-        std::sort(names.begin(), names.end());
-        return names;
-    }
+    std::vector<std::string> FilesInFolder() const { return NamesIn(Folder()); }
 
     PrivateFolder folder_;
     std::vector<std::string> reports_;

@@ -7,6 +7,8 @@
 #include <sstream>
 #include <thread>
 
+#include "support/Wait.h"
+
 namespace sonavex {
 namespace {
 
@@ -86,12 +88,7 @@ Outcome MeasureProgram::End(std::chrono::milliseconds limit) {
 }
 
 bool MeasureProgram::Prints(const std::string& text, std::chrono::milliseconds limit) const {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (ContentOf(OutputPath()).find(text) == std::string::npos) {
-        if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
+    return WaitUntil([&] { return ContentOf(OutputPath()).find(text) != std::string::npos; }, limit);
 }
 
 Outcome Measure(const Arguments& arguments, const Environment& additions) {

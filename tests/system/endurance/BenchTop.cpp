@@ -5,7 +5,7 @@
 namespace sonavex {
 namespace {
 
-// What somebody tries in the selection of devices before the program is ended.
+// Tries in the selection of devices before the program is ended.
 constexpr int kPatience = 12;
 
 }  // namespace
@@ -15,24 +15,11 @@ std::chrono::nanoseconds BenchTop::BlockTime() const {
     return std::chrono::nanoseconds(std::int64_t{kBlockFrames} * 1'000'000'000 / rateHz);
 }
 
-void BenchTop::Remember(const std::string& text) {
-    ++messages_;
-    lastMessage_ = text;
-}
-
-bool BenchTop::AskOkCancel(const std::string& text) {
-    Remember(text);
-    return true;
-}
-
-bool BenchTop::AskYesNo(const std::string& text) {
-    Remember(text);
-    return true;
-}
-
-std::int32_t BenchTop::WriteErrorLog(std::string& tStr, const RuntimeError&) {
-    Remember(tStr);
-    return 0;
+std::uint64_t BenchTop::Messages() const {
+    std::uint64_t count = 0;
+    for (const char* operation : {"Message", "AskOkCancel", "AskYesNo", "WriteErrorLog"})
+        count += log.Count(operation);
+    return count;
 }
 
 bool BenchTop::Start() {
@@ -57,7 +44,7 @@ bool BenchTop::Start() {
 }
 
 void BenchTop::MakeForm() {
-    form_ = std::make_unique<frmMain>(frmMain::Needs{store_, card_, loop_, *this, *this, *this, *this});
+    form_ = std::make_unique<frmMain>(On(card_));
     form_->Frame.SetSize(980, 640);
     form_->OnUnloaded = [this](int) { ended_ = true; };
     form_->ShowDeviceDialog = [this] { ChooseDevices(); };
@@ -65,7 +52,7 @@ void BenchTop::MakeForm() {
 
 void BenchTop::TakeAway() {
     form_.reset();
-    loop_.DeliverSignals();
+    loop.DeliverSignals();
 }
 
 void BenchTop::End() {
@@ -88,10 +75,10 @@ void BenchTop::Act(const std::function<void()>& action) {
 
 void BenchTop::Pass(std::chrono::nanoseconds time) {
     ++depth_;
-    const auto end = loop_.Now() + time;
+    const auto end = loop.Now() + time;
     for (bool through = false; !through;) {
         try {
-            loop_.Advance(end - loop_.Now());
+            loop.Advance(end - loop.Now());
             through = true;
         } catch (...) {
             form_->StreamError(std::current_exception());
@@ -111,7 +98,7 @@ void BenchTop::HoldUp(int blocks) {
     const auto time = BlockTime();
     for (int i = 0; i < blocks; ++i) {
         card_.Card().Step(kBlockFrames);
-        loop_.Skip(time);
+        loop.Skip(time);
     }
     if (Running()) Pass(std::chrono::nanoseconds{0});
 }
@@ -122,9 +109,9 @@ void BenchTop::SelectRate(std::int32_t index) {
     wantedRate_ = -1;
 }
 
-// Somebody selects what is offered, tries Okay and then Cancel, and gives up in the end.
+// Selects what is offered, tries Okay and then Cancel, and gives up in the end.
 void BenchTop::ChooseDevices() {
-    frmDevices devices(form_->DevicesNeeds(*this, *this), form_->DevicesLabels());
+    frmDevices devices(form_->DevicesNeeds(files, help), form_->DevicesLabels());
     bool closed = false;
     devices.OnUnloaded = [&] { closed = true; };
     devices.Form_Load();

@@ -2,35 +2,24 @@
 
 #include <chrono>
 #include <cstdint>
-#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
 
-#include "core/mixer/MixerSession.h"
-#include "core/ports/DesktopFiles.h"
-#include "core/ports/Help.h"
-#include "core/shell/frmMain.h"
-#include "platform/plain/MemorySettingsStore.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
-#include "support/VirtualEventLoop.h"
+#include "support/World.h"
 
 namespace sonavex {
 
-// The instrument on a bench, for days: the main form and the selection of devices as the program has
-// them, the stepped simulated card, virtual time, and somebody who closes every message. It remembers
-// counts and nothing else, so that memory that grows is the instrument's.
-class BenchTop : private Dialogs,
-                 private ErrorLog,
-                 private Desktop,
-                 private MixerSession,
-                 private DesktopFiles,
-                 private Help {
+// The instrument for days: the main form and the selection of devices as the program has them, the stepped
+// simulated card, virtual time, and a user who closes every message. The world's log keeps counts only, so
+// that memory that grows is the instrument's.
+class BenchTop : private World {
 public:
     static constexpr std::int32_t kBlockFrames = 2048;
 
-    BenchTop() = default;
-    ~BenchTop() override { TakeAway(); }
+    BenchTop() { log.CountOnly(); }
+    ~BenchTop() { TakeAway(); }
     BenchTop(const BenchTop&) = delete;
     BenchTop& operator=(const BenchTop&) = delete;
 
@@ -52,57 +41,27 @@ public:
 
     SimulatedSoundSystem& Card() noexcept { return card_; }
     std::chrono::nanoseconds BlockTime() const;
-    MemorySettingsStore& Store() noexcept { return store_; }
+    MemorySettingsStore& Store() noexcept { return store; }
 
-    // Since the bench was set up.
-    std::uint64_t Messages() const noexcept { return messages_; }
+    // Messages and errors shown, and starts of the program, since the bench was set up.
+    std::uint64_t Messages() const;
     std::uint64_t Starts() const noexcept { return starts_; }
-    const std::string& LastMessage() const noexcept { return lastMessage_; }
+    // The last message and the last error shown.
+    std::string LastMessage() const { return log.Last("Message") + "; " + log.Last("WriteErrorLog"); }
 
 private:
-    void Message(const std::string& text, MessageIcon) override { Remember(text); }
-    bool AskOkCancel(const std::string& text) override;
-    bool AskYesNo(const std::string& text) override;
-    void SetBusyPointer(bool) override {}
-    std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
-    void WriteLine(const std::string&) override {}
-    void SetFatalError(bool) override {}
-    bool AnotherInstanceRunning() override { return false; }
-    std::int32_t OsMajorVersion() override { return 10; }
-    std::string ApplicationFolder() override { return "/opt/sonavex"; }
-    ScreenArea Screens() override { return {1920, 1080, 1920, 1080}; }
-    void PointMixersAt(const std::string&, const std::string&) override {}
-    void ReopenSoundCard(const std::string&, const std::string&) override {}
-    MixerDeviceNumbers DeviceNumbers() const override { return {}; }
-    void CaptureAndApplySaved(bool) override {}
-    void SetUpSoundControls() override {}
-    void ShowSoundCard() override {}
-    void UnloadDialogs() override {}
-    void SaveAndRestoreInitial() override {}
-    void RestoreInitial() override {}
-    void Append(const std::string&, const std::string&) override {}
-    void Replace(const std::string&, const std::string&) override {}
-    void Delete(const std::string&) override {}
-    void ShowTopic(std::int32_t) override {}
-    void ShowContents() override {}
-
-    void Remember(const std::string& text);
     void MakeForm();
     void TakeAway();
     void ChooseDevices();
     void Pass(std::chrono::nanoseconds time);
     void LeaveWhenEnded();
 
-    MemorySettingsStore store_;
-    VirtualEventLoop loop_;
-    SimulatedSoundSystem card_{loop_, SimulatedSoundSystem::Pace::kStepped};
+    SimulatedSoundSystem card_{loop, SimulatedSoundSystem::Pace::kStepped};
     std::unique_ptr<frmMain> form_;
     bool ended_ = false;
     int depth_ = 0;  // of dialogs within time that passes
     std::int32_t wantedRate_ = -1;
-    std::uint64_t messages_ = 0;
     std::uint64_t starts_ = 0;
-    std::string lastMessage_;
 };
 
 }  // namespace sonavex

@@ -2,7 +2,7 @@
 
 #include <QComboBox>
 
-#include "support/PollUntil.h"
+#include "support/Wait.h"
 #include "support/alsa/LoopCards.h"
 #include "system/faults/FaultRig.h"
 
@@ -59,7 +59,7 @@ TEST_F(CardFaults, HeldByAnotherProgramAtTheStart) {
             Arguments{"arecord", "-q", "-D", "card", "-t", "raw", "-f", "S16_LE", "-c", "2", "-r", "48000",
                       folder.Path() / "recording"},
             cards.ForPrograms(), folder.Path() / "log");
-        ASSERT_TRUE(Within(kLimit, [&] { return cards.InUse("card", LoopCards::Direction::kCapture); }));
+        ASSERT_TRUE(WaitInQt(kLimit, [&] { return cards.InUse("card", LoopCards::Direction::kCapture); }));
     };
     onSelection = [&](QDialog&) { recorder.reset(); };
     afterRun = hold;

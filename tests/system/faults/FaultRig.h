@@ -22,6 +22,7 @@
 
 #include "app/sonavex/Program.h"
 #include "support/ChildProcess.h"
+#include "support/QtWait.h"
 #include "system/faults/Attendant.h"
 
 namespace sonavex {
@@ -114,25 +115,10 @@ protected:
         return *attendant_;
     }
 
-    template <class Condition>
-    static bool Within(std::chrono::milliseconds limit, Condition condition) {
-        QEventLoop waiting;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &waiting, [&] {
-            if (condition()) waiting.exit(0);
-        });
-        look.start(5);
-        QTimer::singleShot(limit, &waiting, [&] { waiting.exit(1); });
-        return condition() || waiting.exec() == 0;
-    }
-    static void Wait(std::chrono::milliseconds time) {
-        Within(time, [] { return false; });
-    }
-
     // Blocks come, and the face says so.
     void ExpectMeasuring() {
         const std::uint64_t blocks = Form().Engine.Blocks;
-        EXPECT_TRUE(Within(kLimit, [&] { return Form().Engine.Blocks >= blocks + 3; })) << Record();
+        EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().Engine.Blocks >= blocks + 3; })) << Record();
         EXPECT_FALSE(Form().Watch.Stopped());
         // The face follows with the next event, and blocks may come several in one.
         QCoreApplication::processEvents();
@@ -141,7 +127,7 @@ protected:
     // What is played is what comes back, free of distortion.
     void ExpectLoop(const std::string& reading = "1000") {
         Form().Signals.Signal.Command1.Press();
-        EXPECT_TRUE(Within(kLimit, [&] {
+        EXPECT_TRUE(WaitInQt(kLimit, [&] {
             return Form().Measurement.Controls.txtFreq.Text() == reading && Form().Measurement.ShownSettled();
         })) << Form().Measurement.Controls.txtFreq.Text();
         Form().Signals.Signal.Command1.Press();
@@ -149,8 +135,8 @@ protected:
     // The loss was noticed in time, recorded and said once, and the figures were marked.
     void ExpectLoss(const std::string& what) {
         const auto limit = Form().Watch.Patience() + kHangLimit;
-        EXPECT_TRUE(Within(std::chrono::duration_cast<std::chrono::milliseconds>(limit),
-                           [&] { return !User().Errors.empty(); }));
+        EXPECT_TRUE(WaitInQt(std::chrono::duration_cast<std::chrono::milliseconds>(limit),
+                             [&] { return !User().Errors.empty(); }));
         ASSERT_EQ(User().Errors.size(), 1U);
         EXPECT_THAT(User().Errors[0], testing::AllOf(testing::StartsWith("The sound device in use was lost."),
                                                      testing::HasSubstr(what)));
@@ -161,7 +147,7 @@ protected:
     }
     // The program goes on by itself once the device is back; nothing more was said.
     void ExpectReturn() {
-        EXPECT_TRUE(Within(kLimit, [&] { return !Form().Watch.Stopped(); }));
+        EXPECT_TRUE(WaitInQt(kLimit, [&] { return !Form().Watch.Stopped(); }));
         ExpectMeasuring();
         EXPECT_EQ(User().Errors.size(), 1U);
         EXPECT_EQ(Form().Watch.Losses(), 1U);

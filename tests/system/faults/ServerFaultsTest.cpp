@@ -29,7 +29,7 @@ protected:
             server.Kill();
             ExpectLoss("The sound server has gone.");
             EXPECT_EQ(User().Selections, 0);
-            Wait(3s);
+            WaitInQt(3s);
             EXPECT_TRUE(Form().Watch.Stopped());
             EXPECT_TRUE(Note().isVisible());
             server.Restart();
@@ -46,7 +46,7 @@ protected:
             ExpectMeasuring();
             server.Control({"unload-module", module});
             ExpectLoss("has been removed");
-            Wait(2s);
+            WaitInQt(2s);
             EXPECT_TRUE(Form().Watch.Stopped());
             module = server.LoadNullSink(kCard);
             ExpectReturn();
@@ -61,7 +61,7 @@ protected:
             ExpectMeasuring();
             server.Pause();
             ExpectLoss("no longer delivers anything");
-            Wait(3s);
+            WaitInQt(3s);
             EXPECT_TRUE(Form().Watch.Stopped());
             server.Continue();
             ExpectReturn();
@@ -73,7 +73,7 @@ protected:
     static void MakeDefault(const SoundServer& server, const std::string& sink) {
         server.Control({"set-default-sink", sink});
         server.Control({"set-default-source", sink + ".monitor"});
-        ASSERT_TRUE(Within(kLimit, [&] {
+        ASSERT_TRUE(WaitInQt(kLimit, [&] {
             return server.Control({"get-default-sink"}) == sink &&
                    server.Control({"get-default-source"}) == sink + ".monitor";
         }));
@@ -88,7 +88,7 @@ protected:
             ExpectMeasuring();
             EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
             MakeDefault(server, "other");
-            Wait(500ms);
+            WaitInQt(500ms);
             ExpectMeasuring();
             EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
             EXPECT_TRUE(Form().Engine.ReStart());
@@ -108,7 +108,7 @@ protected:
             const auto restart = [&](int times) {
                 for (int i = 0; i < times; ++i) {
                     ASSERT_TRUE(Form().Engine.ReStart()) << i;
-                    if (i % 20 == 0) Wait(30ms);
+                    if (i % 20 == 0) WaitInQt(30ms);
                 }
                 ExpectMeasuring();
             };
@@ -185,7 +185,7 @@ TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
     Twice([&] {
         ExpectMeasuring();
         server.Control({"suspend-sink", "card", "1"});
-        EXPECT_TRUE(Within(kLimit, [&] { return User().Selections == 2; }));
+        EXPECT_TRUE(WaitInQt(kLimit, [&] { return User().Selections == 2; }));
         ExpectMeasuring();
         EXPECT_EQ(User().Errors.size(), 2U);
     });
@@ -201,7 +201,7 @@ TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
         ExpectLoop();
         Form().Signals.Signal.Command1.Press();
         server.Control({"suspend-sink", "card", "1"});
-        EXPECT_TRUE(Within(
+        EXPECT_TRUE(WaitInQt(
             kLimit, [&] { return Form().Watch.Stopped() || !Form().Measurement.Analysis().FreqLocked; }));
         server.Control({"suspend-sink", "card", "0"});
         Form().Signals.Signal.Command1.Press();
@@ -236,7 +236,7 @@ TEST_F(ServerFaults, ServerKilledBesideACard) {
         server.Kill();
         ExpectLoss("The sound server has gone.");
         EXPECT_EQ(User().Selections, 0);
-        Wait(3s);
+        WaitInQt(3s);
         EXPECT_TRUE(Form().Watch.Stopped());
         server.Restart();
         ExpectReturn();
@@ -253,7 +253,7 @@ TEST_F(ServerFaults, SinkUnloadedWhileDevicesAreSelected) {
     onSelection = [&](QDialog&) {
         if (User().Selections == 1) {
             server.Control({"unload-module", module});
-            EXPECT_TRUE(Within(kHangLimit, [&] { return Note().isVisible(); }));
+            EXPECT_TRUE(WaitInQt(kHangLimit, [&] { return Note().isVisible(); }));
         } else {
             module = server.LoadNullSink(kCard);
         }
@@ -280,7 +280,7 @@ TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
         ExpectReturn();
         Form().Signals.Signal.Command1.Press();
         // A quarter of full scale, half of it.
-        EXPECT_TRUE(Within(kLimit, [&] { return Form().Measurement.Controls.LblLevel.Caption() == "13"; }))
+        EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().Measurement.Controls.LblLevel.Caption() == "13"; }))
             << Form().Measurement.Controls.LblLevel.Caption();
         Form().Signals.Signal.Command1.Press();
     });
@@ -292,7 +292,7 @@ TEST_F(ServerFaults, VolumesChangedMeanwhileAreSaid) {
     Run([&] {
         ExpectMeasuring();
         const auto expectNote = [&](const std::string& note) {
-            EXPECT_TRUE(Within(kLimit, [&] { return Form().PathNote.Caption() == note; }))
+            EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().PathNote.Caption() == note; }))
                 << Form().PathNote.Caption();
         };
         const auto stream = [&](const char* kind) {

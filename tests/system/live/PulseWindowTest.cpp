@@ -18,9 +18,10 @@
 #include "platform/pulse/PulseSoundSystem.h"
 #include "platform/qt/QtEventLoop.h"
 #include "support/CaptureTap.h"
-#include "support/FormRig.h"
 #include "support/PhaseTrack.h"
 #include "support/PulseServer.h"
+#include "support/QtWait.h"
+#include "support/World.h"
 #include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/widgets/FrequencySlider.h"
@@ -29,21 +30,20 @@ namespace sonavex {
 namespace {
 
 constexpr std::uint32_t kRateHz = 32000;
-constexpr int kBlockMs = 64;
-constexpr int kLimitMs = 30000;
-constexpr int kLookMs = 5;
+constexpr std::chrono::milliseconds kBlock{64};
 constexpr double kPeak = 8191.75;
 constexpr double kSmallestJump = 0.002;
 
-class PulseWindow : public testing::Test {
+class PulseWindow : public testing::Test, protected WorldOf<QtEventLoop> {
 protected:
+    PulseWindow() : WorldOf([](const std::exception_ptr&) { ADD_FAILURE() << "an error left a handler"; }) {}
     void SetUp() override {
         store.Save("Signal Generator", "Level", "0");
         form.Frame.SetSize(980, 640);
         form.Form_Load();
         window.ShowPlaced();
         form.TabStrip1.SetIndex(1);
-        ASSERT_TRUE(Within(kLimitMs, [this] { return form.Engine.PlaybackStarts > 0; }));
+        ASSERT_TRUE(WaitInQt(kPatience, [this] { return form.Engine.PlaybackStarts > 0; }));
         ASSERT_STREQ(form.lblInput.Caption().c_str(), "Monitor of TestCard");
     }
     void TearDown() override {
@@ -51,21 +51,7 @@ protected:
         EXPECT_TRUE(log.Of("Message").empty()) << log.Of("Message").front();
     }
 
-    // In a loop of the toolkit as the program has it; the waits of its test library sleep between events.
-    template <class Condition>
-    static bool Within(int limitMs, Condition condition) {
-        QEventLoop waiting;
-        QTimer look;
-        QObject::connect(&look, &QTimer::timeout, &waiting, [&] {
-            if (condition()) waiting.exit(0);
-        });
-        look.start(kLookMs);
-        QTimer::singleShot(limitMs, &waiting, [&] { waiting.exit(1); });
-        return condition() || waiting.exec() == 0;
-    }
-    static void Wait(int blocks) {
-        Within(blocks * kBlockMs, [] { return false; });
-    }
+    static void Wait(int blocks) { WaitInQt(blocks * kBlock); }
 
     template <class Widget>
     Widget& Find(const char* name) {
@@ -101,7 +87,7 @@ protected:
     void Record(const char* button, Play play) {
         for (int attempt = 0; attempt < 5; ++attempt) {
             tap.Forget();
-            ASSERT_TRUE(Within(kLimitMs, [this] { return Silent(); }));
+            ASSERT_TRUE(WaitInQt(kPatience, [this] { return Silent(); }));
             const std::uint64_t before = Disturbances();
             tap.Forget();
             play();
@@ -115,7 +101,7 @@ protected:
     // Everything that was played before has come back.
     void WaitForTheEnd() {
         const std::size_t soFar = tap.Samples().size();
-        ASSERT_TRUE(Within(kLimitMs, [&] { return tap.Samples().size() >= soFar + 12 * kBlockFrames; }));
+        ASSERT_TRUE(WaitInQt(kPatience, [&] { return tap.Samples().size() >= soFar + 12 * kBlockFrames; }));
     }
     void ExpectContinuous(std::size_t changes) const {
         const PhaseTrack track(samples);
@@ -125,23 +111,16 @@ protected:
     }
 
     PulseServer server{{{"card", kRateHz, "TestCard"}}};
-    CallLog log;
-    MemorySettingsStore store;
-    QtEventLoop loop{[](const std::exception_ptr&) { ADD_FAILURE() << "an error left a handler"; }};
-    RecordingDialogs dialogs{log};
-    FakeDesktop desktop{log};
-    RecordingErrorLog errorLog{log};
-    RecordingMixerSession mixers{log};
     PulseSoundSystem pulse{loop, server.Address()};
     CaptureTap tap{pulse};
-    frmMain form{{store, tap, loop, dialogs, desktop, errorLog, mixers}};
+    frmMain form{On(tap)};
     ui::MainWindow window{form, QString()};
     std::vector<std::int16_t> samples;
 };
 
 TEST_F(PulseWindow, MeasuresWhatItPlays) {
     Click("Command1");
-    EXPECT_TRUE(Within(kLimitMs, [this] {
+    EXPECT_TRUE(WaitInQt(kPatience, [this] {
         return Find<QLineEdit>("txtFreq").text() == "1000" &&
                Find<QLabel>("genLockWord").text() == "LOCKED" && form.Measurement.ShownSettled();
     })) << Find<QLineEdit>("txtFreq").text().toStdString();
@@ -150,7 +129,7 @@ TEST_F(PulseWindow, MeasuresWhatItPlays) {
     EXPECT_EQ(Find<QLabel>("LblLevel").text(), "25");
     EXPECT_EQ(Find<QLabel>("runningWord").text(), "Generator playing");
     Click("Command1");
-    EXPECT_TRUE(Within(kLimitMs, [this] { return Find<QLabel>("adcWord").text() == "NO SIGNAL"; }));
+    EXPECT_TRUE(WaitInQt(kPatience, [this] { return Find<QLabel>("adcWord").text() == "NO SIGNAL"; }));
 }
 
 TEST_F(PulseWindow, PlaysEightSinesWithoutClipping) {
@@ -255,7 +234,7 @@ protected:
         Type("txtGenEndFreq", "1000");
         const auto start = std::chrono::steady_clock::now();
         Click("Command1");
-        EXPECT_TRUE(Within(kLimitMs, [this] { return !Generator::UnderWay(Tone()); }));
+        EXPECT_TRUE(WaitInQt(kPatience, [this] { return !Generator::UnderWay(Tone()); }));
         const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
         std::printf("sweep of 2000 ms, %s: %.0f ms\n", state, took.count());
         EXPECT_NEAR(Tone().Frequency, 1000.0, 0.45);
@@ -278,12 +257,3 @@ TEST_F(SweepTime, OnABusyMachine) {
 
 }  // namespace
 }  // namespace sonavex
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    testing::InitGoogleTest(&argc, argv);
-    const QApplication application(argc, argv);
-    QApplication::setStyle(new sonavex::ui::FaceStyle);
-    QApplication::setQuitOnLastWindowClosed(false);
-    return RUN_ALL_TESTS();
-}

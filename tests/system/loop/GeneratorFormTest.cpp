@@ -20,7 +20,7 @@ constexpr auto kBlockTime = 64ms;
 constexpr double kRounding = 1.5;  // 16-bit steps, of generator and volume
 constexpr double kSmallestJump = 0.002;
 
-class GeneratorForm : public testing::Test, protected FormWorld {
+class GeneratorForm : public testing::Test, protected World {
 protected:
     void SetUp() override {
         form.Form_Load();

@@ -17,7 +17,7 @@
 #include <iostream>
 #include <string>
 
-#include "system/safety/Files.h"
+#include "support/Files.h"
 
 namespace sonavex {
 namespace {

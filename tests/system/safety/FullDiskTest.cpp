@@ -7,10 +7,10 @@
 #include <chrono>
 
 #include "support/ChildProcess.h"
+#include "support/Files.h"
 #include "system/cli/Recordings.h"
 #include "system/safety/Account.h"
 #include "system/safety/Confined.h"
-#include "system/safety/Files.h"
 #include "system/safety/OwnDisk.h"
 #include "system/safety/Session.h"
 

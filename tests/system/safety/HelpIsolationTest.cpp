@@ -10,9 +10,9 @@
 #include <array>
 #include <chrono>
 
+#include "support/Files.h"
 #include "system/safety/Account.h"
 #include "system/safety/Confined.h"
-#include "system/safety/Files.h"
 #include "system/safety/HelpPage.h"
 
 namespace sonavex {

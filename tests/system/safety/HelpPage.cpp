@@ -7,7 +7,7 @@
 #include <iostream>
 #include <memory>
 
-#include "system/safety/Files.h"
+#include "support/Files.h"
 #include "ui/HelpBrowser.h"
 #include "ui/HelpWindow.h"
 

@@ -9,10 +9,11 @@
 #include <thread>
 
 #include "platform/plain/IniText.h"
+#include "support/Files.h"
 #include "support/PulseServer.h"
+#include "support/Wait.h"
 #include "system/safety/Account.h"
 #include "system/safety/Amount.h"
-#include "system/safety/Files.h"
 
 namespace sonavex {
 namespace {
@@ -65,13 +66,13 @@ protected:
     }
     // A run as a user has it: it gets to its own levels, is asked to end, and ends in order.
     void RunInOrder(const std::string& when) {
-        ASSERT_TRUE(Until([&] {
+        ASSERT_TRUE(WaitUntil([&] {
             return server_.Control({"list", "short", "source-outputs"}).empty();
         })) << when
             << ": the server still knows the killed run";
         const auto begin = std::chrono::steady_clock::now();
         const auto program = Start();
-        ASSERT_TRUE(Until([&] { return Runs(); }, kStart)) << when << ": " << FileText(account_.Output());
+        ASSERT_TRUE(WaitUntil([&] { return Runs(); }, kStart)) << when << ": " << FileText(account_.Output());
         start_ = std::chrono::steady_clock::now() - begin;
         program->Send(SIGTERM);
         ASSERT_TRUE(program->WaitForEnd(kStart)) << when;

@@ -10,9 +10,10 @@
 
 #include "platform/plain/FileMixerJournal.h"
 #include "platform/qt/QtSettingsStore.h"
+#include "support/Files.h"
+#include "support/Wait.h"
 #include "system/safety/Account.h"
 #include "system/safety/Amount.h"
-#include "system/safety/Files.h"
 #include "system/safety/Writers.h"
 
 namespace sonavex {
@@ -32,7 +33,7 @@ protected:
     void Kill(const Arguments& writer, unsigned long microseconds) {
         std::filesystem::remove(account_.Output());
         ChildProcess process(writer, account_.Variables(), account_.Output());
-        ASSERT_TRUE(Until([&] { return FileText(account_.Output()).ends_with("writing\n"); }))
+        ASSERT_TRUE(WaitUntil([&] { return FileText(account_.Output()).ends_with("writing\n"); }))
             << FileText(account_.Output());
         std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
         process.Kill();

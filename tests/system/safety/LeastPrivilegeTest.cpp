@@ -8,11 +8,12 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "support/Files.h"
 #include "support/PulseServer.h"
+#include "support/Wait.h"
 #include "system/cli/Recordings.h"
 #include "system/safety/Account.h"
 #include "system/safety/Confined.h"
-#include "system/safety/Files.h"
 #include "system/safety/Session.h"
 #include "system/safety/Trace.h"
 
@@ -131,7 +132,7 @@ TEST_F(LeastPrivilege, TheProgramOnASoundServerNeedsNoInternet) {
     ChildProcess program(Confined(confinement, {SONAVEX_PROGRAM}),
                          Variables({{"PULSE_SERVER", server.Address()}, {"SONAVEX_SOUND", ""}}),
                          account_.Output());
-    ASSERT_TRUE(Until([&] {
+    ASSERT_TRUE(WaitUntil([&] {
         return !server.Control({"list", "short", "source-outputs"}).empty();
     })) << FileText(account_.Output());
     EXPECT_EQ(ModeOf(account_.Runtime() / "sonavex.lock"), 0600U);
@@ -200,7 +201,7 @@ TEST_P(Rights, OfWhatTheProgramsCreate) {
         fs::remove(account_.Output());
         ChildProcess process(WithMask(Session({"measure", "file=" + report.string()})), Variables(),
                              account_.Output());
-        ASSERT_TRUE(Until([&] { return fs::exists(account_.Journal()); })) << FileText(account_.Output());
+        ASSERT_TRUE(WaitUntil([&] { return fs::exists(account_.Journal()); })) << FileText(account_.Output());
         EXPECT_EQ(ModeOf(account_.Journal()), 0600U);
         EXPECT_EQ(ModeOf(account_.Runtime() / "sonavex.lock"), 0600U);
         ASSERT_TRUE(process.WaitForEnd(60s));
@@ -235,7 +236,7 @@ TEST_F(LeastPrivilege, ARuntimeFolderOpenToOthersIsNotUsed) {
         fs::create_symlink(precious, open / name);
     ChildProcess process(Session({"measure"}), Variables({{"XDG_RUNTIME_DIR", open}}), account_.Output());
     const fs::path journal = account_.SettingsFolder() / "sonavex-mixer-levels";
-    EXPECT_TRUE(Until([&] { return fs::exists(journal); })) << FileText(account_.Output());
+    EXPECT_TRUE(WaitUntil([&] { return fs::exists(journal); })) << FileText(account_.Output());
     ASSERT_TRUE(process.WaitForEnd(60s));
     EXPECT_EQ(process.Status(), 0) << FileText(account_.Output());
     EXPECT_THAT(NamesIn(account_.SettingsFolder()), ElementsAre("Sonavex.ini", "sonavex.lock"));

@@ -10,6 +10,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/PulseServer.h"
+#include "support/Wait.h"
 #include "support/alsa/FakeMixerCards.h"
 
 namespace sonavex {
@@ -54,12 +55,7 @@ protected:
     std::string Volumes() const { return server_.Control({"get-sink-volume", "card"}); }
     // The limit allows for a loaded machine.
     bool Reaches(const std::string& volume) const {
-        const auto end = std::chrono::steady_clock::now() + 30s;
-        while (Volumes().find(volume) == std::string::npos) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::sleep_for(20ms);
-        }
-        return true;
+        return WaitUntil([&] { return Volumes().find(volume) != std::string::npos; });
     }
     void ExpectOwnVolumes() const {
         EXPECT_THAT(Volumes(), HasSubstr(kOwnVolumes[0]));
@@ -125,12 +121,7 @@ protected:
     }
     std::vector<std::int32_t> At(FakeControl control) const { return cards_.Values(kCard, control); }
     bool Reaches(FakeControl control, const std::vector<std::int32_t>& values) const {
-        const auto end = std::chrono::steady_clock::now() + 30s;
-        while (At(control) != values) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::sleep_for(20ms);
-        }
-        return true;
+        return WaitUntil([&] { return At(control) == values; });
     }
     void ExpectOwnLevels() const {
         EXPECT_EQ(At(kFakeLine), (std::vector<std::int32_t>{23, 23}));

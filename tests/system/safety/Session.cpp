@@ -18,7 +18,9 @@
 #include "app/sonavex/Program.h"
 #include "platform/plain/UserFolders.h"
 #include "platform/qt/QtLauncher.h"
-#include "system/safety/Files.h"
+#include "support/DialogUser.h"
+#include "support/Files.h"
+#include "support/QtWait.h"
 #include "ui/FaceStyle.h"
 #include "ui/HelpWindow.h"
 
@@ -35,28 +37,16 @@ void Say(const std::string& what, QString text) {
     std::cout << what << ": " << text.replace(u'\n', u' ').toStdString() << std::endl;
 }
 
-void Press(QDialog& dialog, const char* button) {
-    dialog.findChild<QPushButton*>(QLatin1String(button))->click();
-}
-
-// Somebody who answers every dialog that opens.
+// Answers every dialog that opens.
 class Somebody {
 public:
-    Somebody() { Look(); }
     // What the print dialog gets: a printer's name, or a file.
     QString Printer;
     QString File;
 
 private:
-    // Anew each time: an answer may open a dialog of its own and return only when that has closed.
-    void Look() {
-        QTimer::singleShot(3, &context_, [this] {
-            Look();
-            auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (dialog != nullptr && dialog->isVisible() && dialog != last_) Answer(*dialog);
-        });
-    }
     void Answer(QDialog& dialog) {
+        if (&dialog == last_) return;
         last_ = &dialog;
         if (auto* const box = qobject_cast<QMessageBox*>(&dialog); box != nullptr) {
             Say("message", box->text());
@@ -65,7 +55,7 @@ private:
             Choose(dialog);
         } else if (dialog.objectName() == QLatin1String("frmError")) {
             Say("error", dialog.findChild<QLabel*>(QStringLiteral("lblMessage"))->text());
-            Press(dialog, "Command1");
+            Find<QPushButton>(dialog, "Command1").click();
         } else {
             Say("unexpected", dialog.windowTitle());
             dialog.reject();
@@ -83,19 +73,16 @@ private:
             file->setText(File);
             Q_EMIT file->textEdited(File);
         }
-        Press(dialog, "cmdOk");
+        Find<QPushButton>(dialog, "cmdOk").click();
     }
 
-    QObject context_;
     QPointer<QDialog> last_;
+    DialogUser user_{[this](QDialog& dialog) { Answer(dialog); }};
 };
 
 template <class Condition>
 void Await(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + kLimit;
-    while (!condition() && std::chrono::steady_clock::now() < end)
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-    if (!condition()) Say("unexpected", QStringLiteral("it takes too long"));
+    if (!WaitInQt(kLimit, condition)) Say("unexpected", QStringLiteral("it takes too long"));
 }
 
 void Measure(app::Program& program) {
@@ -133,8 +120,7 @@ void Print(app::Program& program) {
 void Launch(const QString& path) {
     const std::int32_t error = QtLauncher().Run(path.toStdString());
     if (error != 0) Say("unexpected", QStringLiteral("error %1").arg(error));
-    const auto end = std::chrono::steady_clock::now() + 500ms;
-    while (std::chrono::steady_clock::now() < end) QApplication::processEvents(QEventLoop::AllEvents, 20);
+    WaitInQt(500ms);
 }
 
 void Do(app::Program& program, Somebody& somebody, const QString& step) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "support/ChildProcess.h"
-#include "system/safety/Files.h"
+#include "support/Files.h"
 
 namespace sonavex {
 

@@ -6,7 +6,7 @@
 #include "platform/plain/FileMixerJournal.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSettingsStore.h"
-#include "system/safety/Files.h"
+#include "support/Files.h"
 
 namespace sonavex {
 namespace {

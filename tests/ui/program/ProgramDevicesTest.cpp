@@ -12,7 +12,7 @@
 
 #include "app/sonavex/Program.h"
 #include "support/ChildProcess.h"
-#include "support/DialogDriver.h"
+#include "support/DialogUser.h"
 
 namespace sonavex {
 namespace {
@@ -49,20 +49,20 @@ protected:
 TEST_F(ProgramDevices, StartsThroughErrorAndSelection) {
     app::Program program;
     {
-        const DialogDriver driver({[&](QDialog& error) {
-                                       EXPECT_EQ(error.windowTitle(), "Sound Device Error");
-                                       const std::string record = Content(ErrorFile());
-                                       EXPECT_THAT(record, HasSubstr("Output Guid: gone\n"));
-                                       EXPECT_THAT(record, HasSubstr("not a measurement"));
-                                       EXPECT_THAT(record, HasSubstr("\nTime: 20"));
-                                       Click(error, "closeButton");
-                                   },
-                                   [](QDialog& devices) {
-                                       EXPECT_EQ(devices.windowTitle(), "Select Sound Devices");
-                                       for (const char* name : {"cmbOutputMixer", "cmbInputMixer"})
-                                           QTest::keyClick(&Find<QComboBox>(devices, name), Qt::Key_Down);
-                                       Click(devices, "cmdOkay");
-                                   }});
+        const DialogSteps driver({[&](QDialog& error) {
+                                      EXPECT_EQ(error.windowTitle(), "Sound Device Error");
+                                      const std::string record = Content(ErrorFile());
+                                      EXPECT_THAT(record, HasSubstr("Output Guid: gone\n"));
+                                      EXPECT_THAT(record, HasSubstr("not a measurement"));
+                                      EXPECT_THAT(record, HasSubstr("\nTime: 20"));
+                                      Click(error, "closeButton");
+                                  },
+                                  [](QDialog& devices) {
+                                      EXPECT_EQ(devices.windowTitle(), "Select Sound Devices");
+                                      for (const char* name : {"cmbOutputMixer", "cmbInputMixer"})
+                                          QTest::keyClick(&Find<QComboBox>(devices, name), Qt::Key_Down);
+                                      Click(devices, "cmdOkay");
+                                  }});
         ASSERT_EQ(program.Open(), std::nullopt);
     }
     EXPECT_TRUE(program.Window().isVisible());
@@ -73,7 +73,7 @@ TEST_F(ProgramDevices, StartsThroughErrorAndSelection) {
 
 TEST_F(ProgramDevices, CanBeEndedAtOnce) {
     {
-        const DialogDriver driver({[](QDialog& error) { Click(error, "Command1"); }});
+        const DialogSteps driver({[](QDialog& error) { Click(error, "Command1"); }});
         app::Program program;
         EXPECT_EQ(program.Open(), 1);
     }
@@ -85,23 +85,23 @@ TEST_F(ProgramDevices, CanBeEndedAtOnce) {
 TEST_F(ProgramDevices, ShowsTheTopicOfTheSelectionInTheHelp) {
     app::Program program;
     {
-        const DialogDriver driver(
-            {[](QDialog& error) { Click(error, "closeButton"); },
-             [](QDialog& devices) {
-                 Click(devices, "cmdHelp");
-                 EXPECT_THAT(Find<QTextBrowser>(devices, "HelpPage").toPlainText().toStdString(),
-                             testing::StartsWith("Sound devices\n"));
-                 for (const char* name : {"cmbOutputMixer", "cmbInputMixer"})
-                     QTest::keyClick(&Find<QComboBox>(devices, name), Qt::Key_Down);
-                 Click(devices, "cmdOkay");
-             }});
+        const DialogSteps driver({[](QDialog& error) { Click(error, "closeButton"); },
+                                  [](QDialog& devices) {
+                                      Click(devices, "cmdHelp");
+                                      EXPECT_THAT(
+                                          Find<QTextBrowser>(devices, "HelpPage").toPlainText().toStdString(),
+                                          testing::StartsWith("Sound devices\n"));
+                                      for (const char* name : {"cmbOutputMixer", "cmbInputMixer"})
+                                          QTest::keyClick(&Find<QComboBox>(devices, name), Qt::Key_Down);
+                                      Click(devices, "cmdOkay");
+                                  }});
         ASSERT_EQ(program.Open(), std::nullopt);
     }
     program.Form().Form_QueryUnload();
 }
 
 TEST_F(ProgramDevices, ShowsTheTopicOfTheErrorInTheHelp) {
-    const DialogDriver driver({[](QDialog& error) {
+    const DialogSteps driver({[](QDialog& error) {
         Click(error, "Command2");
         EXPECT_THAT(Find<QTextBrowser>(error, "HelpPage").toPlainText().toStdString(),
                     HasSubstr("Sound device errors\n"));

@@ -7,7 +7,7 @@
 
 #include "app/sonavex/Program.h"
 #include "support/ChildProcess.h"
-#include "support/DialogDriver.h"
+#include "support/DialogUser.h"
 #include "support/ScopedVariable.h"
 #include "ui/HelpWindow.h"
 
@@ -24,7 +24,7 @@ protected:
     void SetUp() override { ASSERT_TRUE(opened_); }
     // The step has to close the dialog that the entry opens.
     void Choose(const char* action, std::function<void(QDialog&)> step) {
-        const DialogDriver driver({std::move(step)});
+        const DialogSteps driver({std::move(step)});
         Trigger(action);
     }
     void Trigger(const char* action) { program.Window().findChild<QAction*>(action)->trigger(); }

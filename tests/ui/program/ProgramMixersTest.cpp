@@ -13,7 +13,7 @@
 
 #include "app/sonavex/Program.h"
 #include "support/ChildProcess.h"
-#include "support/DialogDriver.h"
+#include "support/DialogUser.h"
 
 namespace sonavex {
 namespace {
@@ -101,7 +101,7 @@ TEST_F(ProgramMixers, AreUnloadedWhenDevicesAreSelected) {
     Click(*Shown("Sound Controls"), "cmdTone");
     ASSERT_NE(Shown("Tone Controls"), nullptr);
     {
-        const DialogDriver driver({[](QDialog& devices) {
+        const DialogSteps driver({[](QDialog& devices) {
             EXPECT_EQ(devices.windowTitle(), "Select Sound Devices");
             EXPECT_EQ(Shown("Sound Controls"), nullptr);
             EXPECT_EQ(Shown("Tone Controls"), nullptr);
@@ -123,7 +123,7 @@ TEST_P(BadSavedMixers, AreToldOfAndTheProgramRuns) {
     {
         app::Program program;
         {
-            const DialogDriver driver({[](QDialog& message) {
+            const DialogSteps driver({[](QDialog& message) {
                 const std::string text = message.property("text").toString().toStdString();
                 EXPECT_THAT(text, HasSubstr("could not be applied completely"));
                 EXPECT_THAT(text, HasSubstr("key \"VistaSoundCard\""));

@@ -14,7 +14,9 @@
 #include "app/sonavex/Program.h"
 #include "support/CallLog.h"
 #include "support/ChildProcess.h"
+#include "support/DialogUser.h"
 #include "support/FakeSoundSystem.h"
+#include "support/QtWait.h"
 #include "support/Recorders.h"
 #include "support/VirtualEventLoop.h"
 
@@ -29,20 +31,20 @@ using testing::IsEmpty;
 // Presses the button of each message box that opens, and keeps the texts.
 class Reader {
 public:
-    explicit Reader(QMessageBox::StandardButton button) {
-        QObject::connect(&look_, &QTimer::timeout, &look_, [this, button] {
-            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (box == nullptr || !box->isVisible()) return;
-            Texts.push_back(box->text().toStdString());
-            QAbstractButton* const wanted = box->button(button);
-            (wanted != nullptr ? wanted : box->buttons().front())->click();
-        });
-        look_.start(2);
-    }
+    explicit Reader(QMessageBox::StandardButton button) : button_(button) {}
     std::vector<std::string> Texts;
 
 private:
-    QTimer look_;
+    void Answer(QDialog& dialog) {
+        auto* const box = qobject_cast<QMessageBox*>(&dialog);
+        if (box == nullptr) return;
+        Texts.push_back(box->text().toStdString());
+        QAbstractButton* const wanted = box->button(button_);
+        (wanted != nullptr ? wanted : box->buttons().front())->click();
+    }
+
+    QMessageBox::StandardButton button_;
+    DialogUser user_{[this](QDialog& dialog) { Answer(dialog); }};
 };
 
 // The program in a private account on the simulated card.
@@ -78,10 +80,7 @@ TEST_F(ProgramTest, OpensMeasuresAndEndsWithStatusZero) {
         EXPECT_TRUE(program.Window().isVisible());
         EXPECT_EQ(program.Form().lblInput.Caption(), "Simulated sound card (not a measurement)");
         program.Form().Signals.Signal.Command1.Press();
-        const auto end = std::chrono::steady_clock::now() + 20s;
-        while (program.Form().Measurement.Blocks() < 3 && std::chrono::steady_clock::now() < end)
-            QApplication::processEvents(QEventLoop::AllEvents, 20);
-        EXPECT_GE(program.Form().Measurement.Blocks(), 3);
+        EXPECT_TRUE(WaitInQt(kPatience, [&] { return program.Form().Measurement.Blocks() >= 3; }));
         QTimer::singleShot(0, [&] { program.Window().close(); });
         EXPECT_EQ(QApplication::exec(), 0);
     }

@@ -13,14 +13,10 @@ using testing::IsEmpty;
 
 class InitGenerator : public PanelRig {
 protected:
-    std::string TextOfError(std::int32_t number) {
-        try {
-            panel.InitGenerator();
-        } catch (const RuntimeError& error) {
-            EXPECT_EQ(error.Number(), number);
-            return error.what();
-        }
-        return "no error";
+    std::string RefusalWith(std::int32_t number) {
+        const auto error = Raised([this] { panel.InitGenerator(); });
+        EXPECT_EQ(error ? error->Number() : 0, number);
+        return error ? error->what() : "no error";
     }
 };
 
@@ -34,19 +30,6 @@ TEST_F(InitGenerator, StoresTheLevelOnlyForAFreshAccount) {
     EXPECT_THAT(volumes, ElementsAre(-50, -50));
     EXPECT_THAT(log.Of("DeleteSection"), IsEmpty());
     EXPECT_THAT(log.Of("Message"), IsEmpty());
-}
-
-TEST_F(InitGenerator, ReadsAndWritesInOrder) {
-    panel.InitGenerator();
-    const std::string get = "Get Signal Generator|";
-    const std::string save = "Save Signal Generator|";
-    EXPECT_THAT(
-        log.Lines(),
-        ElementsAre(get + "Level|-50", save + "Level|-50", get + "Level|50",
-                    get + "Current Signal Start|1000", get + "Current Signal End|20",
-                    get + "Current Signal Sweep Time|0", get + "Current Signal Sweep|False",
-                    get + "Current Signal Type|0", get + "Current Signal Loop|False",
-                    get + "Current Signal Loop Increment|0", get + "NumberOfTones|0", save + "Level|-50"));
 }
 
 TEST_F(InitGenerator, ShowsAFreshAccount) {
@@ -191,7 +174,7 @@ TEST_F(InitGenerator, LoadsSevenTones) {
 
 TEST_F(InitGenerator, RefusesNineTones) {
     Store("NumberOfTones", "9");
-    const std::string text = TextOfError(9);
+    const std::string text = RefusalWith(9);
     EXPECT_THAT(text, HasSubstr("Subscript out of range"));
     EXPECT_THAT(text, HasSubstr("section \"Signal Generator\", key \"NumberOfTones\", value \"9\""));
     EXPECT_THAT(text, HasSubstr("recorded settings"));
@@ -200,21 +183,21 @@ TEST_F(InitGenerator, RefusesNineTones) {
 TEST_F(InitGenerator, NamesTheKeyThatDoesNotConvert) {
     Store("NumberOfTones", "1");
     Store("Memory Signal Sweep Time 1", "soon");
-    const std::string text = TextOfError(13);
+    const std::string text = RefusalWith(13);
     EXPECT_THAT(text, HasSubstr("key \"Memory Signal Sweep Time 1\", value \"soon\""));
 }
 
 TEST_F(InitGenerator, RefusesAWaveformThatDoesNotExist) {
     Store("Current Signal Type", "4");
-    EXPECT_THAT(TextOfError(5), HasSubstr("key \"Current Signal Type\", value \"4\""));
+    EXPECT_THAT(RefusalWith(5), HasSubstr("key \"Current Signal Type\", value \"4\""));
     for (const char* value : {"-1", "-2"}) {
         Store("Current Signal Type", value);
-        EXPECT_THAT(TextOfError(5), HasSubstr("value \"" + std::string(value) + "\""));
+        EXPECT_THAT(RefusalWith(5), HasSubstr("value \"" + std::string(value) + "\""));
     }
     Store("Current Signal Type", "3");
     Store("NumberOfTones", "1");
     Store("Memory Signal Type 1", "4");
-    EXPECT_THAT(TextOfError(9), HasSubstr("key \"Memory Signal Type 1\", value \"4\""));
+    EXPECT_THAT(RefusalWith(9), HasSubstr("key \"Memory Signal Type 1\", value \"4\""));
 }
 
 // Without the rest of the panel, which has its own say about what can be used.

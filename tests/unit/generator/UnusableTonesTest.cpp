@@ -19,12 +19,8 @@ class UnusableTones : public MemoryRig {
 protected:
     // Number and text of what pressing the start button raises.
     std::pair<std::int32_t, std::string> PressStart() {
-        try {
-            memory.cmdStartMemory.Press();
-        } catch (const RuntimeError& error) {
-            return {error.Number(), error.what()};
-        }
-        return {0, ""};
+        const auto error = Raised([this] { memory.cmdStartMemory.Press(); });
+        return error ? std::pair(error->Number(), std::string(error->what())) : std::pair(0, std::string());
     }
     void ExpectNothingPlays() {
         EXPECT_FALSE(generator.GeneratorRunning);

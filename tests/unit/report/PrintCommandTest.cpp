@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "core/report/PrintCommand.h"
-#include "support/FormRig.h"
+#include "support/PrintRig.h"
 #include "support/RecordingPrinter.h"
 
 namespace sonavex {
@@ -10,31 +9,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class PrintCommandTest : public testing::Test {
+class PrintCommandTest : public PrintRig<RecordingPrinter> {
 protected:
-    PrintCommandTest() {
-        command.ShowPrintDialog = [this](frmPrint& dialog) {
-            log.Call("ShowPrintDialog");
-            if (user) user(dialog);
-        };
-    }
+    void DialogOpens(frmPrint&) override { log.Call("ShowPrintDialog"); }
     void Press() { cmdPrint.Press(); }
-
-    CallLog log;
-    RecordingPrinter printer{log};
-    RecordingDialogs dialogs{log};
-    FakeDesktop desktop{log};
-    MeasurementControls measurement;
-    std::function<void(frmPrint&)> user;
-    CommandButton cmdPrint;
-    MenuItem mnuPrint;
-    PrintCommand command{{printer, dialogs, desktop,
-                          [] {
-                              return CalendarDate{2026, 11, 21};
-                          }},
-                         measurement,
-                         cmdPrint,
-                         mnuPrint};
 };
 
 TEST_F(PrintCommandTest, PrintsOnceOnTheDefaultPrinter) {

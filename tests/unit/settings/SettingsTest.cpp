@@ -14,16 +14,6 @@ class SettingsTest : public testing::Test {
 protected:
     MemorySettingsStore store_;
     Settings settings_{store_};
-
-    template <class Action>
-    static std::string TextOfError(Action action) {
-        try {
-            static_cast<void>(action());
-        } catch (const RuntimeError& error) {
-            return error.what();
-        }
-        return "no error";
-    }
 };
 
 TEST_F(SettingsTest, ConvertsDefaults) {

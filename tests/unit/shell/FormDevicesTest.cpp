@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 
 // The main form on scripted devices, with the selection of devices driven by the test.
-struct SelectingForm : FormWorld {
+struct SelectingForm : World {
     SelectingForm() {
         store.Save("SoundCard", "Output", "out-a");
         store.Save("SoundCard", "Input", "in-a");
@@ -26,8 +26,6 @@ struct SelectingForm : FormWorld {
 
     FakeSoundSystem sound{log};
     frmMain form{On(sound)};
-    MemoryDesktopFiles files{log};
-    RecordingHelp help{log};
 };
 
 TEST(SelectCard, SaysStoppedUnloadsTheMixersAndShowsTheDialog) {

@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 // The form on scripted devices that write into the same log as everything else.
-struct ScriptedForm : FormWorld {
+struct ScriptedForm : World {
     explicit ScriptedForm(std::int32_t osMajorVersion) { desktop.majorVersion = osMajorVersion; }
     FakeSoundSystem sound{log};
     frmMain form{On(sound)};
@@ -22,31 +22,6 @@ struct ScriptedForm : FormWorld {
 
 class Start : public testing::TestWithParam<std::int32_t> {};
 INSTANTIATE_TEST_SUITE_P(Generations, Start, testing::Values(5, 10));
-
-TEST_P(Start, CallsThePortsInItsOrder) {
-    ScriptedForm world(GetParam());
-    world.form.Form_Load();
-    std::vector<std::string> expected{"AnotherInstanceRunning", "ApplicationFolder", "Screens",
-                                      "OsMajorVersion",         "EnumeratePlayback", "EnumerateCapture"};
-    const std::vector<std::string>& lines = world.log.Lines();
-    ASSERT_GE(lines.size(), 12U);
-    for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_THAT(lines[i], HasSubstr(expected[i])) << i;
-    const auto position = [&](const std::string& what) {
-        const auto found = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
-            return line.find(what) != std::string::npos;
-        });
-        EXPECT_NE(found, lines.end()) << what;
-        return found - lines.begin();
-    };
-    EXPECT_LT(position("EnumerateCapture"), position("PointMixersAt"));
-    EXPECT_LT(position("PointMixersAt"), position("SetCooperativeLevel"));
-    EXPECT_LT(position("SetVolume"), position("SetNotificationPositions"));
-    EXPECT_LT(position("SetNotificationPositions"), position("CaptureAndApplySaved"));
-    EXPECT_LT(position("CaptureAndApplySaved"), position("SetUpSoundControls"));
-    EXPECT_LT(position("SetUpSoundControls"), position("StartLooping"));
-    EXPECT_EQ(position("StartLooping"), static_cast<std::ptrdiff_t>(lines.size()) - 1);
-    EXPECT_EQ(world.log.Of("ReopenSoundCard").size(), GetParam() >= 6 ? 1U : 0U);
-}
 
 TEST_P(Start, OfAFreshAccountStoresTheLevelAndNothingElse) {
     ScriptedForm world(GetParam());

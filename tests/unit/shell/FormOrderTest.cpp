@@ -24,7 +24,7 @@ private:
 };
 
 // A form all of whose ports, the settings among them, write into one log.
-struct LoggedForm {
+struct LoggedForm : WorldOf<VirtualEventLoop, RecordingSettings, WatchingMixers> {
     explicit LoggedForm(std::int32_t osMajorVersion) {
         desktop.majorVersion = osMajorVersion;
         form.Frame.SetSize(980, 640);
@@ -34,22 +34,15 @@ struct LoggedForm {
         };
     }
 
-    CallLog log;
-    RecordingSettings store{log};
-    VirtualEventLoop loop;
-    RecordingDialogs dialogs{log};
-    FakeDesktop desktop{log};
-    RecordingErrorLog errorLog{log};
-    WatchingMixers mixers{log};
     FakeSoundSystem sound{log};
-    frmMain form{{store, sound, loop, dialogs, desktop, errorLog, mixers}};
+    frmMain form{On(sound)};
 };
 
 class PortOrder : public testing::TestWithParam<std::int32_t> {
 protected:
     bool Newer() const { return GetParam() >= 6; }
 };
-INSTANTIATE_TEST_SUITE_P(Generations, PortOrder, testing::Values(5, 6));
+INSTANTIATE_TEST_SUITE_P(Generations, PortOrder, testing::Values(5, 6, 10));
 
 TEST_P(PortOrder, OfTheStart) {
     LoggedForm world(GetParam());

@@ -9,7 +9,7 @@ namespace {
 using testing::ElementsAre;
 
 TEST(Shutdown, CallsThePortsInItsOrder) {
-    FormWorld world;
+    World world;
     FakeSoundSystem sound(world.log);
     frmMain form(world.On(sound));
     form.Form_Load();
@@ -132,7 +132,7 @@ INSTANTIATE_TEST_SUITE_P(OfTheShutdown, FailingStep,
                          testing::Values("UnloadDialogs", "SaveAndRestoreInitial"));
 
 TEST_P(FailingStep, IsShownAndLosesNoOther) {
-    FormWorld world;
+    World world;
     FakeSoundSystem sound(world.log);
     frmMain form(world.On(sound));
     form.Form_Load();
@@ -152,7 +152,7 @@ TEST_P(FailingStep, IsShownAndLosesNoOther) {
 }
 
 TEST(StreamError, OfThePlaybackSideIsShownOnce) {
-    FormWorld world;
+    World world;
     FakeSoundSystem sound(world.log);
     frmMain form(world.On(sound));
     form.Form_Load();
@@ -177,7 +177,7 @@ TEST(StreamError, OfThePlaybackSideIsShownOnce) {
 }
 
 TEST(OpenMessage, DropsAndCountsNotifications) {
-    FormWorld world;
+    World world;
     FakeSoundSystem sound(world.log);
     frmMain form(world.On(sound));
     form.Form_Load();
@@ -195,7 +195,7 @@ TEST(OpenMessage, DropsAndCountsNotifications) {
 }
 
 TEST(Path, IsToldAndFollowed) {
-    FormWorld world;
+    World world;
     FakeSoundSystem sound(world.log);
     sound.inputPathNote = "resampled";
     frmMain form(world.On(sound));
@@ -252,7 +252,7 @@ TEST(LowerRate, ClampsTheFrequenciesAndShowsThem) {
 }
 
 TEST(Level, ReachesThePlaybackBufferThroughTheForm) {
-    FormWorld world;
+    World world;
     FakeSoundSystem sound(world.log);
     frmMain form(world.On(sound));
     form.Form_Load();

@@ -9,6 +9,7 @@
 #include "platform/combined/CombinedSoundSystem.h"
 #include "platform/plain/PlainEventLoop.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
+#include "support/Errors.h"
 #include "support/FakeSoundSystem.h"
 
 namespace sonavex {
@@ -42,15 +43,6 @@ protected:
         std::vector<std::string> identifiers;
         for (const SoundDeviceInfo& device : list) identifiers.push_back(device.identifier);
         return identifiers;
-    }
-    template <class Action>
-    static std::int32_t ErrorOf(Action action) {
-        try {
-            action();
-        } catch (const RuntimeError& error) {
-            return error.Number();
-        }
-        return 0;
     }
 
     CallLog serverLog_;

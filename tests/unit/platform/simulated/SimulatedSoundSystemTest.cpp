@@ -45,7 +45,7 @@ TEST_F(SimulatedSound, OpensByIdentifierAndRefusesOthers) {
 
 TEST_F(SimulatedSound, TakesSixteenBitStereoOnly) {
     const auto refuses = [&](auto change) {
-        BufferDescription description = SimulatedRig::Description(4096);
+        BufferDescription description = Stereo(4096, 48000);
         change(description.format);
         const auto playback = system_.CreatePlaybackDevice("");
         const auto capture = system_.CreateCaptureDevice("");
@@ -61,8 +61,7 @@ TEST_F(SimulatedSound, TakesSixteenBitStereoOnly) {
 
 TEST_F(SimulatedSound, BufferSizesAreWholeFrames) {
     const auto device = system_.CreateCaptureDevice("");
-    EXPECT_EQ(ErrorOf([&] { return device->CreateBuffer(SimulatedRig::Description(10)); }),
-              error_number::kInvalidCall);
+    EXPECT_EQ(ErrorOf([&] { return device->CreateBuffer(Stereo(10, 48000)); }), error_number::kInvalidCall);
 }
 
 TEST_F(SimulatedSound, WhatIsPlayedIsCaptured) {
@@ -110,9 +109,8 @@ TEST_F(SimulatedSound, NotifiesPositionsThroughEvents) {
 
 TEST_F(SimulatedSound, ANewerBufferStaysConnectedWhenTheOlderOneGoes) {
     rig_.Open();
-    rig_.playback =
-        rig_.playbackDevice->CreateBuffer(SimulatedRig::Description(SimulatedRig::kPlaybackBytes));
-    rig_.capture = rig_.captureDevice->CreateBuffer(SimulatedRig::Description(SimulatedRig::kCaptureBytes));
+    rig_.playback = rig_.output->CreateBuffer(Stereo(kPlaybackBytes, 48000));
+    rig_.capture = rig_.input->CreateBuffer(Stereo(kCaptureBytes, 48000));
     rig_.WriteNumbers();
     rig_.capture->StartLooping();
     rig_.playback->PlayLooping();
@@ -156,11 +154,10 @@ TEST_F(SimulatedSound, FailsOnceAsAsked) {
     EXPECT_TRUE(failsOnce(Operation::kEnumerate, [&] { return system_.EnumerateCapture(); }));
     EXPECT_TRUE(failsOnce(Operation::kPlaybackDevice, [&] { return system_.CreatePlaybackDevice(""); }));
     EXPECT_TRUE(failsOnce(Operation::kCaptureDevice, [&] { return system_.CreateCaptureDevice(""); }));
-    EXPECT_TRUE(failsOnce(Operation::kPlaybackBuffer, [&] {
-        return rig_.playbackDevice->CreateBuffer(SimulatedRig::Description(4096));
-    }));
-    EXPECT_TRUE(failsOnce(Operation::kCaptureBuffer,
-                          [&] { return rig_.captureDevice->CreateBuffer(SimulatedRig::Description(4096)); }));
+    EXPECT_TRUE(failsOnce(Operation::kPlaybackBuffer,
+                          [&] { return rig_.output->CreateBuffer(Stereo(4096, 48000)); }));
+    EXPECT_TRUE(
+        failsOnce(Operation::kCaptureBuffer, [&] { return rig_.input->CreateBuffer(Stereo(4096, 48000)); }));
 }
 
 TEST_F(SimulatedSound, ReportsItsCapabilities) {

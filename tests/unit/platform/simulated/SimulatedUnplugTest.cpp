@@ -24,18 +24,18 @@ using Losses = std::vector<std::int32_t>;
 TEST_F(SimulatedUnplug, IsReportedOnceForBothBuffers) {
     rig_.Open();
     system_.Unplug();
-    EXPECT_EQ(rig_.lost, Losses{});
+    EXPECT_EQ(rig_.LossNumbers(), Losses{});
     rig_.loop.Yield();
-    EXPECT_EQ(rig_.lost, Losses{sound_error::kBufferLost});
+    EXPECT_EQ(rig_.LossNumbers(), Losses{sound_error::kBufferLost});
     system_.Unplug();
     rig_.loop.Yield();
-    EXPECT_EQ(rig_.lost.size(), 1U);
+    EXPECT_EQ(rig_.losses.size(), 1U);
 }
 
 TEST_F(SimulatedUnplug, IsNotReportedWithoutBuffers) {
     system_.Unplug();
     rig_.loop.Yield();
-    EXPECT_EQ(rig_.lost, Losses{});
+    EXPECT_EQ(rig_.LossNumbers(), Losses{});
 }
 
 TEST_F(SimulatedUnplug, IsNotReportedForBuffersGoneMeanwhile) {
@@ -43,7 +43,7 @@ TEST_F(SimulatedUnplug, IsNotReportedForBuffersGoneMeanwhile) {
     system_.Unplug();
     rig_.Close();
     rig_.loop.Yield();
-    EXPECT_EQ(rig_.lost, Losses{});
+    EXPECT_EQ(rig_.LossNumbers(), Losses{});
 }
 
 TEST_F(SimulatedUnplug, IsNotReportedForBuffersMadeAfterReplugging) {
@@ -53,7 +53,7 @@ TEST_F(SimulatedUnplug, IsNotReportedForBuffersMadeAfterReplugging) {
     rig_.Close();
     rig_.Open();
     rig_.loop.Yield();
-    EXPECT_EQ(rig_.lost, Losses{});
+    EXPECT_EQ(rig_.LossNumbers(), Losses{});
     EXPECT_EQ(ErrorOf([&] { return rig_.playback->GetCurrentPosition().play; }), 0);
 }
 
@@ -73,8 +73,8 @@ TEST_F(SimulatedUnplug, MakesEveryOperationFail) {
     EXPECT_TRUE(gone([&] { rig_.capture->ReadBuffer(0, samples); }));
     EXPECT_TRUE(gone([&] { rig_.capture->StartLooping(); }));
     EXPECT_TRUE(gone([&] { rig_.capture->SetNotificationPositions({}); }));
-    EXPECT_TRUE(gone([&] { rig_.playbackDevice->CreateBuffer(SimulatedRig::Description(4096)); }));
-    EXPECT_TRUE(gone([&] { rig_.captureDevice->CreateBuffer(SimulatedRig::Description(4096)); }));
+    EXPECT_TRUE(gone([&] { rig_.output->CreateBuffer(Stereo(4096, 48000)); }));
+    EXPECT_TRUE(gone([&] { rig_.input->CreateBuffer(Stereo(4096, 48000)); }));
     EXPECT_EQ(ErrorOf([&] { return system_.CreatePlaybackDevice(""); }), sound_error::kNoDriver);
     EXPECT_EQ(ErrorOf([&] { return system_.CreateCaptureDevice("simulated"); }), sound_error::kNoDriver);
 }
@@ -124,19 +124,19 @@ TEST_F(SimulatedUnplug, NewBuffersWorkAfterRepluggingAndCanBeLostAgain) {
     EXPECT_EQ(rig_.Captured(2), (std::vector<std::int16_t>{1, 2}));
     system_.Unplug();
     rig_.loop.Yield();
-    EXPECT_EQ(rig_.lost.size(), 2U);
+    EXPECT_EQ(rig_.losses.size(), 2U);
 }
 
 TEST_F(SimulatedUnplug, TheLostHandlerMayCloseEverything) {
     rig_.Open();
     system_.OnDeviceLost([&](const RuntimeError& error) {
         rig_.Close();
-        rig_.lost.push_back(error.Number());
+        rig_.losses.push_back(error);
         system_.OnDeviceLost({});
     });
     system_.Unplug();
     rig_.loop.Yield();
-    EXPECT_EQ(rig_.lost, Losses{sound_error::kBufferLost});
+    EXPECT_EQ(rig_.LossNumbers(), Losses{sound_error::kBufferLost});
 }
 
 TEST(SimulatedPace, RealTimeRunsAtAboutTheRate) {
@@ -178,7 +178,7 @@ TEST(SimulatedPace, RealTimeSurvivesUnpluggingAndClosing) {
         EXPECT_TRUE(rig.loop.RunUntil([&] { return rig.capture->Statistics().framesCaptured > 0; }, 10s));
         rig.system.Unplug();
         EXPECT_TRUE(
-            rig.loop.RunUntil([&] { return rig.lost.size() == static_cast<std::size_t>(round) + 1; }, 10s));
+            rig.loop.RunUntil([&] { return rig.losses.size() == static_cast<std::size_t>(round) + 1; }, 10s));
         rig.Close();
         rig.system.Plug();
     }

@@ -1,0 +1,48 @@
+// Where the server resamples, the buffers say so.
+
+#include "adapters/pulse/Passage.h"
+#include "support/PipeWireServer.h"
+#include "support/PulseServer.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+// True when all samples are the same; otherwise the buffers must say why not. A busy machine tears the
+// stream, which says nothing about the path, so that there are four attempts.
+bool ExactOrSaid(const std::string& address, const std::string& sink, std::int32_t rateHz) {
+    std::string difference;
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        PlainEventLoop loop;
+        const Passage passage(loop, address, sink, rateHz);
+        EXPECT_TRUE(loop.RunUntil([&] { return passage.Complete(); }, 10s)) << rateHz;
+        if (!passage.Notes().empty()) {
+            EXPECT_THAT(passage.Notes(), testing::HasSubstr("resampled")) << rateHz;
+            return false;
+        }
+        if (passage.Exact()) return true;
+        difference = passage.Difference();
+    }
+    ADD_FAILURE() << difference;
+    return false;
+}
+
+// The daemon runs at one rate at a time and at none below its lowest.
+TEST(PulseResampling, IsSaidOnPipeWireOrTheLoopIsBitExact) {
+    const PipeWireServer server(SinksOfAllRates());
+    int exact = 0;
+    for (const std::int32_t rateHz : SampleRateTable)
+        exact += ExactOrSaid(server.Address(), SinkOfRate(rateHz), rateHz) ? 1 : 0;
+    EXPECT_GE(exact, 1);
+}
+
+// One card of 48000 Hz, asked for another rate.
+TEST(PulseResampling, IsSaidWhereTheSinkHasAnotherRate) {
+    const PulseServer pulse({{"card", 48000, "TestCard"}});
+    for (const std::int32_t rateHz : SampleRateTable)
+        EXPECT_EQ(ExactOrSaid(pulse.Address(), "card", rateHz), rateHz == 48000) << rateHz;
+}
+
+}  // namespace
+}  // namespace sonavex

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <type_traits>
+
+#include "core/report/PrintCommand.h"
+#include "support/World.h"
+
+namespace sonavex {
+
+// The print command on November 21, 2026, with the dialog driven by the test.
+template <class PrinterType>
+class PrintRig : public testing::Test {
+protected:
+    PrintRig() {
+        command.ShowPrintDialog = [this](frmPrint& dialog) {
+            DialogOpens(dialog);
+            if (user) user(dialog);
+        };
+    }
+    // What a test notes before the user acts.
+    virtual void DialogOpens(frmPrint&) {}
+
+    CallLog log;
+    RecordingDialogs dialogs{log};
+    FakeDesktop desktop{log};
+    PrinterType printer = Make(log);
+    MeasurementControls measurement;
+    // What the user does in the dialog.
+    std::function<void(frmPrint&)> user;
+    CommandButton cmdPrint;
+    MenuItem mnuPrint;
+    PrintCommand command{{printer, dialogs, desktop,
+                          [] {
+                              return CalendarDate{2026, 11, 21};
+                          }},
+                         measurement,
+                         cmdPrint,
+                         mnuPrint};
+
+private:
+    static PrinterType Make(CallLog& log) {
+        if constexpr (std::is_constructible_v<PrinterType, CallLog&>)
+            return PrinterType(log);
+        else
+            return PrinterType();
+    }
+};
+
+}  // namespace sonavex

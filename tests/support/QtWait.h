@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QEventLoop>
+#include <QTimer>
+#include <chrono>
+
+#include "support/Wait.h"
+
+namespace sonavex {
+
+// Serves the toolkit's events while a test waits. The waits of QTest sleep between events.
+struct QtEvents {
+    void Wait(std::chrono::nanoseconds) const {
+        QEventLoop loop;
+        QTimer::singleShot(std::chrono::milliseconds(5), &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+};
+
+template <class Condition>
+bool WaitInQt(std::chrono::milliseconds limit, Condition condition) {
+    return WaitUntil(QtEvents{}, condition, limit);
+}
+
+// Serves the toolkit's events for this time.
+inline void WaitInQt(std::chrono::milliseconds time) {
+    WaitInQt(time, [] { return false; });
+}
+
+}  // namespace sonavex
