@@ -20,13 +20,13 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 
 // Two different levels between whole percents.
-constexpr const char* kOwnVolumes[] = {"20123", "40111"};
+constexpr const char* kUserVolumes[] = {"20123", "40111"};
 constexpr const char* kProgramLine = "30,False,0,True,0,True,False,True,0,0,0,55,60,";
 
 class MixerProgram : public testing::Test {
 protected:
     MixerProgram() {
-        server_.Control({"set-sink-volume", "card", kOwnVolumes[0], kOwnVolumes[1]});
+        server_.Control({"set-sink-volume", "card", kUserVolumes[0], kUserVolumes[1]});
         Write(kProgramLine);
     }
 
@@ -58,8 +58,8 @@ protected:
         return WaitUntil([&] { return Volumes().find(volume) != std::string::npos; });
     }
     void ExpectOwnVolumes() const {
-        EXPECT_THAT(Volumes(), HasSubstr(kOwnVolumes[0]));
-        EXPECT_THAT(Volumes(), HasSubstr(kOwnVolumes[1]));
+        EXPECT_THAT(Volumes(), HasSubstr(kUserVolumes[0]));
+        EXPECT_THAT(Volumes(), HasSubstr(kUserVolumes[1]));
     }
 
     PrivateFolder folder_;
@@ -88,7 +88,7 @@ TEST_F(MixerProgram, RestoresTheLevelsOfAKilledRun) {
     ASSERT_TRUE(std::filesystem::exists(Journal()));
     Write("");
     const auto next = Start();
-    ASSERT_TRUE(Reaches(kOwnVolumes[1])) << "restored at the start";
+    ASSERT_TRUE(Reaches(kUserVolumes[1])) << "restored at the start";
     next->Send(SIGTERM);
     ASSERT_TRUE(next->WaitForEnd(30s));
     ExpectOwnVolumes();
