@@ -33,7 +33,7 @@ std::chrono::nanoseconds PlainEventLoop::Now() const {
 
 void PlainEventLoop::Yield() {
     // Uses up the wake-up of the signals that are delivered here, so that the next Wait sleeps.
-    if (!queue_.Empty()) static_cast<void>(wake_.try_acquire());
+    if (!queue_.Empty()) wake_.TryAcquire();
     queue_.Deliver([](const std::function<void()>& handler) { handler(); });
     RunDueTimers();
 }
@@ -77,7 +77,7 @@ std::chrono::nanoseconds PlainEventLoop::UntilNextTimer(std::chrono::nanoseconds
 void PlainEventLoop::Wait(std::chrono::nanoseconds limit) {
     const auto end = Now() + UntilNextTimer(limit);
     // A wake-up may belong to a signal that was delivered already.
-    while (queue_.Empty() && Now() < end) static_cast<void>(wake_.try_acquire_for(end - Now()));
+    while (queue_.Empty() && Now() < end) wake_.AcquireUntil(end);
     Yield();
 }
 

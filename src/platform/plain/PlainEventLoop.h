@@ -4,9 +4,9 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <semaphore>
 
 #include "core/ports/EventLoop.h"
+#include "platform/plain/Semaphore.h"
 #include "platform/plain/SignalQueue.h"
 
 namespace sonavex {
@@ -40,8 +40,8 @@ private:
     void RunDueTimers();
     void Tick(TimerId id, Timer& timer, std::chrono::nanoseconds now);
 
-    std::counting_semaphore<> wake_{0};
-    SignalQueue queue_{[this] { wake_.release(); }};
+    Semaphore wake_;
+    SignalQueue queue_{[this] { wake_.Release(); }};
     std::map<TimerId, Timer> timers_;
     TimerId lastTimer_ = 0;
 };
