@@ -47,7 +47,7 @@ void MeasureBlocks(benchmark::State& state, std::int16_t waveType) {
     meter.Controls.chkAuto.SetValue(1);
     meter.Controls.chkMuteOutput.SetValue(1);
     meter.SetUpAnalysis(25, 23900);
-    AddTones(meter.Tones, state.range(0), waveType);
+    AddTones(meter.Generator, state.range(0), waveType);
     const Block captured = CapturedBlock();
     Block playback{};
     for (auto _ : state) {

@@ -47,7 +47,7 @@ public:
         model.harmonicAmplitudes = {0.0004, 0.0002, 0.00008, 0.00005, 0.00003, 0.00002, 0.00002, 0.00001};
         model.noiseRms = 3.0;  // every block differs from the one before
         rig.card.Card().SetDeviceUnderTest(model);
-        rig.form.Signals.Signal.Command1.Press();
+        rig.form.GeneratorPanel.Controls.Command1.Press();
         window.ShowPlaced();
         Deliver();
         rig.Step(60);
@@ -93,7 +93,7 @@ Readings Figures(bool odd) {
 
 void Show(WindowOnDisplay& display, const Readings& readings) {
     MeterDisplay::Percentages percentages{};
-    display.rig.form.Measurement.Display.Show(readings, percentages);
+    display.rig.form.Instrument.Meter.Display.Show(readings, percentages);
 }
 
 void BM_MeterUpdate(benchmark::State& state) {
@@ -114,7 +114,7 @@ void BM_MeterUpdateWithLock(benchmark::State& state) {
         readings.automatic = true;
         readings.measuredHz = odd ? 996.0 : 1007.0;
         Show(display, readings);
-        display.rig.form.Measurement.Display.ShowStopped(!odd);
+        display.rig.form.Instrument.Meter.Display.ShowStopped(!odd);
     });
 }
 BENCHMARK(BM_MeterUpdateWithLock)->UseManualTime()->Unit(benchmark::kMicrosecond);

@@ -39,11 +39,11 @@ AboutDialog::AboutDialog(frmAbout& form, HandlerGuard& guard)
     ui_->lblWeb->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     connect(ui_->lblWeb, &QLabel::linkActivated, this,
             [this, &guard] { guard.Run([this] { form_.lblWeb_Click(); }); });
-    form_.OnUnload = [this] { Close(); };
+    form_.OnClosed = [this] { Close(); };
 }
 
 AboutDialog::~AboutDialog() {
-    form_.OnUnload = {};
+    form_.OnClosed = {};
 }
 
 }  // namespace sonavex::ui

@@ -6,10 +6,10 @@
 namespace sonavex::ui {
 
 void MainWindow::BindControls() {
-    MeasurementControls& meter = form_.Measurement.Controls;
-    SignalControls& signal = form_.Signals.Signal;
-    MemoryControls& memory = form_.Signals.Memory;
-    Baseline& baseline = form_.BaselineOptions;
+    MeasurementControls& meter = form_.Instrument.Meter.Controls;
+    SignalControls& signal = form_.GeneratorPanel.Controls;
+    MemoryControls& memory = form_.GeneratorPanel.MemoryControls;
+    Baseline& baseline = form_.Baseline;
 
     binder_.Bind(*ui_->lblInput, form_.lblInput);
     binder_.Bind(*ui_->lblOutput, form_.lblOutput);

@@ -37,7 +37,7 @@ Binder::Binder(HandlerGuard& guard, std::function<void()> afterFlush, QObject* p
 
 void Binder::Add(QObject& widget, Control& control, std::function<void()> show) {
     entries_.push_back({&widget, &control, std::move(show)});
-    control.OnDirty([this] { Schedule(); });
+    control.OnDirty = [this] { Schedule(); };
     entries_.back().show();
     control.Clean();
 }

@@ -18,7 +18,7 @@
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
 #include "core/controls/OptionButton.h"
-#include "core/shell/HandlerGuard.h"
+#include "core/report/HandlerGuard.h"
 #include "ui/widgets/FrequencySlider.h"
 #include "ui/widgets/LevelBar.h"
 #include "ui/widgets/LockLamp.h"

@@ -18,14 +18,14 @@ DeviceDialog::DeviceDialog(frmDevices& form, HandlerGuard& guard)
     binder_.Bind(*ui_->cmdOkay, form_.cmdOkay);
     binder_.Bind(*ui_->cmdCancel, form_.cmdCancel);
     binder_.Bind(*ui_->cmdHelp, form_.cmdHelp);
-    form_.OnUnloaded = [this] { Close(); };
+    form_.OnClosed = [this] { Close(); };
     TellSize();
     form_.Form_Load();
     Place();
 }
 
 DeviceDialog::~DeviceDialog() {
-    form_.OnUnloaded = {};
+    form_.OnClosed = {};
 }
 
 }  // namespace sonavex::ui

@@ -50,7 +50,7 @@ ErrorDialog::ErrorDialog(frmError& form, HandlerGuard& guard)
     binder_.Bind(*ui_->cmdNewSoundCard, form_.cmdNewSoundCard);
     binder_.Bind(*ui_->Command1, form_.Command1);
     binder_.Bind(*ui_->Command2, form_.Command2);
-    form_.OnUnloaded = [this] { Close(); };
+    form_.OnClosed = [this] { Close(); };
     form_.Form_Load();
     binder_.Flush();
     SetSize();
@@ -67,7 +67,7 @@ void ErrorDialog::SetSize() {
 }
 
 ErrorDialog::~ErrorDialog() {
-    form_.OnUnloaded = {};
+    form_.OnClosed = {};
 }
 
 }  // namespace sonavex::ui

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "core/support/EndProgram.h"
 #include "ui/HelpWindow.h"
 
 namespace sonavex::ui {

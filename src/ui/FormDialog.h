@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "core/controls/Window.h"
-#include "core/shell/HandlerGuard.h"
+#include "core/report/HandlerGuard.h"
 #include "ui/Binder.h"
 #include "ui/Placement.h"
 

@@ -220,7 +220,7 @@ void MainWindow::Decorate() {
     DecorateMeter();
     DecorateHarmonics();
     DecorateGenerator();
-    ui_->baselineNote->setVisible(form_.BaselineOptions.CapturedElsewhere());
+    ui_->baselineNote->setVisible(form_.Baseline.CapturedElsewhere());
 }
 
 // Stale figures look different from live ones.
@@ -244,21 +244,21 @@ void MainWindow::DecoratePath() {
     const QString notes = QString::fromStdString(form_.PathNote.Caption()).replace('\r', '\n');
     ui_->pathNote->setVisible(!notes.isEmpty());
     ui_->pathNote->setToolTip(tr("%1\n\nThe readings include the effect of this on the samples.").arg(notes));
-    const CaptureStatistics counts = form_.Engine.CaptureCounts();
+    const CaptureStatistics counts = form_.Instrument.Engine.CaptureCounts();
     ui_->lblSampleRate->setToolTip(
         tr("Sampling rate of input and output\n%1 blocks measured, %2 lost, %3 dropped while a message was "
            "open\n"
            "%4 frames missing in the input\n%5 overruns, %6 underruns of the output")
-            .arg(form_.Engine.Blocks)
+            .arg(form_.Instrument.Engine.Blocks)
             .arg(counts.segmentsLost)
-            .arg(form_.Engine.DroppedNotifications)
+            .arg(form_.Instrument.Engine.DroppedNotifications)
             .arg(counts.framesMissing)
-            .arg(form_.Engine.Overruns)
-            .arg(form_.Engine.Underruns()));
+            .arg(form_.Instrument.Engine.Overruns)
+            .arg(form_.Instrument.Engine.Underruns()));
 }
 
 void MainWindow::DecorateMeter() {
-    const MeterDisplay& display = form_.Measurement.Display;
+    const MeterDisplay& display = form_.Instrument.Meter.Display;
     const MeterView& view = display.View();
     for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) word->setText(Text(view.lockWord));
     for (QWidget* lamp : {ui_->picLocked, ui_->GenLocked})
@@ -275,7 +275,7 @@ void MainWindow::DecorateMeter() {
 }
 
 void MainWindow::DecorateHarmonics() {
-    const MeterView& view = form_.Measurement.Display.View();
+    const MeterView& view = form_.Instrument.Meter.Display.View();
     for (std::size_t i = 0; i < bars_.size(); ++i) {
         if (view.levelsDb[i])
             bars_[i]->SetLevelDb(*view.levelsDb[i]);
@@ -288,19 +288,19 @@ void MainWindow::DecorateHarmonics() {
 }
 
 void MainWindow::DecorateGenerator() {
-    const SignalControls& signal = form_.Signals.Signal;
+    const SignalControls& signal = form_.GeneratorPanel.Controls;
     ui_->wavePicture->SetWave(signal.cmbType.ListIndex());
     ui_->wavePicture->SetSweep(signal.sldSweepTime.Value() != 0, signal.sldStartFreq.Value(),
                                signal.sldEndFreq.Value(), signal.chkLoop.Checked());
-    ui_->memoryCount->setText(Text(MemoryWords(form_.Signals.Memory.ToneList.Count())));
+    ui_->memoryCount->setText(Text(MemoryWords(form_.GeneratorPanel.MemoryControls.ToneList.Count())));
     ui_->capsldStartFreq->setEnabled(signal.sldStartFreq.Enabled());
     ui_->capsldEndFreq->setEnabled(signal.sldEndFreq.Enabled());
     ui_->capsldSweepTime->setEnabled(signal.sldSweepTime.Enabled());
     for (QPushButton* preset : presets_)
         preset->setEnabled(signal.sldStartFreq.Enabled() &&
                            preset->property("hertz").toInt() <= signal.sldStartFreq.Max());
-    const bool sweeps = form_.HiTimer1->Enabled();
-    const GeneratorWords words = GeneratorWords::Of(form_.Measurement.Tones, sweeps);
+    const bool sweeps = form_.Instrument.HiTimer1.Enabled();
+    const GeneratorWords words = GeneratorWords::Of(form_.Instrument.Meter.Generator, sweeps);
     ui_->runningWord->setText(Text(words.state));
     ui_->runningDetail->setText(Text(words.detail));
     if (!sweeps)

@@ -8,16 +8,17 @@
 namespace sonavex::ui {
 
 void ModalForms::ShowDevices() {
-    frmDevices devices(world_.form.DevicesNeeds(world_.files, world_.help), world_.form.DevicesLabels());
-    DeviceDialog dialog(devices, world_.form.Guard);
+    frmDevices devices(needs_.form.DevicesNeeds(needs_.files, needs_.help), needs_.form.DevicesLabels());
+    DeviceDialog dialog(devices, needs_.form.Guard);
     dialog.Run();
 }
 
 void ModalForms::ShowError() {
-    const StreamEngine& engine = world_.form.Engine;
-    frmError error({world_.error, world_.form.Shared, world_.form.Stored, world_.dialogs, world_.files,
-                    world_.diagnostics, world_.help, engine.InputDeviceId, engine.OutputDeviceId});
-    ErrorDialog dialog(error, world_.form.Guard);
+    const StreamEngine& engine = needs_.form.Instrument.Engine;
+    frmError error({needs_.error, needs_.form.Instrument.Shared, needs_.form.Instrument.Settings,
+                    needs_.dialogs, needs_.files, needs_.diagnostics, needs_.help, engine.InputDeviceId,
+                    engine.OutputDeviceId});
+    ErrorDialog dialog(error, needs_.form.Guard);
     dialog.Run();
 }
 

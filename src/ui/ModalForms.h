@@ -14,7 +14,7 @@ namespace sonavex::ui {
 class ModalForms {
 public:
     // All referenced objects must outlive this object.
-    struct World {
+    struct Needs {
         frmMain& form;
         ErrorState& error;
         Dialogs& dialogs;
@@ -23,13 +23,13 @@ public:
         Help& help;
     };
 
-    explicit ModalForms(const World& world) noexcept : world_(world) {}
+    explicit ModalForms(const Needs& needs) noexcept : needs_(needs) {}
 
     void ShowDevices();
     void ShowError();
 
 private:
-    World world_;
+    Needs needs_;
 };
 
 }  // namespace sonavex::ui

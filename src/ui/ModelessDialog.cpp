@@ -22,7 +22,7 @@ ModelessDialog::ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget&
       placement_(*this, form.Frame) {
     setModal(false);
     form_.OnShow = [this] { ShowForm(); };
-    form_.OnUnload = [this] {
+    form_.OnClosed = [this] {
         placement_.StopReporting();
         hide();
     };

@@ -27,14 +27,14 @@ PrintDialog::PrintDialog(frmPrint& form, HandlerGuard& guard)
     binder_.Bind(*ui_->cmdOk, form_.cmdOk);
     binder_.Bind(*ui_->cmdCancel, form_.cmdCancel);
     binder_.Bind(*ui_->lblNote, form_.lblNote);
-    form_.OnUnload = [this] { Close(); };
+    form_.OnClosed = [this] { Close(); };
     form_.ChooseFile = [this](const std::string& first) { return AskForFile(first); };
     ui_->txtCopies->selectAll();
     ui_->txtCopies->setFocus();
 }
 
 PrintDialog::~PrintDialog() {
-    form_.OnUnload = {};
+    form_.OnClosed = {};
     form_.ChooseFile = {};
 }
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <initializer_list>
 
+#include "core/support/EndProgram.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex::fuzz {
@@ -35,7 +36,7 @@ FuzzRig::FuzzRig(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool
     desktop.majorVersion = osMajorVersion;
     form.Frame.SetSize(980, 640);
     form.ShowDeviceDialog = [this] { ShowDevices(); };
-    form.OnUnloaded = [this](int) { ended_ = true; };
+    form.OnClosed = [this](int) { ended_ = true; };
 }
 
 FuzzRig::~FuzzRig() = default;
@@ -64,7 +65,7 @@ bool FuzzRig::Start() {
 void FuzzRig::ShowDevices() {
     frmDevices devices(form.DevicesNeeds(files, help), form.DevicesLabels());
     bool open = true;
-    devices.OnUnloaded = [&open] { open = false; };
+    devices.OnClosed = [&open] { open = false; };
     devices.Frame.SetSize(500, 300);
     devices.Form_Load();
     if (InDeviceDialog) InDeviceDialog(devices);
@@ -83,16 +84,17 @@ void FuzzRig::Act(const std::function<void()>& action) {
 }
 
 void FuzzRig::Step(int blocks) {
-    const std::chrono::nanoseconds block{std::int64_t{2048} * 1'000'000'000 / form.Shared.SampleRate};
+    const std::chrono::nanoseconds block{std::int64_t{2048} * 1'000'000'000 /
+                                         form.Instrument.Shared.SampleRate};
     for (int i = 0; i < blocks && !ended_; ++i) {
-        const std::uint64_t before = form.Engine.Blocks;
+        const std::uint64_t before = form.Instrument.Engine.Blocks;
         try {
             card.Card().Step(2048);
             loop.Advance(block);
         } catch (...) {
             form.StreamError(std::current_exception());
         }
-        Check(form.Engine.Blocks > before ? After::kABlock : After::kAnAction);
+        Check(form.Instrument.Engine.Blocks > before ? After::kABlock : After::kAnAction);
     }
 }
 
@@ -117,8 +119,8 @@ void FuzzRig::Check(After what) {
 }
 
 void FuzzRig::CheckReadings() {
-    const MeasurementControls& shown = form.Measurement.Controls;
-    const modDSP::State& state = form.Measurement.Analysis();
+    const MeasurementControls& shown = form.Instrument.Meter.Controls;
+    const modDSP::State& state = form.Instrument.Meter.Analysis();
     for (std::size_t i = 0; i < modDSP::kHarmonics; ++i) {
         Require(IsReading(shown.lbltest.at(i).Caption()), "a percentage", shown.lbltest.at(i).Caption());
         Require(IsReading(shown.lblDb.at(i).Caption()), "a level", shown.lblDb.at(i).Caption());
@@ -135,11 +137,11 @@ void FuzzRig::CheckReadings() {
 }
 
 void FuzzRig::CheckGenerator(After what) {
-    const SignalControls& signal = form.Signals.Signal;
+    const SignalControls& signal = form.GeneratorPanel.Controls;
     for (const Slider* slider :
          {&signal.sldStartFreq, &signal.sldEndFreq, &signal.sldSweepTime, &signal.sldLevel})
         Require(Within(*slider), "a slider is within its limits");
-    const Generator& generator = form.Measurement.Tones;
+    const Generator& generator = form.Instrument.Meter.Generator;
     if (!generator.GeneratorRunning) return;
     Require(generator.NumTones >= 0 && generator.NumTones <= kToneRecords, "nine tones at most");
     for (std::int32_t i = 0; i < generator.NumTones; ++i) {
@@ -165,9 +167,9 @@ void FuzzRig::CheckTexts() {
         CheckShown(line, "a message is UTF-8");
     }
     for (const Label* label : {&form.lblInput, &form.lblOutput, &form.lblSampleRate, &form.StreamTrouble,
-                               &form.PathNote, &form.Signals.Signal.lblGenLevel})
+                               &form.PathNote, &form.GeneratorPanel.Controls.lblGenLevel})
         CheckShown(label->Caption(), "a caption is UTF-8");
-    for (const ListBox::Item& item : form.Signals.Memory.ToneList.Items())
+    for (const ListBox::Item& item : form.GeneratorPanel.MemoryControls.ToneList.Items())
         CheckShown(item.text, "a line of the list is UTF-8");
 }
 

@@ -8,7 +8,7 @@
 #include "core/mixer/SoundCardMixers.h"
 #include "core/report/DesktopErrorLog.h"
 #include "core/report/PrintCommand.h"
-#include "core/shell/StoredPlaces.h"
+#include "core/settings/StoredPlaces.h"
 #include "core/shell/frmMain.h"
 #include "fuzz/FuzzTarget.h"
 #include "platform/plain/MemorySettingsStore.h"
@@ -67,7 +67,7 @@ public:
                         [] {
                             return CalendarDate{2024, 3, 9};
                         }},
-                       form.Measurement.Controls,
+                       form.Instrument.Meter.Controls,
                        form.cmdPrint,
                        form.mnuPrint};
     // What the user does in the dialog for devices; a dialog that this leaves open is closed.

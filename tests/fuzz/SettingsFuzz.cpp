@@ -94,15 +94,15 @@ bool StoreFile(Input& input, SettingsStore& store) {
 
 // Every tone that is stored sounds, and so does the current signal.
 void Play(FuzzRig& instrument, int blocks) {
-    MemoryControls& memory = instrument.form.Signals.Memory;
+    MemoryControls& memory = instrument.form.GeneratorPanel.MemoryControls;
     instrument.Step(blocks);
     instrument.Act([&] {
         for (std::int32_t i = 0; i < memory.ToneList.Count(); ++i) memory.ToneList.UserSelects(i, true);
     });
     instrument.Act([&] { memory.cmdStartMemory.Press(); });
     instrument.Step(blocks);
-    instrument.Act([&] { instrument.form.Signals.StopPlaying(); });
-    instrument.Act([&] { instrument.form.Signals.Signal.Command1.Press(); });
+    instrument.Act([&] { instrument.form.GeneratorPanel.StopPlaying(); });
+    instrument.Act([&] { instrument.form.GeneratorPanel.Controls.Command1.Press(); });
     instrument.Step(2);
     instrument.Act([&] { instrument.form.mnuSoundCard_Click(); });
     instrument.Act([&] { instrument.form.mnuSelectCard_Click(); });

@@ -62,9 +62,9 @@ private:
     std::string Text() { return fuzz::AsUtf8(input_.Line()); }
 
     TextBox& Box() {
-        SignalControls& signal = instrument_.form.Signals.Signal;
+        SignalControls& signal = instrument_.form.GeneratorPanel.Controls;
         const std::array<TextBox*, 4> boxes{&signal.txtGenFreq, &signal.txtGenEndFreq, &signal.txtSweepTime,
-                                            &instrument_.form.Measurement.Controls.txtFreq};
+                                            &instrument_.form.Instrument.Meter.Controls.txtFreq};
         return *boxes.at(input_.Byte() % boxes.size());
     }
     // A greyed box takes nothing.
@@ -80,13 +80,14 @@ private:
     void PressAButton() {
         frmMain& form = instrument_.form;
         const std::array<CommandButton*, 5> buttons{
-            &form.Signals.Signal.Command1, &form.Signals.Memory.cmdGenAdd, &form.Signals.Memory.cmdRemove,
-            &form.Signals.Memory.cmdStartMemory, &form.BaselineOptions.cmdBaseline};
+            &form.GeneratorPanel.Controls.Command1, &form.GeneratorPanel.MemoryControls.cmdGenAdd,
+            &form.GeneratorPanel.MemoryControls.cmdRemove, &form.GeneratorPanel.MemoryControls.cmdStartMemory,
+            &form.Baseline.cmdBaseline};
         CommandButton& button = *buttons.at(input_.Byte() % buttons.size());
         instrument_.Act([&] { button.Press(); });
     }
     void MoveASlider() {
-        SignalControls& signal = instrument_.form.Signals.Signal;
+        SignalControls& signal = instrument_.form.GeneratorPanel.Controls;
         const std::array<Slider*, 4> sliders{&signal.sldStartFreq, &signal.sldEndFreq, &signal.sldSweepTime,
                                              &signal.sldLevel};
         Slider& slider = *sliders.at(input_.Byte() % sliders.size());
@@ -97,19 +98,19 @@ private:
     }
     void ClickABox() {
         frmMain& form = instrument_.form;
-        const std::array<CheckBox*, 4> boxes{&form.Measurement.Controls.chkAuto,
-                                             &form.Measurement.Controls.chkMuteOutput,
-                                             &form.BaselineOptions.chkBaseline, &form.Signals.Signal.chkLoop};
+        const std::array<CheckBox*, 4> boxes{
+            &form.Instrument.Meter.Controls.chkAuto, &form.Instrument.Meter.Controls.chkMuteOutput,
+            &form.Baseline.chkBaseline, &form.GeneratorPanel.Controls.chkLoop};
         CheckBox& box = *boxes.at(input_.Byte() % boxes.size());
         if (box.Enabled()) instrument_.Act([&] { box.UserSets(!box.Checked()); });
     }
     void ChooseAWave() {
-        ComboBox& list = instrument_.form.Signals.Signal.cmbType;
+        ComboBox& list = instrument_.form.GeneratorPanel.Controls.cmbType;
         const std::int32_t index = input_.Byte() % list.Count();
         if (list.Enabled()) instrument_.Act([&] { list.UserSelects(index); });
     }
     void SelectATone() {
-        ListBox& list = instrument_.form.Signals.Memory.ToneList;
+        ListBox& list = instrument_.form.GeneratorPanel.MemoryControls.ToneList;
         const std::uint8_t which = input_.Byte();
         if (list.Count() == 0 || !list.Enabled()) return;
         const std::int32_t position = (which >> 1U) % list.Count();

@@ -11,7 +11,7 @@ namespace sonavex {
 // "in-a" and "in-b", all calls in one log.
 struct DevicesRig : EngineBench {
     explicit DevicesRig(std::int32_t osMajorVersion = 10) : EngineBench(osMajorVersion) {
-        form.OnUnloaded = [this] { ++unloads; };
+        form.OnClosed = [this] { ++unloads; };
         form.Frame.SetSize(500, 300);
         for (CommandButton* button : {&startCurrent, &startMemory}) {
             button->SetEnabled(true);
@@ -42,8 +42,8 @@ struct DevicesRig : EngineBench {
     MenuItem mnuPrint;
     CheckBox chkMuteOutput;
     GeneratorPanel panel{{shared, settings, dialogs, generator, [](bool) {}}, mnuPrint, chkMuteOutput};
-    CommandButton& startCurrent = panel.Signal.Command1;
-    CommandButton& startMemory = panel.Memory.cmdStartMemory;
+    CommandButton& startCurrent = panel.Controls.Command1;
+    CommandButton& startMemory = panel.MemoryControls.cmdStartMemory;
     Label lblInput;
     Label lblOutput;
     Label lblSampleRate;

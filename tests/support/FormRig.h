@@ -19,7 +19,7 @@ public:
             loop.DeliverSignals();
         }
     }
-    const std::string& Thd() const { return form.Measurement.Controls.lblThd.Caption(); }
+    const std::string& Thd() const { return form.Instrument.Meter.Controls.lblThd.Caption(); }
 
     SimulatedSoundSystem card{loop, SimulatedSoundSystem::Pace::kStepped};
     frmMain form{On(card)};

@@ -19,7 +19,7 @@ namespace sonavex {
 class PanelRig : public testing::Test {
 public:
     PanelRig() {
-        panel.SetPlaybackVolume([this](std::int32_t level) { volumes.push_back(level); });
+        panel.CurrentSignal().OnLevel = [this](std::int32_t level) { volumes.push_back(level); };
     }
 
     // Stores a value of the generator's section without a record.
@@ -74,8 +74,8 @@ public:
     GeneratorNeeds needs{bench.shared, settings, dialogs, generator,
                          [this](bool enabled) { timer.SetEnabled(enabled); }};
     GeneratorPanel panel{needs, mnuPrint, chkMuteOutput};
-    SignalControls& signal = panel.Signal;
-    MemoryControls& memory = panel.Memory;
+    SignalControls& signal = panel.Controls;
+    MemoryControls& memory = panel.MemoryControls;
     std::vector<std::int32_t> volumes;
 };
 

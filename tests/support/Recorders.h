@@ -8,6 +8,7 @@
 #include "core/ports/Dialogs.h"
 #include "core/ports/ErrorLog.h"
 #include "core/ports/MixerBinding.h"
+#include "core/support/EndProgram.h"
 #include "support/CallLog.h"
 
 namespace sonavex {

@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "core/ports/SoundErrors.h"
+#include "core/support/EndProgram.h"
 #include "support/DialogRig.h"
 #include "support/DialogUser.h"
 #include "ui/DeviceDialog.h"
@@ -135,7 +136,7 @@ TEST_F(DeviceDialogs, TheSelectionIsTakenOverByKeys) {
     EXPECT_EQ(Stored("Input"), "in-a");
     EXPECT_EQ(Stored("SampleRate"), "2");
     EXPECT_EQ(rig.form.lblOutput.Caption(), "Card B");
-    EXPECT_TRUE(rig.form.Shared.EventsReady);
+    EXPECT_TRUE(rig.form.Instrument.Shared.EventsReady);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
@@ -175,7 +176,7 @@ TEST_F(DeviceDialogs, AFailedStartIsShownAndThenDevicesAreSelected) {
               EXPECT_THAT(rig.files.files["Quenby Error.txt"], HasSubstr("DSERR_NODRIVER"));
               Click(dialog, "cmdOkay");
           }});
-    EXPECT_TRUE(rig.form.Shared.EventsReady);
+    EXPECT_TRUE(rig.form.Instrument.Shared.EventsReady);
     EXPECT_THAT(rig.log.Of("ShowError"), ElementsAre("ShowError"));
     EXPECT_THAT(rig.log.Of("ShowDevices"), ElementsAre("ShowDevices"));
     EXPECT_EQ(rig.files.files.count("Quenby Error.txt"), 0U);
@@ -229,7 +230,7 @@ TEST_F(DeviceDialogs, TheErrorHasItsButtonsAndForgetsTheDevices) {
               Click(dialog, "cmdOkay");
           }});
     EXPECT_EQ(Stored("Output"), "out-a");
-    EXPECT_TRUE(rig.form.Shared.EventsReady);
+    EXPECT_TRUE(rig.form.Instrument.Shared.EventsReady);
 }
 
 TEST_F(DeviceDialogs, TheErrorReportsOnTheSoundDevices) {
@@ -287,7 +288,7 @@ TEST_F(DeviceDialogs, AnErrorOverTheSelectionLetsItGoOn) {
                             Click(*devices, "cmdOkay");
                         });
                     }});
-    EXPECT_TRUE(rig.form.Shared.EventsReady);
+    EXPECT_TRUE(rig.form.Instrument.Shared.EventsReady);
     EXPECT_THAT(rig.log.Of("ShowError"), ElementsAre("ShowError"));
 }
 

@@ -65,9 +65,9 @@ protected:
         return {kHalfHandle + qRound(fraction * (slider.width() - 2 * kHalfHandle)), slider.height() / 2};
     }
 
-    SignalControls& Signal() { return rig.form.Signals.Signal; }
-    MemoryControls& Memory() { return rig.form.Signals.Memory; }
-    ToneRecord& Tone() { return rig.form.Measurement.Tones.Tones[0]; }
+    SignalControls& Signal() { return rig.form.GeneratorPanel.Controls; }
+    MemoryControls& Memory() { return rig.form.GeneratorPanel.MemoryControls; }
+    ToneRecord& Tone() { return rig.form.Instrument.Meter.Generator.Tones[0]; }
     std::string Stored(const char* key) { return rig.store.Get("Signal Generator", key, "none"); }
 };
 

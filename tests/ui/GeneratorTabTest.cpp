@@ -116,7 +116,7 @@ TEST_F(GeneratorTab, KeepsAFrequencyThatIsNoNumberInItsBox) {
     // A key does not take the keyboard away from the box, which would finish the entry.
     QTest::keyClick(&Find<QLineEdit>("txtGenFreq"), Qt::Key_F5);
     Settle();
-    EXPECT_FALSE(rig.form.Measurement.Tones.GeneratorRunning);
+    EXPECT_FALSE(rig.form.Instrument.Meter.Generator.GeneratorRunning);
     EXPECT_THAT(rig.log.Of("Message"), testing::ElementsAre("Message information Invalid Start Frequency\r\r"
                                                             "Value has to be 20 to 16000"));
 }
@@ -243,7 +243,7 @@ TEST_F(GeneratorTab, BringsABoxThatIsWrongToFront) {
     Settle();
     ASSERT_FALSE(Find<QLineEdit>("txtGenFreq").isVisible());
     Click("startCurrentMeter");
-    EXPECT_FALSE(rig.form.Measurement.Tones.GeneratorRunning);
+    EXPECT_FALSE(rig.form.Instrument.Meter.Generator.GeneratorRunning);
     EXPECT_EQ(Find<QTabWidget>("TabStrip1").currentIndex(), 1);
     EXPECT_EQ(rig.form.TabStrip1.Index(), 1);
     EXPECT_TRUE(Find<QLineEdit>("txtGenFreq").isVisible());

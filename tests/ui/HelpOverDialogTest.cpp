@@ -25,8 +25,8 @@ protected:
     // The step has to close the dialog, which lives as long as in the program.
     void Fail(std::function<void(QDialog&)> step) {
         const DialogSteps driver({std::move(step)});
-        frmError error({state, rig.form.Shared, rig.form.Stored, rig.dialogs, rig.files, diagnostics, viewer,
-                        "in-b", "out-a"});
+        frmError error({state, rig.form.Instrument.Shared, rig.form.Instrument.Settings, rig.dialogs,
+                        rig.files, diagnostics, viewer, "in-b", "out-a"});
         ui::ErrorDialog dialog(error, rig.form.Guard);
         dialog.Run();
     }

@@ -38,9 +38,9 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
     EXPECT_THAT(loose, testing::IsEmpty());
 
     frmMain& form = rig.form;
-    MeasurementControls& meter = form.Measurement.Controls;
-    SignalControls& signal = form.Signals.Signal;
-    MemoryControls& memory = form.Signals.Memory;
+    MeasurementControls& meter = form.Instrument.Meter.Controls;
+    SignalControls& signal = form.GeneratorPanel.Controls;
+    MemoryControls& memory = form.GeneratorPanel.MemoryControls;
     std::set<Control*> all{&form.lblInput,
                            &form.lblOutput,
                            &form.lblSampleRate,
@@ -68,8 +68,8 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
                            &meter.picLocked,
                            &meter.GenLocked,
                            &meter.lblThd,
-                           &form.BaselineOptions.chkBaseline,
-                           &form.BaselineOptions.cmdBaseline,
+                           &form.Baseline.chkBaseline,
+                           &form.Baseline.cmdBaseline,
                            &signal.cmbType,
                            &signal.sldStartFreq,
                            &signal.txtGenFreq,
@@ -109,7 +109,7 @@ TEST_F(MainWindowTest, ShowsTheSimulatedCardInTheTitle) {
 
 TEST_F(MainWindowTest, ClosesThroughTheFormsShutdown) {
     bool unloaded = false;
-    rig.form.OnUnloaded = [&](int) { unloaded = true; };
+    rig.form.OnClosed = [&](int) { unloaded = true; };
     rig.log.Clear();
     window.close();
     EXPECT_TRUE(unloaded);
@@ -119,7 +119,7 @@ TEST_F(MainWindowTest, ClosesThroughTheFormsShutdown) {
 
 TEST_F(MainWindowTest, ClosesFromTheMenuToo) {
     int unloaded = 0;
-    rig.form.OnUnloaded = [&](int) { ++unloaded; };
+    rig.form.OnClosed = [&](int) { ++unloaded; };
     window.findChild<QAction*>("mnuExit")->trigger();
     EXPECT_EQ(unloaded, 1);
 }
@@ -285,15 +285,15 @@ TEST_F(SecondRun, IsNotMadeWiderByLongDeviceNames) {
 TEST_F(SecondRun, ClosesOnlyAfterTheTickIsThrough) {
     Open();
     bool unloaded = false;
-    rig.form.OnUnloaded = [&](int) { unloaded = true; };
-    rig.form.Signals.Signal.sldSweepTime.UserMoves(1000);
-    rig.form.Signals.Signal.sldSweepTime.UserReleases();
-    rig.form.Signals.Signal.Command1.Press();
+    rig.form.OnClosed = [&](int) { unloaded = true; };
+    rig.form.GeneratorPanel.Controls.sldSweepTime.UserMoves(1000);
+    rig.form.GeneratorPanel.Controls.sldSweepTime.UserReleases();
+    rig.form.GeneratorPanel.Controls.Command1.Press();
     rig.loop.OnYield([&] {
         window.close();
         EXPECT_FALSE(unloaded);
     });
-    rig.form.HiTimer1->Tick();
+    rig.form.Instrument.HiTimer1.Tick();
     rig.loop.OnYield({});
     rig.loop.DeliverSignals();
     EXPECT_TRUE(unloaded);

@@ -61,7 +61,7 @@ TEST_F(MeterTab, SaysNotLockedInWordShapeAndColour) {
 }
 
 TEST_F(MeterTab, SaysWhatTheTotalCounts) {
-    rig.form.Signals.Signal.sldStartFreq.UserMoves(4000);
+    rig.form.GeneratorPanel.Controls.sldStartFreq.UserMoves(4000);
     Click("startCurrentMeter");
     Step(60);
     EXPECT_EQ(Text("capTotalOf"), QString::fromUtf8("H2–H3, re total (THD_R)"));
@@ -113,7 +113,7 @@ TEST_F(MeterTab, AppliesTheBaselineAndTakesItBack) {
     Click("chkBaseline");
     EXPECT_FALSE(Find<QPushButton>("cmdBaseline").isEnabled());
     Step(19);
-    EXPECT_LT(std::abs(rig.form.Measurement.Analysis().CurrentPct[0]), 0.01);
+    EXPECT_LT(std::abs(rig.form.Instrument.Meter.Analysis().CurrentPct[0]), 0.01);
     Click("chkBaseline");
     EXPECT_TRUE(Find<QPushButton>("cmdBaseline").isEnabled());
     Step(19);
@@ -126,14 +126,13 @@ TEST_F(MeterTab, FlagsABaselineOfAnotherFrequency) {
     Click("chkBaseline");
     Step(1);
     EXPECT_FALSE(Find<QLabel>("baselineNote").isVisible());
-    rig.form.Signals.Signal.sldStartFreq.UserMoves(1500);
+    rig.form.GeneratorPanel.Controls.sldStartFreq.UserMoves(1500);
     Step(20);
     EXPECT_TRUE(Find<QLabel>("baselineNote").isVisible());
 }
 
 TEST_F(MeterTab, ShowsARunTimeErrorAndLivesOn) {
-    rig.form.BaselineOptions.cmdBaseline.Click.Handle(
-        [] { throw RuntimeError(error_number::kTypeMismatch); });
+    rig.form.Baseline.cmdBaseline.Click.Handle([] { throw RuntimeError(error_number::kTypeMismatch); });
     Click("cmdBaseline");
     EXPECT_THAT(rig.log.Of("Message"), ElementsAre("Message critical Run-time error '13':\r\rType mismatch"));
     EXPECT_THAT(rig.log.Of("WriteLine"), ElementsAre("WriteLine Run-time error '13': Type mismatch"));

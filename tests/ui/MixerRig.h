@@ -3,7 +3,7 @@
 #include <QWidget>
 
 #include "core/mixer/SoundCardMixers.h"
-#include "core/shell/StoredPlaces.h"
+#include "core/settings/StoredPlaces.h"
 #include "platform/simulated/SimulatedMixer.h"
 #include "support/FormRig.h"
 #include "support/MixerWorld.h"

@@ -35,7 +35,7 @@ protected:
                           [] {
                               return CalendarDate{2026, 11, 21};
                           }},
-                         rig.form.Measurement.Controls,
+                         rig.form.Instrument.Meter.Controls,
                          rig.form.cmdPrint,
                          rig.form.mnuPrint};
 };

@@ -43,11 +43,11 @@ class Repaint : public WindowRig {
 protected:
     void SetUp() override {
         WindowRig::SetUp();
-        rig.form.Signals.Signal.Command1.Press();
+        rig.form.GeneratorPanel.Controls.Command1.Press();
         Step(60);
         WaitInQt(std::chrono::milliseconds(50));
     }
-    MeasurementControls& Meter() { return rig.form.Measurement.Controls; }
+    MeasurementControls& Meter() { return rig.form.Instrument.Meter.Controls; }
 };
 
 TEST_F(Repaint, EqualReadingsPaintNothing) {

@@ -7,6 +7,7 @@
 #include "app/measure/MeasureError.h"
 #include "core/dsp/AnalysisBand.h"
 #include "core/settings/SampleRates.h"
+#include "core/support/EndProgram.h"
 #include "core/text/Numbers.h"
 #include "platform/plain/OsMajorVersion.h"
 
@@ -74,7 +75,7 @@ LiveMeasurement::LiveMeasurement(const RunOptions& options)
     PrepareMeter(instrument_.Meter, options_);
 }
 
-Path LiveMeasurement::DevicePath() const {
+StreamDetails LiveMeasurement::Details() const {
     const StreamEngine& engine = instrument_.Engine;
     const CaptureStatistics counts = engine.CaptureCounts();
     return {engine.InputDeviceName, engine.OutputDeviceName, rateHz_,
@@ -103,7 +104,7 @@ void LiveMeasurement::Start() {
     const Band band = AnalysisBand(rateHz_);
     instrument_.Meter.SetUpAnalysis(band.lowHz, band.highHz);
     instrument_.Engine.ResetStream();
-    StartTones(instrument_.Meter.Tones, tones_);
+    StartTones(instrument_.Meter.Generator, tones_);
     instrument_.HiTimer1.SetInterval(1ms);
     instrument_.HiTimer1.SetEnabled(AnySweep(tones_));
     instrument_.StartCapture();
@@ -125,17 +126,17 @@ bool LiveMeasurement::Finished(std::chrono::nanoseconds now) {
 
 void LiveMeasurement::Run(const std::function<void()>& onBlock) {
     Meter& meter = instrument_.Meter;
-    meter.OnBlock([&] {
+    meter.OnBlock = [&] {
         if (meter.Updated()) ++updates_;
         onBlock();
-    });
+    };
     for (auto now = loop_.Now(); !Finished(now); now = loop_.Now()) {
         CheckAlive();
         loop_.Wait(kPollInterval);
     }
     instrument_.Watch.Stop();
     instrument_.Engine.Stop();
-    meter.OnBlock(nullptr);
+    meter.OnBlock = nullptr;
 }
 
 }  // namespace sonavex::measure

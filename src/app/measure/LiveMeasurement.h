@@ -8,7 +8,7 @@
 
 #include "app/measure/Options.h"
 #include "app/measure/Readings.h"
-#include "app/measure/Tones.h"
+#include "app/measure/ToneRequests.h"
 #include "core/audio/Instrument.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "platform/plain/PlainEventLoop.h"
@@ -29,7 +29,7 @@ public:
     void Run(const std::function<void()>& onBlock);
 
     const Meter& Readings() const noexcept { return instrument_.Meter; }
-    Path DevicePath() const;
+    StreamDetails Details() const;
 
 private:
     // Messages of the engine, kept for the one line that the program prints.

@@ -12,7 +12,7 @@
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
-#include "app/measure/Tones.h"
+#include "app/measure/ToneRequests.h"
 #include "core/dsp/AnalysisBand.h"
 #include "core/settings/SampleRates.h"
 #include "core/text/Numbers.h"
@@ -153,8 +153,8 @@ int MeasureFile(const FileOptions& options) {
     PrepareMeter(meter, options);
     const Band band = AnalysisBand(shared.SampleRate, options.lowEdgeHz);
     meter.SetUpAnalysis(band.lowHz, band.highHz);
-    StartTones(meter.Tones, tones);
-    BlockTicks sweeps(meter.Tones, shared.SampleRate);
+    StartTones(meter.Generator, tones);
+    BlockTicks sweeps(meter.Generator, shared.SampleRate);
 
     bool everLocked = false;
     std::string table;

@@ -40,10 +40,11 @@ void Cell(std::ostream& out, const std::string& text) {
     out << std::setw(kColumn) << text;
 }
 
-void PathLines(std::ostream& out, const Path& path) {
-    out << "Input  : " << path.input << "\nOutput : " << path.output << "\nRate : " << path.rateHz << " Hz\n";
-    for (const std::string& note : path.notes) out << "Note : " << note << '\n';
-    if (path.simulated) out << "SIMULATED sound card: these readings measure nothing real.\n";
+void DetailLines(std::ostream& out, const StreamDetails& details) {
+    out << "Input  : " << details.input << "\nOutput : " << details.output << "\nRate : " << details.rateHz
+        << " Hz\n";
+    for (const std::string& note : details.notes) out << "Note : " << note << '\n';
+    if (details.simulated) out << "SIMULATED sound card: these readings measure nothing real.\n";
 }
 
 void Header(std::ostream& out) {
@@ -55,7 +56,7 @@ void Header(std::ostream& out) {
 
 }  // namespace
 
-std::string JsonLine(const Meter& meter, const std::optional<Path>& path) {
+std::string JsonLine(const Meter& meter, const std::optional<StreamDetails>& details) {
     const MeasurementControls& controls = meter.Controls;
     nlohmann::ordered_json line;
     line["block"] = meter.Blocks();
@@ -70,26 +71,26 @@ std::string JsonLine(const Meter& meter, const std::optional<Path>& path) {
     line["thd"] = controls.lblThd.Caption();
     line["percent"] = Captions(controls.lbltest);
     line["db"] = Captions(controls.lblDb);
-    if (path) {
-        line["input"] = path->input;
-        line["output"] = path->output;
-        line["rate"] = path->rateHz;
-        line["simulated"] = path->simulated;
-        line["notes"] = path->notes;
-        line["blocksLost"] = path->blocksLost;
-        line["framesMissing"] = path->framesMissing;
-        line["overruns"] = path->overruns;
-        line["underruns"] = path->underruns;
+    if (details) {
+        line["input"] = details->input;
+        line["output"] = details->output;
+        line["rate"] = details->rateHz;
+        line["simulated"] = details->simulated;
+        line["notes"] = details->notes;
+        line["blocksLost"] = details->blocksLost;
+        line["framesMissing"] = details->framesMissing;
+        line["overruns"] = details->overruns;
+        line["underruns"] = details->underruns;
     }
     // Device names may hold anything; what is not UTF-8 is replaced.
     return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
-std::string Table(const Meter& meter, const std::optional<Path>& path) {
+std::string Table(const Meter& meter, const std::optional<StreamDetails>& details) {
     const MeasurementControls& controls = meter.Controls;
     std::ostringstream out;
     out << kProduct << "\nDate : " << Today() << '\n';
-    if (path) PathLines(out, *path);
+    if (details) DetailLines(out, *details);
     out << "Frequency : " << controls.txtFreq.Text() << " Hz"
         << (meter.Analysis().FreqLocked ? "" : " (not locked)")
         << "\nADC/DAC Level: " << controls.LblLevel.Caption() << "\n\n";

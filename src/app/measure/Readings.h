@@ -10,7 +10,7 @@
 namespace sonavex::measure {
 
 // What a live measurement adds to its readings.
-struct Path {
+struct StreamDetails {
     std::string input;  // device names
     std::string output;
     std::int32_t rateHz = 0;
@@ -24,10 +24,10 @@ struct Path {
 
 // The readings after an update as one line of JSON, without line end. Captions are exactly what the
 // labels hold.
-std::string JsonLine(const Meter& meter, const std::optional<Path>& path);
+std::string JsonLine(const Meter& meter, const std::optional<StreamDetails>& details);
 
 // The readings as a table for people, several lines each with its line end.
-std::string Table(const Meter& meter, const std::optional<Path>& path);
+std::string Table(const Meter& meter, const std::optional<StreamDetails>& details);
 
 // A short line that tells how far the measurement is.
 std::string ProgressLine(const Meter& meter);

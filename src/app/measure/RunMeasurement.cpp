@@ -40,11 +40,11 @@ int RunMeasurement(const RunOptions& options) {
             if (meter.Updated()) {
                 everLocked = everLocked || meter.Analysis().FreqLocked;
                 progress.Clear();
-                const Path path = measurement.DevicePath();
+                const StreamDetails details = measurement.Details();
                 if (options.json)
-                    Print(JsonLine(meter, path) + '\n');
+                    Print(JsonLine(meter, details) + '\n');
                 else
-                    table = Table(meter, path);
+                    table = Table(meter, details);
             }
             progress.Show(meter);
         });

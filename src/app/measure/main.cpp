@@ -10,6 +10,7 @@
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
 #include "core/ports/Dialogs.h"
+#include "core/support/EndProgram.h"
 #include "core/support/RuntimeError.h"
 #include "platform/plain/UserFolders.h"
 

@@ -6,6 +6,7 @@
 
 #include "app/common/Sound.h"
 #include "core/report/frmAbout.h"
+#include "core/support/EndProgram.h"
 #include "core/text/ErrorText.h"
 #include "platform/chm/ChmHelpBook.h"
 #include "platform/plain/LocalTime.h"
@@ -82,14 +83,14 @@ void Program::MakeForm() {
     sound_ = OfferSound(
         SoundFromEnvironment(), [this](Sound sound) { return CreateSound(sound, loop_); }, dialogs_);
     errorLog_ = std::make_unique<DesktopErrorLog>(
-        DesktopErrorLog::Environment{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
+        DesktopErrorLog::Needs{settings_, *sound_, desktop_, desktopFiles_, LocalDateTime});
     errorLog_->OnLine = WriteLine;
     mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_, JournalFile());
     form_ = std::make_unique<frmMain>(
         frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
     // The levels are the user's own again however the program is asked to end.
     termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
-    form_->OnUnloaded = [this](int status) {
+    form_->OnClosed = [this](int status) {
         endStatus_ = status;
         QApplication::exit(status);
     };
@@ -100,7 +101,7 @@ void Program::MakeForm() {
 // The splash must not stand over a dialog.
 void Program::ConnectDialogs() {
     modalForms_ = std::make_unique<ui::ModalForms>(
-        ui::ModalForms::World{*form_, errorLog_->State(), dialogs_, desktopFiles_, diagnostics_, help_});
+        ui::ModalForms::Needs{*form_, errorLog_->State(), dialogs_, desktopFiles_, diagnostics_, help_});
     errorLog_->ShowDialog = [this] {
         CloseSplash();
         modalForms_->ShowError();
@@ -113,11 +114,13 @@ void Program::ConnectDialogs() {
 
 void Program::ConnectMenus() {
     menus_ = std::make_unique<MenuCommands>(
-        MenuCommands::World{launcher_, dialogs_, help_, form_->Shared, mixers_->Session(), Version()},
+        MenuCommands::Needs{launcher_, dialogs_, help_, form_->Instrument.Shared, mixers_->Session(),
+                            Version()},
         form_->Menus);
     menus_->ShowAbout = [this] { ShowAbout(); };
-    print_ = std::make_unique<PrintCommand>(PrintCommand::World{printer_, dialogs_, desktop_, Today},
-                                            form_->Measurement.Controls, form_->cmdPrint, form_->mnuPrint);
+    print_ =
+        std::make_unique<PrintCommand>(PrintCommand::Needs{printer_, dialogs_, desktop_, Today},
+                                       form_->Instrument.Meter.Controls, form_->cmdPrint, form_->mnuPrint);
     print_->ShowPrintDialog = [this](frmPrint& form) { ui::PrintDialog(form, form_->Guard).Run(); };
 }
 

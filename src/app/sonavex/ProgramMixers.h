@@ -6,7 +6,7 @@
 #include "core/mixer/SoundCardMixers.h"
 #include "core/ports/EventLoop.h"
 #include "core/ports/SoundSystem.h"
-#include "core/shell/StoredPlaces.h"
+#include "core/settings/StoredPlaces.h"
 #include "platform/plain/FileMixerJournal.h"
 
 namespace sonavex::app {

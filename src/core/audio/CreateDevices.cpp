@@ -4,6 +4,7 @@
 
 #include "core/audio/StreamEngine.h"
 #include "core/generator/SignalControls.h"
+#include "core/support/EndProgram.h"
 
 namespace sonavex {
 namespace {

@@ -9,7 +9,7 @@ namespace sonavex {
 Instrument::Instrument(const Needs& needs, const StreamWatch::Policy& policy)
     : Settings(needs.store),
       Meter(Shared),
-      HiTimer1(needs.loop, Meter.Tones, [this] { return Engine.Restarting(); }),
+      HiTimer1(needs.loop, Meter.Generator, [this] { return Engine.Restarting(); }),
       Engine({Shared, Settings, needs.sound, needs.loop, needs.dialogs, needs.errorLog, needs.mixers, Meter}),
       Watch({needs.loop, needs.sound, Engine, needs.errorLog, Shared, Settings}, policy) {
     Engine.OnNotified = [this] { Watch.Notified(); };

@@ -5,7 +5,7 @@
 namespace sonavex {
 
 Meter::Meter(const SharedState& shared)
-    : Tones(shared), shared_(shared), analysis_(std::make_unique<modDSP::State>()) {}
+    : Generator(shared), shared_(shared), analysis_(std::make_unique<modDSP::State>()) {}
 
 void Meter::SetUpAnalysis(std::int32_t lowHz, std::int32_t highHz) {
     modDSP::SetUpAnalysis(*analysis_, shared_.SampleRate, lowHz, highHz);
@@ -18,7 +18,7 @@ void Meter::ShowReadings() {
 
 void Meter::Analyse(std::span<const std::int16_t> captured, std::span<std::int16_t> playback) {
     try {
-        modDSP::ProcessCapturedBlock(*analysis_, Display.Inputs(shared_.SampleRate), readings_, Tones,
+        modDSP::ProcessCapturedBlock(*analysis_, Display.Inputs(shared_.SampleRate), readings_, Generator,
                                      captured, playback);
     } catch (...) {
         ShowReadings();
@@ -36,7 +36,7 @@ void Meter::ProcessCapturedBlock(std::span<const std::int16_t> captured, std::sp
     if (disturbed || !analysis_->FreqLocked) cycleGood_ = false;
     if (Updated()) shownSettled_ = cycleGood_;
     ShowReadings();
-    if (onBlock_) onBlock_();
+    if (OnBlock) OnBlock();
 }
 
 }  // namespace sonavex

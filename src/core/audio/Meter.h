@@ -28,8 +28,8 @@ public:
                               std::span<std::int16_t> playback) override;
     void StreamDisturbed() override { disturbed_ = true; }
 
-    // Runs after every block.
-    void OnBlock(std::function<void()> handler) { onBlock_ = std::move(handler); }
+    // Called after every block. May be empty.
+    std::function<void()> OnBlock;
 
     // Blocks processed so far.
     std::int64_t Blocks() const noexcept { return blocks_; }
@@ -46,7 +46,7 @@ public:
 
     MeasurementControls Controls;
     MeterDisplay Display{Controls};
-    Generator Tones;
+    sonavex::Generator Generator;
     modDSP::State& Analysis() noexcept { return *analysis_; }
     const modDSP::State& Analysis() const noexcept { return *analysis_; }
 
@@ -57,7 +57,6 @@ private:
     const SharedState& shared_;
     std::unique_ptr<modDSP::State> analysis_;
     Readings readings_;
-    std::function<void()> onBlock_;
     std::int64_t blocks_ = 0;
     // The first cycle lacks its first block.
     bool cycleGood_ = false;

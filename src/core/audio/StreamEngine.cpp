@@ -5,6 +5,7 @@
 
 #include "core/dsp/AnalysisBand.h"
 #include "core/ports/BusyPointer.h"
+#include "core/support/EndProgram.h"
 #include "core/support/ScopedFlag.h"
 
 namespace sonavex {

@@ -6,6 +6,7 @@
 #include "core/ports/BusyPointer.h"
 #include "core/settings/SampleRates.h"
 #include "core/settings/Windows.h"
+#include "core/support/EndProgram.h"
 #include "core/support/ScopedFlag.h"
 #include "core/text/Characters.h"
 #include "core/text/Numbers.h"
@@ -125,7 +126,7 @@ void frmDevices::cmdHelp_Click() {
 }
 
 void frmDevices::Unload() {
-    if (Form_QueryUnload() && OnUnloaded) OnUnloaded();
+    if (Form_QueryUnload() && OnClosed) OnClosed();
 }
 
 bool frmDevices::Form_QueryUnload() {

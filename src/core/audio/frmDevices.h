@@ -60,7 +60,7 @@ public:
     // Closes the form if it may.
     void Unload();
     // The form is closed.
-    std::function<void()> OnUnloaded;
+    std::function<void()> OnClosed;
 
     // Takes the choice over. A press while an earlier one still rebuilds the engine is ignored, as is
     // closing the form then.

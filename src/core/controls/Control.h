@@ -15,7 +15,7 @@ public:
 
     bool Dirty() const noexcept { return dirty_; }
     void Clean() noexcept { dirty_ = false; }
-    void OnDirty(std::function<void()> hook) { onDirty_ = std::move(hook); }
+    std::function<void()> OnDirty;
 
     bool Enabled() const noexcept { return enabled_; }
     void SetEnabled(bool enabled) { Assign(enabled_, enabled); }
@@ -34,11 +34,10 @@ protected:
     void MarkDirty() {
         if (dirty_) return;
         dirty_ = true;
-        if (onDirty_) onDirty_();
+        if (OnDirty) OnDirty();
     }
 
 private:
-    std::function<void()> onDirty_;
     bool dirty_ = false;
     bool enabled_ = true;
 };

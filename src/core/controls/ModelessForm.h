@@ -8,15 +8,6 @@
 
 namespace sonavex {
 
-// Stores and restores the positions of forms.
-class FormPlaces {
-public:
-    virtual ~FormPlaces() = default;
-    // Moves the form to its stored position, or centres it on the screen if none is stored.
-    virtual void Restore(Window& form) = 0;
-    virtual void Store(const Window& form) = 0;
-};
-
 // A form that stays open next to the main form. At most one instance is open.
 class ModelessForm {
 public:
@@ -35,7 +26,7 @@ public:
     void Unload() {
         if (!loaded_) return;
         loaded_ = false;
-        if (OnUnload) OnUnload();
+        if (OnClosed) OnClosed();
         Form_QueryUnload();
     }
     bool Loaded() const noexcept { return loaded_; }
@@ -48,7 +39,7 @@ public:
 
     // Hooks with which the window shows and hides the form.
     std::function<void()> OnShow;
-    std::function<void()> OnUnload;
+    std::function<void()> OnClosed;
 
 protected:
     ModelessForm(std::string name, std::string_view caption) : Frame(std::move(name)) {

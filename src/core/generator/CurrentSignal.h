@@ -51,7 +51,7 @@ public:
 
     // Called with the level (hundredths of a dB) at every change, to set the volume of the playback buffer.
     // May be empty.
-    std::function<void(std::int32_t)> SetPlaybackVolume;
+    std::function<void(std::int32_t)> OnLevel;
 
     std::int16_t ToneType = 0;  // last selected waveform
 

@@ -66,7 +66,7 @@ void CurrentSignal::sldLevel_First() {
     const std::int32_t value = controls_.sldLevel.Value();
     controls_.lblGenLevel.SetCaption(Format(value / 100.0, Pattern::kTwoDecimals) + " dB");
     needs_.settings.Save(keys::kLevel, CStr(value));
-    if (SetPlaybackVolume) SetPlaybackVolume(value);
+    if (OnLevel) OnLevel(value);
 }
 
 void CurrentSignal::txtGenFreq_Change() {

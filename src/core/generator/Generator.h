@@ -8,7 +8,7 @@
 
 #include "core/controls/Controls.h"
 #include "core/dsp/BlockFill.h"
-#include "core/generator/Tones.h"
+#include "core/generator/ToneTable.h"
 #include "core/settings/Settings.h"
 #include "core/settings/SharedState.h"
 

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <utility>
 
 #include "core/controls/Commands.h"
 #include "core/generator/CurrentSignal.h"
@@ -19,8 +17,8 @@ public:
     // mnuPrint and chkMuteOutput belong to the main form. All referenced objects must outlive this object.
     GeneratorPanel(const GeneratorNeeds& needs, MenuItem& mnuPrint, const CheckBox& chkMuteOutput);
 
-    SignalControls Signal;
-    MemoryControls Memory;
+    SignalControls Controls;
+    sonavex::MemoryControls MemoryControls;
 
     // At start-up, after the limits of the frequency sliders are set: restores everything stored. Stores the
     // level. A setting that does not convert or fit raises an error that names the key.
@@ -35,22 +33,16 @@ public:
     // Call after a change of the sampling rate: shows the frequencies that the new limits have clamped.
     void FollowLimits() { current_.FollowLimits(); }
 
-    // The hook is called with the level (hundredths of a dB) at every change, to set the volume of the
-    // playback buffer.
-    void SetPlaybackVolume(std::function<void(std::int32_t)> hook) {
-        current_.SetPlaybackVolume = std::move(hook);
-    }
-
     bool CheckEntries() { return current_.CheckEntries(); }
-    CurrentSignal& Current() noexcept { return current_; }
-    MemoryTones& Tones() noexcept { return memory_; }
+    sonavex::CurrentSignal& CurrentSignal() noexcept { return current_; }
+    sonavex::MemoryTones& MemoryTones() noexcept { return memory_; }
 
 private:
     GeneratorNeeds needs_;
     MenuItem& mnuPrint_;
     PlayInterlock interlock_;
-    CurrentSignal current_;
-    MemoryTones memory_;
+    sonavex::CurrentSignal current_;
+    sonavex::MemoryTones memory_;
 };
 
 }  // namespace sonavex

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/generator/Tones.h"
+#include "core/generator/ToneTable.h"
 
 // The lines of the memory list. The user reads them and the list stores the tones in them: "1000Hz / 5000Hz
 // / Sine / 2000ms / Loop", or without a sweep "1000Hz / NA / Square / NA / No Loop".

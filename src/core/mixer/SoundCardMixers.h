@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 
+#include "core/controls/FormPlaces.h"
 #include "core/mixer/DeviceLevels.h"
 #include "core/mixer/HardwareMixerControl.h"
 #include "core/mixer/LevelKeeper.h"

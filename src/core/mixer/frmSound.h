@@ -2,6 +2,7 @@
 
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
+#include "core/controls/FormPlaces.h"
 #include "core/controls/ModelessForm.h"
 #include "core/controls/OptionButton.h"
 #include "core/mixer/MixerLocators.h"

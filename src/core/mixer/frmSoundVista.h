@@ -5,6 +5,7 @@
 
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
+#include "core/controls/FormPlaces.h"
 #include "core/controls/ModelessForm.h"
 #include "core/mixer/MixerControl.h"
 #include "core/mixer/QuenbyVista.h"

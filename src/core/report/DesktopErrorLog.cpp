@@ -62,11 +62,11 @@ std::string ErrorLines(const RuntimeError& error) {
 
 }  // namespace
 
-DesktopErrorLog::DesktopErrorLog(Environment environment) : env_(std::move(environment)) {}
+DesktopErrorLog::DesktopErrorLog(Needs needs) : needs_(std::move(needs)) {}
 
 std::int32_t DesktopErrorLog::WriteErrorLog(std::string& tStr, const RuntimeError& error) {
     try {
-        env_.files.Append(desktop_file::kError, Record(tStr, error));
+        needs_.files.Append(desktop_file::kError, Record(tStr, error));
         tStr += kFileCreated;
     } catch (const std::exception& failure) {
         tStr += std::string(kFileFailed) + failure.what();
@@ -80,28 +80,28 @@ std::int32_t DesktopErrorLog::WriteErrorLog(std::string& tStr, const RuntimeErro
 
 std::string DesktopErrorLog::Record(const std::string& message, const RuntimeError& error) {
     const auto stored = [this](const SettingsKey& key) {
-        return Attempt([&] { return env_.settings.Text(key); });
+        return Attempt([&] { return needs_.settings.Text(key); });
     };
     std::string text = Line("") + Line(kStart) + Line(message);
     text += Line("Three Mixers = " + stored(keys::kThreeMixers));
     text += ErrorLines(error);
     text += Line("Output Guid: " + stored(keys::kOutput));
     text += Line(" Input Guid: " + stored(keys::kInput));
-    text += Line("  OsVersion: " + Attempt([&] { return CStr(env_.desktop.OsMajorVersion()); }));
+    text += Line("  OsVersion: " + Attempt([&] { return CStr(needs_.desktop.OsMajorVersion()); }));
     text += Devices();
-    text += Line("Time: " + Attempt([&] { return DateAndTime(env_.now()); }));
+    text += Line("Time: " + Attempt([&] { return DateAndTime(needs_.now()); }));
     return text + Line(kEnd);
 }
 
 std::string DesktopErrorLog::Devices() {
     const auto stored = [this](const SettingsKey& key) {
-        return Attempt([&] { return env_.settings.Text(key); });
+        return Attempt([&] { return needs_.settings.Text(key); });
     };
     std::string text = Line(kInputs);
-    text += InputEntries(Attempt([&] { return env_.sound.EnumerateCapture(); }), stored(keys::kInput));
+    text += InputEntries(Attempt([&] { return needs_.sound.EnumerateCapture(); }), stored(keys::kInput));
     text += Line(kOutputs);
     return text +
-           OutputEntries(Attempt([&] { return env_.sound.EnumeratePlayback(); }), stored(keys::kOutput));
+           OutputEntries(Attempt([&] { return needs_.sound.EnumeratePlayback(); }), stored(keys::kOutput));
 }
 
 void DesktopErrorLog::WriteLine(const std::string& line) {

@@ -18,7 +18,7 @@ namespace sonavex {
 class DesktopErrorLog : public ErrorLog {
 public:
     // All referenced objects must outlive the log.
-    struct Environment {
+    struct Needs {
         Settings& settings;
         SoundSystem& sound;
         Desktop& desktop;
@@ -26,7 +26,7 @@ public:
         std::function<DateTime()> now;
     };
 
-    explicit DesktopErrorLog(Environment environment);
+    explicit DesktopErrorLog(Needs needs);
 
     // Appends a record, stores the user's text in tStr and State(), and calls ShowDialog. A step that fails
     // does not stop the others; if the record cannot be written, the message says so. A second failure while
@@ -46,7 +46,7 @@ private:
     std::string Record(const std::string& message, const RuntimeError& error);
     std::string Devices();
 
-    Environment env_;
+    Needs needs_;
     ErrorState state_;
     bool dialogOpen_ = false;
 };

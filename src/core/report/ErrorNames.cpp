@@ -1,8 +1,6 @@
 #include "core/report/ErrorNames.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <iterator>
 
 namespace sonavex {
@@ -41,16 +39,6 @@ const char* SoundErrorName(std::int32_t number) noexcept {
         return entry.number == static_cast<std::uint32_t>(number);
     });
     return found != std::end(kNames) ? found->name : "DSERR_UNKNOWN";
-}
-
-std::string Hex(std::int32_t number) {
-    std::array<char, 8> digits{};
-    const auto written =
-        std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<std::uint32_t>(number), 16);
-    std::string text(digits.data(), written.ptr);
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char digit) { return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
-    return text;
 }
 
 }  // namespace sonavex

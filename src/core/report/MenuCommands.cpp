@@ -22,7 +22,7 @@ constexpr const char* kOlderPlayPanel = "sndvol32 -P -D";
 
 }  // namespace
 
-MenuCommands::MenuCommands(World world, MenuControls& menus) : world_(std::move(world)), menus_(menus) {
+MenuCommands::MenuCommands(Needs needs, MenuControls& menus) : needs_(std::move(needs)), menus_(menus) {
     menus_.mnuAbout.Click.Handle([this] { mnuAbout_Click(); });
     menus_.mnuHelpContents.Click.Handle([this] { mnuHelpContents_Click(); });
     menus_.mnuCheckVersion.Click.Handle([this] { mnuCheckVersion_Click(); });
@@ -42,35 +42,35 @@ void MenuCommands::mnuAbout_Click() {
 }
 
 void MenuCommands::mnuHelpContents_Click() {
-    world_.help.ShowContents();
+    needs_.help.ShowContents();
 }
 
 bool MenuCommands::Connected(const char* question) {
-    return world_.dialogs.AskYesNo(std::string(kConnected) + question);
+    return needs_.dialogs.AskYesNo(std::string(kConnected) + question);
 }
 
 void MenuCommands::mnuCheckVersion_Click() {
     if (!Connected(kCheckQuestion)) return;
-    OpenDocument(world_.launcher, world_.dialogs, web_page::UpdateCheck(world_.version));
+    OpenDocument(needs_.launcher, needs_.dialogs, web_page::UpdateCheck(needs_.version));
 }
 
 void MenuCommands::mnuemail_Click() {
     if (!Connected(kContactQuestion)) return;
-    OpenDocument(world_.launcher, world_.dialogs, web_page::Contact());
+    OpenDocument(needs_.launcher, needs_.dialogs, web_page::Contact());
 }
 
 void MenuCommands::mnuInputControl_Click() {
-    RunCommand(world_.launcher, world_.dialogs,
-               world_.shared.NewerGeneration()
+    RunCommand(needs_.launcher, needs_.dialogs,
+               needs_.shared.NewerGeneration()
                    ? kInputPanel
-                   : kOlderInputPanel + CStr(world_.mixers.DeviceNumbers().MixerDeviceNumber));
+                   : kOlderInputPanel + CStr(needs_.mixers.DeviceNumbers().MixerDeviceNumber));
 }
 
 void MenuCommands::mnuPlayControl_Click() {
-    RunCommand(world_.launcher, world_.dialogs,
-               world_.shared.NewerGeneration()
+    RunCommand(needs_.launcher, needs_.dialogs,
+               needs_.shared.NewerGeneration()
                    ? kPlayPanel
-                   : kOlderPlayPanel + CStr(world_.mixers.DeviceNumbers().PlayMixerDeviceNumber));
+                   : kOlderPlayPanel + CStr(needs_.mixers.DeviceNumbers().PlayMixerDeviceNumber));
 }
 
 }  // namespace sonavex

@@ -16,7 +16,7 @@ namespace sonavex {
 class MenuCommands {
 public:
     // All referenced objects must outlive the commands.
-    struct World {
+    struct Needs {
         Launcher& launcher;
         Dialogs& dialogs;
         Help& help;
@@ -26,7 +26,7 @@ public:
     };
 
     // Handles the entries from now on. They must outlive the commands.
-    MenuCommands(World world, MenuControls& menus);
+    MenuCommands(Needs needs, MenuControls& menus);
     ~MenuCommands();
     MenuCommands(const MenuCommands&) = delete;
     MenuCommands& operator=(const MenuCommands&) = delete;
@@ -45,7 +45,7 @@ private:
     // Asks the user before the browser connects to the Internet.
     bool Connected(const char* question);
 
-    World world_;
+    Needs needs_;
     MenuControls& menus_;
 };
 

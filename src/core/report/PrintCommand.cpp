@@ -17,9 +17,9 @@ constexpr std::int32_t kLastGenerationOfOneCopy = 4;
 
 }  // namespace
 
-PrintCommand::PrintCommand(const World& world, const MeasurementControls& measurement,
+PrintCommand::PrintCommand(const Needs& needs, const MeasurementControls& measurement,
                            CommandButton& cmdPrint, MenuItem& mnuPrint)
-    : world_(world), measurement_(measurement), cmdPrint_(cmdPrint), mnuPrint_(mnuPrint) {
+    : needs_(needs), measurement_(measurement), cmdPrint_(cmdPrint), mnuPrint_(mnuPrint) {
     cmdPrint_.Click.Handle([this] { cmdPrint_Click(); });
     mnuPrint_.Click.Handle([this] { cmdPrint_.Press(); });
 }
@@ -30,10 +30,10 @@ PrintCommand::~PrintCommand() {
 }
 
 void PrintCommand::cmdPrint_Click() {
-    const std::int32_t generation = world_.desktop.OsMajorVersion();
+    const std::int32_t generation = needs_.desktop.OsMajorVersion();
     const InstalledPrinters present = AskForPrinters();
-    PrinterSupport support(world_.printer, present);
-    frmPrint dialog(world_.printer, world_.dialogs);
+    PrinterSupport support(needs_.printer, present);
+    frmPrint dialog(needs_.printer, needs_.dialogs);
     dialog.Form_Load(present);
     if (ShowPrintDialog) ShowPrintDialog(dialog);
     if (const auto choice = dialog.Choice(); choice)
@@ -44,25 +44,25 @@ void PrintCommand::cmdPrint_Click() {
 }
 
 InstalledPrinters PrintCommand::AskForPrinters() {
-    const BusyPointer busy(world_.dialogs);
-    return world_.printer.Printers();
+    const BusyPointer busy(needs_.dialogs);
+    return needs_.printer.Printers();
 }
 
 // Restores the pointer before the message.
 void PrintCommand::Try(const char* failure, const std::function<void()>& action) {
     try {
-        const BusyPointer busy(world_.dialogs);
+        const BusyPointer busy(needs_.dialogs);
         action();
     } catch (const RuntimeError& error) {
-        world_.dialogs.Message(std::string(failure) + "\r\r" + error.what(), MessageIcon::kCritical);
+        needs_.dialogs.Message(std::string(failure) + "\r\r" + error.what(), MessageIcon::kCritical);
     }
 }
 
 void PrintCommand::PrintCopies(const PrintDestination& destination, std::int32_t copies) {
     for (std::int32_t number = 1; number <= copies; ++number) {
-        world_.printer.Select(frmPrint::DestinationOfCopy(destination, number));
-        PrintInformation(measurement_, world_.today(), world_.printer);
-        world_.printer.EndDoc();
+        needs_.printer.Select(frmPrint::DestinationOfCopy(destination, number));
+        PrintInformation(measurement_, needs_.today(), needs_.printer);
+        needs_.printer.EndDoc();
     }
 }
 

@@ -18,7 +18,7 @@ namespace sonavex {
 class PrintCommand {
 public:
     // All referenced objects must outlive the command.
-    struct World {
+    struct Needs {
         Printer& printer;
         Dialogs& dialogs;
         Desktop& desktop;
@@ -26,7 +26,7 @@ public:
     };
 
     // Handles the button from now on; the menu entry presses it. Both must outlive the command.
-    PrintCommand(const World& world, const MeasurementControls& measurement, CommandButton& cmdPrint,
+    PrintCommand(const Needs& needs, const MeasurementControls& measurement, CommandButton& cmdPrint,
                  MenuItem& mnuPrint);
     ~PrintCommand();
     PrintCommand(const PrintCommand&) = delete;
@@ -42,7 +42,7 @@ private:
     void Try(const char* failure, const std::function<void()>& action);
     void PrintCopies(const PrintDestination& destination, std::int32_t copies);
 
-    World world_;
+    Needs needs_;
     const MeasurementControls& measurement_;
     CommandButton& cmdPrint_;
     MenuItem& mnuPrint_;

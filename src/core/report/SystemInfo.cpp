@@ -1,8 +1,8 @@
 #include "core/report/SystemInfo.h"
 
-#include <array>
-#include <charconv>
 #include <cstdint>
+
+#include "core/text/Numbers.h"
 
 namespace sonavex {
 namespace {
@@ -13,15 +13,6 @@ constexpr const char* kFolderKey = "SOFTWARE\\Microsoft\\Shared Tools Location";
 constexpr const char* kFolderValue = "MSINFO";
 constexpr const char* kToolFile = "\\MSINFO32.EXE";
 constexpr const char* kUnavailable = "System Information Is Unavailable At This Time";
-
-std::string Hexadecimal(std::uint32_t number) {
-    std::array<char, 8> digits{};
-    char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
-    std::string text(digits.data(), end);
-    for (char& digit : text)
-        if (digit >= 'a') digit = static_cast<char>(digit - 'a' + 'A');
-    return text;
-}
 
 std::optional<std::string> ToolPath(Launcher& launcher) {
     if (auto path = GetKeyValue(launcher, RootKey::kLocalMachine, kToolKey, kToolValue)) return path;
@@ -36,7 +27,8 @@ std::optional<std::string> GetKeyValue(Launcher& launcher, RootKey root, const s
                                        const std::string& name) {
     const auto value = launcher.ReadMachineValue(root, key, name);
     if (!value) return std::nullopt;
-    if (const auto* number = std::get_if<std::uint32_t>(&*value)) return "&h" + Hexadecimal(*number);
+    if (const auto* number = std::get_if<std::uint32_t>(&*value))
+        return "&h" + Hex(static_cast<std::int32_t>(*number));
     std::string text = std::get<std::string>(*value);
     if (!text.empty() && text.back() == '\0') text.pop_back();
     return text;

@@ -23,7 +23,7 @@ void frmAbout::Form_Load() {
 }
 
 void frmAbout::cmdOk_Click() {
-    if (OnUnload) OnUnload();
+    if (OnClosed) OnClosed();
 }
 
 void frmAbout::cmdSysInfo_Click() {

@@ -32,7 +32,7 @@ public:
     void lblWeb_Click();
 
     // Called when the box must close.
-    std::function<void()> OnUnload;
+    std::function<void()> OnClosed;
 
 private:
     Launcher& launcher_;

@@ -1,5 +1,7 @@
 #include "core/report/frmError.h"
 
+#include "core/support/EndProgram.h"
+
 namespace sonavex {
 namespace {
 
@@ -9,7 +11,7 @@ constexpr const char* kWillTerminate = "\r\rProgram will terminate.";
 
 }  // namespace
 
-frmError::frmError(const Environment& environment) : env_(environment) {
+frmError::frmError(const Needs& needs) : needs_(needs) {
     cmdDirectX.Click.Handle([this] { cmdDirectX_Click(); });
     cmdNewSoundCard.Click.Handle([this] { cmdNewSoundCard_Click(); });
     Command1.Click.Handle([this] { Command1_Click(); });
@@ -19,27 +21,27 @@ frmError::frmError(const Environment& environment) : env_(environment) {
 }
 
 frmError::~frmError() {
-    env_.diagnostics.Cancel();
+    needs_.diagnostics.Cancel();
 }
 
 void frmError::Form_Load() {
-    env_.dialogs.SetBusyPointer(false);
-    if (env_.state.FatalError) {
+    needs_.dialogs.SetBusyPointer(false);
+    if (needs_.state.FatalError) {
         cmdNewSoundCard.SetEnabled(false);
-        env_.state.Message += kWillTerminate;
+        needs_.state.Message += kWillTerminate;
     }
-    lblMessage.SetCaption(env_.state.Message);
+    lblMessage.SetCaption(needs_.state.Message);
 }
 
 void frmError::Unload() {
-    env_.diagnostics.Cancel();
-    if (OnUnloaded) OnUnloaded();
+    needs_.diagnostics.Cancel();
+    if (OnClosed) OnClosed();
 }
 
 void frmError::cmdDirectX_Click() {
     lblStatus.SetCaption(kRunning);
     cmdDirectX.SetEnabled(false);
-    env_.diagnostics.Start([this](const std::optional<std::string>& report) { TakeReport(report); });
+    needs_.diagnostics.Start([this](const std::optional<std::string>& report) { TakeReport(report); });
 }
 
 void frmError::TakeReport(const std::optional<std::string>& report) {
@@ -51,7 +53,7 @@ void frmError::TakeReport(const std::optional<std::string>& report) {
 std::string frmError::Keep(const std::string& report) {
     const std::string name = desktop_file::kDiagnostics;
     try {
-        env_.files.Replace(name, report);
+        needs_.files.Replace(name, report);
         return "A file named '" + name + "' has been created on your desktop";
     } catch (const RuntimeError& error) {
         return "The file '" + name + "' cannot be written on your desktop: " + error.what();
@@ -59,23 +61,23 @@ std::string frmError::Keep(const std::string& report) {
 }
 
 void frmError::cmdNewSoundCard_Click() {
-    if (env_.shared.EventsReady) {
-        env_.settings.Save(keys::kInput, env_.inputDeviceId);
-        env_.settings.Save(keys::kOutput, env_.outputDeviceId);
+    if (needs_.shared.EventsReady) {
+        needs_.settings.Save(keys::kInput, needs_.inputDeviceId);
+        needs_.settings.Save(keys::kOutput, needs_.outputDeviceId);
     } else {
         for (const SettingsKey& key : {keys::kInput, keys::kLineInput, keys::kOutput})
-            env_.settings.Save(key, "");
+            needs_.settings.Save(key, "");
     }
     Unload();
 }
 
 void frmError::Command1_Click() {
-    env_.diagnostics.Cancel();
+    needs_.diagnostics.Cancel();
     throw EndProgram{1, true};
 }
 
 void frmError::Command2_Click() {
-    env_.help.ShowTopic(help_topic::kSoundDeviceError);
+    needs_.help.ShowTopic(help_topic::kSoundDeviceError);
 }
 
 }  // namespace sonavex

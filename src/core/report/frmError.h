@@ -20,7 +20,7 @@ namespace sonavex {
 class frmError {
 public:
     // All referenced objects must outlive the form.
-    struct Environment {
+    struct Needs {
         ErrorState& state;
         const SharedState& shared;
         Settings& settings;
@@ -33,7 +33,7 @@ public:
         std::string outputDeviceId;
     };
 
-    explicit frmError(const Environment& environment);
+    explicit frmError(const Needs& needs);
     ~frmError();
     frmError(const frmError&) = delete;
     frmError& operator=(const frmError&) = delete;
@@ -41,7 +41,7 @@ public:
     void Form_Load();
     // Call when the dialog closes: cancels a running report.
     void Unload();
-    std::function<void()> OnUnloaded;
+    std::function<void()> OnClosed;
 
     // Writes the system's report about its sound devices to a file on the desktop.
     void cmdDirectX_Click();
@@ -64,7 +64,7 @@ private:
     void TakeReport(const std::optional<std::string>& report);
     std::string Keep(const std::string& report);
 
-    Environment env_;
+    Needs needs_;
 };
 
 }  // namespace sonavex

@@ -107,7 +107,7 @@ void frmPrint::cmdCancel_Click() {
 }
 
 void frmPrint::Unload() {
-    if (OnUnload) OnUnload();
+    if (OnClosed) OnClosed();
 }
 
 PrintDestination frmPrint::DestinationOfCopy(const PrintDestination& chosen, std::int32_t number) {

@@ -50,7 +50,7 @@ public:
     // cancels.
     std::function<std::string(const std::string&)> ChooseFile;
     // Called when the dialog must close.
-    std::function<void()> OnUnload;
+    std::function<void()> OnClosed;
 
     // Result of the dialog; nothing if the user cancelled.
     const std::optional<PrintChoice>& Choice() const noexcept { return choice_; }

@@ -24,34 +24,34 @@ constexpr std::int32_t kFallbackRateIndex = 3;
 
 frmMain::frmMain(const Needs& needs)
     : Instrument({needs.store, needs.sound, needs.loop, needs.dialogs, needs.errorLog, needs.mixers}),
-      BaselineOptions(Shared, Stored, needs.dialogs, Measurement.Analysis(), Measurement.Controls),
+      Baseline(Instrument.Shared, Instrument.Settings, needs.dialogs, Instrument.Meter.Analysis(),
+               Instrument.Meter.Controls),
       Guard(needs.dialogs, needs.errorLog),
-      Signals({Shared, Stored, needs.dialogs, Measurement.Tones,
-               [this](bool enabled) { Instrument.HiTimer1.SetEnabled(enabled); }},
-              mnuPrint, Measurement.Controls.chkMuteOutput),
+      GeneratorPanel({Instrument.Shared, Instrument.Settings, needs.dialogs, Instrument.Meter.Generator,
+                      [this](bool enabled) { Instrument.HiTimer1.SetEnabled(enabled); }},
+                     mnuPrint, Instrument.Meter.Controls.chkMuteOutput),
       needs_(needs) {
     cmdExit.Click.Handle([this] { cmdExit_Click(); });
     mnuExit.Click.Handle([this] { mnuExit_Click(); });
     mnuSoundCard.Click.Handle([this] { mnuSoundCard_Click(); });
     mnuSelectCard.Click.Handle([this] { mnuSelectCard_Click(); });
-    Signals.SetPlaybackVolume([this](std::int32_t level) { Instrument.SetVolume(level); });
-    Engine.OnDevices = [this](const std::string& input, const std::string& output, std::int32_t rateHz) {
-        ShowDevices(input, output, rateHz);
-    };
-    Engine.OnLimits = [this](std::int32_t highestHz) {
+    GeneratorPanel.CurrentSignal().OnLevel = [this](std::int32_t level) { Instrument.SetVolume(level); };
+    Instrument.Engine.OnDevices = [this](const std::string& input, const std::string& output,
+                                         std::int32_t rateHz) { ShowDevices(input, output, rateHz); };
+    Instrument.Engine.OnLimits = [this](std::int32_t highestHz) {
         LimitFrequencySliders(highestHz);
-        Signals.FollowLimits();
+        GeneratorPanel.FollowLimits();
     };
-    Guard.OnMessageOpen = [this](bool open) { Engine.HoldNotifications = open; };
+    Guard.OnMessageOpen = [this](bool open) { Instrument.Engine.HoldNotifications = open; };
     Guard.OnEnd = [this](const EndProgram& end) { End(end); };
     Instrument.OnBlockQueued = [this] { Guard.BlockSucceeded(); };
-    Measurement.OnBlock([this] {
-        if (Measurement.Updated() && Measurement.Analysis().FreqLocked) mnuPrint.SetEnabled(true);
-    });
-    Watch.Held = [this] { return choosingDevices_; };
-    Watch.OnChanged = [this] { ShowStreamState(); };
-    Watch.OnRestarted = [this] { needs_.mixers.SetUpSoundControls(); };
-    Watch.ChooseDevices = [this] { ChooseDevices(); };
+    Instrument.Meter.OnBlock = [this] {
+        if (Instrument.Meter.Updated() && Instrument.Meter.Analysis().FreqLocked) mnuPrint.SetEnabled(true);
+    };
+    Instrument.Watch.Held = [this] { return choosingDevices_; };
+    Instrument.Watch.OnChanged = [this] { ShowStreamState(); };
+    Instrument.Watch.OnRestarted = [this] { needs_.mixers.SetUpSoundControls(); };
+    Instrument.Watch.ChooseDevices = [this] { ChooseDevices(); };
     endLater_ = needs.loop.CreateSignal([this] { End(*end_); });
 }
 
@@ -68,12 +68,12 @@ void frmMain::Form_Load() {
     HelpFile = HelpFileIn(needs_.desktop.ApplicationFolder());
     RestorePosition();
     Reached(Started::kPosition);
-    Shared.OsMajorVersion = needs_.desktop.OsMajorVersion();
+    Instrument.Shared.OsMajorVersion = needs_.desktop.OsMajorVersion();
     Frame.SetCaption(std::string(kApplicationTitle) + " & Function Generator");
-    BaselineOptions.RestoreBoxes();
+    Baseline.RestoreBoxes();
     RestoreSampleRate();
-    LimitFrequencySliders(Shared.SampleRate / 2);
-    Signals.InitGenerator();
+    LimitFrequencySliders(Instrument.Shared.SampleRate / 2);
+    GeneratorPanel.InitGenerator();
     Reached(Started::kGenerator);
     CreateSoundDevices();
     Reached(Started::kDevices);
@@ -89,22 +89,22 @@ void frmMain::RefuseSecondInstance() {
 }
 
 void frmMain::RestorePosition() {
-    const Windows::Place place = Windows::Restore(Stored, Frame, needs_.desktop.Screens());
+    const Windows::Place place = Windows::Restore(Instrument.Settings, Frame, needs_.desktop.Screens());
     Frame.Move(place.left, place.top);
 }
 
 void frmMain::RestoreSampleRate() {
-    const std::string fallback = CStr(DefaultSampleRateIndex(Shared.OsMajorVersion));
-    const std::string stored = Stored.Text(Settings::WithFallback(keys::kSampleRate, fallback));
+    const std::string fallback = CStr(DefaultSampleRateIndex(Instrument.Shared.OsMajorVersion));
+    const std::string stored = Instrument.Settings.Text(Settings::WithFallback(keys::kSampleRate, fallback));
     if (IsNumeric(stored)) {
         const double index = RoundHalfEven(CDbl(stored));
         if (index >= 0.0 && index < static_cast<double>(SampleRateTable.size())) {
-            Shared.SampleRate = SampleRateTable[static_cast<std::size_t>(index)];
+            Instrument.Shared.SampleRate = SampleRateTable[static_cast<std::size_t>(index)];
             return;
         }
     }
-    Shared.SampleRate = SampleRateTable[kFallbackRateIndex];
-    Stored.Save(keys::kSampleRate, CStr(kFallbackRateIndex));
+    Instrument.Shared.SampleRate = SampleRateTable[kFallbackRateIndex];
+    Instrument.Settings.Save(keys::kSampleRate, CStr(kFallbackRateIndex));
     needs_.dialogs.Message(kInvalidRate, MessageIcon::kInformation);
 }
 
@@ -115,25 +115,25 @@ void frmMain::ShowDevices(const std::string& input, const std::string& output, s
 }
 
 void frmMain::LimitFrequencySliders(std::int32_t highestHz) {
-    Signals.Signal.sldStartFreq.SetMax(highestHz);
-    Signals.Signal.sldEndFreq.SetMax(highestHz);
+    GeneratorPanel.Controls.sldStartFreq.SetMax(highestHz);
+    GeneratorPanel.Controls.sldEndFreq.SetMax(highestHz);
 }
 
 void frmMain::CreateSoundDevices() {
-    if (!Engine.CreateDevices()) ChooseDevices();
+    if (!Instrument.Engine.CreateDevices()) ChooseDevices();
 }
 
 void frmMain::StartStream() {
-    if (!Engine.SetEvents()) ChooseDevices();
-    Engine.RestartPending = true;
-    Measurement.Analysis().HistIndex = 0;
-    const Band band = AnalysisBand(Shared.SampleRate);
-    Measurement.SetUpAnalysis(band.lowHz, band.highHz);
-    needs_.mixers.CaptureAndApplySaved(Shared.NewerGeneration());
+    if (!Instrument.Engine.SetEvents()) ChooseDevices();
+    Instrument.Engine.RestartPending = true;
+    Instrument.Meter.Analysis().HistIndex = 0;
+    const Band band = AnalysisBand(Instrument.Shared.SampleRate);
+    Instrument.Meter.SetUpAnalysis(band.lowHz, band.highHz);
+    needs_.mixers.CaptureAndApplySaved(Instrument.Shared.NewerGeneration());
     Reached(Started::kMixers);
     needs_.mixers.SetUpSoundControls();
-    Engine.ResetStream();
-    HiTimer1->SetInterval(1ms);
+    Instrument.Engine.ResetStream();
+    Instrument.HiTimer1.SetInterval(1ms);
     Instrument.StartCapture();
     FollowPath();
 }
@@ -151,7 +151,7 @@ void frmMain::LeavePath() {
 
 void frmMain::ShowPath() {
     std::string text;
-    for (const std::string& note : Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
+    for (const std::string& note : Instrument.Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
     PathNote.SetCaption(text);
 }
 
@@ -159,7 +159,7 @@ void frmMain::StreamError(const std::exception_ptr& error) {
     try {
         std::rethrow_exception(error);
     } catch (const RuntimeError& loss) {
-        if (loss.Number() == sound_error::kBufferLost) return Watch.DeviceLost(loss);
+        if (loss.Number() == sound_error::kBufferLost) return Instrument.Watch.DeviceLost(loss);
     } catch (...) {
     }
     Guard.StreamError(error);
@@ -167,15 +167,15 @@ void frmMain::StreamError(const std::exception_ptr& error) {
 
 // Marks stale readings.
 void frmMain::ShowStreamState() {
-    StreamTrouble.SetCaption(Watch.Reason());
-    Measurement.Display.ShowStopped(Watch.Stopped());
-    if (Watch.Stopped()) Measurement.StreamDisturbed();
+    StreamTrouble.SetCaption(Instrument.Watch.Reason());
+    Instrument.Meter.Display.ShowStopped(Instrument.Watch.Stopped());
+    if (Instrument.Watch.Stopped()) Instrument.Meter.StreamDisturbed();
 }
 
 // Opens the first tab if the stored one cannot be selected for any reason.
 void frmMain::SelectLastTab() {
     try {
-        LastTabIndex = Stored.Integer(keys::kLastTab);
+        LastTabIndex = Instrument.Settings.Integer(keys::kLastTab);
         TabStrip1.SetIndex(LastTabIndex);
     } catch (const RuntimeError&) {
         TabStrip1.SetIndex(0);
@@ -186,16 +186,16 @@ void frmMain::Form_QueryUnload() {
     if (unloaded_) return;
     unloaded_ = true;
     LeavePath();
-    Watch.Stop();
-    ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
-    ShutdownStep(Has(Started::kDevices), [this] { Engine.Stop(); });
-    ShutdownStep(Has(Started::kGenerator), [this] { Signals.WriteMemoryToRegistry(); });
+    Instrument.Watch.Stop();
+    ShutdownStep(true, [this] { Instrument.HiTimer1.SetEnabled(false); });
+    ShutdownStep(Has(Started::kDevices), [this] { Instrument.Engine.Stop(); });
+    ShutdownStep(Has(Started::kGenerator), [this] { GeneratorPanel.WriteMemoryToRegistry(); });
     ShutdownStep(Has(Started::kTabs),
-                 [this] { Stored.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()})); });
+                 [this] { Instrument.Settings.Save(keys::kLastTab, CStr(std::int32_t{TabStrip1.Index()})); });
     ShutdownStep(true, [this] { needs_.mixers.UnloadDialogs(); });
     ShutdownStep(Has(Started::kMixers), [this] { needs_.mixers.SaveAndRestoreInitial(); });
-    ShutdownStep(true, [this] { Engine.Release(); });
-    ShutdownStep(Has(Started::kPosition), [this] { Windows::Store(Stored, Frame); });
+    ShutdownStep(true, [this] { Instrument.Engine.Release(); });
+    ShutdownStep(Has(Started::kPosition), [this] { Windows::Store(Instrument.Settings, Frame); });
 }
 
 void frmMain::ShutdownStep(bool due, const std::function<void()>& step) {
@@ -213,12 +213,12 @@ void frmMain::EndAtOnce() {
     if (unloaded_) return;
     unloaded_ = true;
     LeavePath();
-    Watch.Stop();
-    ShutdownStep(true, [this] { HiTimer1->SetEnabled(false); });
-    ShutdownStep(true, [this] { Engine.Stop(); });
+    Instrument.Watch.Stop();
+    ShutdownStep(true, [this] { Instrument.HiTimer1.SetEnabled(false); });
+    ShutdownStep(true, [this] { Instrument.Engine.Stop(); });
     ShutdownStep(true, [this] { needs_.mixers.UnloadDialogs(); });
     ShutdownStep(Has(Started::kMixers), [this] { needs_.mixers.RestoreInitial(); });
-    ShutdownStep(true, [this] { Engine.Release(); });
+    ShutdownStep(true, [this] { Instrument.Engine.Release(); });
 }
 
 void frmMain::ShutDown(const EndProgram& end) {
@@ -229,7 +229,7 @@ void frmMain::ShutDown(const EndProgram& end) {
 }
 
 bool frmMain::Busy() const {
-    return Engine.Restarting() || HiTimer1->Ticking();
+    return Instrument.Engine.Restarting() || Instrument.HiTimer1.Ticking();
 }
 
 void frmMain::End(const EndProgram& end) {
@@ -240,7 +240,7 @@ void frmMain::End(const EndProgram& end) {
     }
     if (unloaded_) return;
     ShutDown(*end_);
-    if (OnUnloaded) OnUnloaded(end_->status);
+    if (OnClosed) OnClosed(end_->status);
 }
 
 void frmMain::cmdExit_Click() {
@@ -256,30 +256,30 @@ void frmMain::mnuSoundCard_Click() {
 }
 
 void frmMain::mnuSelectCard_Click() {
-    if (Engine.Restarting()) return;
+    if (Instrument.Engine.Restarting()) return;
     for (Label* label : {&lblInput, &lblOutput, &lblSampleRate}) label->SetCaption("Stopped");
     ChooseDevices();
 }
 
 // Only one dialog may control the engine. Close the mixer dialogs first: they show the old card.
 void frmMain::ChooseDevices() {
-    if (choosingDevices_ || Engine.Restarting() || !ShowDeviceDialog) return;
+    if (choosingDevices_ || Instrument.Engine.Restarting() || !ShowDeviceDialog) return;
     const ScopedFlag choosing(choosingDevices_);
     needs_.mixers.UnloadDialogs();
     ShowDeviceDialog();
 }
 
 frmDevices::Needs frmMain::DevicesNeeds(DesktopFiles& files, Help& help) {
-    return {Shared,
-            Stored,
+    return {Instrument.Shared,
+            Instrument.Settings,
             needs_.sound,
             needs_.loop,
             needs_.dialogs,
             needs_.desktop,
             files,
             help,
-            Engine,
-            Signals,
+            Instrument.Engine,
+            GeneratorPanel,
             [this] { needs_.mixers.SetUpSoundControls(); }};
 }
 

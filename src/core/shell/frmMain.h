@@ -17,8 +17,9 @@
 #include "core/generator/GeneratorPanel.h"
 #include "core/mixer/MixerSession.h"
 #include "core/ports/Desktop.h"
+#include "core/report/HandlerGuard.h"
 #include "core/report/MenuControls.h"
-#include "core/shell/HandlerGuard.h"
+#include "core/support/EndProgram.h"
 
 namespace sonavex {
 
@@ -56,12 +57,12 @@ public:
 
     // Call when the user closes the window by any means: ends with status 0.
     void Unload() { End({}); }
-    // Runs the shutdown for this kind of end, then OnUnloaded with its status. Deferred while a tick or a
+    // Runs the shutdown for this kind of end, then OnClosed with its status. Deferred while a tick or a
     // restart of the engine is running. The first end requested counts.
     void End(const EndProgram& end);
     // Form_QueryUnload or EndAtOnce.
     void ShutDown(const EndProgram& end);
-    std::function<void(int status)> OnUnloaded;
+    std::function<void(int status)> OnClosed;
 
     void cmdExit_Click();
     void mnuExit_Click();
@@ -96,15 +97,9 @@ public:
     MenuControls Menus;
 
     sonavex::Instrument Instrument;
-    SharedState& Shared = Instrument.Shared;
-    Settings& Stored = Instrument.Settings;
-    Meter& Measurement = Instrument.Meter;
-    SweepTimer* HiTimer1 = &Instrument.HiTimer1;
-    StreamEngine& Engine = Instrument.Engine;
-    StreamWatch& Watch = Instrument.Watch;
-    Baseline BaselineOptions;
+    sonavex::Baseline Baseline;
     HandlerGuard Guard;
-    GeneratorPanel Signals;
+    sonavex::GeneratorPanel GeneratorPanel;
     // Why nothing is being measured; empty while blocks arrive.
     Label StreamTrouble;
     // What changes the samples between instrument and cards; empty if nothing is known.

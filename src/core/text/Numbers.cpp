@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "core/support/RuntimeError.h"
+#include "core/text/Characters.h"
 
 namespace sonavex {
 namespace {
@@ -267,6 +268,14 @@ std::string Padded(std::int32_t value, std::size_t digits) {
     std::string text = CStr(value);
     if (text.size() < digits) text.insert(std::size_t{0}, digits - text.size(), '0');
     return text;
+}
+
+std::string Hex(std::int32_t number) {
+    std::array<char, 8> digits{};
+    char* const end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<std::uint32_t>(number), 16)
+            .ptr;
+    return UpperCase({digits.data(), end});
 }
 
 std::string_view Trim(std::string_view text) noexcept {

@@ -49,6 +49,9 @@ std::string Format(double value, Pattern pattern);
 // A number >= 0 with leading zeros up to `digits` digits. A longer number is not shortened.
 std::string Padded(std::int32_t value, std::size_t digits);
 
+// Uppercase hexadecimal without leading zeros; a negative number as 32-bit two's complement.
+std::string Hex(std::int32_t number);
+
 // Text without leading and trailing blanks.
 std::string_view Trim(std::string_view text) noexcept;
 

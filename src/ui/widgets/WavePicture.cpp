@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "core/generator/Tones.h"
+#include "core/generator/ToneTable.h"
 #include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {

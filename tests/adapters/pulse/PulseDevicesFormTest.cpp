@@ -36,14 +36,15 @@ public:
 
     // Plays a sine and waits until its frequency is read, as exact as a line of the spectrum is.
     bool Measures() {
-        CommandButton& start = form.Signals.Signal.Command1;
+        CommandButton& start = form.GeneratorPanel.Controls.Command1;
         if (start.Caption() == "Start Current") start.Press();
-        const std::uint64_t before = form.Engine.Blocks;
-        const MeasurementControls& meter = form.Measurement.Controls;
-        const double lineHz = form.Shared.SampleRate / 4096.0;
+        const std::uint64_t before = form.Instrument.Engine.Blocks;
+        const MeasurementControls& meter = form.Instrument.Meter.Controls;
+        const double lineHz = form.Instrument.Shared.SampleRate / 4096.0;
         return loop.RunUntil(
             [&] {
-                return form.Engine.Blocks > before + 40 && meter.picLocked.BackColor() == kLightGreen &&
+                return form.Instrument.Engine.Blocks > before + 40 &&
+                       meter.picLocked.BackColor() == kLightGreen &&
                        std::abs(Val(meter.txtFreq.Text()) - 1000.0) <= lineHz;
             },
             20s);
@@ -72,7 +73,7 @@ struct Selection {
     explicit Selection(Instrument& instrument)
         : form(instrument.form.DevicesNeeds(instrument.files, instrument.help),
                instrument.form.DevicesLabels()) {
-        form.OnUnloaded = [this] { closed = true; };
+        form.OnClosed = [this] { closed = true; };
         form.Form_Load();
     }
     frmDevices form;
@@ -96,7 +97,7 @@ void CheckSelectionOn(const SoundServer& server) {
     EXPECT_EQ(instrument.form.lblOutput.Caption(), "OtherCard");
     EXPECT_EQ(instrument.form.lblInput.Caption(), "Monitor of OtherCard");
     EXPECT_EQ(instrument.store.Get("SoundCard", "Output", ""), "other");
-    EXPECT_FALSE(instrument.form.Measurement.Tones.SweepRunning);
+    EXPECT_FALSE(instrument.form.Instrument.Meter.Generator.SweepRunning);
     EXPECT_TRUE(instrument.Measures());
     EXPECT_THAT(server.Control({"list", "short", "sink-inputs"}),
                 HasSubstr("\t" + Instrument::NumberOf(server, "other") + "\t"));
@@ -150,7 +151,7 @@ void CheckVanishedOn(const SoundServer& server) {
     server.Control({"unload-module", module});
     selection.form.cmdOkay.Press();
     EXPECT_FALSE(selection.closed);
-    EXPECT_FALSE(instrument.form.Shared.EventsReady);
+    EXPECT_FALSE(instrument.form.Instrument.Shared.EventsReady);
     EXPECT_EQ(shown, 1);
     const std::string record = instrument.files.files["Quenby Error.txt"];
     EXPECT_THAT(record, HasSubstr("Check proper sound card installation\n"));

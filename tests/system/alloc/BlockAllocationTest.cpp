@@ -85,13 +85,13 @@ protected:
         meter.SetUpAnalysis(25, 15900);
         meter.Controls.chkAuto.SetValue(1);
         meter.Controls.chkMuteOutput.SetValue(setting.mute ? 1 : 0);
-        meter.Tones.NumTones = setting.tones;
+        meter.Generator.NumTones = setting.tones;
         for (std::size_t i = 0; i < static_cast<std::size_t>(setting.tones); ++i) {
-            meter.Tones.Tones[i].WaveType = setting.waveType;
-            meter.Tones.Tones[i].Frequency = 200.0 * static_cast<double>(i + 1);
+            meter.Generator.Tones[i].WaveType = setting.waveType;
+            meter.Generator.Tones[i].Frequency = 200.0 * static_cast<double>(i + 1);
         }
-        meter.Tones.ResetTonePhases();
-        meter.Tones.SetGeneratorRunning(setting.tones > 0);
+        meter.Generator.ResetTonePhases();
+        meter.Generator.SetGeneratorRunning(setting.tones > 0);
     }
 
     void Feed(const Block& captured, int blocks) {
@@ -127,7 +127,7 @@ TEST_P(BlockAllocation, ARetunedToneAsksForNoMemory) {
     Feed(tone, 19);
     meter.Controls.chkAuto.SetValue(0);
     const AllocationCounter counter;
-    for (ToneRecord& record : meter.Tones.Tones) record.SweepFrequency = record.Frequency += 3.5;
+    for (ToneRecord& record : meter.Generator.Tones) record.SweepFrequency = record.Frequency += 3.5;
     Feed(tone, 19);
     EXPECT_EQ(counter.Count(), 0U);
 }

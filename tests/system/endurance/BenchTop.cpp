@@ -1,6 +1,7 @@
 #include "system/endurance/BenchTop.h"
 
 #include "core/audio/frmDevices.h"
+#include "core/support/EndProgram.h"
 
 namespace sonavex {
 namespace {
@@ -11,7 +12,7 @@ constexpr int kPatience = 12;
 }  // namespace
 
 std::chrono::nanoseconds BenchTop::BlockTime() const {
-    const std::int32_t rateHz = form_ ? form_->Shared.SampleRate : 48000;
+    const std::int32_t rateHz = form_ ? form_->Instrument.Shared.SampleRate : 48000;
     return std::chrono::nanoseconds(std::int64_t{kBlockFrames} * 1'000'000'000 / rateHz);
 }
 
@@ -46,7 +47,7 @@ bool BenchTop::Start() {
 void BenchTop::MakeForm() {
     form_ = std::make_unique<frmMain>(On(card_));
     form_->Frame.SetSize(980, 640);
-    form_->OnUnloaded = [this](int) { ended_ = true; };
+    form_->OnClosed = [this](int) { ended_ = true; };
     form_->ShowDeviceDialog = [this] { ChooseDevices(); };
 }
 
@@ -113,7 +114,7 @@ void BenchTop::SelectRate(std::int32_t index) {
 void BenchTop::ChooseDevices() {
     frmDevices devices(form_->DevicesNeeds(files, help), form_->DevicesLabels());
     bool closed = false;
-    devices.OnUnloaded = [&] { closed = true; };
+    devices.OnClosed = [&] { closed = true; };
     devices.Form_Load();
     if (devices.cmbOutputMixer.Count() > 0) devices.cmbOutputMixer.UserSelects(0);
     if (devices.cmbInputMixer.Count() > 0) devices.cmbInputMixer.UserSelects(0);

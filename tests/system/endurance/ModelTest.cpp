@@ -32,7 +32,7 @@ public:
 
     void Run(int actions) {
         ASSERT_TRUE(bench_.Start());
-        model_ = std::make_unique<InstrumentModel>(Form().Shared.SampleRate);
+        model_ = std::make_unique<InstrumentModel>(Form().Instrument.Shared.SampleRate);
         for (int i = 0; i < actions && !testing::Test::HasFailure(); ++i) {
             Something();
             if (!testing::Test::HasFailure()) Compare();
@@ -63,7 +63,7 @@ private:
     }
 
     void UseTheWindow() {
-        const UserAction action = user_.Next(Form().Shared.SampleRate);
+        const UserAction action = user_.Next(Form().Instrument.Shared.SampleRate);
         Note(Describe(action));
         bench_.Act([&] { Perform(action, Form()); });
         model_->Apply(action);
@@ -81,35 +81,35 @@ private:
         Note("program restarted");
         bench_.End();
         ASSERT_TRUE(bench_.Start());
-        model_->ProgramRestarts(Form().Shared.SampleRate);
+        model_->ProgramRestarts(Form().Instrument.Shared.SampleRate);
     }
 
     // The generator continues. The stream returns a few seconds after the card.
     void LoseTheCard() {
         Note("card lost");
         // With an invalid typed frequency no block could be measured.
-        bench_.Act([this] { Form().Measurement.Controls.chkAuto.UserSets(true); });
+        bench_.Act([this] { Form().Instrument.Meter.Controls.chkAuto.UserSets(true); });
         bench_.Card().Unplug();
         const int blocks = 20 + user_.Pick(20);
         for (int i = 0; i < blocks; ++i) Block();
-        EXPECT_FALSE(Form().Shared.EventsReady);
-        EXPECT_TRUE(Form().Watch.Stopped());
+        EXPECT_FALSE(Form().Instrument.Shared.EventsReady);
+        EXPECT_TRUE(Form().Instrument.Watch.Stopped());
         bench_.Card().Plug();
-        for (int i = 0; i < 100 && Form().Watch.Stopped(); ++i) Block();
-        EXPECT_TRUE(Form().Shared.EventsReady);
-        EXPECT_FALSE(Form().Watch.Stopped());
+        for (int i = 0; i < 100 && Form().Instrument.Watch.Stopped(); ++i) Block();
+        EXPECT_TRUE(Form().Instrument.Shared.EventsReady);
+        EXPECT_FALSE(Form().Instrument.Watch.Stopped());
     }
 
     void Block() {
         const auto time = bench_.BlockTime();
-        const std::uint64_t blocks = Form().Engine.Blocks;
-        const std::uint64_t starts = Form().Engine.CaptureStarts;
+        const std::uint64_t blocks = Form().Instrument.Engine.Blocks;
+        const std::uint64_t starts = Form().Instrument.Engine.CaptureStarts;
         bench_.Block();
         model_->CardMoves();
-        if (Form().Engine.Blocks != blocks) model_->FillBlock();
+        if (Form().Instrument.Engine.Blocks != blocks) model_->FillBlock();
         model_->Pass(time);
-        if (Form().Engine.CaptureStarts == starts) return;
-        model_->StreamStarts(Form().Shared.SampleRate);
+        if (Form().Instrument.Engine.CaptureStarts == starts) return;
+        model_->StreamStarts(Form().Instrument.Shared.SampleRate);
         AdoptSweeps();
     }
 
@@ -117,7 +117,7 @@ private:
     void AdoptSweeps() {
         for (std::size_t i = 0; i < model_->table.size(); ++i) {
             if (!model_->table[i].Sweep) continue;
-            const ToneRecord& tone = Form().Measurement.Tones.Tones[i];
+            const ToneRecord& tone = Form().Instrument.Meter.Generator.Tones[i];
             model_->table[i].Frequency = tone.Frequency;
             model_->table[i].SweepFrequency = tone.SweepFrequency;
         }
@@ -127,28 +127,28 @@ private:
         CompareGenerator();
         CompareControls();
         CompareList();
-        const StreamEngine& engine = Form().Engine;
+        const StreamEngine& engine = Form().Instrument.Engine;
         EXPECT_EQ(engine.PlayBlockIndex, model_->playBlock);
         EXPECT_EQ(engine.RestartPending, model_->priming);
         EXPECT_EQ(engine.RestartCount, model_->primed);
         EXPECT_EQ(engine.PlaybackStarts, model_->playbackStarts);
         EXPECT_EQ(engine.Overruns, model_->overruns);
-        EXPECT_EQ(Form().Shared.SampleRate, model_->rate);
+        EXPECT_EQ(Form().Instrument.Shared.SampleRate, model_->rate);
     }
 
     void CompareGenerator() {
-        const Generator& generator = Form().Measurement.Tones;
+        const Generator& generator = Form().Instrument.Meter.Generator;
         EXPECT_EQ(generator.GeneratorRunning, model_->running);
         EXPECT_EQ(generator.SweepRunning, model_->sweeping);
         EXPECT_EQ(generator.GeneratorState, model_->state);
         EXPECT_EQ(generator.NumTones, model_->tones);
         EXPECT_FALSE(generator.ToneUpdateBusy);
-        EXPECT_EQ(Form().HiTimer1->Enabled(), model_->ticking);
+        EXPECT_EQ(Form().Instrument.HiTimer1.Enabled(), model_->ticking);
         for (std::size_t i = 0; i < generator.Tones.size(); ++i) CompareTone(i);
     }
 
     void CompareTone(std::size_t i) {
-        const ToneRecord& tone = Form().Measurement.Tones.Tones[i];
+        const ToneRecord& tone = Form().Instrument.Meter.Generator.Tones[i];
         ToneRecord& expected = model_->table[i];
         // A record that is not playing keeps old values, partly of other tones.
         const bool sounds = model_->running && static_cast<std::int32_t>(i) < model_->tones;
@@ -178,7 +178,7 @@ private:
     }
 
     void CompareControls() {
-        const SignalControls& signal = Form().Signals.Signal;
+        const SignalControls& signal = Form().GeneratorPanel.Controls;
         using Playing = InstrumentModel::Playing;
         const bool usable = model_->playing != Playing::kMemory;
         EXPECT_EQ(signal.cmbType.ListIndex(), model_->type);
@@ -207,7 +207,7 @@ private:
     }
 
     void CompareList() {
-        const MemoryControls& memory = Form().Signals.Memory;
+        const MemoryControls& memory = Form().GeneratorPanel.MemoryControls;
         using Playing = InstrumentModel::Playing;
         ASSERT_EQ(memory.ToneList.Count(), static_cast<std::int32_t>(model_->list.size()));
         for (std::int32_t i = 0; i < memory.ToneList.Count(); ++i) {

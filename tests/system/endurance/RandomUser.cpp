@@ -75,7 +75,7 @@ void PerformOnMemory(const UserAction& action, MemoryControls& memory) {
 }
 
 void PerformOnMeter(const UserAction& action, frmMain& form) {
-    MeasurementControls& controls = form.Measurement.Controls;
+    MeasurementControls& controls = form.Instrument.Meter.Controls;
     switch (action.kind) {
         case Kind::kAuto:
             return Tick(controls.chkAuto, action);
@@ -84,9 +84,9 @@ void PerformOnMeter(const UserAction& action, frmMain& form) {
         case Kind::kMute:
             return Tick(controls.chkMuteOutput, action);
         case Kind::kApplyBaseline:
-            return Tick(form.BaselineOptions.chkBaseline, action);
+            return Tick(form.Baseline.chkBaseline, action);
         case Kind::kCaptureBaseline:
-            return form.BaselineOptions.cmdBaseline.Press();
+            return form.Baseline.cmdBaseline.Press();
         default:
             return form.TabStrip1.UserSelects(static_cast<std::int16_t>(action.value));
     }
@@ -146,8 +146,8 @@ UserAction RandomUser::Next(std::int32_t rateHz) {
 }
 
 void Perform(const UserAction& action, frmMain& form) {
-    if (action.kind <= Kind::kStartCurrent) return PerformOnSignal(action, form.Signals.Signal);
-    if (action.kind <= Kind::kStartMemory) return PerformOnMemory(action, form.Signals.Memory);
+    if (action.kind <= Kind::kStartCurrent) return PerformOnSignal(action, form.GeneratorPanel.Controls);
+    if (action.kind <= Kind::kStartMemory) return PerformOnMemory(action, form.GeneratorPanel.MemoryControls);
     PerformOnMeter(action, form);
 }
 

@@ -106,9 +106,9 @@ void Soak::Step() {
     report_.soundSeconds += std::chrono::duration<double>(bench_->BlockTime()).count();
     ++report_.blocks;
     const std::uint64_t start = bench_->Starts();
-    const std::uint64_t before = bench_->Running() ? bench_->Form().Engine.Blocks : 0;
+    const std::uint64_t before = bench_->Running() ? bench_->Form().Instrument.Engine.Blocks : 0;
     bench_->Block();
-    if (bench_->Running() && bench_->Starts() == start && bench_->Form().Engine.Blocks > before)
+    if (bench_->Running() && bench_->Starts() == start && bench_->Form().Instrument.Engine.Blocks > before)
         CheckTones(After::kABlock);
     FollowCard();
 }
@@ -150,7 +150,7 @@ void Soak::Happen(Event event) {
     if (!bench_->Running()) return;
     ++report_.events[static_cast<std::size_t>(event)];
     if (event == Event::kUserAction) {
-        const UserAction action = user_.Next(bench_->Form().Shared.SampleRate);
+        const UserAction action = user_.Next(bench_->Form().Instrument.Shared.SampleRate);
         happenedLast_ = Describe(action);
         bench_->Act([&] { Perform(action, bench_->Form()); });
     } else if (event == Event::kRateChange) {
@@ -214,7 +214,7 @@ void Soak::StoreOddValue() {
 
 void Soak::CheckState() {
     if (!bench_->Running()) return;
-    const StreamEngine& engine = bench_->Form().Engine;
+    const StreamEngine& engine = bench_->Form().Instrument.Engine;
     Require(engine.PlayBlockIndex >= 0 && engine.PlayBlockIndex <= StreamEngine::kLastPlayBlock,
             "PlayBlockIndex");
     Require(engine.CaptureSegment >= 0 && engine.CaptureSegment <= 3, "CaptureSegment");
@@ -224,7 +224,7 @@ void Soak::CheckState() {
 }
 
 void Soak::CheckTones(After what) {
-    const Generator& generator = bench_->Form().Measurement.Tones;
+    const Generator& generator = bench_->Form().Instrument.Meter.Generator;
     Require(generator.NumTones >= -1 && generator.NumTones <= kToneRecords, "NumTones");
     if (!generator.GeneratorRunning) return;
     for (std::int32_t i = 0; i < generator.NumTones; ++i) {
@@ -243,7 +243,7 @@ void Soak::CheckTones(After what) {
 // Counts of one run only grow. Every segment is either delivered or counted as lost, except those discarded
 // when a stream stopped.
 void Soak::CheckCounts() {
-    const StreamEngine& engine = bench_->Form().Engine;
+    const StreamEngine& engine = bench_->Form().Instrument.Engine;
     const CaptureStatistics counts = engine.CaptureCounts();
     if (bench_->Starts() != seenStart_) {
         seenStart_ = bench_->Starts();
@@ -263,11 +263,11 @@ void Soak::CheckCounts() {
             "more blocks than segments");
     report_.mostFrames = std::max(report_.mostFrames, counts.framesCaptured);
     report_.overruns += engine.Overruns - seenOverruns_;
-    report_.losses += bench_->Form().Watch.Losses() - seenLosses_;
+    report_.losses += bench_->Form().Instrument.Watch.Losses() - seenLosses_;
     report_.segmentsLost += counts.segmentsLost - seenCapture_.segmentsLost;
     seenBlocks_ = engine.Blocks;
     seenOverruns_ = engine.Overruns;
-    seenLosses_ = bench_->Form().Watch.Losses();
+    seenLosses_ = bench_->Form().Instrument.Watch.Losses();
     seenCapture_ = counts;
 }
 
@@ -301,20 +301,22 @@ void Soak::PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz) {
     for (int tries = 0; tries < 5; ++tries) {
         if (!bench_->Running()) StartUntilItRuns();
         bench_->SelectRate(rateIndex);
-        if (bench_->Running() && bench_->Form().Shared.EventsReady &&
-            bench_->Form().Shared.SampleRate == SampleRateTable[static_cast<std::size_t>(rateIndex)])
+        if (bench_->Running() && bench_->Form().Instrument.Shared.EventsReady &&
+            bench_->Form().Instrument.Shared.SampleRate ==
+                SampleRateTable[static_cast<std::size_t>(rateIndex)])
             break;
     }
-    Require(bench_->Running() && bench_->Form().Shared.EventsReady &&
-                bench_->Form().Shared.SampleRate == SampleRateTable[static_cast<std::size_t>(rateIndex)],
+    Require(bench_->Running() && bench_->Form().Instrument.Shared.EventsReady &&
+                bench_->Form().Instrument.Shared.SampleRate ==
+                    SampleRateTable[static_cast<std::size_t>(rateIndex)],
             "the rate is not taken: " + bench_->LastMessage());
     bench_->Act([&] {
         frmMain& form = bench_->Form();
-        form.Signals.StopPlaying();
-        form.Measurement.Controls.chkAuto.UserSets(true);
-        form.Measurement.Controls.chkMuteOutput.UserSets(true);
-        form.BaselineOptions.chkBaseline.UserSets(false);
-        SignalControls& signal = form.Signals.Signal;
+        form.GeneratorPanel.StopPlaying();
+        form.Instrument.Meter.Controls.chkAuto.UserSets(true);
+        form.Instrument.Meter.Controls.chkMuteOutput.UserSets(true);
+        form.Baseline.chkBaseline.UserSets(false);
+        SignalControls& signal = form.GeneratorPanel.Controls;
         const auto move = [](Slider& slider, std::int32_t value) {
             slider.UserMoves(value);
             slider.UserReleases();
@@ -325,21 +327,22 @@ void Soak::PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz) {
         move(signal.sldStartFreq, frequencyHz);
         signal.Command1.Press();
     });
-    Require(bench_->Form().Measurement.Tones.SweepRunning,
+    Require(bench_->Form().Instrument.Meter.Generator.SweepRunning,
             "the tone does not start: " + bench_->LastMessage());
 }
 
 void Soak::WaitForReadings() {
     // Waits until the delay of the previous device has passed and the output has returned.
     for (int i = 0; i < 2 * Meter::kCycleBlocks; ++i) Step();
-    for (int i = 0; i < kSettlingBlocks && !(bench_->Running() && bench_->Form().Measurement.Settled()); ++i)
+    for (int i = 0; i < kSettlingBlocks && !(bench_->Running() && bench_->Form().Instrument.Meter.Settled());
+         ++i)
         Step();
-    Require(bench_->Running() && bench_->Form().Measurement.Settled(),
+    Require(bench_->Running() && bench_->Form().Instrument.Meter.Settled(),
             "no settled reading: " + bench_->LastMessage());
 }
 
 void Soak::CompareReadings() {
-    const MeasurementControls& controls = bench_->Form().Measurement.Controls;
+    const MeasurementControls& controls = bench_->Form().Instrument.Meter.Controls;
     double sum = 0.0;
     for (std::size_t i = 0; i < kHarmonics.size(); ++i) {
         sum += kHarmonics[i] * kHarmonics[i];
@@ -357,7 +360,7 @@ void Soak::CompareReadings() {
 }
 
 void Soak::CheckThatBlocksAreCounted() {
-    const StreamEngine& engine = bench_->Form().Engine;
+    const StreamEngine& engine = bench_->Form().Instrument.Engine;
     const CaptureStatistics before = engine.CaptureCounts();
     const std::uint64_t blocksBefore = engine.Blocks;
     for (int i = 0; i < kCountedBlocks; ++i) Step();

@@ -101,7 +101,7 @@ TEST_F(CardFaults, TwoHundredRestarts) {
     Run([&] {
         ExpectMeasuring();
         const auto restart = [&](int times) {
-            for (int i = 0; i < times; ++i) ASSERT_TRUE(Form().Engine.ReStart()) << i;
+            for (int i = 0; i < times; ++i) ASSERT_TRUE(Form().Instrument.Engine.ReStart()) << i;
             ExpectMeasuring();
         };
         restart(20);

@@ -117,24 +117,26 @@ protected:
 
     // Blocks come, and the face says so.
     void ExpectMeasuring() {
-        const std::uint64_t blocks = Form().Engine.Blocks;
-        EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().Engine.Blocks >= blocks + 3; })) << Record();
-        EXPECT_FALSE(Form().Watch.Stopped());
+        const std::uint64_t blocks = Form().Instrument.Engine.Blocks;
+        EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().Instrument.Engine.Blocks >= blocks + 3; }))
+            << Record();
+        EXPECT_FALSE(Form().Instrument.Watch.Stopped());
         // The face follows with the next event, and blocks may come several in one.
         QCoreApplication::processEvents();
         EXPECT_FALSE(Note().isVisible());
     }
     // What is played is what comes back, free of distortion.
     void ExpectLoop(const std::string& reading = "1000") {
-        Form().Signals.Signal.Command1.Press();
+        Form().GeneratorPanel.Controls.Command1.Press();
         EXPECT_TRUE(WaitInQt(kLimit, [&] {
-            return Form().Measurement.Controls.txtFreq.Text() == reading && Form().Measurement.ShownSettled();
-        })) << Form().Measurement.Controls.txtFreq.Text();
-        Form().Signals.Signal.Command1.Press();
+            return Form().Instrument.Meter.Controls.txtFreq.Text() == reading &&
+                   Form().Instrument.Meter.ShownSettled();
+        })) << Form().Instrument.Meter.Controls.txtFreq.Text();
+        Form().GeneratorPanel.Controls.Command1.Press();
     }
     // The loss was noticed in time, recorded and said once, and the figures were marked.
     void ExpectLoss(const std::string& what) {
-        const auto limit = Form().Watch.Patience() + kHangLimit;
+        const auto limit = Form().Instrument.Watch.Patience() + kHangLimit;
         EXPECT_TRUE(WaitInQt(std::chrono::duration_cast<std::chrono::milliseconds>(limit),
                              [&] { return !User().Errors.empty(); }));
         ASSERT_EQ(User().Errors.size(), 1U);
@@ -143,14 +145,14 @@ protected:
         EXPECT_THAT(record_, testing::AllOf(testing::HasSubstr("The sound device in use was lost."),
                                             testing::HasSubstr(what)));
         EXPECT_TRUE(markedAtError_);
-        EXPECT_EQ(Form().Watch.Losses(), 1U);
+        EXPECT_EQ(Form().Instrument.Watch.Losses(), 1U);
     }
     // The program goes on by itself once the device is back; nothing more was said.
     void ExpectReturn() {
-        EXPECT_TRUE(WaitInQt(kLimit, [&] { return !Form().Watch.Stopped(); }));
+        EXPECT_TRUE(WaitInQt(kLimit, [&] { return !Form().Instrument.Watch.Stopped(); }));
         ExpectMeasuring();
         EXPECT_EQ(User().Errors.size(), 1U);
-        EXPECT_EQ(Form().Watch.Losses(), 1U);
+        EXPECT_EQ(Form().Instrument.Watch.Losses(), 1U);
     }
 
     // Of all runs to come. `afterRun`: when the program is gone.

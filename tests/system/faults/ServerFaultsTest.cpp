@@ -30,7 +30,7 @@ protected:
             ExpectLoss("The sound server has gone.");
             EXPECT_EQ(User().Selections, 0);
             WaitInQt(3s);
-            EXPECT_TRUE(Form().Watch.Stopped());
+            EXPECT_TRUE(Form().Instrument.Watch.Stopped());
             EXPECT_TRUE(Note().isVisible());
             server.Restart();
             ExpectReturn();
@@ -47,7 +47,7 @@ protected:
             server.Control({"unload-module", module});
             ExpectLoss("has been removed");
             WaitInQt(2s);
-            EXPECT_TRUE(Form().Watch.Stopped());
+            EXPECT_TRUE(Form().Instrument.Watch.Stopped());
             module = server.LoadNullSink(kCard);
             ExpectReturn();
             ExpectLoop();
@@ -62,7 +62,7 @@ protected:
             server.Pause();
             ExpectLoss("no longer delivers anything");
             WaitInQt(3s);
-            EXPECT_TRUE(Form().Watch.Stopped());
+            EXPECT_TRUE(Form().Instrument.Watch.Stopped());
             server.Continue();
             ExpectReturn();
             ExpectLoop();
@@ -84,14 +84,14 @@ protected:
         Use(server);
         Twice([&] {
             MakeDefault(server, "card");
-            EXPECT_TRUE(Form().Engine.ReStart());
+            EXPECT_TRUE(Form().Instrument.Engine.ReStart());
             ExpectMeasuring();
             EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
             MakeDefault(server, "other");
             WaitInQt(500ms);
             ExpectMeasuring();
             EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
-            EXPECT_TRUE(Form().Engine.ReStart());
+            EXPECT_TRUE(Form().Instrument.Engine.ReStart());
             ExpectMeasuring();
             EXPECT_EQ(Form().lblOutput.Caption(), "OtherCard");
             EXPECT_EQ(Form().lblInput.Caption(), "Monitor of OtherCard");
@@ -107,7 +107,7 @@ protected:
             ExpectMeasuring();
             const auto restart = [&](int times) {
                 for (int i = 0; i < times; ++i) {
-                    ASSERT_TRUE(Form().Engine.ReStart()) << i;
+                    ASSERT_TRUE(Form().Instrument.Engine.ReStart()) << i;
                     if (i % 20 == 0) WaitInQt(30ms);
                 }
                 ExpectMeasuring();
@@ -199,13 +199,14 @@ TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
     Store(kOnTheServer);
     Twice([&] {
         ExpectLoop();
-        Form().Signals.Signal.Command1.Press();
+        Form().GeneratorPanel.Controls.Command1.Press();
         server.Control({"suspend-sink", "card", "1"});
-        EXPECT_TRUE(WaitInQt(
-            kLimit, [&] { return Form().Watch.Stopped() || !Form().Measurement.Analysis().FreqLocked; }));
+        EXPECT_TRUE(WaitInQt(kLimit, [&] {
+            return Form().Instrument.Watch.Stopped() || !Form().Instrument.Meter.Analysis().FreqLocked;
+        }));
         server.Control({"suspend-sink", "card", "0"});
-        Form().Signals.Signal.Command1.Press();
-        EXPECT_TRUE(Form().Engine.ReStart());
+        Form().GeneratorPanel.Controls.Command1.Press();
+        EXPECT_TRUE(Form().Instrument.Engine.ReStart());
         ExpectMeasuring();
         ExpectLoop();
     });
@@ -237,7 +238,7 @@ TEST_F(ServerFaults, ServerKilledBesideACard) {
         ExpectLoss("The sound server has gone.");
         EXPECT_EQ(User().Selections, 0);
         WaitInQt(3s);
-        EXPECT_TRUE(Form().Watch.Stopped());
+        EXPECT_TRUE(Form().Instrument.Watch.Stopped());
         server.Restart();
         ExpectReturn();
         EXPECT_EQ(Form().lblOutput.Caption(), "TestCard");
@@ -275,14 +276,15 @@ TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
         ExpectMeasuring();
         server.Kill();
         ExpectLoss("The sound server has gone.");
-        Form().Signals.Signal.sldLevel.UserMoves(-600);
+        Form().GeneratorPanel.Controls.sldLevel.UserMoves(-600);
         server.Restart();
         ExpectReturn();
-        Form().Signals.Signal.Command1.Press();
+        Form().GeneratorPanel.Controls.Command1.Press();
         // A quarter of full scale, half of it.
-        EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().Measurement.Controls.LblLevel.Caption() == "13"; }))
-            << Form().Measurement.Controls.LblLevel.Caption();
-        Form().Signals.Signal.Command1.Press();
+        EXPECT_TRUE(WaitInQt(kLimit, [&] {
+            return Form().Instrument.Meter.Controls.LblLevel.Caption() == "13";
+        })) << Form().Instrument.Meter.Controls.LblLevel.Caption();
+        Form().GeneratorPanel.Controls.Command1.Press();
     });
 }
 

@@ -43,7 +43,7 @@ protected:
         form.Form_Load();
         window.ShowPlaced();
         form.TabStrip1.SetIndex(1);
-        ASSERT_TRUE(WaitInQt(kPatience, [this] { return form.Engine.PlaybackStarts > 0; }));
+        ASSERT_TRUE(WaitInQt(kPatience, [this] { return form.Instrument.Engine.PlaybackStarts > 0; }));
         ASSERT_STREQ(form.lblInput.Caption().c_str(), "Monitor of TestCard");
     }
     void TearDown() override {
@@ -72,8 +72,8 @@ protected:
     }
 
     std::uint64_t Disturbances() const {
-        const CaptureStatistics counts = form.Engine.CaptureCounts();
-        return form.Engine.Overruns + counts.segmentsLost + counts.framesMissing;
+        const CaptureStatistics counts = form.Instrument.Engine.CaptureCounts();
+        return form.Instrument.Engine.Overruns + counts.segmentsLost + counts.framesMissing;
     }
     bool Silent() const {
         constexpr std::size_t kEnough = 4 * kBlockFrames;
@@ -122,7 +122,7 @@ TEST_F(PulseWindow, MeasuresWhatItPlays) {
     Click("Command1");
     EXPECT_TRUE(WaitInQt(kPatience, [this] {
         return Find<QLineEdit>("txtFreq").text() == "1000" &&
-               Find<QLabel>("genLockWord").text() == "LOCKED" && form.Measurement.ShownSettled();
+               Find<QLabel>("genLockWord").text() == "LOCKED" && form.Instrument.Meter.ShownSettled();
     })) << Find<QLineEdit>("txtFreq").text().toStdString();
     EXPECT_EQ(Find<QLabel>("lockWord").text(), "LOCKED");
     EXPECT_LT(Find<QLabel>("lblThd").text().toDouble(), 0.01);
@@ -146,7 +146,7 @@ TEST_F(PulseWindow, PlaysEightSinesWithoutClipping) {
         Wait(20);
         WaitForTheEnd();
     });
-    EXPECT_EQ(form.Measurement.Tones.NumTones, 8);
+    EXPECT_EQ(form.Instrument.Meter.Generator.NumTones, 8);
     const double eight = 8.0 * 32767.0 / 2.0 / 9.0;
     EXPECT_LT(LargestMagnitude(samples), 32767);
     EXPECT_LE(LargestMagnitude(samples), eight + 0.5);
@@ -240,7 +240,7 @@ protected:
         EXPECT_NEAR(Tone().Frequency, 1000.0, 0.45);
         return took.count();
     }
-    const ToneRecord& Tone() const { return form.Measurement.Tones.Tones[0]; }
+    const ToneRecord& Tone() const { return form.Instrument.Meter.Generator.Tones[0]; }
 };
 
 TEST_F(SweepTime, OnAFreeMachine) {

@@ -67,8 +67,8 @@ protected:
     SimulatedSoundSystem card{loop, SimulatedSoundSystem::Pace::kStepped};
     CaptureTap tap{card};
     frmMain form{On(tap)};
-    SignalControls& signal = form.Signals.Signal;
-    MemoryControls& memory = form.Signals.Memory;
+    SignalControls& signal = form.GeneratorPanel.Controls;
+    MemoryControls& memory = form.GeneratorPanel.MemoryControls;
 };
 
 TEST_F(GeneratorForm, PlaysEightSinesWithoutClipping) {
@@ -119,7 +119,7 @@ TEST_F(GeneratorForm, KeepsThePhaseWhileSweeping) {
     SetSweep(100, 1000, 2000);
     signal.Command1.Press();
     Step(45);
-    EXPECT_NEAR(form.Measurement.Tones.Tones[0].Frequency, 1000.0, 0.45);
+    EXPECT_NEAR(form.Instrument.Meter.Generator.Tones[0].Frequency, 1000.0, 0.45);
     ExpectContinuous(30);
 }
 
@@ -169,10 +169,10 @@ TEST_F(GeneratorForm, ChangesTheLevelWithoutAJump) {
 
 TEST_F(GeneratorForm, SweepsForExactlyItsTime) {
     // Time passes here without blocks, which a running instrument would take for a loss.
-    form.Watch.Stop();
+    form.Instrument.Watch.Stop();
     SetSweep(100, 1000, 2000);
     signal.Command1.Press();
-    const ToneRecord& tone = form.Measurement.Tones.Tones[0];
+    const ToneRecord& tone = form.Instrument.Meter.Generator.Tones[0];
     loop.Advance(1999ms);
     EXPECT_TRUE(Generator::UnderWay(tone));
     EXPECT_NEAR(tone.Frequency, 1000.0 - 0.45, 1e-6);

@@ -34,11 +34,11 @@ std::int32_t LoopRig::WriteErrorLog(std::string& tStr, const RuntimeError& error
 }
 
 void LoopRig::PlaySine(double frequencyHz) {
-    meter.Tones.NumTones = 1;
-    meter.Tones.Tones[0].WaveType = wave::kSine;
-    meter.Tones.Tones[0].Frequency = frequencyHz;
-    meter.Tones.ResetTonePhases();
-    meter.Tones.SetGeneratorRunning(true);
+    meter.Generator.NumTones = 1;
+    meter.Generator.Tones[0].WaveType = wave::kSine;
+    meter.Generator.Tones[0].Frequency = frequencyHz;
+    meter.Generator.ResetTonePhases();
+    meter.Generator.SetGeneratorRunning(true);
 }
 
 void LoopRig::Step(int blocks) {

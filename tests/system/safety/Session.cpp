@@ -86,8 +86,8 @@ void Await(Condition condition) {
 }
 
 void Measure(app::Program& program) {
-    program.Form().Signals.Signal.Command1.Press();
-    Await([&] { return program.Form().Measurement.Blocks() >= kBlocks; });
+    program.Form().GeneratorPanel.Controls.Command1.Press();
+    Await([&] { return program.Form().Instrument.Meter.Blocks() >= kBlocks; });
 }
 
 void Choose(app::Program& program, const char* entry) {

@@ -36,15 +36,15 @@ public:
 
     bool Devices(const char* name, bool running, const char* output) {
         rig_.store.Save("SoundCard", "Output", output);
-        rig_.form.Shared.EventsReady = running;
+        rig_.form.Instrument.Shared.EventsReady = running;
         frmDevices form(rig_.form.DevicesNeeds(rig_.files, rig_.help), rig_.form.DevicesLabels());
         ui::DeviceDialog dialog(form, rig_.form.Guard);
         return Save(dialog, name, dark_, folder_);
     }
     bool Error(const char* name, bool fatal, const char* status) {
         rig_.report.State() = {kMessage, fatal};
-        frmError form({rig_.report.State(), rig_.form.Shared, rig_.settings, rig_.dialogs, rig_.files,
-                       rig_.diagnostics, rig_.help, "", ""});
+        frmError form({rig_.report.State(), rig_.form.Instrument.Shared, rig_.settings, rig_.dialogs,
+                       rig_.files, rig_.diagnostics, rig_.help, "", ""});
         ui::ErrorDialog dialog(form, rig_.form.Guard);
         form.lblStatus.SetCaption(status);
         return Save(dialog, name, dark_, folder_);

@@ -25,12 +25,12 @@ struct Scene {
 };
 
 void StartSine(FormRig& rig) {
-    rig.form.Signals.Signal.Command1.Press();
+    rig.form.GeneratorPanel.Controls.Command1.Press();
     rig.Step(60);
 }
 
 void AddMemoryTones(FormRig& rig) {
-    SignalControls& signal = rig.form.Signals.Signal;
+    SignalControls& signal = rig.form.GeneratorPanel.Controls;
     for (int i = 1; i <= 8; ++i) {
         signal.sldStartFreq.UserMoves(i == 3 ? 15555 : 250 * i);
         signal.sldStartFreq.UserReleases();
@@ -39,9 +39,9 @@ void AddMemoryTones(FormRig& rig) {
         signal.sldEndFreq.UserMoves(16000 - 3 * i);
         signal.sldSweepTime.UserMoves(i % 3 == 0 ? 10000 : 0);
         signal.sldSweepTime.UserReleases();
-        rig.form.Signals.Memory.cmdGenAdd.Press();
+        rig.form.GeneratorPanel.MemoryControls.cmdGenAdd.Press();
     }
-    for (int i = 0; i < 8; ++i) rig.form.Signals.Memory.ToneList.UserSelects(i, true);
+    for (int i = 0; i < 8; ++i) rig.form.GeneratorPanel.MemoryControls.ToneList.UserSelects(i, true);
 }
 
 void SetDistortion(FormRig& rig) {
@@ -60,14 +60,14 @@ const Scene kScenes[] = {
     {"meter-settling",
      [](FormRig& rig) {
          SetDistortion(rig);
-         rig.form.Signals.Signal.Command1.Press();
+         rig.form.GeneratorPanel.Controls.Command1.Press();
          rig.Step(20);
      }},
     {"meter-unlocked",
      [](FormRig& rig) {
          StartSine(rig);
-         rig.form.Measurement.Controls.chkAuto.UserSets(false);
-         rig.form.Measurement.Controls.txtFreq.UserTypes("440");
+         rig.form.Instrument.Meter.Controls.chkAuto.UserSets(false);
+         rig.form.Instrument.Meter.Controls.txtFreq.UserTypes("440");
          rig.Step(19);
      }},
     {"meter-overloaded",
@@ -75,7 +75,7 @@ const Scene kScenes[] = {
          DeviceUnderTestModel model;
          model.gain = 6.0;
          rig.card.Card().SetDeviceUnderTest(model);
-         rig.form.Measurement.Controls.chkMuteOutput.UserSets(false);
+         rig.form.Instrument.Meter.Controls.chkMuteOutput.UserSets(false);
          StartSine(rig);
      }},
     {"meter-path",
@@ -94,9 +94,9 @@ const Scene kScenes[] = {
      [](FormRig& rig) {
          SetDistortion(rig);
          StartSine(rig);
-         rig.form.BaselineOptions.cmdBaseline.Press();
-         rig.form.BaselineOptions.chkBaseline.UserSets(true);
-         rig.form.Signals.Signal.sldStartFreq.UserMoves(1500);
+         rig.form.Baseline.cmdBaseline.Press();
+         rig.form.Baseline.chkBaseline.UserSets(true);
+         rig.form.GeneratorPanel.Controls.sldStartFreq.UserMoves(1500);
          rig.Step(38);
      }},
     {"generator-idle", [](FormRig& rig) { rig.form.TabStrip1.SetIndex(1); }},
@@ -108,11 +108,11 @@ const Scene kScenes[] = {
     {"generator-sweeping",
      [](FormRig& rig) {
          rig.form.TabStrip1.SetIndex(1);
-         rig.form.Signals.Signal.sldEndFreq.UserMoves(8000);
-         rig.form.Signals.Signal.sldSweepTime.UserMoves(2000);
-         rig.form.Signals.Signal.sldSweepTime.UserReleases();
-         rig.form.Signals.Signal.chkLoop.UserSets(true);
-         rig.form.Signals.Signal.Command1.Press();
+         rig.form.GeneratorPanel.Controls.sldEndFreq.UserMoves(8000);
+         rig.form.GeneratorPanel.Controls.sldSweepTime.UserMoves(2000);
+         rig.form.GeneratorPanel.Controls.sldSweepTime.UserReleases();
+         rig.form.GeneratorPanel.Controls.chkLoop.UserSets(true);
+         rig.form.GeneratorPanel.Controls.Command1.Press();
          for (int i = 0; i < 50; ++i) {
              rig.Step(1);
              rig.loop.Advance(std::chrono::milliseconds(64));
@@ -122,7 +122,7 @@ const Scene kScenes[] = {
      [](FormRig& rig) {
          rig.form.TabStrip1.SetIndex(1);
          AddMemoryTones(rig);
-         rig.form.Signals.Memory.cmdStartMemory.Press();
+         rig.form.GeneratorPanel.MemoryControls.cmdStartMemory.Press();
          rig.Step(30);
      }},
 };

@@ -66,7 +66,7 @@ TEST_F(ProgramDevices, StartsThroughErrorAndSelection) {
         ASSERT_EQ(program.Open(), std::nullopt);
     }
     EXPECT_TRUE(program.Window().isVisible());
-    EXPECT_TRUE(program.Form().Shared.EventsReady);
+    EXPECT_TRUE(program.Form().Instrument.Shared.EventsReady);
     EXPECT_FALSE(fs::exists(ErrorFile()));
     program.Form().Form_QueryUnload();
 }

@@ -58,7 +58,7 @@ protected:
     static bool PeakReaches(app::Program& program, float least, float most) {
         return QTest::qWaitFor(
             [&] {
-                const float peak = program.Form().Measurement.Controls.prgADC.Value();
+                const float peak = program.Form().Instrument.Meter.Controls.prgADC.Value();
                 return peak >= least && peak <= most;
             },
             10000);
@@ -73,7 +73,7 @@ TEST_F(ProgramMixers, ActOnWhatTheMeterReads) {
         app::Program program;
         ASSERT_EQ(program.Open(), std::nullopt);
         EXPECT_TRUE(fs::exists(Journal()));
-        program.Form().Signals.Signal.Command1.Press();
+        program.Form().GeneratorPanel.Controls.Command1.Press();
         ASSERT_TRUE(PeakReaches(program, 7000.0F, 9000.0F)) << "a quarter of full scale";
         Choose(program, "mnuSoundCard");
         QDialog* const controls = Shown("Sound Controls");
@@ -132,7 +132,7 @@ TEST_P(BadSavedMixers, AreToldOfAndTheProgramRuns) {
             ASSERT_EQ(program.Open(), std::nullopt);
         }
         EXPECT_TRUE(program.Window().isVisible());
-        EXPECT_TRUE(program.Form().Shared.EventsReady);
+        EXPECT_TRUE(program.Form().Instrument.Shared.EventsReady);
         program.Form().Form_QueryUnload();
     }
     EXPECT_THAT(Stored(), HasSubstr(",100,100,\n")) << "the levels at the end";

@@ -79,8 +79,8 @@ TEST_F(ProgramTest, OpensMeasuresAndEndsWithStatusZero) {
         ASSERT_EQ(program.Open(), std::nullopt);
         EXPECT_TRUE(program.Window().isVisible());
         EXPECT_EQ(program.Form().lblInput.Caption(), "Simulated sound card (not a measurement)");
-        program.Form().Signals.Signal.Command1.Press();
-        EXPECT_TRUE(WaitInQt(kPatience, [&] { return program.Form().Measurement.Blocks() >= 3; }));
+        program.Form().GeneratorPanel.Controls.Command1.Press();
+        EXPECT_TRUE(WaitInQt(kPatience, [&] { return program.Form().Instrument.Meter.Blocks() >= 3; }));
         QTimer::singleShot(0, [&] { program.Window().close(); });
         EXPECT_EQ(QApplication::exec(), 0);
     }

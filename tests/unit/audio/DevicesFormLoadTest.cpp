@@ -1,4 +1,5 @@
 #include "core/ports/SoundErrors.h"
+#include "core/support/EndProgram.h"
 #include "support/DevicesRig.h"
 #include "support/Errors.h"
 

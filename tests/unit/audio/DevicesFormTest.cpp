@@ -1,5 +1,6 @@
 #include "core/ports/SoundErrors.h"
 #include "core/settings/SampleRates.h"
+#include "core/support/EndProgram.h"
 #include "support/DevicesRig.h"
 #include "support/Errors.h"
 

@@ -1,4 +1,5 @@
 #include "core/ports/SoundErrors.h"
+#include "core/support/EndProgram.h"
 #include "support/EngineBench.h"
 
 namespace sonavex {

@@ -11,7 +11,7 @@ struct Counted {
     Watched control;
     int told = 0;
     Counted() {
-        control.OnDirty([this] { ++told; });
+        control.OnDirty = [this] { ++told; };
     }
 };
 
@@ -48,7 +48,7 @@ TEST(Control, IsDirtyWithoutAFace) {
 TEST(Control, HoldsTheNewValueWhenTheFaceIsTold) {
     TextBox box;
     std::string seen;
-    box.OnDirty([&] { seen = box.Text(); });
+    box.OnDirty = [&] { seen = box.Text(); };
     box.SetText("1000");
     EXPECT_EQ(seen, "1000");
 }
@@ -148,7 +148,7 @@ TEST(Slider, ShowsTheFaceLimitsAndValueThatFitTogether) {
     slider.SetValue(80);
     slider.Clean();
     bool fits = false;
-    slider.OnDirty([&] { fits = slider.Min() == 0 && slider.Max() == 50 && slider.Value() == 50; });
+    slider.OnDirty = [&] { fits = slider.Min() == 0 && slider.Max() == 50 && slider.Value() == 50; };
     slider.SetRange(0, 50);
     EXPECT_TRUE(fits);
 }

@@ -26,11 +26,11 @@ public:
         meter->SetUpAnalysis(25, rate / 2 - 100);
         meter->Controls.chkAuto.SetValue(1);
         meter->Controls.chkMuteOutput.SetValue(1);
-        meter->Tones.NumTones = 1;
-        meter->Tones.Tones[0].Frequency = 1000;
-        meter->Tones.ResetTonePhases();
-        meter->Tones.Tones[0].Phase = phase;
-        meter->Tones.SetGeneratorRunning(true);
+        meter->Generator.NumTones = 1;
+        meter->Generator.Tones[0].Frequency = 1000;
+        meter->Generator.ResetTonePhases();
+        meter->Generator.Tones[0].Phase = phase;
+        meter->Generator.SetGeneratorRunning(true);
     }
 
     // Until 19 good blocks in a row are shown.

@@ -25,7 +25,7 @@ TEST_F(CurrentSignalTest, IsSavedInOrder) {
     signal.cmbType.UserSelects(2);
     signal.chkLoop.UserSets(true);
     log.Clear();
-    panel.Current().SaveCurrentSignal();
+    panel.CurrentSignal().SaveCurrentSignal();
     EXPECT_THAT(log.Lines(), ElementsAre("Save Signal Generator|Current Signal Loop Increment|0.01",
                                          "Save Signal Generator|Current Signal Start|1000",
                                          "Save Signal Generator|Current Signal End|3000",
@@ -38,7 +38,7 @@ TEST_F(CurrentSignalTest, IsSavedInOrder) {
 
 TEST_F(CurrentSignalTest, IsSavedFromTheControls) {
     Tone() = ToneRecord{wave::kSquare, 1, true, 5, 6, 7, 8, 9, 10, true};
-    panel.Current().SaveCurrentSignal();
+    panel.CurrentSignal().SaveCurrentSignal();
     EXPECT_EQ(Stored("Current Signal Start"), "1000");
     EXPECT_EQ(Stored("Current Signal End"), "20");
     EXPECT_EQ(Stored("Current Signal Sweep Time"), "0");
@@ -51,7 +51,7 @@ TEST_F(CurrentSignalTest, IsSavedFromTheControls) {
 
 TEST_F(CurrentSignalTest, IsSavedWithASmallDownwardStep) {
     SetSweep(1000, 20, 10000);
-    panel.Current().SaveCurrentSignal();
+    panel.CurrentSignal().SaveCurrentSignal();
     EXPECT_EQ(Stored("Current Signal Loop Increment"), "-0.00098");
 }
 
@@ -112,7 +112,7 @@ TEST_F(CurrentSignalTest, SweepsForItsSweepTime) {
 
 TEST_F(CurrentSignalTest, SaveDoesNotSlowTheNextSweep) {
     SetSweep(100, 1000, 2000);
-    panel.Current().SaveCurrentSignal();
+    panel.CurrentSignal().SaveCurrentSignal();
     signal.Command1.Press();
     EXPECT_EQ(Tone().LoopIncrement, 0.45);
 }

@@ -42,7 +42,7 @@ TEST(FreshGenerator, HasLoadedNothing) {
 class FreshPanel : public PanelRig {};
 
 TEST_F(FreshPanel, ShowsWhereItsSlidersStandWhenToldOfLimits) {
-    EXPECT_EQ(panel.Current().ToneType, 0);
+    EXPECT_EQ(panel.CurrentSignal().ToneType, 0);
     panel.FollowLimits();
     EXPECT_EQ(signal.txtGenFreq.Text(), "1");
     EXPECT_EQ(signal.txtGenEndFreq.Text(), "1");

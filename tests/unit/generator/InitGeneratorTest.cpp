@@ -206,7 +206,7 @@ TEST_F(InitGenerator, OfTheCurrentSignalAloneShowsItsLoop) {
          {std::pair{"0", false}, std::pair{"1", true}, std::pair{"700", true}}) {
         Store("Current Signal Sweep Time", timeMs);
         Store("Current Signal Loop", "True");
-        panel.Current().Restore();
+        panel.CurrentSignal().Restore();
         EXPECT_EQ(signal.chkLoop.Enabled(), enabled) << timeMs;
         EXPECT_EQ(signal.chkLoop.Value(), 1);
     }

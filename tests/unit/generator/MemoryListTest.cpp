@@ -191,7 +191,7 @@ TEST_F(MemoryList, TakesMoreAfterRemovingFromAFullOne) {
     Add();
     EXPECT_FALSE(memory.cmdGenAdd.Enabled());
     // Nothing selected, nothing removed: the list stays full.
-    panel.Tones().cmdRemove_Click();
+    panel.MemoryTones().cmdRemove_Click();
     EXPECT_EQ(memory.ToneList.Count(), 8);
     EXPECT_FALSE(memory.cmdGenAdd.Enabled());
 }
@@ -222,13 +222,13 @@ TEST_F(MemoryList, ComesBackAtTheNextStart) {
     const std::vector<std::string> lines = Lines();
     GeneratorPanel next(needs, mnuPrint, chkMuteOutput);
     next.InitGenerator();
-    ASSERT_EQ(next.Memory.ToneList.Count(), 2);
-    EXPECT_EQ(next.Memory.ToneList.List(0), lines[0]);
-    EXPECT_EQ(next.Memory.ToneList.List(1), lines[1]);
-    EXPECT_FALSE(next.Memory.ToneList.Selected(0));
-    EXPECT_TRUE(next.Memory.ToneList.Selected(1));
-    EXPECT_EQ(next.Signal.cmbType.Text(), "Triangle");
-    EXPECT_TRUE(next.Signal.chkLoop.Checked());
+    ASSERT_EQ(next.MemoryControls.ToneList.Count(), 2);
+    EXPECT_EQ(next.MemoryControls.ToneList.List(0), lines[0]);
+    EXPECT_EQ(next.MemoryControls.ToneList.List(1), lines[1]);
+    EXPECT_FALSE(next.MemoryControls.ToneList.Selected(0));
+    EXPECT_TRUE(next.MemoryControls.ToneList.Selected(1));
+    EXPECT_EQ(next.Controls.cmbType.Text(), "Triangle");
+    EXPECT_TRUE(next.Controls.chkLoop.Checked());
 }
 
 }  // namespace

@@ -90,7 +90,7 @@ TEST_F(MemoryPlayback, Stops) {
 }
 
 TEST_F(MemoryPlayback, StartsWithNothingSelected) {
-    panel.Tones().cmdStartMemory_Click();
+    panel.MemoryTones().cmdStartMemory_Click();
     EXPECT_EQ(generator.NumTones, 0);
     EXPECT_EQ(memory.cmdStartMemory.Caption(), "Stop Memory");
     EXPECT_THAT(bench.Fill(), testing::Each(0.0));
@@ -124,12 +124,12 @@ TEST_F(MemoryPlayback, ChangesTheLevelMeanwhile) {
 TEST_F(MemoryPlayback, RefusesATenthTone) {
     for (std::int32_t entry = 3; entry < 10; ++entry) memory.ToneList.AddItem("entry");
     for (std::int32_t entry = 0; entry < 9; ++entry) memory.ToneList.SetSelected(entry, true);
-    panel.Tones().cmdStartMemory_Click();
+    panel.MemoryTones().cmdStartMemory_Click();
     EXPECT_EQ(generator.NumTones, 9);
-    panel.Tones().cmdStartMemory_Click();
+    panel.MemoryTones().cmdStartMemory_Click();
     memory.ToneList.SetSelected(9, true);
     EXPECT_EQ(ErrorOf([this] {
-                  panel.Tones().cmdStartMemory_Click();
+                  panel.MemoryTones().cmdStartMemory_Click();
                   return 0;
               }),
               9);

@@ -21,7 +21,7 @@ TEST_F(SignalHandlers, StoreAChosenWaveform) {
     for (std::int32_t index = 3; index >= 0; --index) {
         log.Clear();
         signal.cmbType.UserSelects(index);
-        EXPECT_EQ(panel.Current().ToneType, index);
+        EXPECT_EQ(panel.CurrentSignal().ToneType, index);
         EXPECT_EQ(Tone().WaveType, index);
         EXPECT_THAT(log.Lines(), ElementsAre("Save Signal Generator|ToneType|" + std::to_string(index)));
     }
@@ -174,7 +174,7 @@ TEST_F(SignalHandlers, ShowTheLevelInDecibels) {
 }
 
 TEST_F(SignalHandlers, DoWithoutAPlaybackBuffer) {
-    panel.SetPlaybackVolume(nullptr);
+    panel.CurrentSignal().OnLevel = nullptr;
     volumes.clear();
     signal.sldLevel.UserMoves(-300);
     EXPECT_EQ(signal.lblGenLevel.Caption(), "-3.00 dB");

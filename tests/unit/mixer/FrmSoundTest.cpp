@@ -204,7 +204,7 @@ TEST(SoundForm, KeepsItsPlaceAndClosesOnce) {
     int shown = 0;
     int hidden = 0;
     rig.form.OnShow = [&] { ++shown; };
-    rig.form.OnUnload = [&] { ++hidden; };
+    rig.form.OnClosed = [&] { ++hidden; };
     rig.form.Show();
     rig.form.Show();
     EXPECT_EQ(shown, 2);

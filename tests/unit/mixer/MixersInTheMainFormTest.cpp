@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "core/mixer/LegacyMixerState.h"
+#include "core/support/EndProgram.h"
 #include "support/FakeSoundSystem.h"
 #include "support/MixerWorld.h"
 #include "support/ReportFakes.h"
@@ -92,7 +93,7 @@ TEST(MixersInTheMainForm, ShowTheCardThatCameBackWithARestart) {
     world.mixers.ShowSoundCard();
     world.MasterOf("Card A") = {44, 44};
     world.hardware.playback.at("Card A").erase(MixerFunction::kLineVolume);
-    world.form.Watch.OnRestarted();
+    world.form.Instrument.Watch.OnRestarted();
     EXPECT_EQ(world.mixers.SoundVista.sldMaster.Value(), 44);
     EXPECT_FALSE(world.mixers.SoundVista.sldLinePlay.Enabled());
 }
@@ -156,7 +157,7 @@ TEST_P(BadSavedLines, DoNotPreventTheStart) {
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_THAT(messages[0], HasSubstr("could not be applied completely"));
     EXPECT_GE(world.mixers.Speaker.SpeakerVolumeControl, 0);
-    EXPECT_TRUE(world.form.Shared.EventsReady) << "the stream runs";
+    EXPECT_TRUE(world.form.Instrument.Shared.EventsReady) << "the stream runs";
     world.form.Unload();
     world.mixers.ReopenSoundCard("Card A", "Line A");
     EXPECT_EQ(world.Line(), kMemoryCardLine);

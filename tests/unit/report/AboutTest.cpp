@@ -35,7 +35,7 @@ TEST_F(AboutTest, TellsTitleVersionAndBuild) {
 
 TEST_F(AboutTest, ClosesWithItsButton) {
     about.cmdOk.Press();  // no handler is set
-    about.OnUnload = [this] { log.Call("Unload"); };
+    about.OnClosed = [this] { log.Call("Unload"); };
     about.cmdOk.Press();
     EXPECT_THAT(log.Lines(), ElementsAre("Unload"));
 }

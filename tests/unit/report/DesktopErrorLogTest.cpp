@@ -5,6 +5,7 @@
 
 #include "core/ports/SoundErrors.h"
 #include "core/report/DesktopErrorLog.h"
+#include "core/support/EndProgram.h"
 #include "support/FakeSoundSystem.h"
 #include "support/FormRig.h"
 #include "support/ReportFakes.h"

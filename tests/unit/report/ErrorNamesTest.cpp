@@ -4,6 +4,7 @@
 
 #include "core/report/ErrorNames.h"
 #include "core/text/Dates.h"
+#include "core/text/Numbers.h"
 
 namespace sonavex {
 namespace {

@@ -182,7 +182,7 @@ TEST_F(PrintCommandTest, WritesEachCopyIntoAFileOfItsOwn) {
 class PrintDialogTest : public PrintCommandTest {
 protected:
     PrintDialogTest() {
-        dialog.OnUnload = [this] { log.Call("Unload"); };
+        dialog.OnClosed = [this] { log.Call("Unload"); };
         dialog.Form_Load(printer.Printers());
         log.Clear();
     }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "core/report/frmError.h"
+#include "core/support/EndProgram.h"
 #include "platform/plain/MemorySettingsStore.h"
 #include "support/Recorders.h"
 #include "support/ReportFakes.h"
@@ -16,7 +17,7 @@ const std::string kErrorFile = "Quenby DirectX Test.txt";
 class ErrorForm : public testing::Test {
 protected:
     ErrorForm() {
-        form.OnUnloaded = [this] { ++unloads; };
+        form.OnClosed = [this] { ++unloads; };
         for (const char* key : {"Input", "Output", "LineInput"}) store.Save("SoundCard", key, "old");
         state.Message = "It failed";
     }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "core/ports/SoundErrors.h"
+#include "core/support/EndProgram.h"
 #include "support/FakeSoundSystem.h"
 #include "support/FormRig.h"
 #include "support/ReportFakes.h"
@@ -44,12 +45,12 @@ TEST(SelectCard, SaysStoppedUnloadsTheMixersAndShowsTheDialog) {
 TEST(SelectCard, ChangesDevicesAndRateAndStopsTheSignal) {
     SelectingForm world;
     world.Load();
-    world.form.Signals.Signal.Command1.Press();
-    ASSERT_TRUE(world.form.Measurement.Tones.SweepRunning);
+    world.form.GeneratorPanel.Controls.Command1.Press();
+    ASSERT_TRUE(world.form.Instrument.Meter.Generator.SweepRunning);
     bool closed = false;
     world.form.ShowDeviceDialog = [&] {
         frmDevices devices(world.form.DevicesNeeds(world.files, world.help), world.form.DevicesLabels());
-        devices.OnUnloaded = [&] { closed = true; };
+        devices.OnClosed = [&] { closed = true; };
         devices.Form_Load();
         EXPECT_EQ(devices.cmbOutputMixer.Text(), "Card A");
         devices.cmbOutputMixer.UserSelects(1);
@@ -60,16 +61,16 @@ TEST(SelectCard, ChangesDevicesAndRateAndStopsTheSignal) {
     world.form.mnuSelectCard.UserChooses();
     EXPECT_TRUE(closed);
     EXPECT_THAT(world.Captions(), ElementsAre("Line B", "Card B", "48000"));
-    EXPECT_FALSE(world.form.Measurement.Tones.SweepRunning);
-    EXPECT_EQ(world.form.Signals.Signal.Command1.Caption(), "Start Current");
-    EXPECT_EQ(world.form.Signals.Signal.sldStartFreq.Max(), 24000);
+    EXPECT_FALSE(world.form.Instrument.Meter.Generator.SweepRunning);
+    EXPECT_EQ(world.form.GeneratorPanel.Controls.Command1.Caption(), "Start Current");
+    EXPECT_EQ(world.form.GeneratorPanel.Controls.sldStartFreq.Max(), 24000);
     EXPECT_EQ(world.log.Count("SetUpSoundControls"), 1U);
 }
 
 TEST(SelectCard, StopsMemoryTonesToo) {
     SelectingForm world;
     world.Load();
-    MemoryControls& memory = world.form.Signals.Memory;
+    MemoryControls& memory = world.form.GeneratorPanel.MemoryControls;
     memory.cmdGenAdd.Press();
     memory.ToneList.UserSelects(0, true);
     memory.cmdStartMemory.Press();
@@ -78,7 +79,7 @@ TEST(SelectCard, StopsMemoryTonesToo) {
     devices.Form_Load();
     devices.cmdOkay.Press();
     EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
-    EXPECT_FALSE(world.form.Measurement.Tones.GeneratorRunning);
+    EXPECT_FALSE(world.form.Instrument.Meter.Generator.GeneratorRunning);
 }
 
 TEST(SelectCard, AtAFailedStartEndsInARunningInstrument) {
@@ -93,7 +94,7 @@ TEST(SelectCard, AtAFailedStartEndsInARunningInstrument) {
         devices.cmdOkay.Press();
     };
     world.form.Form_Load();
-    EXPECT_TRUE(world.form.Shared.EventsReady);
+    EXPECT_TRUE(world.form.Instrument.Shared.EventsReady);
     EXPECT_THAT(world.Captions(), ElementsAre("Line B", "Card A", "44100"));
     EXPECT_EQ(world.log.Count("WriteErrorLog"), 1U);
 }
@@ -101,7 +102,7 @@ TEST(SelectCard, AtAFailedStartEndsInARunningInstrument) {
 TEST(EndAtOnce, GivesTheMixersBackAndStoresNothing) {
     SelectingForm world;
     world.Load();
-    world.form.Signals.Memory.cmdGenAdd.Press();
+    world.form.GeneratorPanel.MemoryControls.cmdGenAdd.Press();
     const std::size_t stored = world.store.Size();
     world.form.EndAtOnce();
     EXPECT_EQ(world.log.Count("RestoreInitial"), 1U);

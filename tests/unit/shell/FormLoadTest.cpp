@@ -2,6 +2,7 @@
 
 #include "core/ports/SoundErrors.h"
 #include "core/settings/SampleRates.h"
+#include "core/support/EndProgram.h"
 #include "support/Errors.h"
 #include "support/FakeSoundSystem.h"
 #include "support/FormRig.h"
@@ -33,21 +34,24 @@ TEST_P(Start, OfAFreshAccountStoresTheLevelAndNothingElse) {
 TEST_P(Start, TakesTheGenerationsRate) {
     ScriptedForm world(GetParam());
     world.form.Form_Load();
-    EXPECT_EQ(world.form.Shared.SampleRate, GetParam() >= 6 ? 32000 : 44100);
-    EXPECT_EQ(world.form.Shared.OsMajorVersion, GetParam());
-    EXPECT_EQ(world.form.Signals.Signal.sldStartFreq.Max(), world.form.Shared.SampleRate / 2);
-    EXPECT_EQ(world.form.Signals.Signal.sldEndFreq.Max(), world.form.Shared.SampleRate / 2);
+    EXPECT_EQ(world.form.Instrument.Shared.SampleRate, GetParam() >= 6 ? 32000 : 44100);
+    EXPECT_EQ(world.form.Instrument.Shared.OsMajorVersion, GetParam());
+    EXPECT_EQ(world.form.GeneratorPanel.Controls.sldStartFreq.Max(),
+              world.form.Instrument.Shared.SampleRate / 2);
+    EXPECT_EQ(world.form.GeneratorPanel.Controls.sldEndFreq.Max(),
+              world.form.Instrument.Shared.SampleRate / 2);
 }
 
 TEST_P(Start, LeavesTheStreamPrimingAndTheTimerDisabled) {
     ScriptedForm world(GetParam());
     world.form.Form_Load();
-    EXPECT_TRUE(world.form.Shared.EventsReady);
-    EXPECT_TRUE(world.form.Engine.RestartPending);
-    EXPECT_EQ(world.form.Engine.PlayBlockIndex, 0);
-    EXPECT_EQ(world.form.Engine.CaptureSegment, 0);
-    EXPECT_FALSE(world.form.HiTimer1->Enabled());
-    EXPECT_DOUBLE_EQ(world.form.Measurement.Analysis().LowFraction, 25.0 / world.form.Shared.SampleRate);
+    EXPECT_TRUE(world.form.Instrument.Shared.EventsReady);
+    EXPECT_TRUE(world.form.Instrument.Engine.RestartPending);
+    EXPECT_EQ(world.form.Instrument.Engine.PlayBlockIndex, 0);
+    EXPECT_EQ(world.form.Instrument.Engine.CaptureSegment, 0);
+    EXPECT_FALSE(world.form.Instrument.HiTimer1.Enabled());
+    EXPECT_DOUBLE_EQ(world.form.Instrument.Meter.Analysis().LowFraction,
+                     25.0 / world.form.Instrument.Shared.SampleRate);
     EXPECT_EQ(world.form.Frame.Caption(), "Sonavex & Function Generator");
     EXPECT_EQ(world.form.HelpFile, "/opt/sonavex/Sonavex.chm");
 }
@@ -77,7 +81,7 @@ TEST_P(StoredRate, OutsideTheTableIsResetWithOneMessage) {
     ScriptedForm world(10);
     world.store.Save("SoundCard", "SampleRate", GetParam());
     world.form.Form_Load();
-    EXPECT_EQ(world.form.Shared.SampleRate, 22050);
+    EXPECT_EQ(world.form.Instrument.Shared.SampleRate, 22050);
     EXPECT_EQ(world.store.Get("SoundCard", "SampleRate", ""), "3");
     EXPECT_THAT(world.log.Of("Message"),
                 ElementsAre("Message information Invalid Sampling Rate. Resetting to 22050."));
@@ -88,7 +92,7 @@ TEST(StoredRates, SelectTheirRate) {
         ScriptedForm world(10);
         world.store.Save("SoundCard", "SampleRate", std::to_string(i));
         world.form.Form_Load();
-        EXPECT_EQ(world.form.Shared.SampleRate, SampleRateTable[i]);
+        EXPECT_EQ(world.form.Instrument.Shared.SampleRate, SampleRateTable[i]);
         EXPECT_THAT(world.log.Of("Message"), IsEmpty());
     }
 }
@@ -113,13 +117,13 @@ TEST(StoredBoxes, AreRestoredWithTheirEffectsAndNotStoredAgain) {
     world.store.Save("Signal Generator", "MuteMeter", "0");
     const std::size_t before = world.store.Size();
     world.form.Form_Load();
-    EXPECT_FALSE(world.form.Measurement.Controls.chkAuto.Checked());
-    EXPECT_TRUE(world.form.Measurement.Controls.txtFreq.Enabled());
-    EXPECT_TRUE(world.form.BaselineOptions.chkBaseline.Checked());
-    EXPECT_FALSE(world.form.BaselineOptions.cmdBaseline.Enabled());
-    EXPECT_EQ(world.form.Measurement.Analysis().BaselineOn, 1);
-    EXPECT_DOUBLE_EQ(world.form.Measurement.Analysis().BaselinePct[0], 0.5);
-    EXPECT_FALSE(world.form.Measurement.Controls.chkMuteOutput.Checked());
+    EXPECT_FALSE(world.form.Instrument.Meter.Controls.chkAuto.Checked());
+    EXPECT_TRUE(world.form.Instrument.Meter.Controls.txtFreq.Enabled());
+    EXPECT_TRUE(world.form.Baseline.chkBaseline.Checked());
+    EXPECT_FALSE(world.form.Baseline.cmdBaseline.Enabled());
+    EXPECT_EQ(world.form.Instrument.Meter.Analysis().BaselineOn, 1);
+    EXPECT_DOUBLE_EQ(world.form.Instrument.Meter.Analysis().BaselinePct[0], 0.5);
+    EXPECT_FALSE(world.form.Instrument.Meter.Controls.chkMuteOutput.Checked());
     EXPECT_EQ(world.store.Size(), before + 1);  // the level
 }
 
@@ -149,11 +153,11 @@ TEST(MissingDevices, OpenTheDeviceDialogAndTheStartGoesOn) {
     world.form.ShowDeviceDialog = [&] {
         ++shown;
         world.log.Heal("CreateCaptureDevice");
-        ASSERT_TRUE(world.form.Engine.ReStart());
+        ASSERT_TRUE(world.form.Instrument.Engine.ReStart());
     };
     world.form.Form_Load();
     EXPECT_EQ(shown, 1);
-    EXPECT_TRUE(world.form.Shared.EventsReady);
+    EXPECT_TRUE(world.form.Instrument.Shared.EventsReady);
 }
 
 }  // namespace

@@ -29,8 +29,8 @@ struct LoggedForm : WorldOf<VirtualEventLoop, RecordingSettings, WatchingMixers>
         desktop.majorVersion = osMajorVersion;
         form.Frame.SetSize(980, 640);
         mixers.lowEdgeHz = [this] {
-            return static_cast<int>(
-                std::lround(form.Measurement.Analysis().LowFraction * form.Shared.SampleRate));
+            return static_cast<int>(std::lround(form.Instrument.Meter.Analysis().LowFraction *
+                                                form.Instrument.Shared.SampleRate));
         };
     }
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "core/support/EndProgram.h"
 #include "support/FakeSoundSystem.h"
 #include "support/FormRig.h"
 
@@ -30,7 +31,7 @@ TEST(Shutdown, HappensOnce) {
     FormRig rig;
     rig.form.Form_Load();
     int unloaded = 0;
-    rig.form.OnUnloaded = [&](int) { ++unloaded; };
+    rig.form.OnClosed = [&](int) { ++unloaded; };
     rig.form.mnuExit.UserChooses();
     rig.log.Clear();
     rig.form.Form_QueryUnload();
@@ -52,22 +53,22 @@ TEST(Closing, WaitsForATickToEnd) {
     FormRig rig;
     rig.form.Form_Load();
     bool unloaded = false;
-    rig.form.OnUnloaded = [&](int) { unloaded = true; };
-    SignalControls& signal = rig.form.Signals.Signal;
+    rig.form.OnClosed = [&](int) { unloaded = true; };
+    SignalControls& signal = rig.form.GeneratorPanel.Controls;
     signal.sldEndFreq.UserMoves(5000);
     signal.sldSweepTime.UserMoves(1000);
     signal.sldSweepTime.UserReleases();
     signal.Command1.Press();
-    ASSERT_TRUE(rig.form.HiTimer1->Enabled());
+    ASSERT_TRUE(rig.form.Instrument.HiTimer1.Enabled());
     bool unloadedInsideTick = false;
     bool asked = false;
     rig.loop.OnYield([&] {
-        if (!rig.form.HiTimer1->Ticking()) return;
+        if (!rig.form.Instrument.HiTimer1.Ticking()) return;
         if (!asked) rig.form.Unload();
         asked = true;
         unloadedInsideTick = unloadedInsideTick || unloaded;
     });
-    rig.form.HiTimer1->Tick();
+    rig.form.Instrument.HiTimer1.Tick();
     EXPECT_TRUE(asked);
     EXPECT_FALSE(unloadedInsideTick);
     rig.loop.OnYield({});
@@ -79,7 +80,7 @@ TEST(Closing, IsTheSameByTheButton) {
     FormRig rig;
     rig.form.Form_Load();
     int unloaded = 0;
-    rig.form.OnUnloaded = [&](int) { ++unloaded; };
+    rig.form.OnClosed = [&](int) { ++unloaded; };
     rig.log.Clear();
     rig.form.cmdExit.Press();
     EXPECT_EQ(unloaded, 1);
@@ -90,8 +91,8 @@ TEST(Ending, KeepsItsStatusAndWaitsForATickToo) {
     FormRig rig;
     rig.form.Form_Load();
     std::vector<int> statuses;
-    rig.form.OnUnloaded = [&](int status) { statuses.push_back(status); };
-    SignalControls& signal = rig.form.Signals.Signal;
+    rig.form.OnClosed = [&](int status) { statuses.push_back(status); };
+    SignalControls& signal = rig.form.GeneratorPanel.Controls;
     signal.sldSweepTime.UserMoves(1000);
     signal.sldSweepTime.UserReleases();
     signal.Command1.Press();
@@ -101,7 +102,7 @@ TEST(Ending, KeepsItsStatusAndWaitsForATickToo) {
         asked = true;
         EXPECT_TRUE(statuses.empty());
     });
-    rig.form.HiTimer1->Tick();
+    rig.form.Instrument.HiTimer1.Tick();
     rig.loop.OnYield({});
     rig.form.Unload();
     rig.loop.DeliverSignals();
@@ -113,14 +114,14 @@ TEST(Closing, WaitsForARestartOfTheEngine) {
     FormRig rig;
     rig.form.Form_Load();
     bool unloaded = false;
-    rig.form.OnUnloaded = [&](int) { unloaded = true; };
+    rig.form.OnClosed = [&](int) { unloaded = true; };
     bool asked = false;
     rig.loop.OnYield([&] {
         if (!asked) rig.form.Unload();
         asked = true;
         EXPECT_FALSE(unloaded);
     });
-    EXPECT_TRUE(rig.form.Engine.ReStart());
+    EXPECT_TRUE(rig.form.Instrument.Engine.ReStart());
     EXPECT_TRUE(asked);
     rig.loop.OnYield({});
     rig.loop.DeliverSignals();
@@ -137,7 +138,7 @@ TEST_P(FailingStep, IsShownAndLosesNoOther) {
     frmMain form(world.On(sound));
     form.Form_Load();
     int status = -1;
-    form.OnUnloaded = [&](int asked) { status = asked; };
+    form.OnClosed = [&](int asked) { status = asked; };
     world.log.Fail(GetParam(), RuntimeError(error_number::kInvalidCall, "broken"));
     world.log.Clear();
     form.Unload();
@@ -187,11 +188,11 @@ TEST(OpenMessage, DropsAndCountsNotifications) {
         sound.FireSegment(2);
     };
     form.Guard.Run([] { throw RuntimeError(error_number::kOverflow); });
-    EXPECT_EQ(form.Engine.DroppedNotifications, 2U);
-    EXPECT_EQ(form.Engine.Blocks, 1U);
+    EXPECT_EQ(form.Instrument.Engine.DroppedNotifications, 2U);
+    EXPECT_EQ(form.Instrument.Engine.Blocks, 1U);
     sound.FireSegment(3);
-    EXPECT_EQ(form.Engine.Blocks, 2U);
-    EXPECT_EQ(form.Engine.DroppedNotifications, 2U);
+    EXPECT_EQ(form.Instrument.Engine.Blocks, 2U);
+    EXPECT_EQ(form.Instrument.Engine.DroppedNotifications, 2U);
 }
 
 TEST(Path, IsToldAndFollowed) {
@@ -217,9 +218,9 @@ TEST(Restart, BringsBackWhatWasStored) {
     first.form.Form_Load();
     first.form.TabStrip1.UserSelects(1);
     first.form.Frame.Move(120, 80);
-    first.form.Measurement.Controls.chkMuteOutput.UserSets(false);
-    first.form.Signals.Signal.sldStartFreq.UserMoves(440);
-    first.form.Signals.Memory.cmdGenAdd.Press();
+    first.form.Instrument.Meter.Controls.chkMuteOutput.UserSets(false);
+    first.form.GeneratorPanel.Controls.sldStartFreq.UserMoves(440);
+    first.form.GeneratorPanel.MemoryControls.cmdGenAdd.Press();
     first.form.Unload();
 
     FormRig second;
@@ -228,27 +229,27 @@ TEST(Restart, BringsBackWhatWasStored) {
     EXPECT_EQ(second.form.TabStrip1.Index(), 1);
     EXPECT_EQ(second.form.Frame.Left(), 120);
     EXPECT_EQ(second.form.Frame.Top(), 80);
-    EXPECT_FALSE(second.form.Measurement.Controls.chkMuteOutput.Checked());
-    EXPECT_EQ(second.form.Signals.Signal.sldStartFreq.Value(), 440);
-    ASSERT_EQ(second.form.Signals.Memory.ToneList.Count(), 1);
-    EXPECT_EQ(second.form.Signals.Memory.ToneList.List(0), "440Hz / NA / Sine / NA / No Loop");
+    EXPECT_FALSE(second.form.Instrument.Meter.Controls.chkMuteOutput.Checked());
+    EXPECT_EQ(second.form.GeneratorPanel.Controls.sldStartFreq.Value(), 440);
+    ASSERT_EQ(second.form.GeneratorPanel.MemoryControls.ToneList.Count(), 1);
+    EXPECT_EQ(second.form.GeneratorPanel.MemoryControls.ToneList.List(0), "440Hz / NA / Sine / NA / No Loop");
 }
 
 TEST(LowerRate, ClampsTheFrequenciesAndShowsThem) {
     FormRig rig;
     rig.form.Form_Load();
-    rig.form.Signals.Signal.sldStartFreq.UserMoves(15000);
-    rig.form.Signals.Signal.sldEndFreq.UserMoves(15500);
-    rig.form.Shared.SampleRate = 16000;
-    ASSERT_TRUE(rig.form.Engine.ReStart());
-    EXPECT_EQ(rig.form.Signals.Signal.sldEndFreq.Max(), 8000);
-    EXPECT_EQ(rig.form.Signals.Signal.sldEndFreq.Value(), 8000);
-    EXPECT_EQ(rig.form.Signals.Signal.txtGenEndFreq.Text(), "8000");
-    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Max(), 8000);
-    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Min(), 1);
-    EXPECT_EQ(rig.form.Signals.Signal.sldStartFreq.Value(), 8000);
-    EXPECT_EQ(rig.form.Signals.Signal.txtGenFreq.Text(), "8000");
-    EXPECT_EQ(rig.form.Measurement.Tones.Tones[0].StartFrequency, 8000.0);
+    rig.form.GeneratorPanel.Controls.sldStartFreq.UserMoves(15000);
+    rig.form.GeneratorPanel.Controls.sldEndFreq.UserMoves(15500);
+    rig.form.Instrument.Shared.SampleRate = 16000;
+    ASSERT_TRUE(rig.form.Instrument.Engine.ReStart());
+    EXPECT_EQ(rig.form.GeneratorPanel.Controls.sldEndFreq.Max(), 8000);
+    EXPECT_EQ(rig.form.GeneratorPanel.Controls.sldEndFreq.Value(), 8000);
+    EXPECT_EQ(rig.form.GeneratorPanel.Controls.txtGenEndFreq.Text(), "8000");
+    EXPECT_EQ(rig.form.GeneratorPanel.Controls.sldStartFreq.Max(), 8000);
+    EXPECT_EQ(rig.form.GeneratorPanel.Controls.sldStartFreq.Min(), 1);
+    EXPECT_EQ(rig.form.GeneratorPanel.Controls.sldStartFreq.Value(), 8000);
+    EXPECT_EQ(rig.form.GeneratorPanel.Controls.txtGenFreq.Text(), "8000");
+    EXPECT_EQ(rig.form.Instrument.Meter.Generator.Tones[0].StartFrequency, 8000.0);
 }
 
 TEST(Level, ReachesThePlaybackBufferThroughTheForm) {
@@ -257,7 +258,7 @@ TEST(Level, ReachesThePlaybackBufferThroughTheForm) {
     frmMain form(world.On(sound));
     form.Form_Load();
     world.log.Clear();
-    form.Signals.Signal.sldLevel.UserMoves(-600);
+    form.GeneratorPanel.Controls.sldLevel.UserMoves(-600);
     EXPECT_THAT(world.log.Of("playbackBuffer.SetVolume"), ElementsAre("playbackBuffer.SetVolume -600"));
 }
 

@@ -2,8 +2,9 @@
 
 #include <new>
 
-#include "core/shell/HandlerGuard.h"
+#include "core/report/HandlerGuard.h"
 #include "core/shell/frmSplash.h"
+#include "core/support/EndProgram.h"
 #include "support/CallLog.h"
 #include "support/Recorders.h"
 #include "support/VirtualEventLoop.h"

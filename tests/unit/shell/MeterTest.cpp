@@ -46,10 +46,10 @@ TEST_F(MeterTest, CountsBlocksAndPlaces) {
 TEST_F(MeterTest, UpdatesAtBlocks18And37And56) {
     std::vector<std::int64_t> updates;
     std::vector<std::int64_t> settled;
-    meter.OnBlock([&] {
+    meter.OnBlock = [&] {
         if (meter.Updated()) updates.push_back(meter.Blocks());
         if (meter.Settled()) settled.push_back(meter.Blocks());
-    });
+    };
     FeedTone(60);
     EXPECT_EQ(updates, (std::vector<std::int64_t>{18, 37, 56}));
     EXPECT_EQ(settled, (std::vector<std::int64_t>{37, 56}));
@@ -132,14 +132,14 @@ TEST_F(MeterTest, ShowsWhereItIsInTheCycleAndWhetherItSettles) {
 }
 
 TEST_F(MeterTest, PlaysItsGenerator) {
-    meter.Tones.NumTones = 1;
-    meter.Tones.Tones[0].Frequency = 1000;
-    meter.Tones.ResetTonePhases();
-    meter.Tones.SetGeneratorRunning(true);
+    meter.Generator.NumTones = 1;
+    meter.Generator.Tones[0].Frequency = 1000;
+    meter.Generator.ResetTonePhases();
+    meter.Generator.SetGeneratorRunning(true);
     Feed(Silence(), 1);
     EXPECT_EQ(playback[0], 1598);  // 8191.75 sin(2 pi / 32)
     EXPECT_EQ(playback[1], 1598);
-    meter.Tones.SetGeneratorRunning(false);
+    meter.Generator.SetGeneratorRunning(false);
     Feed(Silence(), 1);
     EXPECT_EQ(playback[0], 0);
 }

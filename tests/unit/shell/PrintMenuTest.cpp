@@ -10,13 +10,13 @@ TEST(PrintMenuTest, IsEnabledByTheFirstLockedUpdate) {
     rig.form.Form_Load();
     EXPECT_FALSE(rig.form.mnuPrint.Enabled());
     // Silence: an update without lock.
-    rig.form.Measurement.Controls.chkAuto.UserSets(false);
-    rig.form.Measurement.Controls.txtFreq.UserTypes("440");
+    rig.form.Instrument.Meter.Controls.chkAuto.UserSets(false);
+    rig.form.Instrument.Meter.Controls.txtFreq.UserTypes("440");
     rig.Step(40);
-    EXPECT_GT(rig.form.Measurement.Blocks(), 38);
+    EXPECT_GT(rig.form.Instrument.Meter.Blocks(), 38);
     EXPECT_FALSE(rig.form.mnuPrint.Enabled());
-    rig.form.Measurement.Controls.chkAuto.UserSets(true);
-    rig.form.Signals.Signal.Command1.Press();
+    rig.form.Instrument.Meter.Controls.chkAuto.UserSets(true);
+    rig.form.GeneratorPanel.Controls.Command1.Press();
     rig.Step(40);
     EXPECT_TRUE(rig.form.mnuPrint.Enabled());
 }

@@ -7,6 +7,7 @@
 
 #include "core/ports/Dialogs.h"
 #include "core/ports/ErrorLog.h"
+#include "core/support/EndProgram.h"
 #include "core/support/RuntimeError.h"
 
 namespace sonavex {

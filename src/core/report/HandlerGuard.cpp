@@ -1,4 +1,4 @@
-#include "core/shell/HandlerGuard.h"
+#include "core/report/HandlerGuard.h"
 
 #include <algorithm>
 #include <new>

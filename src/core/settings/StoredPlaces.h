@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/controls/ModelessForm.h"
+#include "core/controls/FormPlaces.h"
 #include "core/settings/Windows.h"
 
 namespace sonavex {

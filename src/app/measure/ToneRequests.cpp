@@ -1,4 +1,4 @@
-#include "app/measure/Tones.h"
+#include "app/measure/ToneRequests.h"
 
 #include <algorithm>
 #include <array>
