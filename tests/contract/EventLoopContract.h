@@ -18,12 +18,12 @@ namespace sonavex {
 
 using namespace std::chrono_literals;
 
-// What every event loop keeps. A Platform is default constructible, lives for one test, and offers
-//   EventLoop& Loop()
-//   void Yield()                      as the loop's, but an error of a handler does not leave it
-//   int Errors()                      how many errors left handlers up to now
-//   bool RunUntil(condition, limit)   runs the loop until the condition holds, false when the time is
-//                                     over; a condition that no event announces is noticed too
+// Contract of every event loop. A Platform is default constructible, lives for one test, and offers
+// EventLoop& Loop()
+// void Yield() like the loop's, but errors of handlers do not leave it
+// int Errors() number of errors that left handlers so far
+// bool RunUntil(condition, limit) runs the loop until the condition holds; false after the limit; also
+// notices a condition that changes without an event
 template <class Platform>
 class EventLoopContract : public testing::Test {
 protected:

@@ -17,11 +17,10 @@
 
 namespace sonavex {
 
-// What every sound system keeps, whatever stands behind it. A Platform is default constructible,
-// lives as long as the suite and offers
-//   std::unique_ptr<SoundSystem> Create(EventLoop&)
-//   std::string DefaultOutput(), DefaultInput()     identifiers of the current defaults
-// where the default input returns bit for bit what the default output plays at 48000 Hz.
+// Contract of every sound system. A Platform is default constructible, lives as long as the suite and offers
+// std::unique_ptr<SoundSystem> Create(EventLoop&)
+// std::string DefaultOutput(), DefaultInput() identifiers of the current defaults
+// The default input must return bit for bit what the default output plays at 48000 Hz.
 template <class Platform>
 class SoundSystemContract : public testing::Test {
 protected:
@@ -68,7 +67,7 @@ protected:
 
 TYPED_TEST_SUITE_P(SoundSystemContract);
 
-// Inside a typed test the members of the fixture are found through `this`.
+// In a typed test, members of the fixture are accessed through `this`.
 
 TYPED_TEST_P(SoundSystemContract, ListsThePrimaryDeviceThenTheDefaultOne) {
     this->ExpectShape(this->system_->EnumeratePlayback(), this->platform_->DefaultOutput());
@@ -140,7 +139,7 @@ TYPED_TEST_P(SoundSystemContract, CursorsOfAStoppedBufferAreZero) {
 TYPED_TEST_P(SoundSystemContract, CursorsAdvanceWithTheClockAndWrap) {
     this->OpenPlayback();
     this->playback_->PlayLooping();
-    // The device fills its own buffer at first.
+    // The device fills its own buffer first.
     this->loop_.RunUntil([] { return false; }, std::chrono::milliseconds(200));
     BufferCursors last = this->playback_->GetCurrentPosition();
     const auto start = this->loop_.Now();
@@ -252,7 +251,7 @@ TYPED_TEST_P(SoundSystemContract, TheDeviceDelayStaysWithinThreeBlocks) {
     this->playback_->WriteBuffer(0, pattern);
     this->capture_->StartLooping();
     this->playback_->PlayLooping();
-    std::int64_t heard = 0;  // frames captured since the first that was played
+    std::int64_t heard = 0;  // frames captured since the first played one
     std::vector<std::int16_t> recording(kCaptureBytes / 2);
     ASSERT_TRUE(WaitUntil(
         this->loop_,
@@ -298,7 +297,7 @@ TYPED_TEST_P(SoundSystemContract, DestroyingAnEventDiscardsWhatIsWaiting) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     this->system_->DestroyEvent(event);
-    // Once round and more: what is signalled later is for nobody as well.
+    // More than one cycle of the buffer: later signals must not be delivered either.
     this->loop_.RunUntil([] { return false; }, std::chrono::milliseconds(250));
     EXPECT_EQ(delivered, 0);
     EXPECT_GE(this->capture_->Statistics().segmentsCompleted, 2U);

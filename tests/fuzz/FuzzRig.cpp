@@ -22,7 +22,7 @@ bool Within(const Slider& slider) {
     return slider.Min() <= slider.Value() && slider.Value() <= slider.Max();
 }
 
-// A reading on a label: nothing, a word, or a finite number.
+// Whether a label holds a valid reading: nothing, a word, or a finite number.
 bool IsReading(const std::string& caption) {
     for (const char* word : {"", "N/A", "Ovr", "Muted"})
         if (caption == word) return true;
@@ -61,7 +61,7 @@ bool FuzzRig::Start() {
     return false;
 }
 
-// As the forms' owner does it: dialog after dialog until one may close.
+// As the owner of the forms does: reopens the dialog until it may close.
 void FuzzRig::ShowDevices() {
     frmDevices devices(form.DevicesNeeds(files, help), form.DevicesLabels());
     bool open = true;

@@ -20,31 +20,31 @@
 
 namespace sonavex::fuzz {
 
-// The whole instrument without its face, as the program puts it together, on the stepped simulated card.
-// What the user would see of it is looked at: Check after every step.
+// The whole instrument without its window, assembled as in the program, on the stepped simulated card. Check
+// verifies what the user would see; call it after every step.
 class FuzzRig {
 public:
-    // The store must outlive the instrument. `plainText`: what goes in is UTF-8, so what is shown must be.
+    // The store must outlive the instrument. `plainText`: the input is UTF-8, so all shown texts must be.
     FuzzRig(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool plainText);
     ~FuzzRig();
     FuzzRig(const FuzzRig&) = delete;
     FuzzRig& operator=(const FuzzRig&) = delete;
 
-    // The start, as the program makes it: true when the instrument runs; false when settings kept it from
-    // that, which has then been told with the key that is to blame, and the shutdown has run.
+    // Starts as the program does. True if the instrument runs. False if settings prevented the start; the
+    // message has then named the key, and the shutdown has run.
     bool Start();
-    // So many blocks through the card, with the time that they take.
+    // Moves `blocks` blocks through the card, with their duration.
     void Step(int blocks);
-    // An action of the user. What it raises is told as the program tells it; the program's end is an end.
+    // Performs a user action. Errors are shown as the program shows them; EndProgram ends the instrument.
     void Act(const std::function<void()>& action);
-    // Whether an end has been asked for and made.
+    // Whether the program has ended.
     bool Ended() const noexcept { return ended_; }
     void ShutDown();
-    // How many run-time errors the user has been told of.
+    // Number of run-time errors shown to the user.
     std::size_t ErrorsTold() const;
 
     enum class After { kAnAction, kABlock };
-    // Finite readings, levels, phases and positions inside their limits, texts that can be shown.
+    // Requires finite readings, levels, phases and positions in range, and displayable texts.
     void Check(After what);
 
     CallLog log;
@@ -70,7 +70,7 @@ public:
                        form.Instrument.Meter.Controls,
                        form.cmdPrint,
                        form.mnuPrint};
-    // What the user does in the dialog for devices; a dialog that this leaves open is closed.
+    // User's actions in the device dialog. A dialog that they leave open is closed.
     std::function<void(frmDevices&)> InDeviceDialog;
 
 private:

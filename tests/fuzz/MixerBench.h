@@ -9,7 +9,7 @@
 
 namespace sonavex::fuzz {
 
-// The simulated card's mixer with the older control, the library and the raw levels over it.
+// The simulated card's mixer and everything built on it.
 struct MixerBench {
     // Each bit of `lacking` removes a control, in the order of MixerFunction.
     explicit MixerBench(std::uint32_t lacking = 0) {

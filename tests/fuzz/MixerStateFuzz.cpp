@@ -1,5 +1,5 @@
-// Stored mixer levels: state lines of both generations and the journal of the user's own levels. The first
-// byte selects which, the next two remove controls.
+// Stored mixer levels: state lines of both generations and the journal. The first byte selects the kind, the
+// next two remove controls.
 
 #include "core/mixer/LegacyMixerState.h"
 #include "core/mixer/LevelKeeper.h"
@@ -21,7 +21,7 @@ public:
     std::string text;
 };
 
-// Errors that a line may raise, each with a text.
+// Requires an error that a line may raise, with a text.
 void Expect(const RuntimeError& error) {
     Require(error.Number() == error_number::kInvalidCall || error.Number() == error_number::kTypeMismatch ||
                 error.Number() == error_number::kOverflow,

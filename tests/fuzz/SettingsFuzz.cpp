@@ -1,8 +1,8 @@
-// Stored settings of any content: the instrument starts, or it says which value keeps it from that. Then it
-// measures and plays, and ends. Whatever it stores starts it again.
+// Stored settings with any content: the instrument starts, or names the value that prevents it. Then it
+// measures, plays and ends. What it has stored must start again.
 //
-// First byte: bit 0 the older generation of the system, bit 1 a file in place of values, bits 2 to 4 how many
-// blocks. Values come one a line: a byte for the key, then the text.
+// First byte: bit 0 the older generation of the system, bit 1 a file in place of values, bits 2 to 4 the
+// number of blocks. Values are one per line: a byte for the key, then the text.
 
 #include <array>
 #include <string_view>
@@ -64,7 +64,7 @@ std::vector<PlacedKey> AllKeys() {
     return all;
 }
 
-// Whether all values are UTF-8, as for the next.
+// Stores values; returns whether all are UTF-8. Same result for StoreFile.
 bool StoreValues(Input& input, SettingsStore& store) {
     static const std::vector<PlacedKey> kKeys = AllKeys();
     bool plainText = true;
@@ -77,7 +77,7 @@ bool StoreValues(Input& input, SettingsStore& store) {
     return plainText;
 }
 
-// What a file says is what is written from it.
+// Writing a file that was read gives the same content.
 bool StoreFile(Input& input, SettingsStore& store) {
     bool plainText = true;
     const IniReading reading = ReadIni(input.Rest());
@@ -92,7 +92,7 @@ bool StoreFile(Input& input, SettingsStore& store) {
     return plainText;
 }
 
-// Every tone that is stored sounds, and so does the current signal.
+// Plays every stored tone and the current signal.
 void Play(FuzzRig& instrument, int blocks) {
     MemoryControls& memory = instrument.form.GeneratorPanel.MemoryControls;
     instrument.Step(blocks);

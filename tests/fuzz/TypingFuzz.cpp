@@ -1,5 +1,5 @@
-// A user who types anything into every box, presses every button and moves what can be moved, while sound
-// runs. Each action is a byte for what is done and what that needs.
+// A user who types anything, presses every button and moves every slider while sound runs. Each action is one
+// byte, followed by its arguments.
 
 #include <array>
 
@@ -15,7 +15,7 @@ using fuzz::Require;
 constexpr int kMostActions = 60;
 constexpr std::uint8_t kMostBlocks = 20;
 
-// The hands of the user.
+// Performs the user's actions.
 class User {
 public:
     User(FuzzRig& instrument, Input& input) : instrument_(instrument), input_(input) {
@@ -58,7 +58,7 @@ public:
     }
 
 private:
-    // A keyboard gives characters only, and a box takes one line.
+    // A keyboard produces valid characters only, and a box takes one line.
     std::string Text() { return fuzz::AsUtf8(input_.Line()); }
 
     TextBox& Box() {
@@ -67,7 +67,7 @@ private:
                                             &instrument_.form.Instrument.Meter.Controls.txtFreq};
         return *boxes.at(input_.Byte() % boxes.size());
     }
-    // A greyed box takes nothing.
+    // A disabled box takes no input.
     void TypeIntoABox() {
         TextBox& box = Box();
         const std::string text = Text();

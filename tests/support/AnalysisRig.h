@@ -15,7 +15,7 @@
 
 namespace sonavex {
 
-// A generator of the test's own: adds what it is told to, or nothing.
+// A scripted generator: adds the given samples, or nothing.
 class ScriptedFill : public BlockFill {
 public:
     std::function<void(std::span<double>, std::span<double>, std::int32_t)> fill;
@@ -31,20 +31,20 @@ class AnalysisRig {
 public:
     explicit AnalysisRig(std::int32_t sampleRate, std::int32_t lowHz = 25);
 
-    // One block, or several from a signal that goes on from call to call.
+    // Feeds one block, or several from a signal that continues between calls.
     void Feed(std::span<const std::int16_t> block);
     void Feed(const StereoSignal& signal, int blocks);
 
-    // A bin and the magnitude that it shall have.
+    // A bin and its magnitude.
     using Line = std::pair<std::int32_t, double>;
-    // One block whose filtered spectrum has exactly these lines: the filter is replaced by them and
-    // the block is a single step of 1. Every other bin is 0.
+    // Feeds blocks whose filtered spectrum has exactly these lines and 0 elsewhere: the lines replace the
+    // filter, and the block is a single step of 1.
     void FeedLines(const std::vector<Line>& lines, int blocks = 1);
 
-    // One cycle's end without the blocks before it: the averages of these lines alone, over 19.
+    // Ends a cycle with these lines alone; the averages are over 19.
     void MeasureLines(const std::vector<Line>& lines);
 
-    // Captions of one kind in a row, separated by blanks; an empty one is shown as "-".
+    // Captions of one kind, separated by blanks; an empty caption is "-".
     std::string Percentages() const;
     std::string Levels() const;
 

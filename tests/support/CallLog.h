@@ -14,13 +14,13 @@ namespace sonavex {
 // blanks. An operation can be made to fail.
 class CallLog {
 public:
-    // Records the call; raises the error that the operation was given.
+    // Records the call; raises the error set for the operation.
     void Call(const std::string& operation, const std::string& arguments = {}) {
         Note(arguments.empty() ? operation : operation + ' ' + arguments);
         const auto failing = failing_.find(operation);
         if (failing != failing_.end()) throw failing->second;
     }
-    // Records without ever failing: for destructors and calls that may not fail.
+    // Records without failing, for destructors and calls that must not fail.
     void Note(const std::string& line) {
         if (!countsOnly_) return lines_.push_back(line);
         Counted& counted = counted_[line.substr(0, line.find(' '))];
@@ -45,7 +45,7 @@ public:
     const std::vector<std::string>& Lines() const noexcept { return lines_; }
     void Clear() noexcept { lines_.clear(); }
 
-    // Lines whose operation is this one.
+    // Lines of this operation.
     std::vector<std::string> Of(std::string_view operation) const {
         std::vector<std::string> found;
         std::copy_if(lines_.begin(), lines_.end(), std::back_inserter(found),

@@ -7,8 +7,8 @@
 
 namespace sonavex {
 
-// The selection of devices over an engine on scripted devices: playback "out-a" and "out-b", capture
-// "in-a" and "in-b", all calls in one log.
+// The selection of devices over an engine on scripted devices: playback "out-a" and "out-b", capture "in-a"
+// and "in-b". All calls go to one log.
 struct DevicesRig : EngineBench {
     explicit DevicesRig(std::int32_t osMajorVersion = 10) : EngineBench(osMajorVersion) {
         form.OnClosed = [this] { ++unloads; };
@@ -22,7 +22,7 @@ struct DevicesRig : EngineBench {
         }
     }
     std::string Stored(const char* key) const { return store.Get("SoundCard", key, "(absent)"); }
-    // Loads the form and forgets what that recorded.
+    // Loads the form and clears the log.
     void Load() {
         form.Form_Load();
         log.Clear();

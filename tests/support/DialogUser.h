@@ -28,7 +28,7 @@ public:
     DialogUser(const DialogUser&) = delete;
     DialogUser& operator=(const DialogUser&) = delete;
 
-    // Called every few milliseconds, with or without a dialog.
+    // Called every few milliseconds, with or without an open dialog.
     std::function<void()> OnLook;
 
 private:

@@ -21,7 +21,7 @@ namespace sonavex {
 // One buffer each way on a sound system, as the stream engine opens them.
 class Duplex {
 public:
-    // The longest time that a call may take and that may pass until a loss is reported.
+    // Limit for a call, and for the report of a loss.
     static constexpr std::chrono::seconds kLimit{3};
 
     Duplex(PlainEventLoop& loop, SoundSystem& system) : loop_(loop), system_(system) {
@@ -55,7 +55,7 @@ public:
             loop_, [&] { return capture->Statistics().framesCaptured > before; }, kLimit);
     }
 
-    // Both buffers report their loss, once, with both texts, and refuse their use. Forgets the losses.
+    // Both buffers report their loss once, with both texts, and then refuse to work. Clears the losses.
     void ExpectLosses(const std::string& device, const std::string& text,
                       std::chrono::nanoseconds limit = kLimit) {
         EXPECT_TRUE(loop_.RunUntil([&] { return losses.size() >= 2; }, limit));

@@ -11,7 +11,7 @@
 
 namespace sonavex {
 
-// A stream engine whose whole surroundings are fakes that write to one log. Yields are in the log.
+// A stream engine surrounded by fakes that write to one log, including yields.
 struct EngineBench {
     explicit EngineBench(std::int32_t osMajorVersion = 10) {
         shared.OsMajorVersion = osMajorVersion;
@@ -22,8 +22,7 @@ struct EngineBench {
         };
     }
 
-    // Devices, events and stream state as after the start of the program, capture running. Clears
-    // the log.
+    // Brings the engine to the state after the program's start, with capture running. Clears the log.
     void Start() {
         ASSERT_TRUE(engine.CreateDevices());
         ASSERT_TRUE(engine.SetEvents());
@@ -32,12 +31,12 @@ struct EngineBench {
         log.Clear();
     }
 
-    // Fires the segments in order until so many more blocks have been processed.
+    // Fires segments in order until `blocks` more blocks have been processed.
     void RunBlocks(int blocks) {
         for (int i = 0; i < blocks; ++i) sound.FireSegment(nextSegment++ % 4);
     }
 
-    // Playback has run for a while, all is quiet; the next block to write is `index`.
+    // Runs playback until the next block to write is `index`.
     void RunUpToIndex(std::int32_t index) {
         Start();
         sound.restingCursors = {0, 0};

@@ -85,7 +85,7 @@ public:
         ++commits;
     }
 
-    // The first control of that name on the selected device.
+    // The first control with that name on the selected device.
     Entry& Find(const std::string& name) {
         for (Controls& controls : devices.at(static_cast<std::size_t>(device_)).destinations)
             for (Entry& entry : controls)

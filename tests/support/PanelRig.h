@@ -22,14 +22,14 @@ public:
         panel.CurrentSignal().OnLevel = [this](std::int32_t level) { volumes.push_back(level); };
     }
 
-    // Stores a value of the generator's section without a record.
+    // Stores a value of the generator's section without recording it.
     void Store(std::string_view key, std::string_view value) {
         store.Stored.Save("Signal Generator", key, value);
     }
     std::string Stored(std::string_view key) const {
         return store.Stored.Get("Signal Generator", key, "(absent)");
     }
-    // Starts the panel up with what is stored; forgets what that recorded.
+    // Initialises the panel from the stored values and clears the record.
     void Init() {
         panel.InitGenerator();
         log.Clear();
@@ -40,7 +40,7 @@ public:
         slider.UserMoves(value);
         slider.UserReleases();
     }
-    // A sweep from the start to the end frequency.
+    // Sets a sweep.
     void SetSweep(std::int32_t startHz, std::int32_t endHz, std::int32_t timeMs) {
         MoveTo(signal.sldSweepTime, timeMs);
         MoveTo(signal.sldStartFreq, startHz);
@@ -49,7 +49,7 @@ public:
     void Select(std::int32_t position, bool selected = true) {
         memory.ToneList.UserSelects(position, selected);
     }
-    // Adds the present signal as so many entries.
+    // Adds the current signal `entries` times.
     void Add(int entries = 1) {
         for (int i = 0; i < entries; ++i) memory.cmdGenAdd.Press();
     }

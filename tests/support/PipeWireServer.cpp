@@ -36,7 +36,7 @@ PipeWireServer::PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastC
 }
 
 PipeWireServer::~PipeWireServer() {
-    // Clients before what they are connected to.
+    // Clients first, then their servers.
     protocol_.reset();
     manager_.reset();
     daemon_.reset();
@@ -59,8 +59,8 @@ std::unique_ptr<ChildProcess> PipeWireServer::Launch(const Arguments& command) c
     return std::make_unique<ChildProcess>(command, environment, LogPath());
 }
 
-// The system runs it before other programs, and it tears its streams without a word when it comes too late.
-// Without the right to do so, nice starts it all the same.
+// Runs at high priority, because PipeWire drops samples silently when it is late. Without the right to raise
+// the priority, nice starts it anyway.
 std::unique_ptr<ChildProcess> PipeWireServer::LaunchFirst(const std::string& program) const {
     return Launch({"nice", "-n", "-11", program});
 }
@@ -78,7 +78,7 @@ bool PipeWireServer::TakesDefault(const std::string& sink) const {
         Control({"set-default-sink", sink});
         return Control({"get-default-sink"}) == sink;
     } catch (const std::runtime_error&) {
-        return false;  // not before the session manager has got ready
+        return false;  // waits until the session manager is ready
     }
 }
 

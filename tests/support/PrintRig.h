@@ -20,7 +20,7 @@ protected:
             if (user) user(dialog);
         };
     }
-    // What a test notes before the user acts.
+    // Called before the user acts.
     virtual void DialogOpens(frmPrint&) {}
 
     CallLog log;
@@ -28,7 +28,7 @@ protected:
     FakeDesktop desktop{log};
     PrinterType printer = Make(log);
     MeasurementControls measurement;
-    // What the user does in the dialog.
+    // User's actions in the dialog.
     std::function<void(frmPrint&)> user;
     CommandButton cmdPrint;
     MenuItem mnuPrint;

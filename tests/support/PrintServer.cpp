@@ -53,8 +53,8 @@ SystemGroup root
 FileDevice Yes
 )";
 
-// Arguments of a backend: job, user, title, copies, options and, when it is not on standard input, the
-// file. One file for each copy asked for.
+// Arguments of a backend: job, user, title, copies, options and the file, unless it is on standard input.
+// Writes one file per copy.
 constexpr const char* kBackend = R"sh(#!/bin/sh
 [ $# -eq 0 ] && { echo 'file tofile "Unknown" "Test file printer"'; exit 0; }
 out="${DEVICE_URI#tofile:}/$(printf '%05d' "$1")"

@@ -8,7 +8,7 @@
 
 namespace sonavex {
 
-// Serves the toolkit's events while a test waits. The waits of QTest sleep between events.
+// Serves Qt's events while a test waits. QTest's waits sleep between events.
 struct QtEvents {
     void Wait(std::chrono::nanoseconds) const {
         QEventLoop loop;
@@ -22,7 +22,7 @@ bool WaitInQt(std::chrono::milliseconds limit, Condition condition) {
     return WaitUntil(QtEvents{}, condition, limit);
 }
 
-// Serves the toolkit's events for this time.
+// Serves Qt's events for this time.
 inline void WaitInQt(std::chrono::milliseconds time) {
     WaitInQt(time, [] { return false; });
 }

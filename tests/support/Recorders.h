@@ -31,9 +31,9 @@ public:
         return Answer;
     }
     void SetBusyPointer(bool busy) override { log_.Note(busy ? "SetBusyPointer on" : "SetBusyPointer off"); }
-    // What the questions are answered.
+    // Answer to all questions.
     bool Answer = true;
-    // What happens while a message is open.
+    // Called while a message is open.
     std::function<void()> WhileMessage;
 
 private:
@@ -50,7 +50,7 @@ public:
         if (onWrite) onWrite();
         return 0;
     }
-    // While the message is open.
+    // Called while the message is open.
     std::function<void()> onWrite;
     void WriteLine(const std::string& line) override { log_.Call("WriteLine", line); }
     void SetFatalError(bool fatal) override {

@@ -36,7 +36,7 @@ private:
     CallLog& log_;
 };
 
-// A report that comes when the test says so. "Diagnostics.Start", "Diagnostics.Cancel".
+// A report that is delivered when the test requests it. Records "Diagnostics.Start", "Diagnostics.Cancel".
 class ScriptedDiagnostics : public Diagnostics {
 public:
     explicit ScriptedDiagnostics(CallLog& log) noexcept : log_(log) {}

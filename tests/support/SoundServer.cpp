@@ -58,7 +58,7 @@ std::string SoundServer::LoadNullSink(const NullSink& sink) const {
     return module;
 }
 
-// PipeWire takes its time.
+// Waits, because PipeWire is slow.
 void SoundServer::WaitUntilListed(const std::string& sink) const {
     const auto listed = [&](const char* kind, const std::string& name) {
         return Control({"list", "short", kind}).find('\t' + name + '\t') != std::string::npos;

@@ -77,7 +77,7 @@ void VirtualEventLoop::Advance(std::chrono::nanoseconds time) {
     const auto end = now_ + time;
     DeliverSignals();
     RunTimersDueBy(end);
-    // A handler that itself let time pass may have gone further.
+    // A handler that advances time may have passed the end.
     now_ = std::max(now_, end);
 }
 

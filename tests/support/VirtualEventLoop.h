@@ -8,21 +8,21 @@
 
 namespace sonavex {
 
-// An event loop whose time stands still until a test moves it.
+// An event loop with virtual time that only the test advances.
 class VirtualEventLoop : public EventLoop {
 public:
     std::unique_ptr<Signal> CreateSignal(std::function<void()> handler) override;
     TimerId StartTimer(std::chrono::milliseconds interval, std::function<void()> handler) override;
     void StopTimer(TimerId id) override { timers_.erase(id); }
-    // Runs the hook, then what was pending at the call; time does not move.
+    // Runs the hook, then delivers what was pending at the call. Time does not advance.
     void Yield() override;
     std::chrono::nanoseconds Now() const override { return now_; }
 
-    // Moves time on, stopping at every timer that is due on the way and delivering signals.
+    // Advances time, stopping at every due timer and delivering signals.
     void Advance(std::chrono::nanoseconds time);
-    // Moves time on while nobody is served: what was due by then comes once, with the next Advance.
+    // Advances time while the loop is blocked: everything due is delivered once, with the next Advance.
     void Skip(std::chrono::nanoseconds time);
-    // Delivers signals until none is waiting.
+    // Delivers signals until none is pending.
     void DeliverSignals();
 
     std::size_t Yields() const noexcept { return yields_; }

@@ -5,17 +5,17 @@
 
 namespace sonavex {
 
-// For waits whose length does not matter: a loaded machine needs seconds for what takes milliseconds
-// otherwise.
+// Limit for waits whose length does not matter: a loaded machine needs seconds for what otherwise takes
+// milliseconds.
 inline constexpr std::chrono::seconds kPatience{30};
 
-// Serves nothing while a test waits.
+// Sleeps between checks without serving events.
 struct Sleep {
     void Wait(std::chrono::nanoseconds time) const { std::this_thread::sleep_for(time); }
 };
 
-// Checks the condition about every millisecond and lets the loop wait in between. True as soon as the
-// condition holds, false when the limit is over.
+// Checks the condition about every millisecond and lets the loop wait in between. True when the condition
+// holds, false after the limit.
 template <class Loop, class Condition>
 bool WaitUntil(Loop&& loop, Condition condition, std::chrono::nanoseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;

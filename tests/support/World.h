@@ -13,7 +13,7 @@
 #include "support/VirtualEventLoop.h"
 
 namespace sonavex {
-// A computer made of settings: what a test wants the form to find.
+// A fake computer with configurable properties.
 class FakeDesktop : public Desktop {
 public:
     explicit FakeDesktop(CallLog& log) noexcept : log_(log) {}
@@ -42,7 +42,7 @@ private:
     CallLog& log_;
 };
 
-// Names of what it was asked for.
+// Records the names of its calls.
 class RecordingMixerSession : public MixerSession {
 public:
     explicit RecordingMixerSession(CallLog& log) noexcept : log_(log) {}
@@ -67,7 +67,7 @@ template <class Loop = VirtualEventLoop, class Store = MemorySettingsStore,
           class Mixers = RecordingMixerSession>
 class WorldOf {
 public:
-    // The arguments are the loop's.
+    // The arguments are passed to the loop.
     template <class... Arguments>
     explicit WorldOf(Arguments&&... arguments) : loop(std::forward<Arguments>(arguments)...) {}
 

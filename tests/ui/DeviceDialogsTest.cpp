@@ -32,7 +32,7 @@ void Settle() {
     for (int i = 0; i < 3; ++i) QApplication::processEvents();
 }
 
-// The end that the action asks for.
+// The EndProgram thrown by the action.
 template <class Action>
 std::optional<EndProgram> EndOf(Action action) {
     try {
@@ -48,7 +48,7 @@ protected:
     void FailToStart() {
         rig.log.Fail("CreateCaptureDevice", RuntimeError(sound_error::kNoDriver, "The line is gone."));
     }
-    // The main form's start; the dialogs that it opens go through these steps.
+    // Starts the main form; the steps handle the dialogs that it opens.
     void Load(std::vector<std::function<void(QDialog&)>> steps = {}) {
         const DialogSteps driver(std::move(steps));
         rig.form.Form_Load();

@@ -34,7 +34,7 @@ TEST_F(GeneratorTab, EnablesTheSweepsControlsWithItsTime) {
     EXPECT_FALSE(Tone().Sweep);
 }
 
-// While dragged only the end frequency follows; the loop box and the sweep wait for the release.
+// While dragged, only the end frequency follows; the loop box and the sweep wait for the release.
 TEST_F(GeneratorTab, DragsTheSweepTime) {
     auto& slider = Find<QSlider>("sldSweepTime");
     const QPoint from = Handle(slider);
@@ -113,7 +113,7 @@ TEST_F(GeneratorTab, TurnsASweepTimeThatIsNoNumberInto0) {
 TEST_F(GeneratorTab, KeepsAFrequencyThatIsNoNumberInItsBox) {
     Type("txtGenFreq", "1000x");
     EXPECT_EQ(Box("txtGenFreq"), "1000x");
-    // A key does not take the keyboard away from the box, which would finish the entry.
+    // A shortcut does not take the focus from the box, which would end the entry.
     QTest::keyClick(&Find<QLineEdit>("txtGenFreq"), Qt::Key_F5);
     Settle();
     EXPECT_FALSE(rig.form.Instrument.Meter.Generator.GeneratorRunning);
@@ -174,7 +174,7 @@ TEST_F(GeneratorTab, DrawsWhatIsChosen) {
     EXPECT_EQ(Picture(), pictures[5]);
 }
 
-// Where the curve of the sweep runs beside the left and the right end: 0 at the top, 1 at the bottom.
+// Position of the sweep's curve at the left and right end: 0 at the top, 1 at the bottom.
 std::pair<double, double> EndsOfCurve(const QImage& picture) {
     const QColor accent = ui::Theme::Current().accent;
     std::pair<double, double> ends{-1.0, -1.0};

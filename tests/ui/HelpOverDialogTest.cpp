@@ -15,14 +15,14 @@
 namespace sonavex {
 namespace {
 
-// The dialog about a failed device, opened while the user reads the help.
+// The dialog about a failed device, opened while the help window is open.
 class HelpOverDialog : public testing::Test {
 protected:
     void ReadHelp() {
         viewer.ShowContents();
         ASSERT_TRUE(QTest::qWaitForWindowActive(viewer.Open(), 5000));
     }
-    // The step has to close the dialog, which lives as long as in the program.
+    // The step must close the dialog, which lives as long as in the program.
     void Fail(std::function<void(QDialog&)> step) {
         const DialogSteps driver({std::move(step)});
         frmError error({state, rig.form.Instrument.Shared, rig.form.Instrument.Settings, rig.dialogs,

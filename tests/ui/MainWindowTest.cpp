@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 using MainWindowTest = WindowRig;
 
-// Names that the instrument gives its controls begin with these.
+// Prefixes of control names.
 const QRegularExpression kControlName(
     "^(cmd|chk|sld|txt|lbl|Lbl|prg|mnu|cmb|pic)[A-Z]|^(lbltest|lblDb)_|"
     "^(Command1|ToneList|TabStrip1|GenLocked)$");

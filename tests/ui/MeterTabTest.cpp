@@ -77,7 +77,7 @@ TEST_F(MeterTab, LosesItsLockAndFindsItAgain) {
     EXPECT_EQ(Text("genLockWord"), "NOT LOCKED");
     EXPECT_EQ(Text("lblThd"), "N/A");
     Click("startCurrentMeter");
-    // The first update after the lock lacks blocks from before it.
+    // The first update after the lock includes blocks from before it.
     for (int blocks = 0; Text("lblThd").toDouble() == 0.0 && blocks < 40; ++blocks) Step(1);
     EXPECT_EQ(Text("lockWord"), "LOCKED");
     EXPECT_TRUE(Find<QLabel>("settlingNote").isVisible());

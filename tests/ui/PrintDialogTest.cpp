@@ -22,7 +22,7 @@ protected:
     PrintDialogWindow() {
         command.ShowPrintDialog = [this](frmPrint& form) { ui::PrintDialog(form, rig.form.Guard).Run(); };
     }
-    // Presses the button; the step has to close the dialog.
+    // Presses the button; the step must close the dialog.
     void With(std::function<void(QDialog&)> step) {
         const DialogSteps driver({std::move(step)});
         rig.form.cmdPrint.Press();

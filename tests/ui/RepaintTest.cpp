@@ -7,10 +7,10 @@
 namespace sonavex {
 namespace {
 
-// Painting follows its event by some milliseconds.
+// Painting happens some milliseconds after its event.
 constexpr std::chrono::seconds kPaintLimit{2};
 
-// How often each widget of a window has been painted, and layouts have been made anew.
+// Counts paints of each widget of a window, and layouts.
 class Watcher : public QObject {
 public:
     Watcher() { QApplication::instance()->installEventFilter(this); }

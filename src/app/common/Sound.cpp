@@ -17,8 +17,8 @@ constexpr const char* kOffer =
     "\r\rThe built-in simulated sound card can be used instead. Its readings are not a measurement.\r"
     "Select 'OK' to use the simulated sound card.";
 
-// Why the system's sound cannot be used; empty when it can. The first entry of a list is the primary
-// device, which stands for one of the others.
+// Why the system's sound cannot be used; empty if it can. The first entry of a list is the primary device,
+// which refers to one of the others.
 std::string Trouble(SoundSystem& sound) {
     try {
         if (sound.EnumeratePlayback().size() <= 1) return "The system has no sound card.";

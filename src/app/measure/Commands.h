@@ -10,7 +10,7 @@ int ListDevices(bool json);
 int RunMeasurement(const RunOptions& options);
 int MeasureFile(const FileOptions& options);
 
-// Sets the meter's controls as the options ask: automatic or fixed frequency, output muted or not.
+// Sets the meter's controls from the options: automatic or fixed frequency, output muted or not.
 void PrepareMeter(Meter& meter, const MeterOptions& options);
 
 }  // namespace sonavex::measure

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 
 constexpr int kUpdatesNeeded = 2;
 constexpr auto kPollInterval = 50ms;
-// A script wants an answer, not a recovery.
+// A script needs an error, not a recovery.
 constexpr StreamWatch::Policy kEndAtLoss{.firstBlock = 2500ms, .recover = false};
 
 std::int32_t OsMajorVersion() {
@@ -38,7 +38,7 @@ bool Listed(const SoundDeviceList& devices, const std::string& identifier) {
                        [&](const SoundDeviceInfo& device) { return device.identifier == identifier; });
 }
 
-// The primary device stands for another one, so a list of one entry has none.
+// The primary device refers to another one, so a list with one entry has no device.
 void CheckDevice(const SoundDeviceList& devices, const char* direction, const std::string& identifier) {
     if (devices.size() < 2) throw MeasureError(std::string("There is no ") + direction + " device.");
     if (!Listed(devices, identifier))

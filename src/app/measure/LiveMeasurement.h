@@ -23,16 +23,15 @@ public:
     // Creates devices, starts tones and capture. Throws MeasureError when a device cannot be used.
     void Start();
 
-    // Measures until the time is over and two updates are complete, calling onBlock after each
-    // block.
-    // Throws MeasureError when a device is lost or delivers nothing.
+    // Measures until the time is over and two updates are complete, calling onBlock after each block. Throws
+    // MeasureError when a device is lost or stalls.
     void Run(const std::function<void()>& onBlock);
 
     const Meter& Readings() const noexcept { return instrument_.Meter; }
     StreamDetails Details() const;
 
 private:
-    // Messages of the engine, kept for the one line that the program prints.
+    // Stores messages of the engine for the one line that the program prints.
     class Console : public Dialogs, public ErrorLog, public MixerBinding {
     public:
         void Message(const std::string& text, MessageIcon) override { message_ = text; }

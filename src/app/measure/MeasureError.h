@@ -4,7 +4,7 @@
 
 namespace sonavex::measure {
 
-// A failure that ends the program with status 1; the text is the one line that the user reads.
+// A failure that ends the program with status 1. The text is the line that the user reads.
 class MeasureError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

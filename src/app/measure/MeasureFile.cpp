@@ -26,14 +26,14 @@ constexpr double kFullScale = 32768.0;
 
 using Block = std::array<std::int16_t, kBlockSamples>;
 
-// What the library says about its last failure, without its prefix.
+// The library's message about its last failure, without its prefix.
 std::string Reason(SNDFILE* file) {
     const std::string text = sf_strerror(file);
     const std::string prefix = "System error : ";
     return text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text;
 }
 
-// A recording, delivered in blocks of 16-bit stereo.
+// Reads a recording in blocks of 16-bit stereo.
 class Recording {
 public:
     explicit Recording(const std::string& path) : file_(sf_open(path.c_str(), SFM_READ, &info_), sf_close) {
@@ -45,14 +45,14 @@ public:
         if (!SampleRateIndex(info_.samplerate))
             throw MeasureError("The recording '" + path + "' has a sampling rate of " +
                                CStr(info_.samplerate) + " Hz, which is not one of the instrument's seven.");
-        // Floating-point files are taken as they are, full scale 1.
+        // Reads floating-point files unscaled, full scale 1.
         sf_command(file_.get(), SFC_SET_NORM_DOUBLE, nullptr, SF_TRUE);
         samples_.resize(static_cast<std::size_t>(kBlockFrames) * static_cast<std::size_t>(info_.channels));
     }
 
     std::int32_t RateHz() const noexcept { return info_.samplerate; }
 
-    // False when less than a block is left.
+    // Returns false if less than a block is left.
     bool Read(Block& block) {
         if (sf_readf_double(file_.get(), samples_.data(), kBlockFrames) < kBlockFrames) {
             if (sf_error(file_.get()) == SF_ERR_NO_ERROR) return false;
@@ -79,8 +79,8 @@ private:
     std::vector<double> samples_;
 };
 
-// The output blocks as a 16-bit stereo WAV file, under its name when it is complete; does nothing without
-// a path.
+// Writes the output blocks to a 16-bit stereo WAV file, which replaces an older file when it is complete.
+// Does nothing without a path.
 class OutputFile {
 public:
     OutputFile(const std::string& path, const std::string& source, std::int32_t rateHz)
@@ -124,7 +124,7 @@ private:
     std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> file_;
 };
 
-// Advances the sweeps by the time that the blocks last, one step a millisecond.
+// Advances the sweeps by the duration of the blocks, one step per millisecond.
 class BlockTicks {
 public:
     BlockTicks(Generator& generator, std::int32_t rateHz) noexcept : generator_(generator), rateHz_(rateHz) {}

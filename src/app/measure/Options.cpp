@@ -20,7 +20,7 @@ std::string RateList() {
     return list;
 }
 
-// Refuses what was written after an option; takes says what the option accepts.
+// Refuses the value of an option; `takes` describes the allowed values.
 [[noreturn]] void Refuse(const std::string& option, const std::string& takes, const std::string& text) {
     throw MeasureError(option + " takes " + takes + ", not '" + text + "'.");
 }
@@ -57,7 +57,7 @@ std::int32_t LowEdgeOf(const std::string& text) {
     return lowEdgeHz;
 }
 
-// libsndfile takes "-" for the standard output, where the readings go.
+// libsndfile interprets "-" as standard output, which is used for the readings.
 std::string OutputFileOf(const std::string& text) {
     if (text.empty() || text == "-") Refuse("--write", "the name of a file", text);
     return text;

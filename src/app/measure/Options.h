@@ -7,11 +7,11 @@
 
 namespace sonavex::measure {
 
-// What run and file have in common.
+// Options common to run and file.
 struct MeterOptions {
     std::vector<std::string> tones;
-    std::optional<double> frequencyHz;  // fixed fundamental; automatic without
-    bool noMute = false;                // the filtered input goes on to the output
+    std::optional<double> frequencyHz;  // fixed fundamental; automatic if not set
+    bool noMute = false;                // send the filtered input to the output
     bool json = false;
 };
 
@@ -25,7 +25,7 @@ struct RunOptions : MeterOptions {
 
 struct FileOptions : MeterOptions {
     std::string input;
-    std::string output;  // empty: nothing is written
+    std::string output;  // empty: no output file
     std::int32_t lowEdgeHz = 25;
 };
 
@@ -34,7 +34,7 @@ struct Options {
     bool devicesJson = false;
     RunOptions run;
     FileOptions file;
-    // Text that answers --help or --version; nothing else is to be done then.
+    // Text to print for --help or --version; nothing else must then be done.
     std::string answer;
 };
 

@@ -82,7 +82,7 @@ std::string JsonLine(const Meter& meter, const std::optional<StreamDetails>& det
         line["overruns"] = details->overruns;
         line["underruns"] = details->underruns;
     }
-    // Device names may hold anything; what is not UTF-8 is replaced.
+    // Device names can contain any bytes; invalid UTF-8 is replaced.
     return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 

@@ -9,30 +9,29 @@
 
 namespace sonavex::measure {
 
-// What a live measurement adds to its readings.
+// Additional data of a live measurement.
 struct StreamDetails {
     std::string input;  // device names
     std::string output;
     std::int32_t rateHz = 0;
     bool simulated = false;
-    std::vector<std::string> notes;  // what changes the samples on their way
+    std::vector<std::string> notes;  // what changes the samples between instrument and cards
     std::uint64_t blocksLost = 0;
     std::uint64_t framesMissing = 0;  // in the input, replaced by silence
     std::uint64_t overruns = 0;       // the output was not written in time
     std::uint64_t underruns = 0;      // the output device ran out of samples
 };
 
-// The readings after an update as one line of JSON, without line end. Captions are exactly what the
-// labels hold.
+// The readings after an update as one line of JSON without a line end. Captions are those of the labels.
 std::string JsonLine(const Meter& meter, const std::optional<StreamDetails>& details);
 
-// The readings as a table for people, several lines each with its line end.
+// The readings as a table, with a line end after each line.
 std::string Table(const Meter& meter, const std::optional<StreamDetails>& details);
 
-// A short line that tells how far the measurement is.
+// A short line with the progress of the measurement.
 std::string ProgressLine(const Meter& meter);
 
-// Writes the text to standard output at once. Throws MeasureError when that fails.
+// Writes the text to standard output at once. Throws MeasureError on failure.
 void Print(const std::string& text);
 
 }  // namespace sonavex::measure

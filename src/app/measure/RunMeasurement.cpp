@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kStartOfLine = "\r\033[K";
 
-// The line on a terminal that shows how far the measurement is; silent elsewhere.
+// Shows the progress in one line on a terminal; does nothing elsewhere.
 class Progress {
 public:
     void Show(const Meter& meter) const {

@@ -33,7 +33,7 @@ int Execute(const measure::Options& options) {
     return measure::kMeasured;
 }
 
-// One line, whatever the names in it hold.
+// Prints one line, even if names in it contain line breaks.
 int Fail(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');

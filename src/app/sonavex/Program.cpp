@@ -29,7 +29,7 @@ CalendarDate Today() {
     return {now.year, now.month, now.day};
 }
 
-// Among what the user's running programs leave, else beside the settings.
+// The user's runtime folder, or the folder of the settings.
 std::filesystem::path JournalFile() {
     const std::filesystem::path runtime = RuntimeFolder();
     return runtime.empty() ? QtSettingsStore::DefaultFile().replace_filename(kJournalName)
@@ -62,7 +62,7 @@ int Program::Run() {
     return ended ? *ended : QApplication::exec();
 }
 
-// The start is all or nothing for the settings: until it is through, nothing is written.
+// Settings are written only after the complete start.
 std::optional<int> Program::Open() {
     const QtSettingsStore::HoldWrites hold(store_);
     try {
@@ -88,7 +88,7 @@ void Program::MakeForm() {
     mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_, JournalFile());
     form_ = std::make_unique<frmMain>(
         frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
-    // The levels are the user's own again however the program is asked to end.
+    // Restores the user's levels after any request to end the program.
     termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
     form_->OnClosed = [this](int status) {
         endStatus_ = status;
@@ -98,7 +98,7 @@ void Program::MakeForm() {
     ConnectMenus();
 }
 
-// The splash must not stand over a dialog.
+// Closes the splash before a dialog opens.
 void Program::ConnectDialogs() {
     modalForms_ = std::make_unique<ui::ModalForms>(
         ui::ModalForms::Needs{*form_, errorLog_->State(), dialogs_, desktopFiles_, diagnostics_, help_});

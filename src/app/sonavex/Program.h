@@ -30,8 +30,8 @@
 
 namespace sonavex::app {
 
-// The program from its first message to the end of its event loop. An application object must exist.
-// User-interface thread only; no failure of the start leaves it as an exception.
+// The program from its start to the end of its event loop. A QApplication must exist. Failures of the start
+// do not leave as exceptions.
 class Program {
 public:
     Program();
@@ -39,14 +39,13 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    // The start, until the window is shown. Gives the status to end with where the program is not to go
-    // on: its own, or 1 after an error, which has been shown and logged and leaves the settings as they
-    // were.
+    // Starts the program until the window is shown. Returns an exit status if the program must end: its own,
+    // or 1 after an error, which has been shown and logged and leaves the settings unchanged.
     std::optional<int> Open();
-    // Open, and the event loop until the window is closed.
+    // Open, then the event loop until the window is closed.
     int Run();
 
-    // After Open gave no status.
+    // Valid if Open returned no status.
     frmMain& Form() { return *form_; }
     SoundCardMixers& Mixers() { return mixers_->Session(); }
     ui::MainWindow& Window() { return *window_; }
@@ -89,8 +88,7 @@ private:
     std::optional<int> endStatus_;
 };
 
-// What is left to do about an error that even the start's own handling did not catch: shows it and
-// writes it to the standard error output.
+// Shows an error that even the start's handling did not catch, and writes it to standard error.
 void ReportLastError(const std::exception_ptr& error);
 
 }  // namespace sonavex::app

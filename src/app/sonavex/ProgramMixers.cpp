@@ -18,7 +18,7 @@ snd_pcm_stream_t DirectionOf(MixerSide side) {
     return side == MixerSide::kPlayback ? SND_PCM_STREAM_PLAYBACK : SND_PCM_STREAM_CAPTURE;
 }
 
-// The devices that are reached without the server.
+// The devices with direct access.
 std::vector<std::string> DirectDevices(MixerSide side) {
     std::vector<std::string> names;
     for (const AlsaDevice& device : ListAlsaDevices(DirectionOf(side)))
@@ -26,7 +26,7 @@ std::vector<std::string> DirectDevices(MixerSide side) {
     return names;
 }
 
-// libasound's control of the card behind the server's device, or of the card that is reached directly.
+// libasound's control of the card behind the server's device, or of the card with direct access.
 std::string ControlOf(PulseMixer& server, const MixerDevice& device) {
     const std::string number = server.AlsaCardOf(device);
     return number.empty() ? AlsaControlOf(DirectionOf(device.side), device.name) : "hw:" + number;

@@ -11,8 +11,8 @@
 
 namespace sonavex::app {
 
-// The mixers that belong to a sound system: those of the simulated card, or those of the sound server and
-// the cards behind it. Everything passed in must outlive this object.
+// The mixers of a sound system: those of the simulated card, or those of the sound server and the cards
+// behind it. Everything passed in must outlive this object.
 class ProgramMixers {
 public:
     ProgramMixers(SoundSystem& sound, EventLoop& loop, SettingsStore& store, Desktop& desktop,

@@ -1,5 +1,5 @@
-// sonavex: the instrument in its window. With --probe-display it opens nothing and ends with status 0
-// where there is a display to open a window on; the toolkit ends it with an abort where there is none.
+// sonavex: the instrument with its window. With --probe-display it opens nothing and ends with status 0 if
+// there is a display; otherwise Qt ends it with an abort.
 
 #include <QApplication>
 #include <QIcon>
@@ -18,7 +18,7 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/sonavex.png")));
     QGuiApplication::setDesktopFileName(QStringLiteral("sonavex"));
     QApplication::setApplicationName(sonavex::frmMain::kApplicationTitle);
-    // The main form ends the program; a dialog that closes before it opens does not.
+    // The main form ends the program. Dialogs may close before the main window opens.
     QApplication::setQuitOnLastWindowClosed(false);
     try {
         sonavex::app::Program program;

@@ -8,14 +8,14 @@
 namespace sonavex {
 namespace {
 
-// A server's own measurement of its delay swings slowly for a while after a start, which the scatter
-// about the line does not show: so long is looked at in any case.
+// A server's delay estimate drifts for about a minute after a start, and the residual scatter does not reveal
+// it: never report earlier.
 constexpr double kLeastSpanS = 60.0;
-// Then a new line is begun: clocks follow the temperature.
+// Starts a new line after this time, because clocks follow the temperature.
 constexpr double kMostSpanS = 600.0;
 constexpr std::int64_t kLeastCount = 30;
 constexpr double kKnownPpm = 3.0;
-// Neighbouring observations resemble each other, so the textbook's error of the slope is too small.
+// Consecutive observations are correlated, so the textbook error of the slope is too small.
 constexpr double kErrorFactor = 6.0;
 
 double Seconds(std::chrono::nanoseconds time) noexcept {

@@ -7,19 +7,19 @@
 
 namespace sonavex {
 
-// How much faster the input's clock runs than the output's, in parts per million: the slope of a least
-// squares line through the difference of their leads over time. User-interface thread only.
+// Drift of the input's clock relative to the output's in ppm: the slope of a least-squares line through the
+// difference of their leads over time.
 class ClockDrift {
 public:
-    // What was seen so far belongs to another run of the stream; what was known stays known.
+    // Starts a new line after an interruption. A known drift stays known.
     void Restart() noexcept;
-    // Another stream: nothing is known.
+    // Resets everything for another stream.
     void Forget() noexcept;
 
-    // At this time the input's clock had gained so much more than the output's. Times in order.
+    // Adds an observation: the lead of the input's clock over the output's at a time. Times must ascend.
     void Add(std::chrono::nanoseconds time, std::chrono::nanoseconds lead) noexcept;
 
-    // Once it is known to 3 ppm; positive when the input's clock is the faster one.
+    // The drift, once known to 3 ppm; positive if the input's clock is faster.
     std::optional<double> Ppm() const noexcept { return known_; }
 
 private:
@@ -27,7 +27,7 @@ private:
 
     std::chrono::nanoseconds firstTime_{};
     std::chrono::nanoseconds firstLead_{};
-    // Over the observations since the last restart; times in s, leads in µs.
+    // Sums over the observations since the last restart; times in s, leads in µs.
     std::int64_t count_ = 0;
     double sumT_ = 0.0;
     double sumTT_ = 0.0;
@@ -38,8 +38,8 @@ private:
     std::optional<double> known_;
 };
 
-// What there is to say to the user about the clocks of input and output, by their names (empty: not
-// known) and their drift; empty when they are one, or when nothing tells them apart.
+// Note for the user about the clocks of input and output, from their names (empty: unknown) and their drift.
+// Empty if both are the same clock, or if nothing distinguishes them.
 std::string ClockNote(const std::string& inputClock, const std::string& outputClock,
                       std::optional<double> driftPpm);
 

@@ -18,9 +18,8 @@ constexpr const char* kNoPlaybackBuffer = "Error Creating Output Sound Device";
 
 constexpr std::int32_t kPriorityLevel = 2;
 
-// Name of the device that an identifier stands for; the primary device (empty identifier) goes by the
-// name of the device behind it, the second entry (error 9 when there is none). Empty for an unknown
-// identifier.
+// Name of an identifier's device. For the primary device (empty identifier) it is the name of the second
+// entry, the device that it refers to; error 9 if there is none. Empty for an unknown identifier.
 std::string NameOf(const SoundDeviceList& devices, const std::string& identifier) {
     if (identifier.empty()) {
         if (devices.size() < 2) throw RuntimeError(error_number::kSubscript);
@@ -45,7 +44,7 @@ void StreamEngine::EndWithoutPlaybackDevice(const RuntimeError& error) {
     throw EndProgram{1};
 }
 
-// Empty only for a quiet restart.
+// Returns an empty list only in a quiet restart.
 SoundDeviceList StreamEngine::EnumeratePlayback() {
     RuntimeError trouble(0, "");
     try {
@@ -123,7 +122,7 @@ bool StreamEngine::CreatePlaybackBuffer() {
     return true;
 }
 
-// Virtual cables, and cards without a free voice, mix in software.
+// Virtual cables, and cards without a free hardware voice, are mixed in software.
 std::uint32_t StreamEngine::MixingLocationFlag() {
     const PlaybackCapabilities capabilities = playbackDevice_->GetCapabilities();
     const bool isVirtual = OutputDeviceName.find("Virtual") != std::string::npos ||

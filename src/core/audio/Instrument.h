@@ -24,7 +24,7 @@ namespace sonavex {
 // that each of them needs.
 class Instrument {
 public:
-    // Everything must outlive the instrument.
+    // All referenced objects must outlive the instrument.
     struct Needs {
         SettingsStore& store;
         SoundSystem& sound;
@@ -38,12 +38,12 @@ public:
     Instrument(const Instrument&) = delete;
     Instrument& operator=(const Instrument&) = delete;
 
-    // Starts the capture, then the watch over it. A device that was lost since it was opened is left to
-    // the watch. Error 91 without a capture buffer.
+    // Starts the capture, then the watch. If a device was lost since it was opened, the watch handles it.
+    // Error 91 without a capture buffer.
     void StartCapture();
 
-    // Sets the level of the playback buffer, hundredths of a dB. Does nothing without a buffer or when its
-    // device is lost: the next buffer gets the stored level when it is made.
+    // Sets the level of the playback buffer in hundredths of a dB. Does nothing without a buffer, or if its
+    // device is lost: a new buffer gets the stored level.
     void SetVolume(std::int32_t hundredthsDb);
 
     // Called after each block that was processed and queued without an error. May be empty.

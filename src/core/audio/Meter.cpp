@@ -27,7 +27,7 @@ void Meter::Analyse(std::span<const std::int16_t> captured, std::span<std::int16
 }
 
 void Meter::ProcessCapturedBlock(std::span<const std::int16_t> captured, std::span<std::int16_t> playback) {
-    // A block that fails leaves the next one disturbed.
+    // After a block that fails, the next one counts as disturbed.
     const bool disturbed = std::exchange(disturbed_, true);
     Analyse(captured, playback);
     disturbed_ = false;

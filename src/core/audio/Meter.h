@@ -15,8 +15,8 @@
 
 namespace sonavex {
 
-// Analysis and generator as one: takes captured blocks, gives output blocks, shows readings on the
-// measurement controls. What feeds it (the stream engine, a recording) does not matter to it.
+// Analysis, generator and display: takes captured blocks, returns output blocks and shows the readings. It
+// does not depend on the source of the blocks (stream engine or recording).
 class Meter : public BlockProcessor {
 public:
     static constexpr std::int32_t kCycleBlocks = modDSP::kLastSlot + 1;
@@ -31,17 +31,17 @@ public:
     // Called after every block. May be empty.
     std::function<void()> OnBlock;
 
-    // Blocks processed so far.
+    // Number of blocks processed.
     std::int64_t Blocks() const noexcept { return blocks_; }
-    // The block just processed ended a cycle: the harmonic readings are new.
+    // Whether the last block ended a cycle, so that the harmonic readings are new.
     bool Updated() const noexcept { return blocks_ > 0 && analysis_->HistIndex == modDSP::kLastSlot; }
-    // Of the cycle so far, all blocks were locked and followed one another; after an update: the
-    // readings average 19 good blocks.
+    // Whether all blocks of the cycle so far were locked and undisturbed. After an update: the readings
+    // average 19 good blocks.
     bool CycleGood() const noexcept { return cycleGood_; }
     bool Settled() const noexcept { return Updated() && cycleGood_; }
-    // The readings that the labels show came from a settled update.
+    // Whether the shown readings come from a settled update.
     bool ShownSettled() const noexcept { return shownSettled_; }
-    // Blocks of the current cycle, 1 to 19.
+    // Position in the current cycle, 1 to 19.
     std::int32_t CyclePosition() const noexcept { return analysis_->HistIndex + 1; }
 
     MeasurementControls Controls;

@@ -16,8 +16,8 @@ constexpr const char* kOneInstance =
 
 constexpr std::int32_t kLowEdgeAfterRestartHz = 20;
 constexpr std::size_t kNotifications = 4;
-// Blocks that the step of a start or of an overrun may take through the devices until it is captured:
-// the playback buffer's length.
+// Blocks until the step of a start or an overrun has passed the devices and is captured: the length of the
+// playback buffer.
 constexpr std::int32_t kSettlingBlocks = 8;
 
 }  // namespace
@@ -119,7 +119,7 @@ void StreamEngine::DestroyEvents(const std::function<void()>& beforeEach) {
     }
 }
 
-// An event that cannot be destroyed is forgotten like the others.
+// Ignored: the event is forgotten like the others.
 void StreamEngine::DestroyEvent(EventHandle event) {
     if (event == 0) return;
     try {
@@ -206,7 +206,7 @@ void StreamEngine::NoteDisturbances() {
     const bool gap = counts.framesMissing != captureCounts_.framesMissing;
     const std::uint64_t underruns = Underruns();
     const bool underrun = std::exchange(underruns_, underruns) < underruns;
-    // A gap that has just been counted lies in this block or in the one being captured.
+    // A newly counted gap lies in this block or in the one being captured.
     if (RestartPending || underrun) settlingBlocks_ = kSettlingBlocks;
     FollowClocks(lost || gap || settlingBlocks_ > 0);
     if (lost || gap || gapBefore_ || settlingBlocks_ > 0) needs_.processor.StreamDisturbed();
@@ -215,7 +215,7 @@ void StreamEngine::NoteDisturbances() {
     gapBefore_ = gap;
 }
 
-// An interruption sets the leads back by an unknown time.
+// An interruption shifts the leads by an unknown time.
 void StreamEngine::FollowClocks(bool disturbed) {
     if (disturbed) return drift_.Restart();
     if (!captureBuffer_ || !playbackBuffer_) return;
@@ -224,14 +224,14 @@ void StreamEngine::FollowClocks(bool disturbed) {
     if (input && output) drift_.Add(needs_.loop.Now(), *input - *output);
 }
 
-// True when the block has been written.
+// Returns true if the block has been written.
 bool StreamEngine::HandleOverrun() {
     if (needs_.shared.NewerGeneration()) return HandleOverrunNewer();
     HandleOverrunOlder();
     return false;
 }
 
-// The block is written where the device reads, and playing goes on from the buffer's start.
+// Writes the block at the device's read position; playback continues from the start of the buffer.
 bool StreamEngine::HandleOverrunNewer() {
     if (PlayCursors.write < BlockOffset || PlayCursors.write > BlockEnd) return false;
     TraceLabel("vista overrun", PlayCursors.write);
@@ -244,8 +244,8 @@ bool StreamEngine::HandleOverrunNewer() {
     return true;
 }
 
-// Writing starts over at the first block, playback after enough blocks. The end of the block is not
-// moved along: after a write overrun the play cursor is looked for in all that lies before it.
+// Writing restarts at the first block, and playback after enough blocks. BlockEnd does not move: after a
+// write overrun the play cursor is searched in everything before it.
 void StreamEngine::HandleOverrunOlder() {
     const bool priming = RestartPending;
     bool overrun = false;

@@ -22,9 +22,9 @@
 
 namespace sonavex {
 
-// The sound card in full duplex: a capture buffer of four segments and a playback buffer of eight
-// blocks. Each time a segment has been captured, its notification has it analysed and one block of
-// output written, so the capture clock paces the output. User-interface thread only.
+// The sound card in full duplex: a capture buffer of four segments and a playback buffer of eight blocks.
+// When a segment has been captured, its notification analyses it and writes one block of output, so the
+// capture clock paces the output.
 class StreamEngine {
 public:
     static constexpr std::int32_t kCaptureBlockBytes = 4 * kBlockFrames;  // 16-bit stereo
@@ -33,7 +33,7 @@ public:
     static constexpr std::int32_t kLastPlayBlock = 7;
     static constexpr std::int32_t kPrimingBlocks = 7;
 
-    // What the engine works with. Everything must outlive it.
+    // All referenced objects must outlive the engine.
     struct Needs {
         SharedState& shared;
         Settings& settings;
@@ -50,24 +50,24 @@ public:
     StreamEngine(const StreamEngine&) = delete;
     StreamEngine& operator=(const StreamEngine&) = delete;
 
-    // Creates devices and buffers for the stored identifiers. False when that failed; the error log
-    // has the reason. Without any playback device, or when the devices cannot be listed, throws
-    // EndProgram after the message.
+    // Creates devices and buffers for the stored identifiers. False on failure, with the reason in the error
+    // log. Without a playback device, or if the devices cannot be listed, shows a message and throws
+    // EndProgram.
     bool CreateDevices();
 
-    // Arms the four capture notifications. False when that failed; without a capture buffer shows
-    // that the sound card is in use and throws EndProgram with status 0.
+    // Arms the four capture notifications. False on failure. Without a capture buffer, shows that the sound
+    // card is in use and throws EndProgram with status 0.
     bool SetEvents();
 
-    // Everything anew, after a change of device or rate. False when it failed, or when it is under
-    // way already. A quiet one tells nobody why it failed, and never ends the program.
+    // Rebuilds everything after a change of device or rate. False on failure, or if a restart is already
+    // running. kQuiet reports no failure and never ends the program.
     enum class Telling { kReport, kQuiet };
     bool ReStart(Telling telling = Telling::kReport);
 
-    // The device is lost: stops and destroys the events. ReStart brings the engine back.
+    // Call after a loss: stops capture and playback and destroys the events. ReStart brings the engine back.
     void Abandon();
 
-    // Playback is to be started from the first block on.
+    // Restarts playback from the first block.
     void ResetStream() noexcept;
 
     // Starts the capture; error 91 without a capture buffer.
@@ -78,22 +78,22 @@ public:
     // Shutdown: destroys events and devices.
     void Release();
 
-    // The notification callback. Errors of the sound objects and of the analysis leave it.
+    // The notification callback. Lets errors of the sound objects and of the analysis pass.
     void DirectXEvent8_DXCallback(EventHandle eventid);
 
     bool Restarting() const noexcept { return restarting_; }
     PlaybackBuffer* SecondaryBuffer() noexcept { return playbackBuffer_.get(); }
-    // Counts of all capture buffers since the engine was made.
+    // Counts of all capture buffers since construction.
     CaptureStatistics CaptureCounts() const;
-    // Times since the engine was made that the playback device in use ran out of samples.
+    // Underruns of the present playback device since construction.
     std::uint64_t Underruns() const;
-    // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and
-    // "Clocks: ...". Empty when nothing is known to.
+    // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and "Clocks:
+    // ...". Empty if nothing is known.
     std::vector<std::string> PathNotes() const;
 
     // Stream state.
     std::array<EventHandle, 5> NotifyEvents{};  // 0 to 3: the capture notifications
-    std::int32_t CaptureSegment = 0;            // 0 to 3: segment captured last
+    std::int32_t CaptureSegment = 0;            // 0 to 3: last captured segment
     std::int32_t PlayBlockIndex = 0;            // 0 to 7: next block to write
     std::int32_t BlockOffset = 0;               // bytes
     std::int32_t BlockEnd = 0;                  // BlockOffset + 8191
@@ -108,33 +108,33 @@ public:
     std::string InputDeviceId;  // as stored; empty for the primary device
     std::string OutputDeviceId;
 
-    // Since the engine was made.
+    // Counts since construction.
     std::uint64_t Overruns = 0;        // playback ran into the block being written
     std::uint64_t PlaybackStarts = 0;  // including those after an overrun
     std::uint64_t Blocks = 0;          // captured blocks processed
     std::uint64_t CaptureStarts = 0;
 
-    // While true, notifications are dropped and counted: somebody is looking at a message.
+    // While true, notifications are dropped and counted, because a message is open.
     bool HoldNotifications = false;
     std::uint64_t DroppedNotifications = 0;
 
     // The hooks may be empty.
 
-    // Called by CreateDevices when the device objects exist and the older mixers have been pointed at them,
-    // before a buffer is made: the names of the devices, the sampling rate in Hz.
+    // Called by CreateDevices after the device objects are created and the older mixers are set to them, and
+    // before any buffer exists. Arguments: names of the devices, sampling rate in Hz.
     std::function<void(const std::string& input, const std::string& output, std::int32_t rateHz)> OnDevices;
 
-    // Called by ReStart when devices and events are ready, before playback and capture start: the highest
-    // frequency in Hz that the generator can play at the new rate.
+    // Called by ReStart when devices and events are ready, before playback and capture start. Argument: the
+    // highest frequency in Hz that the generator can play at the new rate.
     std::function<void(std::int32_t highestHz)> OnLimits;
 
-    // Called for each notification, before anything is done with its block.
+    // Called for each notification, before its block is processed.
     std::function<void()> OnNotified;
 
     // Called after each block that was processed and queued without an error.
     std::function<void()> OnBlockQueued;
 
-    // Receives the debug trace: a label and the cursor it is about (0 for none).
+    // Receives the debug trace: a label and a cursor (0 for none).
     std::function<void(std::string_view, std::int32_t)> Trace;
 
 private:
@@ -170,12 +170,12 @@ private:
     std::unique_ptr<CaptureBuffer> captureBuffer_;
     CaptureStatistics captureCounts_;  // at the last block
     std::uint64_t underruns_ = 0;      // at the last block
-    // Of the buffers that are gone.
+    // Counts of destroyed buffers.
     CaptureStatistics countsBefore_;
     std::uint64_t underrunsBefore_ = 0;
     ClockDrift drift_;
     bool gapBefore_ = false;           // a gap was counted at the last block
-    std::int32_t settlingBlocks_ = 0;  // blocks that may still carry the step of a start
+    std::int32_t settlingBlocks_ = 0;  // blocks that may still contain the step of a start
     bool restarting_ = false;
     bool quiet_ = false;
 };

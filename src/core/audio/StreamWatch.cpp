@@ -13,13 +13,13 @@ using namespace std::chrono_literals;
 
 constexpr auto kLookEvery = 100ms;
 constexpr auto kTryEvery = 1s;
-// A try that takes long, because the server does not answer, makes the pause longer: the window must
-// stay usable.
+// A slow attempt, because the server does not answer, lengthens the pause: the window must stay usable.
 constexpr int kPauseOverTry = 4;
 constexpr auto kLeastPatience = 1s;
 constexpr std::int64_t kPatientBlocks = 3;
 
-// The window was not served for so long: what was waited for may have waited too.
+// A longer gap between two checks means that the event loop was blocked; the notification may be queued, so
+// the gap does not count.
 constexpr auto kHoldUp = 1s;
 
 constexpr const char* kLostMessage = "The sound device in use was lost. Measuring has stopped.";
@@ -29,15 +29,14 @@ constexpr const char* kHeldBack = "Measuring waits until the message is closed."
 constexpr const char* kFailing = "What is captured cannot be measured.";
 constexpr const char* kNotRunning = "No sound device is in use.";
 
-// The device that is used at present, and the choice that is stored.
+// The device in use and the stored choice.
 struct Choice {
     std::string stored;
     std::string usedIdentifier;
     std::string usedName;
 };
 
-// Whether a start would open the device again that was in use: the primary device may stand for
-// another one by now.
+// Whether a start would open the same device again: the primary device may refer to another one now.
 bool Lists(const SoundDeviceList& devices, const Choice& choice) {
     if (choice.stored.empty())
         return devices.size() > 1 &&
@@ -108,8 +107,8 @@ void StreamWatch::Look() {
     ForgiveHoldUp(now);
     FollowStarts();
     MarkStandstill(now);
-    // While somebody reads a message or chooses devices nothing is judged, and the patience begins anew
-    // after it.
+    // While a message or a selection of devices is open, the stream is not judged, and the limits start again
+    // afterwards.
     if (!Watching()) {
         lastNotification_ = now;
         return;
@@ -129,7 +128,7 @@ void StreamWatch::ForgiveHoldUp(Time now) {
     lastBlock_ = std::min(lastBlock_ + pause, now);
 }
 
-// A start that somebody else made.
+// Follows starts that were not made by the watch.
 void StreamWatch::FollowStarts() {
     if (needs_.engine.CaptureStarts == seenStarts_) return;
     BeginPatience();
@@ -154,7 +153,7 @@ void StreamWatch::LookForStall(Time now) {
 }
 
 void StreamWatch::DeviceLost(const RuntimeError& error) {
-    // A start not yet looked at must not wipe out a loss that came after it.
+    // A start that has not been checked yet must not clear a later loss.
     FollowStarts();
     if (loss_ || !needs_.shared.EventsReady) return;
     loss_ = error;
@@ -174,7 +173,7 @@ void StreamWatch::GiveUp(const RuntimeError& error) {
     needs_.engine.Abandon();
     nextTry_ = needs_.loop.Now() + kTryEvery;
     SetStopped(true, error.what());
-    // A device that was tried again and failed again has been reported.
+    // A device that fails again after a restart by the watch has already been reported.
     if (!onTrial_) Report(error);
 }
 
@@ -186,7 +185,7 @@ void StreamWatch::Report(const RuntimeError& error) {
     if (stopped_ && ChooseDevices && (ChoiceGivenUp() || DevicesListed())) ChooseDevices();
 }
 
-// By the message's own button.
+// Whether the message's button has cleared the stored choice.
 bool StreamWatch::ChoiceGivenUp() const {
     return needs_.settings.Text(keys::kOutput) != needs_.engine.OutputDeviceId ||
            needs_.settings.Text(keys::kInput) != needs_.engine.InputDeviceId;
@@ -209,7 +208,7 @@ void StreamWatch::TryAgain() {
             return;
         }
     } catch (const RuntimeError&) {
-        // The device went away again while it was being started.
+        // The device was lost again during the restart.
         needs_.engine.Abandon();
     }
     BeginPatience();

@@ -13,21 +13,21 @@
 
 namespace sonavex {
 
-// Guards against stale readings. When blocks stop coming, the readings are marked. A device that is lost,
-// or a capture that stalls, is a loss. What a loss leads to is the owner's policy: either the engine is
-// stopped, the loss is logged and reported once, and the engine is started again when its devices are
-// back; or the watch ends and leaves the engine to its owner.
+// Guards against stale readings. When blocks stop arriving, the readings are marked. A lost device and a
+// stalled capture are losses. The owner's policy decides what a loss does: either the engine is stopped, the
+// loss is logged and reported once, and the engine is restarted when its devices are back; or the watch ends
+// and leaves the engine to its owner.
 class StreamWatch {
 public:
-    // What the owner of the watch decides.
+    // Decisions of the owner.
     struct Policy {
-        // Least time that the first notification after a start may take: sleeping devices need time to wake.
+        // Minimum time allowed for the first notification after a start: suspended devices need time to wake.
         std::chrono::nanoseconds firstBlock = std::chrono::seconds(3);
-        // Whether a loss is logged, reported and recovered from. Otherwise it is only counted.
+        // Whether a loss is logged, reported and recovered from. If not, it is only counted.
         bool recover = true;
     };
 
-    // Everything must outlive the watch.
+    // All referenced objects must outlive the watch.
     struct Needs {
         EventLoop& loop;
         SoundSystem& sound;
@@ -42,37 +42,38 @@ public:
     StreamWatch(const StreamWatch&) = delete;
     StreamWatch& operator=(const StreamWatch&) = delete;
 
-    // Watches from now on, until Stop. The sound system reports losses to the watch meanwhile.
+    // Watches until Stop. Meanwhile the sound system reports losses to the watch.
     void Start();
     void Stop();
 
-    // To be called for every notification of the capture, whatever becomes of its block.
+    // Call for every notification of the capture, also if its block fails.
     void Notified();
-    // To be called for every block that was processed and queued.
+    // Call for every block that was processed and queued.
     void BlockQueued();
-    // A device in use is lost. Dealt with at the next look, so that the mark is seen before a message.
+    // Reports the loss of a device in use. It is handled at the next check, so that the mark is shown before
+    // a message.
     void DeviceLost(const RuntimeError& error);
 
-    // The readings are of the past.
+    // Whether the readings are stale.
     bool Stopped() const noexcept { return stopped_; }
-    // Why, for the user; empty while running.
+    // Reason for the user; empty while running.
     const std::string& Reason() const noexcept { return reason_; }
-    // Losses so far. A device that was started again and failed before its first block counts once.
+    // Number of losses. A device that was restarted and failed before its first block counts once.
     std::uint64_t Losses() const noexcept { return losses_; }
-    // The last loss was a stall: the device was there and delivered nothing.
+    // Whether the last loss was a stall: the device was present and delivered nothing.
     bool Stalled() const noexcept { return stalled_; }
 
-    // Told when Stopped has changed. May be empty.
+    // Called when Stopped has changed. May be empty.
     std::function<void()> OnChanged;
-    // The user is to choose devices: after the message about a loss, when the lost device is still listed,
-    // or when its choice was given up. May be empty.
+    // Called when the user must choose devices: after the message about a loss, if the lost device is still
+    // listed or its choice was cleared. May be empty.
     std::function<void()> ChooseDevices;
-    // Told when the watch has started the engine again. May be empty.
+    // Called when the watch has restarted the engine. May be empty.
     std::function<void()> OnRestarted;
-    // True while a dialog has the engine in its hands: nothing is stopped or started then. May be empty.
+    // Returns true while a dialog controls the engine: the watch then stops and starts nothing. May be empty.
     std::function<bool()> Held;
 
-    // The time without a notification after which the stream counts as stalled: 1 s, or three blocks.
+    // Time without a notification after which the stream counts as stalled: three blocks, at least 1 s.
     std::chrono::nanoseconds Patience() const;
     // The same for the first notification after a start: the policy's time, or Patience if that is longer.
     std::chrono::nanoseconds StartPatience() const;
@@ -103,13 +104,13 @@ private:
     Time lastNotification_{};
     Time lastBlock_{};
     Time nextTry_{};
-    std::optional<RuntimeError> loss_;  // told and not yet dealt with
+    std::optional<RuntimeError> loss_;  // reported and not yet handled
     std::uint64_t seenStarts_ = 0;
     bool awaitingFirst_ = true;
     bool stopped_ = false;
     bool stalled_ = false;
     bool reporting_ = false;
-    // The engine was started again by the watch and has not yet delivered a block.
+    // The watch has restarted the engine, and no block has arrived yet.
     bool onTrial_ = false;
     std::string reason_;
     std::uint64_t losses_ = 0;

@@ -8,11 +8,11 @@
 
 namespace sonavex {
 
-// HiTimer1: paces the sweeps with one step a millisecond while enabled. A tick that is late is not
-// made up for; the sweep then lasts longer. User-interface thread only.
+// HiTimer1: paces the sweeps with one step per millisecond while enabled. Late ticks are not made up for; the
+// sweep then lasts longer.
 class SweepTimer {
 public:
-    // paused: while it answers true (the engine is being rebuilt) ticks do nothing.
+    // paused: while it returns true (the engine is being rebuilt), ticks do nothing.
     SweepTimer(EventLoop& loop, Generator& generator, std::function<bool()> paused);
     ~SweepTimer();
     SweepTimer(const SweepTimer&) = delete;
@@ -22,10 +22,9 @@ public:
     bool Enabled() const noexcept { return timer_ != 0; }
     void SetEnabled(bool enabled);
 
-    // One tick. Does nothing inside another tick, to whatever that one yields. Ends early when the
-    // timer is disabled meanwhile.
+    // One tick. Does nothing inside another tick. Ends early if the timer is disabled meanwhile.
     void Tick();
-    // A tick is under way: somebody is called from within it.
+    // Whether a tick is running.
     bool Ticking() const noexcept { return ticking_; }
 
 private:

@@ -22,7 +22,7 @@ constexpr const char* kNotInitialised =
     "Sound devices not initalized properly\r"
     "Select 'Okay' to select new sound devices or 'Cancel' to end program";
 
-// The system's primary device leads every enumeration and is never offered.
+// The primary device is the first entry of every enumeration and is not offered.
 constexpr std::size_t kFirstOffered = 1;
 constexpr std::size_t kShownCharacters = 50;
 
@@ -34,7 +34,7 @@ void Fill(ComboBox& list, const SoundDeviceList& devices, const std::string& sto
         if (devices[i].identifier == stored) list.SetListIndex(static_cast<std::int32_t>(i - kFirstOffered));
 }
 
-// Identifier of the selected entry; one must be selected.
+// Identifier of the selected entry. An entry must be selected.
 const std::string& SelectedIdentifier(const ComboBox& list, const SoundDeviceList& devices) {
     return devices[static_cast<std::size_t>(list.ListIndex()) + kFirstOffered].identifier;
 }

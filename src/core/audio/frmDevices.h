@@ -20,10 +20,10 @@
 
 namespace sonavex {
 
-// Selection of the sound devices and the sampling rate. User-interface thread only.
+// Selection of the sound devices and the sampling rate.
 class frmDevices {
 public:
-    // Everything must outlive the form.
+    // All referenced objects must outlive the form.
     struct Needs {
         SharedState& shared;
         Settings& settings;
@@ -38,7 +38,7 @@ public:
         // Finds the mixer controls of the devices in use.
         std::function<void()> setUpSoundControls;
     };
-    // Labels of the main form that this one writes when it closes.
+    // Labels of the main form that this form writes when it closes.
     struct MainLabels {
         Label& lblInput;
         Label& lblOutput;
@@ -49,21 +49,20 @@ public:
     frmDevices(const frmDevices&) = delete;
     frmDevices& operator=(const frmDevices&) = delete;
 
-    // Lists the devices and selects the stored ones. When they cannot be listed, throws EndProgram after
-    // the message; RuntimeError for a stored rate or position that cannot be used.
+    // Lists the devices and selects the stored ones. If they cannot be listed, shows a message and throws
+    // EndProgram. RuntimeError for a stored rate or position that cannot be used.
     void Form_Load();
 
-    // Whether the form may close; if so, it has done what its closing asks for. While the engine does not
-    // run the user is asked, and may end the program instead (EndProgram).
+    // Whether the form may close; if so, it has performed the steps of closing. While the engine does not run
+    // the user is asked, and may end the program instead (EndProgram).
     bool Form_QueryUnload();
 
     // Closes the form if it may.
     void Unload();
-    // The form is closed.
+    // Called when the form has closed.
     std::function<void()> OnClosed;
 
-    // Takes the choice over. A press while an earlier one still rebuilds the engine is ignored, as is
-    // closing the form then.
+    // Applies the choice. A press while the engine is being rebuilt is ignored, and so is closing the form.
     void cmdOkay_Click();
     void cmdCancel_Click();
     void cmdHelp_Click();
@@ -72,7 +71,7 @@ public:
     ComboBox cmbInputMixer;
     ComboBox cmbOutputMixer;
     ComboBox cmbSampleRate;
-    Label Label5;  // what the newer generation is warned of
+    Label Label5;  // warning for the newer generation
     CommandButton cmdOkay;
     CommandButton cmdCancel;
     CommandButton cmdHelp;
@@ -86,7 +85,7 @@ private:
 
     Needs needs_;
     MainLabels main_;
-    SoundDeviceList inputs_;  // as enumerated when the form was loaded
+    SoundDeviceList inputs_;  // as listed when the form was loaded
     SoundDeviceList outputs_;
     bool applying_ = false;
 };

@@ -4,13 +4,13 @@
 
 namespace sonavex {
 
-// The frequencies that the analysis passes, Hz.
+// Pass band of the analysis in Hz.
 struct Band {
     std::int32_t lowHz = 0;
     std::int32_t highHz = 0;
 };
 
-// At this sampling rate in Hz. The upper edge keeps 100 Hz below half the rate.
+// The band at a sampling rate in Hz. The upper edge stays 100 Hz below half the rate.
 constexpr Band AnalysisBand(std::int32_t rateHz, std::int32_t lowHz = 25) noexcept {
     return {lowHz, rateHz / 2 - 100};
 }

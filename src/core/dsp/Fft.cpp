@@ -21,12 +21,12 @@ struct SplitArrays {
     double* outRe;
     double* outIm;
 
-    // With real and imaginary parts exchanged on both sides the forward transform runs backwards.
+    // Exchanging real and imaginary parts at input and output turns the forward transform into the inverse.
     SplitArrays Exchanged() const noexcept { return {inIm, inRe, outIm, outRe}; }
 };
 
-// One plan of the library. Planning on estimates keeps results the same from run to run. The plan
-// holds for arrays as far apart, and aligned, as those that it was made for.
+// One FFTW plan. Estimated plans give the same results in every run. The plan is valid for arrays with the
+// spacing and alignment of those it was made for.
 class LibraryPlan {
 public:
     LibraryPlan(std::int32_t length, const SplitArrays& at) {
@@ -80,7 +80,7 @@ struct FftPlan::Plans {
           forward(length, Own()),
           backward(length, Own().Exchanged()) {}
 
-    // Arrays of the plan's own, spaced as planned.
+    // The plan's own arrays, with the planned spacing.
     SplitArrays Own() const noexcept {
         double* const at = memory.get();
         return {at, at + spacing, at + 2 * spacing, at + 3 * spacing};
@@ -132,7 +132,7 @@ void nspzrFftNip(const FftPlan& plan, ConstVector inRe, ConstVector inIm, Vector
     for (const ConstVector vector : {inRe, inIm, ConstVector(outRe), ConstVector(outIm)})
         if (vector.size() < length) throw RuntimeError(error_number::kSubscript);
     if (flags != kForward && flags != kInverse) throw RuntimeError(error_number::kInvalidCall);
-    // The library takes its input as writable; a transform that is not in place leaves it alone.
+    // FFTW takes its input as writable, but an out-of-place transform does not change it.
     const SplitArrays arrays{const_cast<double*>(inRe.data()), const_cast<double*>(inIm.data()), outRe.data(),
                              outIm.data()};
     if (plan.plans_->Fits(arrays))

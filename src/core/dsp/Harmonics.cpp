@@ -8,7 +8,7 @@
 namespace sonavex::modDSP {
 namespace {
 
-// Its second harmonic is in bin 2046; up to there it has a percentage, whatever MaxBin is.
+// The 2nd harmonic of this bin is in bin 2046. Up to this bin it has a percentage, even beyond MaxBin.
 constexpr std::int32_t kHighestWithSecond = 1023;
 
 struct HarmonicSums {
@@ -27,7 +27,7 @@ double Power(const State& state, std::int32_t bin) {
     return magnitude * magnitude;
 }
 
-// Bin below which a harmonic counts.
+// A harmonic counts only below this bin.
 std::int32_t MaxBin(const State& state, std::int32_t sampleRateHz) {
     return (sampleRateHz / 2 - 1000) / CLng(static_cast<double>(state.BinWidth));
 }
@@ -38,7 +38,7 @@ HarmonicSums SecondHarmonicSums(const State& state) {
     return {std::sqrt(Power(state, 2 * k) + Power(state, k)), std::sqrt(Power(state, 2 * k))};
 }
 
-// Harmonics 2 to h + 1. A harmonic at or beyond MaxBin takes both sums back to zero.
+// Sums harmonics 2 to h + 1. A harmonic at or beyond MaxBin resets both sums to zero.
 HarmonicSums SumsUpTo(const State& state, std::int32_t h, std::int32_t maxBin) {
     if (h == 1) return SecondHarmonicSums(state);
     const std::int32_t k = state.PeakBin;
@@ -83,7 +83,7 @@ std::optional<double> LevelDb(const State& state, std::size_t harmonic) {
     return bels * 10.0 * 2.0;
 }
 
-// A level that is not available leaves CurrentDb as it was.
+// An unavailable level leaves CurrentDb unchanged.
 HarmonicReading AverageHarmonic(State& state, std::size_t harmonic) {
     HarmonicReading reading;
     reading.averagePct = Average(state, 0, harmonic);

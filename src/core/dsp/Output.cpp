@@ -8,10 +8,10 @@ namespace {
 
 using namespace modSPL2VB;
 
-// Frames that a block's filter response rings on into the next block.
+// Frames by which a block's filter response extends into the next block.
 constexpr std::int32_t kTail = 2046;
 
-// The filtered input of this block, completed by the tail of the block before.
+// Completes the filtered input of this block with the tail of the block before.
 void OverlapAdd(State& state) {
     nspdbCopy(state.SpecRe, state.FilteredRe, kFftLength);
     nspdbCopy(state.SpecIm, state.FilteredIm, kFftLength);
@@ -29,7 +29,7 @@ void MeasureOutputLevel(State& state, bool mute, Readings& readings) {
     readings.reached = BlockStep::kOutputLevel;
 }
 
-// The limit holds for the two-channel vector's length, not for each channel.
+// Limits the length of the two-channel vector, not each channel.
 void Limit(State& state) {
     state.SynthPeak = LargestMagnitude(state.SpecRe, state.SpecIm, kBlockFrames);
     if (state.SynthPeak <= kFullScale) return;

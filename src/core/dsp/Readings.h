@@ -7,7 +7,7 @@
 
 namespace sonavex {
 
-// At or above it a level is an overload, and it is the limit of the output; 16-bit steps.
+// A level at or above this value is an overload. The output is limited to it. 16-bit steps.
 inline constexpr double kFullScale = 32760.0;
 
 // The steps of a block that have readings, in their order.
@@ -16,12 +16,11 @@ enum class BlockStep { kNothing, kInputLevel, kFrequency, kLock, kHarmonics, kOu
 // A harmonic, averaged over the 19 blocks of a cycle.
 struct HarmonicReading {
     double averagePct = 0.0;        // distortion up to this harmonic (THD_R), percent
-    std::optional<double> percent;  // the same less the baseline where that is on; none: not available
+    std::optional<double> percent;  // the same minus the baseline if that is applied; none: not available
     std::optional<double> levelDb;  // this harmonic relative to the fundamental; none: not available
 };
 
-// What the analysis of one block has measured. A block that ends with an error has the readings of the
-// steps before it.
+// Readings of one block. A block that ends with an error has the readings of the steps before it.
 struct Readings {
     static constexpr std::size_t kHarmonics = 8;
 
@@ -30,7 +29,7 @@ struct Readings {
     double inputPeak = 0.0;  // largest sample by sign, 16-bit steps; not above 0: no signal
 
     double measuredHz = 0.0;  // frequency of the strongest bin, whole Hz, rounded down
-    bool automatic = false;   // it is the frequency that the harmonics are measured against
+    bool automatic = false;   // measuredHz is the fundamental of the harmonics
 
     bool locked = false;
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
-// Vector versions of the C library's functions, where the library has them.
+// Vector versions of the C library's functions, if the library has them.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__)
 extern "C" __attribute__((simd("notinbranch"))) double sin(double) noexcept;
 extern "C" __attribute__((simd("notinbranch"))) double cos(double) noexcept;
 extern "C" __attribute__((simd("notinbranch"))) double atan2(double, double) noexcept;
-// SONAVEX_PLAIN_KERNELS: for tests and measurements of what the oldest machines run.
+// SONAVEX_PLAIN_KERNELS: for tests and benchmarks of the code for SSE2 machines.
 #if !defined(SONAVEX_SANITIZED) && !defined(SONAVEX_PLAIN_KERNELS)
 #define SONAVEX_EVERY_MACHINE __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #endif
@@ -20,7 +20,7 @@ extern "C" __attribute__((simd("notinbranch"))) double atan2(double, double) noe
 namespace sonavex::kernels {
 namespace {
 
-// Independent running maxima, so that a loop over them becomes vector instructions.
+// Independent running maxima, so that the loop over them is vectorised.
 constexpr std::size_t kLanes = 16;
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-// The inner loops of modSPL2VB, compiled for several instruction sets of which the machine's best is
-// taken at start. Plain pointers, no checks: n elements of every array.
+// The inner loops of modSPL2VB, compiled for several instruction sets; the machine's best is selected at
+// start. Plain pointers without checks: every array has n elements.
 namespace sonavex::kernels {
 
 void Add(const double* a, const double* b, double* out, std::size_t n);

@@ -14,7 +14,7 @@ using namespace modSPL2VB;
 constexpr std::int32_t kFilterTaps = 2048;
 constexpr std::int32_t kHalfLength = kFftLength / 2;
 
-// Number of halvings from the transform length to 1.
+// log2 of the transform length.
 std::int32_t OrderOf(std::int32_t length) {
     std::int32_t order = 0;
     while (length > 1) {
@@ -30,7 +30,7 @@ void StartBlock(State& state) {
     state.History = {};
 }
 
-// The upper halves of the channels stay zero: nothing else writes to them.
+// The upper halves of the channels stay zero, because nothing writes to them.
 void Split(State& state, std::span<const std::int16_t> captured) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(kBlockFrames); ++i) {
         state.ChanA[i] = captured[2 * i + 1];
@@ -46,8 +46,8 @@ void MeasureInputLevel(State& state, Readings& readings) {
     readings.reached = BlockStep::kInputLevel;
 }
 
-// Both channels in one complex transform, filtered by multiplying the spectra. Only the magnitudes of
-// the lower half are read, and no phases.
+// Transforms both channels at once and filters by multiplying the spectra. Only magnitudes of the lower half
+// are computed.
 void FilteredSpectrum(State& state) {
     nspzrFftNip(state.plan, state.ChanA, state.ChanB, state.SpecRe, state.SpecIm, kForward);
     MultiplyComplex(state.FilterRe, state.FilterIm, state.SpecRe, state.SpecIm, kFftLength);
@@ -65,7 +65,7 @@ void FindFundamental(State& state) {
     }
 }
 
-// Frequency of the peak's bin.
+// Frequency of the strongest bin.
 void MeasureFrequency(const State& state, const BlockInputs& inputs, Readings& readings) {
     readings.measuredHz = std::floor(static_cast<double>(state.BinWidth) * state.PeakBin);
     readings.automatic = inputs.automatic;

@@ -11,7 +11,6 @@
 
 // The analysis of one captured block: band-pass in the frequency domain, search for the fundamental,
 // harmonics, averages over a cycle of 19 blocks, levels, and the next block of output.
-// User-interface thread only.
 namespace sonavex::modDSP {
 
 inline constexpr std::size_t kVectorSize = 4097;
@@ -20,13 +19,13 @@ inline constexpr std::size_t kHarmonics = Readings::kHarmonics;
 inline constexpr std::int32_t kLastSlot = 18;     // 19 slots make a cycle
 inline constexpr std::int32_t kLockRangeHz = 14;  // the peak must be nearer than this
 
-// What a block is measured with.
+// Settings for one block.
 struct BlockInputs {
     std::int32_t sampleRateHz = 0;
-    bool automatic = false;  // the fundamental is the strongest bin, not the frequency typed
-    bool mute = false;       // the input does not go on to the output
-    // The frequency typed, whole Hz, or the number of the error that its text raises when it is needed;
-    // unused in automatic.
+    bool automatic = false;  // the fundamental is the strongest bin, not the typed frequency
+    bool mute = false;       // the input is not sent to the output
+    // The typed frequency in whole Hz, or the number of the error that its text raises when it is used. Not
+    // used if automatic.
     std::int32_t typedHz = 0;
     std::int32_t typedError = 0;
 };
@@ -34,8 +33,7 @@ struct BlockInputs {
 // Aligned for the widest vector instructions.
 struct alignas(64) AnalysisVector : std::array<double, kVectorSize> {};
 
-// The real and imaginary parts of each transform lie one right behind the other, as the plan expects
-// them.
+// Real and imaginary parts of each transform are adjacent, as the plan expects.
 struct State {
     float BinWidth = 0.0F;  // Hz
     std::int32_t FftOrder = 12;
@@ -54,7 +52,7 @@ struct State {
     AnalysisVector FilteredRe{};  // input of the inverse transform
     AnalysisVector FilteredIm{};
     AnalysisVector SpecMag{};  // magnitudes of bins 0 to 2048
-    AnalysisVector TailA{};    // what the filter rings on into the next block
+    AnalysisVector TailA{};    // part of the filter response that extends into the next block
     AnalysisVector TailB{};
 
     double InputPeak = 0.0;  // 16-bit steps, largest sample by sign
@@ -69,8 +67,8 @@ struct State {
     std::int32_t HistIndex = 0;
     // [slot][0: distortion up to the harmonic, percent; 1: harmonic / fundamental][harmonic - 2]
     std::array<std::array<std::array<double, 10>, 2>, 21> History{};
-    std::array<double, kHarmonics> CurrentPct{};  // as last shown, set by the display; 0 from "N/A"
-    std::array<double, kHarmonics> CurrentDb{};   // as last computed
+    std::array<double, kHarmonics> CurrentPct{};  // last shown values, set by the display; 0 for "N/A"
+    std::array<double, kHarmonics> CurrentDb{};   // last computed values
     std::int32_t CurrentHz = 0;                   // the fundamental of both; 0 before the first
     std::array<double, kHarmonics> BaselinePct{};
     std::array<double, kHarmonics> BaselineDb{};
@@ -84,16 +82,16 @@ struct State {
 void SetUpAnalysis(State& state, std::int32_t rateHz, std::int32_t lowHz, std::int32_t highHz);
 
 // Analyses one block and makes the next block of output. captured, playback: kBlockSamples interleaved
-// samples (error 9 when shorter). Raises the error of a typed frequency, and error 11 for a fundamental
-// of magnitude 0; the block then ends there, and readings tells how far it came. Allocates nothing.
+// samples (error 9 if shorter). Raises the error of a typed frequency, and error 11 for a fundamental of
+// magnitude 0. After an error, `readings` says which steps were completed. Does not allocate.
 void ProcessCapturedBlock(State& state, const BlockInputs& inputs, Readings& readings, BlockFill& generator,
                           std::span<const std::int16_t> captured, std::span<std::int16_t> playback);
 
-// Steps of the above, each with a file to itself.
+// Steps of ProcessCapturedBlock, each in a separate source.
 
-// Harmonic sums of this block into the history, and the averages into the readings when the cycle ends.
+// Adds this block's harmonic sums to the history, and averages them into the readings when the cycle ends.
 void MeasureHarmonics(State& state, std::int32_t sampleRateHz, Readings& readings);
-// From the filtered spectrum to the samples to play.
+// Makes the samples to play from the filtered spectrum.
 void MakeOutput(State& state, bool mute, Readings& readings, BlockFill& generator,
                 std::span<std::int16_t> playback);
 

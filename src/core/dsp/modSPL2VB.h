@@ -5,10 +5,9 @@
 #include <memory>
 #include <span>
 
-// Whole-array operations on double-precision vectors. The count, not the size of the array, decides
-// how many elements are touched; an array that is shorter than the count raises error 9. A destination
-// may be one of its sources (not with the conversions between Cartesian and polar), but must not overlap
-// it otherwise. Any thread.
+// Operations on vectors of doubles. The count, not the size of the array, determines how many elements are
+// processed; an array shorter than the count raises error 9. A destination may be one of its sources (except
+// in conversions between Cartesian and polar), but must not overlap it otherwise. Any thread.
 namespace sonavex::modSPL2VB {
 
 using Vector = std::span<double>;
@@ -32,12 +31,12 @@ void nspdbrCartToPolar(ConstVector re, ConstVector im, Vector mag, Vector phase,
 // re[i] = mag[i] cos(phase[i]), im[i] = mag[i] sin(phase[i]); the inverse up to rounding
 void nspdbrPolarToCart(ConstVector mag, ConstVector phase, Vector re, Vector im, std::int32_t n);
 
-// mag[i] = sqrt(re[i]^2 + im[i]^2): nspdbrCartToPolar for those who do not read the phases.
+// mag[i] = sqrt(re[i]^2 + im[i]^2): nspdbrCartToPolar without the phases.
 void Magnitudes(ConstVector re, ConstVector im, Vector mag, std::int32_t n);
 // Largest of sqrt(re[i]^2 + im[i]^2). Error 5 for n < 1.
 double LargestMagnitude(ConstVector re, ConstVector im, std::int32_t n);
-// (re + i im)[k] = (re + i im)[k] * (factorRe + i factorIm)[k]: what multiplying the magnitudes and
-// adding the phases comes to.
+// (re + i im)[k] = (re + i im)[k] * (factorRe + i factorIm)[k]: equivalent to multiplying magnitudes and
+// adding phases.
 void MultiplyComplex(ConstVector factorRe, ConstVector factorIm, Vector re, Vector im, std::int32_t n);
 // out[i] = sin(angle[i]), angle in radians
 void Sines(ConstVector angle, Vector out, std::int32_t n);
@@ -46,14 +45,13 @@ void Sines(ConstVector angle, Vector out, std::int32_t n);
 inline constexpr std::int32_t kForward = 1;
 inline constexpr std::int32_t kInverse = 2;
 
-// What a transform of one length needs to know; made once, used by any number of transforms. One
-// thread at a time.
+// Precomputed data for transforms of one length, usable any number of times. One thread at a time.
 class FftPlan {
 public:
-    // Length 2^order, order 1 to 20. arraySpacing: how many elements behind the real part the
-    // imaginary part starts, for input and output alike; 0 for no gap. Transforms of arrays that lie so,
-    // aligned for vector instructions, run where the arrays are, all others by way of a copy.
-    // Error 5 for another order, or a spacing shorter than the length.
+    // Length 2^order, order 1 to 20. arraySpacing: distance from the start of the real part to the start of
+    // the imaginary part in elements, for input and output; 0 for adjacent arrays. Aligned arrays with this
+    // spacing are transformed directly, all others through a copy. Error 5 for another order, or a spacing
+    // shorter than the length.
     explicit FftPlan(std::int32_t order, std::size_t arraySpacing = 0);
     ~FftPlan();
     FftPlan(FftPlan&&) noexcept;
@@ -67,8 +65,8 @@ private:
     std::unique_ptr<Plans> plans_;
 };
 
-// Discrete Fourier transform over split real and imaginary arrays, natural order, not in place (the
-// output arrays must be others than the input arrays).
+// Discrete Fourier transform of split real and imaginary arrays, natural order, out of place (the output
+// arrays must differ from the input arrays).
 // kForward: X[k] = sum over t of x[t] e^(-2 pi i k t / N). kInverse: e^(+...) and the factor 1/N.
 void nspzrFftNip(const FftPlan& plan, ConstVector inRe, ConstVector inIm, Vector outRe, Vector outIm,
                  std::int32_t flags);
@@ -77,9 +75,9 @@ void nspzrFftNip(const FftPlan& plan, ConstVector inRe, ConstVector inIm, Vector
 // 1)).
 inline constexpr std::int32_t kBlackman = 2;
 
-// Impulse response of a band-pass, edges as fractions of the sampling rate (0 to 0.5): the ideal
-// response centred on (tapsLen - 1) / 2, times the window. normalize 1 scales it to the magnitude 1
-// in the middle of the band. Error 5 for another window, fewer than 2 taps or lowFraction > highFraction.
+// Impulse response of a band-pass, edges as fractions of the sampling rate (0 to 0.5): the ideal response
+// centred on (tapsLen - 1) / 2, times the window. normalize 1 scales it to a magnitude of 1 in the middle of
+// the band. Error 5 for another window, fewer than 2 taps or lowFraction > highFraction.
 void nspdFirBandpass(double lowFraction, double highFraction, Vector taps, std::int32_t tapsLen,
                      std::int32_t windowType, std::int32_t normalize);
 

@@ -47,7 +47,7 @@ public:
     // the tick may continue; it is called once, and once more before each tone.
     void AdvanceSweep(const std::function<bool()>& yield);
 
-    // Whether the tone's sweep has not reached its end. The tone must have a sweep.
+    // Whether the tone's sweep has not reached its end. True without a sweep.
     static bool UnderWay(const ToneRecord& tone);
 
     // Values set by LoadGeneratorDefaults.

@@ -7,19 +7,18 @@
 
 namespace sonavex {
 
-// Where failures of the sound devices are recorded and shown. User-interface thread only.
+// Records and shows failures of the sound devices.
 class ErrorLog {
 public:
     virtual ~ErrorLog() = default;
 
-    // Records the message with the error that led to it (number 0 for none) and shows it. On return
-    // tStr is what was shown.
+    // Records the message with its error (number 0 for none) and shows it. On return tStr is the shown text.
     virtual std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) = 0;
 
-    // Adds a line about something that was shown elsewhere.
+    // Adds a line about an error that was shown elsewhere.
     virtual void WriteLine(const std::string& line) = 0;
 
-    // Whether the program cannot go on after the next message.
+    // Sets whether the program must end after the next message.
     virtual void SetFatalError(bool fatal) = 0;
 };
 

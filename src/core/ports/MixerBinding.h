@@ -4,15 +4,15 @@
 
 namespace sonavex {
 
-// How the engine tells the mixers which devices are in use. User-interface thread only.
+// Through this interface the engine binds the mixers to the devices in use.
 class MixerBinding {
 public:
     virtual ~MixerBinding() = default;
 
-    // The legacy mixer controls of the two selected devices.
+    // Binds the older mixer controls to the two selected devices.
     virtual void PointMixersAt(const std::string& outputDeviceName, const std::string& inputDeviceName) = 0;
 
-    // Newer generation: closes the mixer that was open and opens the one of the selected devices.
+    // Newer generation: closes the open mixer and opens that of the selected devices.
     virtual void ReopenSoundCard(const std::string& outputDeviceName, const std::string& inputDeviceName) = 0;
 };
 

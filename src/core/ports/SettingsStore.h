@@ -22,7 +22,7 @@ public:
     // Removes a section with all its keys; removing an absent one is no error.
     virtual void DeleteSection(std::string_view section) = 0;
 
-    // Where the values are kept, for messages about values that do not convert.
+    // Location of the settings, for error messages.
     virtual std::string Location() const = 0;
 };
 

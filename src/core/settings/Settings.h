@@ -29,7 +29,7 @@ public:
     // The error for a stored value that converts but is not allowed, with a text like that of the conversion
     // errors.
     RuntimeError Failure(std::int32_t number, const SettingsKey& key) const;
-    // The error with the location appended to its text: section, key, value, where the settings are kept.
+    // The error with section, key, value and location of the settings appended to its text.
     RuntimeError Located(const RuntimeError& error, const SettingsKey& key, const std::string& value) const;
 
     // The same key with another default.

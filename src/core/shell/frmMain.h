@@ -23,7 +23,7 @@
 
 namespace sonavex {
 
-// The main form: owns the instrument, shows it, starts it and shuts it down in order.
+// The main form: owns the shared state and the subsystems, starts them and shuts them down in order.
 class frmMain {
 public:
     static constexpr const char* kApplicationTitle = "Sonavex";

@@ -5,7 +5,7 @@
 
 namespace sonavex {
 
-// A block of sound: what is captured, analysed and played at once.
+// Length of a block, the unit of capture, analysis and playback.
 inline constexpr std::int32_t kBlockFrames = 2048;
 inline constexpr std::size_t kBlockSamples = 2 * kBlockFrames;  // interleaved stereo
 

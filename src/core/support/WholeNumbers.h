@@ -2,12 +2,12 @@
 
 #include <cstdint>
 
-// Numbers to whole numbers. Halves go to the even neighbour.
+// Conversions of numbers to whole numbers. Halves round to even.
 namespace sonavex {
 
 double RoundHalfEven(double value) noexcept;
 
-// Error 6 when the rounded number does not fit, or is not a number.
+// Error 6 if the rounded number does not fit, or if the value is not a number.
 std::int32_t CLng(double value);
 std::int16_t CInt(double value);
 

@@ -14,7 +14,7 @@ enum class AlsaPath {
 };
 
 // libasound's configuration, read from the files of the system and the user, or from the one that
-// ALSA_CONFIG_PATH names. User-interface thread only.
+// ALSA_CONFIG_PATH names.
 class AlsaConfiguration {
 public:
     // Reads the files. A configuration that cannot be read is empty.

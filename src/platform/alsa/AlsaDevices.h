@@ -23,7 +23,6 @@ struct AlsaDevice {
 
 // The devices that lead directly to a card: first the devices of the cards, then the PCMs that the user's
 // configuration defines. PCMs that lead to a sound server, to a file or to nothing are left out.
-// User-interface thread only.
 std::vector<AlsaDevice> ListAlsaDevices(snd_pcm_stream_t direction);
 
 // The device with this identifier, or the first device for an empty one. Throws kNoDriver when there is none.

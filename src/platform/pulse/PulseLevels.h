@@ -26,9 +26,9 @@ struct PulseLevelState {
     std::string alsaCard;
 };
 
-// Reads and sets levels at the server, each by one request. RuntimeError when the server refuses or
-// does not answer; after that every call fails at once for two seconds, so that a form full of levels
-// does not wait for each of them. User-interface thread only.
+// Reads and sets levels at the server, each by one request. RuntimeError when the server refuses or does not
+// answer; after that every call fails at once for two seconds, so that a form full of levels does not wait
+// for each of them.
 class PulseLevels {
 public:
     // An empty address stands for the environment's server.
@@ -44,7 +44,7 @@ public:
     void SetMuted(PulseDirection direction, const std::string& name, bool muted);
     void SetPort(PulseDirection direction, const std::string& name, const std::string& port);
 
-    // The handler is called on the user-interface thread when the server told of a change.
+    // The handler is called on the user-interface thread when the server has reported a change.
     void OnChange(std::function<void()> handler) { changed_ = std::move(handler); }
 
 private:

@@ -12,8 +12,7 @@
 namespace sonavex {
 
 // Follows what the server does to the samples between a stream and its device: resampling, volume, muting.
-// Ask sends a request; the answer arrives later. User-interface thread only. The context must outlive this
-// object.
+// Ask sends a request; the answer arrives later. The context must outlive this object.
 class PulsePath {
 public:
     // rateHz is the rate of the stream.

@@ -1,4 +1,4 @@
-// What happens when a card is taken, pulled, put to sleep or not served in time.
+// Cards that are in use, unplugged, suspended or served too late.
 
 #include <malloc.h>
 
@@ -25,7 +25,7 @@ protected:
         session_.Open(kDevice, kRateHz);
         ASSERT_TRUE(session_.Captures());
     }
-    // The same program goes on with the same card.
+    // The same program continues with the same card.
     void ExpectRecovery() {
         session_.Close();
         OpenAndRun();
@@ -49,7 +49,7 @@ TEST_F(AlsaFaults, UnpluggedWhileRunningAndPluggedInAgain) {
     ExpectRecovery();
 }
 
-// The card keeps the system's clock, so neither direction gains on it.
+// The card runs on the system's clock, so neither direction drifts.
 TEST_F(AlsaFaults, BothDirectionsCompareTheirClockWithTheSystems) {
     OpenAndRun();
     const auto lead = [&](const auto& buffer) { return buffer->ClockLead().value_or(1h); };
@@ -97,7 +97,7 @@ TEST_F(AlsaFaults, FailingAgainAndAgainIsALossAndCostsNoTime) {
     ExpectRecovery();
 }
 
-// The card's clock jumps, as it does when the machine does not serve it for that long.
+// The card's clock jumps, as when the machine does not serve it for that long.
 TEST_F(AlsaFaults, BeingServedTooLateIsCountedAndGoesOn) {
     OpenAndRun();
     EXPECT_EQ(session_.playback->Underruns(), 0U);
@@ -111,7 +111,7 @@ TEST_F(AlsaFaults, BeingServedTooLateIsCountedAndGoesOn) {
             return session_.playback->Underruns() > 0 && session_.capture->Statistics().framesMissing > 0;
         },
         AlsaSession::kLimit));
-    // About as long as the gap was.
+    // About the length of the gap.
     const double missing = static_cast<double>(session_.capture->Statistics().framesMissing);
     EXPECT_NEAR(missing / kRateHz, 0.7, 0.4);
     EXPECT_TRUE(session_.Captures());
@@ -123,7 +123,7 @@ TEST_F(AlsaFaults, BeingServedTooLateIsCountedAndGoesOn) {
 TEST_F(AlsaFaults, HeldByAnotherProgram) {
     using Direction = LoopCards::Direction;
     const PrivateFolder folder;
-    // Holds one direction of the card from here on.
+    // Occupies one direction of the card from here on.
     const auto holder = [&](const char* program, const std::string& file, Direction direction) {
         auto process =
             std::make_unique<ChildProcess>(Arguments{program, "-q", "-D", "card", "-t", "raw", "-f", "S16_LE",
@@ -144,7 +144,7 @@ TEST_F(AlsaFaults, HeldByAnotherProgram) {
         const auto recorder = holder("arecord", folder.Path() / "recording", Direction::kCapture);
         session_.ExpectError(sound_error::kAllocated, inUse,
                              [&] { input->CreateBuffer(Stereo(kCaptureBytes, kRateHz)); });
-        // Busy cards are listed all the same.
+        // Busy cards are listed too.
         EXPECT_EQ(session_.system.EnumeratePlayback().size(), 3U);
     }
     ExpectRecovery();
@@ -163,7 +163,7 @@ std::ptrdiff_t Entries(const char* folder) {
 
 TEST_F(AlsaFaults, FiftyRapidCyclesLeaveNothingBehind) {
     const auto cycle = [&](int round) {
-        // Also through the conversions of a card, and through losses.
+        // Also with the conversions of a card, and after losses.
         session_.Open(round % 2 == 0 ? kDevice : "alsa:hw:CARD=Fake,DEV=0", kRateHz);
         if (round % 5 == 0) card_.unplugged = 1;
         session_.loop.Wait(1ms);
@@ -183,7 +183,7 @@ TEST_F(AlsaFaults, FiftyRapidCyclesLeaveNothingBehind) {
     EXPECT_LT(static_cast<double>(mallinfo2().uordblks) - static_cast<double>(bytes), 16384.0);
 }
 
-// Signals that are raised on the audio thread look at what that thread has allocated since the first.
+// Signals raised on the audio thread check what that thread has allocated since the first.
 class CountingLoop : public PlainEventLoop {
 public:
     std::unique_ptr<Signal> CreateSignal(std::function<void()>) override {

@@ -1,4 +1,4 @@
-// What reaches a card, at each rate, and what is done where the card lacks something.
+// What reaches a card at each rate, and what happens when the card lacks something.
 
 #include <chrono>
 #include <memory>
@@ -63,7 +63,7 @@ void ExpectNotes(const std::string& device, std::int32_t rateHz, const std::stri
     EXPECT_EQ(session.capture->PathNote(), note);
 }
 
-// The last frame that comes back when these two samples are played for long.
+// The last captured frame when these two samples are played continuously.
 std::vector<std::int16_t> LevelsThrough(const std::string& device, std::int32_t rateHz, std::int16_t first,
                                         std::int16_t second) {
     AlsaSession session;
@@ -136,7 +136,7 @@ TEST(AlsaRates, ThatTheUsersPcmLacksAreRefused) {
         session.ExpectError(sound_error::kBadFormat, text,
                             [&] { input->CreateBuffer(Stereo(kCaptureBytes, rateHz)); });
     }
-    // A refusal leaves the card free.
+    // After a refusal the card is free.
     ExpectExactLoop("alsa:card", 48000);
 }
 

@@ -13,7 +13,7 @@ class AlsaSession : public DuplexOn<AlsaSoundSystem> {
 public:
     static constexpr const char* kName = "Test card (direct)";
 
-    // Opens both directions; nothing runs yet.
+    // Opens both directions without starting them.
     void Create(const std::string& device, std::int32_t rateHz) {
         OpenCapture(device, rateHz);
         OpenPlayback(device, rateHz);
@@ -24,7 +24,7 @@ public:
     }
     void ExpectLosses(const std::string& text) { Duplex::ExpectLosses(kName, text); }
 
-    // Plays the pattern and returns this number of segments of what comes back.
+    // Plays the pattern and returns `segments` captured segments.
     std::vector<std::int16_t> Record(const std::vector<std::int16_t>& pattern, std::size_t segments) {
         SegmentRecorder recorder(system, *capture);
         playback->WriteBuffer(0, pattern);

@@ -12,7 +12,7 @@ using testing::ElementsAre;
 constexpr int kCard = 3;
 constexpr const char* kName = "Fake card";
 
-// One fake card with both sides.
+// One fake card with playback and capture.
 class AlsaMixerPlatform {
 public:
     AlsaMixerPlatform() : control_(cards_.PutIn(kCard)) {}

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kName = "Usb";
 
-// A server's sink and its monitor, with a fake card behind both.
+// A server's sink and its monitor, and the fake card that both belong to.
 class LayeredPlatform {
 public:
     LayeredPlatform() {
@@ -22,7 +22,7 @@ public:
     }
     std::unique_ptr<MixerHardware> Create(EventLoop& loop) {
         auto pulse = std::make_unique<PulseMixer>(loop, server_.Address());
-        // The monitor of a sink names no card, so the card of the sink is used for both sides.
+        // A monitor does not name its card, so the test does.
         AlsaMixer::Cards behind{[](MixerSide) { return std::vector<std::string>(); },
                                 [&server = *pulse](const MixerDevice& device) {
                                     if (device.name != PlaybackName() && device.name != CaptureName())
@@ -78,7 +78,7 @@ TEST(LayeredMixer, LeavesTheServerWhatItManages) {
 }
 
 // The server's source has no ports and no MIC in its name, so its level is a line level. The card's
-// microphone level must not appear next to it.
+// microphone level is not offered in addition.
 TEST(LayeredMixer, LeavesTheRecordLevelToTheServer) {
     LayeredPlatform platform;
     PlainEventLoop loop;

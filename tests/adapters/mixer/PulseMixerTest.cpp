@@ -89,8 +89,8 @@ public:
         playback_->PlayLooping();
     }
 
-    // Level of each captured channel relative to the played sine, in decibels, once it has settled: a server
-    // that is late interrupts the sine for a moment.
+    // Level of each captured channel relative to the played sine in dB: the first stable value, because a
+    // late server interrupts the sine briefly.
     std::array<double, 2> LevelsDb() {
         WaitUntil(
             loop, [] { return false; }, 700ms);

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// The print command against a real print system.
+// The print command with a real print system.
 class PrintServerTest : public PrintRig<QtPrinter> {
 protected:
     PrintServerTest() {

@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The print command with print programs of the test's own, while a timer runs as the instrument's do.
+// The print command with fake print programs, while a timer runs like the instrument's.
 class SlowPrintSystem : public PrintRig<QtPrinter> {
 protected:
     SlowPrintSystem() {

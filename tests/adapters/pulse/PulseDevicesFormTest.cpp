@@ -25,7 +25,7 @@ using testing::HasSubstr;
 const NullSink kCard{"card", 48000, "TestCard"};
 const NullSink kOther{"other", 48000, "OtherCard"};
 
-// The instrument without its window on a server, measuring the monitor of its own sink.
+// The instrument without its window on a server, capturing the monitor of its own sink.
 class Instrument : public WorldOf<PlainEventLoop> {
 public:
     explicit Instrument(const SoundServer& server) : sound(loop, server.Address()) {
@@ -34,7 +34,7 @@ public:
         store.Save("SoundCard", "SampleRate", "0");
     }
 
-    // Plays a sine and waits until its frequency is read, as exact as a line of the spectrum is.
+    // Plays a sine and waits until its frequency is read to the nearest bin.
     bool Measures() {
         CommandButton& start = form.GeneratorPanel.Controls.Command1;
         if (start.Caption() == "Start Current") start.Press();
@@ -54,7 +54,7 @@ public:
             if (list.Items()[static_cast<std::size_t>(i)] == text) list.UserSelects(i);
         EXPECT_EQ(list.Text(), text);
     }
-    // Number of the sink that a sink's name stands for in the server's lists.
+    // Number of a sink in the server's list, by name.
     static std::string NumberOf(const SoundServer& server, const std::string& sink) {
         const std::string list = "\n" + server.Control({"list", "short", "sinks"});
         const std::size_t end = list.find("\t" + sink + "\t");
@@ -68,7 +68,7 @@ public:
     frmMain form{On(sound, report)};
 };
 
-// The form of the selection, loaded, over the instrument.
+// The loaded selection form over the instrument.
 struct Selection {
     explicit Selection(Instrument& instrument)
         : form(instrument.form.DevicesNeeds(instrument.files, instrument.help),
@@ -139,7 +139,7 @@ TEST(PulseDevicesForm, ChangesTheRateOnPipeWire) {
     CheckRatesOn(server);
 }
 
-// A card is unloaded between the list and the OK: one record, and another card can be taken.
+// A card is unloaded between the list and Okay: one record, and another card can be selected.
 void CheckVanishedOn(const SoundServer& server) {
     const std::string module = server.LoadNullSink(kOther);
     Instrument instrument(server);
@@ -173,7 +173,7 @@ TEST(PulseDevicesForm, KeepsOpenForAnotherCardWhenOneIsGone) {
     CheckVanishedOn(server);
 }
 
-// A start with a stored card that is gone leads to the selection, which asks for another one.
+// A start with a missing stored card opens the selection, which asks for another one.
 TEST(PulseDevicesForm, StartsThroughTheSelectionWhenTheStoredCardIsGone) {
     const PulseServer server({kCard});
     Instrument instrument(server);

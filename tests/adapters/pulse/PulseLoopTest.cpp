@@ -1,4 +1,4 @@
-// The loop from a sink through its monitor is bit exact.
+// Loops from a sink through its monitor.
 
 #include "adapters/pulse/Passage.h"
 #include "support/PipeWireServer.h"

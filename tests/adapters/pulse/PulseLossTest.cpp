@@ -1,4 +1,4 @@
-// What happens when the sound server or a device goes away or stands still.
+// Sound servers and devices that go away or stall.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 
 constexpr std::int32_t kRateHz = 48000;
-// Until a stream that moves nothing is given up.
+// Limit until a stalled stream is given up.
 constexpr auto kStallLimit = 7s;
 
 const NullSink kUsedCard{"card", kRateHz, "TestCard"};
@@ -72,7 +72,7 @@ TEST(PulseLoss, TheEnvironmentNamesTheServer) {
     EXPECT_EQ(list[1].description, "TestCard");
 }
 
-// When the graph below the protocol server goes, the devices go, the server may go too.
+// When the daemon goes, the devices go, and the protocol server may go too.
 TEST(PulseLoss, DaemonBelowTheProtocolKilled) {
     PipeWireServer server({kUsedCard});
     Session session(server);
@@ -91,7 +91,7 @@ TEST(PulseLoss, AServerWithoutDevicesHasThePrimaryEntryOnly) {
                         [&] { session.system.CreatePlaybackDevice(""); });
 }
 
-// The server dies and comes back.
+// The server dies and returns.
 void CheckDeathOf(SoundServer& server) {
     Session session(server);
     session.Open("card");
@@ -121,7 +121,7 @@ TEST(PulseLoss, ServerKilledAndStartedAgainOnPipeWire) {
     CheckDeathOf(server);
 }
 
-// The sink of the buffers goes while another one stays, and comes back.
+// The sink in use is removed while another one stays, and returns.
 void CheckRemovalAt(const SoundServer& server) {
     const std::string module = server.LoadNullSink(kUsedCard);
     Session session(server);
@@ -172,7 +172,7 @@ TEST(PulseLoss, MovingTheStreamIsRefused) {
     EXPECT_TRUE(session.losses.empty());
 }
 
-// The server stands still and goes on.
+// The server is stopped and continued.
 void CheckPauseOf(SoundServer& server) {
     Session session(server);
     session.Open("card");
@@ -194,7 +194,7 @@ void CheckPauseOf(SoundServer& server) {
     session.Open("card");
     EXPECT_TRUE(session.Captures());
     EXPECT_TRUE(session.losses.empty());
-    // The stream that was given up while it was being opened is closed as well.
+    // A stream that was given up while being opened is closed too.
     session.Close();
     EXPECT_TRUE(WaitUntil(
         session.loop,

@@ -37,7 +37,7 @@ TEST(PulseResampling, IsSaidOnPipeWireOrTheLoopIsBitExact) {
     EXPECT_GE(exact, 1);
 }
 
-// One card of 48000 Hz, asked for another rate.
+// A sink of 48000 Hz used at another rate.
 TEST(PulseResampling, IsSaidWhereTheSinkHasAnotherRate) {
     const PulseServer pulse({{"card", 48000, "TestCard"}});
     for (const std::int32_t rateHz : SampleRateTable)

@@ -20,7 +20,7 @@ namespace {
 using testing::HasSubstr;
 namespace fs = std::filesystem;
 
-// No file of this process can grow beyond so many bytes while it lives, as on a full disk.
+// Limits the size of this process's files during its lifetime, like a full disk.
 class SmallDisk {
 public:
     explicit SmallDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {

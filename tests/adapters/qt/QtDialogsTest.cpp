@@ -23,8 +23,8 @@ using namespace std::chrono_literals;
 
 class QtDialogsTest : public testing::Test {
 protected:
-    // Runs the action and, once its message box is open, the inspection, which has to close the box.
-    // A box that is still open after 10 s is closed and fails the test.
+    // Runs the action and, once its message box is open, the inspection, which must close the box. A box
+    // still open after 10 s is closed and fails the test.
     void WithBox(const std::function<void()>& action, const std::function<void(QMessageBox&)>& inspect) {
         const DialogSteps user({[&](QDialog& dialog) { inspect(dynamic_cast<QMessageBox&>(dialog)); }});
         action();
@@ -110,7 +110,7 @@ TEST_F(QtDialogsTest, TheBoxBelongsToTheActiveWindow) {
             });
 }
 
-// Windows beside the main one may close, or be closed by what goes on while the box is open.
+// Other windows may close while the box is open.
 TEST_F(QtDialogsTest, TheBoxBelongsToTheMainWindowWhateverOtherWindowIsActive) {
     QMainWindow main;
     main.show();

@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 
 class QtEventLoopTest : public testing::Test {
 protected:
-    // Runs the toolkit's loop until `quit` is called on it; false when that takes longer than 10 s.
+    // Runs Qt's loop until it is quit; false after 10 s.
     static bool Run(QEventLoop& running) {
         bool inTime = true;
         QTimer guard;
@@ -47,7 +47,7 @@ protected:
     }};
 };
 
-// Nothing else wakes the loop, so a wake that is lost shows.
+// Nothing else wakes the loop, so a lost wake-up fails the test.
 TEST_F(QtEventLoopTest, EverySignalWakesASleepingLoop) {
     constexpr int kRounds = 3000;
     QEventLoop running;
@@ -196,7 +196,7 @@ TEST_F(QtEventLoopTest, TimersKeepTheirPace) {
     });
     EXPECT_TRUE(Run(running));
     loop_.StopTimer(timer);
-    // Ticks may be late or left out on a busy machine, but never come early.
+    // Ticks may be late or dropped on a busy machine, but are never early.
     EXPECT_GE(loop_.Now() - start, 498ms);
 }
 

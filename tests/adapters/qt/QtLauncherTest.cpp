@@ -22,7 +22,7 @@ using testing::ElementsAre;
 constexpr const char* kInput = "control.exe mmsys.cpl,,1";
 constexpr const char* kPlay = "control.exe mmsys.cpl,,0";
 
-// Opens web addresses in place of a browser.
+// Receives web addresses in place of a browser.
 class AddressTaker : public QObject {
     Q_OBJECT
 public:
@@ -32,7 +32,7 @@ public:
     std::vector<std::string> taken;
 };
 
-// A computer on which only the programs of the test are installed. Each writes how it was called.
+// A computer with only the test's programs. Each records how it was called.
 class QtLauncherTest : public testing::Test {
 protected:
     void Install(const std::string& program) {
@@ -41,11 +41,11 @@ protected:
                             << Calls().string() << ".part\nmv " << Calls().string() << ".part "
                             << Calls().string() << '\n';
         std::filesystem::permissions(file, std::filesystem::perms::owner_all);
-        // The script itself needs one program.
+        // The scripts need one program.
         if (!std::filesystem::exists(programs_.Path() / "mv"))
             std::filesystem::create_symlink("/bin/mv", programs_.Path() / "mv");
     }
-    // The call that was made, one word an entry, the program without its folder.
+    // The recorded call, one word per entry, with the program's name without its folder.
     std::vector<std::string> Called() {
         WaitUntil([this] { return std::filesystem::exists(Calls()); }, 10s);
         std::vector<std::string> words;

@@ -14,8 +14,8 @@ using namespace std::chrono_literals;
 
 class QtSettingsStoreProcess : public SettingsRig {
 protected:
-    // The number in all keys of the section that the other process rewrites; -1 when they differ or some
-    // are missing, 0 when there is none.
+    // The number in all keys of the rewritten section; -1 if they differ or some are missing, 0 if there is
+    // none.
     int RewrittenNumber() {
         const IniReading reading = ReadIni(FileText(File()));
         EXPECT_FALSE(reading.damaged);

@@ -13,7 +13,7 @@
 
 namespace sonavex {
 
-// Stores on a settings file in a private folder, and what they report.
+// Stores on a settings file in a private folder, and their reports.
 class SettingsRig : public testing::Test {
 protected:
     SettingsRig() { std::filesystem::create_directory(File().parent_path()); }
@@ -26,7 +26,7 @@ protected:
         return std::make_unique<QtSettingsStore>(
             file, [this](const std::string& text) { reports_.push_back(text); });
     }
-    // What a store that is opened afresh finds.
+    // The value that a newly opened store reads.
     std::string Stored(const std::string& section, const std::string& key) {
         return Open()->Get(section, key, "none");
     }

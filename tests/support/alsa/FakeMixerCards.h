@@ -8,8 +8,8 @@
 
 namespace sonavex {
 
-// Cards without hardware for libasound that are only mixers: "hw:N" for card N. While this object exists,
-// the process's ALSA configuration contains these cards only. One object at a time.
+// Fake cards for libasound with a mixer only: "hw:N" for card number N. During the object's lifetime this
+// process's ALSA configuration contains these cards only. One instance at a time.
 class FakeMixerCards {
 public:
     FakeMixerCards();

@@ -1,10 +1,10 @@
-// A sound card that is only a mixer, as a plugin of libasound ("ctl" of type "fakemixer"). Its controls
-// are those of a common card; their values are in the file that the configuration's "state" names.
-// Writing that file simulates another program that changes the levels.
+// A sound card with a mixer only, as a libasound plugin ("ctl" of type "fakemixer"). It has the controls of a
+// common card; their values are in the file that the configuration's "state" names. A process that writes
+// this file acts as another program that changes levels.
 
-#define PIC 1  // libasound's headers export the plugin's version by it
+#define PIC 1  // required by libasound's headers to export the plugin's version
 #include <alsa/asoundlib.h>
-// This header needs the one above.
+// Needs the header above.
 #include <alsa/control_external.h>
 #include <fcntl.h>
 #include <sys/inotify.h>
@@ -224,7 +224,7 @@ const snd_ctl_ext_callback_t kCallbacks = [] {
     return callbacks;
 }();
 
-// The file that the configuration names; nullptr when it names none.
+// The state file named in the configuration; nullptr if there is none.
 const char* StateFile(snd_config_t* configuration) {
     snd_config_t* entry = nullptr;
     const char* file = nullptr;

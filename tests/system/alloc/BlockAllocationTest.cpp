@@ -12,7 +12,7 @@
 namespace sonavex {
 namespace {
 
-// Keeps the compiler from leaving out what nobody looks at.
+// Prevents the compiler from removing unused memory.
 void Use(const void* memory) {
     asm volatile("" : : "r"(memory) : "memory");
 }

@@ -58,7 +58,7 @@ TEST(DirectDevices, PcmsOfTheUsersConfigurationFileAreListed) {
     const std::string included = cards.ForPrograms().at(0).second;
     std::ofstream(home.Path() / ".asoundrc")
         << "<" << included << ">\nnamehint.pcm [ \"" << kAbsent + 5 << "|Absent card\" ]\n";
-    // The machine's own configuration, which reads the user's file; it may list cards of its own.
+    // The machine's configuration, which reads the user's file. It may list further cards.
     const Environment environment{{"HOME", home.Path().string()},
                                   {"ALSA_CONFIG_PATH", "/usr/share/alsa/alsa.conf"}};
     const Outcome outcome = Measure({"devices", "--json"}, environment);

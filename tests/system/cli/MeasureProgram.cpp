@@ -29,7 +29,7 @@ Arguments Command(const Arguments& arguments) {
     return command;
 }
 
-// The additions come last, so they are what is found when a name appears twice.
+// The additions come last, because the last definition of a name counts.
 Environment PrivateEnvironment(const std::filesystem::path& folder, const Environment& additions) {
     const Environment defaults{{"HOME", folder.string()},
                                {"XDG_RUNTIME_DIR", folder.string()},

@@ -11,9 +11,9 @@
 
 namespace sonavex {
 
-// The instrument for days: the main form and the selection of devices as the program has them, the stepped
-// simulated card, virtual time, and a user who closes every message. The world's log keeps counts only, so
-// that memory that grows is the instrument's.
+// The instrument in continuous use: the main form and the selection of devices as in the program, the stepped
+// simulated card, virtual time, and a user who closes every message. The log keeps counts only, so that
+// growing memory belongs to the instrument.
 class BenchTop : private World {
 public:
     static constexpr std::int32_t kBlockFrames = 2048;
@@ -23,27 +23,27 @@ public:
     BenchTop(const BenchTop&) = delete;
     BenchTop& operator=(const BenchTop&) = delete;
 
-    // Starts the program. False when it ended at its start.
+    // Starts the program. False if the start ended it.
     bool Start();
-    // Ends it as a user does; what it stores is there for the next start.
+    // Ends the program as a user does. The next start finds what it stored.
     void End();
     bool Running() const noexcept { return form_ != nullptr; }
     frmMain& Form() noexcept { return *form_; }
 
-    // One block's time at the present rate, in which the card moves as many frames.
+    // Advances time by one block at the present rate; the card moves the same number of frames.
     void Block();
-    // The same while nothing of it is served before its end.
+    // The same for several blocks while the event loop is blocked.
     void HoldUp(int blocks);
-    // What the user does, as the window does it.
+    // Performs a user action as the window does.
     void Act(const std::function<void()>& action);
-    // Another rate by way of the selection of devices, as an index into the table of rates.
+    // Selects another rate in the selection of devices, as an index into the table of rates.
     void SelectRate(std::int32_t index);
 
     SimulatedSoundSystem& Card() noexcept { return card_; }
     std::chrono::nanoseconds BlockTime() const;
     MemorySettingsStore& Store() noexcept { return store; }
 
-    // Messages and errors shown, and starts of the program, since the bench was set up.
+    // Messages, errors and starts of the program since construction.
     std::uint64_t Messages() const;
     std::uint64_t Starts() const noexcept { return starts_; }
     // The last message and the last error shown.
@@ -59,7 +59,7 @@ private:
     SimulatedSoundSystem card_{loop, SimulatedSoundSystem::Pace::kStepped};
     std::unique_ptr<frmMain> form_;
     bool ended_ = false;
-    int depth_ = 0;  // of dialogs within time that passes
+    int depth_ = 0;  // nesting of dialogs while time passes
     std::int32_t wantedRate_ = -1;
     std::uint64_t starts_ = 0;
 };

@@ -13,25 +13,25 @@
 
 namespace sonavex {
 
-// A user who answers what the program shows: closes the error dialog, leaves the selection of devices
-// as it is, confirms messages. Keeps what was shown, and measures how long the window stood still.
+// Answers the program's dialogs: closes the error dialog, confirms the selection of devices unchanged,
+// confirms messages. Records their texts, and measures how long the window was frozen.
 class Attendant {
 public:
     Attendant() {
         user_.OnLook = [this] { NoteTurn(); };
     }
 
-    // Texts of the error dialogs, in their order.
+    // Texts of the error dialogs, in order.
     std::vector<std::string> Errors;
     // Texts of message boxes.
     std::vector<std::string> Messages;
     int Selections = 0;
-    // What happens while the error dialog is open.
+    // Called while the error dialog is open.
     std::function<void()> OnError;
-    // What happens while the selection of devices is open, before it is confirmed.
+    // Called while the selection of devices is open, before it is confirmed.
     std::function<void(QDialog&)> OnSelection;
 
-    // The longest time without a turn of the event loop since the last call.
+    // Longest time without a turn of the event loop since the last call.
     std::chrono::milliseconds LongestStandstill() {
         NoteTurn();
         return std::exchange(longest_, std::chrono::milliseconds(0));

@@ -1,4 +1,4 @@
-// The whole program while things go wrong with a sound card that it uses directly; there is no server.
+// The whole program with faults of a sound card that it uses directly, without a server.
 
 #include <QComboBox>
 
@@ -89,7 +89,7 @@ TEST_F(CardFaults, RateRefused) {
         EXPECT_THAT(Record(), HasSubstr("/DSERR_BADFORMAT"));
         EXPECT_EQ(Form().lblSampleRate.Caption(), "44100");
         ExpectMeasuring();
-        // Between two lines of the spectrum.
+        // Between two bins.
         ExpectLoop("1001");
         EXPECT_EQ(Form().PathNote.Caption(), "");
         Store(kOnTheCard);

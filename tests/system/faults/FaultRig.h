@@ -27,7 +27,7 @@
 
 namespace sonavex {
 
-// What a process holds.
+// Resources of a process.
 struct Holdings {
     std::ptrdiff_t files = 0;
     std::ptrdiff_t threads = 0;
@@ -43,13 +43,13 @@ struct Holdings {
     }
 };
 
-// The whole program in an account of its own, on whatever sound the environment names, and its user.
+// The whole program in a private account, on the sound that the environment selects, with its user.
 class FaultRig : public testing::Test {
 protected:
     using Clock = std::chrono::steady_clock;
     static constexpr auto kHangLimit = std::chrono::milliseconds(3000);
     static constexpr auto kLimit = std::chrono::seconds(20);
-    // Of memory that a run of the program may leave behind; each of its buffers is larger.
+    // Memory that a run may leave behind, in bytes; each of the program's buffers is larger.
     static constexpr double kKeptBytes = 96 * 1024;
 
     FaultRig() {
@@ -61,14 +61,14 @@ protected:
         unsetenv("PULSE_SERVER");
     }
 
-    // The settings before the first start.
+    // Writes the settings before the first start.
     void Store(const std::string& text) {
         std::filesystem::create_directories(SettingsFile().parent_path());
         std::ofstream(SettingsFile()) << text;
     }
 
-    // Runs the test's story twice in the same process, each time in a program started anew: what the
-    // first run left behind is common property of the libraries, what the second adds is a leak.
+    // Runs the test's story twice in one process, with a new program each time. What the first run leaves
+    // behind belongs to the libraries; what the second adds is a leak.
     template <class Story>
     void Twice(Story story) {
         Run(story);
@@ -81,7 +81,7 @@ protected:
         const Holdings after = Holdings::Now();
         EXPECT_EQ(after.files, before.files);
         EXPECT_EQ(after.threads, before.threads);
-        // A sanitizer's allocator does not count here; it finds leaks by itself.
+        // A sanitizer replaces the allocator and finds leaks itself.
 #if !defined(SONAVEX_SANITIZED)
         EXPECT_LT(after.bytes - before.bytes, kKeptBytes);
 #endif
@@ -115,17 +115,17 @@ protected:
         return *attendant_;
     }
 
-    // Blocks come, and the face says so.
+    // Blocks arrive, and the window shows it.
     void ExpectMeasuring() {
         const std::uint64_t blocks = Form().Instrument.Engine.Blocks;
         EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().Instrument.Engine.Blocks >= blocks + 3; }))
             << Record();
         EXPECT_FALSE(Form().Instrument.Watch.Stopped());
-        // The face follows with the next event, and blocks may come several in one.
+        // The window is updated with the next event, and one event may deliver several blocks.
         QCoreApplication::processEvents();
         EXPECT_FALSE(Note().isVisible());
     }
-    // What is played is what comes back, free of distortion.
+    // The loop returns the sine without distortion.
     void ExpectLoop(const std::string& reading = "1000") {
         Form().GeneratorPanel.Controls.Command1.Press();
         EXPECT_TRUE(WaitInQt(kLimit, [&] {
@@ -134,7 +134,7 @@ protected:
         })) << Form().Instrument.Meter.Controls.txtFreq.Text();
         Form().GeneratorPanel.Controls.Command1.Press();
     }
-    // The loss was noticed in time, recorded and said once, and the figures were marked.
+    // The loss was noticed in time, recorded and reported once, and the readings were marked.
     void ExpectLoss(const std::string& what) {
         const auto limit = Form().Instrument.Watch.Patience() + kHangLimit;
         EXPECT_TRUE(WaitInQt(std::chrono::duration_cast<std::chrono::milliseconds>(limit),
@@ -147,7 +147,7 @@ protected:
         EXPECT_TRUE(markedAtError_);
         EXPECT_EQ(Form().Instrument.Watch.Losses(), 1U);
     }
-    // The program goes on by itself once the device is back; nothing more was said.
+    // The program continues by itself when the device is back, without another message.
     void ExpectReturn() {
         EXPECT_TRUE(WaitInQt(kLimit, [&] { return !Form().Instrument.Watch.Stopped(); }));
         ExpectMeasuring();
@@ -155,14 +155,14 @@ protected:
         EXPECT_EQ(Form().Instrument.Watch.Losses(), 1U);
     }
 
-    // Of all runs to come. `afterRun`: when the program is gone.
+    // These apply to all later runs. `afterRun` is called when the program has ended.
     std::function<void(QDialog&)> onSelection;
     std::function<void()> afterRun;
 
     QLabel& Note() {
         return *program_->Window().findChild<QLabel*>(QStringLiteral("streamNote"));
     }
-    // As it was while the last error dialog was open.
+    // The record at the time of the last error dialog.
     const std::string& Record() const {
         return record_;
     }

@@ -1,4 +1,4 @@
-// The whole program while things go wrong with a real sound server of the test's own.
+// The whole program with faults of a private sound server.
 
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
@@ -21,7 +21,7 @@ class ServerFaults : public FaultRig {
 protected:
     static void Use(const SoundServer& server) { setenv("PULSE_SERVER", server.Address().c_str(), 1); }
 
-    // The protocol server dies and comes back after a while, in which nothing more is said.
+    // The protocol server dies and returns after a while. Only the loss is reported.
     void CheckDeathOf(SoundServer& server) {
         Use(server);
         Twice([&] {
@@ -54,7 +54,7 @@ protected:
         });
     }
 
-    // Nothing says that a server stands still: it is noticed by what does not come.
+    // A hung server is not reported by anything; it is detected by missing data.
     void CheckPauseOf(SoundServer& server) {
         Use(server);
         Twice([&] {
@@ -69,7 +69,7 @@ protected:
         });
     }
 
-    // PipeWire takes its time.
+    // Waits, because PipeWire is slow.
     static void MakeDefault(const SoundServer& server, const std::string& sink) {
         server.Control({"set-default-sink", sink});
         server.Control({"set-default-source", sink + ".monitor"});
@@ -79,7 +79,7 @@ protected:
         }));
     }
 
-    // The stream stays where it is; what is opened later follows the default.
+    // The stream stays on its device; a stream opened later follows the default.
     void CheckDefaultOf(const SoundServer& server) {
         Use(server);
         Twice([&] {
@@ -100,7 +100,7 @@ protected:
         });
     }
 
-    // As many as there are in a life of the program, without a pause.
+    // Many restarts without a pause.
     void CheckRestartsOn(const SoundServer& server) {
         Use(server);
         Run([&] {
@@ -154,7 +154,7 @@ TEST_F(ServerFaults, SourceUnloadedAndLoadedAgain) {
     });
 }
 
-// The devices are still listed, so the user is asked to choose, and chooses the same once they run.
+// The devices are still listed, so the user is asked to choose and chooses the same once they run.
 TEST_F(ServerFaults, SinkSuspendedAndResumed) {
     const PulseServer server({kCard});
     Use(server);
@@ -173,8 +173,8 @@ TEST_F(ServerFaults, SinkSuspendedAndResumed) {
     });
 }
 
-// Nothing is said of a sink that is suspended for a moment while the user looks at the selection, and
-// the choice of a device that sleeps ends in a second message.
+// A sink suspended briefly during the selection is not reported. Selecting a suspended device gives a second
+// message.
 TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
     const PulseServer server({kCard});
     Use(server);
@@ -191,8 +191,8 @@ TEST_F(ServerFaults, SinkStaysSuspendedAfterTheSelection) {
     });
 }
 
-// PipeWire says of such a sink that it runs, and moves silence from then on: that is what is read, and a
-// new start hears the sink again.
+// PipeWire reports such a sink as running and delivers silence. The meter shows silence, and a restart uses
+// the sink again.
 TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
     const PipeWireServer server({kCard});
     Use(server);
@@ -212,7 +212,7 @@ TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
     });
 }
 
-// The input goes on without the output.
+// The input continues without the output.
 TEST_F(ServerFaults, OnlyTheOutputUnloaded) {
     const PulseServer server({kOther});
     Use(server);
@@ -227,7 +227,7 @@ TEST_F(ServerFaults, OnlyTheOutputUnloaded) {
     });
 }
 
-// The cards that are left are not what was measured with: nobody is asked, and nothing is taken instead.
+// The remaining cards are not the device that was measured, so the program neither asks nor switches.
 TEST_F(ServerFaults, ServerKilledBesideACard) {
     const LoopCards cards(CardList{{"spare", "Spare card"}});
     PulseServer server({kCard});
@@ -245,7 +245,7 @@ TEST_F(ServerFaults, ServerKilledBesideACard) {
     });
 }
 
-// The user opens the selection; meanwhile the device goes, and is chosen all the same until it is back.
+// The device is removed while the selection is open, and selected again when it is back.
 TEST_F(ServerFaults, SinkUnloadedWhileDevicesAreSelected) {
     const PulseServer server({kOther});
     Use(server);
@@ -268,7 +268,7 @@ TEST_F(ServerFaults, SinkUnloadedWhileDevicesAreSelected) {
     });
 }
 
-// The level is moved while there is nothing to move it on, and holds when the device is back.
+// The level is changed while there is no stream, and applies when the device is back.
 TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
     PulseServer server({kCard});
     Use(server);
@@ -280,7 +280,7 @@ TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
         server.Restart();
         ExpectReturn();
         Form().GeneratorPanel.Controls.Command1.Press();
-        // A quarter of full scale, half of it.
+        // Half of a quarter of full scale.
         EXPECT_TRUE(WaitInQt(kLimit, [&] {
             return Form().Instrument.Meter.Controls.LblLevel.Caption() == "13";
         })) << Form().Instrument.Meter.Controls.LblLevel.Caption();

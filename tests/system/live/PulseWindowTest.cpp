@@ -1,5 +1,5 @@
-// The whole instrument but for its program: window, form, engine and the PulseAudio adapter on a server of
-// the test's own, whose null sink returns what is played. Everything in real time.
+// Window, form, engine and PulseAudio adapter in real time, on a private server whose null sink returns what
+// is played.
 
 #include <gtest/gtest.h>
 
@@ -81,8 +81,8 @@ protected:
         return heard.size() >= kEnough &&
                std::all_of(heard.end() - kEnough, heard.end(), [](std::int16_t s) { return s == 0; });
     }
-    // Records what is heard from silence on while `play` starts and plays, and stops with the same button.
-    // A machine that is too busy tears the stream, which says nothing about the generator: then again.
+    // Records from silence on while `play` starts and plays, and stops with the same button. Repeats if the
+    // stream had gaps, because they come from a busy machine and not from the generator.
     template <class Play>
     void Record(const char* button, Play play) {
         for (int attempt = 0; attempt < 5; ++attempt) {
@@ -98,7 +98,7 @@ protected:
         }
         FAIL() << "the stream was torn five times";
     }
-    // Everything that was played before has come back.
+    // Waits until everything played has returned.
     void WaitForTheEnd() {
         const std::size_t soFar = tap.Samples().size();
         ASSERT_TRUE(WaitInQt(kPatience, [&] { return tap.Samples().size() >= soFar + 12 * kBlockFrames; }));
@@ -196,13 +196,13 @@ TEST_F(PulseWindow, ChangesTheLevelWithoutAJump) {
     const double sine = kPeak * 2.0 * std::numbers::pi * 100.0 / kRateHz;
     EXPECT_LE(LargestStep(samples), sine + kPeak / (0.005 * kRateHz) + 2.0);
     EXPECT_EQ(LargestMagnitude(samples), 8192);
-    // And it was turned down in between: half a second of nearly nothing.
+    // The level was lowered in between: half a second of near silence.
     std::size_t quiet = 0;
     for (const std::int16_t sample : samples) quiet += std::abs(sample) <= 1 ? 1 : 0;
     EXPECT_GT(quiet, kRateHz / 2);
 }
 
-// Threads that keep every processor busy, twice over.
+// Two busy threads per processor.
 class Load {
 public:
     Load() {
@@ -226,8 +226,8 @@ private:
 
 class SweepTime : public PulseWindow {
 protected:
-    // Milliseconds from the click to the end of a sweep of 2000 ms. Prints them: docs/dev-log.md tells
-    // what is usual.
+    // Milliseconds from the click to the end of a sweep of 2000 ms. Prints them; docs/dev-log.md has usual
+    // values.
     double Measure(const char* state) {
         Type("txtGenFreq", "100");
         Type("txtSweepTime", "2000");
@@ -248,7 +248,7 @@ TEST_F(SweepTime, OnAFreeMachine) {
     EXPECT_GE(took, 1990.0);
 }
 
-// Late ticks are not made up for: the sweep lasts longer, and still ends where it shall.
+// Late ticks are not made up for: the sweep lasts longer, but ends at its end frequency.
 TEST_F(SweepTime, OnABusyMachine) {
     const Load load;
     const double took = Measure("every processor twice busy");

@@ -1,4 +1,4 @@
-// The generator through the main form, heard on the simulated card: what the instrument captures.
+// The generator, operated through the main form and captured from the simulated card.
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr double kRateHz = 32000.0;
 constexpr auto kBlockTime = 64ms;
-constexpr double kRounding = 1.5;  // 16-bit steps, of generator and volume
+constexpr double kRounding = 1.5;  // rounding of generator and volume, in 16-bit steps
 constexpr double kSmallestJump = 0.002;
 
 class GeneratorForm : public testing::Test, protected World {
@@ -49,7 +49,7 @@ protected:
         EXPECT_LT(track.LargestResidue(), kRounding);
         EXPECT_GE(track.Changes(), changes);
     }
-    // Peak of one line of the last second, whose frequencies are whole hertz.
+    // Peak of one spectral line of the last second; its frequencies are whole hertz.
     double Peak(double frequencyHz) const {
         const auto& samples = tap.Samples();
         const auto second = static_cast<std::size_t>(kRateHz);
@@ -110,8 +110,8 @@ TEST_F(GeneratorForm, KeepsThePhaseWhileTypedInto) {
     }
     signal.txtGenFreq.UserLeaves();
     Step(8);
-    // At a few hertz a block holds a part of a cycle: too little to fit a sine to, but no step is larger
-    // than those of the highest frequency.
+    // At a few hertz a block holds only part of a cycle, so no sine can be fitted. No step may exceed the
+    // largest one of the highest frequency.
     EXPECT_LE(LargestStep(tap.Samples()), 8191.75 * 2.0 * std::numbers::pi * 2500.0 / kRateHz + 1.0);
 }
 
@@ -156,10 +156,10 @@ TEST_F(GeneratorForm, ChangesTheLevelWithoutAJump) {
     EXPECT_EQ(LargestMagnitude(tap.Samples()), 8192);
     for (const std::int32_t level : {-2000, 0, -9600, -600, -610, 0, -40, -6000}) {
         MoveTo(signal.sldLevel, level);
-        card.Card().Step(700);  // a third of a cycle on, so that the changes meet all its parts
+        card.Card().Step(700);  // a third of a cycle further, so that the changes meet all parts of it
         Step(3);
     }
-    // The sine's own steepest step, and full scale within 5 ms.
+    // The steepest step of the sine, plus full scale within 5 ms.
     const double sine = 8191.75 * 2.0 * std::numbers::pi * 100.0 / kRateHz;
     EXPECT_LE(LargestStep(tap.Samples()), sine + 8191.75 / (0.005 * kRateHz) + 2.0);
     tap.Forget();
@@ -168,7 +168,7 @@ TEST_F(GeneratorForm, ChangesTheLevelWithoutAJump) {
 }
 
 TEST_F(GeneratorForm, SweepsForExactlyItsTime) {
-    // Time passes here without blocks, which a running instrument would take for a loss.
+    // Time passes here without blocks, which the watch would report as a loss.
     form.Instrument.Watch.Stop();
     SetSweep(100, 1000, 2000);
     signal.Command1.Press();
@@ -181,7 +181,7 @@ TEST_F(GeneratorForm, SweepsForExactlyItsTime) {
     EXPECT_NEAR(tone.Frequency, 1000.0, 1e-6);
 }
 
-// The measurement of the phase itself.
+// Checks the measurement of the phase itself.
 std::vector<std::int16_t> Recording(double jumpRadians) {
     std::vector<std::int16_t> samples(777);
     double phase = 0.0;

@@ -10,22 +10,22 @@
 
 namespace sonavex {
 
-// What rounding to 16 bit, on both sides of the device, may add to a reading.
+// Error of a reading that rounding to 16 bit on both sides of the device may cause.
 inline constexpr double kRoundingPercent = 0.006;
 
-// The whole way of the sound: generator, engine, rings, simulated card with its device under test,
-// and back into the analysis. The card moves only when the test steps it.
+// The complete signal path: generator, engine, rings, simulated card with its device under test, and
+// analysis. The card moves only when the test steps it.
 class LoopRig : private Dialogs, private ErrorLog, private MixerBinding {
 public:
     explicit LoopRig(std::int32_t rateHz);
 
-    // One sine at 0 dB, 8191.75 steps peak, from now on.
+    // Plays one sine at 0 dB with a peak of 8191.75 steps.
     void PlaySine(double frequencyHz);
     void Connect(const DeviceUnderTestModel& model) { sound_.Card().SetDeviceUnderTest(model); }
 
-    // So many blocks through the card; every one must come back and be analysed.
+    // Moves `blocks` blocks through the card; every one must return and be analysed.
     void Step(int blocks = 1);
-    // Until 19 good blocks in a row are shown.
+    // Steps until 19 good blocks in a row are shown.
     void Settle();
 
     // Readings of harmonic n, 2 to 9.

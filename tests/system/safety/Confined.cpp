@@ -23,7 +23,7 @@ namespace sonavex {
 namespace {
 
 constexpr const char* kConfinedCommand = "--confined";
-constexpr int kFirstWord = 5;  // of the program's own command line
+constexpr int kFirstWord = 5;  // first word of the program's own command line
 constexpr int kCannot = 126;
 
 bool LimitFiles(unsigned long bytes) {
@@ -45,7 +45,7 @@ bool ForbidInternet() {
     const auto load = [](std::size_t offset) {
         return sock_filter{BPF_LD | BPF_W | BPF_ABS, 0, 0, static_cast<__u32>(offset)};
     };
-    // When equal goes `yes` further, else `no`.
+    // Jumps `yes` instructions if equal, else `no`.
     const auto equal = [](__u32 value, __u8 yes, __u8 no) {
         return sock_filter{BPF_JMP | BPF_JEQ | BPF_K, yes, no, value};
     };

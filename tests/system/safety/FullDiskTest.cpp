@@ -1,5 +1,5 @@
-// Disks that are full and folders that cannot be written to: said in the instrument's own words, what was
-// there stays as it was, and nothing hangs.
+// Full disks and read-only folders: the program reports them in its own words, old files stay unchanged, and
+// nothing hangs.
 
 #include <gmock/gmock.h>
 
@@ -27,7 +27,7 @@ using testing::Not;
 using testing::StartsWith;
 namespace fs = std::filesystem;
 
-// How a program ended, and what it printed.
+// Exit status and output of a program.
 struct Ending {
     int status = -1;
     std::string output;
@@ -36,8 +36,8 @@ struct Ending {
 constexpr unsigned long kLittle = 3000;  // bytes
 constexpr const char* kOldError = "Quenby Error.txt";
 
-// kRights: the test takes away the right to write. kLimited: no file may grow beyond kLittle. The others: the
-// user's folder is a disk of its own, without a free block or for reading only.
+// kRights: write permission is removed. kLimited: file size is limited to kLittle. kFull, kReadOnly: the
+// user's folder is a private disk without a free block, or mounted read-only.
 enum class Disk { kRights, kLimited, kFull, kReadOnly };
 
 std::string NameOfDisk(const testing::TestParamInfo<Disk>& disk) {
@@ -63,7 +63,7 @@ protected:
     std::vector<fs::path> Folders() const {
         return {account_.SettingsFolder(), account_.Desktop(), account_.Documents()};
     }
-    // More than fits into the little room.
+    // Writes settings that exceed the limit.
     void WriteSettings(const std::string& more) {
         settings_ = "[Notes]\nLong=" + std::string(5000, 'n') + "\n" + more;
         WriteFile(account_.SettingsFile(), settings_);
@@ -73,7 +73,7 @@ protected:
         fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
     }
 
-    // Rights count on every disk.
+    // File permissions apply on every disk.
     Ending Run(Disk disk, const Arguments& command) {
         Confinement confinement;
         if (disk == Disk::kLimited) confinement.fileBytes = kLittle;
@@ -93,7 +93,7 @@ protected:
     std::string settings_;
 };
 
-// The program goes on and ends in order, the old settings stay.
+// The program continues and ends normally, and the old settings stay.
 class NoRoomForSettings : public NoRoom, public testing::WithParamInterface<Disk> {};
 
 TEST_P(NoRoomForSettings, IsSaidOnceAndKeepsTheOldOnes) {
@@ -124,7 +124,7 @@ TEST_P(NoRoomForReports, IsSaidAndKeepsTheOldOne) {
         const Ending ending = Run(disk, Session({"file=" + Report().string()}));
         fs::permissions(account_.Documents(), fs::perms::owner_all);
         EXPECT_EQ(ending.status, 0) << ending.output;
-        // Whether an old report is to be replaced was asked before.
+        // The question whether to replace the old report came first.
         EXPECT_THAT(ending.output, HasSubstr("message: The report could not be printed.  " +
                                              Report().string() + ": " + Refusal(disk) + "\n"));
         EXPECT_THAT(ending.output, AllOf(EndsWith("done\n"), Not(HasSubstr("unexpected"))));
@@ -155,7 +155,7 @@ TEST_P(NoRoomForTheErrorLog, IsSaidInTheErrorItself) {
     EXPECT_THAT(ending.output, HasSubstr(Refusal(disk)));
     EXPECT_THAT(ending.output, AllOf(EndsWith("done\n"), Not(HasSubstr("unexpected"))));
     if (disk == Disk::kFull) {
-        // The last block of the old text has some room.
+        // The last block of the old text has room left.
         EXPECT_THAT(FileText(log), StartsWith(old + "\n+++"));
     } else {
         EXPECT_EQ(FileText(log), old);
@@ -181,13 +181,13 @@ protected:
     static constexpr unsigned long kAll = 44 + 37 * 2048 * 4;  // bytes of a complete file
 };
 
-// With every amount of room less than all of it.
+// With every amount of room below the complete size.
 TEST_F(NoRoomForOutput, IsCompleteOrNotThere) {
     for (const unsigned long room :
          {1UL, 43UL, 44UL, 45UL, 8192UL + 44UL, kAll / 2, kAll - 8192UL, kAll - 1UL, kAll}) {
         Confinement confinement;
         confinement.fileBytes = room;
-        // What it prints does not fit either.
+        // Standard output does not fit either.
         ChildProcess process(Confined(confinement, {SONAVEX_MEASURE, "file", Input(), "--write", Output()}),
                              account_.Variables(), "/dev/null");
         ASSERT_TRUE(process.WaitForEnd(60s));
@@ -213,7 +213,7 @@ class NoRoomForOutputOnDisk : public NoRoomForOutput, public testing::WithParamI
 
 TEST_P(NoRoomForOutputOnDisk, KeepsTheOldFile) {
     const Disk disk = GetParam();
-    // Of a writing that has begun the library that writes recordings tells.
+    // A failure after the start of writing is reported by the library that writes recordings.
     const std::string why = Refusal(disk) + (disk == Disk::kReadOnly ? "" : ".");
     ExpectRefusal(disk, why);
     EXPECT_THAT(NamesIn(account_.Documents()), IsEmpty());
@@ -226,7 +226,7 @@ TEST_P(NoRoomForOutputOnDisk, KeepsTheOldFile) {
 INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForOutputOnDisk,
                          testing::Values(Disk::kLimited, Disk::kFull, Disk::kReadOnly), NameOfDisk);
 
-// Blocks of a disk that are free while a file is written that needs them all.
+// Free blocks of a disk while a file is written that needs all of them.
 TEST_F(NoRoomForOutput, OwnDiskAlmostFullHoldsTheCompleteFileOrNone) {
     constexpr std::uint32_t kBlocks = (kAll + 4095) / 4096;
     for (const std::uint32_t room : {1U, 2U, kBlocks / 2, kBlocks - 1, kBlocks}) {
@@ -241,7 +241,7 @@ TEST_F(NoRoomForOutput, OwnDiskAlmostFullHoldsTheCompleteFileOrNone) {
     EXPECT_THAT(NamesIn(account_.Documents()), ElementsAre("output.wav"));
 }
 
-// The journal is no reason to keep the instrument from running.
+// A journal that cannot be written must not stop the instrument.
 TEST_F(NoRoom, ForTheJournalDoesNotKeepTheProgramFromRunning) {
     WriteFile(account_.SettingsFile(), "");
     fs::create_directory(account_.Journal());

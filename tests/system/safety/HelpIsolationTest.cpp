@@ -1,4 +1,4 @@
-// A help file that names what lies outside of it: nothing of that is opened, asked for or started.
+// A help file that refers to resources outside of it: none is opened, requested or started.
 
 #include <gmock/gmock.h>
 #include <sys/inotify.h>
@@ -25,7 +25,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-// Which of a folder's files have been opened while it lives.
+// Records which files of a folder are opened during its lifetime.
 class Watch {
 public:
     explicit Watch(const std::filesystem::path& folder)
@@ -52,7 +52,7 @@ private:
     int descriptor_;
 };
 
-// A folder of things that a page could want, each of its kind.
+// A folder with one file of each kind that a page can refer to.
 class HelpIsolation : public testing::TestWithParam<const char*> {
 protected:
     HelpIsolation() {
@@ -68,7 +68,7 @@ protected:
         std::filesystem::create_directories(Traps());
         return (Traps() / name).string();
     }
-    // A page that wants all of it, by addresses that begin so.
+    // A page that refers to all of them by addresses with this beginning.
     static std::string Page(const std::string& beginning) {
         const std::string picture = beginning + "trap.png";
         const std::string page = beginning + "trap.html";
@@ -88,7 +88,7 @@ protected:
     Account account_;
 };
 
-// Otherwise the next test would show nothing.
+// Proves that the next test can fail.
 TEST_F(HelpIsolation, SeesWhatIsOpened) {
     const Watch watch(Traps());
     EXPECT_THAT(watch.Opened(), IsEmpty());
@@ -133,7 +133,7 @@ TEST_P(HelpIsolation, OpensAsksForAndStartsNothing) {
         EXPECT_THAT(output, AllOf(HasSubstr("Begin"), HasSubstr("End"), HasSubstr("links followed"),
                                   Not(HasSubstr("outside of the book")), Not(HasSubstr("another page"))));
         EXPECT_THAT(watch.Opened(), IsEmpty()) << "at scale " << scale;
-        // What this platform says when it is to open an address.
+        // The test platform's message for opening an address.
         EXPECT_THAT(output, Not(HasSubstr("openUrl")));
     }
 }

@@ -62,7 +62,7 @@ int Show(const std::string& text) {
         Type(browser, Qt::Key_Return);
         if (browser.Page() != QLatin1String(kPage)) std::cout << "left for another page" << std::endl;
     }
-    // Every size lays the page out anew.
+    // Every size causes a new layout.
     window.resize(900, 700);
     QApplication::processEvents();
     window.grab();

@@ -1,5 +1,4 @@
-// The whole program killed between its start and its end: the user's levels come back, and the next start
-// finds everything in order.
+// The whole program, killed between start and end: the user's levels are restored, and the next start works.
 
 #include <gmock/gmock.h>
 
@@ -23,7 +22,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// Between percents, and not alike.
+// Not whole percents, and different per channel.
 constexpr const char* kOwnVolumes[] = {"20123", "40111"};
 constexpr const char* kLine = "30,False,0,True,0,True,False,True,0,0,0,55,60,";
 constexpr auto kStart = 30s;
@@ -48,7 +47,7 @@ protected:
         return volumes.find(kOwnVolumes[0]) != std::string::npos &&
                volumes.find(kOwnVolumes[1]) != std::string::npos;
     }
-    // Whatever the moment: what the program changed can be given back, and the settings can be read.
+    // At any moment the changes can be undone and the settings can be read.
     void ExpectOrder(const std::string& when) const {
         if (!OwnVolumes()) {
             EXPECT_THAT(FileText(account_.Journal()),
@@ -59,12 +58,12 @@ protected:
         EXPECT_FALSE(settings.damaged) << when;
         EXPECT_THAT(FileText(account_.SettingsFile()), HasSubstr(kLine)) << when;
     }
-    // The program records, with its own level on the card.
+    // The program captures, with its own level on the card.
     bool Runs() const {
         return !server_.Control({"list", "short", "source-outputs"}).empty() &&
                Volumes().find("30%") != std::string::npos;
     }
-    // A run as a user has it: it gets to its own levels, is asked to end, and ends in order.
+    // A complete run: the program sets its own levels, is asked to end, and ends normally.
     void RunInOrder(const std::string& when) {
         ASSERT_TRUE(WaitUntil([&] {
             return server_.Control({"list", "short", "source-outputs"}).empty();
@@ -82,7 +81,7 @@ protected:
         ExpectOrder(when);
     }
 
-    std::chrono::duration<double, std::micro> start_{};  // what the last start in order took
+    std::chrono::duration<double, std::micro> start_{};  // duration of the last complete start
     Account account_;
     PulseServer server_{{{"card", 48000, "Test-Card"}}};
 };
@@ -98,7 +97,7 @@ TEST_F(KilledProgram, GivesTheLevelsBackAndStartsAgain) {
         const auto program = Start();
         std::this_thread::sleep_for(
             std::chrono::microseconds(chance.Below(static_cast<unsigned long>(1.5 * start_.count()))));
-        // Every third one on its way out.
+        // Every third one is killed while it ends.
         if (chance.Below(3) == 0) {
             program->Send(SIGTERM);
             std::this_thread::sleep_for(std::chrono::microseconds(chance.Below(60000)));

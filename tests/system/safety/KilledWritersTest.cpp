@@ -1,4 +1,4 @@
-// Processes killed while they write: what they leave is whole, and does not get in the way.
+// Processes killed while they write leave complete files, and nothing that blocks later writers.
 
 #include <gmock/gmock.h>
 
@@ -29,7 +29,7 @@ constexpr auto kNextStart = 5s;
 
 class KilledWriters : public testing::Test {
 protected:
-    // Kills the writer at a random moment, so and so long after it has written for the first time.
+    // Kills the writer `microseconds` after its first complete write.
     void Kill(const Arguments& writer, unsigned long microseconds) {
         std::filesystem::remove(account_.Output());
         ChildProcess process(writer, account_.Variables(), account_.Output());
@@ -48,7 +48,7 @@ protected:
     std::filesystem::path Folder() const { return account_.SettingsFolder(); }
     std::filesystem::path File() const { return account_.SettingsFile(); }
 
-    // The set that the file holds, whole; '?' when it is none.
+    // The complete set in the file; '?' if it is incomplete.
     char SetInFile(const IniSections& others) const {
         const std::string text = FileText(File());
         for (const char which : kSettingsSets) {
@@ -58,7 +58,7 @@ protected:
         }
         return '?';
     }
-    // The next run reads the set, and writes what it has to write.
+    // The next run can read the set and write.
     void ExpectUsable(char which, const std::string& count) {
         std::vector<std::string> reports;
         const auto start = std::chrono::steady_clock::now();
@@ -124,7 +124,8 @@ TEST_F(KilledWriters, OfTheReportLeaveNoHalfFile) {
         EXPECT_THAT(left.substr(0, 5), "%PDF-");
         EXPECT_THAT(left, EndsWith("%%EOF\n"));
         ++seen[left.size()];
-        // Killed between its two names, a report that is complete leaves the first one to the next writing.
+        // A process killed just before the rename leaves a complete report under the temporary name until the
+        // next write.
         EXPECT_THAT(NamesIn(file.parent_path()),
                     AnyOf(ElementsAre("report.pdf"), ElementsAre(".report.pdf.new", "report.pdf")))
             << "after " << kill << " kills";

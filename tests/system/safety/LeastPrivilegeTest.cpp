@@ -1,5 +1,4 @@
-// What the programs ask the system for: no network, no shell, no file that others could write or read
-// that is the user's own affair.
+// Use of the system by the programs: no network, no shell, no private file that others can read or write.
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -32,7 +31,7 @@ using testing::IsEmpty;
 using testing::Not;
 namespace fs = std::filesystem;
 
-// Names that a shell would not take as they are.
+// Names with characters that a shell interprets.
 constexpr const char* kPrinter = "p;touch$IFS$HOME/broken;\"'`touch$IFS$HOME/broken`";
 constexpr const char* kReport = "re port;$(touch broken)'\"`touch broken`&|.pdf";
 constexpr const char* kRunnable = "a program;$(touch broken)";
@@ -41,7 +40,7 @@ class LeastPrivilege : public testing::Test {
 protected:
     LeastPrivilege() {
         fs::create_directories(Temporary());
-        // A print system of the test's own. Its programs write down their arguments, one a line.
+        // A fake print system whose programs record their arguments, one per line.
         Script("lpstat", "printf '%s\\n' 'scheduler is running' \"$PRINTER\"");
         Script("lp", kNote + "while read -r line; do :; done");
         Script("lpoptions", kNote);
@@ -60,7 +59,7 @@ protected:
     }
     Environment Variables(const Environment& more = {}) const {
         const char* const sanitizer = std::getenv("ASAN_OPTIONS");
-        // Its search for leaks cannot work under a tracer.
+        // The leak sanitizer does not work under a tracer.
         Environment variables{
             {"PATH", Programs().string() + ":" + std::getenv("PATH")},
             {"TMPDIR", Temporary()},
@@ -97,11 +96,11 @@ protected:
     Account account_;
 
 private:
-    // `echo` could take an argument for an option.
+    // Not `echo`, which could interpret an argument as an option.
     const std::string kNote = "printf '%s\\n' \"$@\" >>\"$HOME/arguments of ${0##*/}\"\n";
 };
 
-// Otherwise the tests without the internet would show nothing.
+// Proves that the tests without the Internet can fail.
 TEST_F(LeastPrivilege, TheInternetIsForbiddenHere) {
     ChildProcess process(Confined(WithoutInternet(), {"bash", "-c", "exec 3<>/dev/tcp/127.0.0.1/9"}), {},
                          account_.Output());
@@ -123,7 +122,7 @@ TEST_F(LeastPrivilege, TheHeadlessMeterNeedsNoInternet) {
     Run(Confined(WithoutInternet(), MeasureAFile(account_.Documents() / "output.wav")));
 }
 
-// The program itself, with a mask that forbids nothing: it measures, and ends when it is asked to.
+// The program itself, with a umask of 0: it measures, and ends when asked.
 TEST_F(LeastPrivilege, TheProgramOnASoundServerNeedsNoInternet) {
     fs::remove_all(account_.Config());
     const PulseServer server({{"card", 48000, "Test-Card"}});
@@ -143,7 +142,7 @@ TEST_F(LeastPrivilege, TheProgramOnASoundServerNeedsNoInternet) {
     EXPECT_EQ(ModeOf(account_.SettingsFile()), 0600U);
 }
 
-// Otherwise the traces of the next test would show nothing.
+// Proves that the traces of the next test can show a call.
 TEST_F(LeastPrivilege, ATraceShowsACallToTheInternet) {
     ChildProcess process(Trace::Of({"bash", "-c", "exec 3<>/dev/tcp/127.0.0.1/9"}, "%network", TraceFile()),
                          Variables(), account_.Output());
@@ -160,14 +159,14 @@ TEST_F(LeastPrivilege, OnlyLocalSocketsAreAskedFor) {
         EXPECT_THAT(window.Calls(call), Each(Not(HasSubstr("AF_INET")))) << call;
     EXPECT_THAT(window.Calls("socket"), Each(AnyOf(HasSubstr("(AF_UNIX, "), HasSubstr("(AF_NETLINK, "))));
     EXPECT_THAT(window.Calls("connect"), Each(HasSubstr("sa_family=AF_UNIX")));
-    // The programs themselves listen to nobody.
+    // The programs do not listen on any socket.
     EXPECT_THAT(window.Calls("listen"), IsEmpty());
     Run(Trace::Of({SONAVEX_MEASURE, "run", "--tone", "sine:1000", "--seconds", "1"}, "%network",
                   TraceFile()));
     EXPECT_THAT(Trace(TraceFile()).Calls("socket"), IsEmpty());
 }
 
-// Only the programs that are meant, and what they get is one argument each, whatever is in it.
+// Only the intended programs are started, and each gets the name as one argument, whatever it contains.
 TEST_F(LeastPrivilege, ProgramsAreStartedWithoutAShell) {
     const fs::path report = account_.Documents() / kReport;
     Run(Trace::Of(Session({"file=" + report.string(), std::string("print=") + kPrinter,
@@ -185,7 +184,7 @@ TEST_F(LeastPrivilege, ProgramsAreStartedWithoutAShell) {
 
 class Rights : public LeastPrivilege, public testing::WithParamInterface<mode_t> {
 protected:
-    // Of a document: what the mask leaves, and never for everybody to write.
+    // Permissions of a document: as the umask says, but never world-writable.
     static mode_t Document() { return 0666 & ~GetParam() & ~mode_t{S_IWOTH}; }
     Arguments WithMask(const Arguments& command) const {
         Confinement confinement;
@@ -226,7 +225,7 @@ TEST_P(Rights, OfWhatTheProgramsCreate) {
 
 INSTANTIATE_TEST_SUITE_P(Masks, Rights, testing::Values(0000, 0022, 0077));
 
-// One that others can write to, or a link into somebody else's: nothing is put there.
+// A runtime folder that others can write to, or a link to another user's folder, is not used.
 TEST_F(LeastPrivilege, ARuntimeFolderOpenToOthersIsNotUsed) {
     const fs::path open = account_.Home() / "open";
     fs::create_directory(open);
@@ -246,7 +245,7 @@ TEST_F(LeastPrivilege, ARuntimeFolderOpenToOthersIsNotUsed) {
         EXPECT_TRUE(fs::is_symlink(entry.symlink_status()));
 }
 
-// In a runtime folder of the user's own a link leads nowhere either.
+// Links in the user's own runtime folder are not followed either.
 TEST_F(LeastPrivilege, LinksInPlaceOfLockAndJournalAreNotFollowed) {
     const fs::path precious = account_.Home() / "precious";
     for (const char* const name : {"sonavex.lock", "sonavex-mixer-levels", "sonavex-mixer-levels.new"})

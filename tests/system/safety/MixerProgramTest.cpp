@@ -94,7 +94,7 @@ TEST_F(MixerProgram, RestoresTheLevelsOfAKilledRun) {
     ExpectOwnVolumes();
 }
 
-// The message about the line is open and is not answered.
+// The message about the line is open and not answered.
 TEST_F(MixerProgram, EndsRegularlyWithALineThatDoesNotConvert) {
     Write("30,False,loud,");
     const auto program = Start();

@@ -40,7 +40,7 @@ void Say(const std::string& what, QString text) {
 // Answers every dialog that opens.
 class Somebody {
 public:
-    // What the print dialog gets: a printer's name, or a file.
+    // Destination for the print dialog: a printer's name or a file.
     QString Printer;
     QString File;
 
@@ -116,7 +116,7 @@ void Print(app::Program& program) {
     Choose(program, "mnuPrint");
 }
 
-// Gives the program, which runs on its own, some time.
+// Starts a program and gives it some time.
 void Launch(const QString& path) {
     const std::int32_t error = QtLauncher().Run(path.toStdString());
     if (error != 0) Say("unexpected", QStringLiteral("error %1").arg(error));

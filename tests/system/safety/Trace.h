@@ -13,10 +13,10 @@
 
 namespace sonavex {
 
-// What a program and those that it started asked the system for, as strace wrote it down.
+// System calls of a program and of those it started, recorded by strace.
 class Trace {
 public:
-    // The command line that runs the program and writes the trace; calls: names joined by commas.
+    // The command line that runs the program and writes the trace. calls: names joined by commas.
     static Arguments Of(const Arguments& command, const std::string& calls,
                         const std::filesystem::path& file) {
         Arguments line{"strace",         "-f", "-qq",         "-s", "4096",       "-e",
@@ -28,20 +28,20 @@ public:
     explicit Trace(const std::filesystem::path& file) {
         std::istringstream lines(FileText(file));
         for (std::string line; std::getline(lines, line);) {
-            // The process's number and blanks come first.
+            // Each line starts with the process number and blanks.
             const std::size_t begin = line.find_first_not_of(" 0123456789");
             if (begin != std::string::npos) Add(line.substr(0, begin), line.substr(begin));
         }
     }
 
-    // The calls of this name, as they were written.
+    // The recorded calls of this name.
     std::vector<std::string> Calls(const std::string& name) const {
         std::vector<std::string> found;
         std::copy_if(calls_.begin(), calls_.end(), std::back_inserter(found),
                      [&](const std::string& call) { return call.starts_with(name + "("); });
         return found;
     }
-    // The programs that were started, without those that were looked for and not found.
+    // The programs started, without failed attempts.
     std::set<std::string> Programs() const {
         std::set<std::string> programs;
         for (const std::string& call : Calls("execve")) {
@@ -55,7 +55,7 @@ public:
     }
 
 private:
-    // A call during which others were written comes in two pieces.
+    // strace splits a call into two lines when other calls occur during it.
     void Add(const std::string& process, const std::string& call) {
         static constexpr std::string_view kUnfinished = " <unfinished ...>";
         static constexpr std::string_view kResumed = " resumed>";

@@ -16,7 +16,7 @@ constexpr const char* kJournal = "--write-journal";
 constexpr const char* kReport = "--write-report";
 constexpr int kUnwritten = 3;
 
-constexpr int kKeys = 150;         // of each section
+constexpr int kKeys = 150;         // per section
 constexpr int kLongValue = 12000;  // bytes
 constexpr int kJournalLines = 900;
 
@@ -52,7 +52,7 @@ int WriteJournal(const std::filesystem::path& file) {
     }
 }
 
-// The two reports differ in their length.
+// The two reports differ in length.
 void PrintTo(QtPrinter& printer, const std::filesystem::path& file, char which) {
     const PageSetUp page;
     printer.Select({"", file.string()});
@@ -83,7 +83,7 @@ IniSections SettingsSet(char which) {
             sections[section]["Value " + std::to_string(key)] = which + std::to_string(key * (which - '@'));
     for (const char* const key : {"First", "Second", "Third", "Fourth"})
         sections["Long"][key] = std::string(which == 'A' ? kLongValue : kLongValue / 2, which);
-    // Each set has keys that the other has not.
+    // Each set has keys that the other lacks.
     sections["Settings"][std::string("Only ") + which] = "1";
     return sections;
 }

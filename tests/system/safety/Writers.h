@@ -8,23 +8,23 @@
 
 namespace sonavex {
 
-// The test executable also serves as the processes that are killed: started with the command of one of
-// these it does that instead of testing. It begins with what is not in the file. Each says "writing" once it
-// has written for the first time, and goes on until it is killed.
+// Processes that are killed while they write. The test executable runs them when started with one of these
+// commands. Each starts with the set that the file does not hold, prints "writing" after its first complete
+// write, and continues until it is killed.
 
-// Two complete sets of settings that share no value, on several pages of the disk.
+// Two complete sets of settings without a common value, each several pages long.
 inline constexpr char kSettingsSets[] = {'A', 'B'};
 IniSections SettingsSet(char which);
-// Replaces the one set by the other, again and again, through the store. Other sections stay.
+// Alternately writes the two sets through the store. Other sections stay.
 Arguments SettingsWriter(const std::filesystem::path& file);
 
 std::string JournalText(char which);
 Arguments JournalWriter(const std::filesystem::path& file);
 
-// The first line of the report says which.
+// The first line of the report identifies the set.
 Arguments ReportWriter(const std::filesystem::path& file);
 
-// Runs what the command line asks for and returns the exit status; nothing when it asks for no writer.
+// Runs the writer in the command line and returns its exit status; nothing if there is none.
 std::optional<int> RunWriter(int argc, char** argv);
 
 }  // namespace sonavex

@@ -22,7 +22,7 @@ protected:
         if (opened_) program.Form().Form_QueryUnload();
     }
     void SetUp() override { ASSERT_TRUE(opened_); }
-    // The step has to close the dialog that the entry opens.
+    // The step must close the dialog that the entry opens.
     void Choose(const char* action, std::function<void(QDialog&)> step) {
         const DialogSteps driver({std::move(step)});
         Trigger(action);

@@ -1,4 +1,4 @@
-// The whole program on the simulated card: its mixer from the menu to what the meter reads.
+// The whole program on the simulated card: its mixer, from the menu to the meter's readings.
 
 #include <gmock/gmock.h>
 
@@ -49,7 +49,7 @@ protected:
         ASSERT_NE(item, nullptr);
         item->trigger();
     }
-    // The one visible window of that title.
+    // The visible window with that title.
     static QDialog* Shown(const QString& title) {
         for (QWidget* widget : QApplication::topLevelWidgets())
             if (widget->isVisible() && widget->windowTitle() == title) return qobject_cast<QDialog*>(widget);

@@ -28,7 +28,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// Presses the button of each message box that opens, and keeps the texts.
+// Presses the button of each message box and stores the texts.
 class Reader {
 public:
     explicit Reader(QMessageBox::StandardButton button) : button_(button) {}
@@ -154,7 +154,7 @@ TEST(DisplayProbe, TellsWhetherThereIsADisplay) {
     EXPECT_NE(status({{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", ":987"}}), 0);
 }
 
-// What kind of sound was chosen, by the lists that it gives.
+// The selected kind of sound, identified by its device lists.
 struct Offer {
     CallLog log;
     RecordingDialogs dialogs{log};

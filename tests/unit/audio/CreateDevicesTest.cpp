@@ -5,7 +5,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// Both generations: what differs is the mixer library.
+// Both generations; they differ in the mixer library.
 class CreateDevices : public testing::TestWithParam<std::int32_t> {
 protected:
     EngineBench bench{GetParam()};

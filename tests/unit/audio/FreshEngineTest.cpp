@@ -43,7 +43,7 @@ TEST(FreshWatch, HasSeenNoLoss) {
     EXPECT_EQ(watch.Losses(), 0U);
 }
 
-// Nothing has ever come: that is a loss like any other.
+// No notification ever arrived: this counts as a loss too.
 TEST(FreshWatch, TellsOfAFirstStartThatBringsNothing) {
     EngineBench bench;
     bench.Start();

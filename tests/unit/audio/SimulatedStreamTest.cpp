@@ -18,7 +18,7 @@ using testing::ElementsAre;
 
 constexpr std::size_t kSegmentFrames = 2048;
 
-// The engine on the simulated card, which only moves when stepped.
+// The engine on the simulated card, which moves only when stepped.
 class SimulatedStream : public testing::TestWithParam<std::int32_t> {
 protected:
     SimulatedStream() {
@@ -27,7 +27,7 @@ protected:
         processor.onBlock = [this](std::span<const std::int16_t> captured, std::span<std::int16_t> playback) {
             segments.push_back(engine.CaptureSegment);
             lastCaptured.assign(captured.begin(), captured.end());
-            // Every sample tells which block it belongs to.
+            // Every sample holds the number of its block.
             std::fill(playback.begin(), playback.end(), static_cast<std::int16_t>(++blocksMade % 30000));
         };
     }
@@ -39,7 +39,7 @@ protected:
         engine.StartCapture();
     }
 
-    // The card moves on by one segment, then the notifications are delivered.
+    // Moves the card by one segment, then delivers the notifications.
     void StepSegment() {
         sound.Card().Step(kSegmentFrames);
         loop.DeliverSignals();
@@ -72,7 +72,7 @@ TEST_P(SimulatedStream, StartsPlaybackAfterSevenBlocks) {
     EXPECT_EQ(engine.PlaybackStarts, 1U);
     EXPECT_EQ(engine.SecondaryBuffer()->GetCurrentPosition().write, 0);
     StepSegment();
-    // What came back during the eighth segment is the first block that was written.
+    // The eighth segment returns the first block that was written.
     EXPECT_THAT(lastCaptured, testing::Each(1));
     EXPECT_EQ(engine.SecondaryBuffer()->GetCurrentPosition().write, 8192);
 }
@@ -82,7 +82,7 @@ TEST_P(SimulatedStream, RunsAThousandBlocksWithoutOverrun) {
     for (int n = 1; n <= 1000; ++n) {
         StepSegment();
         ASSERT_EQ(engine.Blocks, static_cast<std::uint64_t>(n));
-        // Seven blocks of lead: block n - 7 is heard while n is captured.
+        // Playback leads by seven blocks: block n - 7 is heard while n is captured.
         if (n <= 7) continue;
         ASSERT_TRUE(std::all_of(lastCaptured.begin(), lastCaptured.end(), [&](std::int16_t sample) {
             return sample == n - 7;
@@ -127,7 +127,7 @@ TEST_P(SimulatedStream, MovesOnAfterTheCardStoodStill) {
 TEST_P(SimulatedStream, CountsAnOverrunWhenTheBlocksComeTooLate) {
     Start();
     for (int n = 0; n < 8; ++n) StepSegment();
-    // Playing catches up with the next block to be written.
+    // Playback catches up with the next block to write.
     sound.Card().Step(7 * kSegmentFrames + 100);
     loop.DeliverSignals();
     EXPECT_EQ(engine.Overruns, 1U);

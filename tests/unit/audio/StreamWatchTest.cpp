@@ -32,7 +32,7 @@ struct WatchBench : EngineBench {
         sound.playbackDevices.resize(1);
         Lose({sound_error::kNoDriver, "The card has been removed."});
     }
-    // Longer than between two looks.
+    // Longer than the interval of the checks.
     static constexpr auto kLook = 150ms;
     void Replug() { sound.playbackDevices = kept; }
 
@@ -56,7 +56,7 @@ TEST(StreamWatch, IsContentWhileBlocksCome) {
 TEST(StreamWatch, MarksRecordsAndTellsALossOnce) {
     WatchBench bench;
     bench.sound.Lose({sound_error::kBufferLost, "The server is gone."});
-    // The mark is seen before a message stands before it.
+    // The mark is shown before the message.
     EXPECT_TRUE(bench.watch.Stopped());
     EXPECT_EQ(bench.watch.Reason(), "The server is gone.");
     EXPECT_EQ(bench.Records(), 0U);
@@ -194,7 +194,7 @@ TEST(StreamWatch, TellsOfALossBehindADialogWhenThatHasClosed) {
     bench.Lose({sound_error::kNoDriver, "removed"});
     EXPECT_TRUE(bench.watch.Stopped());
     EXPECT_EQ(bench.Records(), 0U);
-    // Blocks of the device that is left change nothing.
+    // Blocks of the remaining device change nothing.
     bench.RunBlocks(1);
     EXPECT_TRUE(bench.watch.Stopped());
     held = false;
@@ -217,7 +217,7 @@ TEST(StreamWatch, ForgetsALossWhenTheDialogHasStartedTheEngineAnew) {
     EXPECT_EQ(bench.Records(), 0U);
 }
 
-// The stream is alive: only what is done with it fails.
+// The stream is alive; only the processing fails.
 TEST(StreamWatch, RemembersALossThatComesRightAfterAStart) {
     WatchBench bench;
     ASSERT_TRUE(bench.engine.ReStart());
@@ -264,7 +264,7 @@ TEST(StreamWatch, ForgivesATimeInWhichItWasNotServedItself) {
     EXPECT_EQ(bench.Records(), 1U);
 }
 
-// The default has become another device: that is not the one that was lost.
+// The default is now another device, not the lost one.
 TEST(StreamWatch, WaitsForTheDeviceThatThePrimaryOneStoodFor) {
     WatchBench bench;
     ASSERT_EQ(bench.engine.OutputDeviceId, "");

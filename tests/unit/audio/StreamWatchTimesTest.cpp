@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A watch over a running engine, on a loop whose time the test moves. One block has come.
+// A watch over a running engine on a virtual event loop, after one block.
 struct TimesBench : EngineBench {
     TimesBench() {
         Start();
@@ -20,7 +20,7 @@ struct TimesBench : EngineBench {
         RunBlocks(1);
     }
     std::size_t Records() const { return log.Count("WriteErrorLog"); }
-    // The sound system tells of a loss, and the watch has dealt with it.
+    // The sound system reports a loss, and the watch has handled it.
     void Lose() {
         sound.Lose({sound_error::kBufferLost, "lost"});
         loop.Advance(100ms);
@@ -69,7 +69,7 @@ TEST(StreamWatchTimes, LooksForALostDeviceOnceASecond) {
     EXPECT_EQ(bench.log.Count("EnumeratePlayback"), 11U);
 }
 
-// The window stays usable: after a try of one second nothing is tried for four.
+// After an attempt of one second there is none for four, so that the window stays usable.
 TEST(StreamWatchTimes, RestsFourTimesAsLongAsATryTook) {
     TimesBench bench;
     bench.log.Fail("CreateCaptureDevice", {sound_error::kNoDriver, "not yet"});
@@ -80,12 +80,12 @@ TEST(StreamWatchTimes, RestsFourTimesAsLongAsATryTook) {
     const auto since = bench.loop.Now();
     while (bench.log.Count("CreateCaptureDevice") == 1 && bench.loop.Now() < since + 10s)
         bench.loop.Advance(100ms);
-    // The last second of it is the second try's.
+    // The last second is the second attempt's.
     EXPECT_GE(bench.loop.Now() - since, 4900ms);
     EXPECT_LE(bench.loop.Now() - since, 5300ms);
 }
 
-// A second in which the watch was not served counts as none, a shorter time as what it was.
+// A gap of a second between checks does not count; a shorter gap does.
 TEST(StreamWatchTimes, ForgivesAWholeSecondOfNotBeingServed) {
     TimesBench held;
     held.loop.Skip(1s);

@@ -7,12 +7,12 @@
 #include "support/AnalysisRig.h"
 #include "support/Errors.h"
 
-// A block that ends with an error shows what the steps before the error have measured, and of the steps
-// behind it what was shown before.
+// A block that ends with an error shows the readings of the completed steps, and the previous readings of the
+// others.
 namespace sonavex {
 namespace {
 
-// A cycle is shown, with the input passed on.
+// A complete cycle is shown, with the input sent to the output.
 class EarlyEnd : public testing::Test {
 protected:
     EarlyEnd() {
@@ -129,8 +129,7 @@ TEST_F(EarlyEnd, AtTheGeneratorShowsTheOutputLevel) {
     EXPECT_EQ(rig.playback[0], 77);
 }
 
-// The rate has been changed, and the analysis not yet set up for it: the 5th harmonic lies outside the
-// spectrum.
+// The rate has changed, but the analysis is not yet set up for it: the 5th harmonic is outside the spectrum.
 TEST(EarlyEndInTheHarmonics, ShowsThoseBefore) {
     AnalysisRig rig(4000);
     rig.FeedLines({{1000, 1000.0}, {2000, 10.0}}, 17);

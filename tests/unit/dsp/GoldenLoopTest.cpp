@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::string_view kNotAvailable = "N/A";
 
-// The meter with its own output as input, one block later: a piece of wire, bit for bit.
+// The meter with its own output as input, one block later, bit for bit.
 class WiredMeter {
 public:
     explicit WiredMeter(std::int32_t rate, double phase = 0.0) {
@@ -33,7 +33,7 @@ public:
         meter->Generator.SetGeneratorRunning(true);
     }
 
-    // Until 19 good blocks in a row are shown.
+    // Steps until 19 good blocks in a row are shown.
     void Settle() {
         do {
             const Block captured = playback_;
@@ -59,8 +59,8 @@ double Leakage(double cyclesPerSample, double phase, int bin) {
     return std::abs(sum);
 }
 
-// What leakage of the unfiltered, unrounded sine alone amounts to in percent, 2nd to 9th harmonic,
-// averaged over the blocks of the second cycle.
+// Leakage of the unfiltered, unrounded sine alone, in percent of the 2nd to 9th harmonic, averaged over the
+// blocks of the second cycle.
 double ExpectedTotal(double rate, int peakBin) {
     double total = 0.0;
     for (int block = 17; block < 36; ++block) {
@@ -103,8 +103,7 @@ TEST(GoldenLoop, LeakageIsWhatTheoryGives) {
     }
 }
 
-// What rounding the samples of one cycle to whole numbers leaves in the harmonics 2 to highest,
-// percent.
+// Contribution of rounding the samples of one cycle to the harmonics 2 to `highest`, in percent.
 double ExpectedRounding(int samplesPerCycle, int highest) {
     const auto bin = [&](int n) {
         std::complex<double> sum = 0.0;
@@ -125,7 +124,7 @@ TEST(GoldenLoop, OnABinOnlyTheRoundingTo16BitIsLeft) {
     EXPECT_EQ(at32000.meter->Controls.txtFreq.Text(), "1000");
     EXPECT_LT(Val(at32000.Total()), 0.003);
     EXPECT_NEAR(Val(at32000.Total()), ExpectedRounding(32, 9), 0.0002);
-    // At 16000 Hz there is room for six harmonics.
+    // At 16000 Hz six harmonics fit.
     WiredMeter at16000(16000);
     at16000.Settle();
     EXPECT_EQ(at16000.meter->Controls.txtFreq.Text(), "1000");
@@ -159,7 +158,7 @@ TEST(GoldenLoop, TheLowRatesHaveNoRoomForHarmonics) {
         EXPECT_EQ(at8000.meter->Controls.lblDb[i].Caption(), kNotAvailable) << i;
     }
     EXPECT_EQ(at4000.Total(), kNotAvailable);
-    // The 2nd harmonic at 8000 Hz lies exactly on a zero; rounding decides whether anything is left.
+    // The 2nd harmonic at 8000 Hz is exactly on a zero, so only rounding can leave a value.
     const std::string& second = at8000.meter->Controls.lbltest[0].Caption();
     EXPECT_TRUE(second == kNotAvailable || second == "0.0000") << second;
     EXPECT_EQ(at8000.Total(), second);

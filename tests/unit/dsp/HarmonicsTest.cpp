@@ -58,7 +58,7 @@ TEST(Harmonics, HighestUsableBinOfEveryRate) {
             rig.MeasureLines({{last, 1000.0}, {n * last, 10.0}});
             EXPECT_EQ(rig.controls.lblDb[i].Caption(), Db(0.01)) << rate << ' ' << n;
             EXPECT_NE(rig.controls.lbltest[i].Caption(), "N/A") << rate << ' ' << n;
-            // One bin further the harmonic lies at MaxBin or beyond; only the 2nd keeps its percentage.
+            // One bin further, the harmonic is at MaxBin or beyond; only the 2nd keeps its percentage.
             rig.MeasureLines({{last + 1, 1000.0}, {n * (last + 1), 10.0}});
             EXPECT_EQ(rig.controls.lblDb[i].Caption(), "N/A") << rate << ' ' << n;
             EXPECT_EQ(rig.controls.lbltest[i].Caption() == "N/A", n > 2) << rate << ' ' << n;
@@ -96,7 +96,7 @@ TEST(Harmonics, BeyondMaxBinThePercentageIsNotTheOneBefore) {
 
 TEST(Harmonics, TotalIsTheHighestPercentageThatIsAvailable) {
     AnalysisRig rig(32000);
-    // A harmonic of 0 on top of others keeps the sum: it is available.
+    // A harmonic of 0 keeps the sum of the lower ones and is available.
     rig.MeasureLines({{300, 1000.0}, {600, 20.0}});
     const std::string second = Pct(100.0 * 20.0 / std::sqrt(1e6 + 400.0));
     EXPECT_EQ(rig.Percentages(),
@@ -114,7 +114,7 @@ TEST(Harmonics, ReadingsAreKeptForTheBaseline) {
     EXPECT_NEAR(rig.state->CurrentDb[0], 20.0 * std::log10(0.03 / 19.0), 1e-12);
     EXPECT_NEAR(rig.state->CurrentDb[1], 20.0 * std::log10(0.04 / 19.0), 1e-12);
     EXPECT_EQ(rig.state->CurrentDb[2], 0.0);
-    // "N/A" takes a percentage back to 0; of the dB the last computed stays.
+    // "N/A" resets a percentage to 0; the dB keep the last computed value.
     rig.MeasureLines({{1100, 1000.0}});
     EXPECT_EQ(rig.state->CurrentPct[0], 0.0);
     EXPECT_EQ(rig.state->CurrentPct[1], 0.0);

@@ -159,7 +159,7 @@ TEST(Failures, ALockOnSilenceDividesByZero) {
     rig.controls.txtFreq.SetText("5");
     EXPECT_EQ(ErrorOf([&] { return rig.Feed(Silence(), 1), 0; }), 11);
     EXPECT_TRUE(Locked(rig));
-    // Out of reach of the peak at 0 Hz there is no lock, and no failure.
+    // Too far from the peak at 0 Hz: no lock, and no error.
     rig.controls.txtFreq.SetText("14");
     rig.Feed(Silence(), 1);
     EXPECT_FALSE(Locked(rig));

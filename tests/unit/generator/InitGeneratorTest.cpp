@@ -200,7 +200,7 @@ TEST_F(InitGenerator, RefusesAWaveformThatDoesNotExist) {
     EXPECT_THAT(RefusalWith(9), HasSubstr("key \"Memory Signal Type 1\", value \"4\""));
 }
 
-// Without the rest of the panel, which has its own say about what can be used.
+// Without the rest of the panel, which enables and disables controls too.
 TEST_F(InitGenerator, OfTheCurrentSignalAloneShowsItsLoop) {
     for (const auto& [timeMs, enabled] :
          {std::pair{"0", false}, std::pair{"1", true}, std::pair{"700", true}}) {

@@ -190,7 +190,7 @@ TEST_F(MemoryList, TakesMoreAfterRemovingFromAFullOne) {
     EXPECT_TRUE(memory.cmdGenAdd.Enabled());
     Add();
     EXPECT_FALSE(memory.cmdGenAdd.Enabled());
-    // Nothing selected, nothing removed: the list stays full.
+    // Nothing is selected, so nothing is removed and the list stays full.
     panel.MemoryTones().cmdRemove_Click();
     EXPECT_EQ(memory.ToneList.Count(), 8);
     EXPECT_FALSE(memory.cmdGenAdd.Enabled());

@@ -14,10 +14,10 @@ using testing::Ge;
 using testing::HasSubstr;
 using testing::Le;
 
-// Stored tones that cannot sound, as only somebody who edits the settings makes them.
+// Stored tones that cannot play, as only edited settings contain.
 class UnusableTones : public MemoryRig {
 protected:
-    // Number and text of what pressing the start button raises.
+    // Number and text of the error raised by the start button.
     std::pair<std::int32_t, std::string> PressStart() {
         const auto error = Raised([this] { memory.cmdStartMemory.Press(); });
         return error ? std::pair(error->Number(), std::string(error->what())) : std::pair(0, std::string());
@@ -34,7 +34,7 @@ protected:
     }
 };
 
-// The step of a sweep between such frequencies is beyond every number; the tones must not be lost for it.
+// The step between such frequencies is not finite; the tones must not be lost.
 TEST_F(UnusableTones, OfHugeFrequenciesAreStoredAgain) {
     Store("NumberOfTones", "1");
     Store("Memory Signal Start 1", "1E308");
@@ -52,7 +52,7 @@ TEST_F(UnusableTones, OfHugeFrequenciesAreStoredAgain) {
 TEST_F(UnusableTones, OfZeroHertzAreRefusedForEveryWaveform) {
     Select(1);
     for (int waveType = 0; waveType < 4; ++waveType) {
-        // What the record held before must not sound on.
+        // The previous content of the record must not play.
         Tone() = ToneRecord{};
         Tone().Phase = 1.0;
         Tone().PhaseIncrement = 0.1;
@@ -94,7 +94,7 @@ TEST_F(UnusableTones, HaveAnEndThatMattersOnlyForASweep) {
     EXPECT_EQ(Tone().Frequency, 200.0);
 }
 
-// A step that does not belong to its sweep: it ends at the sweep's end and never stops the sound.
+// A step that does not match its sweep: the sweep ends at its end, and playing never stops.
 TEST_F(UnusableTones, WithAStepTooLargePlayOn) {
     Select(0);
     Store("Memory Signal Start 1", "1000");

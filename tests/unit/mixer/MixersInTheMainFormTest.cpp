@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// Two cards of each direction with the same levels, except the master of "Card B".
+// Two cards per direction; the library's card in memory represents the bound one.
 struct MixedForm : MixerWorld {
     explicit MixedForm(std::int32_t osMajorVersion) : MixerWorld(osMajorVersion) {
         store.Save("SoundCard", "Output", "out-a");

@@ -117,7 +117,7 @@ TEST(StateToSave, IsThePresentStateOfACardWithEverything) {
               VistaSound::GetVistaMixerState(card.library));
 }
 
-// A field that cannot be applied is not saved again.
+// A field that does not convert is not copied.
 TEST(StateToSave, TakesNothingFromALineThatDoesNotConvert) {
     MemoryCard card;
     for (const MixerFunction missing :

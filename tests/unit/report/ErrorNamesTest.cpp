@@ -31,7 +31,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_P(SoundErrorNames, HaveOneNumberEach) {
     const auto number = static_cast<std::int32_t>(GetParam().number);
     EXPECT_STREQ(SoundErrorName(number), GetParam().name);
-    // No number of the table has a neighbour in it.
+    // No two numbers of the table are adjacent.
     EXPECT_STREQ(SoundErrorName(number + 1), "DSERR_UNKNOWN");
     EXPECT_STREQ(SoundErrorName(number - 1), "DSERR_UNKNOWN");
 }

@@ -93,7 +93,7 @@ TEST_F(MenuCommandsTest, ShowsTheContentsOfTheHelpFile) {
 }
 
 TEST_F(MenuCommandsTest, ShowsTheAboutBox) {
-    menus.mnuAbout.UserChooses();  // nobody listens yet
+    menus.mnuAbout.UserChooses();  // no handler is set
     commands.ShowAbout = [this] { log.Call("ShowAbout"); };
     menus.mnuAbout.UserChooses();
     EXPECT_THAT(log.Lines(), ElementsAre("ShowAbout"));

@@ -65,14 +65,14 @@ TEST_F(PrintCommandTest, LeavesTheCopiesToThePrinterOnSystemsUpToTheFourth) {
 TEST_F(PrintCommandTest, PrintsNothingWhenTheUserCancels) {
     user = [](frmPrint& dialog) { dialog.cmdCancel.Press(); };
     Press();
-    user = nullptr;  // closed with the window's frame
+    user = nullptr;  // closed with the window's close button
     Press();
     EXPECT_EQ(log.Count("ShowPrintDialog"), 2U);
     for (const char* call : {"Select", "BeginPage", "EndDoc", "Message"})
         EXPECT_THAT(log.Of(call), IsEmpty()) << call;
 }
 
-// The print system is waited for before the dialog, where it may not answer.
+// The print system is asked before the dialog; it may not answer.
 TEST_F(PrintCommandTest, AsksForThePrintersOnceBeforeTheDialog) {
     user = [this](frmPrint&) { EXPECT_EQ(log.Count("Printers"), 1U); };
     Press();

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// The form on scripted devices that write into the same log as everything else.
+// The form on scripted devices; everything writes to one log.
 struct ScriptedForm : World {
     explicit ScriptedForm(std::int32_t osMajorVersion) { desktop.majorVersion = osMajorVersion; }
     FakeSoundSystem sound{log};

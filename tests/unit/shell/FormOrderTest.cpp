@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAreArray;
 
-// Says at which low edge the analysis stands when the mixers are asked.
+// Records the low edge of the analysis when the mixers are accessed.
 class WatchingMixers : public RecordingMixerSession {
 public:
     explicit WatchingMixers(CallLog& log) noexcept : RecordingMixerSession(log), log_(log) {}
@@ -23,7 +23,7 @@ private:
     CallLog& log_;
 };
 
-// A form all of whose ports, the settings among them, write into one log.
+// A form with all ports, including the settings, writing to one log.
 struct LoggedForm : WorldOf<VirtualEventLoop, RecordingSettings, WatchingMixers> {
     explicit LoggedForm(std::int32_t osMajorVersion) {
         desktop.majorVersion = osMajorVersion;

@@ -80,7 +80,7 @@ TEST_F(MeterTest, ADisturbanceSpoilsTheCycleOfTheBlockAfterIt) {
     FeedTone(37);
     EXPECT_TRUE(meter.Settled());
     meter.StreamDisturbed();
-    EXPECT_TRUE(meter.Settled());  // what is shown was good
+    EXPECT_TRUE(meter.Settled());  // the shown readings were settled
     FeedTone(1);
     EXPECT_FALSE(meter.CycleGood());
     FeedTone(18);

@@ -15,7 +15,7 @@ double Stored(const Settings& settings, const SettingsKey& key, int harmonic) {
     return settings.Value({key.section, name, key.fallback});
 }
 
-// The stored state of a box. A number that no box can have names its key.
+// The stored state of a check box. The error for an impossible number names its key.
 std::int16_t StoredBox(const Settings& settings, const SettingsKey& key) {
     const double value = settings.Value(key);
     try {
@@ -25,7 +25,7 @@ std::int16_t StoredBox(const Settings& settings, const SettingsKey& key) {
     }
 }
 
-// A remembered condition; whatever is no such number counts as not known.
+// A stored condition; 0 if the text is not a valid number.
 std::int32_t StoredCondition(const Settings& settings, const SettingsKey& key) {
     try {
         return CLng(settings.Value(key));

@@ -12,8 +12,8 @@
 
 namespace sonavex {
 
-// The meter's options: automatic frequency, and the baseline, the sound card's own distortion that is
-// subtracted from the percentages. User-interface thread only.
+// The meter's options: automatic frequency, and the baseline, which is the sound card's own distortion that
+// is subtracted from the percentages.
 class Baseline {
 public:
     Baseline(const SharedState& shared, Settings& settings, Dialogs& dialogs, modDSP::State& analysis,
@@ -22,15 +22,15 @@ public:
     CheckBox chkBaseline;
     CommandButton cmdBaseline;
 
-    // Start-up: the boxes as stored, and their effects. Stores nothing.
+    // At start-up: restores the check boxes and their effects. Stores nothing.
     void RestoreBoxes();
 
     void chkAuto_Click();
     void chkBaseline_Click();
     void cmdBaseline_Click();
 
-    // The measurement is locked and the applied baseline was captured at another frequency or sampling
-    // rate. A baseline of which neither is known does not count.
+    // Whether the measurement is locked and the applied baseline was captured at another frequency or
+    // sampling rate. False if neither is known.
     bool CapturedElsewhere() const;
 
 private:

@@ -19,11 +19,11 @@ struct MeasurementControls {
     Label lblDACLevel;                      // output peak, percent of 32760, or "Ovr", or "Muted"
     TextBox txtFreq;                        // fundamental frequency, Hz
     CheckBox chkAuto;                       // the measured frequency is written to txtFreq
-    CheckBox chkMuteOutput;                 // the input does not go on to the output
-    Indicator picLocked;                    // light green: the peak found is the fundamental asked for
+    CheckBox chkMuteOutput;                 // the input is not sent to the output
+    Indicator picLocked;                    // light green: locked
     Indicator GenLocked;                    // the same on the generator's side
     std::array<Label, kHarmonics> lbltest;  // distortion up to this harmonic, percent (THD_R), or "N/A"
-    std::array<Label, kHarmonics> lblDb;    // this harmonic against the fundamental, dB, or "N/A"
+    std::array<Label, kHarmonics> lblDb;    // this harmonic relative to the fundamental, dB, or "N/A"
     Label lblThd;                           // total: the last of lbltest that is not "N/A"
 };
 

@@ -10,7 +10,7 @@ constexpr const char* kNotAvailable = "N/A";
 constexpr const char* kOverloadCaption = "Ovr";
 constexpr const char* kMuted = "Muted";
 
-// By the highest harmonic that has a percentage; without any, all that there are.
+// By the highest harmonic with a percentage; if there is none, the full range.
 constexpr std::array<std::string_view, Readings::kHarmonics> kTotalOf{
     "H2, re total (THD_R)",    "H2–H3, re total (THD_R)", "H2–H4, re total (THD_R)",
     "H2–H5, re total (THD_R)", "H2–H6, re total (THD_R)", "H2–H7, re total (THD_R)",
@@ -66,7 +66,7 @@ void MeterDisplay::Show(const Readings& readings, Percentages& shownPct) {
     ShowSettling();
 }
 
-// A block without any positive sample reads as overload too. The word tells the two apart.
+// A block without a positive sample reads as overload too. The word distinguishes the two.
 void MeterDisplay::ShowInputLevel(double peak) {
     view_.noSignal = peak <= 0.0;
     const bool overload = peak >= kFullScale || view_.noSignal;
@@ -112,7 +112,7 @@ void MeterDisplay::ShowHarmonic(std::size_t index, const HarmonicReading& readin
     if (reading.levelDb) view_.levelsDb[index] = Val(level.Caption());
 }
 
-// The value up to the highest harmonic that could be measured.
+// The percentage up to the highest harmonic that could be measured.
 void MeterDisplay::ShowTotal() {
     for (std::size_t i = Readings::kHarmonics; i-- > 0;) {
         if (controls_.lbltest[i].Caption() == kNotAvailable) continue;

@@ -12,7 +12,7 @@
 
 namespace sonavex {
 
-// The words of the meter that are not captions of its controls.
+// Words that are not captions of the meter's controls.
 namespace meter_words {
 inline constexpr std::string_view kOverload = "OVERLOAD";
 inline constexpr std::string_view kNoSignal = "NO SIGNAL";
@@ -21,49 +21,49 @@ inline constexpr std::string_view kNotLocked = "NOT LOCKED";
 inline constexpr std::string_view kStopped = "STOPPED";
 }  // namespace meter_words
 
-// What a window shows of the meter in addition to the captions of its controls.
+// State that a window shows in addition to the captions of the meter's controls.
 struct MeterView {
     std::string_view inputWord;                            // OVERLOAD, NO SIGNAL or empty
     std::string_view outputWord;                           // OVERLOAD or empty
     std::string_view lockWord = meter_words::kNotLocked;   // LOCKED, NOT LOCKED or STOPPED
-    std::string_view totalOf = "H2–H9, re total (THD_R)";  // which harmonics the total counts
+    std::string_view totalOf = "H2–H9, re total (THD_R)";  // harmonics in the total
     std::string cycle = "0 of 19";                         // blocks of the cycle
     std::int32_t cycleBlocks = 0;
     bool noSignal = false;  // the input level reads as overload because there is no signal
-    // The caption is a number, which has the unit percent.
+    // Whether the caption is a number, shown with the unit percent.
     bool inputInPercent = false;
     bool outputInPercent = false;
     bool totalInPercent = false;
-    bool settling = false;  // the total does not yet average 19 good blocks
-    // As their captions show them, dB; none for a level that is not shown as a number.
+    bool settling = false;  // the total does not average 19 good blocks
+    // Levels as shown by their captions, in dB; none if the caption is not a number.
     std::array<std::optional<double>, Readings::kHarmonics> levelsDb{};
 };
 
 // Turns the readings of a block into the captions and words of the meter.
 class MeterDisplay {
 public:
-    // Both lamps show NOT LOCKED. The controls must outlive the display.
+    // Sets both lamps to NOT LOCKED. The controls must outlive the display.
     explicit MeterDisplay(MeasurementControls& controls);
 
-    // What the boxes ask of the next block. Throws nothing: an unusable frequency is part of the result.
+    // Settings for the next block from the check boxes and the typed frequency. Does not throw: an unusable
+    // frequency is part of the result.
     modDSP::BlockInputs Inputs(std::int32_t sampleRateHz) const;
 
-    // Shows what a block has measured, once for each block: after an error the readings of the steps
-    // before it. shownPct receives the values of the percentages that were shown, 0 for "N/A".
-    // Allocates nothing.
+    // Shows the readings of a block; call once per block. After an error, shows the readings of the completed
+    // steps. shownPct receives the values of the shown percentages, 0 for "N/A". Does not allocate.
     using Percentages = std::array<double, Readings::kHarmonics>;
     void Show(const Readings& readings, Percentages& shownPct);
 
-    // blocks: of the current cycle, 0 before the first block. settled: the harmonics shown average 19
-    // good blocks.
+    // blocks: position in the current cycle, 0 before the first block. settled: the shown harmonics average
+    // 19 good blocks.
     void ShowCycle(std::int32_t blocks, bool settled);
 
-    // Whether the readings are of the past. They then show as not locked until the next block.
+    // Sets whether the readings are stale. Stale readings show as not locked until the next block.
     void ShowStopped(bool stopped);
 
     const MeterView& View() const noexcept { return view_; }
 
-    // The levels as text for a screen reader.
+    // The levels as a screen reader reads them.
     std::string SpokenInput() const;
     std::string SpokenOutput() const;
 
@@ -80,7 +80,7 @@ private:
 
     MeasurementControls& controls_;
     MeterView view_;
-    std::array<bool, Readings::kHarmonics> inPercent_{};  // a percentage is shown as a number
+    std::array<bool, Readings::kHarmonics> inPercent_{};  // whether the percentage is shown as a number
     bool locked_ = false;
     bool stopped_ = false;
     bool settled_ = false;

@@ -128,7 +128,7 @@ TEST_F(CombinedSoundSystemTest, ANamedDeviceIsNotReplacedByAnother) {
 }
 
 TEST_F(CombinedSoundSystemTest, EventsOfEitherBufferReachTheHandlerUnderOneHandle) {
-    // So that the two systems' handles differ.
+    // Makes the handles of the two systems differ.
     direct_->CreateEvent([](EventHandle) {});
     std::vector<EventHandle> fired;
     const EventHandle event = combined_.CreateEvent([&](EventHandle handle) { fired.push_back(handle); });
@@ -148,7 +148,7 @@ TEST_F(CombinedSoundSystemTest, EventsOfEitherBufferReachTheHandlerUnderOneHandl
     EXPECT_EQ(fired.size(), 2U);
     EXPECT_EQ(server_->LiveEvents(), 1U);
     EXPECT_EQ(direct_->LiveEvents(), 2U);
-    combined_.DestroyEvent(event);  // unknown by now
+    combined_.DestroyEvent(event);  // no longer known
 }
 
 TEST_F(CombinedSoundSystemTest, CaptureBuffersPassEverythingOn) {

@@ -58,7 +58,7 @@ TEST(SignalQueue, IsNotEmptyWhileAnErrorLeavesSignalsUndelivered) {
     EXPECT_TRUE(queue.Empty());
 }
 
-// Threads that raise signals of their own as fast as they can. Each signal's handler notes its number.
+// Threads that raise separate signals as fast as they can. Each signal's handler notes its number.
 class RaisingThread {
 public:
     RaisingThread(SignalQueue& queue, int signals) {

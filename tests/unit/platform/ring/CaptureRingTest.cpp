@@ -34,7 +34,7 @@ protected:
         }
         ring_.SetPositions(positions);
     }
-    // Frames numbered from `first` on: number on the first channel, its negative on the second.
+    // Pushes frames numbered from `first`: the number on the first channel, its negative on the second.
     void Push(int first, int frames) {
         std::vector<std::int16_t> samples;
         for (int n = first; n < first + frames; ++n) {

@@ -26,7 +26,7 @@ public:
             {0, 32768, WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
     }
 
-    // Captured peak of each channel for a sine of this frequency with a peak of 4000, once settled.
+    // Captured peak of each channel for a sine with a peak of 4000, after settling.
     std::array<int, 2> Peaks(double frequencyHz) {
         std::vector<std::int16_t> played(32768);
         for (std::size_t i = 0; i < played.size(); ++i)
@@ -130,7 +130,7 @@ TEST(SimulatedMixer, MonitoringAndPlayThroughAreHeard) {
         loop.Set(MixerFunction::kLineVolume, {65535, 65535});
         loop.Set(MixerFunction::kMicVolume, {65535, 65535});
         loop.Set(path, {0});
-        // 187.5 Hz has one period in 256 frames, so every return adds up: 1 / (1 - 1/4).
+        // 187.5 Hz has a period of 256 frames, so all returns add in phase: 1 / (1 - 1/4).
         EXPECT_NEAR(loop.GainDb(187.5), 20.0 * std::log10(4.0 / 3.0), 0.1) << static_cast<int>(path);
     }
 }

@@ -23,7 +23,7 @@ public:
         return numbers;
     }
 
-    // Fills the playback buffer with frames numbered from 1 on, the same in both channels.
+    // Fills the playback buffer with frames numbered from 1, equal on both channels.
     void WriteNumbers() {
         std::vector<std::int16_t> samples;
         for (int n = 1; n <= kPlaybackBytes / 4; ++n)

@@ -15,7 +15,7 @@ using Operation = SimulatedSoundSystem::Operation;
 
 class SimulatedSound : public testing::Test {
 protected:
-    // Numbers as SimulatedRig::WriteNumbers writes them.
+    // Numbers as written by SimulatedRig::WriteNumbers.
     static std::vector<std::int16_t> Numbers(std::int16_t first, std::size_t count) {
         std::vector<std::int16_t> numbers(count);
         std::iota(numbers.begin(), numbers.end(), first);
