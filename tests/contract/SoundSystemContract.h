@@ -321,6 +321,7 @@ TYPED_TEST_P(SoundSystemContract, LeavesNothingBehind) {
     for (int round = 0; round < 5; ++round) {
         this->system_.reset();
         this->system_ = this->platform_->Create(this->loop_);
+        this->duplex_.UseSystem(*this->system_);
         useOnce();
     }
     EXPECT_TRUE(WaitUntil(

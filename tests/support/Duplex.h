@@ -24,18 +24,22 @@ public:
     // Limit for a call, and for the report of a loss.
     static constexpr std::chrono::seconds kLimit{3};
 
-    Duplex(PlainEventLoop& loop, SoundSystem& system) : loop_(loop), system_(system) {
-        system.OnDeviceLost([this](const RuntimeError& error) { losses.push_back(error); });
-    }
+    Duplex(PlainEventLoop& loop, SoundSystem& system) : loop_(loop) { UseSystem(system); }
     Duplex(const Duplex&) = delete;
     Duplex& operator=(const Duplex&) = delete;
 
+    // Buffers are opened on this system from now on. All buffers must be closed.
+    void UseSystem(SoundSystem& system) {
+        system_ = &system;
+        system.OnDeviceLost([this](const RuntimeError& error) { losses.push_back(error); });
+    }
+
     void OpenPlayback(const std::string& device, std::int32_t rateHz) {
-        output = system_.CreatePlaybackDevice(device);
+        output = system_->CreatePlaybackDevice(device);
         playback = output->CreateBuffer(Stereo(kPlaybackBytes, rateHz));
     }
     void OpenCapture(const std::string& device, std::int32_t rateHz) {
-        input = system_.CreateCaptureDevice(device);
+        input = system_->CreateCaptureDevice(device);
         capture = input->CreateBuffer(Stereo(kCaptureBytes, rateHz));
     }
     void Start() {
@@ -104,7 +108,7 @@ public:
 
 private:
     PlainEventLoop& loop_;
-    SoundSystem& system_;
+    SoundSystem* system_ = nullptr;
 };
 
 // The loop and the sound system that a DuplexOn owns.
