@@ -17,13 +17,13 @@ struct ToneRequest {
     bool loop = false;
 };
 
-// Throws MeasureError that says what is wrong with the text.
+// Throws a MeasureError that names the mistake.
 ToneRequest ParseTone(const std::string& text);
 
-// All tones of a command line; frequencies up to half the sampling rate, at most nine tones.
+// All tones of a command line: frequencies up to half the sampling rate, at most nine tones.
 std::vector<ToneRequest> ParseTones(const std::vector<std::string>& texts, std::int32_t rateHz);
 
-// Puts the tones into the table and starts the generator; without any tone it stays silent.
+// Puts the tones into the table and starts the generator; without a tone it stays silent.
 void StartTones(Generator& generator, const std::vector<ToneRequest>& tones);
 
 bool AnySweep(const std::vector<ToneRequest>& tones) noexcept;

@@ -108,8 +108,8 @@ public:
     // nullptr when there is no such device or it does not answer.
     virtual std::shared_ptr<DeviceMixer> Open(const MixerDevice& device) = 0;
 
-    // Calls the handler after levels of an open device may have changed, whoever changed them; never
-    // from inside a call into this interface. An empty handler ends the calls.
+    // Calls the handler after levels of an open device may have changed, by any program; never from inside a
+    // call into this interface. An empty handler ends the calls.
     virtual void OnChange(std::function<void()> handler) = 0;
 };
 
