@@ -57,7 +57,7 @@ void FixSize(QLabel& label, const QString& widest) {
 // The same margin that the form keeps from the bottom of the lowest screen.
 constexpr int kBottomMargin = 50;
 
-QString Text(std::string_view text) {
+QString WordText(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
@@ -122,8 +122,8 @@ void MainWindow::StandOnGrounds() {
 
 void MainWindow::FixSizes() {
     for (QLabel* level : {ui_->LblLevel, ui_->lblDACLevel}) FixSize(*level, "Muted");
-    for (QLabel* word : {ui_->adcWord, ui_->dacWord}) FixSize(*word, Text(meter_words::kNoSignal));
-    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, Text(meter_words::kNotLocked));
+    for (QLabel* word : {ui_->adcWord, ui_->dacWord}) FixSize(*word, WordText(meter_words::kNoSignal));
+    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, WordText(meter_words::kNotLocked));
     FixSize(*ui_->cycleText, "19 of 19");
     FixSize(*ui_->runningWord, "Generator playing 8 tones");
     // Five digits and a margin.
@@ -260,18 +260,18 @@ void MainWindow::DecoratePath() {
 void MainWindow::DecorateMeter() {
     const MeterDisplay& display = form_.Instrument.Meter.Display;
     const MeterView& view = display.View();
-    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) word->setText(Text(view.lockWord));
+    for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) word->setText(WordText(view.lockWord));
     for (QWidget* lamp : {ui_->picLocked, ui_->GenLocked})
-        lamp->setAccessibleDescription(Text(view.lockWord));
-    ui_->adcWord->setText(Text(view.inputWord));
-    ui_->dacWord->setText(Text(view.outputWord));
+        lamp->setAccessibleDescription(WordText(view.lockWord));
+    ui_->adcWord->setText(WordText(view.inputWord));
+    ui_->dacWord->setText(WordText(view.outputWord));
     ui_->unitprgADC->setVisible(view.inputInPercent);
     ui_->unitprgDAC->setVisible(view.outputInPercent);
     ui_->prgADC->SetSilent(view.noSignal);
-    ui_->prgADC->setAccessibleDescription(Text(display.SpokenInput()));
-    ui_->prgDAC->setAccessibleDescription(Text(display.SpokenOutput()));
+    ui_->prgADC->setAccessibleDescription(WordText(display.SpokenInput()));
+    ui_->prgDAC->setAccessibleDescription(WordText(display.SpokenOutput()));
     ui_->cycleBar->setValue(view.cycleBlocks);
-    ui_->cycleText->setText(Text(view.cycle));
+    ui_->cycleText->setText(WordText(view.cycle));
 }
 
 void MainWindow::DecorateHarmonics() {
@@ -282,7 +282,7 @@ void MainWindow::DecorateHarmonics() {
         else
             bars_[i]->Clear();
     }
-    ui_->capTotalOf->setText(Text(view.totalOf));
+    ui_->capTotalOf->setText(WordText(view.totalOf));
     ui_->unitThd->setVisible(view.totalInPercent);
     ui_->settlingNote->setVisible(view.settling);
 }
@@ -292,7 +292,7 @@ void MainWindow::DecorateGenerator() {
     ui_->wavePicture->SetWave(signal.cmbType.ListIndex());
     ui_->wavePicture->SetSweep(signal.sldSweepTime.Value() != 0, signal.sldStartFreq.Value(),
                                signal.sldEndFreq.Value(), signal.chkLoop.Checked());
-    ui_->memoryCount->setText(Text(MemoryWords(form_.GeneratorPanel.MemoryControls.ToneList.Count())));
+    ui_->memoryCount->setText(WordText(MemoryWords(form_.GeneratorPanel.MemoryControls.ToneList.Count())));
     ui_->capsldStartFreq->setEnabled(signal.sldStartFreq.Enabled());
     ui_->capsldEndFreq->setEnabled(signal.sldEndFreq.Enabled());
     ui_->capsldSweepTime->setEnabled(signal.sldSweepTime.Enabled());
@@ -301,8 +301,8 @@ void MainWindow::DecorateGenerator() {
                            preset->property("hertz").toInt() <= signal.sldStartFreq.Max());
     const bool sweeps = form_.Instrument.HiTimer1.Enabled();
     const GeneratorWords words = GeneratorWords::Of(form_.Instrument.Meter.Generator, sweeps);
-    ui_->runningWord->setText(Text(words.state));
-    ui_->runningDetail->setText(Text(words.detail));
+    ui_->runningWord->setText(WordText(words.state));
+    ui_->runningDetail->setText(WordText(words.detail));
     if (!sweeps)
         sweepWatch_.stop();
     else if (!sweepWatch_.isActive())

@@ -8,22 +8,20 @@
 namespace sonavex::modSPL2VB {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
-
 // Impulse response of an ideal low-pass; the edge is a fraction of the sampling rate, t in samples.
 double IdealLowPass(double edge, double t) {
-    return t == 0.0 ? 2.0 * edge : std::sin(2.0 * kPi * edge * t) / (kPi * t);
+    return t == 0.0 ? 2.0 * edge : std::sin(2.0 * std::numbers::pi * edge * t) / (std::numbers::pi * t);
 }
 
 double Blackman(std::int32_t n, std::int32_t length) {
-    const double turn = 2.0 * kPi * n / (length - 1);
+    const double turn = 2.0 * std::numbers::pi * n / (length - 1);
     return 0.42 - 0.5 * std::cos(turn) + 0.08 * std::cos(2.0 * turn);
 }
 
 double MagnitudeAt(double fraction, ConstVector taps) {
     std::complex<double> sum = 0.0;
     for (std::size_t n = 0; n < taps.size(); ++n)
-        sum += taps[n] * std::polar(1.0, -2.0 * kPi * fraction * static_cast<double>(n));
+        sum += taps[n] * std::polar(1.0, -2.0 * std::numbers::pi * fraction * static_cast<double>(n));
     return std::abs(sum);
 }
 

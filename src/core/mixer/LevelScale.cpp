@@ -6,7 +6,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::int32_t kFullPercent = 100;
+constexpr std::int32_t kWholeScalePercent = 100;
 
 double Span(const RawRange& range) noexcept {
     return static_cast<double>(range.maximum) - range.minimum;
@@ -34,12 +34,12 @@ std::int32_t FromScale(std::int32_t value, const RawRange& range, std::int32_t f
 }
 
 std::int32_t PercentOf(const std::vector<std::int32_t>& values, const RawRange& range) noexcept {
-    return ToScale(*std::max_element(values.begin(), values.end()), range, kFullPercent);
+    return ToScale(*std::max_element(values.begin(), values.end()), range, kWholeScalePercent);
 }
 
 std::vector<std::int32_t> AtPercent(const std::vector<std::int32_t>& values, const RawRange& range,
                                     std::int32_t percent) {
-    const std::int32_t target = FromScale(percent, range, kFullPercent);
+    const std::int32_t target = FromScale(percent, range, kWholeScalePercent);
     const double loudest =
         static_cast<double>(*std::max_element(values.begin(), values.end())) - range.minimum;
     if (loudest <= 0.0) return std::vector<std::int32_t>(values.size(), target);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kPadding = 8;
 constexpr int kArrowSpace = 26;
-constexpr qreal kRadius = 5.0;
+constexpr qreal kFrameRadius = 5.0;
 
 // Draws a chevron that points down in the middle of the area.
 void DrawArrow(QPainter& painter, const QRectF& area, const QColor& colour) {
@@ -42,7 +42,7 @@ void ChoiceBox::paintEvent(QPaintEvent*) {
     const bool marked = isEnabled() && (hasFocus() || underMouse());
     painter.setPen(QPen(marked ? theme.accent : theme.border, line));
     painter.setBrush(isEnabled() ? theme.field : theme.window);
-    painter.drawRoundedRect(frame, kRadius, kRadius);
+    painter.drawRoundedRect(frame, kFrameRadius, kFrameRadius);
 
     const QColor ink = isEnabled() ? theme.text : theme.quiet;
     const QRect text = rect().adjusted(kPadding, 0, -kArrowSpace, 0);

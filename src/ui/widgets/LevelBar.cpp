@@ -14,7 +14,7 @@ constexpr int kMarksDb[] = {-40, -20, -12, -6, 0};
 constexpr int kMarksPercent[] = {0, 25, 50, 75, 100};
 constexpr double kTick = 3.0;
 constexpr double kGap = 1.0;
-constexpr double kRadius = 4.0;
+constexpr double kTrackRadius = 4.0;
 // Size of the scale's figures relative to the surrounding text.
 constexpr double kFigureScale = 0.85;
 
@@ -34,8 +34,8 @@ void LevelBar::SetLevel(double level, double fullScale) {
     const double fraction = std::clamp(level / fullScale, 0.0, 1.0);
     if (fraction == fraction_) return;
     const QRectF track = Track();
-    const double from = track.left() + track.width() * std::min(fraction, fraction_) - kRadius;
-    const double to = track.left() + track.width() * std::max(fraction, fraction_) + kRadius;
+    const double from = track.left() + track.width() * std::min(fraction, fraction_) - kTrackRadius;
+    const double to = track.left() + track.width() * std::max(fraction, fraction_) + kTrackRadius;
     fraction_ = fraction;
     update(QRectF(from, track.top(), to - from, track.height()).toAlignedRect());
 }
@@ -87,11 +87,11 @@ void LevelBar::paintEvent(QPaintEvent* event) {
     const QRectF track = Track();
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme.track);
-    painter.drawRoundedRect(track, kRadius, kRadius);
+    painter.drawRoundedRect(track, kTrackRadius, kTrackRadius);
     QRectF filled = track;
     filled.setWidth(track.width() * fraction_);
     painter.setBrush(silent_ ? theme.border : overload_ ? theme.overload : theme.accent);
-    if (fraction_ > 0.0) painter.drawRoundedRect(filled, kRadius, kRadius);
+    if (fraction_ > 0.0) painter.drawRoundedRect(filled, kTrackRadius, kTrackRadius);
     // A change of the level alone does not repaint the marks.
     if (!track.toAlignedRect().contains(event->rect())) PaintMarks(painter, track);
 }
