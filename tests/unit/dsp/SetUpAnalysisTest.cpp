@@ -114,9 +114,12 @@ TEST(SetUpAnalysis, KeepsHistoryAndTails) {
 TEST(SetUpAnalysis, NeedsARate) {
     AnalysisRig rig(32000);
     EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, 0, 20, 100), 0; }), 11);
-    for (const auto& [rate, number] : {std::pair{0, 11}, std::pair{-1, 11}, std::pair{1, 0}}) {
-        EXPECT_EQ(ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, rate, 0, 1), 0; }), number) << rate;
-    }
+    const auto errorAt = [&](std::int32_t rateHz) {
+        return ErrorOf([&] { return modDSP::SetUpAnalysis(*rig.state, rateHz, 0, 1), 0; });
+    };
+    EXPECT_EQ(errorAt(0), 11);
+    EXPECT_EQ(errorAt(-1), 11);
+    EXPECT_EQ(errorAt(1), 0);
 }
 
 }  // namespace
