@@ -1,6 +1,5 @@
 #include "core/mixer/frmSoundVista.h"
 
-#include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex {
@@ -149,10 +148,7 @@ void frmSoundVista::sldSpeakers_Change() {
     }
 }
 
-// The master level counts as a ratio to the speaker level, which is undefined when the speakers are at 0.
 void frmSoundVista::sldMaster_Change() {
-    if (sldMaster.Value() > 0 && sldSpeakers.Enabled() && sldSpeakers.Value() == 0)
-        throw RuntimeError(error_number::kDivisionByZero);
     std::int32_t status = 0;
     sldMaster.SetValue(needs_.library.SetMasterVolume(sldMaster.Value(), status));
 }
