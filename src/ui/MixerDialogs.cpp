@@ -1,10 +1,27 @@
 #include "ui/MixerDialogs.h"
 
+#include <QSlider>
+#include <algorithm>
+
 #include "ui_frmSound.h"
 #include "ui_frmSoundVista.h"
 #include "ui_frmVistaTone.h"
 
 namespace sonavex::ui {
+namespace {
+
+constexpr int kPagePercent = 10;
+
+// Shows a level's steps and its percentage. A page is at least one step, so that page keys and the wheel
+// also reach another level of the card.
+void ShowLevel(QWidget& dialog, const char* name, const Slider& level, int percent) {
+    auto* const slider = dialog.findChild<QSlider*>(name);
+    slider->setSingleStep(level.Step());
+    slider->setPageStep(std::max(kPagePercent, level.Step()));
+    ShowPercent(dialog, name, percent, level.Enabled());
+}
+
+}  // namespace
 
 SoundDialog::SoundDialog(frmSound& form, HandlerGuard& guard, QWidget& parent)
     : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmSound>()) {
@@ -25,7 +42,7 @@ void SoundDialog::Decorate() {
     const std::pair<const char*, const Slider*> sliders[] = {
         {"MasterOut", &form_.MasterOut}, {"WaveOut", &form_.WaveOut}, {"LineOut", &form_.LineOut},
         {"playMic", &form_.playMic},     {"MicIn", &form_.MicIn},     {"LineIn", &form_.LineIn}};
-    for (const auto& [name, slider] : sliders) ShowPercent(*this, name, -slider->Value(), slider->Enabled());
+    for (const auto& [name, slider] : sliders) ShowLevel(*this, name, *slider, -slider->Value());
 }
 
 SoundVistaDialog::SoundVistaDialog(frmSoundVista& form, HandlerGuard& guard, QWidget& parent)
@@ -48,7 +65,7 @@ void SoundVistaDialog::Decorate() {
         {"sldSpeakers", &form_.sldSpeakers}, {"sldMaster", &form_.sldMaster},
         {"sldLinePlay", &form_.sldLinePlay}, {"sldMicPlay", &form_.sldMicPlay},
         {"sldMic", &form_.sldMic},           {"sldLine", &form_.sldLine}};
-    for (const auto& [name, slider] : sliders) ShowPercent(*this, name, slider->Value(), slider->Enabled());
+    for (const auto& [name, slider] : sliders) ShowLevel(*this, name, *slider, slider->Value());
     ui_->capMaster->setEnabled(form_.sldMaster.Enabled());
 }
 

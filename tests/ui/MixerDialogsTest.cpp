@@ -311,6 +311,34 @@ TEST(OlderDialog, SlidersRiseToTheRight) {
     EXPECT_EQ(wave.value(), -100);
 }
 
+// A page is never shorter than a step.
+template <class Dialog, class Form>
+void ExpectStepsOfTheCard(Dialog& dialog, Form& form, std::initializer_list<Slider Form::*> levels) {
+    for (const std::int32_t step : {4, 20, 1}) {
+        for (Slider Form::*level : levels) (form.*level).SetStep(step);
+        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+        for (const QSlider* slider : dialog.template findChildren<QSlider*>()) {
+            EXPECT_EQ(slider->singleStep(), step) << slider->objectName().toStdString();
+            EXPECT_EQ(slider->pageStep(), std::max(10, step)) << slider->objectName().toStdString();
+        }
+    }
+}
+
+TEST(VistaDialog, StepsByTheStepsOfTheCard) {
+    MixerRig rig(10);
+    ExpectStepsOfTheCard<QWidget, frmSoundVista>(
+        rig.dialogs.SoundVista, rig.session.SoundVista,
+        {&frmSoundVista::sldSpeakers, &frmSoundVista::sldMaster, &frmSoundVista::sldLinePlay,
+         &frmSoundVista::sldMicPlay, &frmSoundVista::sldMic, &frmSoundVista::sldLine});
+}
+
+TEST(OlderDialog, StepsByTheStepsOfTheCard) {
+    MixerRig rig(5);
+    ExpectStepsOfTheCard<QWidget, frmSound>(rig.dialogs.Sound, rig.session.Sound,
+                                            {&frmSound::MasterOut, &frmSound::WaveOut, &frmSound::LineOut,
+                                             &frmSound::playMic, &frmSound::MicIn, &frmSound::LineIn});
+}
+
 TEST(OlderDialog, SelectsOneSource) {
     MixerRig rig(5);
     rig.session.ShowSoundCard();

@@ -71,6 +71,10 @@ public:
     }
     void SetMax(std::int32_t max) { SetRange(std::min(min_, max), max); }
 
+    // Distance of one step by the keyboard.
+    std::int32_t Step() const noexcept { return step_; }
+    void SetStep(std::int32_t step) { Assign(step_, step); }
+
     // Call when the user moves the slider (drag, wheel or key): stores the value and raises Change.
     void UserMoves(std::int32_t value) {
         SetValue(value);
@@ -86,6 +90,7 @@ private:
     std::int32_t value_ = 0;
     std::int32_t min_ = 0;
     std::int32_t max_ = 100;
+    std::int32_t step_ = 1;
 };
 
 // A check box: value 1 when checked, 0 when not.

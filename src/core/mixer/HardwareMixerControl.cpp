@@ -44,6 +44,15 @@ bool IsMaster(MixerFunction function) {
     return function == MixerFunction::kMasterVolume || function == MixerFunction::kMasterMute;
 }
 
+// 1 for a placeholder and a control that does not answer.
+std::int32_t StepOf(const MixerElement* element) {
+    try {
+        return element == nullptr ? 1 : StepPercent(element->Range());
+    } catch (const RuntimeError&) {
+        return 1;
+    }
+}
+
 using Pending = std::array<std::optional<std::int32_t>, 2>;
 
 // The pending value for a channel of the hardware. Even channels take the left value, odd ones the right.
@@ -105,7 +114,7 @@ std::string HardwareMixerControl::ControlName() {
 MixerControlDescription HardwareMixerControl::Description() {
     const Entry* const selected = Selected();
     if (selected == nullptr) return {};
-    return {selected->kind->type, 0, MaximumOf(selected->kind->type)};
+    return {selected->kind->type, 0, MaximumOf(selected->kind->type), StepOf(selected->element)};
 }
 
 std::int32_t HardwareMixerControl::Value(std::int16_t channel) {

@@ -52,6 +52,11 @@ std::vector<std::int32_t> AtPercent(const std::vector<std::int32_t>& values, con
     return scaled;
 }
 
+std::int32_t StepPercent(const RawRange& range) noexcept {
+    if (range.maximum <= range.minimum) return 1;
+    return static_cast<std::int32_t>(std::ceil(kWholeScalePercent / Span(range)));
+}
+
 double ToGain(std::int32_t raw, const RawRange& range, const GainRange& gains) noexcept {
     return gains.minimumDb + PartOf(raw, range) * (gains.maximumDb - gains.minimumDb);
 }

@@ -21,6 +21,9 @@ std::int32_t PercentOf(const std::vector<std::int32_t>& values, const RawRange& 
 std::vector<std::int32_t> AtPercent(const std::vector<std::int32_t>& values, const RawRange& range,
                                     std::int32_t percent);
 
+// The smallest whole percentage that always reaches another raw value: ceil(100 / steps of the range).
+std::int32_t StepPercent(const RawRange& range) noexcept;
+
 // Gain of a raw value in decibels.
 double ToGain(std::int32_t raw, const RawRange& range, const GainRange& gains) noexcept;
 // The raw value nearest to a gain; clamped to the range.

@@ -15,6 +15,7 @@ struct MixerControlDescription {
     std::int32_t type = 0;
     std::int32_t minimum = 0;
     std::int32_t maximum = 0;
+    std::int32_t stepPercent = 1;  // smallest whole percentage of the range that changes the hardware's value
 };
 
 // The mixer of one side of a sound device, control by control. Three selectors address a control: line,

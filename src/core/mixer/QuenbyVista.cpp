@@ -72,7 +72,8 @@ void QuenbyVista::SetLevel(MixerFunction function, std::int32_t level, std::int3
     Try(status, [&] {
         const std::vector<std::int32_t> values = element->Read();
         if (PercentOf(values, element->Range()) == wanted) return;
-        element->Write(AtPercent(values, element->Range(), wanted));
+        const std::vector<std::int32_t> nearest = AtPercent(values, element->Range(), wanted);
+        if (nearest != values) element->Write(nearest);
     });
 }
 
@@ -233,6 +234,14 @@ std::int32_t QuenbyVista::GetLineRecordVolume(std::int32_t& status) {
 
 void QuenbyVista::SetLineRecordVolume(std::int32_t level, std::int32_t& status) {
     SetLevel(MixerFunction::kLineRecord, level, status);
+}
+
+std::int32_t QuenbyVista::StepPercent(MixerFunction level) {
+    std::int32_t step = 1;
+    std::int32_t status = 0;
+    if (MixerElement* const element = Find(level, status))
+        Try(status, [&] { step = sonavex::StepPercent(element->Range()); });
+    return step;
 }
 
 }  // namespace sonavex

@@ -14,7 +14,8 @@ namespace sonavex {
 // or it does not answer. No operation throws. Levels are whole percent, 0 to 100; a level outside becomes
 // the nearest limit. A Get returns the present value. A Set acts at once, and the next Get returns the
 // value that the device accepted. Setting the value that Get returns writes nothing, so that balance and
-// steps finer than a percent are kept. A control without an answer reports a fixed default: output and
+// steps finer than a percent are kept. A level takes the nearest raw value, and nothing is written when
+// that is the present one. A control without an answer reports a fixed default: output and
 // record volumes 100, monitoring paths 0 and muted, no monitoring, no boost, tone 0 dB.
 class QuenbyVista {
 public:
@@ -65,6 +66,9 @@ public:
     void SetMicRecordVolume(std::int32_t level, std::int32_t& status);
     std::int32_t GetLineRecordVolume(std::int32_t& status);
     void SetLineRecordVolume(std::int32_t level, std::int32_t& status);
+
+    // The smallest change of a level that always changes the control's raw value; 1 without the control.
+    std::int32_t StepPercent(MixerFunction level);
 
 private:
     MixerElement* Find(MixerFunction function, std::int32_t& status);

@@ -85,6 +85,7 @@ void frmSound::Display(MixerControl& mixer, MixerLocator& entry, Slider& slider,
     entry = ReadLocated(mixer, entry);
     slider.SetEnabled(entry.Available());
     label.SetEnabled(entry.Available());
+    slider.SetStep(entry.Available() ? mixer.Description().stepPercent : 1);
     slider.SetValue(entry.Available() ? -CLng(static_cast<double>(entry.Value)) : 0);
 }
 

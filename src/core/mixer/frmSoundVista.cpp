@@ -72,6 +72,7 @@ void frmSoundVista::RefreshVistaSoundControls() {
     PlaceInputDevice();
     RefreshPlayback();
     RefreshRecord();
+    RefreshSteps();
     needs_.library.GetEQRange(MinimumEqDb, MaximumEqDb, status);
 }
 
@@ -99,6 +100,15 @@ void frmSoundVista::RefreshSpeaker() {
     Display(sldSpeakers, lblSpeaker, CLng(volume / kSpeakerUnitsPerPercent), volume < 0);
     const std::int32_t mute = SelectSpeakerMute() ? needs_.outputMixer.Value(0) : -1;
     Display(chkSpeakerMute, mute > 0, mute < 0);
+}
+
+void frmSoundVista::RefreshSteps() {
+    sldSpeakers.SetStep(SelectSpeakerVolume() ? needs_.outputMixer.Description().stepPercent : 1);
+    sldMaster.SetStep(needs_.library.StepPercent(MixerFunction::kMasterVolume));
+    sldLinePlay.SetStep(needs_.library.StepPercent(MixerFunction::kLineVolume));
+    sldMicPlay.SetStep(needs_.library.StepPercent(MixerFunction::kMicVolume));
+    sldMic.SetStep(needs_.library.StepPercent(MixerFunction::kMicRecord));
+    sldLine.SetStep(needs_.library.StepPercent(MixerFunction::kLineRecord));
 }
 
 void frmSoundVista::PlaceInputDevice() {

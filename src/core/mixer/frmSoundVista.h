@@ -91,6 +91,7 @@ private:
     void PlaceInputDevice();
     void RefreshPlayback();
     void RefreshRecord();
+    void RefreshSteps();
     bool SelectSpeakerVolume();
     bool SelectSpeakerMute();
 

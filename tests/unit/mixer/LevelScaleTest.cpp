@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <limits>
+#include <utility>
+
 #include "core/mixer/LevelScale.h"
 
 namespace sonavex {
@@ -30,6 +33,17 @@ TEST(LevelScale, TakesTheLoudestChannel) {
     EXPECT_THAT(AtPercent({0, 0}, {0, 100}, 40), ElementsAre(40, 40));
     EXPECT_THAT(AtPercent({-5, -20}, {-20, 0}, 0), ElementsAre(-20, -20));
     EXPECT_THAT(AtPercent({150, 75}, {0, 100}, 100), ElementsAre(100, 50)) << "from above the range";
+}
+
+TEST(LevelScale, StepsToAnotherRawValue) {
+    for (const auto& [steps, percent] :
+         {std::pair{1, 100}, std::pair{3, 34}, std::pair{31, 4}, std::pair{64, 2}, std::pair{87, 2},
+          std::pair{99, 2}, std::pair{100, 1}, std::pair{101, 1}, std::pair{65536, 1}})
+        EXPECT_EQ(StepPercent({-10, steps - 10}), percent) << steps;
+    EXPECT_EQ(StepPercent({5, 5}), 1) << "a single value";
+    constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+    EXPECT_EQ(StepPercent({kLowest, kHighest}), 1);
 }
 
 TEST(LevelScale, MapsGainsLinearly) {

@@ -33,6 +33,18 @@ TEST(QuenbyVista, ReturnsTheMasterLevelThatTheDeviceAccepted) {
     }
 }
 
+TEST(QuenbyVista, WritesNothingWhenTheNearestStepIsThePresentOne) {
+    MemoryCard card;
+    card.At(kLineVolume) = MemoryHardware::Level({16, 8}, 31);
+    std::int32_t status = -1;
+    ASSERT_EQ(card.library.GetLinePlayBack(status), 52);
+    for (const std::int32_t level : {51, 52, 53}) card.library.SetLinePlayBack(level, status);
+    EXPECT_THAT(card.Writes(), IsEmpty());
+    card.library.SetLinePlayBack(55, status);
+    EXPECT_THAT(card.Writes(), ElementsAre("Write Speakers/LineVolume 17 9"));
+    EXPECT_EQ(status, 0);
+}
+
 TEST(QuenbyVista, LimitsGainsToTheRange) {
     MemoryCard card;
     std::int32_t status = -1;
