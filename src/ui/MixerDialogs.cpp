@@ -1,5 +1,6 @@
 #include "ui/MixerDialogs.h"
 
+#include <QKeyEvent>
 #include <QSlider>
 #include <algorithm>
 
@@ -27,10 +28,22 @@ SoundDialog::SoundDialog(frmSound& form, HandlerGuard& guard, QWidget& parent)
     : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmSound>()) {
     ui_->setupUi(this);
     BindControls();
+    for (QSlider* slider : findChildren<QSlider*>()) slider->installEventFilter(this);
     Complete();
 }
 
 SoundDialog::~SoundDialog() = default;
+
+// The sliders hold negated levels: Home, which stands for level 0, is their maximum.
+bool SoundDialog::eventFilter(QObject* watched, QEvent* event) {
+    auto* const slider = qobject_cast<QSlider*>(watched);
+    if (slider == nullptr || event->type() != QEvent::KeyPress)
+        return ModelessDialog::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key != Qt::Key_Home && key != Qt::Key_End) return false;
+    slider->triggerAction(key == Qt::Key_Home ? QSlider::SliderToMaximum : QSlider::SliderToMinimum);
+    return true;
+}
 
 void SoundDialog::Align() {
     AlignColumn(

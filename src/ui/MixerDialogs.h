@@ -21,6 +21,9 @@ public:
     SoundDialog(frmSound& form, HandlerGuard& guard, QWidget& parent);
     ~SoundDialog() override;
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void BindControls();
     void Align() override;

@@ -339,6 +339,22 @@ TEST(OlderDialog, StepsByTheStepsOfTheCard) {
                                              &frmSound::playMic, &frmSound::MicIn, &frmSound::LineIn});
 }
 
+TEST(OlderDialog, GoesToTheEndsByKey) {
+    MixerRig rig(5);
+    rig.session.ShowSoundCard();
+    Settle(rig);
+    for (auto* slider : rig.dialogs.Sound.findChildren<QSlider*>()) {
+        QTest::keyClick(slider, Qt::Key_Home);
+        EXPECT_EQ(slider->value(), 0) << slider->objectName().toStdString();
+        QTest::keyClick(slider, Qt::Key_End);
+        EXPECT_EQ(slider->value(), -100) << slider->objectName().toStdString();
+    }
+    QTest::keyClick(&Find<QSlider>(rig.dialogs.Sound, "WaveOut"), Qt::Key_Home);
+    Settle(rig);
+    EXPECT_EQ(rig.mixer.Values(MixerFunction::kWaveVolume)[0], 0);
+    EXPECT_EQ(Find<QLabel>(rig.dialogs.Sound, "percent_WaveOut").text(), "0 %");
+}
+
 TEST(OlderDialog, SelectsOneSource) {
     MixerRig rig(5);
     rig.session.ShowSoundCard();
