@@ -8,6 +8,7 @@
 
 #include "core/ports/SoundErrors.h"
 #include "platform/alsa/AlsaConfiguration.h"
+#include "platform/ring/DeviceDescriptions.h"
 
 namespace sonavex {
 namespace {
@@ -51,6 +52,13 @@ std::string Description(const void* hint, const std::string& name, bool converti
     return (text.empty() ? name : text) + (converting ? " (direct, converting)" : " (direct)");
 }
 
+void Distinguish(std::vector<AlsaDevice>& devices) {
+    SoundDeviceList list;
+    for (const AlsaDevice& device : devices) list.push_back(device.info);
+    DistinguishDescriptions(list);
+    for (std::size_t i = 0; i < list.size(); ++i) devices[i].info = list[i];
+}
+
 bool Known(const std::vector<AlsaDevice>& list, const std::string& name) {
     return std::any_of(list.begin(), list.end(),
                        [&](const AlsaDevice& device) { return device.pcm == name; });
@@ -74,6 +82,7 @@ std::vector<AlsaDevice> ListAlsaDevices(snd_pcm_stream_t direction) {
     }
     std::stable_partition(list.begin(), list.end(),
                           [](const AlsaDevice& device) { return device.Hardware(); });
+    Distinguish(list);
     return list;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/ports/SoundErrors.h"
+#include "platform/ring/DeviceDescriptions.h"
 
 namespace sonavex {
 namespace {
@@ -42,6 +43,7 @@ SoundDeviceList ListPulseDevices(PulseContext& context, PulseDirection direction
     const std::string& first = playback ? defaults.sink : defaults.source;
     std::stable_partition(list.begin(), list.end(),
                           [&](const SoundDeviceInfo& device) { return device.identifier == first; });
+    DistinguishDescriptions(list);
     return list;
 }
 

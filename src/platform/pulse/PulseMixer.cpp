@@ -5,12 +5,21 @@
 #include <utility>
 
 #include "core/ports/SoundErrors.h"
+#include "platform/ring/DeviceDescriptions.h"
 
 namespace sonavex {
 namespace {
 
 PulseDirection DirectionOf(MixerSide side) {
     return side == MixerSide::kPlayback ? PulseDirection::kPlayback : PulseDirection::kCapture;
+}
+
+// The devices under the names that the device list shows.
+SoundDeviceList NamesOf(const std::vector<PulseLevelState>& states) {
+    SoundDeviceList devices;
+    for (const PulseLevelState& state : states) devices.push_back({state.name, state.description, ""});
+    DistinguishDescriptions(devices);
+    return devices;
 }
 
 // A sink or source of the server.
@@ -165,8 +174,8 @@ private:
 std::vector<std::string> PulseMixer::Devices(MixerSide side) {
     std::vector<std::string> names;
     try {
-        for (const PulseLevelState& state : levels_.List(DirectionOf(side)))
-            names.push_back(state.description);
+        for (SoundDeviceInfo& device : NamesOf(levels_.List(DirectionOf(side))))
+            names.push_back(std::move(device.description));
     } catch (const RuntimeError&) {
         names.clear();
     }
@@ -175,10 +184,9 @@ std::vector<std::string> PulseMixer::Devices(MixerSide side) {
 
 PulseLevelState PulseMixer::Find(const MixerDevice& device) {
     const std::vector<PulseLevelState> list = levels_.List(DirectionOf(device.side));
-    const auto found = std::find_if(list.begin(), list.end(), [&](const PulseLevelState& state) {
-        return state.description == device.name && !state.volumes.empty();
-    });
-    if (found != list.end()) return *found;
+    const SoundDeviceList names = NamesOf(list);
+    for (std::size_t i = 0; i < list.size(); ++i)
+        if (names[i].description == device.name && !list[i].volumes.empty()) return list[i];
     throw RuntimeError(sound_error::kNoDriver, "There is no sound device '" + device.name + "'.");
 }
 

@@ -25,7 +25,7 @@ public:
     std::string AlsaCardOf(const MixerDevice& device);
 
 private:
-    // The device with that description; RuntimeError when there is none.
+    // The device of that name; RuntimeError when there is none.
     PulseLevelState Find(const MixerDevice& device);
 
     PulseLevels levels_;

@@ -41,5 +41,14 @@ TEST(AlsaControls, AreFoundByTheDevicesDescription) {
     }
 }
 
+TEST(AlsaControls, OfCardsWithTheSameDescriptionAreTheirOwn) {
+    PlainEventLoop loop;
+    const AlsaSoundSystem quiet(loop);
+    const LoopCards cards(CardList{{"hw:CARD=One,DEV=0", "Twin"}, {"hw:CARD=Two,DEV=0", "Twin"}});
+    const snd_pcm_stream_t direction = SND_PCM_STREAM_PLAYBACK;
+    EXPECT_EQ(AlsaControlOf(direction, "Twin (direct) [alsa:hw:CARD=One,DEV=0]"), "hw:One");
+    EXPECT_EQ(AlsaControlOf(direction, "Twin (direct) [alsa:hw:CARD=Two,DEV=0]"), "hw:Two");
+}
+
 }  // namespace
 }  // namespace sonavex

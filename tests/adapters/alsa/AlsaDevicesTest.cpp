@@ -59,6 +59,14 @@ TEST_F(AlsaDevices, SayThatTheyAreDirectAndWhatServesThem) {
     EXPECT_EQ(list[3].description, "plain (direct)");
 }
 
+TEST_F(AlsaDevices, WithTheSameDescriptionAreKeptApart) {
+    const LoopCards cards(CardList{
+        {"hw:CARD=One,DEV=0", "Twin"}, {"hw:CARD=Two,DEV=0", "Twin"}, {"hw:CARD=Fake,DEV=0", "Fake card"}});
+    EXPECT_EQ(DescriptionOf("alsa:hw:CARD=One,DEV=0"), "Twin (direct) [alsa:hw:CARD=One,DEV=0]");
+    EXPECT_EQ(DescriptionOf("alsa:hw:CARD=Two,DEV=0"), "Twin (direct) [alsa:hw:CARD=Two,DEV=0]");
+    EXPECT_EQ(DescriptionOf("alsa:hw:CARD=Fake,DEV=0"), "Fake card (direct)");
+}
+
 TEST_F(AlsaDevices, OmitWhatDoesNotLeadToACard) {
     const LoopCards cards(CardList{{"bench", "Bench card"}}, R"(
         pcm.default { type plug slave.pcm "bench" hint { show on description "Default" } }

@@ -32,7 +32,7 @@ protected:
         EXPECT_TRUE(session_.losses.empty());
     }
 
-    LoopCards cards_{CardList{{"card", "Test card"}, {"hw:CARD=Fake,DEV=0", "Test card"}}};
+    LoopCards cards_{CardList{{"card", "Test card"}, {"hw:CARD=Fake,DEV=0", "Second Test card"}}};
     LoopCardState& card_ = cards_.State("card");
     AlsaSession session_;
 };

@@ -229,6 +229,41 @@ TEST(PulseMixer, OfASourceByNameIsAMicrophone) {
     EXPECT_NE(status, 0);
 }
 
+SoundDeviceList DevicesOf(SoundSystem& system, MixerSide side) {
+    return side == MixerSide::kPlayback ? system.EnumeratePlayback() : system.EnumerateCapture();
+}
+
+// The identifiers contain MIC. Only the description decides that a source is a microphone.
+TEST(PulseMixer, KeepsDevicesWithTheSameDescriptionApart) {
+    PulseServer server({{"mic.one", 48000, "Twin"}, {"mic.two", 48000, "Twin"}, {"single", 48000, "Single"}});
+    PlainEventLoop loop;
+    PulseMixer mixer(loop, server.Address());
+    PulseSoundSystem system(loop, server.Address());
+    const auto named = [&](MixerSide side, const std::string& identifier) {
+        for (const SoundDeviceInfo& device : DevicesOf(system, side))
+            if (device.identifier == identifier) return device.description;
+        return std::string("not listed");
+    };
+    EXPECT_EQ(named(MixerSide::kPlayback, "mic.one"), "Twin [mic.one]");
+    EXPECT_EQ(named(MixerSide::kPlayback, "mic.two"), "Twin [mic.two]");
+    EXPECT_EQ(named(MixerSide::kPlayback, "single"), "Single");
+    EXPECT_EQ(named(MixerSide::kCapture, "mic.two.monitor"), "Monitor of Twin [mic.two.monitor]");
+    EXPECT_THAT(mixer.Devices(MixerSide::kPlayback),
+                testing::UnorderedElementsAre("Twin [mic.one]", "Twin [mic.two]", "Single"));
+    EXPECT_THAT(mixer.Devices(MixerSide::kCapture),
+                testing::UnorderedElementsAre("Monitor of Twin [mic.one.monitor]",
+                                              "Monitor of Twin [mic.two.monitor]", "Monitor of Single"));
+    QuenbyVista library(mixer);
+    std::int32_t status = -1;
+    library.OpenSoundCard("Twin [mic.two]", "Monitor of Twin [mic.two.monitor]", "", status);
+    library.SetMasterVolume(25, status);
+    EXPECT_EQ(status, 0);
+    static_cast<void>(library.GetLineRecordVolume(status));
+    EXPECT_EQ(status, 0);
+    EXPECT_THAT(server.Control({"get-sink-volume", "mic.one"}), testing::HasSubstr(" 100% "));
+    EXPECT_THAT(server.Control({"get-sink-volume", "mic.two"}), testing::HasSubstr(" 25% "));
+}
+
 TEST(PulseMixer, NamesTheCardBehindADevice) {
     PulseServer server({});
     server.Control({"load-module", "module-null-sink", "sink_name=usb",
