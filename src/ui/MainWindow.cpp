@@ -106,7 +106,7 @@ void MainWindow::ExplainReadings() {
     }
 }
 
-// Lets widgets that change with every block paint their own background.
+// Widgets that change with every block paint their own background, so that nothing behind them is repainted.
 void MainWindow::StandOnGrounds() {
     std::vector<QWidget*> readings{ui_->lblThd,    ui_->LblLevel,  ui_->lblDACLevel, ui_->adcWord,
                                    ui_->dacWord,   ui_->lockWord,  ui_->genLockWord, ui_->picLocked,

@@ -19,9 +19,8 @@
 namespace sonavex {
 
 // The instrument without its forms: meter and generator on a sound card in full duplex, connected to
-// each other. The window, sonavex-measure and the test rigs each own one. They set Shared and Settings,
-// then create the devices, set up the analysis and start the capture through the members, in the order
-// that each of them needs.
+// each other. The window, sonavex-measure and the test rigs each own one. The owner sets Shared and
+// Settings, creates the devices, sets up the analysis and starts the capture.
 class Instrument {
 public:
     // All referenced objects must outlive the instrument.

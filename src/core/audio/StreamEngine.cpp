@@ -16,8 +16,8 @@ constexpr const char* kOneInstance =
 
 constexpr std::int32_t kLowEdgeAfterRestartHz = 20;
 constexpr std::size_t kNotifications = 4;
-// Blocks until the step of a start or an overrun has passed the devices and is captured: the length of the
-// playback buffer.
+// Blocks until the step of a start or an overrun has returned through the devices: the length of the playback
+// buffer.
 constexpr std::int32_t kSettlingBlocks = 8;
 
 }  // namespace
@@ -119,7 +119,7 @@ void StreamEngine::DestroyEvents(const std::function<void()>& beforeEach) {
     }
 }
 
-// Ignored: the event is forgotten like the others.
+// A failure is ignored: the handle is cleared in any case.
 void StreamEngine::DestroyEvent(EventHandle event) {
     if (event == 0) return;
     try {

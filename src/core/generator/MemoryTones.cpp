@@ -24,7 +24,7 @@ private:
     std::string_view fallback_;
 };
 
-// Keys with their defaults; start-up and the start of playback have different ones.
+// Keys with their defaults at start-up. The start of playback uses others: see KeysAtPlayback.
 struct ToneKeys {
     SettingsKey start = keys::kMemoryStart;
     SettingsKey end = keys::kMemoryEnd;

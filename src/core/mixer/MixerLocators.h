@@ -43,7 +43,7 @@ struct LegacyMixer {
     MixerControl& OutputMixer;
     MixerControl& InputMixer;
     MixerLocatorTable MixerLocators{};
-    // True once a handler has written to a mixer.
+    // Set by the first write to a mixer.
     bool MixerChanged = false;
 };
 

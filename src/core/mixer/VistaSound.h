@@ -30,8 +30,8 @@ namespace VistaSound {
 // record volume.
 std::string GetVistaMixerState(QuenbyVista& library);
 
-// The line to save: the present state, but a control that the card lacks keeps its field of the line saved
-// before, so that a default is never saved as if the user had set it.
+// The state to save. A control that the card lacks keeps its field of savedBefore; a default never looks like
+// a setting of the user.
 std::string StateToSave(QuenbyVista& library, std::string_view savedBefore);
 
 // Applies a state line field by field. Errors: 5 (a comma is missing), 13 (a field is empty or does not

@@ -71,8 +71,7 @@ public:
     Label lblMicRecord;
     Label lblLineRecord;
     Label lblOutputMixer;
-    // One of the two shows the input device: the first when the device has a microphone record level,
-    // otherwise the second.
+    // Exactly one shows the input device: lblInputMixer if it has a microphone level, else lblLineInMixer.
     Label lblInputMixer;
     Label lblLineInMixer;
 

@@ -57,8 +57,8 @@ inline constexpr SettingsKey kCurrentType{kSignalGenerator, "Current Signal Type
 inline constexpr SettingsKey kCurrentLoop{kSignalGenerator, "Current Signal Loop", "False"};
 inline constexpr SettingsKey kCurrentLoopIncrement{kSignalGenerator, "Current Signal Loop Increment", "0"};
 inline constexpr SettingsKey kNumberOfTones{kSignalGenerator, "NumberOfTones", "0"};
-// Memory tones, numbered from 1. These are the defaults of start-up; the start of playback has different
-// ones.
+// Memory tones, numbered from 1. Defaults at start-up. The start of playback uses others: see
+// MemoryTones.cpp.
 inline constexpr SettingsKey kMemoryStart{kSignalGenerator, "Memory Signal Start", "1000"};
 inline constexpr SettingsKey kMemoryEnd{kSignalGenerator, "Memory Signal End", "0"};
 inline constexpr SettingsKey kMemorySweepTime{kSignalGenerator, "Memory Signal Sweep Time", "0"};

@@ -39,7 +39,7 @@ bool ServesDirection(const void* hint, snd_pcm_stream_t direction) {
     return only.empty() || only == (direction == SND_PCM_STREAM_PLAYBACK ? "Output" : "Input");
 }
 
-// Leaves out the other names of a card's devices, each of which stands for other conversions.
+// Only hw: names of a card; its other names are conversions of it.
 bool Offered(const std::string& name) {
     if (name.find(':') != std::string::npos) return name.starts_with("hw:");
     return std::find(kPackagePcms.begin(), kPackagePcms.end(), name) == kPackagePcms.end();

@@ -27,8 +27,7 @@ SoundDeviceList Join(SoundSystem& server, SoundSystem& direct, Enumerate enumera
     return list;
 }
 
-// What `create` makes of the server or, where that fails, of the direct devices. When there is no direct
-// device, the failure of the server is thrown.
+// create(server); if that fails, create(direct devices). Without direct devices the server's error is thrown.
 template <class Create>
 auto CreatePrimary(SoundSystem& server, SoundSystem& direct, Create create) {
     std::optional<RuntimeError> failure;

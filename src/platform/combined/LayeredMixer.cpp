@@ -22,8 +22,8 @@ public:
     }
 
 private:
-    // A front with one record level knows which input it belongs to. The back's level for the other input
-    // would be the same control under another name.
+    // If the front has either record level, both belong to it: the back's would be the same control under
+    // another name.
     DeviceMixer& LayerOf(MixerFunction function) {
         const bool record = function == MixerFunction::kMicRecord || function == MixerFunction::kLineRecord;
         const bool atFront = record ? front_->Find(MixerFunction::kMicRecord) != nullptr ||

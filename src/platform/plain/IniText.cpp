@@ -35,8 +35,7 @@ int HexDigit(char character) {
     return -1;
 }
 
-// The character that the text after a backslash stands for, and the length of that text. The length is 0 when
-// the backslash is an ordinary character.
+// Decodes one escape: the character and the length of its code; length 0 if the backslash is literal.
 std::pair<char, std::size_t> Escaped(std::string_view rest) {
     for (const auto& [letter, character] : kEscapes)
         if (!rest.empty() && rest.front() == letter) return {character, 1};

@@ -42,7 +42,7 @@ private:
 
 // Returns a description of the failure, empty for success.
 std::string ReadAll(const std::filesystem::path& file, std::string& text) {
-    // Does not block when a pipe has replaced the file meanwhile.
+    // O_NONBLOCK: the file may have been replaced by a pipe.
     const Descriptor descriptor(file, O_RDONLY | O_NONBLOCK);
     if (descriptor.Number() < 0) return ErrorText(errno);
     std::array<char, 65536> part{};

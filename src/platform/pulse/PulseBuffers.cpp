@@ -64,7 +64,7 @@ std::size_t PulsePlaybackBuffer::DelayFrames(pa_stream* stream, std::size_t writ
     if (timing != nullptr && timing->playing != 0 &&
         pa_stream_get_latency(stream, &latencyUs, &negative) == 0)
         return negative != 0 ? 0 : latencyUs * rateHz_ / PA_USEC_PER_SEC;
-    // Not started or not measured yet: the server starts once its buffer is full.
+    // No timing yet: the server starts playback when its buffer is full.
     const std::size_t full = pa_stream_get_buffer_attr(stream)->tlength / kFrameBytes;
     return full - std::min(writing, full);
 }

@@ -60,7 +60,7 @@ private:
     std::string card_;
     bool virtual_ = false;  // the device is software
     bool suspended_ = false;
-    // The server's rate, where virtual devices do not run at the rate that they report; otherwise 0.
+    // The server's rate if virtual devices misreport theirs; otherwise 0.
     std::uint32_t graphRateHz_ = 0;
     Volume device_;
     Volume stream_;

@@ -79,7 +79,7 @@ bool ReplaceIniFile(const std::filesystem::path& file, const IniSections& sectio
     const auto target = std::filesystem::weakly_canonical(file, error);
     if (error) return false;
     const auto next = NewFileBeside(target);
-    // May have been left by a process that was killed. QSettings respects such a lock for 30 seconds.
+    // Removes what a killed process left. QSettings would respect its lock for 30 s.
     std::filesystem::remove(next, error);
     std::filesystem::remove(next.string() + ".lock", error);
     if (!Write(next, sections)) return false;

@@ -21,7 +21,7 @@ void CaptureRing::Start() noexcept {
 
 void CaptureRing::Stop() noexcept {
     running_.store(false);
-    // A push takes at most as long as copying one device period.
+    // A push takes no longer than copying one device period.
     while (pushing_.load()) std::this_thread::yield();
 }
 

@@ -9,9 +9,9 @@
 
 namespace sonavex {
 
-// Compares the clock of a device with that of the system. The lead is the duration of the frames that the
-// device has moved, at their nominal rate, less the time since the first of them. The lead of a device with a
-// fast clock grows. Moved is for one audio thread, Lead for any; neither takes a lock or memory.
+// Compares the clock of a device with that of the system. Lead = duration of the moved frames at their
+// nominal rate minus the elapsed time. A fast clock makes it grow. Moved is for one audio thread, Lead for
+// any; neither takes a lock or memory.
 class ClockMeter {
 public:
     using Clock = std::chrono::steady_clock;

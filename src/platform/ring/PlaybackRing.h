@@ -23,9 +23,8 @@ public:
 
     void Write(std::int32_t offset, std::span<const std::int16_t> samples);
 
-    // Both 0 while stopped. The write cursor is the next frame that the device will take. The play cursor
-    // lies behind it by the frames of this ring that the device still holds; it never lies before the
-    // position that was set last.
+    // Both are 0 while stopped. Write: next frame that the device takes. Play: write minus the frames of this
+    // ring still in the device, never before the position last set.
     BufferCursors Cursors() const noexcept;
     void SetPosition(std::int32_t offset);
     void Play() noexcept { playing_.store(true); }

@@ -6,8 +6,8 @@
 
 #include "core/support/BlockSize.h"
 
-// How much sound an adapter lets wait between a ring and its device. The stream engine works on blocks
-// of 2048 frames and keeps its cursors three blocks apart.
+// Latency limits of the adapters. The stream engine works on blocks of 2048 frames and keeps its cursors
+// three blocks apart.
 namespace sonavex::stream_timing {
 
 // The longest output delay that the engine's distance between the cursors allows for.

@@ -183,7 +183,7 @@ TEST_F(AlsaFaults, FiftyRapidCyclesLeaveNothingBehind) {
     EXPECT_LT(static_cast<double>(mallinfo2().uordblks) - static_cast<double>(bytes), 16384.0);
 }
 
-// Signals raised on the audio thread check what that thread has allocated since the first.
+// Signals raised on the audio thread record its allocations since the first signal.
 class CountingLoop : public PlainEventLoop {
 public:
     std::unique_ptr<Signal> CreateSignal(std::function<void()>) override {

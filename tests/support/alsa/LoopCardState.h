@@ -15,9 +15,8 @@ struct LoopCardState {
     std::atomic<std::uint32_t> stalled;    // its clock is stopped
     std::atomic<std::uint32_t> suspended;  // as after the computer's sleep
     std::atomic<std::uint32_t> failing;    // every stream is interrupted as soon as it runs
-    // Frames on the cable: frame n (counted since the clock's zero, at the stream's rate) is at n modulo
-    // kFrames. The low half holds its two samples, the high half n plus one, so that old frames are not
-    // played again.
+    // Ring of played frames, numbered from the clock's zero at the stream's rate. Frame n is at n % kFrames:
+    // low half the samples, high half n + 1, which detects stale frames.
     std::atomic<std::uint64_t> frames[kFrames];
 };
 

@@ -54,7 +54,8 @@ public:
     // Disables restarts of the program, so that its counts grow. It may still end by itself.
     void LeaveRunning() noexcept { restarts_ = false; }
 
-    // Runs `blocks` blocks. `checkEvery`: blocks between the checks of readings, whose own blocks are extra.
+    // Runs at least `blocks` blocks, including those of the checks. `checkEvery`: blocks from the end of a
+    // check of readings to the start of the next.
     void Run(std::uint64_t blocks, std::uint64_t checkEvery);
     const Report& Result() const noexcept { return report_; }
 

@@ -67,8 +67,8 @@ protected:
         std::ofstream(SettingsFile()) << text;
     }
 
-    // Runs the test's story twice in one process, with a new program each time. What the first run leaves
-    // behind belongs to the libraries; what the second adds is a leak.
+    // Runs the story twice in one process, with a new program each time. The first run loads the libraries;
+    // whatever the second adds is a leak.
     template <class Story>
     void Twice(Story story) {
         Run(story);

@@ -94,7 +94,7 @@ TEST_F(UnusableTones, HaveAnEndThatMattersOnlyForASweep) {
     EXPECT_EQ(Tone().Frequency, 200.0);
 }
 
-// A step that does not match its sweep: the sweep ends at its end, and playing never stops.
+// A stored step that does not fit its sweep: the sweep stops at its end frequency.
 TEST_F(UnusableTones, WithAStepTooLargePlayOn) {
     Select(0);
     Store("Memory Signal Start 1", "1000");
