@@ -4,8 +4,8 @@
 arrows.py TABLE SRC
 Each line of TABLE is "folder: folders whose headers it may include"; tools/arrows.txt describes it. Headers are
 named by their path from SRC. A name without a folder is a header that the build makes from a form of ui.
-Prints file:line for every other include. The edges of TABLE must not form a cycle. Exit status 0 when there is
-nothing to print.
+Prints file:line for every other include, and every edge of TABLE that no include uses. The edges of TABLE must not
+form a cycle. Exit status 0 when there is nothing to print.
 """
 
 import graphlib
@@ -50,15 +50,18 @@ def violations(rows, root):
         yield f"{root}: there are no sources"
     for folder in sorted(folders ^ set(rows)):
         yield f"{root}/{folder}: " + ("is not in the table" if folder in folders else "is in the table but has no sources")
+    unused = {(folder, target) for folder in folders & set(rows) for target in rows[folder]}
     for source in sources:
         folder = str(source.parent.relative_to(root))
-        allowed = rows.get(folder, {"*"}) | {folder}
         for number, name in included(source, root):
             target = str(pathlib.PurePath(name).parent) if "/" in name else "ui"
+            unused.discard((folder, target))
             if "/" in name and not (root / name).exists():
                 yield f'{source}:{number}: "{name}" is not a path from {root}'
-            elif "*" not in allowed and target not in allowed:
+            elif folder in rows and target not in rows[folder] | {folder}:
                 yield f'{source}:{number}: {folder} must not include "{name}"'
+    for folder, target in sorted(unused):
+        yield f"The table allows {folder} to include {target}, but no include does"
 
 
 def main():

@@ -10,7 +10,7 @@ ARROWS = pathlib.Path(__file__).resolve().parents[1] / "tools/arrows.py"
 TABLE = """# low is below high.
 low:
 high: low
-all: *
+all: low high
 """
 
 
@@ -63,8 +63,13 @@ class Arrows(unittest.TestCase):
         self.assertEqual(self.check()[0], 1)
 
     def test_a_cycle_in_the_table_fails(self):
-        self.assertEqual(self.check("low: high\nhigh: low\nall: *\n"),
+        self.write("low/A.cpp", '#include "high/B.h"\n')
+        self.assertEqual(self.check("low: high\nhigh: low\nall: low high\n"),
                          (1, ["The table has a cycle: low -> high -> low"]))
+
+    def test_an_edge_that_no_include_uses_fails(self):
+        self.write("all/Main.cpp", '#include "high/B.h"\n')
+        self.assertEqual(self.check(), (1, ["The table allows all to include low, but no include does"]))
 
     def test_rows_without_sources_fail(self):
         self.assertEqual(self.check(TABLE + "gone: low\n"), (1, ["gone: is in the table but has no sources"]))
