@@ -25,7 +25,7 @@ using testing::HasSubstr;
 const NullSink kCard{"card", 48000, "TestCard"};
 const NullSink kOther{"other", 48000, "OtherCard"};
 
-// The instrument without its window on a server, capturing the monitor of its own sink.
+// The instrument without its window on a server, capturing the monitor of the sink that it plays on.
 class Instrument : public WorldOf<PlainEventLoop> {
 public:
     explicit Instrument(const SoundServer& server) : sound(loop, server.Address()) {
