@@ -1,5 +1,6 @@
 #include "platform/ring/CaptureRing.h"
 
+#include <algorithm>
 #include <thread>
 #include <utility>
 
@@ -25,14 +26,14 @@ void CaptureRing::Stop() noexcept {
     while (pushing_.load()) std::this_thread::yield();
 }
 
-template <class Source>
-bool CaptureRing::PushFrom(Source source, std::size_t frames) noexcept {
+template <class FrameAt>
+bool CaptureRing::PushFrames(FrameAt frameAt, std::size_t frames) noexcept {
     pushing_.store(true);
     const bool running = running_.load();
     if (running) {
         if (rewind_.exchange(false)) next_ = 0;
         for (std::size_t i = 0; i < frames; ++i) {
-            source(i, next_);
+            frames_.Store(next_, frameAt(i));
             Notify(next_);
             next_ = next_ + 1 == frames_.Size() ? 0 : next_ + 1;
         }
@@ -51,19 +52,32 @@ void CaptureRing::Notify(std::size_t frame) noexcept {
 }
 
 void CaptureRing::Push(const std::int16_t* samples, std::size_t frames) noexcept {
-    PushFrom([&](std::size_t i, std::size_t at) { frames_.Store(at, samples[2 * i], samples[2 * i + 1]); },
-             frames);
+    PushFrames([&](std::size_t i) { return Frame16{samples[2 * i], samples[2 * i + 1]}; }, frames);
+}
+
+void CaptureRing::Push(const std::int32_t* samples, std::size_t frames) noexcept {
+    PushFrames([&](std::size_t i) { return FineFrame{samples[2 * i], samples[2 * i + 1]}; }, frames);
 }
 
 void CaptureRing::PushSilence(std::size_t frames) noexcept {
-    if (PushFrom([&](std::size_t, std::size_t at) { frames_.Store(at, 0, 0); }, frames))
+    if (PushFrames([](std::size_t) { return FineFrame{}; }, frames))
         missing_.fetch_add(frames, std::memory_order_relaxed);
 }
 
 void CaptureRing::Read(std::int32_t offset, std::span<std::int16_t> samples) const {
-    frames_.CheckRange(offset, samples.size());
-    const auto first = static_cast<std::size_t>(offset / kFrameBytes);
-    for (std::size_t i = 0; i < samples.size() / 2; ++i) frames_.Load(first + i, &samples[2 * i]);
+    const std::size_t first = frames_.CheckedRange(offset, samples.size());
+    for (std::size_t i = 0; i < samples.size() / 2; ++i) {
+        const Frame16 frame = frames_.Load16(first + i);
+        std::copy(frame.begin(), frame.end(), &samples[2 * i]);
+    }
+}
+
+void CaptureRing::ReadFine(std::int32_t offset, std::span<std::int32_t> samples) const {
+    const std::size_t first = frames_.CheckedRange(offset, samples.size());
+    for (std::size_t i = 0; i < samples.size() / 2; ++i) {
+        const FineFrame frame = frames_.LoadFine(first + i);
+        std::copy(frame.begin(), frame.end(), &samples[2 * i]);
+    }
 }
 
 CaptureStatistics CaptureRing::Statistics() const noexcept {

@@ -32,18 +32,21 @@ public:
     // Waits for a push that is under way. No signal is raised afterwards.
     void Stop() noexcept;
 
-    // Interleaved stereo, 2 x frames samples.
+    // Interleaved stereo, 2 x frames samples, of 16 bits or left-justified in 32.
     void Push(const std::int16_t* samples, std::size_t frames) noexcept;
+    void Push(const std::int32_t* samples, std::size_t frames) noexcept;
     // Silence in place of frames that the device left out; they are counted as missing.
     void PushSilence(std::size_t frames) noexcept;
 
+    // Rounds half to even to 16 bits, and saturates.
     void Read(std::int32_t offset, std::span<std::int16_t> samples) const;
+    void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) const;
     CaptureStatistics Statistics() const noexcept;
 
 private:
     // False when the ring is stopped and nothing was stored.
-    template <class Source>
-    bool PushFrom(Source source, std::size_t frames) noexcept;
+    template <class FrameAt>
+    bool PushFrames(FrameAt frameAt, std::size_t frames) noexcept;
     void Notify(std::size_t frame) noexcept;
 
     RingFrames frames_;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace sonavex {
@@ -11,6 +10,9 @@ namespace {
 constexpr double kRampSeconds = 0.005;
 constexpr std::int32_t kSilence = -10000;
 constexpr std::uint32_t kMostHandedOver = std::numeric_limits<std::uint32_t>::max();
+
+template <class Sample>
+constexpr int kBitsOf = 8 * sizeof(Sample);
 
 }  // namespace
 
@@ -29,9 +31,10 @@ PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
     return old;
 }
 
-void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
+template <class Sample>
+void PlaybackRing::PullAs(Sample* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
     if (!playing_.load()) {
-        std::memset(samples, 0, frames * kFrameBytes);
+        std::fill_n(samples, 2 * frames, Sample{0});
         audible_ = false;
         return;
     }
@@ -40,35 +43,70 @@ void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t d
     const Place from = Claim(frames);
     // Saturates as the count of frames does.
     delay_.store(static_cast<std::uint32_t>(std::min<std::size_t>(deviceDelay + frames, kMostHandedOver)));
-    std::size_t at = from.frame;
-    for (std::size_t i = 0; i < frames; ++i) {
-        frames_.Load(at, samples + 2 * i);
-        at = at + 1 == frames_.Size() ? 0 : at + 1;
-    }
-    Amplify(samples, frames);
+    const int bits = std::min(bits_.load(std::memory_order_relaxed), kBitsOf<Sample>);
+    if (gain_ != 1.0 || targetGain_.load() != 1.0) return Amplify(from.frame, samples, frames, bits);
+    if constexpr (kBitsOf<Sample> == 16)
+        if (bits == 16) return Copy16(from.frame, samples, frames);
+    Copy(from.frame, samples, frames, bits);
 }
 
-void PlaybackRing::Amplify(std::int16_t* samples, std::size_t frames) noexcept {
+void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
+    PullAs(samples, frames, deviceDelay);
+}
+
+void PlaybackRing::Pull(std::int32_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
+    PullAs(samples, frames, deviceDelay);
+}
+
+void PlaybackRing::Copy16(std::size_t at, std::int16_t* samples, std::size_t frames) const noexcept {
+    for (std::size_t i = 0; i < frames; ++i, at = After(at)) {
+        const Frame16 frame = frames_.Load16(at);
+        std::copy(frame.begin(), frame.end(), samples + 2 * i);
+    }
+}
+
+template <class Sample>
+void PlaybackRing::Copy(std::size_t at, Sample* samples, std::size_t frames, int bits) const noexcept {
+    for (std::size_t i = 0; i < frames; ++i, at = After(at)) {
+        const FineFrame frame = frames_.LoadFine(at);
+        for (std::size_t channel = 0; channel < 2; ++channel) {
+            const std::int32_t sample = bits < 32 ? Rounded(frame[channel], bits) : frame[channel];
+            samples[2 * i + channel] = static_cast<Sample>(sample >> (32 - kBitsOf<Sample>));
+        }
+    }
+}
+
+template <class Sample>
+void PlaybackRing::Amplify(std::size_t at, Sample* samples, std::size_t frames, int bits) noexcept {
     const double target = targetGain_.load();
-    if (gain_ == 1.0 && target == 1.0) return;
     if (target != rampTarget_) {
         rampTarget_ = target;
         gainStep_ = std::abs(target - gain_) * rampShare_;
     }
-    for (std::size_t i = 0; i < frames; ++i) {
+    // The gain is at most 1, so that only rounding can exceed full scale.
+    const double step = std::exp2(32 - bits);
+    const double highest = std::exp2(bits - 1) - 1.0;
+    const auto unit = static_cast<Sample>(std::int64_t{1} << (kBitsOf<Sample> - bits));
+    for (std::size_t i = 0; i < frames; ++i, at = After(at)) {
         gain_ += std::clamp(target - gain_, -gainStep_, gainStep_);
+        const FineFrame frame = frames_.LoadFine(at);
         for (std::size_t channel = 0; channel < 2; ++channel) {
-            std::int16_t& sample = samples[2 * i + channel];
-            sample = static_cast<std::int16_t>(std::lrint(gain_ * sample));
+            const double steps = std::min(gain_ / step * frame[channel], highest);
+            samples[2 * i + channel] = static_cast<Sample>(std::lrint(steps) * unit);
         }
     }
 }
 
 void PlaybackRing::Write(std::int32_t offset, std::span<const std::int16_t> samples) {
-    frames_.CheckRange(offset, samples.size());
-    const auto first = static_cast<std::size_t>(offset / kFrameBytes);
+    const std::size_t first = frames_.CheckedRange(offset, samples.size());
     for (std::size_t i = 0; i < samples.size() / 2; ++i)
-        frames_.Store(first + i, samples[2 * i], samples[2 * i + 1]);
+        frames_.Store(first + i, Frame16{samples[2 * i], samples[2 * i + 1]});
+}
+
+void PlaybackRing::WriteFine(std::int32_t offset, std::span<const std::int32_t> samples) {
+    const std::size_t first = frames_.CheckedRange(offset, samples.size());
+    for (std::size_t i = 0; i < samples.size() / 2; ++i)
+        frames_.Store(first + i, FineFrame{samples[2 * i], samples[2 * i + 1]});
 }
 
 BufferCursors PlaybackRing::Cursors() const noexcept {

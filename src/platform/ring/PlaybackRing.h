@@ -10,18 +10,25 @@
 namespace sonavex {
 
 // The looping memory of a playback buffer. An audio thread pulls the samples that the device needs. The ring
-// applies the volume and keeps the cursors. Pull is for one audio thread and takes no lock and no memory;
-// everything else is for the user-interface thread.
+// applies the volume, rounds to the device's bits and keeps the cursors. Pull is for one audio thread and
+// takes no lock and no memory; everything else is for the user-interface thread.
 class PlaybackRing {
 public:
     // Error 5 unless `bytes` is a positive multiple of a frame. rateHz sets the length of the volume ramp.
     PlaybackRing(std::int32_t bytes, std::int32_t rateHz);
 
     // Fills `samples` (2 x frames) with the next frames, or with silence while stopped. deviceDelay is the
-    // number of frames that the device took earlier and has not made audible yet.
+    // number of frames that the device took earlier and has not made audible yet. Samples of 32 bits are
+    // left-justified. After the volume, each sample is rounded half to even, once.
     void Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
+    void Pull(std::int32_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
+
+    // The bits of the device, 8 to 32; at first 16. Any thread.
+    void SetBits(int bits) noexcept { bits_.store(bits, std::memory_order_relaxed); }
 
     void Write(std::int32_t offset, std::span<const std::int16_t> samples);
+    // Left-justified samples of 32 bits.
+    void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples);
 
     // Both are 0 while stopped. Write: next frame that the device takes. Play: write minus the frames of this
     // ring still in the device, never before the position last set.
@@ -43,13 +50,23 @@ private:
         std::uint32_t handedOver;
     };
     Place Claim(std::size_t frames) noexcept;
-    void Amplify(std::int16_t* samples, std::size_t frames) noexcept;
+    template <class Sample>
+    void PullAs(Sample* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
+    void Copy16(std::size_t at, std::int16_t* samples, std::size_t frames) const noexcept;
+    template <class Sample>
+    void Copy(std::size_t at, Sample* samples, std::size_t frames, int bits) const noexcept;
+    template <class Sample>
+    void Amplify(std::size_t at, Sample* samples, std::size_t frames, int bits) noexcept;
+    std::size_t After(std::size_t frame) const noexcept {
+        return frame + 1 == frames_.Size() ? 0 : frame + 1;
+    }
 
     RingFrames frames_;
     std::atomic<Place> place_{Place{0, 0}};
     std::atomic<std::uint32_t> delay_{0};  // frames in the device after the last Pull
     std::atomic<bool> playing_{false};
     std::atomic<double> targetGain_{1.0};
+    std::atomic<int> bits_{16};
     // Audio thread.
     bool audible_ = false;  // the last Pull was not silence because of Stop
     double gain_ = 1.0;
