@@ -272,7 +272,7 @@ TYPED_TEST_P(EventLoopContract, TimerAHandlerThatYieldsIsNotCalledInsideItself) 
     EXPECT_EQ(deepest, 1);
 }
 
-TYPED_TEST_P(EventLoopContract, TimerGoesOnAfterAnErrorInItsHandler) {
+TYPED_TEST_P(EventLoopContract, TimerContinuesAfterAnErrorInItsHandler) {
     EventLoop& loop = this->Loop();
     int ticks = 0;
     loop.StartTimer(1ms, [&] {
@@ -306,6 +306,6 @@ REGISTER_TYPED_TEST_SUITE_P(EventLoopContract, SignalsAreDeliveredInTheOrderInWh
                             TimerDoesNotMakeUpForLateTicks, TimerAHandlerMayStopItsOwnTimer,
                             TimerAHandlerMayStopAnotherTimerThatIsDue,
                             TimerAHandlerThatYieldsIsNotCalledInsideItself,
-                            TimerGoesOnAfterAnErrorInItsHandler, TimerStoppingAnUnknownTimerIsIgnored);
+                            TimerContinuesAfterAnErrorInItsHandler, TimerStoppingAnUnknownTimerIsIgnored);
 
 }  // namespace sonavex

@@ -26,7 +26,7 @@ protected:
     frmAbout about{launcher, dialogs, "Sonavex", {2, 1, 14, "Distortion meter"}};
 };
 
-TEST_F(AboutDialogWindow, TellsWhatTheProgramIs) {
+TEST_F(AboutDialogWindow, StatesWhatTheProgramIs) {
     With([](QDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "About Sonavex");
         EXPECT_EQ(Find<QLabel>(dialog, "lblTitle").text(), "Sonavex");

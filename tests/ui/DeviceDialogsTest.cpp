@@ -194,7 +194,7 @@ TEST_F(DeviceDialogs, WithoutAnEngineClosingAsksAndMayEndTheProgram) {
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
-TEST_F(DeviceDialogs, WithoutAnEngineTheSelectionStaysOpenWhenToldTo) {
+TEST_F(DeviceDialogs, WithoutAnEngineTheSelectionCanBeKeptOpen) {
     FailToStart();
     bool stayed = false;
     Load({[&](QDialog& error) {
@@ -275,7 +275,7 @@ TEST_F(DeviceDialogs, AnErrorOverTheSelectionEndsTheProgramThroughBoth) {
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
-TEST_F(DeviceDialogs, AnErrorOverTheSelectionLetsItGoOn) {
+TEST_F(DeviceDialogs, AnErrorOverTheSelectionLeavesItUsable) {
     Load();
     FailToStart();
     SelectFromMenu({[](QDialog& dialog) { Click(dialog, "cmdOkay"); },

@@ -78,7 +78,7 @@ TEST_F(MemoryTonesOnTheTab, PlayWithTheListLocked) {
     EXPECT_TRUE(Memory().ToneList.Selected(2));
 }
 
-TEST_F(MemoryTonesOnTheTab, TellTheSweepOfTheOnlyOneThatSweeps) {
+TEST_F(MemoryTonesOnTheTab, ShowTheOnlySweep) {
     Add("500", 0);
     Add("1000", 1000);
     ClickEntry(0);
@@ -148,7 +148,7 @@ TEST_F(SweepWords, FollowTheCurrentSignal) {
 }
 
 // A sweep time set while a steady tone plays takes effect at the next start.
-TEST_F(SweepWords, TellNoSweepThatDoesNotMove) {
+TEST_F(SweepWords, AreEmptyForASweepThatDoesNotMove) {
     Click("Command1");
     TypeAndReturn("txtSweepTime", "1000");
     Advance(100);

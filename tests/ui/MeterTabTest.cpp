@@ -140,7 +140,7 @@ TEST_F(MeterTab, ShowsARunTimeErrorAndLivesOn) {
     EXPECT_EQ(Text("lockWord"), "LOCKED");
 }
 
-TEST_F(MeterTab, TellsOverloadFromSilence) {
+TEST_F(MeterTab, DistinguishesOverloadFromSilence) {
     Step(1);
     EXPECT_EQ(Text("LblLevel"), "Ovr");
     EXPECT_EQ(Text("adcWord"), "NO SIGNAL");

@@ -86,7 +86,7 @@ TEST_F(AlsaDevices, OmitWhatDoesNotLeadToACard) {
     EXPECT_THAT(Inputs(), ElementsAre("", "alsa:bench"));
 }
 
-TEST_F(AlsaDevices, TellDefinitionsThatConvert) {
+TEST_F(AlsaDevices, MarkDefinitionsThatConvert) {
     const LoopCards cards(CardList{{"bench", "Bench card"}}, R"(
         pcm_slave.bench { pcm "bench" }
         pcm.copied { type copy slave bench hint { show on description "Copied" } }

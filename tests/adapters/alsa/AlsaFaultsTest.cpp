@@ -98,7 +98,7 @@ TEST_F(AlsaFaults, FailingAgainAndAgainIsALossAndCostsNoTime) {
 }
 
 // The card's clock jumps, as when the machine does not serve it for that long.
-TEST_F(AlsaFaults, BeingServedTooLateIsCountedAndGoesOn) {
+TEST_F(AlsaFaults, LateServiceIsCountedAndSoundContinues) {
     OpenAndRun();
     EXPECT_EQ(session_.playback->Underruns(), 0U);
     EXPECT_EQ(session_.capture->Statistics().framesMissing, 0U);

@@ -112,7 +112,7 @@ TEST(AlsaRates, ThatACardLacksAreConvertedAndSaidToBe) {
     EXPECT_NEAR(levels[1], -5000, 3);
 }
 
-TEST(AlsaRates, ThatACardHasStayExactBesideConvertedOnes) {
+TEST(AlsaRates, OfTheCardStayExactWhereOthersAreConverted) {
     const LoopCards cards(CardList{{kHardware, "Test card", {48000, 44100}}});
     ExpectNotes(kHardwareId, 22050,
                 "The sound device 'Test card (direct)' does not run at 22050 Hz: its samples are converted "

@@ -122,7 +122,7 @@ TEST(NoPrinterTest, SaysSoAndOffersTheFile) {
     EXPECT_EQ(printer.Printers().preferred, "");
 }
 
-TEST(NoPrintServerTest, IsToldFromNoPrinter) {
+TEST(NoPrintServerTest, DiffersFromNoPrinter) {
     const PrivateFolder folder;
     const ScopedVariable nobody("CUPS_SERVER", folder.Path() / "sock");
     const InstalledPrinters present = QtPrinter().Printers();
@@ -130,7 +130,7 @@ TEST(NoPrintServerTest, IsToldFromNoPrinter) {
     EXPECT_EQ(present.trouble, "The print system is not running.");
 }
 
-TEST(NoPrintSystemTest, IsToldFromNoPrinter) {
+TEST(NoPrintSystemTest, DiffersFromNoPrinter) {
     const PrivateFolder folder;
     const ScopedVariable path("PATH", folder.Path());
     QtPrinter printer;

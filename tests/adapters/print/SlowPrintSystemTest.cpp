@@ -67,14 +67,14 @@ private:
     QTimer timer_;
 };
 
-TEST_F(SlowPrintSystem, TimersGoOnUntilThePrintersAreKnown) {
+TEST_F(SlowPrintSystem, TimersRunUntilThePrintersAreKnown) {
     Program("lpstat", "sleep 0.5; echo Office");
     EXPECT_GE(Press(), 500ms);
     EXPECT_GE(ticksBeforeDialog, 20);
     EXPECT_EQ(note, "");
 }
 
-TEST_F(SlowPrintSystem, TimersGoOnBetweenAndDuringTheCopies) {
+TEST_F(SlowPrintSystem, TimersRunBetweenAndDuringTheCopies) {
     Program("lp", "cat > /dev/null; sleep 0.2; echo lp >> " + Calls());
     user = Copies("3");
     EXPECT_GE(Press(), 600ms);
@@ -107,7 +107,7 @@ TEST_F(SlowPrintSystem, PassesOnWhatThePrintSystemSaysInsteadOfPrinters) {
     EXPECT_EQ(note, "Forbidden. The report can be written to a PDF file.");
 }
 
-TEST(PageTest, ThatCannotBeBegunIsToldAtTheEndOfTheDocument) {
+TEST(PageTest, ThatCannotBeBegunIsReportedAtTheEndOfTheDocument) {
     QtPrinter printer;
     PageSetUp page;
     page.width = -1.0;

@@ -214,7 +214,7 @@ TEST(PulseLoss, ServerStoppedOnPipeWire) {
     CheckPauseOf(server);
 }
 
-TEST(PulseLoss, ServerStandsStill) {
+TEST(PulseLoss, ServerStalls) {
     PulseServer server({kUsedCard});
     Session session(server);
     session.Open("card");

@@ -40,7 +40,7 @@ TEST(DiagnosticsOnAServer, NameItsDevicesFormatsAndVersion) {
     EXPECT_THAT(*report, HasSubstr("=== pulseaudio --version ==="));
 }
 
-TEST(DiagnosticsOnAServer, DoNotWaitLongForOneThatStandsStill) {
+TEST(DiagnosticsOnAServer, DoNotWaitLongForAStoppedOne) {
     PulseServer server({{"card", 48000, "TestCard"}});
     server.Pause();
     QtDiagnostics diagnostics({{"pactl", {"info"}}, {"pactl", {"list", "sinks"}}, {"pactl", {"--version"}}});

@@ -77,7 +77,7 @@ TEST_F(DiagnosticsTest, AreNoneWithoutAnyProgram) {
     EXPECT_FALSE(report.has_value());
 }
 
-TEST_F(DiagnosticsTest, TellHowAProgramFailed) {
+TEST_F(DiagnosticsTest, ReportHowAProgramFailed) {
     Collect({Program("failing", "echo no server; exit 3"), Program("crashing", "kill -SEGV $$")});
     ASSERT_TRUE(report.has_value());
     EXPECT_THAT(*report, HasSubstr("no server\n(ended with status 3)\n"));

@@ -60,7 +60,7 @@ TEST_F(QtDialogsTest, AMessageHasTitleTextIconAndOneButton) {
     expect(MessageIcon::kCritical, QMessageBox::Critical);
 }
 
-TEST_F(QtDialogsTest, AskingTellsOkFromEverythingElse) {
+TEST_F(QtDialogsTest, AskOkCancelIsTrueForOkOnly) {
     const auto answer = [&](const std::function<void(QMessageBox&)>& act) {
         bool result = false;
         WithBox([&] { result = dialogs_.AskOkCancel("Delete?\rReally?"); },
@@ -80,7 +80,7 @@ TEST_F(QtDialogsTest, AskingTellsOkFromEverythingElse) {
     EXPECT_FALSE(answer([](QMessageBox& box) { box.close(); }));
 }
 
-TEST_F(QtDialogsTest, AskingTellsYesFromEverythingElse) {
+TEST_F(QtDialogsTest, AskYesNoIsTrueForYesOnly) {
     const auto answer = [&](const std::function<void(QMessageBox&)>& act) {
         bool result = false;
         WithBox([&] { result = dialogs_.AskYesNo("Proceed?"); },
@@ -162,7 +162,7 @@ TEST_F(QtDialogsTest, ABoxHasTheUsualPointerWhileBusy) {
     dialogs_.SetBusyPointer(false);
 }
 
-TEST_F(QtDialogsTest, SignalsAndTimersGoOnWhileABoxIsOpen) {
+TEST_F(QtDialogsTest, SignalsAndTimersRunWhileABoxIsOpen) {
     QtEventLoop loop({});
     std::atomic<bool> ended{false};
     int rings = 0;

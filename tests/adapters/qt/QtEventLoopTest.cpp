@@ -109,7 +109,7 @@ TEST_F(QtEventLoopTest, YieldReturnsWithoutWaiting) {
     EXPECT_LT(loop_.Now() - start, 2s);
 }
 
-TEST_F(QtEventLoopTest, SignalsGoOnInTheLoopThatAHandlerOpened) {
+TEST_F(QtEventLoopTest, SignalsArriveInTheLoopThatAHandlerOpened) {
     bool inTime = false;
     std::string log;
     QEventLoop inner;
@@ -129,7 +129,7 @@ TEST_F(QtEventLoopTest, SignalsGoOnInTheLoopThatAHandlerOpened) {
     EXPECT_EQ(log, "first other end");
 }
 
-TEST_F(QtEventLoopTest, SignalsGoOnInTheLoopThatAnEventOpensDuringYield) {
+TEST_F(QtEventLoopTest, SignalsArriveInTheLoopThatAnEventOpensDuringYield) {
     bool inTime = false;
     int delivered = 0;
     QEventLoop inner;
@@ -167,7 +167,7 @@ TEST_F(QtEventLoopTest, ARingOfAHandlerDuringYieldIsDeliveredByTheRunningLoop) {
     EXPECT_EQ(delivered, 2);
 }
 
-TEST_F(QtEventLoopTest, ErrorsGoToTheProcedureAndTheLoopGoesOn) {
+TEST_F(QtEventLoopTest, ErrorsGoToTheProcedureAndTheLoopContinues) {
     QEventLoop running;
     const auto bad = loop_.CreateSignal([] { throw std::runtime_error("signal"); });
     const auto worse = loop_.CreateSignal([] { throw 13; });

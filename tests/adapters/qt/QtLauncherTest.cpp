@@ -139,7 +139,7 @@ TEST_F(QtLauncherTest, FallsBackToTheMixerInATerminal) {
     EXPECT_THAT(Called(), ElementsAre("x-terminal-emulator", "-e", "alsamixer", "-V", "playback"));
 }
 
-TEST_F(QtLauncherTest, TellsThatNoPanelIsInstalled) {
+TEST_F(QtLauncherTest, ReportsThatNoPanelIsInstalled) {
     EXPECT_EQ(launcher_.Run(kInput), 2);
     EXPECT_EQ(launcher_.Run(kPlay), 2);
 }
@@ -151,7 +151,7 @@ TEST_F(QtLauncherTest, RunsAProgramByItsPathAsOneWord) {
     EXPECT_EQ(launcher_.Run(Path("missing")), 2);
 }
 
-TEST_F(QtLauncherTest, PrefersTheFullestToolThatTellsAboutTheComputer) {
+TEST_F(QtLauncherTest, PrefersTheFullestSystemInformationTool) {
     for (const char* tool : {"lshw-gtk", "kinfocenter", "hardinfo", "hardinfo2"}) {
         Install(tool);
         EXPECT_EQ(launcher_.ReadMachineValue(RootKey::kLocalMachine,
@@ -160,7 +160,7 @@ TEST_F(QtLauncherTest, PrefersTheFullestToolThatTellsAboutTheComputer) {
     }
 }
 
-TEST_F(QtLauncherTest, NamesTheInstalledToolThatTellsAboutTheComputer) {
+TEST_F(QtLauncherTest, NamesTheInstalledSystemInformationTool) {
     const auto read = [&](RootKey root, const char* key, const char* name) {
         return launcher_.ReadMachineValue(root, key, name);
     };
@@ -183,7 +183,7 @@ TEST_F(QtLauncherTest, OpensWebAddressesAsTheyAre) {
     EXPECT_THAT(browser.taken, ElementsAre(kAddress));
 }
 
-TEST_F(QtLauncherTest, TellsWhyNothingOpens) {
+TEST_F(QtLauncherTest, ReportsWhyNothingOpens) {
     EXPECT_EQ(launcher_.Open(Path("missing.pdf")), 2);
     EXPECT_EQ(launcher_.Open("https://sonavex.example/"), 31) << "no browser is installed";
 }

@@ -57,7 +57,7 @@ protected:
     }
 };
 
-TEST_F(QtSettingsStoreFailure, AFolderThatCannotBeIsReportedOnceAndTheRunGoesOn) {
+TEST_F(QtSettingsStoreFailure, AnImpossibleFolderIsReportedOnceAndTheRunContinues) {
     WriteFile(folder_.Path() / "file", "");
     {
         const auto store = Open(folder_.Path() / "file" / "Sonavex" / "Sonavex.ini");
@@ -256,7 +256,7 @@ TEST_F(QtSettingsStoreFailure, FilesOfProcessesThatWereKilledDoNotPileUp) {
                 ElementsAre("Sonavex.ini", "Sonavex.ini.backup", "Sonavex.ini.damaged", "Sonavex.ini~"));
 }
 
-TEST_F(QtSettingsStoreFailure, AProcessThatStandsStillIsNotWaitedForTwice) {
+TEST_F(QtSettingsStoreFailure, AStalledProcessIsNotWaitedForTwice) {
     const int other = open(Folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_EQ(flock(other, LOCK_EX), 0);
     const auto store = Open();

@@ -30,7 +30,7 @@ protected:
     }
 };
 
-TEST_F(QtSettingsStoreProcess, WhoeverIsKilledWhileWritingLeavesTheOldFileOrTheNewOne) {
+TEST_F(QtSettingsStoreProcess, AWriterThatIsKilledLeavesTheOldFileOrTheNewOne) {
     constexpr int kKills = 40;
     std::mt19937 random(4711);
     WriteFile(File(), "[Settings]\nAuto=0\n");

@@ -105,7 +105,7 @@ TEST(DirectDevices, ACardThatIsPulledEndsTheMeasurement) {
     ExpectRefusal(outcome, "The sound device 'Test card (direct)' has been removed.");
 }
 
-TEST(DirectDevices, ACardThatStandsStillEndsTheMeasurement) {
+TEST(DirectDevices, AStalledCardEndsTheMeasurement) {
     LoopCards cards(CardList{{"card", "Test card"}});
     MeasureProgram program({"run", "--input", kDevice, "--output", kDevice, "--rate", "32000", "--tone",
                             "sine:1000", "--seconds", "600", "--json"},

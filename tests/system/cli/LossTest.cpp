@@ -95,7 +95,7 @@ TEST(Loss, StoppedServerAtTheLowestRate) {
 }
 
 // The program itself was stopped, as with the terminal's suspend key. That is not a fault of the device.
-TEST(Loss, StoppedProgramGoesOn) {
+TEST(Loss, StoppedProgramContinues) {
     MeasureProgram program({"run", "--rate", "48000", "--tone", "sine:1000", "--seconds", "0", "--json"},
                            kSimulated);
     std::this_thread::sleep_for(300ms);

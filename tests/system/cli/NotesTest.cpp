@@ -28,14 +28,14 @@ TEST(Notes, AreNoneWhereTheSamplesPassUnchanged) {
     EXPECT_EQ(Notes(server, "48000"), "[]");
 }
 
-TEST(Notes, TellOfResampling) {
+TEST(Notes, NameResampling) {
     const PulseServer server({{"card", 48000, "Card"}});
     EXPECT_EQ(Notes(server, "44100"),
               R"(["Input: resampled by the sound server, the device runs at 48000 Hz",)"
               R"("Output: resampled by the sound server, the device runs at 48000 Hz"])");
 }
 
-TEST(Notes, TellOfVolumesAndMuting) {
+TEST(Notes, NameVolumesAndMuting) {
     PulseServer server({{"card", 48000, "Card"}});
     server.Control({"set-sink-volume", "card", "50%"});
     server.Control({"set-source-volume", "card.monitor", "80%"});
@@ -49,7 +49,7 @@ TEST(Notes, TellOfVolumesAndMuting) {
 }
 
 // The server says which card a device belongs to.
-TEST(Notes, TellOfTwoCards) {
+TEST(Notes, NameTwoCards) {
     const PulseServer server({{"card", 48000, "Card"}});
     for (const char* number : {"3", "7"})
         server.Control({"load-module", "module-null-sink", std::string("sink_name=card") + number,

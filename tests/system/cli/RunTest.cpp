@@ -87,7 +87,7 @@ TEST(Run, SweepMovesToItsEndAndStays) {
     EXPECT_NEAR(LastOf(down)["peakBin"].get<double>(), 1000.0 / 48000.0 * 4096.0, 2.0);
 }
 
-TEST(Run, LoopedSweepGoesOn) {
+TEST(Run, LoopedSweepContinues) {
     MeasureProgram looped(
         {"run", "--rate", "48000", "--seconds", "3", "--json", "--tone", "sine:1000:9000:3000:loop"},
         kSimulated);
@@ -129,7 +129,7 @@ TEST(Run, WithoutToneNothingIsLocked) {
     }
 }
 
-TEST(Run, WithoutMuteTheInputGoesOnToTheOutput) {
+TEST(Run, WithoutMuteTheInputReachesTheOutput) {
     // The loop feeds back; the low level prevents growth.
     MeasureProgram open(ShortRun({"--tone", "sine:1000", "--no-mute", "--level", "-2000"}), kSimulated);
     const ordered_json line = LastOf(open);

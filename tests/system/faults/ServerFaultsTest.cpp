@@ -228,7 +228,7 @@ TEST_F(ServerFaults, OnlyTheOutputUnloaded) {
 }
 
 // The remaining cards are not the device that was measured, so the program neither asks nor switches.
-TEST_F(ServerFaults, ServerKilledBesideACard) {
+TEST_F(ServerFaults, ServerKilledWhileACardRemains) {
     const LoopCards cards(CardList{{"spare", "Spare card"}});
     PulseServer server({kCard});
     Use(server);
@@ -314,12 +314,12 @@ TEST_F(ServerFaults, VolumesChangedMeanwhileAreSaid) {
     });
 }
 
-TEST_F(ServerFaults, PulseAudioStandsStillAndGoesOn) {
+TEST_F(ServerFaults, PulseAudioPausesAndResumes) {
     PulseServer server({kCard});
     CheckPauseOf(server);
 }
 
-TEST_F(ServerFaults, PipeWireStandsStillAndGoesOn) {
+TEST_F(ServerFaults, PipeWirePausesAndResumes) {
     PipeWireServer server({kCard});
     CheckPauseOf(server);
 }

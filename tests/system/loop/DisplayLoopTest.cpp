@@ -33,7 +33,7 @@ TEST(Loop, BaselineTakesTheCardsOwnDistortionAway) {
     EXPECT_NEAR(rig.Percent(2), 100.0 * 0.03 / std::sqrt(1.0009), kRoundingPercent);
 }
 
-TEST(Loop, LocksOnlyOnTheFrequencyAskedFor) {
+TEST(Loop, LocksOnlyOnTheRequestedFrequency) {
     LoopRig rig(32000);
     rig.PlaySine(1000.0);
     rig.Settle();

@@ -152,7 +152,7 @@ TEST_F(LeastPrivilege, ATraceShowsACallToTheInternet) {
     EXPECT_THAT(shell.Calls("connect"), Contains(HasSubstr("sa_family=AF_INET")));
 }
 
-TEST_F(LeastPrivilege, OnlyLocalSocketsAreAskedFor) {
+TEST_F(LeastPrivilege, OnlyLocalSocketsAreRequested) {
     Run(Trace::Of(Session({"measure", "help", "settings"}), "%network", TraceFile()));
     const Trace window(TraceFile());
     for (const char* const call : {"socket", "connect", "bind", "sendto"})

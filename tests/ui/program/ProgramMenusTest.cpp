@@ -45,7 +45,7 @@ protected:
     app::Program program;
 };
 
-TEST_F(ProgramMenus, TheAboutBoxTellsTheVersion) {
+TEST_F(ProgramMenus, TheAboutBoxShowsTheVersion) {
     Choose("mnuAbout", [&](QDialog& dialog) {
         EXPECT_EQ(dialog.parentWidget(), &program.Window());
         EXPECT_THAT(Find<QLabel>(dialog, "lblVersion").text().toStdString(),

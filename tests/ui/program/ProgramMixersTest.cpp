@@ -118,7 +118,7 @@ class BadSavedMixers : public ProgramMixers, public testing::WithParamInterface<
 INSTANTIATE_TEST_SUITE_P(Lines, BadSavedMixers,
                          testing::Values("50,True", "50,loud,", "99999999999,", "noise and no comma"));
 
-TEST_P(BadSavedMixers, AreToldOfAndTheProgramRuns) {
+TEST_P(BadSavedMixers, AreReportedAndTheProgramRuns) {
     Store(GetParam());
     {
         app::Program program;

@@ -143,7 +143,7 @@ TEST_F(ProgramTest, KeepsADamagedSettingsFileAside) {
     EXPECT_EQ(reader_.Texts.size(), 1U);
 }
 
-TEST(DisplayProbe, TellsWhetherThereIsADisplay) {
+TEST(DisplayProbe, ReportsWhetherThereIsADisplay) {
     const PrivateFolder folder;
     const auto status = [&](const Environment& environment) {
         ChildProcess probe({SONAVEX_PROGRAM, "--probe-display"}, environment, folder.Path() / "output");

@@ -82,7 +82,7 @@ TEST_F(FrequencySliderOnTheTab, AddsUpWhatATouchpadSends) {
     ExpectEverywhere(1059);
 }
 
-TEST_F(FrequencySliderOnTheTab, MovesByAThirdOfAnOctaveBesideTheHandle) {
+TEST_F(FrequencySliderOnTheTab, MovesByAThirdOfAnOctaveOnAClickInTheGroove) {
     QTest::mouseClick(&slider, Qt::LeftButton, {}, Handle(slider) + QPoint(60, 0));
     Settle();
     ExpectEverywhere(1260);

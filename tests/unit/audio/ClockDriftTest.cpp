@@ -68,7 +68,7 @@ TEST(ClockNote, SaysNothingOfOneClock) {
     EXPECT_EQ(ClockNote("", "card 0", 2.9), "");
 }
 
-TEST(ClockNote, TellsTwoClocksByNameAndByDrift) {
+TEST(ClockNote, DistinguishesTwoClocksByNameAndByDrift) {
     EXPECT_EQ(ClockNote("card 0", "card 1", std::nullopt), "input and output run on different clocks");
     EXPECT_EQ(ClockNote("card 0", "card 1", -0.4),
               "input and output run on different clocks, less than 3 ppm apart");

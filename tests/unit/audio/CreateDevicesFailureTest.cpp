@@ -102,7 +102,7 @@ int EndStatus(Action action) {
     return -1;
 }
 
-TEST(CreateDevicesEnd, ComesWithoutADeviceBesideThePrimary) {
+TEST(CreateDevicesEnd, ComesWithoutADeviceAfterThePrimary) {
     for (const std::size_t entries : {1U, 0U}) {
         EngineBench bench;
         bench.sound.playbackDevices.resize(entries);

@@ -46,7 +46,7 @@ TEST(DevicesLoad, SelectsTheStoredDevices) {
     EXPECT_EQ(rig.form.cmbOutputMixer.Text(), "Card A");
 }
 
-TEST(DevicesLoad, TellsIdentifiersApartByCase) {
+TEST(DevicesLoad, DistinguishesIdentifiersByCase) {
     DevicesRig rig;
     rig.store.Save("SoundCard", "Input", "IN-B");
     rig.store.Save("SoundCard", "Output", "out-a ");
@@ -55,7 +55,7 @@ TEST(DevicesLoad, TellsIdentifiersApartByCase) {
     EXPECT_EQ(rig.form.cmbOutputMixer.ListIndex(), -1);
 }
 
-TEST(DevicesLoad, TellsDevicesOfTheSameNameApart) {
+TEST(DevicesLoad, DistinguishesDevicesOfTheSameName) {
     DevicesRig rig;
     rig.sound.playbackDevices[2].description = rig.sound.playbackDevices[1].description;
     rig.store.Save("SoundCard", "Output", "out-b");

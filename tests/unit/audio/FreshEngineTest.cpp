@@ -44,7 +44,7 @@ TEST(FreshWatch, HasSeenNoLoss) {
 }
 
 // No notification ever arrived: this counts as a loss too.
-TEST(FreshWatch, TellsOfAFirstStartThatBringsNothing) {
+TEST(FreshWatch, ReportsAFirstStartWithoutNotifications) {
     EngineBench bench;
     bench.Start();
     StreamWatch watch{{bench.loop, bench.sound, bench.engine, bench.errorLog, bench.shared, bench.settings},

@@ -26,7 +26,7 @@ struct ClockBench : EngineBench {
     static constexpr std::chrono::nanoseconds kBlock = 64ms;
 };
 
-TEST(StreamClocks, TellTheirDriftOnceItIsKnown) {
+TEST(StreamClocks, ShowTheirDriftOnceItIsKnown) {
     ClockBench bench;
     bench.Run(59s, 50.0);
     EXPECT_THAT(bench.engine.PathNotes(), IsEmpty());
@@ -37,7 +37,7 @@ TEST(StreamClocks, TellTheirDriftOnceItIsKnown) {
 }
 
 // Observations before and after an interruption do not form one line.
-TEST(StreamClocks, BeginAnewAfterAnInterruption) {
+TEST(StreamClocks, DiscardObservationsBeforeAnInterruption) {
     ClockBench bench;
     bench.Run(50s, 0.0);
     bench.sound.statistics.framesMissing = 480;
@@ -75,7 +75,7 @@ TEST(StreamClocks, OfOtherBuffersAreNotKnown) {
     EXPECT_THAT(bench.engine.PathNotes(), IsEmpty());
 }
 
-TEST(StreamClocks, AreToldApartByTheirNames) {
+TEST(StreamClocks, AreDistinguishedByTheirNames) {
     ClockBench bench;
     bench.sound.inputClock = "card 0";
     bench.sound.outputClock = "card 1";

@@ -19,7 +19,7 @@ TEST(StreamDisturbances, ReportsLostSegmentsOnceBeforeTheBlock) {
     EXPECT_EQ(bench.log.Count("StreamDisturbed"), 0U);
 }
 
-TEST(StreamDisturbances, CountsLostSegmentsAnewForANewBuffer) {
+TEST(StreamDisturbances, CountsLostSegmentsOfANewBufferFromZero) {
     EngineBench bench;
     bench.Start();
     bench.sound.statistics.segmentsLost = 3;

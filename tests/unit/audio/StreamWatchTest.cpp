@@ -25,7 +25,7 @@ struct WatchBench : EngineBench {
     std::size_t Records() const { return log.Count("WriteErrorLog"); }
     void Lose(const RuntimeError& error) {
         sound.Lose(error);
-        loop.Advance(kLook);
+        loop.Advance(kCheck);
     }
     void Unplug() {
         kept = sound.playbackDevices;
@@ -33,7 +33,7 @@ struct WatchBench : EngineBench {
         Lose({sound_error::kNoDriver, "The card has been removed."});
     }
     // Longer than the interval of the checks.
-    static constexpr auto kLook = 150ms;
+    static constexpr auto kCheck = 150ms;
     void Replug() { sound.playbackDevices = kept; }
 
     StreamWatch watch{{loop, sound, engine, errorLog, shared, settings}, {}};
@@ -53,7 +53,7 @@ TEST(StreamWatch, IsContentWhileBlocksCome) {
     EXPECT_EQ(bench.changes, 0);
 }
 
-TEST(StreamWatch, MarksRecordsAndTellsALossOnce) {
+TEST(StreamWatch, MarksRecordsAndReportsALossOnce) {
     WatchBench bench;
     bench.sound.Lose({sound_error::kBufferLost, "The server is gone."});
     // The mark is shown before the message.
@@ -148,7 +148,7 @@ TEST(StreamWatch, TriesQuietlyAndNeverEndsTheProgram) {
     EXPECT_EQ(bench.Records(), 1U);
 }
 
-TEST(StreamWatch, TellsNothingOfADeviceThatComesBackMute) {
+TEST(StreamWatch, DoesNotReportADeviceThatReturnsSilent) {
     WatchBench bench;
     bench.Lose({sound_error::kBufferLost, "suspended"});
     bench.loop.Advance(30s);
@@ -157,7 +157,7 @@ TEST(StreamWatch, TellsNothingOfADeviceThatComesBackMute) {
     EXPECT_GT(bench.engine.CaptureStarts, 2U);
 }
 
-TEST(StreamWatch, TellsOfADeviceThatTheUserChoseAndThatIsMute) {
+TEST(StreamWatch, ReportsASilentDeviceThatTheUserChose) {
     WatchBench bench;
     bench.Lose({sound_error::kBufferLost, "suspended"});
     bench.loop.Advance(1200ms);
@@ -167,7 +167,7 @@ TEST(StreamWatch, TellsOfADeviceThatTheUserChoseAndThatIsMute) {
     EXPECT_EQ(bench.Records(), 2U);
 }
 
-TEST(StreamWatch, GivesNothingUpWhileTheEngineIsHeldButMarksWhatStandsStill) {
+TEST(StreamWatch, MarksAStallButStopsNothingWhileTheEngineIsHeld) {
     WatchBench bench;
     bool held = true;
     bench.watch.Held = [&] { return held; };
@@ -187,7 +187,7 @@ TEST(StreamWatch, GivesNothingUpWhileTheEngineIsHeldButMarksWhatStandsStill) {
     EXPECT_EQ(bench.Records(), 1U);
 }
 
-TEST(StreamWatch, TellsOfALossBehindADialogWhenThatHasClosed) {
+TEST(StreamWatch, ReportsALossBehindADialogWhenThatHasClosed) {
     WatchBench bench;
     bool held = true;
     bench.watch.Held = [&] { return held; };
@@ -198,19 +198,19 @@ TEST(StreamWatch, TellsOfALossBehindADialogWhenThatHasClosed) {
     bench.RunBlocks(1);
     EXPECT_TRUE(bench.watch.Stopped());
     held = false;
-    bench.loop.Advance(WatchBench::kLook);
+    bench.loop.Advance(WatchBench::kCheck);
     ASSERT_EQ(bench.Records(), 1U);
     EXPECT_THAT(bench.log.Of("WriteErrorLog")[0], HasSubstr("removed"));
 }
 
-TEST(StreamWatch, ForgetsALossWhenTheDialogHasStartedTheEngineAnew) {
+TEST(StreamWatch, ForgetsALossWhenTheDialogHasRestartedTheEngine) {
     WatchBench bench;
     bool held = true;
     bench.watch.Held = [&] { return held; };
     bench.Lose({sound_error::kNoDriver, "removed"});
     ASSERT_TRUE(bench.engine.ReStart());
     held = false;
-    bench.loop.Advance(WatchBench::kLook);
+    bench.loop.Advance(WatchBench::kCheck);
     bench.nextSegment = 0;
     bench.RunBlocks(1);
     EXPECT_FALSE(bench.watch.Stopped());
@@ -241,7 +241,7 @@ TEST(StreamWatch, RemembersALossThatComesWhileItStartsTheEngine) {
     EXPECT_EQ(bench.watch.Reason(), "Pulled out again.");
 }
 
-TEST(StreamWatch, MarksBlocksThatCannotBeMeasuredAndGoesOn) {
+TEST(StreamWatch, MarksBlocksThatCannotBeMeasuredAndContinues) {
     WatchBench bench;
     bench.engine.OnBlockQueued = {};
     for (int i = 0; i < 20; ++i) {
@@ -284,7 +284,7 @@ TEST(StreamWatch, OffersDevicesWhenTheLostOneIsGivenUp) {
     WatchBench bench;
     bench.settings.Save(keys::kOutput, bench.sound.playbackDevices[1].identifier);
     ASSERT_TRUE(bench.engine.ReStart());
-    bench.loop.Advance(WatchBench::kLook);
+    bench.loop.Advance(WatchBench::kCheck);
     bench.nextSegment = 0;
     bench.RunBlocks(1);
     bench.errorLog.onWrite = [&] { bench.settings.Save(keys::kOutput, ""); };

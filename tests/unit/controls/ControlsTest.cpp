@@ -15,7 +15,7 @@ struct Counted {
     }
 };
 
-TEST(Control, TellsTheFaceOnceUntilCleaned) {
+TEST(Control, NotifiesTheWindowOnceUntilCleaned) {
     Counted<Label> label;
     EXPECT_FALSE(label.control.Dirty());
     label.control.SetCaption("Ovr");
@@ -38,14 +38,14 @@ TEST(Control, StaysCleanWhenNothingChanges) {
     EXPECT_EQ(label.told, 0);
 }
 
-TEST(Control, IsDirtyWithoutAFace) {
+TEST(Control, IsDirtyWithoutAWindow) {
     Label label;
     label.SetCaption("N/A");
     EXPECT_TRUE(label.Dirty());
     EXPECT_EQ(label.Caption(), "N/A");
 }
 
-TEST(Control, HoldsTheNewValueWhenTheFaceIsTold) {
+TEST(Control, HoldsTheNewValueWhenTheWindowIsNotified) {
     TextBox box;
     std::string seen;
     box.OnDirty = [&] { seen = box.Text(); };
@@ -143,7 +143,7 @@ TEST(Slider, LowersTheMinimumWithAMaximumBelowIt) {
     EXPECT_EQ(slider.Value(), 5);
 }
 
-TEST(Slider, ShowsTheFaceLimitsAndValueThatFitTogether) {
+TEST(Slider, ShowsLimitsAndValueThatFitTogether) {
     Slider slider;
     slider.SetValue(80);
     slider.Clean();

@@ -133,7 +133,7 @@ TEST(Peak, MagnitudesEndInTheMiddleOfTheSpectrum) {
     EXPECT_EQ(rig.state->SpecMag[2049], 0.0);
 }
 
-TEST(Peak, IsLookedForInBins1To2048) {
+TEST(Peak, IsSearchedInBins1To2048) {
     AnalysisRig rig(kRate);
     rig.FeedLines({{0, 1e6}, {1, 3.0}});
     EXPECT_EQ(rig.state->PeakBin, 1);

@@ -38,7 +38,7 @@ TEST(Output, RoundsHalvesToEven) {
     for (std::size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(played[2 * i + 1], expected[i]) << i;
 }
 
-TEST(Output, TheGeneratorIsAskedForOneBlock) {
+TEST(Output, OneBlockIsRequestedFromTheGenerator) {
     AnalysisRig rig(32000);
     int calls = 0;
     rig.generator.fill = [&](std::span<double> first, std::span<double> second, std::int32_t count) {

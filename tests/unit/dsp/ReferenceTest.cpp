@@ -36,7 +36,7 @@ TEST(Reference, SineOnItsBinMuted) {
     EXPECT_EQ(both.Shown().txtFreq.Text(), "1000");
 }
 
-TEST(Reference, SineBesideItsBinPassedThrough) {
+TEST(Reference, SineOffItsBinPassedThrough) {
     SideBySide both(48000, 20);
     both.Automatic(true);
     both.Feed(Sine(48000, 1003.7, 20000, 0.6), 38);

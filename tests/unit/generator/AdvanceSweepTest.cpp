@@ -83,7 +83,7 @@ TEST_F(AdvanceSweep, WithoutIncrementNeverChangesTheFrequency) {
     }
 }
 
-TEST_F(AdvanceSweep, StandsStillUnlessPlaying) {
+TEST_F(AdvanceSweep, DoesNothingUnlessPlaying) {
     ToneRecord& up = Sweep(100, 200, 100);
     ToneRecord& down = Sweep(200, 100, 100);
     generator.SweepRunning = false;

@@ -67,7 +67,7 @@ TEST(Fill, AddsToWhatTheArraysHold) {
     EXPECT_EQ(second.second[kBlock], -500.0);
 }
 
-TEST(Fill, FillsSoManySamplesAsAsked) {
+TEST(Fill, FillsTheRequestedNumberOfSamples) {
     for (const std::int32_t count : {0, 1, 100, 2047, 2048, 2049, 4096, 4097}) {
         GeneratorBench bench;
         bench.Add(wave::kTriangle, 997.0);

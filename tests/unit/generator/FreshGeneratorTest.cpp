@@ -41,7 +41,7 @@ TEST(FreshGenerator, HasLoadedNothing) {
 
 class FreshPanel : public PanelRig {};
 
-TEST_F(FreshPanel, ShowsWhereItsSlidersStandWhenToldOfLimits) {
+TEST_F(FreshPanel, ShowsItsSliderPositionsWhenLimitsChange) {
     EXPECT_EQ(panel.CurrentSignal().ToneType, 0);
     panel.FollowLimits();
     EXPECT_EQ(signal.txtGenFreq.Text(), "1");

@@ -61,7 +61,7 @@ TEST(Phase, OfASineIsContinuousOverAChangeOfFrequency) {
     EXPECT_NEAR(next[0], 8191.75 * std::sin(phase + kTwoPi / (48000 / 1234.5)), 1e-8);
 }
 
-TEST(Phase, OfTheOtherWavesGoesOnAtItsCount) {
+TEST(Phase, OfTheOtherWavesContinuesAtItsCount) {
     for (const std::int16_t type : {wave::kSquare, wave::kTriangle, wave::kSawtooth}) {
         GeneratorBench bench(48000);
         ToneRecord& tone = bench.Add(type, 480.0);  // cycle of 101 samples

@@ -21,14 +21,14 @@ ToneRecord Parsed(std::string_view line) {
     return tone;
 }
 
-TEST(ToneLine, TellsASweep) {
+TEST(ToneLine, DescribesASweep) {
     EXPECT_EQ(MakeToneLine(Sweeping(1000, 5000, 2000), "Sine", true),
               "1000Hz / 5000Hz  / Sine / 2000ms / Loop");
     EXPECT_EQ(MakeToneLine(Sweeping(20.25, 12.5, 10000), "Sawtooth", false),
               "20.25Hz / 12.5Hz  / Sawtooth / 10000ms / No Loop");
 }
 
-TEST(ToneLine, TellsATone) {
+TEST(ToneLine, DescribesATone) {
     ToneRecord tone = Sweeping(1000, 5000, 2000);
     tone.Sweep = false;
     EXPECT_EQ(MakeToneLine(tone, "Square", false), "1000Hz / NA / Square / NA / No Loop");

@@ -24,7 +24,7 @@ protected:
     frmAbout about{launcher, dialogs, "Sonavex", {2, 1, 14, "Distortion meter"}};
 };
 
-TEST_F(AboutTest, TellsTitleVersionAndBuild) {
+TEST_F(AboutTest, ShowsTitleVersionAndBuild) {
     about.Form_Load();
     EXPECT_EQ(about.Frame.Caption(), "About Sonavex");
     EXPECT_EQ(about.lblTitle.Caption(), "Sonavex");

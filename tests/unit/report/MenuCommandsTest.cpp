@@ -46,7 +46,7 @@ TEST_F(MenuCommandsTest, OpensNothingAfterANo) {
     EXPECT_EQ(log.Lines().size(), 2U);
 }
 
-TEST_F(MenuCommandsTest, TellsTheNumberWhenThePageDoesNotOpen) {
+TEST_F(MenuCommandsTest, ReportsTheNumberWhenThePageDoesNotOpen) {
     launcher.error = 31;
     menus.mnuCheckVersion.UserChooses();
     menus.mnuemail.UserChooses();
@@ -79,7 +79,7 @@ TEST_F(MenuCommandsTest, StartsThePanelsOfTheOlderSystemsWithTheMixersNumbers) {
                                          "Run sndvol32 -P -D11"));
 }
 
-TEST_F(MenuCommandsTest, TellsTheNumberWhenAPanelDoesNotStart) {
+TEST_F(MenuCommandsTest, ReportsTheNumberWhenAPanelDoesNotStart) {
     launcher.error = 2;
     menus.mnuInputControl.UserChooses();
     menus.mnuPlayControl.UserChooses();

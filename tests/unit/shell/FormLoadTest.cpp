@@ -146,7 +146,7 @@ TEST(SoundCardMenu, ShowsTheMixersDialog) {
     EXPECT_EQ(world.log.Count("ShowSoundCard"), 1U);
 }
 
-TEST(MissingDevices, OpenTheDeviceDialogAndTheStartGoesOn) {
+TEST(MissingDevices, OpenTheDeviceDialogAndTheStartContinues) {
     ScriptedForm world(10);
     world.log.Fail("CreateCaptureDevice", RuntimeError(sound_error::kNoDriver, "gone"));
     int shown = 0;

@@ -195,7 +195,7 @@ TEST(OpenMessage, DropsAndCountsNotifications) {
     EXPECT_EQ(form.Instrument.Engine.DroppedNotifications, 2U);
 }
 
-TEST(Path, IsToldAndFollowed) {
+TEST(Path, IsShownAndFollowed) {
     World world;
     FakeSoundSystem sound(world.log);
     sound.inputPathNote = "resampled";

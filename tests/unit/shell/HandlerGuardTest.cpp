@@ -65,7 +65,7 @@ TEST(HandlerGuard, ShowsAStreamErrorOnceUntilABlockSucceeds) {
     EXPECT_EQ(rig.log.Of("Message").size(), 3U);
 }
 
-TEST(HandlerGuard, TellsWhenAMessageIsOpenAndShowsNoSecondOne) {
+TEST(HandlerGuard, ReportsAnOpenMessageAndShowsNoSecondOne) {
     GuardRig rig;
     std::vector<bool> told;
     rig.guard.OnMessageOpen = [&](bool open) { told.push_back(open); };

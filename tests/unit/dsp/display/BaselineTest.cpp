@@ -113,7 +113,7 @@ TEST(StoredBaseline, OfUnusableConditionsIsOneOfUnknownConditions) {
     EXPECT_EQ(rig.analysis.BaselineOn, 1);
 }
 
-TEST(BaselineOfElsewhere, IsToldByFrequencyAndRate) {
+TEST(BaselineOfElsewhere, IsRecognisedByFrequencyAndRate) {
     BaselineRig rig;
     rig.shared.SampleRate = 48000;
     rig.analysis.FundamentalHz = 1500;  // changed since the last readings
@@ -138,7 +138,7 @@ TEST(BaselineOfElsewhere, IsToldByFrequencyAndRate) {
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
 }
 
-TEST(BaselineOfElsewhere, IsNotToldBeforeAnyIsKnown) {
+TEST(BaselineOfElsewhere, IsNotReportedBeforeAnyIsKnown) {
     BaselineRig rig;
     rig.analysis.BaselineOn = 1;
     rig.analysis.FreqLocked = true;

@@ -91,7 +91,7 @@ TEST_F(MeterDisplayTest, WritesTheFrequencyOnlyInAutomatic) {
     EXPECT_EQ(controls.txtFreq.Text(), "0");
 }
 
-TEST_F(MeterDisplayTest, TellsOverloadFromSilence) {
+TEST_F(MeterDisplayTest, DistinguishesOverloadFromSilence) {
     ShowInput(32760.0);
     EXPECT_EQ(controls.LblLevel.Caption(), "Ovr");
     EXPECT_EQ(view.inputWord, "OVERLOAD");

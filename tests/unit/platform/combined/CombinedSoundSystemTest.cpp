@@ -75,7 +75,7 @@ TEST_F(CombinedSoundSystemTest, DirectDevicesServeAloneWithoutServer) {
     EXPECT_THAT(directLog_.Of("CreateCaptureDevice"), ElementsAre("CreateCaptureDevice []"));
 }
 
-TEST_F(CombinedSoundSystemTest, DirectDevicesServeAloneBesideAServerWithoutDevices) {
+TEST_F(CombinedSoundSystemTest, DirectDevicesServeAloneWhenTheServerHasNone) {
     server_->playbackDevices.resize(1);
     server_->captureDevices.resize(1);
     EXPECT_THAT(Identifiers(combined_.EnumeratePlayback()), ElementsAre("", "direct:out"));
@@ -85,7 +85,7 @@ TEST_F(CombinedSoundSystemTest, DirectDevicesServeAloneBesideAServerWithoutDevic
     EXPECT_EQ(directLog_.Count("CreatePlaybackDevice"), 1U);
 }
 
-TEST_F(CombinedSoundSystemTest, WithoutAnyDeviceTheServersFailureIsTold) {
+TEST_F(CombinedSoundSystemTest, WithoutAnyDeviceTheServersFailureIsReported) {
     StopServer();
     LeaveDirectNothing();
     EXPECT_EQ(ErrorOf([&] { combined_.EnumeratePlayback(); }), sound_error::kUninitialized);
@@ -100,7 +100,7 @@ TEST_F(CombinedSoundSystemTest, AServerWithoutDevicesAndNoDirectOnesListThePrima
     EXPECT_THAT(Identifiers(combined_.EnumeratePlayback()), ElementsAre(""));
 }
 
-TEST_F(CombinedSoundSystemTest, AFailureOfThePrimaryDirectDeviceIsTold) {
+TEST_F(CombinedSoundSystemTest, AFailureOfThePrimaryDirectDeviceIsReported) {
     StopServer();
     directLog_.Fail("CreatePlaybackDevice", RuntimeError(sound_error::kAllocated, "In use."));
     EXPECT_EQ(ErrorOf([&] { combined_.CreatePlaybackDevice(""); }), sound_error::kAllocated);

@@ -5,7 +5,7 @@
 namespace sonavex {
 namespace {
 
-TEST(OsMajorVersion, IsTenUnlessSomethingElseIsAskedFor) {
+TEST(OsMajorVersion, IsTenUnlessAnotherIsRequested) {
     EXPECT_EQ(ParseOsMajorVersion(""), 10);
     EXPECT_EQ(ParseOsMajorVersion("1"), 1);
     EXPECT_EQ(ParseOsMajorVersion("5"), 5);

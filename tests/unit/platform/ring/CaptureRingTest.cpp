@@ -80,7 +80,7 @@ TEST_F(CaptureRingTest, StartsAtPositionZeroEachTime) {
     EXPECT_EQ(Read(0, 2), (Samples{101, -101, 2, -2}));
 }
 
-TEST_F(CaptureRingTest, StartWhileRunningGoesOn) {
+TEST_F(CaptureRingTest, StartWhileRunningChangesNothing) {
     ring_.Start();
     Push(1, 2);
     ring_.Start();
@@ -128,7 +128,7 @@ TEST_F(CaptureRingTest, CountsRingsThatWereStillWaitingAsLost) {
     EXPECT_EQ(ring_.Statistics().segmentsLost, 1U);
 }
 
-TEST_F(CaptureRingTest, StatisticsGoOnOverAStop) {
+TEST_F(CaptureRingTest, StatisticsContinueAcrossAStop) {
     ring_.Start();
     Push(0, kSegmentFrames);
     ring_.Stop();

@@ -111,7 +111,7 @@ TEST_F(SegmentNotifications, AfterAStallOfFiveSegmentsEachIsDeliveredOnceAndOneI
     EXPECT_EQ(delivered_.size(), 4U);
 }
 
-TEST_F(SegmentNotifications, GoOnWithTheNextSegmentAfterAStall) {
+TEST_F(SegmentNotifications, ResumeWithTheNextSegmentAfterAStall) {
     ring_.PushSilence(5 * 2048);
     loop_.Yield();
     delivered_.clear();

@@ -118,7 +118,7 @@ TEST_F(PlaybackVolume, FullChangeTakesFiveMillisecondsInEvenSteps) {
     }
 }
 
-TEST_F(PlaybackVolume, RampGoesOnOverSmallPeriods) {
+TEST_F(PlaybackVolume, RampContinuesAcrossSmallPeriods) {
     Fill(24000);
     ring_.Play();
     Pull(ring_, 1);
