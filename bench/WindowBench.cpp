@@ -12,8 +12,8 @@
 #include <string>
 
 #include "support/FormRig.h"
-#include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
+#include "ui/ProgramStyle.h"
 
 namespace {
 
@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
     benchmark::Initialize(&argc, argv);
     const QApplication application(argc, argv);
-    QApplication::setStyle(new sonavex::ui::FaceStyle);
+    QApplication::setStyle(new sonavex::ui::ProgramStyle);
     QApplication::setQuitOnLastWindowClosed(false);
     benchmark::AddCustomContext("window_scale", std::to_string(application.devicePixelRatio()));
     benchmark::RunSpecifiedBenchmarks();

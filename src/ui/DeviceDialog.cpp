@@ -19,7 +19,7 @@ DeviceDialog::DeviceDialog(frmDevices& form, HandlerGuard& guard)
     binder_.Bind(*ui_->cmdCancel, form_.cmdCancel);
     binder_.Bind(*ui_->cmdHelp, form_.cmdHelp);
     form_.OnClosed = [this] { Close(); };
-    TellSize();
+    ReportSize();
     form_.Form_Load();
     Place();
 }

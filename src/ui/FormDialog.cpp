@@ -71,7 +71,7 @@ void FormDialog::reject() {
     guard_.Run(unload_);
 }
 
-void FormDialog::TellSize() {
+void FormDialog::ReportSize() {
     adjustSize();
     frame_.SetSize(frameGeometry().width(), frameGeometry().height());
 }

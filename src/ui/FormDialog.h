@@ -31,7 +31,7 @@ protected:
     // Call when the form has closed.
     void Close() { QDialog::done(QDialog::Accepted); }
     // Passes the size of the layout to the form's start.
-    void TellSize();
+    void ReportSize();
     // Moves the window to the form's position, or centres it if no screen shows that position.
     void Place();
 

@@ -75,7 +75,7 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     ui_->simulatedNote->setVisible(!simulatedName.isEmpty());
     for (QWidget* note : {ui_->settlingNote, ui_->baselineNote}) KeepPlace(*note);
     for (QLabel* unit : {ui_->unitprgADC, ui_->unitprgDAC, ui_->unitThd}) KeepPlace(*unit);
-    StandOnGrounds();
+    PaintOwnBackgrounds();
     ApplyTheme(*this);
     FixSizes();
     ExplainReadings();
@@ -107,7 +107,7 @@ void MainWindow::ExplainReadings() {
 }
 
 // Widgets that change with every block paint their own background, so that nothing behind them is repainted.
-void MainWindow::StandOnGrounds() {
+void MainWindow::PaintOwnBackgrounds() {
     std::vector<QWidget*> readings{ui_->lblThd,    ui_->LblLevel,  ui_->lblDACLevel, ui_->adcWord,
                                    ui_->dacWord,   ui_->lockWord,  ui_->genLockWord, ui_->picLocked,
                                    ui_->GenLocked, ui_->cycleText, ui_->prgADC,      ui_->prgDAC};
@@ -117,7 +117,7 @@ void MainWindow::StandOnGrounds() {
         readings.push_back(findChild<QLabel*>("lbltest_" + number));
         readings.push_back(findChild<QLabel*>("lblDb_" + number));
     }
-    for (QWidget* reading : readings) StandOnGround(*reading);
+    for (QWidget* reading : readings) PaintOwnBackground(*reading);
 }
 
 void MainWindow::FixSizes() {
@@ -165,7 +165,7 @@ void MainWindow::TakeLayoutSize() {
     resize(size().expandedTo(minimumSizeHint()));
 }
 
-void MainWindow::TellSize() {
+void MainWindow::ReportSize() {
     if (!isVisible()) TakeLayoutSize();
     form_.Frame.SetSize(frameGeometry().width(), frameGeometry().height());
 }
@@ -204,7 +204,7 @@ void MainWindow::moveEvent(QMoveEvent* event) {
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    TellSize();
+    ReportSize();
 }
 
 void MainWindow::changeEvent(QEvent* event) {

@@ -33,7 +33,7 @@ public:
     // Shows the window at the form's position, or centred if no screen shows that position.
     void ShowPlaced();
     // Call before the form's start: passes the size of the layout to the form.
-    void TellSize();
+    void ReportSize();
 
     const Binder& Bindings() const noexcept { return binder_; }
 
@@ -53,7 +53,7 @@ private:
     void DecorateHarmonics();
     void DecorateGenerator();
     void ExplainReadings();
-    void StandOnGrounds();
+    void PaintOwnBackgrounds();
     void FixSizes();
     void TakeLayoutSize();
     void KeepAboveTheScreensBottom();

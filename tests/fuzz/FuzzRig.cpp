@@ -104,11 +104,11 @@ void FuzzRig::ShutDown() {
     CheckTexts();
 }
 
-std::size_t FuzzRig::ErrorsTold() const {
-    std::size_t told = 0;
+std::size_t FuzzRig::ErrorsShown() const {
+    std::size_t shown = 0;
     for (const std::string& line : log.Lines())
-        if (line.starts_with(kMessage) && line.find(kRunTimeError) != std::string::npos) ++told;
-    return told;
+        if (line.starts_with(kMessage) && line.find(kRunTimeError) != std::string::npos) ++shown;
+    return shown;
 }
 
 void FuzzRig::Check(After what) {

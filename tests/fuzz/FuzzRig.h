@@ -41,7 +41,7 @@ public:
     bool Ended() const noexcept { return ended_; }
     void ShutDown();
     // Number of run-time errors shown to the user.
-    std::size_t ErrorsTold() const;
+    std::size_t ErrorsShown() const;
 
     enum class After { kAnAction, kABlock };
     // Requires finite readings, levels, phases and positions in range, and displayable texts.

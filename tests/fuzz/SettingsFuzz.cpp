@@ -113,9 +113,9 @@ bool Run(SettingsStore& store, std::int32_t generation, bool plainText, int bloc
     FuzzRig instrument(store, generation, plainText);
     if (!instrument.Start()) return false;
     Play(instrument, blocks);
-    const std::size_t before = instrument.ErrorsTold();
+    const std::size_t before = instrument.ErrorsShown();
     instrument.ShutDown();
-    Require(instrument.ErrorsTold() == before, "the shutdown succeeds", instrument.log.Lines().back());
+    Require(instrument.ErrorsShown() == before, "the shutdown succeeds", instrument.log.Lines().back());
     return true;
 }
 

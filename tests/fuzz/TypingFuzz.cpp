@@ -153,9 +153,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (int action = 0; action < kMostActions && !input.AtEnd() && !instrument.Ended(); ++action)
             user.Act();
         Require(!instrument.Ended(), "nothing that is typed ends the instrument");
-        const std::size_t before = instrument.ErrorsTold();
+        const std::size_t before = instrument.ErrorsShown();
         instrument.ShutDown();
-        Require(instrument.ErrorsTold() == before, "the shutdown succeeds");
+        Require(instrument.ErrorsShown() == before, "the shutdown succeeds");
     }
     FuzzRig next(store, generation, true);
     const bool started = next.Start();

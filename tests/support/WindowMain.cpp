@@ -2,13 +2,13 @@
 
 #include <QApplication>
 
-#include "ui/FaceStyle.h"
+#include "ui/ProgramStyle.h"
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleMock(&argc, argv);
     const QApplication application(argc, argv);
-    QApplication::setStyle(new sonavex::ui::FaceStyle);
+    QApplication::setStyle(new sonavex::ui::ProgramStyle);
     QApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();
 }

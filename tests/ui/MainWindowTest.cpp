@@ -137,7 +137,7 @@ TEST_F(MainWindowTest, FindsEverythingAgainInASecondRun) {
     again.store = rig.store;
     again.desktop.screens = {4000, 4000, 4000, 4000};
     ui::MainWindow second(again.form, {});
-    second.TellSize();
+    second.ReportSize();
     again.form.Form_Load();
     EXPECT_EQ(QPoint(again.form.Frame.Left(), again.form.Frame.Top()), place);
     second.ShowPlaced();
@@ -216,7 +216,7 @@ protected:
         rig.store.Save(section, key, value);
     }
     void Open() {
-        window.TellSize();
+        window.ReportSize();
         rig.form.Form_Load();
         window.ShowPlaced();
         QApplication::processEvents();

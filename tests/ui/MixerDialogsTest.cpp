@@ -118,7 +118,7 @@ TEST(MixerDialogs, NameTheirControls) {
 
 TEST(VistaDialog, NamesItsControls) {
     MixerRig rig(10);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     ExpectCaptions(rig.dialogs.SoundVista, {{"", "Playback"},
                                             {"", "Record"},
                                             {"lblSpeaker", "Speaker :"},
@@ -141,15 +141,15 @@ TEST(VistaDialog, NamesItsControls) {
 
 TEST(MixerDialogs, OpenOnceAndAreNotModal) {
     MixerRig rig(10);
-    rig.session.ShowSoundCard();
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     EXPECT_TRUE(rig.dialogs.SoundVista.isVisible());
     EXPECT_FALSE(rig.dialogs.SoundVista.isModal());
     EXPECT_FALSE(rig.dialogs.Sound.isVisible());
     QTest::mouseClick(&Find<QPushButton>(rig.dialogs.SoundVista, "cmdTone"), Qt::LeftButton);
     EXPECT_TRUE(rig.dialogs.Tone.isVisible());
-    rig.session.UnloadDialogs();
+    rig.mixers.UnloadDialogs();
     EXPECT_FALSE(rig.dialogs.SoundVista.isVisible());
     EXPECT_FALSE(rig.dialogs.Tone.isVisible());
 }
@@ -161,24 +161,24 @@ TEST(MixerDialogs, CloseByButtonFrameAndEscape) {
         [&] { rig.dialogs.SoundVista.close(); },
         [&] { QTest::keyClick(&rig.dialogs.SoundVista, Qt::Key_Escape); }};
     for (const auto& close : ways) {
-        rig.session.ShowSoundCard();
+        rig.mixers.ShowSoundCard();
         ASSERT_TRUE(rig.dialogs.SoundVista.isVisible());
         close();
         EXPECT_FALSE(rig.dialogs.SoundVista.isVisible());
-        EXPECT_FALSE(rig.session.SoundVista.Loaded());
+        EXPECT_FALSE(rig.mixers.SoundVista.Loaded());
     }
 }
 
 TEST(MixerDialogs, ComeBackWhereTheyWere) {
     MixerRig rig(10);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     rig.dialogs.SoundVista.move(123, 77);
     Settle(rig);
     rig.dialogs.SoundVista.close();
     EXPECT_EQ(rig.store.Get("Windows", "frmSoundVista Left", ""), "123");
     EXPECT_EQ(rig.store.Get("Windows", "frmSoundVista Top", ""), "77");
     rig.dialogs.SoundVista.move(0, 0);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     EXPECT_EQ(rig.dialogs.SoundVista.pos(), QPoint(123, 77));
 }
 
@@ -187,7 +187,7 @@ TEST(MixerDialogs, EndTheirSlidersInOneLine) {
     for (const std::int32_t generation : {5, 10}) {
         MixerRig rig(generation);
         rig.mixer.SetValues(MixerFunction::kLineRecord, {6554, 6554});
-        rig.session.ShowSoundCard();
+        rig.mixers.ShowSoundCard();
         Settle(rig);
         QWidget& dialog = generation < 6 ? static_cast<QWidget&>(rig.dialogs.Sound) : rig.dialogs.SoundVista;
         std::set<int> ends;
@@ -199,7 +199,7 @@ TEST(MixerDialogs, EndTheirSlidersInOneLine) {
 
 TEST(VistaDialog, MovesTheCardAndShowsIt) {
     MixerRig rig(10);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     ui::SoundVistaDialog& dialog = rig.dialogs.SoundVista;
     Find<QSlider>(dialog, "sldSpeakers").setValue(50);
@@ -214,7 +214,7 @@ TEST(VistaDialog, MovesTheCardAndShowsIt) {
 
 TEST(VistaDialog, ShowsWhatOthersChangeAtOnce) {
     MixerRig rig(10);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     rig.mixer.SetValues(MixerFunction::kLineRecord, {6554, 6554});
     Settle(rig);
     EXPECT_EQ(Find<QSlider>(rig.dialogs.SoundVista, "sldLine").value(), 10);
@@ -223,7 +223,7 @@ TEST(VistaDialog, ShowsWhatOthersChangeAtOnce) {
 
 TEST(VistaDialog, ChecksTheBoostThatOthersSwitchOn) {
     MixerRig rig(10);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     EXPECT_FALSE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
     rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
@@ -234,7 +234,7 @@ TEST(VistaDialog, ChecksTheBoostThatOthersSwitchOn) {
 // Speaker and Master are the same control of this card.
 TEST(VistaDialog, RaisesTheMasterFromZero) {
     MixerRig rig(10);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(0);
     Settle(rig);
     Find<QSlider>(rig.dialogs.SoundVista, "sldMaster").setValue(20);
@@ -246,7 +246,7 @@ TEST(VistaDialog, RaisesTheMasterFromZero) {
 
 TEST(VistaDialog, GreysWhatTheCardLacks) {
     MixerRig rig(10, {MixerFunction::kMicRecord, MixerFunction::kLineMute, MixerFunction::kMasterVolume});
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     for (const char* name : {"sldMic", "lblMicRecord", "percent_sldMic", "chkLinePlay", "sldMaster",
                              "capMaster", "sldSpeakers", "lblSpeaker"})
@@ -259,14 +259,14 @@ TEST(VistaDialog, GreysWhatTheCardLacks) {
 // Without placeholders the last volume and the last mute would be the microphone's.
 TEST(VistaDialog, OfACardWithoutMasterMovesNothingElse) {
     MixerRig rig(10, {MixerFunction::kMasterVolume, MixerFunction::kMasterMute});
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     const auto level = rig.mixer.Values(MixerFunction::kMicVolume);
     const auto mute = rig.mixer.Values(MixerFunction::kMicMute);
     EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
     EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
     Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(90);
-    rig.session.SoundVista.chkSpeakerMute.UserSets(mute.front() == 0);
+    rig.mixers.SoundVista.chkSpeakerMute.UserSets(mute.front() == 0);
     Settle(rig);
     EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicVolume), level);
     EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute), mute);
@@ -275,18 +275,18 @@ TEST(VistaDialog, OfACardWithoutMasterMovesNothingElse) {
 
 TEST(VistaDialog, OfAMasterWithoutMuteLeavesTheMicrophonesMute) {
     MixerRig rig(10, {MixerFunction::kMasterMute});
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
     EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
-    rig.session.SoundVista.chkSpeakerMute.UserSets(false);
+    rig.mixers.SoundVista.chkSpeakerMute.UserSets(false);
     EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute)[0], 1);
     EXPECT_EQ(rig.mixer.Writes(), 0);
 }
 
 TEST(ToneDialog, MovesTheCardsTones) {
     MixerRig rig(10);
-    rig.session.SoundVista.ShowTone();
+    rig.mixers.SoundVista.ShowTone();
     Settle(rig);
     Find<QSlider>(rig.dialogs.Tone, "sldBass").setValue(-6);
     Settle(rig);
@@ -296,7 +296,7 @@ TEST(ToneDialog, MovesTheCardsTones) {
 
 TEST(OlderDialog, SlidersRiseToTheRight) {
     MixerRig rig(5);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     EXPECT_TRUE(rig.dialogs.Sound.isVisible());
     auto& wave = Find<QSlider>(rig.dialogs.Sound, "WaveOut");
@@ -327,21 +327,21 @@ void ExpectStepsOfTheCard(Dialog& dialog, Form& form, std::initializer_list<Slid
 TEST(VistaDialog, StepsByTheStepsOfTheCard) {
     MixerRig rig(10);
     ExpectStepsOfTheCard<QWidget, frmSoundVista>(
-        rig.dialogs.SoundVista, rig.session.SoundVista,
+        rig.dialogs.SoundVista, rig.mixers.SoundVista,
         {&frmSoundVista::sldSpeakers, &frmSoundVista::sldMaster, &frmSoundVista::sldLinePlay,
          &frmSoundVista::sldMicPlay, &frmSoundVista::sldMic, &frmSoundVista::sldLine});
 }
 
 TEST(OlderDialog, StepsByTheStepsOfTheCard) {
     MixerRig rig(5);
-    ExpectStepsOfTheCard<QWidget, frmSound>(rig.dialogs.Sound, rig.session.Sound,
+    ExpectStepsOfTheCard<QWidget, frmSound>(rig.dialogs.Sound, rig.mixers.Sound,
                                             {&frmSound::MasterOut, &frmSound::WaveOut, &frmSound::LineOut,
                                              &frmSound::playMic, &frmSound::MicIn, &frmSound::LineIn});
 }
 
 TEST(OlderDialog, GoesToTheEndsByKey) {
     MixerRig rig(5);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     for (auto* slider : rig.dialogs.Sound.findChildren<QSlider*>()) {
         QTest::keyClick(slider, Qt::Key_Home);
@@ -357,7 +357,7 @@ TEST(OlderDialog, GoesToTheEndsByKey) {
 
 TEST(OlderDialog, SelectsOneSource) {
     MixerRig rig(5);
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     Settle(rig);
     auto& mic = Find<QRadioButton>(rig.dialogs.Sound, "chkmic");
     auto& line = Find<QRadioButton>(rig.dialogs.Sound, "chkline");

@@ -17,10 +17,10 @@ struct MixerRig {
         desktop.majorVersion = osMajorVersion;
         for (const MixerFunction function : missing) mixer.Remove(function);
         const std::string name = SimulatedSoundSystem::kDescription;
-        session.PointMixersAt(name, name);
-        if (osMajorVersion >= 6) session.ReopenSoundCard(name, name);
-        session.CaptureAndApplySaved(osMajorVersion >= 6);
-        session.SetUpSoundControls();
+        mixers.PointMixersAt(name, name);
+        if (osMajorVersion >= 6) mixers.ReopenSoundCard(name, name);
+        mixers.CaptureAndApplySaved(osMajorVersion >= 6);
+        mixers.SetUpSoundControls();
     }
 
     CallLog log;
@@ -33,10 +33,10 @@ struct MixerRig {
     SimulatedMixer mixer{card, loop};
     StoredPlaces places{store, desktop};
     MemoryJournal journal;
-    SoundCardMixers session{{store, messages, places, mixer, journal}};
+    SoundCardMixers mixers{{store, messages, places, mixer, journal}};
     HandlerGuard guard{messages, errorLog};
     QWidget parent;
-    ui::MixerDialogs dialogs{session, guard, parent};
+    ui::MixerDialogs dialogs{mixers, guard, parent};
 };
 
 }  // namespace sonavex

@@ -87,7 +87,7 @@ void Program::MakeForm() {
     errorLog_->OnLine = WriteLine;
     mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_, JournalFile());
     form_ = std::make_unique<frmMain>(
-        frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Session()});
+        frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Mixers()});
     // Restores the user's levels after any request to end the program.
     termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
     form_->OnClosed = [this](int status) {
@@ -114,7 +114,7 @@ void Program::ConnectDialogs() {
 
 void Program::ConnectMenus() {
     menus_ = std::make_unique<MenuCommands>(
-        MenuCommands::Needs{launcher_, dialogs_, help_, form_->Instrument.Shared, mixers_->Session(),
+        MenuCommands::Needs{launcher_, dialogs_, help_, form_->Instrument.Shared, mixers_->Mixers(),
                             Version()},
         form_->Menus);
     menus_->ShowAbout = [this] { ShowAbout(); };
@@ -140,8 +140,8 @@ void Program::Load() {
     splash_.OnShow = [this] { splashWindow_->Refresh(); };
     splash_.Form_Load(Version());
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
-    mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Session(), form_->Guard, *window_);
-    window_->TellSize();
+    mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Mixers(), form_->Guard, *window_);
+    window_->ReportSize();
     form_->Form_Load();
     CloseSplash();
 }

@@ -47,7 +47,7 @@ public:
 
     // Valid if Open returned no status.
     frmMain& Form() { return *form_; }
-    SoundCardMixers& Mixers() { return mixers_->Session(); }
+    SoundCardMixers& Mixers() { return mixers_->Mixers(); }
     ui::MainWindow& Window() { return *window_; }
 
 private:

@@ -53,6 +53,6 @@ ProgramMixers::ProgramMixers(SoundSystem& sound, EventLoop& loop, SettingsStore&
     : hardware_(MixersOf(sound, loop)),
       places_(store, desktop),
       journal_(journalFile),
-      session_({store, dialogs, places_, *hardware_, journal_}) {}
+      mixers_({store, dialogs, places_, *hardware_, journal_}) {}
 
 }  // namespace sonavex::app

@@ -18,13 +18,13 @@ public:
     ProgramMixers(SoundSystem& sound, EventLoop& loop, SettingsStore& store, Desktop& desktop,
                   Dialogs& dialogs, const std::filesystem::path& journalFile);
 
-    SoundCardMixers& Session() noexcept { return session_; }
+    SoundCardMixers& Mixers() noexcept { return mixers_; }
 
 private:
     std::unique_ptr<MixerHardware> hardware_;
     StoredPlaces places_;
     FileMixerJournal journal_;
-    SoundCardMixers session_;
+    SoundCardMixers mixers_;
 };
 
 }  // namespace sonavex::app

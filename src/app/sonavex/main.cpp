@@ -8,13 +8,13 @@
 
 #include "app/sonavex/Program.h"
 #include "platform/plain/UserFolders.h"
-#include "ui/FaceStyle.h"
+#include "ui/ProgramStyle.h"
 
 int main(int argc, char** argv) {
     sonavex::KeepFilesFromEverybody();
     QApplication application(argc, argv);
     if (argc == 2 && std::strcmp(argv[1], "--probe-display") == 0) return 0;
-    QApplication::setStyle(new sonavex::ui::FaceStyle);
+    QApplication::setStyle(new sonavex::ui::ProgramStyle);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/sonavex.png")));
     QGuiApplication::setDesktopFileName(QStringLiteral("sonavex"));
     QApplication::setApplicationName(sonavex::frmMain::kApplicationTitle);

@@ -144,11 +144,11 @@ void StreamEngine::ReleaseObjects() {
     captureDevice_.reset();
 }
 
-bool StreamEngine::ReStart(Telling telling) {
+bool StreamEngine::ReStart(Reporting reporting) {
     if (restarting_) return false;
     BusyPointer busyPointer(needs_.dialogs);
     const ScopedFlag restarting(restarting_);
-    quiet_ = telling == Telling::kQuiet;
+    quiet_ = reporting == Reporting::kQuiet;
     Stop();
     DestroyEvents([this] { needs_.loop.Yield(); });
     ReleaseObjects();

@@ -61,8 +61,8 @@ public:
 
     // Rebuilds everything after a change of device or rate. False on failure, or if a restart is already
     // running. kQuiet reports no failure and never ends the program.
-    enum class Telling { kReport, kQuiet };
-    bool ReStart(Telling telling = Telling::kReport);
+    enum class Reporting { kReport, kQuiet };
+    bool ReStart(Reporting reporting = Reporting::kReport);
 
     // Call after a loss: stops capture and playback and destroys the events. ReStart brings the engine back.
     void Abandon();

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kLookEvery = 100ms;
+constexpr auto kCheckEvery = 100ms;
 constexpr auto kTryEvery = 1s;
 // A slow attempt, because the server does not answer, lengthens the pause: the window must stay usable.
 constexpr int kPauseOverTry = 4;
@@ -20,7 +20,7 @@ constexpr std::int64_t kPatientBlocks = 3;
 
 // A longer gap between two checks means that the event loop was blocked; the notification may be queued, so
 // the gap does not count.
-constexpr auto kHoldUp = 1s;
+constexpr auto kBlockedTime = 1s;
 
 constexpr const char* kLostMessage = "The sound device in use was lost. Measuring has stopped.";
 constexpr const char* kWaiting = "Waiting for the sound device.";
@@ -55,9 +55,9 @@ StreamWatch::~StreamWatch() {
 
 void StreamWatch::Start() {
     BeginPatience();
-    lastLook_ = needs_.loop.Now();
+    lastCheck_ = needs_.loop.Now();
     needs_.sound.OnDeviceLost([this](const RuntimeError& error) { DeviceLost(error); });
-    if (timer_ == 0) timer_ = needs_.loop.StartTimer(kLookEvery, [this] { Look(); });
+    if (timer_ == 0) timer_ = needs_.loop.StartTimer(kCheckEvery, [this] { Check(); });
 }
 
 void StreamWatch::Stop() {
@@ -102,11 +102,11 @@ bool StreamWatch::Watching() const {
            !(Held && Held());
 }
 
-void StreamWatch::Look() {
+void StreamWatch::Check() {
     const Time now = needs_.loop.Now();
-    ForgiveHoldUp(now);
+    ExcludeBlockedTime(now);
     FollowStarts();
-    MarkStandstill(now);
+    MarkStale(now);
     // While a message or a selection of devices is open, the stream is not judged, and the limits start again
     // afterwards.
     if (!Watching()) {
@@ -114,16 +114,16 @@ void StreamWatch::Look() {
         return;
     }
     if (!needs_.shared.EventsReady)
-        LookForReturn();
+        CheckForReturn();
     else if (loss_)
         TakeLoss(RuntimeError(*loss_), false);
     else
-        LookForStall(now);
+        CheckForStall(now);
 }
 
-void StreamWatch::ForgiveHoldUp(Time now) {
-    const Time pause = now - std::exchange(lastLook_, now);
-    if (pause < kHoldUp) return;
+void StreamWatch::ExcludeBlockedTime(Time now) {
+    const Time pause = now - std::exchange(lastCheck_, now);
+    if (pause < kBlockedTime) return;
     lastNotification_ = std::min(lastNotification_ + pause, now);
     lastBlock_ = std::min(lastBlock_ + pause, now);
 }
@@ -135,7 +135,7 @@ void StreamWatch::FollowStarts() {
     onTrial_ = false;
 }
 
-void StreamWatch::MarkStandstill(Time now) {
+void StreamWatch::MarkStale(Time now) {
     if (stopped_ || now - lastBlock_ <= Patience()) return;
     const char* reason = kFailing;
     if (!needs_.shared.EventsReady)
@@ -147,7 +147,7 @@ void StreamWatch::MarkStandstill(Time now) {
     SetStopped(true, reason);
 }
 
-void StreamWatch::LookForStall(Time now) {
+void StreamWatch::CheckForStall(Time now) {
     if (now - lastNotification_ > (awaitingFirst_ ? StartPatience() : Patience()))
         TakeLoss({sound_error::kBufferLost, kStalled}, true);
 }
@@ -191,7 +191,7 @@ bool StreamWatch::ChoiceGivenUp() const {
            needs_.settings.Text(keys::kInput) != needs_.engine.InputDeviceId;
 }
 
-void StreamWatch::LookForReturn() {
+void StreamWatch::CheckForReturn() {
     const Time begin = needs_.loop.Now();
     if (begin < nextTry_) return;
     if (DevicesListed()) TryAgain();
@@ -202,7 +202,7 @@ void StreamWatch::LookForReturn() {
 void StreamWatch::TryAgain() {
     onTrial_ = true;
     try {
-        if (needs_.engine.ReStart(StreamEngine::Telling::kQuiet)) {
+        if (needs_.engine.ReStart(StreamEngine::Reporting::kQuiet)) {
             BeginPatience();
             if (OnRestarted) OnRestarted();
             return;

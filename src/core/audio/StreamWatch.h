@@ -81,12 +81,12 @@ public:
 private:
     using Time = std::chrono::nanoseconds;
 
-    void Look();
-    void ForgiveHoldUp(Time now);
+    void Check();
+    void ExcludeBlockedTime(Time now);
     void FollowStarts();
-    void MarkStandstill(Time now);
-    void LookForStall(Time now);
-    void LookForReturn();
+    void MarkStale(Time now);
+    void CheckForStall(Time now);
+    void CheckForReturn();
     void TryAgain();
     void TakeLoss(const RuntimeError& error, bool stalled);
     void GiveUp(const RuntimeError& error);
@@ -100,7 +100,7 @@ private:
     Needs needs_;
     Policy policy_;
     EventLoop::TimerId timer_ = 0;
-    Time lastLook_{};
+    Time lastCheck_{};
     Time lastNotification_{};
     Time lastBlock_{};
     Time nextTry_{};

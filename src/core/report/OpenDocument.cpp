@@ -5,7 +5,7 @@
 namespace sonavex {
 namespace {
 
-void Tell(Dialogs& dialogs, std::int32_t error) {
+void ReportFailure(Dialogs& dialogs, std::int32_t error) {
     if (error == 0) return;
     dialogs.Message("Unable to execute command Error: " + CStr(error), MessageIcon::kNone);
 }
@@ -13,11 +13,11 @@ void Tell(Dialogs& dialogs, std::int32_t error) {
 }  // namespace
 
 void OpenDocument(Launcher& launcher, Dialogs& dialogs, const std::string& target) {
-    Tell(dialogs, launcher.Open(target));
+    ReportFailure(dialogs, launcher.Open(target));
 }
 
 void RunCommand(Launcher& launcher, Dialogs& dialogs, const std::string& commandLine) {
-    Tell(dialogs, launcher.Run(commandLine));
+    ReportFailure(dialogs, launcher.Run(commandLine));
 }
 
 }  // namespace sonavex

@@ -39,7 +39,7 @@ QSize HarmonicBar::sizeHint() const {
 
 void HarmonicBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    PaintGround(painter, *this);
+    PaintBackground(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Theme& theme = Theme::Current();
     QRectF track(rect());

@@ -81,7 +81,7 @@ void LevelBar::PaintMark(QPainter& painter, const QRectF& track, double fraction
 
 void LevelBar::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    PaintGround(painter, *this);
+    PaintBackground(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Theme& theme = Theme::Current();
     const QRectF track = Track();

@@ -30,7 +30,7 @@ QSize LockLamp::sizeHint() const {
 
 void LockLamp::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    PaintGround(painter, *this);
+    PaintBackground(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double side = std::min(width(), height());
     painter.translate((width() - side) / 2.0, (height() - side) / 2.0);

@@ -55,9 +55,9 @@ QFrame[card="true"] { background: @card; border: 1px solid @border; border-radiu
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
 QLabel[stale="true"] { color: @border; }
-QLabel[ground="card"] { background: @card; }
-QLabel[ground="stripe"] { background: @stripe; }
-QLabel[ground="window"] { background: @window; }
+QLabel[background="card"] { background: @card; }
+QLabel[background="stripe"] { background: @stripe; }
+QLabel[background="window"] { background: @window; }
 QLabel[role="alarm"] { color: @overload; border: 1px solid @overload; border-radius: 9px; padding: 1px 12px; }
 QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
 QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
@@ -114,7 +114,7 @@ QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 
 
 // Paints a label's background before its text. The background in the style sheet only prevents Qt from
 // treating the label as transparent; Qt does not paint it for an opaque label.
-class GroundPainter : public QObject {
+class BackgroundPainter : public QObject {
 public:
     using QObject::QObject;
 
@@ -123,7 +123,7 @@ protected:
         auto* const label = event->type() == QEvent::Paint ? qobject_cast<QLabel*>(watched) : nullptr;
         if (label == nullptr) return false;
         QPainter painter(label);
-        PaintGround(painter, *label);
+        PaintBackground(painter, *label);
         return false;
     }
 };
@@ -173,29 +173,29 @@ const Theme& Theme::Current() {
     return QApplication::palette().color(QPalette::Window).lightness() < 128 ? dark : light;
 }
 
-void StandOnGround(QWidget& widget) {
-    const char* ground = "window";
+void PaintOwnBackground(QWidget& widget) {
+    const char* background = "window";
     for (const QWidget* below = widget.parentWidget(); below != nullptr; below = below->parentWidget()) {
         if (below->property("stripe").toBool())
-            ground = "stripe";
+            background = "stripe";
         else if (below->property("card").toBool())
-            ground = "card";
+            background = "card";
         else
             continue;
         break;
     }
-    widget.setProperty("ground", QByteArray(ground));
+    widget.setProperty("background", QByteArray(background));
     widget.setAttribute(Qt::WA_OpaquePaintEvent);
-    if (qobject_cast<QLabel*>(&widget) != nullptr) widget.installEventFilter(new GroundPainter(&widget));
+    if (qobject_cast<QLabel*>(&widget) != nullptr) widget.installEventFilter(new BackgroundPainter(&widget));
 }
 
-void PaintGround(QPainter& painter, const QWidget& widget) {
-    const QByteArray ground = widget.property("ground").toByteArray();
-    if (ground.isEmpty()) return;
+void PaintBackground(QPainter& painter, const QWidget& widget) {
+    const QByteArray background = widget.property("background").toByteArray();
+    if (background.isEmpty()) return;
     const Theme& theme = Theme::Current();
-    painter.fillRect(widget.rect(), ground == "card"     ? theme.card
-                                    : ground == "stripe" ? theme.stripe
-                                                         : theme.window);
+    painter.fillRect(widget.rect(), background == "card"     ? theme.card
+                                    : background == "stripe" ? theme.stripe
+                                                             : theme.window);
 }
 
 void ApplyTheme(QWidget& window) {

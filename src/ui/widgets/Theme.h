@@ -52,9 +52,9 @@ private:
 
 // Makes a widget paint its own background (card, stripe or window), so that a change repaints only this
 // widget. Call before ApplyTheme.
-void StandOnGround(QWidget& widget);
-// Paints the background set by StandOnGround, if any. Needed by widgets that paint themselves; labels do it
-// automatically.
-void PaintGround(QPainter& painter, const QWidget& widget);
+void PaintOwnBackground(QWidget& widget);
+// Paints the background set by PaintOwnBackground, if any. Needed by widgets that paint themselves; labels do
+// it automatically.
+void PaintBackground(QPainter& painter, const QWidget& widget);
 
 }  // namespace sonavex::ui

@@ -26,9 +26,9 @@ const NullSink kCard{"card", 48000, "TestCard"};
 const NullSink kOther{"other", 48000, "OtherCard"};
 
 // The instrument without its window on a server, capturing the monitor of the sink that it plays on.
-class Instrument : public WorldOf<PlainEventLoop> {
+class ServerForm : public WorldOf<PlainEventLoop> {
 public:
-    explicit Instrument(const SoundServer& server) : sound(loop, server.Address()) {
+    explicit ServerForm(const SoundServer& server) : sound(loop, server.Address()) {
         store.Save("SoundCard", "Output", "card");
         store.Save("SoundCard", "Input", "card.monitor");
         store.Save("SoundCard", "SampleRate", "0");
@@ -70,9 +70,8 @@ public:
 
 // The loaded selection form over the instrument.
 struct Selection {
-    explicit Selection(Instrument& instrument)
-        : form(instrument.form.DevicesNeeds(instrument.files, instrument.help),
-               instrument.form.DevicesLabels()) {
+    explicit Selection(ServerForm& rig)
+        : form(rig.form.DevicesNeeds(rig.files, rig.help), rig.form.DevicesLabels()) {
         form.OnClosed = [this] { closed = true; };
         form.Form_Load();
     }
@@ -81,28 +80,28 @@ struct Selection {
 };
 
 void CheckSelectionOn(const SoundServer& server) {
-    Instrument instrument(server);
-    instrument.form.Form_Load();
-    ASSERT_TRUE(instrument.Measures());
-    instrument.form.ShowDeviceDialog = [&] {
-        Selection selection(instrument);
+    ServerForm rig(server);
+    rig.form.Form_Load();
+    ASSERT_TRUE(rig.Measures());
+    rig.form.ShowDeviceDialog = [&] {
+        Selection selection(rig);
         EXPECT_EQ(selection.form.cmbOutputMixer.Text(), "TestCard");
         EXPECT_TRUE(selection.form.cmdCancel.Enabled());
-        Instrument::Select(selection.form.cmbOutputMixer, "OtherCard");
-        Instrument::Select(selection.form.cmbInputMixer, "Monitor of OtherCard");
+        ServerForm::Select(selection.form.cmbOutputMixer, "OtherCard");
+        ServerForm::Select(selection.form.cmbInputMixer, "Monitor of OtherCard");
         selection.form.cmdOkay.Press();
         EXPECT_TRUE(selection.closed);
     };
-    instrument.form.mnuSelectCard.UserChooses();
-    EXPECT_EQ(instrument.form.lblOutput.Caption(), "OtherCard");
-    EXPECT_EQ(instrument.form.lblInput.Caption(), "Monitor of OtherCard");
-    EXPECT_EQ(instrument.store.Get("SoundCard", "Output", ""), "other");
-    EXPECT_FALSE(instrument.form.Instrument.Meter.Generator.SweepRunning);
-    EXPECT_TRUE(instrument.Measures());
+    rig.form.mnuSelectCard.UserChooses();
+    EXPECT_EQ(rig.form.lblOutput.Caption(), "OtherCard");
+    EXPECT_EQ(rig.form.lblInput.Caption(), "Monitor of OtherCard");
+    EXPECT_EQ(rig.store.Get("SoundCard", "Output", ""), "other");
+    EXPECT_FALSE(rig.form.Instrument.Meter.Generator.SweepRunning);
+    EXPECT_TRUE(rig.Measures());
     EXPECT_THAT(server.Control({"list", "short", "sink-inputs"}),
-                HasSubstr("\t" + Instrument::NumberOf(server, "other") + "\t"));
-    EXPECT_EQ(instrument.log.Count("Append"), 0U);
-    instrument.form.Form_QueryUnload();
+                HasSubstr("\t" + ServerForm::NumberOf(server, "other") + "\t"));
+    EXPECT_EQ(rig.log.Count("Append"), 0U);
+    rig.form.Form_QueryUnload();
 }
 
 TEST(PulseDevicesForm, MovesTheMeasurementToAnotherSink) {
@@ -116,17 +115,17 @@ TEST(PulseDevicesForm, MovesTheMeasurementToAnotherSinkOnPipeWire) {
 }
 
 void CheckRatesOn(const SoundServer& server) {
-    Instrument instrument(server);
-    instrument.form.Form_Load();
+    ServerForm rig(server);
+    rig.form.Form_Load();
     for (const char* rate : {"44100", "32000", "48000"}) {
-        Selection selection(instrument);
-        Instrument::Select(selection.form.cmbSampleRate, rate);
+        Selection selection(rig);
+        ServerForm::Select(selection.form.cmbSampleRate, rate);
         selection.form.cmdOkay.Press();
         EXPECT_TRUE(selection.closed) << rate;
-        EXPECT_EQ(instrument.form.lblSampleRate.Caption(), rate);
-        EXPECT_TRUE(instrument.Measures()) << rate;
+        EXPECT_EQ(rig.form.lblSampleRate.Caption(), rate);
+        EXPECT_TRUE(rig.Measures()) << rate;
     }
-    instrument.form.Form_QueryUnload();
+    rig.form.Form_QueryUnload();
 }
 
 TEST(PulseDevicesForm, ChangesTheRate) {
@@ -142,30 +141,30 @@ TEST(PulseDevicesForm, ChangesTheRateOnPipeWire) {
 // A card is unloaded between the list and Okay: one record, and another card can be selected.
 void CheckVanishedOn(const SoundServer& server) {
     const std::string module = server.LoadNullSink(kOther);
-    Instrument instrument(server);
+    ServerForm rig(server);
     int shown = 0;
-    instrument.report.ShowDialog = [&] { ++shown; };
-    instrument.form.Form_Load();
-    Selection selection(instrument);
-    Instrument::Select(selection.form.cmbOutputMixer, "OtherCard");
+    rig.report.ShowDialog = [&] { ++shown; };
+    rig.form.Form_Load();
+    Selection selection(rig);
+    ServerForm::Select(selection.form.cmbOutputMixer, "OtherCard");
     server.Control({"unload-module", module});
     selection.form.cmdOkay.Press();
     EXPECT_FALSE(selection.closed);
-    EXPECT_FALSE(instrument.form.Instrument.Shared.EventsReady);
+    EXPECT_FALSE(rig.form.Instrument.Shared.EventsReady);
     EXPECT_EQ(shown, 1);
-    const std::string record = instrument.files.files["Quenby Error.txt"];
+    const std::string record = rig.files.files["Quenby Error.txt"];
     EXPECT_THAT(record, HasSubstr("Check proper sound card installation\n"));
     EXPECT_THAT(record, HasSubstr("88780078/-2005401480/DSERR_NODRIVER\n"));
     EXPECT_THAT(record, HasSubstr("Output Guid: other\n"));
     EXPECT_THAT(record, HasSubstr("TestCard\ncard\nmodule-null-sink.c\n\n"));
     EXPECT_THAT(record, HasSubstr("card.monitor****** Selected *******\n"));
     EXPECT_THAT(record, EndsWith("+ END ++++++++++++++++++++++++++++++++++++++\n"));
-    Instrument::Select(selection.form.cmbOutputMixer, "TestCard");
+    ServerForm::Select(selection.form.cmbOutputMixer, "TestCard");
     selection.form.cmdOkay.Press();
     EXPECT_TRUE(selection.closed);
-    EXPECT_EQ(instrument.files.files.count("Quenby Error.txt"), 0U);
-    EXPECT_TRUE(instrument.Measures());
-    instrument.form.Form_QueryUnload();
+    EXPECT_EQ(rig.files.files.count("Quenby Error.txt"), 0U);
+    EXPECT_TRUE(rig.Measures());
+    rig.form.Form_QueryUnload();
 }
 
 TEST(PulseDevicesForm, KeepsOpenForAnotherCardWhenOneIsGone) {
@@ -176,23 +175,23 @@ TEST(PulseDevicesForm, KeepsOpenForAnotherCardWhenOneIsGone) {
 // A start with a missing stored card opens the selection, which asks for another one.
 TEST(PulseDevicesForm, StartsThroughTheSelectionWhenTheStoredCardIsGone) {
     const PulseServer server({kCard});
-    Instrument instrument(server);
-    instrument.store.Save("SoundCard", "Output", "gone");
+    ServerForm rig(server);
+    rig.store.Save("SoundCard", "Output", "gone");
     int shown = 0;
-    instrument.report.ShowDialog = [&] { ++shown; };
-    instrument.form.ShowDeviceDialog = [&] {
-        Selection selection(instrument);
+    rig.report.ShowDialog = [&] { ++shown; };
+    rig.form.ShowDeviceDialog = [&] {
+        Selection selection(rig);
         selection.form.cmdOkay.Press();
-        EXPECT_THAT(instrument.log.Of("Message"),
+        EXPECT_THAT(rig.log.Of("Message"),
                     testing::ElementsAre("Message critical Please select valid Playback/Output device"));
-        Instrument::Select(selection.form.cmbOutputMixer, "TestCard");
+        ServerForm::Select(selection.form.cmbOutputMixer, "TestCard");
         selection.form.cmdOkay.Press();
         EXPECT_TRUE(selection.closed);
     };
-    instrument.form.Form_Load();
+    rig.form.Form_Load();
     EXPECT_EQ(shown, 1);
-    EXPECT_TRUE(instrument.Measures());
-    instrument.form.Form_QueryUnload();
+    EXPECT_TRUE(rig.Measures());
+    rig.form.Form_QueryUnload();
 }
 
 }  // namespace

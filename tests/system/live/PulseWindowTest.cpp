@@ -22,8 +22,8 @@
 #include "support/PulseServer.h"
 #include "support/QtWait.h"
 #include "support/World.h"
-#include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
+#include "ui/ProgramStyle.h"
 #include "ui/widgets/FrequencySlider.h"
 
 namespace sonavex {

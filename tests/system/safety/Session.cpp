@@ -21,15 +21,15 @@
 #include "support/DialogUser.h"
 #include "support/Files.h"
 #include "support/QtWait.h"
-#include "ui/FaceStyle.h"
 #include "ui/HelpWindow.h"
+#include "ui/ProgramStyle.h"
 
 namespace sonavex {
 namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kSessionCommand = "--somebody-does";
+constexpr const char* kSessionCommand = "--answer-dialogs";
 constexpr std::int64_t kBlocks = 12;
 constexpr auto kLimit = 60s;
 
@@ -38,7 +38,7 @@ void Say(const std::string& what, QString text) {
 }
 
 // Answers every dialog that opens.
-class Somebody {
+class DialogAnswers {
 public:
     // Destination for the print dialog: a printer's name or a file.
     QString Printer;
@@ -123,19 +123,19 @@ void Launch(const QString& path) {
     WaitInQt(500ms);
 }
 
-void Do(app::Program& program, Somebody& somebody, const QString& step) {
+void Do(app::Program& program, DialogAnswers& answers, const QString& step) {
     const QString rest = step.section(u'=', 1);
-    somebody.File.clear();
-    somebody.Printer.clear();
+    answers.File.clear();
+    answers.Printer.clear();
     if (step == QLatin1String("measure")) return Measure(program);
     if (step == QLatin1String("help")) return Help(program);
     if (step == QLatin1String("settings")) return QApplication::processEvents();
     if (step.startsWith(QLatin1String("file="))) {
-        somebody.File = rest;
+        answers.File = rest;
         return Print(program);
     }
     if (step.startsWith(QLatin1String("print="))) {
-        somebody.Printer = rest;
+        answers.Printer = rest;
         return Print(program);
     }
     if (step.startsWith(QLatin1String("run="))) return Launch(rest);
@@ -143,11 +143,11 @@ void Do(app::Program& program, Somebody& somebody, const QString& step) {
 }
 
 int Run(const QStringList& steps) {
-    Somebody somebody;
+    DialogAnswers answers;
     app::Program program;
     if (const std::optional<int> ended = program.Open()) return *ended;
     QTimer::singleShot(0, [&] {
-        for (const QString& step : steps) Do(program, somebody, step);
+        for (const QString& step : steps) Do(program, answers, step);
         program.Window().close();
     });
     return QApplication::exec();
@@ -165,7 +165,7 @@ std::optional<int> RunSession(int argc, char** argv) {
     if (argc < 2 || argv[1] != std::string(kSessionCommand)) return std::nullopt;
     KeepFilesFromEverybody();
     QApplication application(argc, argv);
-    QApplication::setStyle(new ui::FaceStyle);
+    QApplication::setStyle(new ui::ProgramStyle);
     QApplication::setQuitOnLastWindowClosed(false);
     const int status = Run(QApplication::arguments().mid(2));
     std::cout << "done" << std::endl;

@@ -13,9 +13,9 @@
 #include "support/RecordingLauncher.h"
 #include "support/RecordingPrinter.h"
 #include "ui/AboutDialog.h"
-#include "ui/FaceStyle.h"
 #include "ui/HelpWindow.h"
 #include "ui/PrintDialog.h"
+#include "ui/ProgramStyle.h"
 #include "ui/widgets/Theme.h"
 
 namespace {
@@ -84,7 +84,7 @@ bool PictureAll(const QString& folder, bool dark) {
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    QApplication::setStyle(new ui::FaceStyle);
+    QApplication::setStyle(new ui::ProgramStyle);
     if (argc != 2) {
         std::fprintf(stderr, "usage: sonavex-dialog-screenshots FOLDER\n");
         return 2;

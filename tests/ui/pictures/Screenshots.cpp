@@ -9,9 +9,9 @@
 #include <string>
 
 #include "support/FormRig.h"
-#include "ui/FaceStyle.h"
 #include "ui/MainWindow.h"
 #include "ui/MixerRig.h"
+#include "ui/ProgramStyle.h"
 #include "ui/pictures/DialogPictures.h"
 #include "ui/widgets/Theme.h"
 
@@ -147,17 +147,17 @@ struct MixerScene {
 };
 
 QWidget& ShowSound(MixerRig& rig) {
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     return rig.dialogs.Sound;
 }
 
 QWidget& ShowSoundVista(MixerRig& rig) {
-    rig.session.ShowSoundCard();
+    rig.mixers.ShowSoundCard();
     return rig.dialogs.SoundVista;
 }
 
 QWidget& ShowTone(MixerRig& rig) {
-    rig.session.SoundVista.ShowTone();
+    rig.mixers.SoundVista.ShowTone();
     return rig.dialogs.Tone;
 }
 
@@ -211,7 +211,7 @@ bool Picture(const Scene& scene, bool dark, const QString& folder) {
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    QApplication::setStyle(new ui::FaceStyle);
+    QApplication::setStyle(new ui::ProgramStyle);
     if (argc != 2) {
         std::fprintf(stderr, "usage: sonavex-screenshots FOLDER\n");
         return 2;

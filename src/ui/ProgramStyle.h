@@ -5,9 +5,9 @@
 namespace sonavex::ui {
 
 // Qt's style with check boxes and option buttons that are visible on dark and light cards.
-class FaceStyle : public QProxyStyle {
+class ProgramStyle : public QProxyStyle {
 public:
-    FaceStyle();
+    ProgramStyle();
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;

@@ -1,4 +1,4 @@
-#include "ui/FaceStyle.h"
+#include "ui/ProgramStyle.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -8,10 +8,10 @@
 
 namespace sonavex::ui {
 
-FaceStyle::FaceStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+ProgramStyle::ProgramStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
-void FaceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
-                              const QWidget* widget) const {
+void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                                 const QWidget* widget) const {
     if (element != PE_IndicatorCheckBox && element != PE_IndicatorRadioButton) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
