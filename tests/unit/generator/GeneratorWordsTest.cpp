@@ -46,6 +46,13 @@ TEST_F(GeneratorWordsTest, SayWhereASweepIs) {
     EXPECT_EQ(Words().detail, "") << "stopped";
 }
 
+TEST_F(GeneratorWordsTest, IgnoreTonesThatDoNotPlay) {
+    generator.SetGeneratorRunning(true);
+    AddSweep(1250.0);
+    generator.NumTones = 0;
+    EXPECT_EQ(Words().detail, "");
+}
+
 TEST_F(GeneratorWordsTest, SayThatASweepHasEnded) {
     generator.SetGeneratorRunning(true);
     AddSweep(2000.0);
