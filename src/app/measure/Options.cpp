@@ -108,7 +108,7 @@ void AddRun(CLI::App& command, RunOptions& options) {
                 options.seconds =
                     NumberOf("--seconds", "0 to 1000000 seconds", {0.0, kLongestRunSeconds}, text);
             },
-            "Time from the start of playback; goes on until two updates are complete")
+            "Time from the start of playback; continues until two updates are complete")
         ->type_name("S")
         ->default_str("5");
     AddMeterOptions(command, options);

@@ -24,9 +24,9 @@ constexpr auto kBlockedTime = 1s;
 
 constexpr const char* kLostMessage = "The sound device in use was lost. Measuring has stopped.";
 constexpr const char* kWaiting = "Waiting for the sound device.";
-constexpr const char* kStalled = "The sound device no longer delivers anything.";
+constexpr const char* kStalled = "The sound device has stopped delivering sound.";
 constexpr const char* kHeldBack = "Measuring waits until the message is closed.";
-constexpr const char* kFailing = "What is captured cannot be measured.";
+constexpr const char* kFailing = "The captured signal cannot be measured.";
 constexpr const char* kNotRunning = "No sound device is in use.";
 
 // The device in use and the stored choice.

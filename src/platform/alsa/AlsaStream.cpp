@@ -181,9 +181,9 @@ std::string AlsaStream::LossText() const {
         case Loss::kSuspended:
             return device + "has been suspended.";
         case Loss::kStalled:
-            return device + "stands still: it moves no samples any more.";
+            return device + "has stalled: it no longer moves samples.";
         case Loss::kFailing:
-            return device + "fails: it does not go on after an interruption.";
+            return device + "has failed: it did not resume after an interruption.";
         case Loss::kNone:
             break;
     }

@@ -119,7 +119,8 @@ void PulseContext::Await(pa_operation* operation, const PulseDeadline& deadline)
     pa_operation_unref(operation);
     if (!ended) throw RuntimeError(sound_error::kUninitialized, kNotAnswering);
     // The end of the connection cancelled the request.
-    if (!done) throw RuntimeError(sound_error::kUninitialized, "The sound server has gone.");
+    if (!done)
+        throw RuntimeError(sound_error::kUninitialized, "The connection to the sound server was lost.");
 }
 
 }  // namespace sonavex

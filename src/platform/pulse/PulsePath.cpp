@@ -146,7 +146,7 @@ std::string PulsePath::Note() const {
         Append(note,
                "resampled by the sound server, the device runs at " + std::to_string(deviceRateHz_) + " Hz");
     else if (virtual_ && graphRateHz_ != 0 && graphRateHz_ != rateHz_)
-        Append(note, "may be resampled: the sound server runs virtual devices at a rate of its own, " +
+        Append(note, "may be resampled: the sound server runs virtual devices at its own rate, " +
                          std::to_string(graphRateHz_) + " Hz by default");
     if (!device_.percent.empty()) Append(note, "volume of the device " + Percent(device_.percent));
     if (!stream_.percent.empty()) Append(note, "volume of the stream " + Percent(stream_.percent));

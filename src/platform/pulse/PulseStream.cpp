@@ -187,7 +187,7 @@ std::string PulseStream::LossText() const {
     const std::string device = "The sound device '" + device_.description + "' ";
     switch (loss_.load()) {
         case Loss::kServerGone:
-            return "The sound server has gone. " + device + "is no longer reached.";
+            return "The connection to the sound server was lost. " + device + "cannot be reached.";
         case Loss::kDeviceRemoved:
             return device + "has been removed.";
         case Loss::kMoved:
@@ -195,7 +195,7 @@ std::string PulseStream::LossText() const {
         case Loss::kSuspended:
             return device + "has been suspended.";
         case Loss::kStalled:
-            return device + "stands still: the sound server moves no samples any more.";
+            return device + "has stalled: the sound server no longer moves its samples.";
         case Loss::kNone:
             break;
     }

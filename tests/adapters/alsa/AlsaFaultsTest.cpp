@@ -81,7 +81,7 @@ TEST_F(AlsaFaults, StandingStillIsALossAndCostsNoTime) {
     OpenAndRun();
     const double before = ProcessorSeconds();
     card_.stalled = 1;
-    session_.ExpectLosses("stands still");
+    session_.ExpectLosses("has stalled: it no longer moves samples.");
     EXPECT_LT(ProcessorSeconds() - before, 0.5);
     card_.stalled = 0;
     ExpectRecovery();
@@ -91,7 +91,7 @@ TEST_F(AlsaFaults, FailingAgainAndAgainIsALossAndCostsNoTime) {
     OpenAndRun();
     const double before = ProcessorSeconds();
     card_.failing = 1;
-    session_.ExpectLosses("fails: it does not go on after an interruption.");
+    session_.ExpectLosses("has failed: it did not resume after an interruption.");
     EXPECT_LT(ProcessorSeconds() - before, 0.5);
     card_.failing = 0;
     ExpectRecovery();

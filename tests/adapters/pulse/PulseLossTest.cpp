@@ -97,7 +97,7 @@ void CheckDeathOf(SoundServer& server) {
     session.Open("card");
     ASSERT_TRUE(session.Captures());
     server.Kill();
-    session.ExpectLosses("The sound server has gone.");
+    session.ExpectLosses("The connection to the sound server was lost.");
     session.ExpectError(sound_error::kUninitialized, "No sound server answers",
                         [&] { session.system.EnumeratePlayback(); });
     session.ExpectError(sound_error::kUninitialized, "No sound server answers",
@@ -220,7 +220,7 @@ TEST(PulseLoss, ServerStalls) {
     session.Open("card");
     ASSERT_TRUE(session.Captures());
     server.Pause();
-    session.ExpectLosses("stands still", kStallLimit);
+    session.ExpectLosses("has stalled: the sound server no longer moves its samples.", kStallLimit);
 }
 
 TEST(PulseLoss, EndsQuicklyWhileTheServerIsStopped) {

@@ -39,7 +39,7 @@ TEST(Loss, KilledServer) {
     PulseServer server({{"card", 48000, "Card"}});
     MeasureProgram program = Running(server);
     ExpectEndSoon(
-        program, [&] { server.Kill(); }, "The sound server has gone.");
+        program, [&] { server.Kill(); }, "The connection to the sound server was lost.");
 }
 
 TEST(Loss, KilledServerIsNotWaitedForByALongBlock) {
@@ -48,7 +48,7 @@ TEST(Loss, KilledServerIsNotWaitedForByALongBlock) {
                            {{"PULSE_SERVER", server.Address()}});
     std::this_thread::sleep_for(1s);
     server.Kill();
-    ExpectRefusal(program.End(kSoon), "The sound server has gone.");
+    ExpectRefusal(program.End(kSoon), "The connection to the sound server was lost.");
 }
 
 TEST(Loss, UnloadedSink) {

@@ -27,7 +27,7 @@ protected:
         Twice([&] {
             ExpectMeasuring();
             server.Kill();
-            ExpectLoss("The sound server has gone.");
+            ExpectLoss("The connection to the sound server was lost.");
             EXPECT_EQ(User().Selections, 0);
             WaitInQt(3s);
             EXPECT_TRUE(Form().Instrument.Watch.Stopped());
@@ -60,7 +60,7 @@ protected:
         Twice([&] {
             ExpectMeasuring();
             server.Pause();
-            ExpectLoss("no longer delivers anything");
+            ExpectLoss("has stopped delivering sound");
             WaitInQt(3s);
             EXPECT_TRUE(Form().Instrument.Watch.Stopped());
             server.Continue();
@@ -235,7 +235,7 @@ TEST_F(ServerFaults, ServerKilledWhileACardRemains) {
     Twice([&] {
         ExpectMeasuring();
         server.Kill();
-        ExpectLoss("The sound server has gone.");
+        ExpectLoss("The connection to the sound server was lost.");
         EXPECT_EQ(User().Selections, 0);
         WaitInQt(3s);
         EXPECT_TRUE(Form().Instrument.Watch.Stopped());
@@ -275,7 +275,7 @@ TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
     Run([&] {
         ExpectMeasuring();
         server.Kill();
-        ExpectLoss("The sound server has gone.");
+        ExpectLoss("The connection to the sound server was lost.");
         Form().GeneratorPanel.Controls.sldLevel.UserMoves(-600);
         server.Restart();
         ExpectReturn();

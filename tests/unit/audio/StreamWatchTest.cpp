@@ -249,7 +249,7 @@ TEST(StreamWatch, MarksBlocksThatCannotBeMeasuredAndContinues) {
         bench.RunBlocks(1);
     }
     EXPECT_TRUE(bench.watch.Stopped());
-    EXPECT_THAT(bench.watch.Reason(), HasSubstr("cannot be measured"));
+    EXPECT_THAT(bench.watch.Reason(), HasSubstr("The captured signal cannot be measured."));
     EXPECT_EQ(bench.Records(), 0U);
     EXPECT_TRUE(bench.shared.EventsReady);
 }

@@ -49,7 +49,7 @@ TEST(WatchPolicy, AStallEndsAWatchThatDoesNotRecover) {
     EXPECT_EQ(bench.watch.Losses(), 0U);
     bench.loop.Advance(100ms);
     EXPECT_EQ(bench.watch.Losses(), 1U);
-    bench.ExpectEnd("The sound device no longer delivers anything.", true);
+    bench.ExpectEnd("The sound device has stopped delivering sound.", true);
 }
 
 TEST(WatchPolicy, TheFirstBlockHasTheTimeThatTheOwnerGives) {
