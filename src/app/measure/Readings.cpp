@@ -1,14 +1,13 @@
 #include "app/measure/Readings.h"
 
-#include <chrono>
 #include <cmath>
-#include <ctime>
 #include <iomanip>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "app/measure/MeasureError.h"
+#include "platform/plain/LocalTime.h"
 
 namespace sonavex::measure {
 namespace {
@@ -25,15 +24,6 @@ nlohmann::ordered_json Captions(const Labels& labels) {
     auto list = nlohmann::ordered_json::array();
     for (const Label& label : labels) list.push_back(label.Caption());
     return list;
-}
-
-// "Nov 21, 2026", in the "C" locale.
-std::string Today() {
-    const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << std::put_time(std::localtime(&now), "%b %d, %Y");
-    return text.str();
 }
 
 void Cell(std::ostream& out, const std::string& text) {
@@ -89,7 +79,7 @@ std::string JsonLine(const Meter& meter, const std::optional<StreamDetails>& det
 std::string Table(const Meter& meter, const std::optional<StreamDetails>& details) {
     const MeasurementControls& controls = meter.Controls;
     std::ostringstream out;
-    out << kProduct << "\nDate : " << Today() << '\n';
+    out << kProduct << "\nDate : " << FormatDate(Today()) << '\n';
     if (details) DetailLines(out, *details);
     out << "Frequency : " << controls.txtFreq.Text() << " Hz"
         << (meter.Analysis().FreqLocked ? "" : " (not locked)")

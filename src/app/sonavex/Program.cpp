@@ -24,11 +24,6 @@ ApplicationVersion Version() {
     return {SONAVEX_VERSION_MAJOR, SONAVEX_VERSION_MINOR, SONAVEX_VERSION_PATCH, kComment};
 }
 
-CalendarDate Today() {
-    const DateTime now = LocalDateTime();
-    return {now.year, now.month, now.day};
-}
-
 // The user's runtime folder, or the folder of the settings.
 std::filesystem::path JournalFile() {
     const std::filesystem::path runtime = RuntimeFolder();

@@ -12,4 +12,9 @@ DateTime LocalDateTime() {
     return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
 }
 
+CalendarDate Today() {
+    const DateTime now = LocalDateTime();
+    return {now.year, now.month, now.day};
+}
+
 }  // namespace sonavex

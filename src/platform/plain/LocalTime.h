@@ -6,5 +6,7 @@ namespace sonavex {
 
 // The present time in the user's time zone.
 DateTime LocalDateTime();
+// Its date.
+CalendarDate Today();
 
 }  // namespace sonavex

@@ -61,5 +61,15 @@ TEST(LocalTime, IsADateOfTheCalendar) {
     EXPECT_TRUE(now.day >= 1 && now.day <= 31);
 }
 
+TEST(LocalTime, TodayIsItsDate) {
+    for (const char* zone : {"TEST-14", "TEST11"}) {
+        const TimeZone set(zone);
+        const auto dateOf = [](const auto& time) { return FormatDate({time.year, time.month, time.day}); };
+        const std::string before = dateOf(LocalDateTime());
+        const std::string today = dateOf(Today());
+        EXPECT_TRUE(today == before || today == dateOf(LocalDateTime())) << zone << ' ' << today;
+    }
+}
+
 }  // namespace
 }  // namespace sonavex
