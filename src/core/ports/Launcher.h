@@ -8,7 +8,7 @@
 namespace sonavex {
 
 // Roots of machine-wide and per-user configuration values.
-enum class RootKey { kClassesRoot, kCurrentUser, kLocalMachine, kUsers };
+enum class RootKey { kCurrentUser, kLocalMachine };
 
 // A text (including its terminating zero if it was stored with one) or a whole number.
 using MachineValue = std::variant<std::string, std::uint32_t>;
