@@ -16,7 +16,6 @@ constexpr double kPi = 3.14159265358979;
 constexpr double kTwoPi = 6.28318530717958;
 constexpr double kAmplitude = 32767.0;
 constexpr double kClippingThreshold = 32760.0;
-constexpr std::int32_t kGuardLength = 2048;
 constexpr std::int32_t kStoppedState = 8;
 
 double Divide(double dividend, double divisor) {
@@ -37,10 +36,10 @@ void RequirePeriod(const ToneRecord& tone) {
 
 // Scales both arrays if the second one exceeds the threshold. The first one is not checked.
 void GuardAgainstClipping(std::span<double> first, std::span<double> second) {
-    const double peak = modSPL2VB::nspdMax(second, kGuardLength);
+    const double peak = modSPL2VB::nspdMax(second, kBlockFrames);
     if (!(peak > kClippingThreshold)) return;
-    modSPL2VB::nspdbMpy1(kClippingThreshold / peak, first, kGuardLength);
-    modSPL2VB::nspdbMpy1(kClippingThreshold / peak, second, kGuardLength);
+    modSPL2VB::nspdbMpy1(kClippingThreshold / peak, first, kBlockFrames);
+    modSPL2VB::nspdbMpy1(kClippingThreshold / peak, second, kBlockFrames);
 }
 
 }  // namespace
@@ -89,7 +88,7 @@ void Generator::FillGeneratorBlock(std::span<double> first, std::span<double> se
     if (NumTones == std::numeric_limits<std::int32_t>::max()) throw RuntimeError(error_number::kOverflow);
     CheckFrequencies();
     const auto samples = static_cast<std::size_t>(std::max(count, 0));
-    const std::size_t needed = std::max<std::size_t>(samples, kGuardLength);
+    const std::size_t needed = std::max<std::size_t>(samples, kBlockFrames);
     if (first.size() < needed || second.size() < needed) throw RuntimeError(error_number::kSubscript);
     for (std::int32_t i = 0; i < NumTones; ++i) AddTone(Tone(i), first.first(samples), second.first(samples));
     GuardAgainstClipping(first, second);
@@ -180,7 +179,7 @@ void Generator::LoadGeneratorDefaults(const Settings& settings, Slider& sldLevel
     defaults_.constants = {0.005, 3.0, 5.0};
     defaults_.sampleRate = shared_.SampleRate;
     defaults_.referenceRate = 44100;
-    defaults_.blockLength = 2048;
+    defaults_.blockLength = kBlockFrames;
     GeneratorState = 0;
 }
 

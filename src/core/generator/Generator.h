@@ -11,6 +11,7 @@
 #include "core/generator/ToneTable.h"
 #include "core/settings/Settings.h"
 #include "core/settings/SharedState.h"
+#include "core/support/BlockSize.h"
 
 namespace sonavex {
 
@@ -36,8 +37,8 @@ public:
 
     // Adds the active tones to both arrays. A sine or square peaks at 32767 / 2 / (NumTones + 1); triangle
     // and sawtooth run from 0 to 32767 / (NumTones + 1). If the largest sample of the second array exceeds
-    // 32760, both arrays are then scaled. Arrays shorter than count or 2048, or more than 9 tones: error 9. A
-    // frequency of 0: error 11. Does not allocate.
+    // 32760, both arrays are then scaled. Arrays shorter than count or a block, or more than 9 tones:
+    // error 9. A frequency of 0: error 11. Does not allocate.
     void FillGeneratorBlock(std::span<double> first, std::span<double> second, std::int32_t count) override;
 
     // At start-up: sets the level slider to the stored level and initialises the defaults.
@@ -63,7 +64,7 @@ public:
     const Defaults& LoadedDefaults() const noexcept { return defaults_; }
 
 private:
-    static constexpr std::size_t kChunk = 2048;
+    static constexpr std::size_t kChunk = kBlockFrames;
 
     ToneRecord& Tone(std::int32_t index);
     void UpdateIncrements(ToneRecord& tone) const;
