@@ -121,18 +121,20 @@ void MainWindow::PaintOwnBackgrounds() {
 }
 
 void MainWindow::FixSizes() {
-    for (QLabel* level : {ui_->LblLevel, ui_->lblDACLevel}) FixSize(*level, "Muted");
+    for (QLabel* level : {ui_->LblLevel, ui_->lblDACLevel})
+        FixSize(*level, WordText(meter_words::kLongestLevel));
     for (QLabel* word : {ui_->adcWord, ui_->dacWord}) FixSize(*word, WordText(meter_words::kNoSignal));
     for (QLabel* word : {ui_->lockWord, ui_->genLockWord}) FixSize(*word, WordText(meter_words::kNotLocked));
-    FixSize(*ui_->cycleText, "19 of 19");
-    FixSize(*ui_->runningWord, "Generator playing 8 tones");
+    FixSize(*ui_->cycleText, WordText(meter_words::kLongestCycle));
+    FixSize(*ui_->runningWord, WordText(GeneratorWords::kLongestState));
     // Five digits and a margin.
     for (QLineEdit* box : {ui_->txtGenFreq, ui_->txtGenEndFreq, ui_->txtSweepTime})
         box->setMinimumWidth(box->fontMetrics().horizontalAdvance("00000000"));
-    for (QPushButton* button : {ui_->startCurrentMeter, ui_->Command1}) FixSize(*button, "Start Current");
+    for (QPushButton* button : {ui_->startCurrentMeter, ui_->Command1})
+        FixSize(*button, SignalControls::kStartCurrent);
     for (std::size_t i = 0; i < bars_.size(); ++i) {
-        FixSize(*findChild<QLabel*>("lbltest_" + QString::number(i)), "100.0000");
-        FixSize(*findChild<QLabel*>("lblDb_" + QString::number(i)), "-100.00");
+        FixSize(*findChild<QLabel*>("lbltest_" + QString::number(i)), WordText(meter_words::kLongestPercent));
+        FixSize(*findChild<QLabel*>("lblDb_" + QString::number(i)), WordText(meter_words::kLongestDb));
     }
 }
 

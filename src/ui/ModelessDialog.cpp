@@ -6,6 +6,8 @@
 #include <QScreen>
 #include <algorithm>
 
+#include "core/mixer/LevelScale.h"
+
 namespace sonavex::ui {
 namespace {
 
@@ -92,8 +94,10 @@ void AlignColumn(std::initializer_list<QWidget*> widgets) {
 
 void ShowPercent(QWidget& dialog, const QString& slider, int percent, bool enabled) {
     auto* const label = dialog.findChild<QLabel*>("percent_" + slider);
-    label->setMinimumWidth(label->fontMetrics().horizontalAdvance("100 %") + kLabelPadding);
-    label->setText(enabled ? QStringLiteral("%1 %").arg(percent) : QStringLiteral("—"));
+    label->setMinimumWidth(
+        label->fontMetrics().horizontalAdvance(QString::fromStdString(PercentCaption(100, true))) +
+        kLabelPadding);
+    label->setText(QString::fromStdString(PercentCaption(percent, enabled)));
     label->setEnabled(enabled);
 }
 

@@ -172,7 +172,7 @@ void CurrentSignal::Start() {
     generator.ResetTonePhases();
     generator.SetGeneratorRunning(true);
     generator.SweepRunning = true;
-    controls_.Command1.SetCaption("Stop Current");
+    controls_.Command1.SetCaption(SignalControls::kStopCurrent);
     interlock_.Show(Playing::kCurrent);
 }
 
@@ -181,7 +181,7 @@ void CurrentSignal::Stop() {
     generator.SetGeneratorRunning(false);
     generator.SweepRunning = false;
     needs_.EnableHiTimer1(false);
-    controls_.Command1.SetCaption("Start Current");
+    controls_.Command1.SetCaption(SignalControls::kStartCurrent);
     interlock_.Show(Playing::kNothing);
 }
 

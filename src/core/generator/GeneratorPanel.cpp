@@ -14,7 +14,7 @@ GeneratorPanel::GeneratorPanel(const GeneratorNeeds& needs, MenuItem& mnuPrint, 
 void GeneratorPanel::InitGenerator() {
     current_.RestoreLevel();
     needs_.generator.LoadGeneratorDefaults(needs_.settings, Controls.sldLevel);
-    Controls.Command1.SetCaption("Start Current");
+    Controls.Command1.SetCaption(SignalControls::kStartCurrent);
     mnuPrint_.SetEnabled(false);
     current_.Restore();
     needs_.generator.NumTones = needs_.settings.Long(keys::kNumberOfTones);

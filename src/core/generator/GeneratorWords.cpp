@@ -25,9 +25,7 @@ bool Ended(const ToneRecord& tone) {
 }
 
 std::string SweepOfOne(const ToneRecord& tone) {
-    std::string hertz = Format(tone.Frequency, Pattern::kWhole);
-    if (hertz.empty()) hertz = "0";
-    return (Ended(tone) ? "sweep ended at " : "sweeping, ") + hertz + " Hz";
+    return (Ended(tone) ? "sweep ended at " : "sweeping, ") + FrequencyWords(tone.Frequency);
 }
 
 std::string SweepsOfMany(std::ptrdiff_t underWay, std::ptrdiff_t ended) {
@@ -52,6 +50,11 @@ std::string Detail(const Generator& generator) {
 
 GeneratorWords GeneratorWords::Of(const Generator& generator, bool clockRuns) {
     return {State(generator), generator.GeneratorRunning && clockRuns ? Detail(generator) : std::string()};
+}
+
+std::string FrequencyWords(double hertz) {
+    const std::string number = Format(hertz, Pattern::kWhole);
+    return (number.empty() ? "0" : number) + " Hz";
 }
 
 std::string MemoryWords(std::int32_t tones) {

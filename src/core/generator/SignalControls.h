@@ -19,6 +19,9 @@ inline constexpr Colour kGeneratorStopped{128, 128, 128};
 // Controls of the current signal. Each frequency and the sweep time have a slider and a box with the same
 // value.
 struct SignalControls {
+    static constexpr const char* kStartCurrent = "Start Current";
+    static constexpr const char* kStopCurrent = "Stop Current";
+
     ComboBox cmbType;         // waveform, by its index in kWaveNames
     Slider sldStartFreq;      // Hz
     TextBox txtGenFreq;       // Hz
@@ -29,7 +32,7 @@ struct SignalControls {
     CheckBox chkLoop;         // repeats the sweep
     Slider sldLevel;          // output level, hundredths of a dB; also used by memory tones
     Label lblGenLevel;        // the level in dB
-    CommandButton Command1;   // "Start Current" or "Stop Current"
+    CommandButton Command1;   // kStartCurrent or kStopCurrent
     Indicator picGenRunning;  // kGeneratorPlaying while anything plays
 };
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/text/Numbers.h"
+
 namespace sonavex {
 namespace {
 
@@ -64,6 +66,10 @@ double ToGain(std::int32_t raw, const RawRange& range, const GainRange& gains) n
 std::int32_t FromGain(double gainDb, const RawRange& range, const GainRange& gains) noexcept {
     const double span = gains.maximumDb - gains.minimumDb;
     return span > 0.0 ? AtPart((gainDb - gains.minimumDb) / span, range) : range.minimum;
+}
+
+std::string PercentCaption(std::int32_t percent, bool available) {
+    return available ? CStr(percent) + " %" : "—";
 }
 
 }  // namespace sonavex

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "core/ports/MixerHardware.h"
@@ -23,6 +24,9 @@ std::vector<std::int32_t> AtPercent(const std::vector<std::int32_t>& values, con
 
 // The smallest whole percentage that always reaches another raw value: ceil(100 / steps of the range).
 std::int32_t StepPercent(const RawRange& range) noexcept;
+
+// A level as the mixer dialogs show it: "58 %", or a dash if the device lacks it.
+std::string PercentCaption(std::int32_t percent, bool available);
 
 // Gain of a raw value in decibels.
 double ToGain(std::int32_t raw, const RawRange& range, const GainRange& gains) noexcept;

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/generator/GeneratorWords.h"
+
 namespace sonavex::ui {
 namespace {
 
@@ -45,7 +47,7 @@ void FrequencySlider::SetHz(int hertz) {
 
 void FrequencySlider::Take(int hertz) {
     hertz_ = hertz;
-    const QString words = tr("%1 Hz").arg(hertz_);
+    const QString words = QString::fromStdString(FrequencyWords(hertz_));
     if (words != accessibleDescription()) setAccessibleDescription(words);
 }
 

@@ -30,6 +30,9 @@ TEST_F(GeneratorWordsTest, SayWhetherItPlays) {
     EXPECT_EQ(Words().state, "Generator playing");
     generator.NumTones = 3;
     EXPECT_EQ(Words().state, "Generator playing 3 tones");
+    generator.NumTones = 8;
+    EXPECT_EQ(Words().state, GeneratorWords::kLongestState);
+    generator.NumTones = 3;
     EXPECT_EQ(Words().detail, "") << "nothing sweeps";
 }
 

@@ -58,5 +58,11 @@ TEST(LevelScale, MapsGainsLinearly) {
     EXPECT_EQ(FromGain(3.0, range, GainRange{}), 0) << "without gains";
 }
 
+TEST(LevelScale, ShowsPercentOrADash) {
+    EXPECT_EQ(PercentCaption(0, true), "0 %");
+    EXPECT_EQ(PercentCaption(100, true), "100 %");
+    EXPECT_EQ(PercentCaption(100, false), "—");
+}
+
 }  // namespace
 }  // namespace sonavex

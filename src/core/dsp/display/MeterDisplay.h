@@ -19,6 +19,11 @@ inline constexpr std::string_view kNoSignal = "NO SIGNAL";
 inline constexpr std::string_view kLocked = "LOCKED";
 inline constexpr std::string_view kNotLocked = "NOT LOCKED";
 inline constexpr std::string_view kStopped = "STOPPED";
+// The longest captions, for the layout of a window.
+inline constexpr std::string_view kLongestLevel = "Muted";
+inline constexpr std::string_view kLongestCycle = "19 of 19";
+inline constexpr std::string_view kLongestPercent = "100.0000";
+inline constexpr std::string_view kLongestDb = "-100.00";
 }  // namespace meter_words
 
 // State that a window shows in addition to the captions of the meter's controls.
