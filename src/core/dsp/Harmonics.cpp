@@ -107,7 +107,9 @@ void MeasureHarmonics(State& state, std::int32_t sampleRateHz, Readings& reading
         readings.harmonics[harmonic] = AverageHarmonic(state, harmonic);
         readings.harmonicsAveraged = harmonic + 1;
     }
-    if (state.HistIndex == kLastSlot) state.CurrentHz = state.FundamentalHz;
+    if (state.HistIndex != kLastSlot) return;
+    state.CurrentHz = state.FundamentalHz;
+    state.CurrentRate = sampleRateHz;
 }
 
 }  // namespace sonavex::modDSP

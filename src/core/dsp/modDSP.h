@@ -70,6 +70,7 @@ struct State {
     std::array<double, kHarmonics> CurrentPct{};  // last shown values, set by the display; 0 for "N/A"
     std::array<double, kHarmonics> CurrentDb{};   // last computed values
     std::int32_t CurrentHz = 0;                   // the fundamental of both; 0 before the first
+    std::int32_t CurrentRate = 0;                 // the sampling rate of both, Hz; 0 before the first
     std::array<double, kHarmonics> BaselinePct{};
     std::array<double, kHarmonics> BaselineDb{};
     std::int32_t BaselineOn = 0;  // 1: BaselinePct is subtracted from the percentages shown

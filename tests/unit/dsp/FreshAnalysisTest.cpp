@@ -24,6 +24,7 @@ TEST(FreshAnalysis, KnowsNothingYet) {
     EXPECT_FALSE(state->FreqLocked);
     EXPECT_EQ(state->HistIndex, 0);
     EXPECT_EQ(state->CurrentHz, 0);
+    EXPECT_EQ(state->CurrentRate, 0);
     EXPECT_EQ(state->BaselineOn, 0);
 }
 

@@ -141,14 +141,18 @@ TEST(Harmonics, NeitherReadingIsShownBeforeTheCycleEnds) {
     EXPECT_EQ(rig.state->CurrentDb[0], 0.0);
 }
 
-TEST(Harmonics, TheReadingsFundamentalIsThatOfTheCyclesLastBlock) {
+TEST(Harmonics, TheReadingsFundamentalAndRateAreThoseOfTheCyclesLastBlock) {
     AnalysisRig rig(32000);
     rig.FeedLines({{100, 1000.0}, {200, 10.0}}, 17);
     EXPECT_EQ(rig.state->CurrentHz, 0);
+    EXPECT_EQ(rig.state->CurrentRate, 0);
     rig.FeedLines({{128, 1000.0}, {256, 10.0}});
     EXPECT_EQ(rig.state->CurrentHz, 1000);
+    EXPECT_EQ(rig.state->CurrentRate, 32000);
+    rig.shared.SampleRate = 48000;
     rig.FeedLines({{100, 1000.0}, {200, 10.0}});
     EXPECT_EQ(rig.state->CurrentHz, 1000) << "a new cycle has only begun";
+    EXPECT_EQ(rig.state->CurrentRate, 32000);
 }
 
 }  // namespace

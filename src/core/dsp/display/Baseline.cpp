@@ -89,7 +89,7 @@ void Baseline::cmdBaseline_Click() {
     analysis_.BaselinePct = analysis_.CurrentPct;
     analysis_.BaselineDb = analysis_.CurrentDb;
     capturedHz_ = analysis_.CurrentHz;
-    capturedRate_ = shared_.SampleRate;
+    capturedRate_ = analysis_.CurrentRate;
     settings_.Save(keys::kBaselineHz, CStr(capturedHz_));
     settings_.Save(keys::kBaselineRate, CStr(capturedRate_));
     dialogs_.Message(kCaptured, MessageIcon::kInformation);

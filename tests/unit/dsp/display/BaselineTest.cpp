@@ -118,6 +118,7 @@ TEST(BaselineOfElsewhere, IsRecognisedByFrequencyAndRate) {
     rig.shared.SampleRate = 48000;
     rig.analysis.FundamentalHz = 1500;  // changed since the last readings
     rig.analysis.CurrentHz = 996;
+    rig.analysis.CurrentRate = 48000;
     rig.analysis.FreqLocked = true;
     rig.baseline.cmdBaseline.Press();
     rig.baseline.chkBaseline.UserSets(true);
@@ -135,6 +136,21 @@ TEST(BaselineOfElsewhere, IsRecognisedByFrequencyAndRate) {
     rig.shared.SampleRate = 44100;
     EXPECT_TRUE(rig.baseline.CapturedElsewhere());
     rig.baseline.chkBaseline.UserSets(false);
+    EXPECT_FALSE(rig.baseline.CapturedElsewhere());
+}
+
+// The rate was changed after the readings, and no cycle has ended since.
+TEST(BaselineOfElsewhere, HasTheRateOfItsReadings) {
+    BaselineRig rig;
+    rig.shared.SampleRate = 48000;
+    rig.analysis.CurrentHz = 996;
+    rig.analysis.CurrentRate = 44100;
+    rig.analysis.FundamentalHz = 996;
+    rig.analysis.FreqLocked = true;
+    rig.baseline.cmdBaseline.Press();
+    rig.baseline.chkBaseline.UserSets(true);
+    EXPECT_TRUE(rig.baseline.CapturedElsewhere());
+    rig.shared.SampleRate = 44100;
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
 }
 
