@@ -120,6 +120,21 @@ TEST_F(MeterTab, AppliesTheBaselineAndTakesItBack) {
     EXPECT_NEAR(Text("lbltest_0").toDouble(), before, 0.001);
 }
 
+TEST_F(MeterTab, CapturesWhatItMeasuresWhileTheFiguresAreStillCorrected) {
+    DeviceUnderTestModel bent;
+    bent.harmonicAmplitudes = {0.01};
+    rig.card.Card().SetDeviceUnderTest(bent);
+    StartSine();
+    Click("cmdBaseline");
+    Click("chkBaseline");
+    const double captured = rig.form.Instrument.Meter.Analysis().BaselinePct[0];
+    Step(19);
+    Click("chkBaseline");
+    Click("cmdBaseline");
+    EXPECT_GT(captured, 0.5);
+    EXPECT_NEAR(rig.form.Instrument.Meter.Analysis().BaselinePct[0], captured, 0.001);
+}
+
 TEST_F(MeterTab, FlagsABaselineOfAnotherFrequency) {
     StartSine();
     Click("cmdBaseline");

@@ -88,6 +88,8 @@ HarmonicReading AverageHarmonic(State& state, std::size_t harmonic) {
     HarmonicReading reading;
     reading.averagePct = Average(state, 0, harmonic);
     reading.percent = CorrectedPercent(state, harmonic, reading.averagePct);
+    state.UncorrectedPct[harmonic].reset();
+    if (state.BaselineOn == 1) state.UncorrectedPct[harmonic] = reading.averagePct;
     reading.levelDb = LevelDb(state, harmonic);
     if (reading.levelDb) state.CurrentDb[harmonic] = *reading.levelDb;
     return reading;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "core/dsp/BlockFill.h"
@@ -68,9 +69,11 @@ struct State {
     // [slot][0: distortion up to the harmonic, percent; 1: harmonic / fundamental][harmonic - 2]
     std::array<std::array<std::array<double, 10>, 2>, 21> History{};
     std::array<double, kHarmonics> CurrentPct{};  // last shown values, set by the display; 0 for "N/A"
-    std::array<double, kHarmonics> CurrentDb{};   // last computed values
-    std::int32_t CurrentHz = 0;                   // the fundamental of both; 0 before the first
-    std::int32_t CurrentRate = 0;                 // the sampling rate of both, Hz; 0 before the first
+    // Averages of the last update from which a baseline was subtracted; none without a baseline.
+    std::array<std::optional<double>, kHarmonics> UncorrectedPct{};
+    std::array<double, kHarmonics> CurrentDb{};  // last computed values
+    std::int32_t CurrentHz = 0;                  // the fundamental of both; 0 before the first
+    std::int32_t CurrentRate = 0;                // the sampling rate of both, Hz; 0 before the first
     std::array<double, kHarmonics> BaselinePct{};
     std::array<double, kHarmonics> BaselineDb{};
     std::int32_t BaselineOn = 0;  // 1: BaselinePct is subtracted from the percentages shown

@@ -130,6 +130,22 @@ TEST(Baseline, IsSubtractedFromThePercentages) {
     EXPECT_NEAR(rig.state->CurrentDb[0], -20.0, 1e-12);
 }
 
+TEST(Baseline, KeepsTheAverageOfACorrectedUpdate) {
+    AnalysisRig rig(32000);
+    rig.state->BaselineOn = 1;
+    rig.state->BaselinePct.fill(2.5);
+    rig.FeedLines(kTenth, 18);
+    for (const std::optional<double>& average : rig.state->UncorrectedPct) {
+        ASSERT_TRUE(average);
+        EXPECT_EQ(PctText(*average), PctText(Pct(0.1) * 18 / 19));
+    }
+    rig.state->BaselineOn = 0;
+    rig.FeedLines(kTenth, 18);
+    EXPECT_TRUE(rig.state->UncorrectedPct[0]) << "no cycle has ended";
+    rig.FeedLines(kTenth);
+    for (const std::optional<double>& average : rig.state->UncorrectedPct) EXPECT_FALSE(average);
+}
+
 TEST(Baseline, ANegativeResultIsShownWithItsSign) {
     AnalysisRig rig(32000);
     rig.state->BaselineOn = 1;

@@ -1,5 +1,6 @@
 #include "core/dsp/display/Baseline.h"
 
+#include <array>
 #include <cstdlib>
 
 #include "core/support/RuntimeError.h"
@@ -36,6 +37,16 @@ std::int32_t StoredCondition(const Settings& settings, const SettingsKey& key) {
 
 void Save(Settings& settings, const SettingsKey& key, int harmonic, double value) {
     settings.Store().Save(key.section, keys::Numbered(key, harmonic), Str(value));
+}
+
+// The last shown percentages without a baseline. They can be corrected although no baseline is applied any
+// more.
+std::array<double, modDSP::kHarmonics> MeasuredPct(const modDSP::State& analysis) {
+    std::array<double, modDSP::kHarmonics> measured = analysis.CurrentPct;
+    for (std::size_t i = 0; i < modDSP::kHarmonics; ++i)
+        if (const auto& average = analysis.UncorrectedPct[i])
+            measured[i] = Val(Format(*average, Pattern::kPercent));
+    return measured;
 }
 
 }  // namespace
@@ -82,11 +93,12 @@ void Baseline::chkBaseline_Click() {
 }
 
 void Baseline::cmdBaseline_Click() {
+    const auto measuredPct = MeasuredPct(analysis_);
     for (std::size_t i = 0; i < modDSP::kHarmonics; ++i) {
-        Save(settings_, keys::kThd, static_cast<int>(i), analysis_.CurrentPct[i]);
+        Save(settings_, keys::kThd, static_cast<int>(i), measuredPct[i]);
         Save(settings_, keys::kDb, static_cast<int>(i), analysis_.CurrentDb[i]);
     }
-    analysis_.BaselinePct = analysis_.CurrentPct;
+    analysis_.BaselinePct = measuredPct;
     analysis_.BaselineDb = analysis_.CurrentDb;
     capturedHz_ = analysis_.CurrentHz;
     capturedRate_ = analysis_.CurrentRate;

@@ -46,6 +46,19 @@ TEST(BaselineCapture, StoresAndTakesTheReadings) {
     EXPECT_EQ(rig.analysis.BaselineOn, 0);
 }
 
+// The box was unchecked, and no cycle has ended since.
+TEST(BaselineCapture, AfterACorrectedUpdateStoresWhatWasMeasured) {
+    BaselineRig rig;
+    rig.analysis.CurrentPct = {0.0, -0.25, 0.5};
+    rig.analysis.UncorrectedPct = {0.83994, 0.25, std::nullopt, 0.0};
+    rig.baseline.cmdBaseline.Press();
+    EXPECT_THAT(rig.analysis.BaselinePct, ElementsAre(0.8399, 0.25, 0.5, 0, 0, 0, 0, 0));
+    EXPECT_EQ(rig.Stored("THD 0"), " .8399");
+    EXPECT_EQ(rig.Stored("THD 1"), " .25");
+    EXPECT_EQ(rig.Stored("THD 2"), " .5");
+    EXPECT_EQ(rig.Stored("THD 3"), " 0");
+}
+
 TEST(BaselineBox, LoadsWhatIsStoredAndLocksTheCapture) {
     BaselineRig rig;
     rig.store.Save("Settings", "THD 1", " .25");
