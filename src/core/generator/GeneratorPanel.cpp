@@ -21,9 +21,6 @@ void GeneratorPanel::InitGenerator() {
     current_.sldLevel_First();
     memory_.Load();
     interlock_.Show(Playing::kNothing);
-    // Also when entries were stored as selected.
-    MemoryControls.cmdRemove.SetEnabled(false);
-    MemoryControls.cmdStartMemory.SetEnabled(false);
 }
 
 void GeneratorPanel::StopPlaying() {

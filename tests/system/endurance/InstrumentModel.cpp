@@ -374,7 +374,7 @@ void InstrumentModel::ProgramRestarts(std::int32_t rateHz) {
     for (std::size_t i = 0; i < list.size(); ++i) table[i + 1] = list[i].stored;
     StreamStarts(rateHz);
     addUsable = list.size() < 8;
-    removeUsable = memoryUsable = false;
+    ShowSelection();
     endUsable = loopUsable = sweepMs != 0;
 }
 

@@ -134,7 +134,15 @@ TEST_F(InitGenerator, LoadsTheMemoryTones) {
     EXPECT_EQ(Tone(1).LoopIncrement, 2.0);
     EXPECT_EQ(Tone(2).StartFrequency, 12.5);
     EXPECT_EQ(Tone(2).WaveType, wave::kSquare);
-    // A restored selection does not enable the buttons.
+    // A restored selection enables the buttons, like one made by the user.
+    EXPECT_TRUE(memory.cmdRemove.Enabled());
+    EXPECT_TRUE(memory.cmdStartMemory.Enabled());
+}
+
+TEST_F(InitGenerator, NeedsASelectionForTheButtonsOfTheMemoryTones) {
+    Store("NumberOfTones", "1");
+    panel.InitGenerator();
+    EXPECT_EQ(memory.ToneList.Count(), 1);
     EXPECT_FALSE(memory.cmdRemove.Enabled());
     EXPECT_FALSE(memory.cmdStartMemory.Enabled());
 }
