@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QRegularExpressionValidator>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
@@ -83,6 +84,9 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     // A sweep changes no control, so its frequency is polled.
     sweepWatch_.setInterval(kSweepWatchMs);
     connect(&sweepWatch_, &QTimer::timeout, this, &MainWindow::DecorateGenerator);
+    // Every text that the analysis can convert to a frequency without an overflow, also an unfinished one.
+    ui_->txtFreq->setValidator(
+        new QRegularExpressionValidator(QRegularExpression("[0-9]*[.]?[0-9]*"), ui_->txtFreq));
     BindControls();
     ConnectConveniences();
     Decorate();

@@ -1,3 +1,5 @@
+#include <QClipboard>
+#include <QGuiApplication>
 #include <map>
 
 #include "ui/WindowRig.h"
@@ -58,6 +60,45 @@ TEST_F(MeterTab, SaysNotLockedInWordShapeAndColour) {
     EXPECT_EQ(Text("lblThd"), "N/A");
     EXPECT_EQ(Text("lbltest_0"), "");
     EXPECT_FALSE(Find<QLabel>("unitThd").isVisible());
+}
+
+TEST_F(MeterTab, TakesOnlyNumbersOfSevenCharactersAsTheFrequency) {
+    Find<QCheckBox>("chkAuto").click();
+    Settle();
+    auto& box = Find<QLineEdit>("txtFreq");
+    const auto type = [&](const char* keys) {
+        box.clear();
+        QTest::keyClicks(&box, keys);
+        return box.text();
+    };
+    EXPECT_EQ(type("440.5"), "440.5");
+    EXPECT_EQ(type("1e9-x5,0 2.7.1"), "19502.7");
+    EXPECT_EQ(type("1234567890"), "1234567");
+    for (const char* unfinished : {"", ".", "12."}) {
+        type(unfinished);
+        EXPECT_TRUE(box.hasAcceptableInput()) << "Return ends the entry";
+    }
+    const auto paste = [&](const char* text) {
+        box.setText("440");
+        box.selectAll();
+        QGuiApplication::clipboard()->setText(text);
+        box.paste();
+        return box.text();
+    };
+    EXPECT_EQ(paste("1000.25"), "1000.25");
+    EXPECT_EQ(paste("9999999999"), "9999999");
+    for (const char* text : {"1e300", "-5", "1.2.3", "12 Hz"}) EXPECT_EQ(paste(text), "440") << text;
+}
+
+TEST_F(MeterTab, MeasuresAtTheLargestFrequencyThatCanBeTyped) {
+    Click("startCurrentMeter");
+    Find<QCheckBox>("chkAuto").click();
+    Settle();
+    QTest::keyClicks(&Find<QLineEdit>("txtFreq"), "9999999");
+    QTest::keyClick(&Find<QLineEdit>("txtFreq"), Qt::Key_Return);
+    Step(25);
+    EXPECT_THAT(rig.log.Of("Message"), testing::IsEmpty());
+    EXPECT_EQ(rig.form.Instrument.Meter.Analysis().FundamentalHz, 9999999);
 }
 
 TEST_F(MeterTab, SaysWhatTheTotalCounts) {
