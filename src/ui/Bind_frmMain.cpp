@@ -39,6 +39,7 @@ void MainWindow::BindControls() {
     binder_.Bind(*ui_->prgDAC, meter.prgDAC);
     binder_.Bind(*ui_->LblLevel, meter.LblLevel);
     binder_.Bind(*ui_->lblDACLevel, meter.lblDACLevel);
+    binder_.Bind(*ui_->cycleText, meter.Cycle);
     for (std::size_t i = 0; i < meter.lbltest.size(); ++i) {
         const QString number = QString::number(i);
         binder_.Bind(*findChild<QLabel*>("lbltest_" + number), meter.lbltest[i]);

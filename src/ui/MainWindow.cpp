@@ -277,7 +277,6 @@ void MainWindow::DecorateMeter() {
     ui_->prgADC->setAccessibleDescription(WordText(display.SpokenInput()));
     ui_->prgDAC->setAccessibleDescription(WordText(display.SpokenOutput()));
     ui_->cycleBar->setValue(view.cycleBlocks);
-    ui_->cycleText->setText(WordText(view.cycle));
 }
 
 void MainWindow::DecorateHarmonics() {

@@ -68,6 +68,7 @@ TEST_F(MainWindowTest, JoinsEveryControlAndEveryWidgetNamedLikeOne) {
                            &meter.picLocked,
                            &meter.GenLocked,
                            &meter.lblThd,
+                           &meter.Cycle,
                            &form.Baseline.chkBaseline,
                            &form.Baseline.cmdBaseline,
                            &signal.cmbType,

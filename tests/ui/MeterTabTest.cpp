@@ -1,5 +1,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QProgressBar>
 #include <map>
 
 #include "ui/WindowRig.h"
@@ -99,6 +100,19 @@ TEST_F(MeterTab, MeasuresAtTheLargestFrequencyThatCanBeTyped) {
     Step(25);
     EXPECT_THAT(rig.log.Of("Message"), testing::IsEmpty());
     EXPECT_EQ(rig.form.Instrument.Meter.Analysis().FundamentalHz, 9999999);
+}
+
+// The blocks of a perfect loop are identical when their tone is on a bin, and no figure changes.
+TEST_F(MeterTab, CountsTheBlocksOfTheCycleWhenNoFigureChanges) {
+    StartSine();
+    const double thd = Text("lblThd").toDouble();
+    for (int i = 0; i < 20; ++i) {
+        Step(1);
+        const int position = rig.form.Instrument.Meter.CyclePosition();
+        EXPECT_EQ(Find<QProgressBar>("cycleBar").value(), position);
+        EXPECT_EQ(Text("cycleText"), QString::number(position) + " of 19");
+        EXPECT_EQ(Text("lblThd").toDouble(), thd);
+    }
 }
 
 TEST_F(MeterTab, SaysWhatTheTotalCounts) {

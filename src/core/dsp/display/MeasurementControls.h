@@ -9,7 +9,7 @@
 namespace sonavex {
 
 // The controls of the meter: captions that MeterDisplay writes, boxes that the user sets. Every caption
-// starts empty. Array element i stands for harmonic i + 2.
+// but that of Cycle starts empty. Array element i stands for harmonic i + 2.
 struct MeasurementControls {
     static constexpr std::size_t kHarmonics = Readings::kHarmonics;
 
@@ -25,6 +25,7 @@ struct MeasurementControls {
     std::array<Label, kHarmonics> lbltest;  // distortion up to this harmonic, percent (THD_R), or "N/A"
     std::array<Label, kHarmonics> lblDb;    // this harmonic relative to the fundamental, dB, or "N/A"
     Label lblThd;                           // total: the last of lbltest that is not "N/A"
+    Label Cycle;                            // blocks of the cycle: "3 of 19"
 };
 
 }  // namespace sonavex

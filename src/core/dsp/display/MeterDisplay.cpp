@@ -29,6 +29,7 @@ std::string Spoken(std::string_view word, const Label& level, bool inPercent) {
 
 MeterDisplay::MeterDisplay(MeasurementControls& controls) : controls_(controls) {
     ShowLock(false);
+    controls_.Cycle.SetCaption("0 of 19");
 }
 
 modDSP::BlockInputs MeterDisplay::Inputs(std::int32_t sampleRateHz) const {
@@ -146,7 +147,7 @@ void MeterDisplay::ShowCycle(std::int32_t blocks, bool settled) {
     ShowSettling();
     if (blocks == view_.cycleBlocks) return;
     view_.cycleBlocks = blocks;
-    view_.cycle = CStr(blocks) + " of 19";
+    controls_.Cycle.SetCaption(CStr(blocks) + " of 19");
 }
 
 void MeterDisplay::ShowStopped(bool stopped) {

@@ -32,8 +32,7 @@ struct MeterView {
     std::string_view outputWord;                           // OVERLOAD or empty
     std::string_view lockWord = meter_words::kNotLocked;   // LOCKED, NOT LOCKED or STOPPED
     std::string_view totalOf = "H2–H9, re total (THD_R)";  // harmonics in the total
-    std::string cycle = "0 of 19";                         // blocks of the cycle
-    std::int32_t cycleBlocks = 0;
+    std::int32_t cycleBlocks = 0;                          // blocks of the cycle
     bool noSignal = false;  // the input level reads as overload because there is no signal
     // Whether the caption is a number, shown with the unit percent.
     bool inputInPercent = false;
@@ -47,7 +46,7 @@ struct MeterView {
 // Turns the readings of a block into the captions and words of the meter.
 class MeterDisplay {
 public:
-    // Sets both lamps to NOT LOCKED. The controls must outlive the display.
+    // Sets both lamps to NOT LOCKED and the cycle to 0 of 19. The controls must outlive the display.
     explicit MeterDisplay(MeasurementControls& controls);
 
     // Settings for the next block from the check boxes and the typed frequency. Does not throw: an unusable
