@@ -80,14 +80,17 @@ void CurrentSignal::Restore() {
     controls_.cmbType.SetListIndex(tone.WaveType);
 }
 
+std::string CurrentSignal::WithRange(const char* message) const {
+    return message + ("\r\rValue has to be 20 to " + CStr(needs_.shared.SampleRate / 2));
+}
+
 bool CurrentSignal::CheckFrequency(TextBox& box, const char* message) {
     const std::int32_t highest = needs_.shared.SampleRate / 2;
     if (IsNumeric(box.Text())) {
         const double frequencyHz = CDbl(box.Text());
         if (frequencyHz >= kLowestChecked && frequencyHz <= highest) return true;
     }
-    needs_.dialogs.Message(message + ("\r\rValue has to be 20 to " + CStr(highest)),
-                           MessageIcon::kInformation);
+    needs_.dialogs.Message(WithRange(message), MessageIcon::kInformation);
     box.SetFocus();
     return false;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include "core/generator/GeneratorNeeds.h"
 #include "core/generator/PlayInterlock.h"
@@ -28,6 +29,8 @@ public:
     // Checks the frequencies (20 Hz to half the sampling rate) and the sweep time (up to 10000 ms) in the
     // boxes. If one is invalid, shows a message, sets the focus to the first wrong box and returns false.
     bool CheckEntries();
+    // Text for an invalid frequency: the message and the valid range.
+    std::string WithRange(const char* message) const;
     // Copies the controls to the record and stores the record in the settings.
     void SaveCurrentSignal();
     // Runs the first handler of each frequency slider whose value a change of its limits has clamped.

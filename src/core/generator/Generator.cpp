@@ -125,7 +125,7 @@ void Generator::AddTone(ToneRecord& tone, std::span<double> first, std::span<dou
 
 void Generator::MakeSine(ToneRecord& tone, std::size_t count) {
     double phase = tone.Phase;
-    // A tone stored at a higher rate can exceed the sampling rate and turn more than once per sample.
+    // A stored step can pass the end of its sweep by more than the sampling rate: several turns per sample.
     const double increment = std::fmod(tone.PhaseIncrement, kTwoPi);
     for (std::size_t i = 0; i < count; ++i) {
         phase += increment;

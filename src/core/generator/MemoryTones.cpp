@@ -165,7 +165,7 @@ void MemoryTones::cmdStartMemory_Click() {
 
 void MemoryTones::Start() {
     try {
-        StartSelected();
+        if (!StartSelected()) return;
     } catch (...) {
         Stop();
         needs_.generator.NumTones = 0;
@@ -176,30 +176,52 @@ void MemoryTones::Start() {
     controls_.cmdStartMemory.SetCaption("Stop Memory");
 }
 
-void MemoryTones::StartSelected() {
+// Changes nothing before all entries are checked.
+bool MemoryTones::StartSelected() {
+    Generator& generator = needs_.generator;
+    ToneTable tones = generator.Tones;
+    std::int32_t count = 0;
+    if (!ReadSelected(tones, count)) return false;
     interlock_.Show(Playing::kMemory);
-    needs_.generator.NumTones = 0;
-    needs_.generator.SweepCycleCount = 0;
-    for (std::int32_t position = 0; position < controls_.ToneList.Count(); ++position)
-        if (controls_.ToneList.Selected(position)) StartEntry(position);
-    needs_.generator.ResetTonePhases();
+    generator.Tones = tones;
+    generator.NumTones = count;
+    generator.SweepCycleCount = 0;
+    if (std::any_of(tones.begin(), tones.begin() + count, [](const ToneRecord& tone) { return tone.Sweep; }))
+        needs_.EnableHiTimer1(true);
+    generator.ResetTonePhases();
+    return true;
 }
 
-void MemoryTones::StartEntry(std::int32_t position) {
-    Generator& generator = needs_.generator;
-    if (generator.NumTones >= kToneRecords) throw RuntimeError(error_number::kSubscript);
-    ToneRecord& tone = generator.Tones[static_cast<std::size_t>(generator.NumTones)];
+bool MemoryTones::ReadSelected(ToneTable& tones, std::int32_t& count) {
+    for (std::int32_t position = 0; position < controls_.ToneList.Count(); ++position) {
+        if (!controls_.ToneList.Selected(position)) continue;
+        if (count >= kToneRecords) throw RuntimeError(error_number::kSubscript);
+        ToneRecord& tone = tones[static_cast<std::size_t>(count++)];
+        ReadEntry(position, tone);
+        if (!CheckRange(position, tone)) return false;
+    }
+    return true;
+}
+
+void MemoryTones::ReadEntry(std::int32_t position, ToneRecord& tone) {
     const ToneKeys toneKeys = KeysAtPlayback();
     ReadTone(needs_.settings, position + 1, toneKeys, tone);
     RequireAudible(needs_.settings, position + 1, toneKeys.start, tone.StartFrequency);
-    if (tone.Sweep) {
-        RequireAudible(needs_.settings, position + 1, toneKeys.end, tone.EndFrequency);
-        needs_.EnableHiTimer1(true);
-    }
+    if (tone.Sweep) RequireAudible(needs_.settings, position + 1, toneKeys.end, tone.EndFrequency);
     tone.LastFrequency = 0.0;
     tone.Frequency = tone.StartFrequency;
     tone.SweepFrequency = tone.StartFrequency;
-    ++generator.NumTones;
+}
+
+// The tone may have been stored at a higher rate.
+bool MemoryTones::CheckRange(std::int32_t position, const ToneRecord& tone) {
+    const std::int32_t highest = needs_.shared.SampleRate / 2;
+    const bool startValid = tone.StartFrequency <= highest;
+    if (startValid && (!tone.Sweep || tone.EndFrequency <= highest)) return true;
+    const char* message = startValid ? "Invalid End Frequency" : "Invalid Start Frequency";
+    needs_.dialogs.Message(current_.WithRange(message) + "\r\r" + controls_.ToneList.List(position),
+                           MessageIcon::kInformation);
+    return false;
 }
 
 void MemoryTones::Stop() {

@@ -29,16 +29,22 @@ public:
     void ToneList_Click();
     void cmdGenAdd_Click();
     void cmdRemove_Click();
-    // Starts the selected entries or stops. Stops whatever is playing. Nothing plays after these errors: 9
-    // for more than nine entries, 13 or 6 for a stored value that does not convert, 11 for a frequency of 0
-    // Hz and 5 for one below (the text names the key), 6 for a frequency without a finite period.
+    // Starts the selected entries or stops. Stops whatever is playing. If a selected entry starts, or ends
+    // its sweep, above half the sampling rate, shows a message and does nothing. Nothing plays after these
+    // errors: 9 for more than nine entries, 13 or 6 for a stored value that does not convert, 11 for a
+    // frequency of 0 Hz and 5 for one below (the text names the key), 6 for a frequency without a finite
+    // period.
     void cmdStartMemory_Click();
 
 private:
     void WriteEntry(std::int32_t position);
     void Start();
-    void StartSelected();
-    void StartEntry(std::int32_t position);
+    // False after a message.
+    bool StartSelected();
+    // Reads the selected entries into a table. False after a message.
+    bool ReadSelected(ToneTable& tones, std::int32_t& count);
+    void ReadEntry(std::int32_t position, ToneRecord& tone);
+    bool CheckRange(std::int32_t position, const ToneRecord& tone);
     void Stop();
 
     GeneratorNeeds needs_;

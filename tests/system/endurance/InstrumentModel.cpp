@@ -125,7 +125,14 @@ void InstrumentModel::StartCurrent() {
     ShowSelection();
 }
 
+bool InstrumentModel::AboveHalfTheRate(const Entry& entry) const {
+    const ToneRecord& tone = entry.stored;
+    return tone.StartFrequency > rate / 2 || (tone.Sweep && tone.EndFrequency > rate / 2);
+}
+
 void InstrumentModel::StartMemory() {
+    for (const Entry& entry : list)
+        if (entry.selected && AboveHalfTheRate(entry)) return;
     tones = 0;
     for (const Entry& entry : list) {
         if (!entry.selected) continue;

@@ -59,6 +59,7 @@ public:
 private:
     bool SignalUsable() const { return playing != Playing::kMemory; }
     bool EntriesAreValid() const;
+    bool AboveHalfTheRate(const Entry& entry) const;
     std::optional<std::int32_t> Asked(const UserAction& action, bool typed) const;
     void SetStart(const UserAction& action);
     void SetEnd(const UserAction& action);

@@ -159,6 +159,54 @@ TEST_F(MemoryPlayback, PlaysNothingAfterAFailedStart) {
     }
 }
 
+// A tone above half the rate would alias.
+TEST_F(MemoryPlayback, RefusesTonesAboveHalfTheRateBeforeAnythingChanges) {
+    Select(0);
+    Select(2);
+    Tone(0).Frequency = 777.0;
+    const auto expectRefusal = [this](const std::string& text) {
+        log.Clear();
+        memory.cmdStartMemory.Press();
+        EXPECT_THAT(log.Of("Message"), ElementsAre("Message information " + text));
+        EXPECT_FALSE(generator.GeneratorRunning);
+        EXPECT_FALSE(generator.SweepRunning);
+        EXPECT_FALSE(timer.Enabled());
+        EXPECT_EQ(generator.NumTones, 2);
+        EXPECT_EQ(Tone(0).Frequency, 777.0);
+        EXPECT_EQ(memory.cmdStartMemory.Caption(), "Start Memory");
+        EXPECT_TRUE(memory.cmdStartMemory.Enabled());
+        EXPECT_FALSE(memory.ToneList.Locked());
+        EXPECT_TRUE(Shown(kGeneratorStopped));
+    };
+    Store("Memory Signal Start 3", "22050.5");
+    expectRefusal(
+        "Invalid Start Frequency\r\rValue has to be 20 to 22050\r\r300Hz / NA / Sine / NA / No Loop");
+    Store("Memory Signal Start 3", "300");
+    bench.shared.SampleRate = 1999;
+    expectRefusal(
+        "Invalid End Frequency\r\rValue has to be 20 to 999\r\r100Hz / 1000Hz  / Sine / 500ms / Loop");
+    Store("Memory Signal Start 1", "1000");
+    expectRefusal(
+        "Invalid Start Frequency\r\rValue has to be 20 to 999\r\r100Hz / 1000Hz  / Sine / 500ms / Loop");
+}
+
+TEST_F(MemoryPlayback, PlaysTonesUpToHalfTheRateWithoutALowerLimit) {
+    bench.shared.SampleRate = 2001;
+    Select(0);
+    Select(1);
+    Select(2);
+    Store("Memory Signal Start 1", "1000");
+    Store("Memory Signal End 1", "1000");
+    Store("Memory Signal Start 2", "0.5");
+    Store("Memory Signal End 3", "5000");  // without a sweep
+    memory.cmdStartMemory.Press();
+    EXPECT_THAT(log.Of("Message"), IsEmpty());
+    EXPECT_TRUE(generator.GeneratorRunning);
+    EXPECT_EQ(Tone(0).Frequency, 1000.0);
+    EXPECT_EQ(Tone(1).Frequency, 0.5);
+    EXPECT_EQ(generator.NumTones, 3);
+}
+
 TEST_F(MemoryPlayback, StaysBelowFullScale) {
     Add(5);
     for (std::int32_t entry = 1; entry < 8; ++entry) Select(entry);
