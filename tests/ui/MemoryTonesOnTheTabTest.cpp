@@ -147,13 +147,16 @@ TEST_F(SweepWords, FollowTheCurrentSignal) {
     EXPECT_EQ(Text("runningDetail"), "");
 }
 
-// A sweep time set while a steady tone plays takes effect at the next start.
-TEST_F(SweepWords, AreEmptyForASweepThatDoesNotMove) {
+TEST_F(SweepWords, FollowASweepTimeSetWhileTheTonePlays) {
     Click("Command1");
-    TypeAndReturn("txtSweepTime", "1000");
-    Advance(100);
-    EXPECT_EQ(Tone().Frequency, 1000.0);
     EXPECT_EQ(Text("runningDetail"), "");
+    TypeAndReturn("txtSweepTime", "5000");
+    EXPECT_EQ(Text("runningDetail"), "sweeping, 1000 Hz");
+    Advance(1000);
+    EXPECT_EQ(Text("runningDetail"), "sweeping, 804 Hz");
+    TypeAndReturn("txtSweepTime", "0");
+    EXPECT_EQ(Text("runningDetail"), "");
+    EXPECT_EQ(Tone().Frequency, 1000.0);
 }
 
 }  // namespace

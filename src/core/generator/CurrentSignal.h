@@ -69,6 +69,7 @@ private:
     static void SetNearest(Slider& slider, double value);
     void Start();
     void Stop();
+    void SwitchSweep();
     ToneRecord& Record() const noexcept { return needs_.generator.Tones.front(); }
 
     GeneratorNeeds needs_;

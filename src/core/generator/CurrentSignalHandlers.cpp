@@ -57,9 +57,20 @@ void CurrentSignal::sldSweepTime_First() {
 void CurrentSignal::sldSweepTime_Second() {
     sldSweepTime_First();
     ToneRecord& tone = Record();
-    controls_.chkLoop.SetEnabled(tone.SweepTime != 0);
+    const bool swept = tone.Sweep;
     tone.Sweep = tone.SweepTime != 0;
+    controls_.chkLoop.SetEnabled(tone.Sweep);
     UpdateLoopIncrement();
+    if (tone.Sweep != swept && interlock_.Now() == Playing::kCurrent) SwitchSweep();
+}
+
+// The tone plays: from its start frequency, with or without its sweep.
+void CurrentSignal::SwitchSweep() {
+    ToneRecord& tone = Record();
+    needs_.EnableHiTimer1(tone.Sweep);
+    tone.Frequency = tone.StartFrequency;
+    tone.SweepFrequency = tone.StartFrequency;
+    tone.LastFrequency = 0.0;  // forces the next block to compute the increments
 }
 
 void CurrentSignal::sldLevel_First() {

@@ -16,6 +16,7 @@ public:
 
     // Updates all controls and the status picture.
     void Show(Playing playing);
+    Playing Now() const noexcept { return playing_; }
     // Updates the buttons after a change of the list.
     void ShowList();
     // Updates the buttons that need a selection.

@@ -65,8 +65,14 @@ void InstrumentModel::LetGoStart() {
 void InstrumentModel::LetGoSweep() {
     ShowSweep();
     loopUsable = sweepMs != 0;
-    table[0].Sweep = sweepMs != 0;
+    ToneRecord& tone = table[0];
+    const bool swept = tone.Sweep;
+    tone.Sweep = sweepMs != 0;
     NewStep();
+    if (playing != Playing::kCurrent || tone.Sweep == swept) return;
+    SetTicking(tone.Sweep);
+    tone.Frequency = tone.SweepFrequency = tone.StartFrequency;
+    tone.LastFrequency = 0.0;
 }
 
 bool InstrumentModel::EntriesAreValid() const {

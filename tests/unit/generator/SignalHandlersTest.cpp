@@ -151,6 +151,65 @@ TEST_F(SignalHandlers, LetTheSweepTimeGo) {
     EXPECT_FALSE(Tone().Sweep);
 }
 
+TEST_F(SignalHandlers, StartASweepWhileTheTonePlays) {
+    MoveTo(signal.sldStartFreq, 100);
+    MoveTo(signal.sldEndFreq, 1100);
+    signal.Command1.Press();
+    bench.Fill();
+    Tone().Frequency = 123.0;
+    signal.sldSweepTime.UserMoves(500);
+    EXPECT_FALSE(timer.Enabled()) << "the slider is still held";
+    EXPECT_EQ(Tone().Frequency, 123.0);
+    signal.sldSweepTime.UserReleases();
+    EXPECT_TRUE(timer.Enabled());
+    EXPECT_EQ(Tone().Frequency, 100.0);
+    EXPECT_EQ(Tone().SweepFrequency, 100.0);
+    EXPECT_EQ(Tone().LastFrequency, 0.0);
+    loop.Advance(std::chrono::milliseconds(250));
+    EXPECT_NEAR(Tone().Frequency, 600.0, 1e-6);
+}
+
+TEST_F(SignalHandlers, EndASweepWhileItPlays) {
+    SetSweep(100, 1100, 500);
+    signal.Command1.Press();
+    loop.Advance(std::chrono::milliseconds(250));
+    bench.Fill();
+    ASSERT_NEAR(Tone().Frequency, 600.0, 1e-6);
+    MoveTo(signal.sldSweepTime, 0);
+    EXPECT_FALSE(timer.Enabled());
+    EXPECT_EQ(Tone().Frequency, 100.0);
+    EXPECT_EQ(Tone().SweepFrequency, 100.0);
+    EXPECT_EQ(Tone().LastFrequency, 0.0);
+    bench.Fill();
+    EXPECT_EQ(Tone().Period, 441.0);
+}
+
+TEST_F(SignalHandlers, ChangeTheSpeedOfASweepThatPlays) {
+    SetSweep(100, 1100, 500);
+    signal.Command1.Press();
+    loop.Advance(std::chrono::milliseconds(250));
+    bench.Fill();
+    MoveTo(signal.sldSweepTime, 1000);
+    EXPECT_TRUE(timer.Enabled());
+    EXPECT_EQ(Tone().LoopIncrement, 1.0);
+    EXPECT_NEAR(Tone().Frequency, 600.0, 1e-6);
+    EXPECT_NEAR(Tone().LastFrequency, 600.0, 1e-6);
+    loop.Advance(std::chrono::milliseconds(100));
+    EXPECT_NEAR(Tone().Frequency, 700.0, 1e-6);
+}
+
+// Also while memory tones play in the record of the current signal.
+TEST_F(SignalHandlers, LeaveTheSweepClockUnlessTheCurrentSignalPlays) {
+    MoveTo(signal.sldSweepTime, 500);
+    EXPECT_FALSE(timer.Enabled());
+    Add();
+    Select(0);
+    memory.cmdStartMemory.Press();
+    ASSERT_TRUE(timer.Enabled());
+    MoveTo(signal.sldSweepTime, 0);
+    EXPECT_TRUE(timer.Enabled());
+}
+
 TEST_F(SignalHandlers, ShowStoreAndApplyTheLevel) {
     volumes.clear();
     signal.sldLevel.UserMoves(-1234);
