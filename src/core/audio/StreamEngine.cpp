@@ -168,6 +168,7 @@ void StreamEngine::StartOver() {
     if (OnLimits) OnLimits(needs_.shared.SampleRate / 2);
     Playback().SetCurrentPosition(0);
     StartCapture();
+    if (OnRebuilt) OnRebuilt();
 }
 
 void StreamEngine::TraceLabel(std::string_view label, std::int32_t cursor) const {

@@ -128,6 +128,9 @@ public:
     // highest frequency in Hz that the generator can play at the new rate.
     std::function<void(std::int32_t highestHz)> OnLimits;
 
+    // Called by ReStart when the capture runs again.
+    std::function<void()> OnRebuilt;
+
     // Called for each notification, before its block is processed.
     std::function<void()> OnNotified;
 

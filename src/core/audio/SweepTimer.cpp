@@ -1,10 +1,17 @@
 #include "core/audio/SweepTimer.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/support/ScopedFlag.h"
 
 namespace sonavex {
+namespace {
+
+// The rest is dropped, because a sweep that was interrupted for longer cannot be restored anyway.
+constexpr std::int64_t kMostOwed = 1000;
+
+}  // namespace
 
 SweepTimer::SweepTimer(EventLoop& loop, Generator& generator, std::function<bool()> paused)
     : loop_(loop), generator_(generator), paused_(std::move(paused)) {}
@@ -16,6 +23,7 @@ SweepTimer::~SweepTimer() {
 void SweepTimer::SetEnabled(bool enabled) {
     if (enabled == Enabled()) return;
     if (enabled) {
+        CountFromNow();
         timer_ = loop_.StartTimer(interval_, [this] { Tick(); });
         return;
     }
@@ -23,13 +31,30 @@ void SweepTimer::SetEnabled(bool enabled) {
     timer_ = 0;
 }
 
+void SweepTimer::CountFromNow() {
+    countStart_ = loop_.Now();
+    counted_ = 0;
+}
+
 void SweepTimer::Tick() {
     if (ticking_ || !Enabled() || paused_()) return;
     const ScopedFlag ticking(ticking_);
+    ++counted_;
     generator_.AdvanceSweep([this] {
         loop_.Yield();
         return Enabled() && !paused_();
     });
+    if (Enabled() && !paused_()) MakeOwedSteps();
+}
+
+// One step for every whole millisecond that is not counted yet.
+void SweepTimer::MakeOwedSteps() {
+    const std::int64_t due = (loop_.Now() - countStart_) / std::chrono::milliseconds(1);
+    counted_ = std::max(counted_, due - kMostOwed);
+    while (counted_ < due) {
+        ++counted_;
+        generator_.AdvanceSweep([] { return true; });
+    }
 }
 
 }  // namespace sonavex

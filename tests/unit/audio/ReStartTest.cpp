@@ -128,6 +128,17 @@ TEST_P(ReStart, ReportsTheLimitsOnceBeforeItStarts) {
                 ElementsAre("SetBusyPointer off", "OnLimits 11025", "playbackBuffer.SetCurrentPosition 0"));
 }
 
+TEST_P(ReStart, ReportsTheRebuildWhenTheCaptureRuns) {
+    bench.Start();
+    bench.engine.OnRebuilt = [&] { bench.log.Note("OnRebuilt"); };
+    EXPECT_TRUE(bench.engine.ReStart());
+    EXPECT_EQ(bench.log.Lines().back(), "OnRebuilt");
+    bench.log.Fail("CreateCaptureDevice", RuntimeError(sound_error::kNoDriver, "gone"));
+    bench.log.Clear();
+    EXPECT_FALSE(bench.engine.ReStart());
+    EXPECT_EQ(bench.log.Count("OnRebuilt"), 0U);
+}
+
 TEST_P(ReStart, AnswersFalseWhileItRunsAlready) {
     bench.Start();
     int answers = 0;

@@ -100,6 +100,107 @@ TEST_F(HiTimer1, SweepsForExactlyTheSweepTime) {
     EXPECT_EQ(tone.Frequency, end);
 }
 
+TEST_F(HiTimer1, MakesTheStepsThatALateTickOwes) {
+    const ToneRecord& up = Sweep(100, 1100, 1000);
+    const ToneRecord& down = Sweep(1100, 100, 1000);
+    timer.SetEnabled(true);
+    loop.Skip(50ms + 900us);
+    loop.Advance(0ms);
+    EXPECT_EQ(up.Frequency, 150);
+    EXPECT_EQ(down.Frequency, 1050);
+    EXPECT_EQ(loop.Yields(), 3U) << "owed steps deliver no events";
+    loop.Advance(1ms);
+    EXPECT_EQ(up.Frequency, 151);
+    EXPECT_EQ(loop.Yields(), 6U);
+}
+
+TEST_F(HiTimer1, MakesTheStepsOwedByEventsOfItsTick) {
+    const ToneRecord& tone = Sweep(100, 1100, 1000);
+    timer.SetEnabled(true);
+    loop.OnYield([this] { loop.Skip(7ms); });
+    loop.Advance(1ms);
+    EXPECT_EQ(loop.Now(), 15ms);
+    EXPECT_EQ(tone.Frequency, 115);
+}
+
+TEST_F(HiTimer1, OwesNothingForTheTimeBeforeItsStart) {
+    const ToneRecord& tone = Sweep(100, 1100, 1000);
+    loop.Skip(500ms);
+    timer.SetEnabled(true);
+    loop.Advance(3ms);
+    EXPECT_EQ(tone.Frequency, 103);
+    timer.SetEnabled(false);
+    loop.Skip(500ms);
+    timer.SetEnabled(true);
+    loop.Advance(3ms);
+    EXPECT_EQ(tone.Frequency, 106);
+}
+
+TEST_F(HiTimer1, OwesNothingForTheTimeOfARebuild) {
+    const ToneRecord& tone = Sweep(100, 1100, 1000);
+    timer.SetEnabled(true);
+    loop.Advance(10ms);
+    loop.Skip(400ms);
+    timer.ForgetOwed();
+    loop.Advance(1ms);
+    EXPECT_EQ(tone.Frequency, 112) << "the late tick and the next";
+    loop.Advance(10ms);
+    EXPECT_EQ(tone.Frequency, 122);
+}
+
+TEST_F(HiTimer1, DropsWhatExceedsAThousandSteps) {
+    for (const auto& [late, steps] :
+         {std::pair{1001ms, 1001}, std::pair{1002ms, 1001}, std::pair{9000ms, 1001}}) {
+        generator.NumTones = 0;
+        const ToneRecord& tone = Sweep(100, 10100, 10000);
+        timer.SetEnabled(true);
+        loop.Skip(late);
+        loop.Advance(0ms);
+        EXPECT_EQ(tone.Frequency, 100 + steps);
+        loop.Advance(1ms);
+        EXPECT_EQ(tone.Frequency, 101 + steps) << "the rest is dropped";
+        timer.SetEnabled(false);
+    }
+}
+
+TEST_F(HiTimer1, CountsAFailingStepWhichEndsTheTick) {
+    ToneRecord& tone = Sweep(0, 1.7e308, 1);
+    tone.LoopIncrement = 5e307;
+    const auto tick = [this] { return timer.Tick(), 0; };
+    timer.SetEnabled(true);
+    loop.Skip(10ms);
+    EXPECT_EQ(ErrorOf(tick), 6) << "in the fourth step";
+    EXPECT_DOUBLE_EQ(tone.Frequency, 1.5e308);
+    tone = ToneRecord{};
+    tone.Sweep = true;
+    tone.EndFrequency = 1000;
+    tone.LoopIncrement = 1;
+    timer.Tick();
+    EXPECT_EQ(tone.Frequency, 6) << "the fifth to the tenth";
+}
+
+TEST_F(HiTimer1, RestartsALoopInOneStep) {
+    ToneRecord& tone = Sweep(100, 110, 10);
+    tone.Loop = true;
+    timer.SetEnabled(true);
+    loop.Skip(15ms);
+    loop.Advance(0ms);
+    EXPECT_EQ(tone.Frequency, 104);
+}
+
+TEST_F(HiTimer1, MakesNoOwedStepsWhenItsTickEndedEarly) {
+    const ToneRecord& tone = Sweep(100, 1100, 1000);
+    timer.SetEnabled(true);
+    loop.Skip(10ms);
+    loop.OnYield([this] { paused = true; });
+    timer.Tick();
+    EXPECT_EQ(tone.Frequency, 100);
+    paused = false;
+    loop.OnYield([this] { timer.SetEnabled(false); });
+    timer.Tick();
+    EXPECT_EQ(tone.Frequency, 100);
+}
+
 TEST_F(HiTimer1, IsHalfWayAfterHalfTheTime) {
     const ToneRecord& tone = Sweep(100, 1000, 2000);
     timer.SetEnabled(true);

@@ -67,6 +67,24 @@ TEST(SelectCard, ChangesDevicesAndRateAndStopsTheSignal) {
     EXPECT_EQ(world.log.Count("SetUpSoundControls"), 1U);
 }
 
+// Only its ticks move the sweep, not the time that the devices take.
+TEST(SelectCard, DoesNotMoveASweepWhenTheEngineIsRebuilt) {
+    SelectingForm world;
+    world.store.Save("Signal Generator", "Current Signal Sweep Time", "980");
+    world.Load();
+    world.form.GeneratorPanel.Controls.Command1.Press();
+    world.loop.Advance(std::chrono::milliseconds(10));
+    const double& frequencyHz = world.form.Instrument.Meter.Generator.Tones[0].Frequency;
+    ASSERT_EQ(frequencyHz, 990.0);
+    world.loop.OnYield([&] {
+        if (world.form.Instrument.Engine.Restarting()) world.loop.Skip(std::chrono::milliseconds(100));
+    });
+    EXPECT_TRUE(world.form.Instrument.Engine.ReStart());
+    EXPECT_EQ(frequencyHz, 990.0);
+    world.loop.Advance(std::chrono::milliseconds(1));
+    EXPECT_GE(frequencyHz, 988.0);
+}
+
 TEST(SelectCard, StopsMemoryTonesToo) {
     SelectingForm world;
     world.Load();
