@@ -1,7 +1,6 @@
 #include "support/PipeWireServer.h"
 
 #include <csignal>
-#include <fstream>
 #include <stdexcept>
 #include <utility>
 
@@ -44,13 +43,25 @@ PipeWireServer::~PipeWireServer() {
 }
 
 void PipeWireServer::WriteConfiguration(std::uint32_t leastCycleFrames) const {
-    const auto folder = Folder() / "config" / "pipewire" / "pipewire.conf.d";
-    std::filesystem::create_directories(folder);
-    std::ofstream file(folder / "10-clock.conf");
+    std::ofstream file = Configuration("pipewire/pipewire.conf.d/10-clock.conf");
     file << "context.properties = {\n"
             "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 ]\n";
     if (leastCycleFrames > 0) file << "    default.clock.min-quantum = " << leastCycleFrames << '\n';
     file << "}\n";
+    // The session manager leaves the machine's devices alone. Its Bluetooth monitor also loads a module that
+    // ends the session manager on systems without systemd.
+    Configuration("wireplumber/main.lua.d/60-no-devices.lua")
+        << "for _, monitor in ipairs({ alsa_monitor, v4l2_monitor, libcamera_monitor }) do\n"
+           "    monitor.enabled = false\n"
+           "end\n";
+    Configuration("wireplumber/bluetooth.lua.d/60-no-devices.lua") << "bluez_monitor.enabled = false\n";
+}
+
+// A new configuration file of the private programs.
+std::ofstream PipeWireServer::Configuration(const std::string& path) const {
+    const auto file = Folder() / "config" / path;
+    std::filesystem::create_directories(file.parent_path());
+    return std::ofstream(file);
 }
 
 std::unique_ptr<ChildProcess> PipeWireServer::Launch(const Arguments& command) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,6 +38,7 @@ private:
     std::unique_ptr<ChildProcess> Launch(const Arguments& command) const;
     std::unique_ptr<ChildProcess> LaunchFirst(const std::string& program) const;
     void WriteConfiguration(std::uint32_t leastCycleFrames) const;
+    std::ofstream Configuration(const std::string& path) const;
     void StartProtocol();
     bool TakesDefault(const std::string& sink) const;
 
