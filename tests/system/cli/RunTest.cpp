@@ -4,10 +4,12 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <set>
+#include <system_error>
 
 #include "system/cli/MeasureProgram.h"
 
@@ -182,11 +184,12 @@ TEST(Run, UnwritableOutputIsAnError) {
 // The master side of a terminal that a program prints to.
 class Terminal {
 public:
+    // Throws std::system_error if the system has no pseudo-terminals.
     Terminal() : side_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
-        grantpt(side_);
-        unlockpt(side_);
+        if (side_ < 0 || grantpt(side_) != 0 || unlockpt(side_) != 0 || ptsname(side_) == nullptr) Fail();
         // Held open so that the output survives the program.
         keep_ = open(Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (keep_ < 0) Fail();
     }
     ~Terminal() {
         close(keep_);
@@ -206,8 +209,13 @@ public:
     }
 
 private:
+    [[noreturn]] static void Fail() {
+        throw std::system_error(errno, std::generic_category(),
+                                "no pseudo-terminal from /dev/ptmx and /dev/pts");
+    }
+
     int side_;
-    int keep_;
+    int keep_ = -1;
 };
 
 TEST(Run, TerminalShowsEachBlockAndEndsClean) {
