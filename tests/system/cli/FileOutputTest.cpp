@@ -7,8 +7,8 @@
 #include <numbers>
 #include <sstream>
 
+#include "support/Recordings.h"
 #include "system/cli/MeasureProgram.h"
-#include "system/cli/Recordings.h"
 
 namespace sonavex {
 namespace {

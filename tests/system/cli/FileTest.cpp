@@ -9,8 +9,8 @@
 #include <limits>
 #include <random>
 
+#include "support/Recordings.h"
 #include "system/cli/MeasureProgram.h"
-#include "system/cli/Recordings.h"
 
 namespace sonavex {
 namespace {

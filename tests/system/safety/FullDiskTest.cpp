@@ -8,7 +8,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/Files.h"
-#include "system/cli/Recordings.h"
+#include "support/Recordings.h"
 #include "system/safety/Account.h"
 #include "system/safety/Confined.h"
 #include "system/safety/OwnDisk.h"

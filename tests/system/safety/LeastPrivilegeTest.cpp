@@ -9,8 +9,8 @@
 
 #include "support/Files.h"
 #include "support/PulseServer.h"
+#include "support/Recordings.h"
 #include "support/Wait.h"
-#include "system/cli/Recordings.h"
 #include "system/safety/Account.h"
 #include "system/safety/Confined.h"
 #include "system/safety/Session.h"

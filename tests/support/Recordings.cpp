@@ -1,4 +1,4 @@
-#include "system/cli/Recordings.h"
+#include "support/Recordings.h"
 
 #include <cmath>
 #include <memory>
