@@ -13,6 +13,7 @@
 
 #include "core/ports/SoundErrors.h"
 #include "core/support/EndProgram.h"
+#include "support/CreatedControls.h"
 #include "support/DialogRig.h"
 #include "support/DialogUser.h"
 #include "ui/DeviceDialog.h"
@@ -84,12 +85,14 @@ TEST_F(DeviceDialogs, TheSelectionHasItsTexts) {
 
 TEST_F(DeviceDialogs, TheSelectionJoinsEveryControl) {
     Load();
-    frmDevices form(rig.form.DevicesNeeds(rig.files, rig.help), rig.form.DevicesLabels());
-    const ui::DeviceDialog dialog(form, rig.form.Guard);
-    std::set<Control*> controls;
-    for (const auto& pair : dialog.Bindings().Pairs()) controls.insert(pair.control);
-    EXPECT_EQ(controls, (std::set<Control*>{&form.cmbInputMixer, &form.cmbOutputMixer, &form.cmbSampleRate,
-                                            &form.Label5, &form.cmdOkay, &form.cmdCancel, &form.cmdHelp}));
+    std::optional<frmDevices> form;
+    std::vector<Control*> created = CreatedControls(
+        [&] { form.emplace(rig.form.DevicesNeeds(rig.files, rig.help), rig.form.DevicesLabels()); });
+    std::erase(created, &form->Frame);  // the window itself
+    const ui::DeviceDialog dialog(*form, rig.form.Guard);
+    std::set<Control*> joined;
+    for (const auto& pair : dialog.Bindings().Pairs()) joined.insert(pair.control);
+    EXPECT_EQ(joined, std::set<Control*>(created.begin(), created.end()));
 }
 
 TEST_F(DeviceDialogs, TheSelectionShowsDevicesAndSaysStopped) {

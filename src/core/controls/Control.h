@@ -9,13 +9,18 @@ namespace sonavex {
 // the window shows the value and calls Clean(). Setting a value from code never runs a user handler.
 class Control {
 public:
-    Control() = default;
+    Control() {
+        if (OnCreated) OnCreated(*this);
+    }
     Control(const Control&) = delete;
     Control& operator=(const Control&) = delete;
 
     bool Dirty() const noexcept { return dirty_; }
     void Clean() noexcept { dirty_ = false; }
     std::function<void()> OnDirty;
+
+    // Called for every control that is created: tests compare the controls of a form with its widgets.
+    static inline std::function<void(Control&)> OnCreated;
 
     bool Enabled() const noexcept { return enabled_; }
     void SetEnabled(bool enabled) { Assign(enabled_, enabled); }
