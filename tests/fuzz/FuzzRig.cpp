@@ -32,7 +32,7 @@ bool IsReading(const std::string& caption) {
 }  // namespace
 
 FuzzRig::FuzzRig(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool plainText)
-    : store(settingsStore), plainText_(plainText) {
+    : CardWorld(settingsStore), plainText_(plainText) {
     desktop.majorVersion = osMajorVersion;
     form.Frame.SetSize(980, 640);
     form.ShowDeviceDialog = [this] { ShowDevices(); };

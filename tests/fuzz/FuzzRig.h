@@ -5,24 +5,17 @@
 #include <string>
 
 #include "core/audio/frmDevices.h"
-#include "core/mixer/SoundCardMixers.h"
 #include "core/report/DesktopErrorLog.h"
 #include "core/report/PrintCommand.h"
-#include "core/settings/StoredPlaces.h"
-#include "core/shell/frmMain.h"
 #include "fuzz/FuzzTarget.h"
-#include "platform/plain/MemorySettingsStore.h"
-#include "platform/simulated/SimulatedMixer.h"
-#include "support/FormRig.h"
-#include "support/MixerWorld.h"
+#include "support/CardWorld.h"
 #include "support/RecordingPrinter.h"
-#include "support/ReportFakes.h"
 
 namespace sonavex::fuzz {
 
 // The whole instrument without its window, assembled as in the program, on the stepped simulated card. Check
 // verifies what the user would see; call it after every step.
-class FuzzRig {
+class FuzzRig : public CardWorld<SettingsStore&> {
 public:
     // The store must outlive the instrument. `plainText`: the input is UTF-8, so all shown texts must be.
     FuzzRig(SettingsStore& settingsStore, std::int32_t osMajorVersion, bool plainText);
@@ -47,22 +40,10 @@ public:
     // Requires finite readings, levels, phases and positions in range, and displayable texts.
     void Check(After what);
 
-    CallLog log;
-    VirtualEventLoop loop;
-    FakeDesktop desktop{log};
-    RecordingDialogs dialogs{log};
-    MemoryDesktopFiles files{log};
-    RecordingHelp help{log};
     RecordingPrinter printer{log};
-    SimulatedSoundSystem card{loop, SimulatedSoundSystem::Pace::kStepped};
-    SimulatedMixer hardware{card, loop};
-    MemoryJournal journal;
-    SettingsStore& store;
-    StoredPlaces places{store, desktop};
-    SoundCardMixers mixers{{store, dialogs, places, hardware, journal}};
     Settings settings{store};
     DesktopErrorLog errors{{settings, card, desktop, files, FixedTime}};
-    frmMain form{{store, card, loop, dialogs, desktop, errors, mixers}};
+    frmMain form{On(card, errors, mixers)};
     PrintCommand print{{printer, dialogs, desktop,
                         [] {
                             return CalendarDate{2024, 3, 9};

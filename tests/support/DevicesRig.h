@@ -2,8 +2,6 @@
 
 #include "core/audio/frmDevices.h"
 #include "support/EngineBench.h"
-#include "support/FormRig.h"
-#include "support/ReportFakes.h"
 
 namespace sonavex {
 
@@ -35,9 +33,6 @@ struct DevicesRig : EngineBench {
         Load();
     }
 
-    FakeDesktop desktop{log};
-    MemoryDesktopFiles files{log};
-    RecordingHelp help{log};
     Generator generator{shared};
     MenuItem mnuPrint;
     CheckBox chkMuteOutput;

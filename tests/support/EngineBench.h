@@ -3,23 +3,26 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/audio/StreamEngine.h"
-#include "platform/plain/MemorySettingsStore.h"
+#include <type_traits>
+
 #include "support/FakeSoundSystem.h"
-#include "support/Recorders.h"
-#include "support/VirtualEventLoop.h"
+#include "support/World.h"
 
 namespace sonavex {
 
-// A stream engine surrounded by fakes that write to one log, including yields.
-struct EngineBench {
-    explicit EngineBench(std::int32_t osMajorVersion = 10) {
+// A stream engine on a sound system, with yields in the log. The simulated card moves only when stepped.
+template <class Sound>
+struct EngineOn : World {
+    explicit EngineOn(std::int32_t osMajorVersion = 10) {
         shared.OsMajorVersion = osMajorVersion;
         shared.SampleRate = 32000;
         loop.OnYield([this] { log.Note("Yield"); });
         engine.Trace = [this](std::string_view label, std::int32_t cursor) {
             traces.push_back(std::string(label) + '@' + std::to_string(cursor));
         };
+    }
+    StreamEngine::Needs Needs() {
+        return {shared, settings, sound, loop, dialogs, errorLog, mixers, processor};
     }
 
     // Brings the engine to the state after the program's start, with capture running. Clears the log.
@@ -30,6 +33,26 @@ struct EngineBench {
         engine.StartCapture();
         log.Clear();
     }
+
+    std::vector<std::string> traces;  // label@cursor
+    SharedState shared;
+    Settings settings{store};
+    Sound sound = MakeSound(log, loop);
+    RecordingProcessor processor{log};
+    StreamEngine engine{Needs()};
+
+private:
+    static Sound MakeSound(CallLog& log, VirtualEventLoop& loop) {
+        if constexpr (std::is_constructible_v<Sound, CallLog&>)
+            return Sound(log);
+        else
+            return Sound(loop, Sound::Pace::kStepped);
+    }
+};
+
+// The same on scripted devices.
+struct EngineBench : EngineOn<FakeSoundSystem> {
+    using EngineOn::EngineOn;
 
     // Fires segments in order until `blocks` more blocks have been processed.
     void RunBlocks(int blocks) {
@@ -53,18 +76,6 @@ struct EngineBench {
         sound.written.clear();
     }
 
-    CallLog log;
-    std::vector<std::string> traces;  // label@cursor
-    SharedState shared;
-    MemorySettingsStore store;
-    Settings settings{store};
-    FakeSoundSystem sound{log};
-    VirtualEventLoop loop;
-    RecordingDialogs dialogs{log};
-    RecordingErrorLog errorLog{log};
-    RecordingMixers mixers{log};
-    RecordingProcessor processor{log};
-    StreamEngine engine{{shared, settings, sound, loop, dialogs, errorLog, mixers, processor}};
     std::size_t nextSegment = 0;
 };
 

@@ -3,10 +3,9 @@
 #include <string>
 
 #include "core/mixer/SoundCardMixers.h"
-#include "platform/plain/MemorySettingsStore.h"
 #include "support/FakePlaces.h"
-#include "support/FormRig.h"
 #include "support/MemoryHardware.h"
+#include "support/World.h"
 
 namespace sonavex {
 
@@ -26,7 +25,7 @@ public:
 
 // What SoundCardMixers needs, with the devices "Speakers" and "Microphone" in memory. On the older
 // generation these have only a master and a microphone level, in steps of 1/65535.
-struct MixerWorld {
+struct MixerWorld : WorldOf<VirtualEventLoop, MemorySettingsStore, NoMixers> {
     explicit MixerWorld(std::int32_t osMajorVersion) {
         desktop.majorVersion = osMajorVersion;
         hardware.playback["Speakers"] = Playback();
@@ -49,10 +48,6 @@ struct MixerWorld {
         return side.at(function).values;
     }
 
-    CallLog log;
-    MemorySettingsStore store;
-    FakeDesktop desktop{log};
-    RecordingDialogs dialogs{log};
     FakePlaces places{log};
     MemoryHardware hardware{log};
     MemoryJournal journal;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 #include <chrono>
@@ -20,6 +21,11 @@ struct QtEvents {
 template <class Condition>
 bool WaitInQt(std::chrono::milliseconds limit, Condition condition) {
     return WaitUntil(QtEvents{}, condition, limit);
+}
+
+// Delivers the pending events of Qt, and the events that their handlers post.
+inline void Settle() {
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
 }
 
 // Serves Qt's events for this time.

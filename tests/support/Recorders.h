@@ -7,8 +7,6 @@
 #include "core/audio/BlockProcessor.h"
 #include "core/ports/Dialogs.h"
 #include "core/ports/ErrorLog.h"
-#include "core/ports/MixerBinding.h"
-#include "core/support/EndProgram.h"
 #include "support/CallLog.h"
 
 namespace sonavex {
@@ -56,23 +54,6 @@ public:
     void SetFatalError(bool fatal) override {
         log_.Note(fatal ? "SetFatalError true" : "SetFatalError false");
     }
-
-private:
-    CallLog& log_;
-};
-
-// "PointMixersAt OUTPUT|INPUT", "ReopenSoundCard OUTPUT|INPUT".
-class RecordingMixers : public MixerBinding {
-public:
-    explicit RecordingMixers(CallLog& log) noexcept : log_(log) {}
-    void PointMixersAt(const std::string& outputDeviceName, const std::string& inputDeviceName) override {
-        log_.Call("PointMixersAt", outputDeviceName + '|' + inputDeviceName);
-    }
-    void ReopenSoundCard(const std::string& outputDeviceName, const std::string& inputDeviceName) override {
-        log_.Call("ReopenSoundCard", outputDeviceName + '|' + inputDeviceName);
-        if (mixerLibraryMissing) throw EndProgram{0};
-    }
-    bool mixerLibraryMissing = false;
 
 private:
     CallLog& log_;

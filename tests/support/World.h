@@ -42,13 +42,20 @@ private:
     CallLog& log_;
 };
 
-// Records the names of its calls.
+// The mixers of a world whose rig makes others.
+struct NoMixers {};
+
+// Records the names of its calls, and the devices as OUTPUT|INPUT.
 class RecordingMixerSession : public MixerSession {
 public:
     explicit RecordingMixerSession(CallLog& log) noexcept : log_(log) {}
-    void PointMixersAt(const std::string&, const std::string&) override { log_.Call("PointMixersAt"); }
+    void PointMixersAt(const std::string& output, const std::string& input) override {
+        log_.Call("PointMixersAt", output + '|' + input);
+    }
     MixerDeviceNumbers DeviceNumbers() const override { return numbers; }
-    void ReopenSoundCard(const std::string&, const std::string&) override { log_.Call("ReopenSoundCard"); }
+    void ReopenSoundCard(const std::string& output, const std::string& input) override {
+        log_.Call("ReopenSoundCard", output + '|' + input);
+    }
     void CaptureAndApplySaved(bool) override { log_.Call("CaptureAndApplySaved"); }
     void SetUpSoundControls() override { log_.Call("SetUpSoundControls"); }
     void ShowSoundCard() override { log_.Call("ShowSoundCard"); }
@@ -62,7 +69,8 @@ private:
     CallLog& log_;
 };
 
-// Everything around the main form except the sound system. The fakes record into the log.
+// Everything around the main form except the sound system. The fakes record into the log. Store may be a
+// reference, to settings that outlive this world.
 template <class Loop = VirtualEventLoop, class Store = MemorySettingsStore,
           class Mixers = RecordingMixerSession>
 class WorldOf {
@@ -70,10 +78,12 @@ public:
     // The arguments are passed to the loop.
     template <class... Arguments>
     explicit WorldOf(Arguments&&... arguments) : loop(std::forward<Arguments>(arguments)...) {}
+    explicit WorldOf(Store settingsStore) requires std::is_reference_v<Store> : store(settingsStore) {}
 
     frmMain::Needs On(SoundSystem& sound) { return On(sound, errorLog); }
-    frmMain::Needs On(SoundSystem& sound, ErrorLog& errors) {
-        return {store, sound, loop, dialogs, desktop, errors, mixers};
+    frmMain::Needs On(SoundSystem& sound, ErrorLog& errors) { return On(sound, errors, mixers); }
+    frmMain::Needs On(SoundSystem& sound, ErrorLog& errors, MixerSession& session) {
+        return {store, sound, loop, dialogs, desktop, errors, session};
     }
 
     CallLog log;
@@ -82,7 +92,7 @@ public:
     RecordingDialogs dialogs{log};
     FakeDesktop desktop{log};
     RecordingErrorLog errorLog{log};
-    Mixers mixers{log};
+    Mixers mixers = Make<Mixers>(log);
     MemoryDesktopFiles files{log};
     RecordingHelp help{log};
 

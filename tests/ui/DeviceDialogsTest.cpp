@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -16,6 +15,7 @@
 #include "support/CreatedControls.h"
 #include "support/DialogRig.h"
 #include "support/DialogUser.h"
+#include "support/QtWait.h"
 #include "ui/DeviceDialog.h"
 #include "ui/ErrorDialog.h"
 
@@ -27,10 +27,6 @@ using testing::HasSubstr;
 
 std::string Text(QDialog& dialog, const char* label) {
     return Find<QLabel>(dialog, label).text().toStdString();
-}
-
-void Settle() {
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
 }
 
 // The EndProgram thrown by the action.
@@ -285,12 +281,8 @@ TEST_F(DeviceDialogs, AnErrorOverTheSelectionLeavesItUsable) {
                     [&](QDialog& dialog) {
                         rig.log.Heal("CreateCaptureDevice");
                         dialog.close();
-                        QTimer::singleShot(0, [] {
-                            auto* const devices = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-                            ASSERT_NE(devices, nullptr);
-                            Click(*devices, "cmdOkay");
-                        });
-                    }});
+                    },
+                    [](QDialog& dialog) { Click(dialog, "cmdOkay"); }});
     EXPECT_TRUE(rig.form.Instrument.Shared.EventsReady);
     EXPECT_THAT(rig.log.Of("ShowError"), ElementsAre("ShowError"));
 }

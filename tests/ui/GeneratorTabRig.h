@@ -22,7 +22,7 @@ protected:
     void Advance(int ms) {
         rig.loop.Advance(std::chrono::milliseconds(ms));
         // The window polls a sweep in real time.
-        QTest::qWait(150);
+        WaitInQt(std::chrono::milliseconds(150));
         Settle();
     }
 

@@ -247,7 +247,7 @@ TEST_F(SecondRun, IsNotMadeWiderByLongDeviceNames) {
     const std::string name(200, 'W');
     rig.form.lblInput.SetCaption(name);
     rig.form.lblOutput.SetCaption(name);
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    Settle();
     EXPECT_EQ(window.width(), width);
     EXPECT_EQ(window.findChild<QLabel*>("lblInput")->text().toStdString(), name);
 }

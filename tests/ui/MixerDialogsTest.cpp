@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
@@ -18,11 +17,6 @@ namespace {
 
 using testing::Contains;
 using testing::IsEmpty;
-
-void Settle(MixerRig& rig) {
-    rig.loop.DeliverSignals();
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
-}
 
 // Every control has a widget, and every widget with a control's prefix has a control.
 void ExpectJoined(ui::ModelessDialog& dialog, std::size_t controls) {
@@ -45,16 +39,16 @@ void ExpectJoined(ui::ModelessDialog& dialog, std::size_t controls) {
 
 TEST(MixerDialogs, JoinEveryControl) {
     MixerRig rig(10);
-    ExpectJoined(rig.dialogs.Sound, 24);
-    ExpectJoined(rig.dialogs.SoundVista, 23);
-    ExpectJoined(rig.dialogs.Tone, 10);
+    ExpectJoined(rig.windows.Sound, 24);
+    ExpectJoined(rig.windows.SoundVista, 23);
+    ExpectJoined(rig.windows.Tone, 10);
 }
 
 TEST(MixerDialogs, HaveTheirCaptionsAndToolTips) {
     MixerRig rig(10);
-    EXPECT_EQ(rig.dialogs.Sound.windowTitle(), "Sound Card Controls");
-    EXPECT_EQ(rig.dialogs.SoundVista.windowTitle(), "Sound Controls");
-    EXPECT_EQ(rig.dialogs.Tone.windowTitle(), "Tone Controls");
+    EXPECT_EQ(rig.windows.Sound.windowTitle(), "Sound Card Controls");
+    EXPECT_EQ(rig.windows.SoundVista.windowTitle(), "Sound Controls");
+    EXPECT_EQ(rig.windows.Tone.windowTitle(), "Tone Controls");
     const std::pair<const char*, const char*> tips[] = {
         {"sldSpeakers", "Percentage of Speaker Output"},
         {"chkSpeakerMute", "Mute speaker control"},
@@ -73,10 +67,10 @@ TEST(MixerDialogs, HaveTheirCaptionsAndToolTips) {
          "Sync all controls with windows levels. Only useful if windows controls are adjested while this "
          "dialog box is open"}};
     for (const auto& [name, tip] : tips)
-        EXPECT_EQ(Find<QWidget>(rig.dialogs.SoundVista, name).toolTip(), tip) << name;
-    EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldBass").toolTip(), "Adjust Bass Response");
-    EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldMid").toolTip(), "Adjust Midrange Response");
-    EXPECT_EQ(Find<QSlider>(rig.dialogs.Tone, "sldTreble").toolTip(), "Adjust Treble Response");
+        EXPECT_EQ(Find<QWidget>(rig.windows.SoundVista, name).toolTip(), tip) << name;
+    EXPECT_EQ(Find<QSlider>(rig.windows.Tone, "sldBass").toolTip(), "Adjust Bass Response");
+    EXPECT_EQ(Find<QSlider>(rig.windows.Tone, "sldMid").toolTip(), "Adjust Midrange Response");
+    EXPECT_EQ(Find<QSlider>(rig.windows.Tone, "sldTreble").toolTip(), "Adjust Treble Response");
 }
 
 using Captions = std::vector<std::pair<const char*, const char*>>;
@@ -97,7 +91,7 @@ void ExpectCaptions(QWidget& dialog, const Captions& captions) {
 
 TEST(MixerDialogs, NameTheirControls) {
     MixerRig rig(5);
-    ExpectCaptions(rig.dialogs.Sound, {{"", "Play Controls (Output)"},
+    ExpectCaptions(rig.windows.Sound, {{"", "Play Controls (Output)"},
                                        {"", "Record Controls (Input)"},
                                        {"lblMaster", "Master"},
                                        {"lblWave", "Wave"},
@@ -119,7 +113,7 @@ TEST(MixerDialogs, NameTheirControls) {
 TEST(VistaDialog, NamesItsControls) {
     MixerRig rig(10);
     rig.mixers.ShowSoundCard();
-    ExpectCaptions(rig.dialogs.SoundVista, {{"", "Playback"},
+    ExpectCaptions(rig.windows.SoundVista, {{"", "Playback"},
                                             {"", "Record"},
                                             {"lblSpeaker", "Speaker :"},
                                             {"chkSpeakerMute", "Mute"},
@@ -135,7 +129,7 @@ TEST(VistaDialog, NamesItsControls) {
                                             {"chkNoMon", "No Mon"},
                                             {"cmdSync", "Sync"}});
     ExpectCaptions(
-        rig.dialogs.Tone,
+        rig.windows.Tone,
         {{"lblBass", "Bass :"}, {"lblMid", "Mid Range :"}, {"lblTreble", "Treble :"}, {"cmdClose", "Close"}});
 }
 
@@ -143,28 +137,28 @@ TEST(MixerDialogs, OpenOnceAndAreNotModal) {
     MixerRig rig(10);
     rig.mixers.ShowSoundCard();
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    EXPECT_TRUE(rig.dialogs.SoundVista.isVisible());
-    EXPECT_FALSE(rig.dialogs.SoundVista.isModal());
-    EXPECT_FALSE(rig.dialogs.Sound.isVisible());
-    QTest::mouseClick(&Find<QPushButton>(rig.dialogs.SoundVista, "cmdTone"), Qt::LeftButton);
-    EXPECT_TRUE(rig.dialogs.Tone.isVisible());
+    rig.Settle();
+    EXPECT_TRUE(rig.windows.SoundVista.isVisible());
+    EXPECT_FALSE(rig.windows.SoundVista.isModal());
+    EXPECT_FALSE(rig.windows.Sound.isVisible());
+    QTest::mouseClick(&Find<QPushButton>(rig.windows.SoundVista, "cmdTone"), Qt::LeftButton);
+    EXPECT_TRUE(rig.windows.Tone.isVisible());
     rig.mixers.UnloadDialogs();
-    EXPECT_FALSE(rig.dialogs.SoundVista.isVisible());
-    EXPECT_FALSE(rig.dialogs.Tone.isVisible());
+    EXPECT_FALSE(rig.windows.SoundVista.isVisible());
+    EXPECT_FALSE(rig.windows.Tone.isVisible());
 }
 
 TEST(MixerDialogs, CloseByButtonFrameAndEscape) {
     MixerRig rig(10);
     const std::function<void()> ways[] = {
-        [&] { QTest::mouseClick(&Find<QPushButton>(rig.dialogs.SoundVista, "Command1"), Qt::LeftButton); },
-        [&] { rig.dialogs.SoundVista.close(); },
-        [&] { QTest::keyClick(&rig.dialogs.SoundVista, Qt::Key_Escape); }};
+        [&] { QTest::mouseClick(&Find<QPushButton>(rig.windows.SoundVista, "Command1"), Qt::LeftButton); },
+        [&] { rig.windows.SoundVista.close(); },
+        [&] { QTest::keyClick(&rig.windows.SoundVista, Qt::Key_Escape); }};
     for (const auto& close : ways) {
         rig.mixers.ShowSoundCard();
-        ASSERT_TRUE(rig.dialogs.SoundVista.isVisible());
+        ASSERT_TRUE(rig.windows.SoundVista.isVisible());
         close();
-        EXPECT_FALSE(rig.dialogs.SoundVista.isVisible());
+        EXPECT_FALSE(rig.windows.SoundVista.isVisible());
         EXPECT_FALSE(rig.mixers.SoundVista.Loaded());
     }
 }
@@ -172,24 +166,24 @@ TEST(MixerDialogs, CloseByButtonFrameAndEscape) {
 TEST(MixerDialogs, ComeBackWhereTheyWere) {
     MixerRig rig(10);
     rig.mixers.ShowSoundCard();
-    rig.dialogs.SoundVista.move(123, 77);
-    Settle(rig);
-    rig.dialogs.SoundVista.close();
+    rig.windows.SoundVista.move(123, 77);
+    rig.Settle();
+    rig.windows.SoundVista.close();
     EXPECT_EQ(rig.store.Get("Windows", "frmSoundVista Left", ""), "123");
     EXPECT_EQ(rig.store.Get("Windows", "frmSoundVista Top", ""), "77");
-    rig.dialogs.SoundVista.move(0, 0);
+    rig.windows.SoundVista.move(0, 0);
     rig.mixers.ShowSoundCard();
-    EXPECT_EQ(rig.dialogs.SoundVista.pos(), QPoint(123, 77));
+    EXPECT_EQ(rig.windows.SoundVista.pos(), QPoint(123, 77));
 }
 
 // The percentages next to them have different widths.
 TEST(MixerDialogs, EndTheirSlidersInOneLine) {
     for (const std::int32_t generation : {5, 10}) {
         MixerRig rig(generation);
-        rig.mixer.SetValues(MixerFunction::kLineRecord, {6554, 6554});
+        rig.hardware.SetValues(MixerFunction::kLineRecord, {6554, 6554});
         rig.mixers.ShowSoundCard();
-        Settle(rig);
-        QWidget& dialog = generation < 6 ? static_cast<QWidget&>(rig.dialogs.Sound) : rig.dialogs.SoundVista;
+        rig.Settle();
+        QWidget& dialog = generation < 6 ? static_cast<QWidget&>(rig.windows.Sound) : rig.windows.SoundVista;
         std::set<int> ends;
         for (const QSlider* slider : dialog.findChildren<QSlider*>())
             ends.insert(slider->mapTo(&dialog, slider->rect().topRight()).x());
@@ -200,113 +194,113 @@ TEST(MixerDialogs, EndTheirSlidersInOneLine) {
 TEST(VistaDialog, MovesTheCardAndShowsIt) {
     MixerRig rig(10);
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    ui::SoundVistaDialog& dialog = rig.dialogs.SoundVista;
+    rig.Settle();
+    ui::SoundVistaDialog& dialog = rig.windows.SoundVista;
     Find<QSlider>(dialog, "sldSpeakers").setValue(50);
-    Settle(rig);
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMasterVolume), (std::vector<std::int32_t>{32750, 32750}));
+    rig.Settle();
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kMasterVolume), (std::vector<std::int32_t>{32750, 32750}));
     EXPECT_EQ(Find<QSlider>(dialog, "sldMaster").value(), 50) << "the same control of this card";
     EXPECT_EQ(Find<QLabel>(dialog, "percent_sldSpeakers").text(), "50 %");
     QTest::mouseClick(&Find<QCheckBox>(dialog, "chkBoost"), Qt::LeftButton, {}, QPoint(8, 8));
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicBoost)[0], 1);
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kMicBoost)[0], 1);
     EXPECT_EQ(Find<QLabel>(dialog, "lblInputMixer").text(), SimulatedSoundSystem::kDescription);
 }
 
 TEST(VistaDialog, ShowsWhatOthersChangeAtOnce) {
     MixerRig rig(10);
     rig.mixers.ShowSoundCard();
-    rig.mixer.SetValues(MixerFunction::kLineRecord, {6554, 6554});
-    Settle(rig);
-    EXPECT_EQ(Find<QSlider>(rig.dialogs.SoundVista, "sldLine").value(), 10);
-    EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "percent_sldLine").text(), "10 %");
+    rig.hardware.SetValues(MixerFunction::kLineRecord, {6554, 6554});
+    rig.Settle();
+    EXPECT_EQ(Find<QSlider>(rig.windows.SoundVista, "sldLine").value(), 10);
+    EXPECT_EQ(Find<QLabel>(rig.windows.SoundVista, "percent_sldLine").text(), "10 %");
 }
 
 TEST(VistaDialog, ChecksTheBoostThatOthersSwitchOn) {
     MixerRig rig(10);
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    EXPECT_FALSE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
-    rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
-    Settle(rig);
-    EXPECT_TRUE(Find<QCheckBox>(rig.dialogs.SoundVista, "chkBoost").isChecked());
+    rig.Settle();
+    EXPECT_FALSE(Find<QCheckBox>(rig.windows.SoundVista, "chkBoost").isChecked());
+    rig.hardware.SetValues(MixerFunction::kMicBoost, {1});
+    rig.Settle();
+    EXPECT_TRUE(Find<QCheckBox>(rig.windows.SoundVista, "chkBoost").isChecked());
 }
 
 // Speaker and Master are the same control of this card.
 TEST(VistaDialog, RaisesTheMasterFromZero) {
     MixerRig rig(10);
     rig.mixers.ShowSoundCard();
-    Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(0);
-    Settle(rig);
-    Find<QSlider>(rig.dialogs.SoundVista, "sldMaster").setValue(20);
-    Settle(rig);
+    Find<QSlider>(rig.windows.SoundVista, "sldSpeakers").setValue(0);
+    rig.Settle();
+    Find<QSlider>(rig.windows.SoundVista, "sldMaster").setValue(20);
+    rig.Settle();
     EXPECT_THAT(rig.log.Of("Message"), IsEmpty());
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMasterVolume)[0], 13107);
-    EXPECT_EQ(Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").value(), 20);
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kMasterVolume)[0], 13107);
+    EXPECT_EQ(Find<QSlider>(rig.windows.SoundVista, "sldSpeakers").value(), 20);
 }
 
 TEST(VistaDialog, GreysWhatTheCardLacks) {
     MixerRig rig(10, {MixerFunction::kMicRecord, MixerFunction::kLineMute, MixerFunction::kMasterVolume});
     rig.mixers.ShowSoundCard();
-    Settle(rig);
+    rig.Settle();
     for (const char* name : {"sldMic", "lblMicRecord", "percent_sldMic", "chkLinePlay", "sldMaster",
                              "capMaster", "sldSpeakers", "lblSpeaker"})
-        EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
+        EXPECT_FALSE(Find<QWidget>(rig.windows.SoundVista, name).isEnabled()) << name;
     for (const char* name : {"sldLine", "chkSpeakerMute", "chkMasterMute", "sldMicPlay", "chkMicPlay"})
-        EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, name).isEnabled()) << name;
-    EXPECT_EQ(Find<QLabel>(rig.dialogs.SoundVista, "lblInputMixer").text(), "Not Selected");
+        EXPECT_TRUE(Find<QWidget>(rig.windows.SoundVista, name).isEnabled()) << name;
+    EXPECT_EQ(Find<QLabel>(rig.windows.SoundVista, "lblInputMixer").text(), "Not Selected");
 }
 
 // Without placeholders the last volume and the last mute would be the microphone's.
 TEST(VistaDialog, OfACardWithoutMasterMovesNothingElse) {
     MixerRig rig(10, {MixerFunction::kMasterVolume, MixerFunction::kMasterMute});
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    const auto level = rig.mixer.Values(MixerFunction::kMicVolume);
-    const auto mute = rig.mixer.Values(MixerFunction::kMicMute);
-    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
-    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
-    Find<QSlider>(rig.dialogs.SoundVista, "sldSpeakers").setValue(90);
+    rig.Settle();
+    const auto level = rig.hardware.Values(MixerFunction::kMicVolume);
+    const auto mute = rig.hardware.Values(MixerFunction::kMicMute);
+    EXPECT_FALSE(Find<QWidget>(rig.windows.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.windows.SoundVista, "chkSpeakerMute").isEnabled());
+    Find<QSlider>(rig.windows.SoundVista, "sldSpeakers").setValue(90);
     rig.mixers.SoundVista.chkSpeakerMute.UserSets(mute.front() == 0);
-    Settle(rig);
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicVolume), level);
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute), mute);
-    EXPECT_EQ(rig.mixer.Writes(), 0);
+    rig.Settle();
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kMicVolume), level);
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kMicMute), mute);
+    EXPECT_EQ(rig.hardware.Writes(), 0);
 }
 
 TEST(VistaDialog, OfAMasterWithoutMuteLeavesTheMicrophonesMute) {
     MixerRig rig(10, {MixerFunction::kMasterMute});
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    EXPECT_TRUE(Find<QWidget>(rig.dialogs.SoundVista, "sldSpeakers").isEnabled());
-    EXPECT_FALSE(Find<QWidget>(rig.dialogs.SoundVista, "chkSpeakerMute").isEnabled());
+    rig.Settle();
+    EXPECT_TRUE(Find<QWidget>(rig.windows.SoundVista, "sldSpeakers").isEnabled());
+    EXPECT_FALSE(Find<QWidget>(rig.windows.SoundVista, "chkSpeakerMute").isEnabled());
     rig.mixers.SoundVista.chkSpeakerMute.UserSets(false);
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicMute)[0], 1);
-    EXPECT_EQ(rig.mixer.Writes(), 0);
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kMicMute)[0], 1);
+    EXPECT_EQ(rig.hardware.Writes(), 0);
 }
 
 TEST(ToneDialog, MovesTheCardsTones) {
     MixerRig rig(10);
     rig.mixers.SoundVista.ShowTone();
-    Settle(rig);
-    Find<QSlider>(rig.dialogs.Tone, "sldBass").setValue(-6);
-    Settle(rig);
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kBass)[0], -6);
-    EXPECT_EQ(Find<QLabel>(rig.dialogs.Tone, "lblBassValue").text(), "-6 dB");
+    rig.Settle();
+    Find<QSlider>(rig.windows.Tone, "sldBass").setValue(-6);
+    rig.Settle();
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kBass)[0], -6);
+    EXPECT_EQ(Find<QLabel>(rig.windows.Tone, "lblBassValue").text(), "-6 dB");
 }
 
 TEST(OlderDialog, SlidersRiseToTheRight) {
     MixerRig rig(5);
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    EXPECT_TRUE(rig.dialogs.Sound.isVisible());
-    auto& wave = Find<QSlider>(rig.dialogs.Sound, "WaveOut");
+    rig.Settle();
+    EXPECT_TRUE(rig.windows.Sound.isVisible());
+    auto& wave = Find<QSlider>(rig.windows.Sound, "WaveOut");
     EXPECT_EQ(wave.value(), -100);
     wave.setFocus();
     QTest::keyClick(&wave, Qt::Key_Left);
-    Settle(rig);
+    rig.Settle();
     EXPECT_EQ(wave.value(), -99);
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kWaveVolume)[0], 64880);
-    EXPECT_EQ(Find<QLabel>(rig.dialogs.Sound, "percent_WaveOut").text(), "99 %");
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kWaveVolume)[0], 64880);
+    EXPECT_EQ(Find<QLabel>(rig.windows.Sound, "percent_WaveOut").text(), "99 %");
     QTest::keyClick(&wave, Qt::Key_Right);
     EXPECT_EQ(wave.value(), -100);
 }
@@ -316,7 +310,7 @@ template <class Dialog, class Form>
 void ExpectStepsOfTheCard(Dialog& dialog, Form& form, std::initializer_list<Slider Form::*> levels) {
     for (const std::int32_t step : {4, 20, 1}) {
         for (Slider Form::*level : levels) (form.*level).SetStep(step);
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+        Settle();
         for (const QSlider* slider : dialog.template findChildren<QSlider*>()) {
             EXPECT_EQ(slider->singleStep(), step) << slider->objectName().toStdString();
             EXPECT_EQ(slider->pageStep(), std::max(10, step)) << slider->objectName().toStdString();
@@ -327,14 +321,14 @@ void ExpectStepsOfTheCard(Dialog& dialog, Form& form, std::initializer_list<Slid
 TEST(VistaDialog, StepsByTheStepsOfTheCard) {
     MixerRig rig(10);
     ExpectStepsOfTheCard<QWidget, frmSoundVista>(
-        rig.dialogs.SoundVista, rig.mixers.SoundVista,
+        rig.windows.SoundVista, rig.mixers.SoundVista,
         {&frmSoundVista::sldSpeakers, &frmSoundVista::sldMaster, &frmSoundVista::sldLinePlay,
          &frmSoundVista::sldMicPlay, &frmSoundVista::sldMic, &frmSoundVista::sldLine});
 }
 
 TEST(OlderDialog, StepsByTheStepsOfTheCard) {
     MixerRig rig(5);
-    ExpectStepsOfTheCard<QWidget, frmSound>(rig.dialogs.Sound, rig.mixers.Sound,
+    ExpectStepsOfTheCard<QWidget, frmSound>(rig.windows.Sound, rig.mixers.Sound,
                                             {&frmSound::MasterOut, &frmSound::WaveOut, &frmSound::LineOut,
                                              &frmSound::playMic, &frmSound::MicIn, &frmSound::LineIn});
 }
@@ -342,33 +336,33 @@ TEST(OlderDialog, StepsByTheStepsOfTheCard) {
 TEST(OlderDialog, GoesToTheEndsByKey) {
     MixerRig rig(5);
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    for (auto* slider : rig.dialogs.Sound.findChildren<QSlider*>()) {
+    rig.Settle();
+    for (auto* slider : rig.windows.Sound.findChildren<QSlider*>()) {
         QTest::keyClick(slider, Qt::Key_Home);
         EXPECT_EQ(slider->value(), 0) << slider->objectName().toStdString();
         QTest::keyClick(slider, Qt::Key_End);
         EXPECT_EQ(slider->value(), -100) << slider->objectName().toStdString();
     }
-    QTest::keyClick(&Find<QSlider>(rig.dialogs.Sound, "WaveOut"), Qt::Key_Home);
-    Settle(rig);
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kWaveVolume)[0], 0);
-    EXPECT_EQ(Find<QLabel>(rig.dialogs.Sound, "percent_WaveOut").text(), "0 %");
+    QTest::keyClick(&Find<QSlider>(rig.windows.Sound, "WaveOut"), Qt::Key_Home);
+    rig.Settle();
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kWaveVolume)[0], 0);
+    EXPECT_EQ(Find<QLabel>(rig.windows.Sound, "percent_WaveOut").text(), "0 %");
 }
 
 TEST(OlderDialog, SelectsOneSource) {
     MixerRig rig(5);
     rig.mixers.ShowSoundCard();
-    Settle(rig);
-    auto& mic = Find<QRadioButton>(rig.dialogs.Sound, "chkmic");
-    auto& line = Find<QRadioButton>(rig.dialogs.Sound, "chkline");
+    rig.Settle();
+    auto& mic = Find<QRadioButton>(rig.windows.Sound, "chkmic");
+    auto& line = Find<QRadioButton>(rig.windows.Sound, "chkline");
     EXPECT_TRUE(line.isChecked());
     mic.click();
-    Settle(rig);
+    rig.Settle();
     EXPECT_TRUE(mic.isChecked());
     EXPECT_FALSE(line.isChecked());
-    EXPECT_EQ(rig.mixer.Values(MixerFunction::kMicSource)[0], 1);
+    EXPECT_EQ(rig.hardware.Values(MixerFunction::kMicSource)[0], 1);
     mic.click();
-    Settle(rig);
+    rig.Settle();
     EXPECT_TRUE(mic.isChecked()) << "a second click keeps it";
 }
 

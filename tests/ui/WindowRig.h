@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -11,6 +10,7 @@
 #include <stdexcept>
 
 #include "support/FormRig.h"
+#include "support/QtWait.h"
 #include "ui/MainWindow.h"
 
 namespace sonavex {
@@ -22,9 +22,6 @@ protected:
         rig.form.Form_Load();
         window.ShowPlaced();
         Settle();
-    }
-    void Settle() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
     }
     void Step(int blocks) {
         rig.Step(blocks);

@@ -2,13 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include <QTest>
+#include <chrono>
 #include <cstdlib>
 #include <optional>
 #include <string>
 
 #include "platform/qt/QtDiagnostics.h"
 #include "support/PulseServer.h"
+#include "support/QtWait.h"
 
 namespace sonavex {
 namespace {
@@ -23,7 +24,7 @@ std::optional<std::string> ReportOn(const SoundServer& server, QtDiagnostics& di
         done = true;
         report = text;
     });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return done; }, 60000));
+    EXPECT_TRUE(WaitInQt(std::chrono::seconds(60), [&] { return done; }));
     unsetenv("PULSE_SERVER");
     return report;
 }

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <QCoreApplication>
-#include <QTest>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +9,7 @@
 
 #include "platform/qt/QtDiagnostics.h"
 #include "support/ChildProcess.h"
+#include "support/QtWait.h"
 
 namespace sonavex {
 namespace {
@@ -42,7 +42,7 @@ protected:
         calls = 0;
         Start(diagnostics);
         EXPECT_EQ(calls, 0);
-        EXPECT_TRUE(QTest::qWaitFor([this] { return calls > 0; }, 20000));
+        EXPECT_TRUE(WaitInQt(20s, [this] { return calls > 0; }));
     }
 
     PrivateFolder folder;
@@ -106,23 +106,23 @@ TEST_F(DiagnosticsTest, KeepSoMuchOfAFlood) {
 TEST_F(DiagnosticsTest, CanBeCancelled) {
     QtDiagnostics diagnostics({Program("slow", "echo begun; exec sleep 60")}, 30s);
     Start(diagnostics);
-    QTest::qWait(50);
+    WaitInQt(50ms);
     diagnostics.Cancel();
-    QTest::qWait(100);
+    WaitInQt(100ms);
     EXPECT_EQ(calls, 0);
     QtDiagnostics other({Program("quick", "echo quick")});
     Start(other);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return calls > 0; }, 20000));
+    EXPECT_TRUE(WaitInQt(20s, [this] { return calls > 0; }));
     EXPECT_THAT(*report, HasSubstr("quick\n"));
 }
 
 TEST_F(DiagnosticsTest, StartOverWhenStartedAgain) {
     QtDiagnostics diagnostics({Program("counting", "sleep 0.3; echo run")});
     Start(diagnostics);
-    QTest::qWait(1);
+    WaitInQt(1ms);
     Start(diagnostics);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return calls > 0; }, 20000));
-    QTest::qWait(50);
+    EXPECT_TRUE(WaitInQt(20s, [this] { return calls > 0; }));
+    WaitInQt(50ms);
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(report->find("run\n"), report->rfind("run\n"));
 }
@@ -132,7 +132,7 @@ TEST_F(DiagnosticsTest, EndTheirProgramWithThemselves) {
     {
         QtDiagnostics diagnostics({Program("slow", "echo $$ >" + number.string() + "; exec sleep 60")}, 30s);
         Start(diagnostics);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return fs::exists(number) && fs::file_size(number) > 1; }, 10000));
+        ASSERT_TRUE(WaitInQt(10s, [&] { return fs::exists(number) && fs::file_size(number) > 1; }));
     }
     pid_t pid = 0;
     std::ifstream(number) >> pid;

@@ -1,6 +1,6 @@
 #include "system/loop/LoopRig.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "core/text/Numbers.h"
 
@@ -19,18 +19,9 @@ LoopRig::LoopRig(std::int32_t rateHz) {
     Engine().StartCapture();
 }
 
-void LoopRig::Message(const std::string& text, MessageIcon) {
-    ADD_FAILURE() << text;
-}
-
-bool LoopRig::AskOkCancel(const std::string& text) {
-    ADD_FAILURE() << text;
-    return false;
-}
-
-std::int32_t LoopRig::WriteErrorLog(std::string& tStr, const RuntimeError& error) {
-    ADD_FAILURE() << tStr << ' ' << error.what();
-    return 0;
+LoopRig::~LoopRig() {
+    for (const char* operation : {"Message", "AskOkCancel", "AskYesNo", "WriteErrorLog"})
+        EXPECT_THAT(log.Of(operation), testing::IsEmpty());
 }
 
 void LoopRig::PlaySine(double frequencyHz) {
@@ -45,7 +36,7 @@ void LoopRig::Step(int blocks) {
     for (int i = 0; i < blocks; ++i) {
         const std::int64_t before = meter.Blocks();
         sound_.Card().Step(2048);
-        loop_.Yield();
+        loop.Yield();
         ASSERT_EQ(meter.Blocks(), before + 1);
     }
     ASSERT_EQ(Engine().Overruns, 0U);

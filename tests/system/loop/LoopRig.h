@@ -3,10 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "core/audio/Instrument.h"
-#include "platform/plain/MemorySettingsStore.h"
 #include "platform/plain/PlainEventLoop.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
+#include "support/World.h"
 
 namespace sonavex {
 
@@ -14,10 +13,13 @@ namespace sonavex {
 inline constexpr double kRoundingPercent = 0.006;
 
 // The complete signal path: generator, engine, rings, simulated card with its device under test, and
-// analysis. The card moves only when the test steps it.
-class LoopRig : private Dialogs, private ErrorLog, private MixerBinding {
+// analysis. The card moves only when the test steps it. Messages and errors fail the test.
+class LoopRig : private WorldOf<PlainEventLoop> {
 public:
     explicit LoopRig(std::int32_t rateHz);
+    ~LoopRig();
+    LoopRig(const LoopRig&) = delete;
+    LoopRig& operator=(const LoopRig&) = delete;
 
     // Plays one sine at 0 dB with a peak of 8191.75 steps.
     void PlaySine(double frequencyHz);
@@ -37,20 +39,8 @@ public:
     StreamEngine& Engine() { return instrument_.Engine; }
 
 private:
-    void Message(const std::string& text, MessageIcon icon) override;
-    bool AskOkCancel(const std::string& text) override;
-    bool AskYesNo(const std::string& text) override { return AskOkCancel(text); }
-    void SetBusyPointer(bool) override {}
-    std::int32_t WriteErrorLog(std::string& tStr, const RuntimeError& error) override;
-    void WriteLine(const std::string&) override {}
-    void SetFatalError(bool) override {}
-    void PointMixersAt(const std::string&, const std::string&) override {}
-    void ReopenSoundCard(const std::string&, const std::string&) override {}
-
-    PlainEventLoop loop_;
-    MemorySettingsStore store_;
-    SimulatedSoundSystem sound_{loop_, SimulatedSoundSystem::Pace::kStepped};
-    Instrument instrument_{{store_, sound_, loop_, *this, *this, *this}};
+    SimulatedSoundSystem sound_{loop, SimulatedSoundSystem::Pace::kStepped};
+    Instrument instrument_{{store, sound_, loop, dialogs, errorLog, mixers}};
 
 public:
     SharedState& shared = instrument_.Shared;

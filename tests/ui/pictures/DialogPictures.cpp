@@ -1,9 +1,8 @@
 #include "ui/pictures/DialogPictures.h"
 
-#include <QApplication>
-
 #include "core/report/frmError.h"
 #include "support/DialogRig.h"
+#include "support/QtWait.h"
 #include "ui/DeviceDialog.h"
 #include "ui/ErrorDialog.h"
 
@@ -18,7 +17,7 @@ constexpr const char* kMessage =
 
 bool Save(QWidget& dialog, const char* name, bool dark, const QString& folder) {
     dialog.show();
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    Settle();
     return dialog.grab().save(QStringLiteral("%1/%2-%3-%4.png")
                                   .arg(folder, name, dark ? "dark" : "light")
                                   .arg(qRound(dialog.devicePixelRatio() * 100)));

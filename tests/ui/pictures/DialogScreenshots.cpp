@@ -10,6 +10,7 @@
 
 #include "platform/chm/ChmHelpBook.h"
 #include "support/FormRig.h"
+#include "support/QtWait.h"
 #include "support/RecordingLauncher.h"
 #include "support/RecordingPrinter.h"
 #include "ui/AboutDialog.h"
@@ -71,7 +72,7 @@ bool PictureAbout(const Save& save) {
 bool PictureAll(const QString& folder, bool dark) {
     const Save save = [&](QWidget& window, const char* name) {
         window.show();
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+        Settle();
         return window.grab().save(QStringLiteral("%1/%2-%3-%4.png")
                                       .arg(folder, QString::fromLatin1(name), dark ? "dark" : "light")
                                       .arg(qRound(window.devicePixelRatio() * 100)));

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "support/FormRig.h"
+#include "support/QtWait.h"
 #include "ui/MainWindow.h"
 #include "ui/MixerRig.h"
 #include "ui/ProgramStyle.h"
@@ -148,17 +149,17 @@ struct MixerScene {
 
 QWidget& ShowSound(MixerRig& rig) {
     rig.mixers.ShowSoundCard();
-    return rig.dialogs.Sound;
+    return rig.windows.Sound;
 }
 
 QWidget& ShowSoundVista(MixerRig& rig) {
     rig.mixers.ShowSoundCard();
-    return rig.dialogs.SoundVista;
+    return rig.windows.SoundVista;
 }
 
 QWidget& ShowTone(MixerRig& rig) {
     rig.mixers.SoundVista.ShowTone();
-    return rig.dialogs.Tone;
+    return rig.windows.Tone;
 }
 
 const MixerScene kMixerScenes[] = {
@@ -178,14 +179,13 @@ const std::vector<MixerFunction> kNotOfAPlainCard{
 
 bool Picture(const MixerScene& scene, bool dark, const QString& folder) {
     MixerRig rig(scene.osMajorVersion, scene.complete ? std::vector<MixerFunction>{} : kNotOfAPlainCard);
-    rig.mixer.SetValues(MixerFunction::kMasterVolume, {52428, 52428});
-    rig.mixer.SetValues(MixerFunction::kLineRecord, {45874, 45874});
-    rig.mixer.SetValues(MixerFunction::kBass, {-6});
-    rig.mixer.SetValues(MixerFunction::kTreble, {3});
-    rig.mixer.SetValues(MixerFunction::kMicBoost, {1});
+    rig.hardware.SetValues(MixerFunction::kMasterVolume, {52428, 52428});
+    rig.hardware.SetValues(MixerFunction::kLineRecord, {45874, 45874});
+    rig.hardware.SetValues(MixerFunction::kBass, {-6});
+    rig.hardware.SetValues(MixerFunction::kTreble, {3});
+    rig.hardware.SetValues(MixerFunction::kMicBoost, {1});
     QWidget& dialog = scene.show(rig);
-    rig.loop.DeliverSignals();
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    rig.Settle();
     const QString name = QStringLiteral("%1/%2-%3-%4.png")
                              .arg(folder, scene.name, dark ? "dark" : "light")
                              .arg(qRound(dialog.devicePixelRatio() * 100));
@@ -199,7 +199,7 @@ bool Picture(const Scene& scene, bool dark, const QString& folder) {
     window.ShowPlaced();
     scene.play(rig);
     // A flush may request a new layout.
-    for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    Settle();
     const QString name = QStringLiteral("%1/%2-%3-%4.png")
                              .arg(folder, scene.name, dark ? "dark" : "light")
                              .arg(qRound(window.devicePixelRatio() * 100));

@@ -14,6 +14,7 @@
 #include "app/sonavex/Program.h"
 #include "support/ChildProcess.h"
 #include "support/DialogUser.h"
+#include "support/QtWait.h"
 
 namespace sonavex {
 namespace {
@@ -56,12 +57,10 @@ protected:
         return nullptr;
     }
     static bool PeakReaches(app::Program& program, float least, float most) {
-        return QTest::qWaitFor(
-            [&] {
-                const float peak = program.Form().Instrument.Meter.Controls.prgADC.Value();
-                return peak >= least && peak <= most;
-            },
-            10000);
+        return WaitInQt(std::chrono::seconds(10), [&] {
+            const float peak = program.Form().Instrument.Meter.Controls.prgADC.Value();
+            return peak >= least && peak <= most;
+        });
     }
 
 private:

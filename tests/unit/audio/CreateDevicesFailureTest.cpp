@@ -120,17 +120,5 @@ TEST(CreateDevicesEnd, ComesWhenDevicesCannotBeListed) {
                                                Logged(sound_error::kUninitialized, kNoOutput)));
 }
 
-TEST(CreateDevicesEnd, ComesWithoutTheMixerLibraryOnTheNewerGenerationOnly) {
-    EngineBench newer(6);
-    newer.mixers.mixerLibraryMissing = true;
-    EXPECT_EQ(EndStatus([&] { newer.engine.CreateDevices(); }), 0);
-    EXPECT_EQ(newer.log.Lines().back(), "ReopenSoundCard Card A|Line A");
-
-    EngineBench older(5);
-    older.mixers.mixerLibraryMissing = true;
-    EXPECT_EQ(EndStatus([&] { older.engine.CreateDevices(); }), -1);
-    EXPECT_EQ(older.log.Count("ReopenSoundCard"), 0U);
-}
-
 }  // namespace
 }  // namespace sonavex

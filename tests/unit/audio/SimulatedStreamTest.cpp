@@ -3,13 +3,10 @@
 
 #include <algorithm>
 
-#include "core/audio/StreamEngine.h"
 #include "core/ports/SoundErrors.h"
-#include "platform/plain/MemorySettingsStore.h"
 #include "platform/simulated/SimulatedSoundSystem.h"
+#include "support/EngineBench.h"
 #include "support/Errors.h"
-#include "support/Recorders.h"
-#include "support/VirtualEventLoop.h"
 
 namespace sonavex {
 namespace {
@@ -19,10 +16,10 @@ using testing::ElementsAre;
 constexpr std::size_t kSegmentFrames = 2048;
 
 // The engine on the simulated card, which moves only when stepped.
-class SimulatedStream : public testing::TestWithParam<std::int32_t> {
+class SimulatedStream : public testing::TestWithParam<std::int32_t>,
+                        protected EngineOn<SimulatedSoundSystem> {
 protected:
-    SimulatedStream() {
-        shared.OsMajorVersion = GetParam();
+    SimulatedStream() : EngineOn(GetParam()) {
         store.Save("Signal Generator", "Level", "0");
         processor.onBlock = [this](std::span<const std::int16_t> captured, std::span<std::int16_t> playback) {
             segments.push_back(engine.CaptureSegment);
@@ -32,30 +29,12 @@ protected:
         };
     }
 
-    void Start() {
-        ASSERT_TRUE(engine.CreateDevices());
-        ASSERT_TRUE(engine.SetEvents());
-        engine.ResetStream();
-        engine.StartCapture();
-    }
-
     // Moves the card by one segment, then delivers the notifications.
     void StepSegment() {
         sound.Card().Step(kSegmentFrames);
         loop.DeliverSignals();
     }
 
-    CallLog log;
-    SharedState shared;
-    MemorySettingsStore store;
-    Settings settings{store};
-    VirtualEventLoop loop;
-    SimulatedSoundSystem sound{loop, SimulatedSoundSystem::Pace::kStepped};
-    RecordingDialogs dialogs{log};
-    RecordingErrorLog errorLog{log};
-    RecordingMixers mixers{log};
-    RecordingProcessor processor{log};
-    StreamEngine engine{{shared, settings, sound, loop, dialogs, errorLog, mixers, processor}};
     std::vector<std::int32_t> segments;
     std::vector<std::int16_t> lastCaptured;
     int blocksMade = 0;

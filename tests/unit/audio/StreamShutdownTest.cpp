@@ -58,26 +58,17 @@ TEST(StreamShutdown, EndsTheNotifications) {
 }
 
 TEST(StreamShutdown, HappensWhenTheEngineGoes) {
-    CallLog log;
-    SharedState shared;
-    MemorySettingsStore store;
-    Settings settings(store);
-    FakeSoundSystem sound(log);
-    VirtualEventLoop loop;
-    RecordingDialogs dialogs(log);
-    RecordingErrorLog errorLog(log);
-    RecordingMixers mixers(log);
-    RecordingProcessor processor(log);
+    EngineBench bench;
     {
-        StreamEngine engine({shared, settings, sound, loop, dialogs, errorLog, mixers, processor});
+        StreamEngine engine(bench.Needs());
         ASSERT_TRUE(engine.CreateDevices());
         ASSERT_TRUE(engine.SetEvents());
-        log.Fail("DestroyEvent", RuntimeError(5));
-        log.Clear();
+        bench.log.Fail("DestroyEvent", RuntimeError(5));
+        bench.log.Clear();
     }
-    EXPECT_EQ(log.Count("DestroyEvent"), 4U);
-    EXPECT_EQ(log.Lines().back(), "~captureDevice");
-    EXPECT_EQ(sound.LiveEvents(), 0U);
+    EXPECT_EQ(bench.log.Count("DestroyEvent"), 4U);
+    EXPECT_EQ(bench.log.Lines().back(), "~captureDevice");
+    EXPECT_EQ(bench.sound.LiveEvents(), 0U);
 }
 
 TEST(StartCapture, NeedsACaptureBuffer) {

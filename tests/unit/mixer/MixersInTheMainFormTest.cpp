@@ -6,7 +6,6 @@
 #include "core/support/EndProgram.h"
 #include "support/FakeSoundSystem.h"
 #include "support/MixerWorld.h"
-#include "support/ReportFakes.h"
 
 namespace sonavex {
 namespace {
@@ -44,12 +43,8 @@ struct MixedForm : MixerWorld {
     }
 
     FakeSoundSystem sound{log};
-    VirtualEventLoop loop;
-    RecordingErrorLog errorLog{log};
-    MemoryDesktopFiles files{log};
-    RecordingHelp help{log};
     SoundCardMixers mixers{Needs()};
-    frmMain form{{store, sound, loop, dialogs, desktop, errorLog, mixers}};
+    frmMain form{On(sound, errorLog, mixers)};
     bool loadedMeanwhile = true;
 };
 

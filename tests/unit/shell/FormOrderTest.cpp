@@ -76,7 +76,7 @@ TEST_P(PortOrder, OfTheStart) {
         "EnumerateCapture",
         "CreatePlaybackDevice []",
         "CreateCaptureDevice []",
-        "PointMixersAt",
+        "PointMixersAt Card A|Line A",
         "playbackDevice.SetCooperativeLevel 2",
         "captureDevice.CreateBuffer",
         "Get Signal Generator|Level|-50",
@@ -98,7 +98,7 @@ TEST_P(PortOrder, OfTheStart) {
     if (Newer()) {
         const auto cooperative =
             std::find(expected.begin(), expected.end(), "playbackDevice.SetCooperativeLevel 2");
-        expected.insert(cooperative, "ReopenSoundCard");
+        expected.insert(cooperative, "ReopenSoundCard Card A|Line A");
     }
     EXPECT_THAT(world.log.Lines(), ElementsAreArray(expected));
 }

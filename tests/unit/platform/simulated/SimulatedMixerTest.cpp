@@ -5,26 +5,18 @@
 
 #include "platform/simulated/MixerPath.h"
 #include "platform/simulated/SimulatedMixer.h"
-#include "support/VirtualEventLoop.h"
+#include "unit/platform/simulated/SimulatedRig.h"
 
 namespace sonavex {
 namespace {
 
-constexpr std::uint32_t kMixerRateHz = 48000;
+constexpr std::int32_t kMixerRateHz = 48000;
 constexpr std::size_t kFrames = 4096;
 
 // Sends a sine through the stepped card with its mixer and measures the captured levels.
-class MixerLoop {
+class MixerLoop : public SimulatedRig {
 public:
-    MixerLoop() {
-        playbackDevice_ = system_.CreatePlaybackDevice("");
-        captureDevice_ = system_.CreateCaptureDevice("");
-        playback_ =
-            playbackDevice_->CreateBuffer({buffer_flag::kVolumePositionFocus, 65536,
-                                           WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
-        capture_ = captureDevice_->CreateBuffer(
-            {0, 32768, WaveFormat::Stereo16(static_cast<std::int32_t>(kMixerRateHz))});
-    }
+    MixerLoop() : SimulatedRig(SimulatedSoundSystem::Pace::kStepped) { Open(kMixerRateHz); }
 
     // Captured peak of each channel for a sine with a peak of 4000, after settling.
     std::array<int, 2> Peaks(double frequencyHz) {
@@ -33,15 +25,14 @@ public:
             played[i] = static_cast<std::int16_t>(
                 std::lround(4000.0 * std::sin(2.0 * std::numbers::pi * frequencyHz *
                                               static_cast<double>(i / 2) / kMixerRateHz)));
-        playback_->WriteBuffer(0, played);
-        playback_->SetCurrentPosition(0);
-        playback_->PlayLooping();
-        capture_->StartLooping();
-        system_.Card().Step(8192 + kFrames);
+        playback->WriteBuffer(0, played);
+        playback->SetCurrentPosition(0);
+        Start();
+        system.Card().Step(8192 + kFrames);
         std::vector<std::int16_t> captured(2 * kFrames);
-        capture_->ReadBuffer(0, captured);
-        capture_->Stop();
-        playback_->Stop();
+        capture->ReadBuffer(0, captured);
+        capture->Stop();
+        playback->Stop();
         std::array<int, 2> peaks{};
         for (std::size_t i = 0; i < captured.size(); ++i)
             peaks[i % 2] = std::max(peaks[i % 2], std::abs(int{captured[i]}));
@@ -52,15 +43,7 @@ public:
         mixer.SetValues(function, values);
     }
 
-    VirtualEventLoop loop;
-    SimulatedSoundSystem system_{loop, SimulatedSoundSystem::Pace::kStepped};
-    SimulatedMixer mixer{system_, loop};
-
-private:
-    std::unique_ptr<PlaybackDevice> playbackDevice_;
-    std::unique_ptr<CaptureDevice> captureDevice_;
-    std::unique_ptr<PlaybackBuffer> playback_;
-    std::unique_ptr<CaptureBuffer> capture_;
+    SimulatedMixer mixer{system, loop};
 };
 
 constexpr double kToneHz = 1125.0;  // whole periods in the buffer
@@ -161,11 +144,11 @@ TEST(SimulatedMixer, ReportsChangesThroughTheEventLoop) {
     MixerLoop loop;
     int changes = 0;
     loop.mixer.OnChange([&] { ++changes; });
-    loop.loop.DeliverSignals();
+    loop.loop.Yield();
     changes = 0;
     loop.Set(MixerFunction::kBass, {3});
     EXPECT_EQ(changes, 0);
-    loop.loop.DeliverSignals();
+    loop.loop.Yield();
     EXPECT_EQ(changes, 1);
 }
 
