@@ -16,6 +16,8 @@ find_package(Threads REQUIRED)
 pkg_check_modules(FFTW3 REQUIRED IMPORTED_TARGET fftw3)
 if(NOT SONAVEX_CORE_ONLY)
   pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse)
+  # Without -D_REENTRANT, which has no effect but rules out the precompiled headers of the tests.
+  set_property(TARGET PkgConfig::PULSE PROPERTY INTERFACE_COMPILE_OPTIONS)
   pkg_check_modules(ALSA REQUIRED IMPORTED_TARGET alsa)
   pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
   find_package(CLI11 REQUIRED)

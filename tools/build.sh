@@ -1,8 +1,8 @@
 # shellcheck shell=bash
 # Sourced by other scripts. Sets `root` and the number of parallel tests, and defines build_preset.
 
-# Two slots for each processor. tests/CMakeLists.txt declares how many slots a test takes.
-export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$((2 * $(nproc)))}"
+# Four slots for each processor. tests/CMakeLists.txt declares how many slots a test takes.
+export CTEST_PARALLEL_LEVEL="${CTEST_PARALLEL_LEVEL:-$((4 * $(nproc)))}"
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 

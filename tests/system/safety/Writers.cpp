@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* kSettings = "--write-settings";
 constexpr const char* kJournal = "--write-journal";
-constexpr const char* kReport = "--write-report";
+constexpr const char* kReportCommand = "--write-report";
 constexpr int kUnwritten = 3;
 
 constexpr int kKeys = 150;         // per section
@@ -106,7 +106,7 @@ Arguments JournalWriter(const std::filesystem::path& file) {
 }
 
 Arguments ReportWriter(const std::filesystem::path& file) {
-    return Command(kReport, file);
+    return Command(kReportCommand, file);
 }
 
 std::optional<int> RunWriter(int argc, char** argv) {
@@ -117,7 +117,7 @@ std::optional<int> RunWriter(int argc, char** argv) {
         const QCoreApplication application(argc, argv);
         return WriteSettings(argv[2]);
     }
-    if (command != kReport) return std::nullopt;
+    if (command != kReportCommand) return std::nullopt;
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     return WriteReports(argv[2]);

@@ -13,7 +13,7 @@ namespace {
 using Line = AnalysisRig::Line;
 
 // Caption of one slot's ratio averaged over the 19 of a cycle.
-std::string Pct(double pct) {
+std::string CyclePctText(double pct) {
     return Format(pct / 19.0, Pattern::kPercent);
 }
 std::string Db(double ratio) {
@@ -29,7 +29,8 @@ TEST(Harmonics, PercentagesAreCumulativeAndRelativeToTheWhole) {
     for (std::int32_t n = 2; n <= 9; ++n) {
         const auto i = static_cast<std::size_t>(n - 2);
         harm += 100.0 * n * n;
-        EXPECT_EQ(rig.controls.lbltest[i].Caption(), Pct(100.0 * std::sqrt(harm) / std::sqrt(1e6 + harm)))
+        EXPECT_EQ(rig.controls.lbltest[i].Caption(),
+                  CyclePctText(100.0 * std::sqrt(harm) / std::sqrt(1e6 + harm)))
             << n;
         EXPECT_EQ(rig.controls.lblDb[i].Caption(), Db(0.01 * n)) << n;
     }
@@ -71,9 +72,9 @@ TEST(Harmonics, TheSecondHasAPercentageUpToBin2046) {
     const double pct = 100.0 * 10.0 / std::sqrt(1e6 + 100.0);
     for (const std::int32_t k : {938, 1000, 1023}) {  // 2 k = 1876 to 2046, all beyond 1875
         rig.MeasureLines({{k, 1000.0}, {2 * k, 10.0}});
-        EXPECT_EQ(rig.Percentages(), Pct(pct) + " N/A N/A N/A N/A N/A N/A N/A") << k;
+        EXPECT_EQ(rig.Percentages(), CyclePctText(pct) + " N/A N/A N/A N/A N/A N/A N/A") << k;
         EXPECT_EQ(rig.Levels(), "N/A N/A N/A N/A N/A N/A N/A N/A") << k;
-        EXPECT_EQ(rig.controls.lblThd.Caption(), Pct(pct)) << k;
+        EXPECT_EQ(rig.controls.lblThd.Caption(), CyclePctText(pct)) << k;
     }
     for (const std::int32_t k : {1024, 1500, 2047, 2048}) {
         rig.MeasureLines({{k, 1000.0}, {std::min(2 * k, 4096), 10.0}});
@@ -87,8 +88,8 @@ TEST(Harmonics, BeyondMaxBinThePercentageIsNotTheOneBefore) {
     AnalysisRig rig(32000);
     // 500 Hz bins: 2nd and 3rd fit below 1875, the 4th at 2000 does not.
     rig.MeasureLines({{500, 1000.0}, {1000, 30.0}, {1500, 40.0}, {2000, 90.0}});
-    const std::string second = Pct(100.0 * 30.0 / std::sqrt(1e6 + 900.0));
-    const std::string third = Pct(100.0 * 50.0 / std::sqrt(1e6 + 2500.0));
+    const std::string second = CyclePctText(100.0 * 30.0 / std::sqrt(1e6 + 900.0));
+    const std::string third = CyclePctText(100.0 * 50.0 / std::sqrt(1e6 + 2500.0));
     EXPECT_EQ(rig.Percentages(), second + " " + third + " N/A N/A N/A N/A N/A N/A");
     EXPECT_EQ(rig.Levels(), Db(0.03) + " " + Db(0.04) + " N/A N/A N/A N/A N/A N/A");
     EXPECT_EQ(rig.controls.lblThd.Caption(), third);
@@ -98,7 +99,7 @@ TEST(Harmonics, TotalIsTheHighestPercentageThatIsAvailable) {
     AnalysisRig rig(32000);
     // A harmonic of 0 keeps the sum of the lower ones and is available.
     rig.MeasureLines({{300, 1000.0}, {600, 20.0}});
-    const std::string second = Pct(100.0 * 20.0 / std::sqrt(1e6 + 400.0));
+    const std::string second = CyclePctText(100.0 * 20.0 / std::sqrt(1e6 + 400.0));
     EXPECT_EQ(rig.Percentages(),
               second + " " + second + " " + second + " " + second + " " + second + " N/A N/A N/A");
     EXPECT_EQ(rig.controls.lblThd.Caption(), second);
