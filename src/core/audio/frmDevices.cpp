@@ -54,6 +54,15 @@ frmDevices::frmDevices(const Needs& needs, const MainLabels& mainLabels) : needs
 }
 
 void frmDevices::Form_Load() {
+    try {
+        Load();
+    } catch (...) {
+        if (needs_.shared.EventsReady) ShowDevicesInUse();
+        throw;
+    }
+}
+
+void frmDevices::Load() {
     RestorePosition();
     const BusyPointer busyPointer(needs_.dialogs);
     Enumerate();
@@ -81,7 +90,14 @@ void frmDevices::Enumerate() {
 void frmDevices::FillLists() {
     Fill(cmbInputMixer, inputs_, needs_.settings.Text(keys::kInput));
     Fill(cmbOutputMixer, outputs_, needs_.settings.Text(keys::kOutput));
-    cmbSampleRate.SetListIndex(needs_.settings.Long(keys::kSampleRate));
+    cmbSampleRate.SetListIndex(StoredRateIndex());
+}
+
+std::int32_t frmDevices::StoredRateIndex() const {
+    const std::int32_t index = needs_.settings.Long(keys::kSampleRate);
+    if (index < 0 || index >= cmbSampleRate.Count())
+        throw needs_.settings.Failure(error_number::kInvalidCall, keys::kSampleRate);
+    return index;
 }
 
 void frmDevices::cmdOkay_Click() {
@@ -142,11 +158,15 @@ bool frmDevices::Form_QueryUnload() {
             continue;  // a file that cannot be deleted stays
         }
     }
+    ShowDevicesInUse();
+    Windows::Store(needs_.settings, Frame);
+    return true;
+}
+
+void frmDevices::ShowDevicesInUse() {
     main_.lblInput.SetCaption(Left(needs_.engine.InputDeviceName, kShownCharacters));
     main_.lblOutput.SetCaption(Left(needs_.engine.OutputDeviceName, kShownCharacters));
     main_.lblSampleRate.SetCaption(CStr(needs_.shared.SampleRate));
-    Windows::Store(needs_.settings, Frame);
-    return true;
 }
 
 }  // namespace sonavex

@@ -38,7 +38,8 @@ public:
         // Finds the mixer controls of the devices in use.
         std::function<void()> setUpSoundControls;
     };
-    // Labels of the main form that this form writes when it closes.
+    // Labels of the main form. This form shows the devices in use there when it closes, or when it fails to
+    // load while the engine runs.
     struct MainLabels {
         Label& lblInput;
         Label& lblOutput;
@@ -50,7 +51,8 @@ public:
     frmDevices& operator=(const frmDevices&) = delete;
 
     // Lists the devices and selects the stored ones. If they cannot be listed, shows a message and throws
-    // EndProgram. RuntimeError for a stored rate or position that cannot be used.
+    // EndProgram. RuntimeError for a stored rate or position that cannot be used; 5 for an index of a rate
+    // that does not exist.
     void Form_Load();
 
     // Whether the form may close; if so, it has performed the steps of closing. While the engine does not run
@@ -77,9 +79,12 @@ public:
     CommandButton cmdHelp;
 
 private:
+    void Load();
     void RestorePosition();
     void Enumerate();
     void FillLists();
+    std::int32_t StoredRateIndex() const;
+    void ShowDevicesInUse();
     void TakeRate();
     void Apply();
 

@@ -7,6 +7,7 @@ namespace sonavex {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 
 TEST(DevicesLoad, DoesItsStepsInOrder) {
@@ -78,15 +79,32 @@ TEST(DevicesLoad, OffersTheSevenRatesAndSelectsTheStoredOne) {
 }
 
 TEST(DevicesLoad, RefusesAStoredRateThatIsNone) {
-    for (const auto& [stored, number] : {std::pair{"x", 13}, std::pair{"7", 5}, std::pair{"-2", 5}}) {
+    for (const auto& [stored, number] :
+         {std::pair{"x", 13}, std::pair{"7", 5}, std::pair{"-2", 5}, std::pair{"9", 5}, std::pair{"-1", 5}}) {
         DevicesRig rig;
         rig.store.Save("SoundCard", "SampleRate", stored);
-        EXPECT_EQ(ErrorOf([&] {
-                      rig.form.Form_Load();
-                      return 0;
-                  }),
-                  number);
+        const auto error = Raised([&] {
+            rig.form.Form_Load();
+            return 0;
+        });
+        ASSERT_TRUE(error.has_value()) << stored;
+        EXPECT_EQ(error->Number(), number);
+        EXPECT_THAT(error->what(), EndsWith("section \"SoundCard\", key \"SampleRate\", value \"" +
+                                            std::string(stored) + "\" (" + rig.store.Location() + ")"));
         EXPECT_EQ(rig.log.Lines().back(), "SetBusyPointer off");
+    }
+}
+
+TEST(DevicesLoad, ThatFailsShowsTheDevicesInUse) {
+    for (const bool running : {true, false}) {
+        DevicesRig rig;
+        if (running) rig.LoadRunning();
+        for (Label* label : {&rig.lblInput, &rig.lblOutput, &rig.lblSampleRate}) label->SetCaption("Stopped");
+        rig.store.Save("Windows", "frmDevices Left", "left");
+        EXPECT_THROW(rig.form.Form_Load(), RuntimeError);
+        EXPECT_EQ(rig.lblInput.Caption(), running ? "Line A" : "Stopped");
+        EXPECT_EQ(rig.lblOutput.Caption(), running ? "Card A" : "Stopped");
+        EXPECT_EQ(rig.lblSampleRate.Caption(), running ? "32000" : "Stopped");
     }
 }
 
