@@ -16,7 +16,6 @@ namespace {
 // The descriptor; -1 when the file cannot be opened or is not a regular file of this user.
 int OpenLockFile(const std::filesystem::path& file) {
     CreatePrivateFolder(file.parent_path());
-    if (!BelongsToTheUser(file.parent_path())) return -1;
     const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
     if (descriptor < 0) return -1;
     struct stat status = {};

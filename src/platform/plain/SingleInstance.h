@@ -10,14 +10,15 @@ namespace sonavex {
 // process ends, at the latest with this object.
 class SingleInstance {
 public:
-    // Lock files, best first. A file in a folder that does not belong to the user is not used.
+    // Lock files, best first. A missing folder is created. The next file is used where one cannot be opened
+    // or locked, and where it is a link or belongs to another user.
     explicit SingleInstance(std::vector<std::filesystem::path> lockFiles);
     ~SingleInstance();
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
     // True when another process holds the lock. The first call decides. False where no lock file can be
-    // opened.
+    // locked.
     bool AnotherRuns();
 
 private:

@@ -15,9 +15,9 @@ namespace sonavex {
 namespace {
 
 std::vector<std::filesystem::path> LockFiles(const std::string& name) {
-    std::vector<std::filesystem::path> files;
-    for (const auto& folder : {RuntimeFolder(), QtSettingsStore::DefaultFile().parent_path()})
-        if (!folder.empty()) files.push_back(folder / (name + ".lock"));
+    const std::string file = name + ".lock";
+    std::vector<std::filesystem::path> files{QtSettingsStore::DefaultFile().replace_filename(file)};
+    if (const auto runtime = RuntimeFolder(); !runtime.empty()) files.push_back(runtime / file);
     return files;
 }
 

@@ -13,8 +13,8 @@ public:
     // Instances with the same name use the same lock file.
     explicit QtDesktop(const std::string& instanceName = "sonavex");
 
-    // The lock file is in the user's run-time folder. Where that folder is missing or writable by others,
-    // the lock file is in the folder of the settings.
+    // The lock file is in the folder of the settings. Where it cannot be created or locked there, it is in
+    // the user's runtime folder.
     bool AnotherInstanceRunning() override { return instance_.AnotherRuns(); }
     // SONAVEX_OS_MAJOR when it is a whole number of 1 to 1000, otherwise 10.
     std::int32_t OsMajorVersion() override;

@@ -43,7 +43,16 @@ private:
 
 class QtDesktopTest : public testing::Test {
 protected:
+    std::filesystem::path SettingsFolder() const { return config_.Path() / "Sonavex"; }
+    std::filesystem::path Lock() const { return SettingsFolder() / "kept.lock"; }
     std::filesystem::path RuntimeLock() const { return folder_.Path() / "kept.lock"; }
+
+    // The first of two instances is alone, and the second sees it.
+    static void ExpectOnlyOne() {
+        QtDesktop desktop("kept");
+        EXPECT_FALSE(desktop.AnotherInstanceRunning());
+        EXPECT_TRUE(QtDesktop("kept").AnotherInstanceRunning());
+    }
 
     // Starts another process with this expected answer; it keeps running.
     std::unique_ptr<ChildProcess> Start(const std::string& expectedAnswer) {
@@ -91,7 +100,7 @@ TEST_F(QtDesktopTest, ARunThatWasKilledDoesNotCount) {
         EXPECT_TRUE(QtDesktop("kept").AnotherInstanceRunning());
         killed->Kill();
         EXPECT_EQ(killed->Status(), 128 + SIGKILL);
-        EXPECT_TRUE(std::filesystem::exists(RuntimeLock()));
+        EXPECT_TRUE(std::filesystem::exists(Lock()));
         EXPECT_FALSE(QtDesktop("kept").AnotherInstanceRunning());
     }
 }
@@ -107,8 +116,8 @@ TEST_F(QtDesktopTest, AProgramThatAnInstanceStartedDoesNotCount) {
     EXPECT_FALSE(QtDesktop("kept").AnotherInstanceRunning());
 }
 
-// The runtime folder is missing, or others can write to it.
-TEST_F(QtDesktopTest, WithoutARuntimeFolderOfTheUsersOwnThatOfTheSettingsServes) {
+// The runtime folder of either is missing, or others can write to it.
+TEST_F(QtDesktopTest, ASecondInstanceIsSeenWhateverTheRuntimeFoldersAre) {
     const auto shared = folder_.Path() / "shared";
     std::filesystem::create_directory(shared);
     std::filesystem::permissions(shared, std::filesystem::perms::all);
@@ -121,17 +130,38 @@ TEST_F(QtDesktopTest, WithoutARuntimeFolderOfTheUsersOwnThatOfTheSettingsServes)
                                                     (folder_.Path() / "missing").string(), shared.string()};
     if (geteuid() == 0) folders.emplace_back(foreign.string());
     for (const auto& folder : folders) {
-        const Variable runtime("XDG_RUNTIME_DIR", folder);
+        const auto other = [&] { return Variable("XDG_RUNTIME_DIR", folder); };
+        {
+            const Variable runtime = other();
+            ExpectOnlyOne();
+        }
         QtDesktop desktop("kept");
         EXPECT_FALSE(desktop.AnotherInstanceRunning());
+        const Variable runtime = other();
         EXPECT_TRUE(QtDesktop("kept").AnotherInstanceRunning());
     }
-    EXPECT_TRUE(std::filesystem::exists(config_.Path() / "Sonavex" / "kept.lock"));
-    EXPECT_EQ(std::filesystem::status(config_.Path() / "Sonavex").permissions(),
-              std::filesystem::perms::owner_all);
+    EXPECT_TRUE(std::filesystem::exists(Lock()));
+    EXPECT_EQ(std::filesystem::status(SettingsFolder()).permissions(), std::filesystem::perms::owner_all);
     EXPECT_FALSE(std::filesystem::exists(RuntimeLock()));
     EXPECT_TRUE(std::filesystem::is_empty(shared));
     EXPECT_TRUE(std::filesystem::is_empty(foreign));
+}
+
+// As where each user has a group of their own and new folders are open to it.
+TEST_F(QtDesktopTest, AFolderOfTheSettingsThatAGroupCanWriteToServes) {
+    std::filesystem::create_directory(SettingsFolder());
+    std::filesystem::permissions(SettingsFolder(), std::filesystem::perms::group_all,
+                                 std::filesystem::perm_options::add);
+    ExpectOnlyOne();
+    EXPECT_TRUE(std::filesystem::exists(Lock()));
+    EXPECT_FALSE(std::filesystem::exists(RuntimeLock()));
+}
+
+TEST_F(QtDesktopTest, WithoutAFolderOfTheSettingsTheRuntimeFolderServes) {
+    WriteFile(folder_.Path() / "file", "");
+    const Variable configuration("XDG_CONFIG_HOME", (folder_.Path() / "file").string());
+    ExpectOnlyOne();
+    EXPECT_TRUE(std::filesystem::exists(RuntimeLock()));
 }
 
 TEST_F(QtDesktopTest, WithoutAnyUsableFolderNoOtherInstanceIsSeen) {
@@ -143,23 +173,24 @@ TEST_F(QtDesktopTest, WithoutAnyUsableFolderNoOtherInstanceIsSeen) {
     EXPECT_FALSE(QtDesktop("kept").AnotherInstanceRunning());
 }
 
+// The runtime folder is used instead.
 TEST_F(QtDesktopTest, WhateverStandsInTheWayOfTheLockBlocksNothing) {
+    std::filesystem::create_directory(SettingsFolder());
     const auto inTheWay = [&](const std::function<void()>& put) {
+        std::filesystem::remove_all(Lock());
         std::filesystem::remove_all(RuntimeLock());
         put();
-        // The folder of the settings is used instead.
-        QtDesktop desktop("kept");
-        EXPECT_FALSE(desktop.AnotherInstanceRunning());
-        EXPECT_TRUE(QtDesktop("kept").AnotherInstanceRunning());
+        ExpectOnlyOne();
+        EXPECT_TRUE(std::filesystem::exists(RuntimeLock()));
     };
-    inTheWay([&] { std::filesystem::create_directory(RuntimeLock()); });
-    inTheWay([&] { ASSERT_EQ(mkfifo(RuntimeLock().c_str(), 0600), 0); });
-    inTheWay([&] { std::filesystem::create_symlink(folder_.Path() / "precious", RuntimeLock()); });
+    inTheWay([&] { std::filesystem::create_directory(Lock()); });
+    inTheWay([&] { ASSERT_EQ(mkfifo(Lock().c_str(), 0600), 0); });
+    inTheWay([&] { std::filesystem::create_symlink(folder_.Path() / "precious", Lock()); });
     EXPECT_FALSE(std::filesystem::exists(folder_.Path() / "precious"));
     if (geteuid() == 0)
         inTheWay([&] {
-            WriteFile(RuntimeLock(), "");
-            ASSERT_EQ(chown(RuntimeLock().c_str(), 1, 1), 0);
+            WriteFile(Lock(), "");
+            ASSERT_EQ(chown(Lock().c_str(), 1, 1), 0);
         });
 }
 

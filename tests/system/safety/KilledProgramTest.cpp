@@ -109,7 +109,7 @@ TEST_F(KilledProgram, GivesTheLevelsBackAndStartsAgain) {
         if (kill % 10 == 0) RunInOrder(when);
     }
     RunInOrder("at last");
-    EXPECT_THAT(NamesIn(account_.SettingsFolder()), testing::ElementsAre("Sonavex.ini"));
+    EXPECT_THAT(NamesIn(account_.SettingsFolder()), testing::ElementsAre("Sonavex.ini", "sonavex.lock"));
     std::cout << kills << " kills: " << changed << " with the program's levels on the card, " << ending
               << " after the request to end\n";
     EXPECT_GT(changed, 0U);

@@ -134,7 +134,7 @@ TEST_F(LeastPrivilege, TheProgramOnASoundServerNeedsNoInternet) {
     ASSERT_TRUE(WaitUntil([&] {
         return !server.Control({"list", "short", "source-outputs"}).empty();
     })) << FileText(account_.Output());
-    EXPECT_EQ(ModeOf(account_.Runtime() / "sonavex.lock"), 0600U);
+    EXPECT_EQ(ModeOf(account_.SettingsFolder() / "sonavex.lock"), 0600U);
     program.Send(SIGTERM);
     ASSERT_TRUE(program.WaitForEnd(60s));
     EXPECT_EQ(program.Status(), 0) << FileText(account_.Output());
@@ -202,7 +202,7 @@ TEST_P(Rights, OfWhatTheProgramsCreate) {
                              account_.Output());
         ASSERT_TRUE(WaitUntil([&] { return fs::exists(account_.Journal()); })) << FileText(account_.Output());
         EXPECT_EQ(ModeOf(account_.Journal()), 0600U);
-        EXPECT_EQ(ModeOf(account_.Runtime() / "sonavex.lock"), 0600U);
+        EXPECT_EQ(ModeOf(account_.SettingsFolder() / "sonavex.lock"), 0600U);
         ASSERT_TRUE(process.WaitForEnd(60s));
         EXPECT_EQ(process.Status(), 0) << FileText(account_.Output());
     }
@@ -219,7 +219,7 @@ TEST_P(Rights, OfWhatTheProgramsCreate) {
     for (const auto& entry : fs::recursive_directory_iterator(account_.Home())) {
         EXPECT_EQ(ModeOf(entry.path()) & (S_IWOTH | S_ISUID | S_ISGID), 0U) << entry.path();
     }
-    EXPECT_THAT(NamesIn(account_.Runtime()), ElementsAre("sonavex.lock"));
+    EXPECT_THAT(NamesIn(account_.Runtime()), IsEmpty());
     EXPECT_THAT(NamesIn(Temporary()), IsEmpty());
 }
 
@@ -245,11 +245,13 @@ TEST_F(LeastPrivilege, ARuntimeFolderOpenToOthersIsNotUsed) {
         EXPECT_TRUE(fs::is_symlink(entry.symlink_status()));
 }
 
-// Links in the user's own runtime folder are not followed either.
+// Links in the user's own folders are not followed either.
 TEST_F(LeastPrivilege, LinksInPlaceOfLockAndJournalAreNotFollowed) {
     const fs::path precious = account_.Home() / "precious";
     for (const char* const name : {"sonavex.lock", "sonavex-mixer-levels", "sonavex-mixer-levels.new"})
         fs::create_symlink(precious, account_.Runtime() / name);
+    fs::create_directories(account_.SettingsFolder());
+    fs::create_symlink(precious, account_.SettingsFolder() / "sonavex.lock");
     Run(Session({"measure"}));
     EXPECT_FALSE(fs::exists(precious));
 }
