@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QMainWindow>
-#include <QMoveEvent>
 #include <optional>
 #include <utility>
 
@@ -73,19 +72,7 @@ void FormDialog::reject() {
 
 void FormDialog::ReportSize() {
     adjustSize();
-    frame_.SetSize(frameGeometry().width(), frameGeometry().height());
-}
-
-void FormDialog::Place() {
-    placement_.MoveToFrame();
-    placement_.MoveOntoScreen();
-    placement_.Report();
-    placement_.StartReporting();
-}
-
-void FormDialog::moveEvent(QMoveEvent* event) {
-    QDialog::moveEvent(event);
-    placement_.OnMove();
+    placement_.ReportSize();
 }
 
 }  // namespace sonavex::ui

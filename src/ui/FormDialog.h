@@ -33,9 +33,7 @@ protected:
     // Passes the size of the layout to the form's start.
     void ReportSize();
     // Moves the window to the form's position, or centres it if no screen shows that position.
-    void Place();
-
-    void moveEvent(QMoveEvent* event) override;
+    void Place() { placement_.Place(); }
 
     Binder binder_;
 

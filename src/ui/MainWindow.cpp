@@ -2,9 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QRegularExpressionValidator>
-#include <QScreen>
 #include <QShortcut>
 #include <QStyle>
 #include <string_view>
@@ -54,9 +52,6 @@ void FixSize(QLabel& label, const QString& widest) {
     label.setFixedSize(SizeWith(label, widest));
     if (QLayout* const layout = LayoutOf(label)) layout->setAlignment(&label, label.alignment());
 }
-
-// The same margin that the form keeps from the bottom of the lowest screen.
-constexpr int kBottomMargin = 50;
 
 QString WordText(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -172,45 +167,22 @@ void MainWindow::TakeLayoutSize() {
 }
 
 void MainWindow::ReportSize() {
-    if (!isVisible()) TakeLayoutSize();
-    form_.Frame.SetSize(frameGeometry().width(), frameGeometry().height());
+    TakeLayoutSize();
+    placement_.ReportSize();
 }
 
 void MainWindow::ShowPlaced() {
     const QString caption = QString::fromStdString(form_.Frame.Caption());
     setWindowTitle(simulatedName_.isEmpty() ? caption : caption + QStringLiteral(" — ") + simulatedName_);
-    placement_.MoveToFrame();
-    placement_.MoveOntoScreen();
-    KeepAboveTheScreensBottom();
-    placement_.StartReporting();
+    placement_.Place();
     binder_.Flush();
     show();
-}
-
-// Screens can differ in height, and the form knows only the lowest edge.
-void MainWindow::KeepAboveTheScreensBottom() {
-    const QScreen* screen = QGuiApplication::screenAt(QRect(pos(), size()).center());
-    if (screen == nullptr) return;
-    const QRect free = screen->availableGeometry();
-    const int bottom = free.y() + free.height();
-    if (height() <= free.height() && pos().y() > bottom - (height() + kBottomMargin))
-        move(pos().x(), bottom - height());
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
     // The form ends the program when its shutdown is complete.
     event->ignore();
     form_.Guard.Run([this] { form_.Unload(); });
-}
-
-void MainWindow::moveEvent(QMoveEvent* event) {
-    QMainWindow::moveEvent(event);
-    placement_.OnMove();
-}
-
-void MainWindow::resizeEvent(QResizeEvent* event) {
-    QMainWindow::resizeEvent(event);
-    ReportSize();
 }
 
 void MainWindow::changeEvent(QEvent* event) {

@@ -39,8 +39,6 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void moveEvent(QMoveEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -56,7 +54,6 @@ private:
     void PaintOwnBackgrounds();
     void FixSizes();
     void TakeLayoutSize();
-    void KeepAboveTheScreensBottom();
 
     frmMain& form_;
     QString simulatedName_;

@@ -25,7 +25,7 @@ ModelessDialog::ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget&
     setModal(false);
     form_.OnShow = [this] { ShowForm(); };
     form_.OnClosed = [this] {
-        placement_.StopReporting();
+        placement_.Leave();
         hide();
     };
 }
@@ -36,18 +36,17 @@ void ModelessDialog::Complete() {
     setWindowTitle(QString::fromStdString(form_.Frame.Caption()));
     ensurePolished();
     for (QWidget* widget : findChildren<QWidget*>()) widget->ensurePolished();
-    resize(sizeHint().expandedTo(minimumSizeHint()));
-    form_.Frame.SetSize(width(), height());
     Decorate();
+    resize(sizeHint().expandedTo(minimumSizeHint()));
+    placement_.ReportSize();
 }
 
 void ModelessDialog::ShowForm() {
     if (!isVisible()) {
         if (KeepsPlace)
-            placement_.MoveToFrame();
+            placement_.Place();
         else
             PlaceBesideParent();
-        placement_.StartReporting();
     }
     binder_.Flush();
     show();
@@ -57,9 +56,10 @@ void ModelessDialog::ShowForm() {
 
 void ModelessDialog::PlaceBesideParent() {
     const QRect free = parentWidget()->screen()->availableGeometry();
-    const QPoint middle = parentWidget()->geometry().center() - rect().center();
-    move(qBound(free.left(), middle.x(), qMax(free.left(), free.right() - width())),
-         qBound(free.top(), middle.y(), qMax(free.top(), free.bottom() - height())));
+    const QRect frame({}, frameGeometry().size());
+    const QPoint middle = parentWidget()->frameGeometry().center() - frame.center();
+    move(qBound(free.left(), middle.x(), qMax(free.left(), free.right() - frame.width())),
+         qBound(free.top(), middle.y(), qMax(free.top(), free.bottom() - frame.height())));
 }
 
 void ModelessDialog::closeEvent(QCloseEvent* event) {
@@ -69,11 +69,6 @@ void ModelessDialog::closeEvent(QCloseEvent* event) {
 
 void ModelessDialog::reject() {
     guard_.Run([this] { form_.Unload(); });
-}
-
-void ModelessDialog::moveEvent(QMoveEvent* event) {
-    QDialog::moveEvent(event);
-    placement_.OnMove();
 }
 
 void ModelessDialog::changeEvent(QEvent* event) {

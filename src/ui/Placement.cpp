@@ -1,17 +1,20 @@
 #include "ui/Placement.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
-#include <climits>
+#include <QWindow>
 
-#include "core/controls/Window.h"
+#include "core/settings/Windows.h"
 
 namespace sonavex::ui {
 namespace {
 
 // Width and height that must be visible, in pixels.
 constexpr int kHold = 40;
+// The same margin that the form keeps from the bottom of the lowest screen.
+constexpr int kBottomMargin = 50;
 
 QPoint PrimaryOrigin() {
     return QGuiApplication::primaryScreen()->geometry().topLeft();
@@ -24,30 +27,77 @@ bool OnAnyScreen(const QRect& frame) {
     return false;
 }
 
+QPoint Middle(const QSize& frame) {
+    return QGuiApplication::primaryScreen()->availableGeometry().center() - QRect({}, frame).center();
+}
+
+// Screens can differ in height, and the form knows only the lowest edge.
+QPoint AboveTheScreensBottom(const QRect& frame) {
+    const QScreen* screen = QGuiApplication::screenAt(frame.center());
+    if (screen == nullptr) return frame.topLeft();
+    const QRect free = screen->availableGeometry();
+    const int bottom = free.y() + free.height();
+    if (frame.height() > free.height() || frame.y() <= bottom - (frame.height() + kBottomMargin))
+        return frame.topLeft();
+    return {frame.x(), bottom - frame.height()};
+}
+
 }  // namespace
 
-void Placement::MoveToFrame() {
-    widget_.move(PrimaryOrigin() + QPoint(frame_.Left(), frame_.Top()));
+Placement::Placement(QWidget& widget, Window& frame) : widget_(widget), frame_(frame) {
+    widget_.installEventFilter(this);
 }
 
-void Placement::MoveOntoScreen() {
-    if (OnAnyScreen(QRect(widget_.pos(), widget_.size()))) return;
-    widget_.move(QGuiApplication::primaryScreen()->availableGeometry().center() - widget_.rect().center());
+void Placement::ReportSize() {
+    frame_.SetSize(FrameSize().width(), FrameSize().height());
 }
 
-void Placement::Report() {
-    const QPoint place = widget_.pos() - PrimaryOrigin();
-    frame_.Move(place.x(), place.y());
+void Placement::Place() {
+    QPoint place = PrimaryOrigin() + QPoint(frame_.Left(), frame_.Top());
+    if (!OnAnyScreen({place, FrameSize()})) place = Middle(FrameSize());
+    placedAt_ = framedAt_ = AboveTheScreensBottom({place, FrameSize()});
+    framed_ = Framed();
+    state_ = State::kPlaced;
+    widget_.move(placedAt_);
 }
 
-void Placement::StartReporting() {
-    placedAt_ = widget_.pos();
+bool Placement::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) Follow();
+    return QObject::eventFilter(watched, event);
 }
 
-void Placement::OnMove() {
-    if (!placedAt_ || widget_.pos() == *placedAt_) return;
-    placedAt_ = QPoint(INT_MIN, INT_MIN);
-    Report();
+// The move with which the frame appears is the window system's: the user cannot take hold of the widget
+// before. The window system may report the position without the frame once more after AllowForFrame.
+void Placement::Follow() {
+    ReportSize();
+    if (state_ == State::kLeft) return;
+    const QPoint place = widget_.pos();
+    if (state_ == State::kPlaced && !framed_ && Framed()) {
+        framed_ = true;
+        placedAt_ = framedAt_ = place;
+        // Showing the widget sets its position once more after this event.
+        QMetaObject::invokeMethod(this, &Placement::AllowForFrame, Qt::QueuedConnection);
+        return;
+    }
+    if (state_ == State::kPlaced && (place == placedAt_ || place == framedAt_)) return;
+    state_ = State::kMovedByUser;
+    frame_.Move((place - PrimaryOrigin()).x(), (place - PrimaryOrigin()).y());
+}
+
+void Placement::AllowForFrame() {
+    if (state_ != State::kPlaced) return;
+    const QPoint place = placedAt_ - PrimaryOrigin();
+    const Windows::Place kept = Windows::KeptOnScreens({place.x(), place.y()}, frame_);
+    framedAt_ = AboveTheScreensBottom({PrimaryOrigin() + QPoint(kept.left, kept.top), FrameSize()});
+    if (framedAt_ != placedAt_) widget_.windowHandle()->setFramePosition(framedAt_);
+}
+
+bool Placement::Framed() const {
+    return widget_.frameGeometry() != widget_.geometry();
+}
+
+QSize Placement::FrameSize() const {
+    return widget_.frameGeometry().size();
 }
 
 }  // namespace sonavex::ui

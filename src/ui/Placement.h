@@ -1,7 +1,8 @@
 #pragma once
 
+#include <QObject>
 #include <QPoint>
-#include <optional>
+#include <QSize>
 
 class QWidget;
 
@@ -11,32 +12,44 @@ class Window;
 
 namespace sonavex::ui {
 
-// Keeps the position of a form's window and of its widget the same. Form positions are relative to the top
-// left corner of the primary screen.
-class Placement {
+// Keeps the position of a form's window and of its widget the same, and the size of the form that of the
+// widget with its frame. Form positions are relative to the top left corner of the primary screen.
+class Placement : public QObject {
+    Q_OBJECT
+
 public:
     // Both must outlive this object.
-    Placement(QWidget& widget, Window& frame) noexcept : widget_(widget), frame_(frame) {}
+    Placement(QWidget& widget, Window& frame);
 
-    // Moves the widget to the form's position.
-    void MoveToFrame();
-    // Moves the widget to the middle of the primary screen unless a screen shows it.
-    void MoveOntoScreen();
-    // Passes the widget's position to the form.
-    void Report();
+    // Passes the widget's size to the form.
+    void ReportSize();
 
-    // Reports every later move, except to the position where the widget is now: that move is not the
-    // user's.
-    void StartReporting();
-    void StopReporting() noexcept { placedAt_.reset(); }
-    // Call from moveEvent.
-    void OnMove();
+    // Call before the widget is shown. Moves it to the form's position, or to the middle of the primary
+    // screen if no screen would show it. When its frame becomes known, it is kept on the screens once more.
+    // Only later moves, which are the user's, change the form's position.
+    void Place();
+    // Ends reporting moves.
+    void Leave() noexcept { state_ = State::kLeft; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // kPlaced until the user moves the widget.
+    enum class State { kLeft, kPlaced, kMovedByUser };
+
+    void Follow();
+    void AllowForFrame();
+    bool Framed() const;
+    QSize FrameSize() const;
+
     QWidget& widget_;
     Window& frame_;
-    // The widget's position at StartReporting, until the user moves it; then a position that no widget has.
-    std::optional<QPoint> placedAt_;
+    State state_ = State::kLeft;
+    bool framed_ = false;
+    // Where this object has placed the widget: before and after its frame was known.
+    QPoint placedAt_;
+    QPoint framedAt_;
 };
 
 }  // namespace sonavex::ui

@@ -29,10 +29,18 @@ public:
 
     std::int32_t Width() const noexcept { return width_; }
     std::int32_t Height() const noexcept { return height_; }
-    // Sets the size that the layout of the window needs.
+    // Sets the size of the window with its frame, as far as the frame is known.
     void SetSize(std::int32_t width, std::int32_t height) noexcept {
         width_ = width;
         height_ = height;
+    }
+
+    // Right and bottom edge of the screens; the form is placed inside them.
+    std::int32_t RightLimit() const noexcept { return rightLimit_; }
+    std::int32_t BottomLimit() const noexcept { return bottomLimit_; }
+    void SetLimits(std::int32_t right, std::int32_t bottom) noexcept {
+        rightLimit_ = right;
+        bottomLimit_ = bottom;
     }
 
 private:
@@ -42,6 +50,8 @@ private:
     std::int32_t top_ = 0;
     std::int32_t width_ = 0;
     std::int32_t height_ = 0;
+    std::int32_t rightLimit_ = 0;
+    std::int32_t bottomLimit_ = 0;
 };
 
 }  // namespace sonavex

@@ -7,10 +7,12 @@ namespace sonavex {
 
 // Screen geometry in device-independent pixels from the top left of the primary screen.
 struct ScreenArea {
-    std::int32_t width = 0;  // size of the primary screen, where windows are centred
+    std::int32_t width = 0;  // size of the primary screen's free area, where windows are centred
     std::int32_t height = 0;
     std::int32_t right = 0;  // right and bottom edge of all screens together; windows stay inside
     std::int32_t bottom = 0;
+    std::int32_t left = 0;  // top left of the primary screen's free area
+    std::int32_t top = 0;
 };
 
 // The computer that the program runs on.

@@ -20,17 +20,22 @@ std::int32_t Middle(std::int32_t screen, std::int32_t form) {
 
 }  // namespace
 
-Place Restore(const Settings& settings, const Window& form, const ScreenArea& screens) {
+Place Restore(const Settings& settings, Window& form, const ScreenArea& screens) {
+    form.SetLimits(screens.right, screens.bottom);
     Place place;
     place.left = StoredEdge(settings, form.Name() + " Left");
     place.top = StoredEdge(settings, form.Name() + " Top");
     if (place.left == kNeverPlaced || place.top == kNeverPlaced) {
-        place.top = Middle(screens.height, form.Height());
-        place.left = Middle(screens.width, form.Width());
+        place.top = screens.top + Middle(screens.height, form.Height());
+        place.left = screens.left + Middle(screens.width, form.Width());
     }
-    if (place.top > screens.bottom - (form.Height() + kBottomMargin))
-        place.top = screens.bottom - form.Height();
-    if (place.left > screens.right - form.Width()) place.left = screens.right - form.Width();
+    return KeptOnScreens(place, form);
+}
+
+Place KeptOnScreens(Place place, const Window& form) {
+    if (place.top > form.BottomLimit() - (form.Height() + kBottomMargin))
+        place.top = form.BottomLimit() - form.Height();
+    if (place.left > form.RightLimit() - form.Width()) place.left = form.RightLimit() - form.Width();
     return place;
 }
 

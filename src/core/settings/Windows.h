@@ -15,10 +15,13 @@ struct Place {
     friend bool operator==(const Place&, const Place&) = default;
 };
 
-// The stored position of the form, or the centred one if none is stored. A position beyond the right screen
-// edge, or closer than 50 units to the bottom edge, is pulled back. A stored position that is not a number
-// raises error 13.
-Place Restore(const Settings& settings, const Window& form, const ScreenArea& screens);
+// The stored position of the form, or the centred one if none is stored, kept on the screens. Sets the form's
+// limits. A stored position that is not a number raises error 13.
+Place Restore(const Settings& settings, Window& form, const ScreenArea& screens);
+
+// The place, pulled back if the form's right edge would be beyond its limit, or its bottom edge beyond or
+// less than 50 units before it. For a form whose size changes after Restore.
+Place KeptOnScreens(Place place, const Window& form);
 
 // Stores the form's present position.
 void Store(Settings& settings, const Window& form);

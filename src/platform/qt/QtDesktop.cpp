@@ -39,12 +39,15 @@ ScreenArea QtDesktop::Screens() {
     ScreenArea area;
     const QScreen* primary = QGuiApplication::primaryScreen();
     if (primary == nullptr) return area;
-    const QRect all = primary->availableVirtualGeometry();
-    area.width = primary->availableGeometry().width();
-    area.height = primary->availableGeometry().height();
     const QPoint origin = primary->geometry().topLeft();
-    area.right = all.x() + all.width() - origin.x();
-    area.bottom = all.y() + all.height() - origin.y();
+    const QRect free = primary->availableGeometry().translated(-origin);
+    const QRect all = primary->availableVirtualGeometry().translated(-origin);
+    area.width = free.width();
+    area.height = free.height();
+    area.right = all.x() + all.width();
+    area.bottom = all.y() + all.height();
+    area.left = free.x();
+    area.top = free.y();
     return area;
 }
 

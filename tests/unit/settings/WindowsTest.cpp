@@ -27,6 +27,13 @@ TEST(WindowPosition, OfAFormNeverStoredIsTheMiddle) {
     EXPECT_EQ(Windows::Restore(placing.settings, placing.form, kScreen), (Windows::Place{560, 240}));
 }
 
+TEST(WindowPosition, InTheMiddleLeavesPanelsAtTheEdgesAside) {
+    Placing placing;
+    // A panel of 41 pixels at the top and one of 60 at the left.
+    const ScreenArea screen{1860, 1039, 1920, 1080, 60, 41};
+    EXPECT_EQ(Windows::Restore(placing.settings, placing.form, screen), (Windows::Place{590, 260}));
+}
+
 TEST(WindowPosition, WithOneEdgeMissingIsTheMiddle) {
     EXPECT_EQ(Placing().At("-1", "100"), (Windows::Place{560, 240}));
     EXPECT_EQ(Placing().At("100", "-1"), (Windows::Place{560, 240}));
@@ -43,6 +50,14 @@ TEST(WindowPosition, WithinFiftyUnitsOfTheBottomIsPulledUpToTheEdge) {
 
 TEST(WindowPosition, BeyondTheRightEdgeIsPulledBack) {
     EXPECT_EQ(Placing().At("1121", "0").left, 1120);
+}
+
+TEST(WindowPosition, IsKeptOnTheScreensWithTheFrameToo) {
+    Placing placing;
+    placing.At("1120", "429");
+    placing.form.SetSize(810, 631);
+    EXPECT_EQ(Windows::KeptOnScreens({1120, 429}, placing.form), (Windows::Place{1110, 449}));
+    EXPECT_EQ(Windows::KeptOnScreens({-700, 399}, placing.form), (Windows::Place{-700, 399}));
 }
 
 TEST(WindowPosition, NegativeButNotMinusOneIsKept) {
