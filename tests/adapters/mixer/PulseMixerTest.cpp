@@ -15,6 +15,7 @@
 #include "core/ports/SoundSystem.h"
 #include "platform/pulse/PulseMixer.h"
 #include "platform/pulse/PulseSoundSystem.h"
+#include "support/Duplex.h"
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
 #include "support/Wait.h"
@@ -76,17 +77,14 @@ public:
     static constexpr std::int32_t kRateHz = 48000;
 
     AudibleSink() {
-        playback_ = system_.CreatePlaybackDevice(kSinkName)->CreateBuffer(
-            {buffer_flag::kVolumePositionFocus, 65536, WaveFormat::Stereo16(kRateHz)});
-        capture_ = system_.CreateCaptureDevice(std::string(kSinkName) + ".monitor")
-                       ->CreateBuffer({0, 32768, WaveFormat::Stereo16(kRateHz)});
+        duplex_.OpenPlayback(kSinkName, kRateHz);
+        duplex_.OpenCapture(std::string(kSinkName) + ".monitor", kRateHz);
         std::vector<std::int16_t> samples(32768);
         for (std::size_t i = 0; i < samples.size(); ++i)
             samples[i] = static_cast<std::int16_t>(
                 std::lround(16000.0 * std::sin(2.0 * std::numbers::pi * static_cast<double>(i / 2) / 64.0)));
-        playback_->WriteBuffer(0, samples);
-        capture_->StartLooping();
-        playback_->PlayLooping();
+        duplex_.playback->WriteBuffer(0, samples);
+        duplex_.Start();
     }
 
     // Level of each captured channel relative to the played sine in dB: the first stable value, because a
@@ -114,7 +112,7 @@ private:
 
     std::array<double, 2> PresentLevelsDb() const {
         std::vector<std::int16_t> captured(16384);
-        capture_->ReadBuffer(0, captured);
+        duplex_.capture->ReadBuffer(0, captured);
         std::array<double, 2> power{};
         for (std::size_t i = 0; i < captured.size(); ++i) power[i % 2] += captured[i] * captured[i];
         const double played = 16000.0 * 16000.0 / 2.0 * 8192.0;
@@ -122,8 +120,7 @@ private:
     }
 
     PulseSoundSystem system_{loop, platform.TheServer().Address()};
-    std::unique_ptr<PlaybackBuffer> playback_;
-    std::unique_ptr<CaptureBuffer> capture_;
+    Duplex duplex_{loop, system_};
 };
 
 template <class Platform>

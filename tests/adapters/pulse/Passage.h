@@ -10,6 +10,7 @@
 #include "core/settings/SampleRates.h"
 #include "platform/plain/PlainEventLoop.h"
 #include "platform/pulse/PulseSoundSystem.h"
+#include "support/Duplex.h"
 #include "support/LoopSignal.h"
 #include "support/SoundServer.h"
 
@@ -21,21 +22,19 @@ public:
     Passage(PlainEventLoop& loop, const std::string& address, const std::string& sink, std::int32_t rateHz)
         : rateHz_(rateHz),
           system_(loop, address),
+          duplex_(loop, system_),
           pattern_(RandomPattern(static_cast<std::uint32_t>(rateHz))) {
-        output_ = system_.CreatePlaybackDevice(sink);
-        input_ = system_.CreateCaptureDevice(sink + ".monitor");
-        capture_ = input_->CreateBuffer(Stereo(kCaptureBytes, rateHz));
-        playback_ = output_->CreateBuffer(Stereo(kPlaybackBytes, rateHz));
-        recorder_ = std::make_unique<SegmentRecorder>(system_, *capture_);
-        playback_->WriteBuffer(0, pattern_);
-        playback_->SetVolume(0);
-        capture_->StartLooping();
-        playback_->PlayLooping();
+        duplex_.OpenCapture(sink + ".monitor", rateHz);
+        duplex_.OpenPlayback(sink, rateHz);
+        recorder_ = std::make_unique<SegmentRecorder>(system_, *duplex_.capture);
+        duplex_.playback->WriteBuffer(0, pattern_);
+        duplex_.playback->SetVolume(0);
+        duplex_.Start();
     }
 
     // Eleven segments: more than once round the playback buffer, whatever the delay.
     bool Complete() const { return recorder_->Order().size() >= 11; }
-    std::string Notes() const { return capture_->PathNote() + playback_->PathNote(); }
+    std::string Notes() const { return duplex_.capture->PathNote() + duplex_.playback->PathNote(); }
     bool Exact() const {
         const LoopComparison comparison = Comparison();
         return comparison.comparedFrames >= 16384 && comparison.differentFrames == 0 && Missing() == 0;
@@ -45,20 +44,17 @@ public:
         return std::to_string(rateHz_) + " Hz: " + std::to_string(comparison.differentFrames) +
                " frames of " + std::to_string(comparison.comparedFrames) + " differ, " +
                std::to_string(Missing()) + " are missing, played with " +
-               std::to_string(playback_->Underruns()) + " underruns";
+               std::to_string(duplex_.playback->Underruns()) + " underruns";
     }
 
 private:
     LoopComparison Comparison() const { return CompareLoop(recorder_->Samples(), pattern_, 0); }
-    std::uint64_t Missing() const { return capture_->Statistics().framesMissing; }
+    std::uint64_t Missing() const { return duplex_.capture->Statistics().framesMissing; }
 
     std::int32_t rateHz_;
     PulseSoundSystem system_;
+    Duplex duplex_;
     std::vector<std::int16_t> pattern_;
-    std::unique_ptr<PlaybackDevice> output_;
-    std::unique_ptr<CaptureDevice> input_;
-    std::unique_ptr<CaptureBuffer> capture_;
-    std::unique_ptr<PlaybackBuffer> playback_;
     std::unique_ptr<SegmentRecorder> recorder_;
 };
 

@@ -51,12 +51,9 @@ TEST(PulseLoop, InheritsNoVolumeFromEarlierStreams) {
     const PulseServer server({{"card", 48000, "TestCard"}});
     server.Control({"load-module", "module-stream-restore"});
     {
-        PlainEventLoop loop;
-        PulseSoundSystem system(loop, server.Address());
-        const auto output = system.CreatePlaybackDevice("");
-        const auto input = system.CreateCaptureDevice("");
-        const auto playback = output->CreateBuffer(Stereo(kPlaybackBytes, 48000));
-        const auto capture = input->CreateBuffer(Stereo(kCaptureBytes, 48000));
+        DuplexOn<PulseSoundSystem> session(server.Address());
+        session.OpenPlayback("", 48000);
+        session.OpenCapture("", 48000);
         TurnDown(server, "sink-input");
         TurnDown(server, "source-output");
     }
