@@ -22,10 +22,10 @@ TEST_F(GeneratorTab, EnablesTheSweepsControlsWithItsTime) {
     for (const char* name : {"sldEndFreq", "txtGenEndFreq", "chkLoop"}) EXPECT_FALSE(Enabled(name)) << name;
     Find<QSlider>("sldSweepTime").setFocus();
     Key("sldSweepTime", Qt::Key_Right);
-    EXPECT_EQ(Box("txtSweepTime"), "1");
+    EXPECT_EQ(Box("txtSweepTime"), "10");
     for (const char* name : {"sldEndFreq", "txtGenEndFreq", "chkLoop"}) EXPECT_TRUE(Enabled(name)) << name;
     EXPECT_TRUE(Tone().Sweep);
-    EXPECT_EQ(Tone().LoopIncrement, -980.0);
+    EXPECT_EQ(Tone().LoopIncrement, -98.0);
     Key("sldSweepTime", Qt::Key_End);
     EXPECT_EQ(Box("txtSweepTime"), "10000");
     EXPECT_EQ(Tone().SweepTime, 10000);
@@ -57,10 +57,10 @@ TEST_F(GeneratorTab, ShowsAndStoresTheLevel) {
     EXPECT_EQ(Text("lblGenLevel"), "-0.50 dB");
     Find<QSlider>("sldLevel").setFocus();
     Key("sldLevel", Qt::Key_Right);
-    EXPECT_EQ(Text("lblGenLevel"), "-0.49 dB");
-    EXPECT_EQ(Stored("Level"), "-49");
+    EXPECT_EQ(Text("lblGenLevel"), "-0.40 dB");
+    EXPECT_EQ(Stored("Level"), "-40");
     Key("sldLevel", Qt::Key_PageDown);
-    EXPECT_EQ(Text("lblGenLevel"), "-1.49 dB");
+    EXPECT_EQ(Text("lblGenLevel"), "-3.40 dB");
     Key("sldLevel", Qt::Key_Home);
     EXPECT_EQ(Text("lblGenLevel"), "-96.00 dB");
     Key("sldLevel", Qt::Key_End);
@@ -74,7 +74,7 @@ TEST_F(GeneratorTab, ChangesTheLevelOfWhatPlays) {
     Key("sldLevel", Qt::Key_End);
     Step(20);
     EXPECT_EQ(Text("LblLevel"), "25");
-    for (int i = 0; i < 6; ++i) Key("sldLevel", Qt::Key_PageDown);
+    for (int i = 0; i < 2; ++i) Key("sldLevel", Qt::Key_PageDown);
     EXPECT_EQ(Text("lblGenLevel"), "-6.00 dB");
     Step(20);
     EXPECT_EQ(Text("LblLevel"), "13");

@@ -2,7 +2,6 @@
 
 #include <QMouseEvent>
 #include <QSignalBlocker>
-#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 
@@ -12,7 +11,6 @@ namespace sonavex::ui {
 namespace {
 
 constexpr int kPositions = 10000;
-constexpr int kNotch = QWheelEvent::DefaultDeltasPerStep;
 constexpr double kPageOctaves = 1.0 / 3.0;
 constexpr double kNotchOctaves = kPageOctaves / 4.0;
 
@@ -24,7 +22,7 @@ int Away(int hertz, double octaves) {
 
 }  // namespace
 
-FrequencySlider::FrequencySlider(QWidget* parent) : QSlider(parent) {
+FrequencySlider::FrequencySlider(QWidget* parent) : NotchSlider(parent) {
     setOrientation(Qt::Horizontal);
     setRange(0, kPositions);
     connect(this, &QSlider::actionTriggered, this, &FrequencySlider::OnAction);
@@ -101,15 +99,8 @@ void FrequencySlider::Step(int hertz) {
     Q_EMIT HzReleased();
 }
 
-// A touchpad reports fractions of a notch.
-void FrequencySlider::wheelEvent(QWheelEvent* event) {
-    const int angle = event->angleDelta().y();
-    if ((angle > 0) != (wheelAngle_ > 0)) wheelAngle_ = 0;
-    wheelAngle_ += angle;
-    const int notches = wheelAngle_ / kNotch;
-    wheelAngle_ -= notches * kNotch;
-    if (notches != 0) Step(Away(hertz_, notches * kNotchOctaves));
-    event->accept();
+void FrequencySlider::MoveByNotches(int notches) {
+    Step(Away(hertz_, notches * kNotchOctaves));
 }
 
 void FrequencySlider::mouseDoubleClickEvent(QMouseEvent* event) {

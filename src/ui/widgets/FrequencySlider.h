@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QSlider>
+#include "ui/widgets/NotchSlider.h"
 
 namespace sonavex::ui {
 
 // A logarithmic slider for whole hertz: equal distances are equal intervals. Arrow keys move by 1 Hz, page
 // keys and clicks on the track by a third of an octave, a wheel notch by a twelfth. A double click resets.
 // Assistive technology reads the frequency in the description.
-class FrequencySlider : public QSlider {
+class FrequencySlider : public NotchSlider {
     Q_OBJECT
 
 public:
@@ -26,7 +26,7 @@ Q_SIGNALS:
     void HzReleased();
 
 protected:
-    void wheelEvent(QWheelEvent* event) override;
+    void MoveByNotches(int notches) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
@@ -41,7 +41,6 @@ private:
     int highestHz_ = 24000;
     int hertz_ = 1;
     int resetHz_ = 1000;
-    int wheelAngle_ = 0;  // eighths of a degree, not yet a full notch
 };
 
 }  // namespace sonavex::ui

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QSlider>
+
+namespace sonavex::ui {
+
+// A slider with a step of its own for a notch of the mouse wheel, whatever number of lines the desktop
+// scrolls per notch. Fractions of a notch, which touchpads and fine wheels report, add up.
+class NotchSlider : public QSlider {
+    Q_OBJECT
+    Q_PROPERTY(int notchStep READ NotchStep WRITE SetNotchStep)
+
+public:
+    using QSlider::QSlider;
+
+    // Change of the value by a notch.
+    int NotchStep() const noexcept { return notchStep_; }
+    void SetNotchStep(int step) noexcept { notchStep_ = step; }
+
+protected:
+    void wheelEvent(QWheelEvent* event) override;
+    virtual void MoveByNotches(int notches) { setValue(value() + notches * notchStep_); }
+
+private:
+    int notchStep_ = 1;
+    int wheelAngle_ = 0;  // eighths of a degree, not yet a full notch
+};
+
+}  // namespace sonavex::ui
