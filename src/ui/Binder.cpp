@@ -36,7 +36,7 @@ Binder::Binder(HandlerGuard& guard, std::function<void()> afterFlush, QObject* p
     : QObject(parent), guard_(guard), afterFlush_(std::move(afterFlush)) {}
 
 void Binder::Add(QObject& widget, Control& control, std::function<void()> show) {
-    entries_.push_back({&widget, &control, std::move(show)});
+    entries_.push_back({&widget, &control, std::move(show), false});
     control.OnDirty = [this] { Schedule(); };
     entries_.back().show();
     control.Clean();
@@ -49,21 +49,36 @@ void Binder::Schedule() {
         this, [this] { Flush(); }, Qt::QueuedConnection);
 }
 
+// Two widgets may show the same control. Controls are cleaned before anything is shown, because a widget that
+// loses the focus then completes its entry, and the changes by that are shown by the next flush.
 void Binder::Flush() {
     scheduled_ = false;
+    for (Entry& entry : entries_) entry.due = entry.control->Dirty();
+    for (Entry& entry : entries_) entry.control->Clean();
     for (Entry& entry : entries_) {
-        if (!entry.control->Dirty()) continue;
+        if (!entry.due) continue;
         const QSignalBlocker blocker(entry.widget);
         entry.show();
     }
-    // Two widgets may show the same control, so clean the controls only after all are shown.
-    for (Entry& entry : entries_) entry.control->Clean();
     if (afterFlush_) afterFlush_();
 }
 
 void Binder::Handle(const std::function<void()>& handler) {
+    CompleteEntries();
     guard_.Run(handler);
     Schedule();
+}
+
+void Binder::CompleteEntries() {
+    for (TextEntry* entry : texts_) entry->Complete(guard_);
+}
+
+// A handle that the user grabs must not move away first, so pressing it does not show the entries.
+void Binder::ShowEntriesBeforeSteps(NotchSlider& slider) {
+    connect(&slider, &NotchSlider::AboutToStep, this, [this] {
+        CompleteEntries();
+        if (scheduled_) Flush();
+    });
 }
 
 std::vector<Binder::Pair> Binder::Pairs() const {
@@ -82,24 +97,14 @@ void Binder::Bind(QLabel& widget, Label& control) {
 }
 
 void Binder::Bind(QLineEdit& widget, TextBox& control) {
-    Add(widget, control, [&widget, &control] {
-        if (widget.text() != Text(control.Text())) {
-            const bool modified = widget.isModified();
-            widget.setText(Text(control.Text()));
-            widget.setModified(modified);
-        }
+    auto* const entry = new TextEntry(widget, control, this);
+    texts_.push_back(entry);
+    Add(widget, control, [&widget, &control, entry] {
+        entry->Show();
         widget.setEnabled(control.Enabled());
         if (control.TakeFocusRequest()) GiveFocus(widget);
     });
-    connect(&widget, &QLineEdit::textEdited, this, [this, &control](const QString& text) {
-        Handle([&] { control.UserTypes(text.toStdString()); });
-    });
-    // Only a modified text counts as an entry.
-    connect(&widget, &QLineEdit::editingFinished, this, [this, &widget, &control] {
-        if (!widget.isModified()) return;
-        widget.setModified(false);
-        Handle([&] { control.UserLeaves(); });
-    });
+    connect(entry, &TextEntry::Finished, this, &Binder::CompleteEntries);
 }
 
 void Binder::Bind(QSlider& widget, Slider& control) {
@@ -108,6 +113,7 @@ void Binder::Bind(QSlider& widget, Slider& control) {
         if (!widget.isSliderDown()) widget.setValue(control.Value());
         widget.setEnabled(control.Enabled());
     });
+    if (auto* const stepped = qobject_cast<NotchSlider*>(&widget)) ShowEntriesBeforeSteps(*stepped);
     connect(&widget, &QSlider::valueChanged, this, [this, &widget, &control](int value) {
         Handle([&] { control.UserMoves(value); });
         if (!widget.isSliderDown()) Handle([&] { control.UserReleases(); });
@@ -126,6 +132,7 @@ void Binder::Bind(FrequencySlider& widget, Slider& control) {
         widget.SetHz(control.Value());
         widget.setEnabled(control.Enabled());
     });
+    ShowEntriesBeforeSteps(widget);
     connect(&widget, &FrequencySlider::HzMoved, this,
             [this, &control](int hertz) { Handle([&] { control.UserMoves(hertz); }); });
     connect(&widget, &FrequencySlider::HzReleased, this,

@@ -19,6 +19,7 @@
 #include "core/controls/Controls.h"
 #include "core/controls/OptionButton.h"
 #include "core/report/HandlerGuard.h"
+#include "ui/TextEntry.h"
 #include "ui/widgets/FrequencySlider.h"
 #include "ui/widgets/LevelBar.h"
 #include "ui/widgets/LockLamp.h"
@@ -28,7 +29,8 @@
 namespace sonavex::ui {
 
 // Binds widgets to control values, one call per pair. Changes by the core are shown once per event. User
-// input reaches the control's handler through the guard. A pair of types that do not match does not compile.
+// input reaches the control's handler through the guard, after every pending text entry. A pair of types that
+// do not match does not compile.
 class Binder : public QObject {
     Q_OBJECT
 
@@ -52,6 +54,10 @@ public:
     void Bind(LockLamp& widget, Indicator& control);
     void Bind(StateDot& widget, Indicator& control);
 
+    // Passes what the user has typed to the controls. Runs before every user event of a bound widget; call it
+    // before an event that reaches the form in another way.
+    void CompleteEntries();
+
     // Shows all changes. Runs automatically after each event; call it once after binding.
     void Flush();
 
@@ -66,15 +72,18 @@ private:
         QObject* widget;
         Control* control;
         std::function<void()> show;
+        bool due = false;  // to be shown by the present flush
     };
 
     void Add(QObject& widget, Control& control, std::function<void()> show);
+    void ShowEntriesBeforeSteps(NotchSlider& slider);
     void Schedule();
     void Handle(const std::function<void()>& handler);
 
     HandlerGuard& guard_;
     std::function<void()> afterFlush_;
     std::vector<Entry> entries_;
+    std::vector<TextEntry*> texts_;
     bool scheduled_ = false;
 };
 

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QRegularExpressionValidator>
 #include <QShortcut>
 #include <QStyle>
 #include <string_view>
@@ -10,6 +9,7 @@
 #include "core/dsp/display/MeterDisplay.h"
 #include "core/generator/GeneratorWords.h"
 #include "ui/widgets/HarmonicBar.h"
+#include "ui/widgets/HertzValidator.h"
 #include "ui_frmMain.h"
 
 namespace sonavex::ui {
@@ -76,12 +76,10 @@ MainWindow::MainWindow(frmMain& form, const QString& simulatedName)
     FixSizes();
     ExplainReadings();
     ui_->sldEndFreq->SetResetHz(20);
+    ui_->txtFreq->setValidator(new HertzValidator(ui_->txtFreq));
     // A sweep changes no control, so its frequency is polled.
     sweepWatch_.setInterval(kSweepWatchMs);
     connect(&sweepWatch_, &QTimer::timeout, this, &MainWindow::DecorateGenerator);
-    // Every text that the analysis can convert to a frequency without an overflow, also an unfinished one.
-    ui_->txtFreq->setValidator(
-        new QRegularExpressionValidator(QRegularExpression("[0-9]*[.]?[0-9]*"), ui_->txtFreq));
     BindControls();
     ConnectConveniences();
     Decorate();
@@ -182,6 +180,7 @@ void MainWindow::ShowPlaced() {
 void MainWindow::closeEvent(QCloseEvent* event) {
     // The form ends the program when its shutdown is complete.
     event->ignore();
+    binder_.CompleteEntries();
     form_.Guard.Run([this] { form_.Unload(); });
 }
 

@@ -54,6 +54,7 @@ TEST_F(MeterTab, SaysNotLockedInWordShapeAndColour) {
     Find<QLineEdit>("txtFreq").setFocus();
     Find<QLineEdit>("txtFreq").selectAll();
     QTest::keyClicks(&Find<QLineEdit>("txtFreq"), "440");
+    QTest::keyClick(&Find<QLineEdit>("txtFreq"), Qt::Key_Return);
     Step(25);
     EXPECT_EQ(Text("lockWord"), "NOT LOCKED");
     EXPECT_FALSE(Find<ui::LockLamp>("picLocked").Good());

@@ -27,7 +27,7 @@ FrequencySlider::FrequencySlider(QWidget* parent) : NotchSlider(parent) {
     setRange(0, kPositions);
     connect(this, &QSlider::actionTriggered, this, &FrequencySlider::OnAction);
     connect(this, &QSlider::valueChanged, this, &FrequencySlider::OnPosition);
-    connect(this, &QSlider::sliderReleased, this, &FrequencySlider::HzReleased);
+    connect(this, &QSlider::sliderReleased, this, &FrequencySlider::OnReleased);
 }
 
 void FrequencySlider::SetLimits(int lowestHz, int highestHz) {
@@ -65,6 +65,12 @@ void FrequencySlider::OnPosition(int position) {
     Take(HzAt(position));
     Q_EMIT HzMoved(hertz_);
     if (!isSliderDown()) Q_EMIT HzReleased();
+}
+
+// While the handle was held, it did not show changes by the program.
+void FrequencySlider::OnReleased() {
+    SetHz(hertz_);
+    Q_EMIT HzReleased();
 }
 
 // Keys, clicks on the track and assistive technology move in hertz, not in positions.

@@ -34,6 +34,7 @@ private:
     int HzAt(int position) const;
     void OnAction(int action);
     void OnPosition(int position);
+    void OnReleased();
     void Step(int hertz);
     void Take(int hertz);
 

@@ -1,5 +1,8 @@
 #include "ui/widgets/NotchSlider.h"
 
+#include <QMouseEvent>
+#include <QStyle>
+#include <QStyleOptionSlider>
 #include <QWheelEvent>
 
 namespace sonavex::ui {
@@ -13,6 +16,17 @@ bool Opposite(int a, int b) {
 
 }  // namespace
 
+bool NotchSlider::HandleContains(QPoint place) const {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    return style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this).contains(place);
+}
+
+void NotchSlider::mousePressEvent(QMouseEvent* event) {
+    if (!HandleContains(event->position().toPoint())) Q_EMIT AboutToStep();
+    QSlider::mousePressEvent(event);
+}
+
 // Reversing the wheel starts a new notch.
 void NotchSlider::wheelEvent(QWheelEvent* event) {
     const int angle = event->angleDelta().y();
@@ -20,8 +34,10 @@ void NotchSlider::wheelEvent(QWheelEvent* event) {
     wheelAngle_ += angle;
     const int notches = wheelAngle_ / kNotch;
     wheelAngle_ -= notches * kNotch;
-    if (notches != 0) MoveByNotches(notches);
     event->accept();
+    if (notches == 0) return;
+    Q_EMIT AboutToStep();
+    MoveByNotches(notches);
 }
 
 }  // namespace sonavex::ui

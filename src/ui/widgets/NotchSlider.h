@@ -17,11 +17,18 @@ public:
     int NotchStep() const noexcept { return notchStep_; }
     void SetNotchStep(int step) noexcept { notchStep_ = step; }
 
+Q_SIGNALS:
+    // Emitted before a step of the wheel or a click next to the handle: both start from the present value.
+    void AboutToStep();
+
 protected:
+    void mousePressEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     virtual void MoveByNotches(int notches) { setValue(value() + notches * notchStep_); }
 
 private:
+    bool HandleContains(QPoint place) const;
+
     int notchStep_ = 1;
     int wheelAngle_ = 0;  // eighths of a degree, not yet a full notch
 };
