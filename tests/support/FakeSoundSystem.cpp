@@ -1,5 +1,6 @@
 #include "support/FakeSoundSystem.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace sonavex {
@@ -27,6 +28,18 @@ public:
         system_.log.Call("playbackBuffer.WriteBuffer", std::to_string(offset));
         system_.written.push_back({offset, {samples.begin(), samples.end()}});
     }
+    void WriteFine(std::int32_t offset, std::span<const std::int32_t>) override {
+        system_.log.Call("playbackBuffer.WriteFine", std::to_string(offset));
+    }
+    void PlayFine(bool on) override { system_.fineOn = on; }
+    std::size_t QueueFine(std::span<const std::int32_t> samples) override {
+        const auto taken = samples.first(std::min(samples.size(), system_.fineRoom));
+        system_.fineQueued.insert(system_.fineQueued.end(), taken.begin(), taken.end());
+        system_.fineRoom -= taken.size();
+        return taken.size();
+    }
+    std::uint64_t FineFramesMissing() const override { return 0; }
+    int Bits() const override { return system_.outputBits; }
     void SetCurrentPosition(std::int32_t offset) override {
         system_.log.Call("playbackBuffer.SetCurrentPosition", std::to_string(offset));
     }
@@ -65,6 +78,18 @@ public:
         std::int16_t sample = system_.firstCapturedSample;
         for (std::int16_t& captured : samples) captured = sample++;
     }
+    void ReadFine(std::int32_t offset, std::span<std::int32_t>) override {
+        system_.log.Call("captureBuffer.ReadFine", std::to_string(offset));
+    }
+    void CaptureFine(bool on) override { system_.fineCaptureOn = on; }
+    std::size_t TakeFine(std::span<std::int32_t> samples) override {
+        std::vector<std::int32_t>& waiting = system_.fineCaptured;
+        const std::size_t count = std::min(samples.size(), waiting.size());
+        std::copy_n(waiting.begin(), count, samples.begin());
+        waiting.erase(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(count));
+        return count;
+    }
+    int Bits() const override { return system_.inputBits; }
     CaptureStatistics Statistics() const override { return system_.statistics; }
 
 private:

@@ -43,6 +43,15 @@ public:
     std::deque<BufferCursors> cursors;  // one per call, then `restingCursors`
     BufferCursors restingCursors;
     CaptureStatistics statistics;
+    int inputBits = 16;
+    int outputBits = 16;
+    // Fine playback: whether it is on, what it took, and how many samples it takes at a time.
+    bool fineOn = false;
+    std::vector<std::int32_t> fineQueued;
+    std::size_t fineRoom = 0;
+    // Fine capture: whether it is on, and the samples it gives next.
+    bool fineCaptureOn = false;
+    std::vector<std::int32_t> fineCaptured;
     std::string inputPathNote;
     std::string outputPathNote;
     std::uint64_t underruns = 0;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -76,7 +77,11 @@ struct CaptureStatistics {
     std::uint64_t segmentsCompleted = 0;  // notification positions passed while running
     std::uint64_t segmentsLost = 0;       // of these, not notified because the event was still pending
     std::uint64_t framesMissing = 0;      // captured frames that the device lost, replaced by silence
+    std::uint64_t fineFramesLost = 0;     // captured frames that TakeFine came too late for
 };
+
+// Fine samples are interleaved stereo, left-justified in 32 bits: a sample of n bits is in the upper n bits,
+// and the lower ones are 0. Offsets into buffers are those of 16-bit stereo for fine samples too.
 
 // A looping playback buffer. Positions and lengths are in bytes and must be multiples of a frame (error 5
 // otherwise).
@@ -86,6 +91,18 @@ public:
     virtual BufferCursors GetCurrentPosition() = 0;
     // Copies the samples to the offset; they must not exceed the end of the buffer.
     virtual void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) = 0;
+    virtual void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples) = 0;
+    // While on, the frames of QueueFine are played in place of the looping buffer's, which pass unheard, and
+    // silence where they are too few. Turning it on discards frames queued before. Volume, Stop and
+    // PlayLooping apply to both. Does nothing when the state is the same. Never fails.
+    virtual void PlayFine(bool on) = 0;
+    // Queues frames after those queued before, while fine playback is on. Returns the samples taken: at least
+    // 100 ms fit when none are waiting.
+    virtual std::size_t QueueFine(std::span<const std::int32_t> samples) = 0;
+    // Frames of silence played because QueueFine came too late, since the buffer was created.
+    virtual std::uint64_t FineFramesMissing() const = 0;
+    // Bits of a sample that reach the device. After the volume, samples are rounded half to even to them.
+    virtual int Bits() const = 0;
     // Sets the position of the frame that is played next.
     virtual void SetCurrentPosition(std::int32_t offset) = 0;
     // Plays from the current position in a loop until stopped.
@@ -116,7 +133,17 @@ public:
     virtual void StartLooping() = 0;
     // Never fails, not even when the device is lost.
     virtual void Stop() = 0;
+    // Samples of more than 16 bits are rounded half to even, and saturate.
     virtual void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) = 0;
+    virtual void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) = 0;
+    // While on, captured frames are also queued for TakeFine. The queue holds 2 s; frames that find it full
+    // are counted as fineFramesLost, and the gap follows the frames that were waiting. Turning it on discards
+    // frames queued before. Does nothing when the state is the same. Never fails.
+    virtual void CaptureFine(bool on) = 0;
+    // Takes the oldest queued frames and returns the number of samples. Never fails.
+    virtual std::size_t TakeFine(std::span<std::int32_t> samples) = 0;
+    // Bits of a sample that the device delivers.
+    virtual int Bits() const = 0;
     virtual CaptureStatistics Statistics() const = 0;
     // As PlaybackBuffer::PathNote.
     virtual std::string PathNote() const { return {}; }

@@ -63,6 +63,12 @@ public:
     void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) override {
         buffer_->ReadBuffer(offset, samples);
     }
+    void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) override {
+        buffer_->ReadFine(offset, samples);
+    }
+    void CaptureFine(bool on) override { buffer_->CaptureFine(on); }
+    std::size_t TakeFine(std::span<std::int32_t> samples) override { return buffer_->TakeFine(samples); }
+    int Bits() const override { return buffer_->Bits(); }
     CaptureStatistics Statistics() const override { return buffer_->Statistics(); }
     std::string PathNote() const override { return buffer_->PathNote(); }
     std::optional<std::chrono::nanoseconds> ClockLead() const override { return buffer_->ClockLead(); }

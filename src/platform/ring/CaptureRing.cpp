@@ -38,9 +38,28 @@ bool CaptureRing::PushFrames(FrameAt frameAt, std::size_t frames) noexcept {
             next_ = next_ + 1 == frames_.Size() ? 0 : next_ + 1;
         }
         captured_.fetch_add(frames, std::memory_order_relaxed);
+        PutFine(frameAt, frames);
     }
     pushing_.store(false);
     return running;
+}
+
+template <class FrameAt>
+void CaptureRing::PutFine(FrameAt frameAt, std::size_t frames) noexcept {
+    if (!fine_.Opened()) return;
+    const std::size_t put = fine_.Put([&](std::size_t i) { return Fine(frameAt(i)); }, frames);
+    fineLost_.fetch_add(frames - put, std::memory_order_relaxed);
+}
+
+void CaptureRing::CaptureFine(bool on) {
+    on ? fine_.Open() : fine_.Close();
+}
+
+std::size_t CaptureRing::TakeFine(std::span<std::int32_t> samples) noexcept {
+    return 2 *
+           fine_.Take([&](std::size_t i,
+                          const FineFrame& frame) { std::copy(frame.begin(), frame.end(), &samples[2 * i]); },
+                      samples.size() / 2);
 }
 
 void CaptureRing::Notify(std::size_t frame) noexcept {
@@ -81,7 +100,7 @@ void CaptureRing::ReadFine(std::int32_t offset, std::span<std::int32_t> samples)
 }
 
 CaptureStatistics CaptureRing::Statistics() const noexcept {
-    return {captured_.load(), completed_.load(), lost_.load(), missing_.load()};
+    return {captured_.load(), completed_.load(), lost_.load(), missing_.load(), fineLost_.load()};
 }
 
 }  // namespace sonavex

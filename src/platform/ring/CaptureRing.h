@@ -8,6 +8,7 @@
 
 #include "core/ports/EventLoop.h"
 #include "core/ports/SoundSystem.h"
+#include "platform/ring/FineQueue.h"
 #include "platform/ring/RingFrames.h"
 
 namespace sonavex {
@@ -17,8 +18,10 @@ namespace sonavex {
 // one audio thread and take no lock and no memory; everything else is for the user-interface thread.
 class CaptureRing {
 public:
-    // Error 5 unless `bytes` is a positive multiple of a frame.
-    explicit CaptureRing(std::int32_t bytes) : frames_(bytes) {}
+    // Error 5 unless `bytes` is a positive multiple of a frame. fineFrames: length of the queue of fine
+    // frames.
+    explicit CaptureRing(std::int32_t bytes, std::size_t fineFrames = 1)
+        : frames_(bytes), fine_(fineFrames) {}
 
     struct Position {
         std::int32_t offset;  // bytes
@@ -43,13 +46,20 @@ public:
     void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) const;
     CaptureStatistics Statistics() const noexcept;
 
+    // The frames of every push, for a reader that does not depend on notifications; see CaptureBuffer.
+    void CaptureFine(bool on);
+    std::size_t TakeFine(std::span<std::int32_t> samples) noexcept;
+
 private:
     // False when the ring is stopped and nothing was stored.
     template <class FrameAt>
     bool PushFrames(FrameAt frameAt, std::size_t frames) noexcept;
+    template <class FrameAt>
+    void PutFine(FrameAt frameAt, std::size_t frames) noexcept;
     void Notify(std::size_t frame) noexcept;
 
     RingFrames frames_;
+    FineQueue fine_;
     std::vector<Position> positions_;  // changed only while no push reads it
     std::atomic<bool> running_{false};
     std::atomic<bool> rewind_{false};  // set by Start: the next push begins at frame 0
@@ -59,6 +69,7 @@ private:
     std::atomic<std::uint64_t> completed_{0};
     std::atomic<std::uint64_t> lost_{0};
     std::atomic<std::uint64_t> missing_{0};
+    std::atomic<std::uint64_t> fineLost_{0};
 };
 
 }  // namespace sonavex

@@ -1,8 +1,11 @@
 #include "platform/ring/PlaybackRing.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+
+#include "core/support/BlockSize.h"
 
 namespace sonavex {
 namespace {
@@ -11,13 +14,28 @@ constexpr double kRampSeconds = 0.005;
 constexpr std::int32_t kSilence = -10000;
 constexpr std::uint32_t kMostHandedOver = std::numeric_limits<std::uint32_t>::max();
 
+constexpr std::size_t kChunkFrames = 64;
+
+// Long enough for a late feeder, and for some blocks at low rates.
+std::size_t FineFrames(std::int32_t rateHz) noexcept {
+    return static_cast<std::size_t>(std::max(rateHz / 2, 4 * kBlockFrames));
+}
+
 template <class Sample>
 constexpr int kBitsOf = 8 * sizeof(Sample);
+
+template <class Sample>
+void Copy(std::span<const FineFrame> frames, Sample* samples, int bits) noexcept {
+    for (const FineFrame& frame : frames)
+        for (const std::int32_t sample : frame)
+            *samples++ =
+                static_cast<Sample>((bits < 32 ? Rounded(sample, bits) : sample) >> (32 - kBitsOf<Sample>));
+}
 
 }  // namespace
 
 PlaybackRing::PlaybackRing(std::int32_t bytes, std::int32_t rateHz)
-    : frames_(bytes), rampShare_(1.0 / std::max(kRampSeconds * rateHz, 1.0)) {}
+    : frames_(bytes), fine_(FineFrames(rateHz)), rampShare_(1.0 / std::max(kRampSeconds * rateHz, 1.0)) {}
 
 PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
     Place old = place_.load();
@@ -44,10 +62,20 @@ void PlaybackRing::PullAs(Sample* samples, std::size_t frames, std::size_t devic
     // Saturates as the count of frames does.
     delay_.store(static_cast<std::uint32_t>(std::min<std::size_t>(deviceDelay + frames, kMostHandedOver)));
     const int bits = std::min(bits_.load(std::memory_order_relaxed), kBitsOf<Sample>);
-    if (gain_ != 1.0 || targetGain_.load() != 1.0) return Amplify(from.frame, samples, frames, bits);
+    const double target = targetGain_.load();
+    const bool unchanged = gain_ == 1.0 && target == 1.0;
     if constexpr (kBitsOf<Sample> == 16)
-        if (bits == 16) return Copy16(from.frame, samples, frames);
-    Copy(from.frame, samples, frames, bits);
+        if (unchanged && bits == 16 && !fine_.Opened()) return Copy16(from.frame, samples, frames);
+    FollowTarget(target);
+    std::array<FineFrame, kChunkFrames> chunk;
+    for (std::size_t done = 0; done < frames; done += kChunkFrames) {
+        const std::span<FineFrame> part(chunk.data(), std::min(frames - done, kChunkFrames));
+        Fetch((from.frame + done) % frames_.Size(), part);
+        if (unchanged)
+            Copy(part, samples + 2 * done, bits);
+        else
+            Amplify(part, target, samples + 2 * done, bits);
+    }
 }
 
 void PlaybackRing::Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
@@ -65,36 +93,53 @@ void PlaybackRing::Copy16(std::size_t at, std::int16_t* samples, std::size_t fra
     }
 }
 
-template <class Sample>
-void PlaybackRing::Copy(std::size_t at, Sample* samples, std::size_t frames, int bits) const noexcept {
-    for (std::size_t i = 0; i < frames; ++i, at = After(at)) {
-        const FineFrame frame = frames_.LoadFine(at);
-        for (std::size_t channel = 0; channel < 2; ++channel) {
-            const std::int32_t sample = bits < 32 ? Rounded(frame[channel], bits) : frame[channel];
-            samples[2 * i + channel] = static_cast<Sample>(sample >> (32 - kBitsOf<Sample>));
+void PlaybackRing::Fetch(std::size_t at, std::span<FineFrame> frames) noexcept {
+    if (!fine_.Opened()) {
+        for (FineFrame& frame : frames) {
+            frame = frames_.LoadFine(at);
+            at = After(at);
         }
+        return;
     }
+    const bool used = fine_.Used();
+    const std::size_t taken =
+        fine_.Take([&](std::size_t i, const FineFrame& frame) { frames[i] = frame; }, frames.size());
+    std::fill(frames.begin() + static_cast<std::ptrdiff_t>(taken), frames.end(), FineFrame{});
+    if (used) fineMissing_.fetch_add(frames.size() - taken, std::memory_order_relaxed);
+}
+
+void PlaybackRing::FollowTarget(double target) noexcept {
+    if (target == rampTarget_) return;
+    rampTarget_ = target;
+    gainStep_ = std::abs(target - gain_) * rampShare_;
 }
 
 template <class Sample>
-void PlaybackRing::Amplify(std::size_t at, Sample* samples, std::size_t frames, int bits) noexcept {
-    const double target = targetGain_.load();
-    if (target != rampTarget_) {
-        rampTarget_ = target;
-        gainStep_ = std::abs(target - gain_) * rampShare_;
-    }
+void PlaybackRing::Amplify(std::span<const FineFrame> frames, double target, Sample* samples,
+                           int bits) noexcept {
     // The gain is at most 1, so that only rounding can exceed full scale.
     const double step = std::exp2(32 - bits);
     const double highest = std::exp2(bits - 1) - 1.0;
     const auto unit = static_cast<Sample>(std::int64_t{1} << (kBitsOf<Sample> - bits));
-    for (std::size_t i = 0; i < frames; ++i, at = After(at)) {
+    for (const FineFrame& frame : frames) {
         gain_ += std::clamp(target - gain_, -gainStep_, gainStep_);
-        const FineFrame frame = frames_.LoadFine(at);
-        for (std::size_t channel = 0; channel < 2; ++channel) {
-            const double steps = std::min(gain_ / step * frame[channel], highest);
-            samples[2 * i + channel] = static_cast<Sample>(std::lrint(steps) * unit);
+        for (const std::int32_t sample : frame) {
+            const double steps = std::min(gain_ / step * sample, highest);
+            *samples++ = static_cast<Sample>(std::lrint(steps) * unit);
         }
     }
+}
+
+void PlaybackRing::PlayFine(bool on) {
+    on ? fine_.Open() : fine_.Close();
+}
+
+std::size_t PlaybackRing::QueueFine(std::span<const std::int32_t> samples) noexcept {
+    return 2 * fine_.Put(
+                   [&](std::size_t i) {
+                       return FineFrame{samples[2 * i], samples[2 * i + 1]};
+                   },
+                   samples.size() / 2);
 }
 
 void PlaybackRing::Write(std::int32_t offset, std::span<const std::int16_t> samples) {

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "core/ports/SoundSystem.h"
+#include "platform/ring/FineQueue.h"
 #include "platform/ring/RingFrames.h"
 
 namespace sonavex {
@@ -30,6 +31,11 @@ public:
     // Left-justified samples of 32 bits.
     void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples);
 
+    // Frames that are played in place of the ring's; see PlaybackBuffer.
+    void PlayFine(bool on);
+    std::size_t QueueFine(std::span<const std::int32_t> samples) noexcept;
+    std::uint64_t FineFramesMissing() const noexcept { return fineMissing_.load(std::memory_order_relaxed); }
+
     // Both are 0 while stopped. Write: next frame that the device takes. Play: write minus the frames of this
     // ring still in the device, never before the position last set.
     BufferCursors Cursors() const noexcept;
@@ -53,15 +59,17 @@ private:
     template <class Sample>
     void PullAs(Sample* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
     void Copy16(std::size_t at, std::int16_t* samples, std::size_t frames) const noexcept;
+    void Fetch(std::size_t at, std::span<FineFrame> frames) noexcept;
+    void FollowTarget(double target) noexcept;
     template <class Sample>
-    void Copy(std::size_t at, Sample* samples, std::size_t frames, int bits) const noexcept;
-    template <class Sample>
-    void Amplify(std::size_t at, Sample* samples, std::size_t frames, int bits) noexcept;
+    void Amplify(std::span<const FineFrame> frames, double target, Sample* samples, int bits) noexcept;
     std::size_t After(std::size_t frame) const noexcept {
         return frame + 1 == frames_.Size() ? 0 : frame + 1;
     }
 
     RingFrames frames_;
+    FineQueue fine_;
+    std::atomic<std::uint64_t> fineMissing_{0};
     std::atomic<Place> place_{Place{0, 0}};
     std::atomic<std::uint32_t> delay_{0};  // frames in the device after the last Pull
     std::atomic<bool> playing_{false};

@@ -27,6 +27,8 @@ public:
     virtual std::string PathNote() const { return {}; }
     virtual std::string ClockName() const { return {}; }
     virtual std::uint64_t Underruns() const { return 0; }
+    // Bits of a sample that reach the device, or come from it: 8 to 32. Any thread.
+    virtual int Bits() const noexcept { return 16; }
 };
 
 // A playback buffer that a device empties through a ring. The derived class opens the device and calls
@@ -38,6 +40,13 @@ public:
     void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) final {
         Checked().Write(offset, samples);
     }
+    void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples) final {
+        Checked().WriteFine(offset, samples);
+    }
+    void PlayFine(bool on) final { ring_.PlayFine(on); }
+    std::size_t QueueFine(std::span<const std::int32_t> samples) final { return ring_.QueueFine(samples); }
+    std::uint64_t FineFramesMissing() const final { return ring_.FineFramesMissing(); }
+    int Bits() const final { return Device().Bits(); }
     void SetCurrentPosition(std::int32_t offset) final { Checked().SetPosition(offset); }
     void PlayLooping() final { Checked().Play(); }
     void Stop() final { ring_.Stop(); }
@@ -52,11 +61,15 @@ protected:
 
     virtual const RingDevice& Device() const noexcept = 0;
     PlaybackRing& Ring() noexcept { return ring_; }
-    // Audio thread: the next frames for the device, 2 x frames samples. `deviceDelay` is the number of
-    // frames that the device took earlier and has not made audible; it counts up to three blocks.
+    // Audio thread: the next frames for the device, 2 x frames samples of 16 bits or left-justified in 32,
+    // rounded to the device's bits. `deviceDelay` is the number of frames that the device took earlier and
+    // has not made audible; it counts up to three blocks.
     void Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
+    void Pull(std::int32_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
 
 private:
+    template <class Sample>
+    void PullAs(Sample* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
     PlaybackRing& Checked() {
         Device().RequireDevice();
         return ring_;
@@ -77,6 +90,12 @@ public:
     void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) final {
         Checked().Read(offset, samples);
     }
+    void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) final {
+        Checked().ReadFine(offset, samples);
+    }
+    void CaptureFine(bool on) final { ring_.CaptureFine(on); }
+    std::size_t TakeFine(std::span<std::int32_t> samples) final { return ring_.TakeFine(samples); }
+    int Bits() const final { return Device().Bits(); }
     CaptureStatistics Statistics() const final { return ring_.Statistics(); }
     std::string PathNote() const final { return Device().PathNote(); }
     std::optional<std::chrono::nanoseconds> ClockLead() const final { return clock_.Lead(); }
@@ -88,8 +107,9 @@ protected:
 
     virtual const RingDevice& Device() const noexcept = 0;
     CaptureRing& Ring() noexcept { return ring_; }
-    // Audio thread: 2 x frames samples that the device delivered.
+    // Audio thread: 2 x frames samples that the device delivered, of 16 bits or left-justified in 32.
     void Push(const std::int16_t* samples, std::size_t frames) noexcept;
+    void Push(const std::int32_t* samples, std::size_t frames) noexcept;
     // Audio thread: frames that the device left out, as many as passed on its clock.
     void PushSilence(std::size_t frames) noexcept;
 

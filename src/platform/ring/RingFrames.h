@@ -19,6 +19,14 @@ inline constexpr std::int32_t kFrameBytes = 4;
 using Frame16 = std::array<std::int16_t, 2>;
 // Left-justified samples: a sample of n bits is in the upper n bits, and the lower ones are 0.
 using FineFrame = std::array<std::int32_t, 2>;
+inline constexpr std::size_t kFineFrameBytes = sizeof(FineFrame);
+
+constexpr FineFrame Fine(const Frame16& frame) noexcept {
+    return {frame[0] * 65536, frame[1] * 65536};
+}
+constexpr FineFrame Fine(const FineFrame& frame) noexcept {
+    return frame;
+}
 
 // Rounds half to even to the upper `bits` of 2 to 31, and saturates.
 constexpr std::int32_t Rounded(std::int32_t sample, int bits) noexcept {
@@ -54,13 +62,13 @@ public:
                              std::memory_order_relaxed);
     }
     FineFrame LoadFine(std::size_t frame) const noexcept {
-        return Fine(frames_[frame].load(std::memory_order_relaxed));
+        return FineOf(frames_[frame].load(std::memory_order_relaxed));
     }
     // Rounds half to even to 16 bits, and saturates.
     Frame16 Load16(std::size_t frame) const noexcept {
         const std::uint64_t word = frames_[frame].load(std::memory_order_relaxed);
         if (static_cast<std::uint32_t>(word) == 0) return Halves(word >> 32U);
-        const FineFrame samples = Fine(word);
+        const FineFrame samples = FineOf(word);
         return {Narrowed(samples[0]), Narrowed(samples[1])};
     }
 
@@ -87,7 +95,7 @@ private:
         return std::uint64_t{std::bit_cast<std::uint32_t>(upper)} << 32U |
                std::bit_cast<std::uint32_t>(lower);
     }
-    static FineFrame Fine(std::uint64_t word) noexcept {
+    static FineFrame FineOf(std::uint64_t word) noexcept {
         const Frame16 upper = Halves(word >> 32U);
         const Frame16 lower = Halves(word);
         return {upper[0] * 65536 + static_cast<std::uint16_t>(lower[0]),

@@ -11,6 +11,7 @@ namespace {
 constexpr double kFullScale = 32768.0;
 constexpr int kLowestSample = -32768;
 constexpr int kSampleValues = 65536;
+constexpr int kTableBits = 16;
 constexpr std::size_t kTaps = 32;  // length of the fractional-delay interpolator; even
 
 constexpr double kHalfWidth = kTaps / 2.0;
@@ -53,21 +54,34 @@ std::array<double, kTaps> InterpolatorTaps(double phase) noexcept {
     return taps;
 }
 
+// In 16-bit steps.
+template <class Sample>
+double Value(Sample sample) noexcept {
+    return sizeof(Sample) == sizeof(std::int16_t) ? sample : sample / 65536.0;
+}
+
 }  // namespace
+
+std::int32_t Quantized(double value, int bits) noexcept {
+    const double limit = std::ldexp(1.0, bits - 1);
+    const double steps = std::clamp(std::ldexp(value, bits - kTableBits), -limit, limit - 1.0);
+    return static_cast<std::int32_t>(std::llrint(steps) * (std::int64_t{1} << (32 - bits)));
+}
 
 DeviceUnderTest::DeviceUnderTest(DeviceUnderTestModel model)
     : model_(std::move(model)),
       random_(model_.noiseSeed),
       history_(2 * kTaps, 0.0),
-      delayLine_(std::size_t{2} * model_.delayFrames, 0),
+      delayLine_(model_.delayFrames),
       ratio_(1.0 / (1.0 + model_.clockOffsetPpm * 1e-6)) {
-    if (ratio_ == 1.0 && !(model_.noiseRms > 0.0)) FillTable();
+    const bool random = model_.noiseRms > 0.0 || model_.dither;
+    if (ratio_ == 1.0 && model_.bits == kTableBits && !random) FillTable();
 }
 
 void DeviceUnderTest::FillTable() {
     table_.reserve(kSampleValues);
     for (int sample = kLowestSample; sample < kLowestSample + kSampleValues; ++sample)
-        table_.push_back(Quantize(Curve(sample)));
+        table_.push_back(Quantized(Curve(sample), kTableBits));
 }
 
 std::size_t DeviceUnderTest::FramesNeeded(std::size_t captureFrames) const noexcept {
@@ -111,60 +125,62 @@ double DeviceUnderTest::Curve(double sample) const noexcept {
     return value + model_.dcOffset;
 }
 
-std::int16_t DeviceUnderTest::Quantize(double value) noexcept {
-    return static_cast<std::int16_t>(std::lrint(std::clamp(value, -32768.0, 32767.0)));
-}
-
-std::int16_t DeviceUnderTest::Convert(double sample) {
+std::int32_t DeviceUnderTest::Convert(double sample) {
+    if (!table_.empty()) return table_[static_cast<std::size_t>(std::lrint(sample) - kLowestSample)];
     double value = Curve(sample);
     if (model_.noiseRms > 0.0) value += model_.noiseRms * normal_(random_);
-    return Quantize(value);
+    if (model_.dither) value += std::ldexp(uniform_(random_) + uniform_(random_), kTableBits - model_.bits);
+    return Quantized(value, model_.bits);
 }
 
-void DeviceUnderTest::Remember(const std::int16_t* frame) noexcept {
+DeviceUnderTest::FrameOfDoubles DeviceUnderTest::Delayed(FrameOfDoubles frame) noexcept {
+    if (delayLine_.empty()) return frame;
+    std::swap(frame, delayLine_[delayAt_]);
+    delayAt_ = (delayAt_ + 1) % delayLine_.size();
+    return frame;
+}
+
+void DeviceUnderTest::Remember(const FrameOfDoubles& frame) noexcept {
     std::move(history_.begin() + 2, history_.end(), history_.begin());
-    history_[2 * kTaps - 2] = frame[0];
-    history_[2 * kTaps - 1] = frame[1];
+    std::copy(frame.begin(), frame.end(), history_.end() - 2);
 }
 
-std::array<double, 2> DeviceUnderTest::Interpolate() const noexcept {
+DeviceUnderTest::FrameOfDoubles DeviceUnderTest::Interpolate() const noexcept {
     const std::array<double, kTaps> taps = InterpolatorTaps(phase_);
-    std::array<double, 2> sums{};
+    FrameOfDoubles sums{};
     for (std::size_t tap = 0; tap < kTaps; ++tap)
         for (std::size_t channel = 0; channel < 2; ++channel)
             sums[channel] += history_[2 * tap + channel] * taps[tap];
     return sums;
 }
 
-void DeviceUnderTest::Process(std::span<const std::int16_t> played, std::span<std::int16_t> captured) {
+template <class Sample>
+void DeviceUnderTest::ProcessAs(std::span<const Sample> played, std::span<Sample> captured) {
     std::size_t used = 0;
-    const auto takeFrame = [&](std::int16_t* frame) {
-        frame[0] = played[used];
-        frame[1] = played[used + 1];
+    const auto nextFrame = [&] {
         used += 2;
-        if (delayLine_.empty()) return;
-        std::swap(frame[0], delayLine_[delayAt_]);
-        std::swap(frame[1], delayLine_[delayAt_ + 1]);
-        delayAt_ = (delayAt_ + 2) % delayLine_.size();
+        return Delayed({Value(played[used - 2]), Value(played[used - 1])});
     };
-    std::int16_t frame[2];
     for (std::size_t i = 0; i + 1 < captured.size(); i += 2) {
+        FrameOfDoubles frame{};
         if (ratio_ == 1.0) {
-            takeFrame(frame);
-            for (std::size_t channel = 0; channel < 2; ++channel)
-                captured[i + channel] =
-                    table_.empty() ? Convert(frame[channel])
-                                   : table_[static_cast<std::size_t>(frame[channel] - kLowestSample)];
-            continue;
+            frame = nextFrame();
+        } else {
+            for (phase_ += ratio_; phase_ >= 1.0; phase_ -= 1.0) Remember(nextFrame());
+            frame = Interpolate();
         }
-        for (phase_ += ratio_; phase_ >= 1.0; phase_ -= 1.0) {
-            takeFrame(frame);
-            Remember(frame);
-        }
-        const std::array<double, 2> values = Interpolate();
-        captured[i] = Convert(values[0]);
-        captured[i + 1] = Convert(values[1]);
+        for (std::size_t channel = 0; channel < 2; ++channel)
+            captured[i + channel] =
+                static_cast<Sample>(Convert(frame[channel]) >> (32 - 8 * static_cast<int>(sizeof(Sample))));
     }
+}
+
+void DeviceUnderTest::Process(std::span<const std::int16_t> played, std::span<std::int16_t> captured) {
+    ProcessAs(played, captured);
+}
+
+void DeviceUnderTest::Process(std::span<const std::int32_t> played, std::span<std::int32_t> captured) {
+    ProcessAs(played, captured);
 }
 
 }  // namespace sonavex

@@ -8,8 +8,9 @@
 
 namespace sonavex {
 
-// The device between the output and the input of the simulated card. Samples are in units of a 16-bit step
-// (full scale 32768). The default device is a wire: every sample comes back unchanged.
+// The device between the output and the input of the simulated card, and the card's converters. Samples are
+// in units of a 16-bit step (full scale 32768). The default device is a wire: every sample comes back
+// unchanged.
 struct DeviceUnderTestModel {
     double gain = 1.0;
 
@@ -34,7 +35,15 @@ struct DeviceUnderTestModel {
     std::uint32_t delayFrames = 0;
     // Parts per million by which the capture clock is faster than the playback clock.
     double clockOffsetPpm = 0.0;
+
+    // Bits of the card's converters, 8 to 24, or 32. The device itself computes in double.
+    int bits = 16;
+    // Adds triangular noise of two steps peak to peak before the input is rounded to its bits.
+    bool dither = false;
 };
+
+// A sample in 16-bit steps, rounded half to even to these bits, limited to full scale and left-justified.
+std::int32_t Quantized(double value, int bits) noexcept;
 
 // The signal path of the simulated card, frame by frame. One thread at a time.
 class DeviceUnderTest {
@@ -44,31 +53,41 @@ public:
     // The number of playback frames that Process needs for this many capture frames.
     std::size_t FramesNeeded(std::size_t captureFrames) const noexcept;
 
-    // played: interleaved stereo, exactly FramesNeeded frames. captured: interleaved stereo.
+    // played: interleaved stereo, exactly FramesNeeded frames, of 16 bits or left-justified in 32. captured:
+    // the same.
     void Process(std::span<const std::int16_t> played, std::span<std::int16_t> captured);
+    void Process(std::span<const std::int32_t> played, std::span<std::int32_t> captured);
+
+    int Bits() const noexcept { return model_.bits; }
 
 private:
+    using FrameOfDoubles = std::array<double, 2>;
+
+    template <class Sample>
+    void ProcessAs(std::span<const Sample> played, std::span<Sample> captured);
     double Curve(double sample) const noexcept;
     double Harmonics(double sample) const noexcept;
     double Polynomial(double sample) const noexcept;
-    static std::int16_t Quantize(double value) noexcept;
-    std::int16_t Convert(double sample);
+    std::int32_t Convert(double sample);
     void FillTable();
-    void Remember(const std::int16_t* frame) noexcept;
+    FrameOfDoubles Delayed(FrameOfDoubles frame) noexcept;
+    void Remember(const FrameOfDoubles& frame) noexcept;
     // The value of each channel at phase_ between the two frames in the middle of the history.
-    std::array<double, 2> Interpolate() const noexcept;
+    FrameOfDoubles Interpolate() const noexcept;
 
     DeviceUnderTestModel model_;
     std::mt19937 random_;
     std::normal_distribution<double> normal_;
+    std::uniform_real_distribution<double> uniform_{-0.5, 0.5};
     // Played frames after the delay, oldest first. The interpolation uses all of them.
     std::vector<double> history_;
-    std::vector<std::int16_t> delayLine_;
+    std::vector<FrameOfDoubles> delayLine_;
     std::size_t delayAt_ = 0;
     double ratio_;        // playback frames per capture frame
     double phase_ = 0.0;  // 0 to 1: position between the two middle frames of history_
-    // Output for every input sample, from the lowest. Empty when noise or the clock offset rules a table out.
-    std::vector<std::int16_t> table_;
+    // Output for every 16-bit input sample, from the lowest. Empty when noise, the clock offset or other bits
+    // rule a table out.
+    std::vector<std::int32_t> table_;
 };
 
 }  // namespace sonavex

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "platform/simulated/DeviceUnderTest.h"
+
 namespace sonavex {
 namespace {
 
@@ -15,9 +17,7 @@ constexpr double kHighestPartOfRate = 0.2;
 constexpr double kShelfQ = std::numbers::sqrt2 / 2.0;
 constexpr double kMidQ = 0.8;
 
-std::int16_t Limited(double sample) noexcept {
-    return static_cast<std::int16_t>(std::nearbyint(std::clamp(sample, -32768.0, 32767.0)));
-}
+constexpr double kStep16 = 65536.0;
 
 bool AnyGain(const MixerGains::Pair& gains) noexcept {
     return gains[0] != 0.0 || gains[1] != 0.0;
@@ -96,7 +96,7 @@ double MixerPath::FedBack(std::size_t index, std::size_t channel) const noexcept
     return input * (gains_.line[channel] + gains_.mic[channel]) + recorded * gains_.monitor[channel];
 }
 
-void MixerPath::ProcessOutput(std::span<std::int16_t> samples) {
+void MixerPath::ProcessOutput(std::span<std::int32_t> samples, int bits) {
     const bool feedsBack = FeedsBack();
     const bool toned = std::any_of(tones_.begin(), tones_.end(), [](const Filter& f) { return f.inUse; });
     if (!feedsBack && !toned && IsUnity(gains_.wave) && IsUnity(gains_.master)) return;
@@ -106,16 +106,16 @@ void MixerPath::ProcessOutput(std::span<std::int16_t> samples) {
         if (feedsBack) value += FedBack(i, channel);
         for (Filter& filter : tones_)
             if (filter.inUse) value = filter.Run(value, channel);
-        samples[i] = Limited(value * gains_.master[channel]);
+        samples[i] = Quantized(value * gains_.master[channel] / kStep16, bits);
     }
 }
 
-void MixerPath::ProcessInput(std::span<std::int16_t> samples) {
+void MixerPath::ProcessInput(std::span<std::int32_t> samples, int bits) {
     const bool feedsBack = FeedsBack();
     if (feedsBack) input_.assign(samples.begin(), samples.end());
     if (!IsUnity(gains_.record))
         for (std::size_t i = 0; i < samples.size(); ++i)
-            samples[i] = Limited(samples[i] * gains_.record[i % 2]);
+            samples[i] = Quantized(samples[i] * gains_.record[i % 2] / kStep16, bits);
     if (feedsBack) {
         recorded_.assign(samples.begin(), samples.end());
     } else {

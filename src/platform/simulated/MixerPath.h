@@ -33,10 +33,11 @@ public:
     // Sets the rate that the tone filters are designed for.
     void SetRate(std::uint32_t rateHz);
 
-    // Interleaved stereo, in place. ProcessOutput turns playback into the input of the device under test,
-    // ProcessInput turns the device's output into capture.
-    void ProcessOutput(std::span<std::int16_t> samples);
-    void ProcessInput(std::span<std::int16_t> samples);
+    // Interleaved stereo, left-justified in 32 bits, in place; what the mixer changes has `bits`.
+    // ProcessOutput turns playback into the input of the device under test, ProcessInput turns the device's
+    // output into capture.
+    void ProcessOutput(std::span<std::int32_t> samples, int bits);
+    void ProcessInput(std::span<std::int32_t> samples, int bits);
 
 private:
     // A second-order filter for two channels.
@@ -58,8 +59,8 @@ private:
     double rateHz_ = 48000.0;
     std::array<Filter, 3> tones_;
     // The last period, at the inputs and after the record gain.
-    std::vector<std::int16_t> input_;
-    std::vector<std::int16_t> recorded_;
+    std::vector<std::int32_t> input_;
+    std::vector<std::int32_t> recorded_;
 };
 
 }  // namespace sonavex

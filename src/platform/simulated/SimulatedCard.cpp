@@ -15,6 +15,11 @@ void SimulatedCard::SetDeviceUnderTest(DeviceUnderTestModel model) {
     device_ = DeviceUnderTest(std::move(model));
 }
 
+int SimulatedCard::Bits() const {
+    const std::lock_guard lock(mutex_);
+    return device_.Bits();
+}
+
 void SimulatedCard::SetMixerGains(const MixerGains& gains) {
     const std::lock_guard lock(mutex_);
     mixer_.SetGains(gains);
@@ -58,10 +63,13 @@ void SimulatedCard::Step(std::size_t frames) {
 void SimulatedCard::StepPeriod(std::size_t frames) {
     played_.assign(2 * device_.FramesNeeded(frames), 0);
     captured_.resize(2 * frames);
-    if (playback_ != nullptr) playback_->Pull(played_.data(), played_.size() / 2, 0);
-    mixer_.ProcessOutput(played_);
-    device_.Process(played_, captured_);
-    mixer_.ProcessInput(captured_);
+    if (playback_ != nullptr) {
+        playback_->SetBits(device_.Bits());
+        playback_->Pull(played_.data(), played_.size() / 2, 0);
+    }
+    mixer_.ProcessOutput(played_, device_.Bits());
+    device_.Process(std::span<const std::int32_t>(played_), captured_);
+    mixer_.ProcessInput(captured_, device_.Bits());
     if (capture_ != nullptr) capture_->Push(captured_.data(), frames);
 }
 

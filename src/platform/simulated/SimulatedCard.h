@@ -20,6 +20,8 @@ public:
 
     // Replaces the device under test. Frames in its delay are dropped.
     void SetDeviceUnderTest(DeviceUnderTestModel model);
+    // Bits of the converters.
+    int Bits() const;
 
     void SetMixerGains(const MixerGains& gains);
     void SetRate(std::uint32_t rateHz);
@@ -49,8 +51,8 @@ private:
     CaptureRing* capture_ = nullptr;
     MixerPath mixer_;
     DeviceUnderTest device_;
-    std::vector<std::int16_t> played_;
-    std::vector<std::int16_t> captured_;
+    std::vector<std::int32_t> played_;
+    std::vector<std::int32_t> captured_;
     bool stalled_ = false;
     bool plugged_ = true;
 };

@@ -26,9 +26,13 @@ RuntimeError DeviceGone() {
 
 // The connection of one buffer to the card.
 struct SimulatedSoundSystem::Connection : RingDevice {
+    explicit Connection(const SimulatedCard& simulated) : card(simulated) {}
+
+    const SimulatedCard& card;
     bool lost = false;
     bool reported = false;
 
+    int Bits() const noexcept override { return card.Bits(); }
     void RequireDevice() const override {
         if (lost) throw DeviceGone();
     }
@@ -150,7 +154,7 @@ std::shared_ptr<const SimulatedSoundSystem::Connection> SimulatedSoundSystem::Co
     rateHz_.store(format.samplesPerSecond);
     card_.SetRate(format.samplesPerSecond);
     std::erase_if(connections_, [](const auto& connection) { return connection.expired(); });
-    const auto connection = std::make_shared<Connection>();
+    const auto connection = std::make_shared<Connection>(card_);
     connections_.push_back(connection);
     return connection;
 }

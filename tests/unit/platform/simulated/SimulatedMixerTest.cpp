@@ -52,10 +52,10 @@ TEST(SimulatedMixer, PassesSamplesUnchangedAtFirst) {
     MixerPath path;
     MixerLoop untouched;
     EXPECT_EQ(untouched.Peaks(kToneHz), (std::array{4000, 4000}));
-    std::vector<std::int16_t> samples{1, -1, 32767, -32768, 12345, 0};
-    const std::vector<std::int16_t> before = samples;
-    path.ProcessOutput(samples);
-    path.ProcessInput(samples);
+    std::vector<std::int32_t> samples{1, -1, 32767, -32768, 12345, 0, 0x7FFFFFFF, -0x7FFFFFFF - 1};
+    const std::vector<std::int32_t> before = samples;
+    path.ProcessOutput(samples, 16);
+    path.ProcessInput(samples, 16);
     EXPECT_EQ(samples, before);
 }
 

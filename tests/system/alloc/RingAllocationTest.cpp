@@ -1,0 +1,61 @@
+// Moving samples through the rings allocates nothing, on either thread.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/ring/CaptureRing.h"
+#include "platform/ring/PlaybackRing.h"
+#include "support/AllocationCounter.h"
+
+namespace sonavex {
+namespace {
+
+template <class Sample>
+void ExpectNoAllocation(bool fine) {
+    constexpr std::size_t kPeriodFrames = 500;
+    CaptureRing in(32768, 48000);
+    PlaybackRing out(65536, 48000);
+    in.Start();
+    out.Play();
+    in.CaptureFine(fine);
+    out.PlayFine(fine);
+    std::vector<Sample> period(2 * kPeriodFrames);
+    const AllocationCounter counter;
+    for (int round = 0; round < 200; ++round) {
+        out.SetVolume(-round);
+        out.Pull(period.data(), kPeriodFrames, 1000);
+        in.Push(period.data(), kPeriodFrames);
+        in.PushSilence(3);
+    }
+    EXPECT_EQ(counter.Count(), 0U);
+}
+
+TEST(RingAllocation, AudioThreadsAllocateNothing) {
+    for (const bool fine : {false, true}) {
+        ExpectNoAllocation<std::int16_t>(fine);
+        ExpectNoAllocation<std::int32_t>(fine);
+    }
+}
+
+// The user-interface thread's part of the block path and of the fine path.
+TEST(RingAllocation, ReadingAndWritingAllocateNothing) {
+    CaptureRing in(32768, 48000);
+    PlaybackRing out(65536, 48000);
+    in.CaptureFine(true);
+    out.PlayFine(true);
+    std::vector<std::int16_t> block(4096);
+    std::vector<std::int32_t> fine(4096);
+    const AllocationCounter counter;
+    in.Read(0, block);
+    in.ReadFine(0, fine);
+    out.Write(0, block);
+    out.WriteFine(0, fine);
+    out.QueueFine(fine);
+    in.TakeFine(fine);
+    EXPECT_EQ(counter.Count(), 0U);
+}
+
+}  // namespace
+}  // namespace sonavex
