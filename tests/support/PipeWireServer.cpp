@@ -45,7 +45,7 @@ PipeWireServer::~PipeWireServer() {
 void PipeWireServer::WriteConfiguration(std::uint32_t leastCycleFrames) const {
     std::ofstream file = Configuration("pipewire/pipewire.conf.d/10-clock.conf");
     file << "context.properties = {\n"
-            "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 ]\n";
+            "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 96000 ]\n";
     if (leastCycleFrames > 0) file << "    default.clock.min-quantum = " << leastCycleFrames << '\n';
     file << "}\n";
     // The session manager leaves the machine's devices alone. Its Bluetooth monitor also loads a module that

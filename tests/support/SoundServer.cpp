@@ -45,8 +45,10 @@ std::string SoundServer::Control(const Arguments& arguments) const {
 }
 
 Arguments SoundServer::NullSinkArguments(const NullSink& sink) {
-    return {"module-null-sink", "sink_name=" + sink.name, "rate=" + std::to_string(sink.rateHz), "channels=2",
-            "sink_properties=device.description=" + sink.description};
+    Arguments arguments{"module-null-sink", "sink_name=" + sink.name, "rate=" + std::to_string(sink.rateHz),
+                        "channels=2", "sink_properties=device.description=" + sink.description};
+    if (!sink.format.empty()) arguments.push_back("format=" + sink.format);
+    return arguments;
 }
 
 std::string SoundServer::LoadNullSink(const NullSink& sink) const {

@@ -14,6 +14,7 @@ struct NullSink {
     std::string name;
     std::uint32_t rateHz = 48000;
     std::string description;
+    std::string format{};  // "s24le"; empty for the server's
 };
 
 // A private sound server: its address and its control program.

@@ -39,7 +39,7 @@ AlsaPlaybackBuffer::AlsaPlaybackBuffer(EventLoop& loop, const AlsaDevice& device
       pcm_(device, SND_PCM_STREAM_PLAYBACK, description.format.samplesPerSecond,
            PlaybackShape(description.format.samplesPerSecond)),
       targetFrames_(TargetFrames(pcm_)),
-      scratch_(2 * kScratchFrames),
+      scratch_(pcm_.Format(), kScratchFrames),
       stream_(loop, pcm_, device.info.description, std::move(onLost)) {
     // Wake up when the fill is one period below its target.
     const std::uint32_t beyondTarget = pcm_.BufferFrames() - static_cast<std::uint32_t>(targetFrames_);
@@ -73,13 +73,18 @@ snd_pcm_sframes_t AlsaPlaybackBuffer::Write(std::size_t frames) noexcept {
     if (pendingFrames_ == 0) {
         scratchFrames_ = std::min(frames, kScratchFrames);
         pendingFrames_ = scratchFrames_;
-        Pull(scratch_.data(), scratchFrames_, DelayFrames());
+        PullScratch();
     }
-    const std::int16_t* const samples = scratch_.data() + 2 * (scratchFrames_ - pendingFrames_);
-    const snd_pcm_sframes_t written =
-        snd_pcm_writei(pcm_.Handle(), samples, std::min(pendingFrames_, frames));
+    const snd_pcm_sframes_t written = snd_pcm_writei(
+        pcm_.Handle(), scratch_.At(scratchFrames_ - pendingFrames_), std::min(pendingFrames_, frames));
     if (written > 0) pendingFrames_ -= static_cast<std::size_t>(written);
     return written;
+}
+
+void AlsaPlaybackBuffer::PullScratch() noexcept {
+    if (scratch_.Narrow()) return Pull(scratch_.Samples16(), scratchFrames_, DelayFrames());
+    Pull(scratch_.Samples32(), scratchFrames_, DelayFrames());
+    scratch_.ToCard(scratchFrames_);
 }
 
 std::size_t AlsaPlaybackBuffer::DelayFrames() const noexcept {
@@ -93,7 +98,7 @@ AlsaCaptureBuffer::AlsaCaptureBuffer(EventLoop& loop, const NotificationHub& hub
     : RingCaptureBuffer(hub, description),
       pcm_(device, SND_PCM_STREAM_CAPTURE, description.format.samplesPerSecond,
            CaptureShape(description.format.samplesPerSecond)),
-      scratch_(2 * kScratchFrames),
+      scratch_(pcm_.Format(), kScratchFrames),
       stream_(loop, pcm_, device.info.description, std::move(onLost)) {
     pcm_.SetWakeUp(pcm_.PeriodFrames());
     stream_.Run(*this);
@@ -116,6 +121,12 @@ std::size_t AlsaCaptureBuffer::LostFrames() const noexcept {
     return std::max<std::size_t>(static_cast<std::size_t>(gap.count() * pcm_.RateHz()), 1);
 }
 
+void AlsaCaptureBuffer::PushScratch(std::size_t frames) noexcept {
+    if (scratch_.Narrow()) return Push(scratch_.Samples16(), frames);
+    scratch_.FromCard(frames);
+    Push(scratch_.Samples32(), frames);
+}
+
 snd_pcm_sframes_t AlsaCaptureBuffer::Move() noexcept {
     const snd_pcm_sframes_t waiting = snd_pcm_avail(pcm_.Handle());
     if (waiting < 0) return waiting;
@@ -123,10 +134,10 @@ snd_pcm_sframes_t AlsaCaptureBuffer::Move() noexcept {
     while (moved < waiting) {
         const auto frames = std::min<snd_pcm_sframes_t>(waiting - moved, kScratchFrames);
         const snd_pcm_sframes_t read =
-            snd_pcm_readi(pcm_.Handle(), scratch_.data(), static_cast<snd_pcm_uframes_t>(frames));
+            snd_pcm_readi(pcm_.Handle(), scratch_.At(0), static_cast<snd_pcm_uframes_t>(frames));
         if (read < 0) return read == -EAGAIN && moved > 0 ? moved : read;
         if (read == 0) break;
-        Push(scratch_.data(), static_cast<std::size_t>(read));
+        PushScratch(static_cast<std::size_t>(read));
         moved += read;
     }
     if (moved > 0) readUntil_ = Clock::now();

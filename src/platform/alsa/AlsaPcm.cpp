@@ -1,5 +1,6 @@
 #include "platform/alsa/AlsaPcm.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -8,7 +9,10 @@
 namespace sonavex {
 namespace {
 
-constexpr snd_pcm_format_t kFormat = SND_PCM_FORMAT_S16;
+constexpr std::span<const AlsaFormat> kAllFormats{kAlsaFormats};
+// For conversions, which truncate wider samples.
+constexpr std::span<const AlsaFormat> kNarrow = kAllFormats.last(1);
+constexpr int kMostBits = 24;
 constexpr snd_pcm_access_t kAccess = SND_PCM_ACCESS_RW_INTERLEAVED;
 constexpr unsigned kChannels = 2;
 
@@ -58,15 +62,16 @@ void AlsaPcm::Close::operator()(snd_pcm_t* pcm) const noexcept {
 AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint32_t rateHz, Shape wanted)
     : device_(device), direction_(direction), rateHz_(rateHz) {
     Open(device_.pcm);
-    Lacks lacks = Missing(Resampling::kForbidden);
+    const std::span<const AlsaFormat> formats = device_.converting ? kNarrow : kAllFormats;
+    const Lacks lacks = FindFormats(Resampling::kForbidden, formats);
     if (lacks.Any()) {
         // The same device with libasound's conversions.
         if (device_.Hardware()) Open("plug" + device_.pcm);
-        const Lacks stillLacks = Missing(Resampling::kAllowed);
+        const Lacks stillLacks = FindFormats(Resampling::kAllowed, device_.Hardware() ? kNarrow : formats);
         if (stillLacks.Any()) RefuseFormat(stillLacks);
     }
     note_ = ConversionNote(lacks);
-    Configure(wanted);
+    ConfigureInTurn(wanted);
 }
 
 void AlsaPcm::Open(const std::string& name) {
@@ -82,7 +87,18 @@ void AlsaPcm::Require(int result) const {
     if (result < 0) throw OpenError(device_, result);
 }
 
-AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling) const {
+AlsaPcm::Lacks AlsaPcm::FindFormats(Resampling resampling, std::span<const AlsaFormat> formats) {
+    formats_.clear();
+    Lacks least{.format = true};
+    for (const AlsaFormat& format : formats) {
+        const Lacks lacks = Missing(resampling, format);
+        if (!lacks.Any()) formats_.push_back(format);
+        if (least.format) least = lacks;
+    }
+    return formats_.empty() ? least : Lacks{};
+}
+
+AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling, const AlsaFormat& format) const {
     snd_pcm_t* const pcm = Handle();
     const HardwareParameters parameters = NewHardwareParameters();
     Require(snd_pcm_hw_params_any(pcm, parameters.get()));
@@ -92,10 +108,24 @@ AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling) const {
     Lacks lacks;
     lacks.channels = snd_pcm_hw_params_test_channels(pcm, parameters.get(), kChannels) < 0;
     if (!lacks.channels) Require(snd_pcm_hw_params_set_channels(pcm, parameters.get(), kChannels));
-    lacks.format = snd_pcm_hw_params_test_format(pcm, parameters.get(), kFormat) < 0;
-    if (!lacks.format) Require(snd_pcm_hw_params_set_format(pcm, parameters.get(), kFormat));
+    lacks.format = snd_pcm_hw_params_test_format(pcm, parameters.get(), format.code) < 0;
+    if (!lacks.format) Require(snd_pcm_hw_params_set_format(pcm, parameters.get(), format.code));
     lacks.rate = snd_pcm_hw_params_test_rate(pcm, parameters.get(), rateHz_, 0) < 0;
     return lacks;
+}
+
+// A card may refuse a format only when all its settings are known.
+void AlsaPcm::ConfigureInTurn(Shape wanted) {
+    for (const AlsaFormat& format : formats_) {
+        format_ = format;
+        try {
+            return Configure(wanted);
+        } catch (const RuntimeError& error) {
+            if (error.Number() != sound_error::kBadFormat) throw;
+        }
+    }
+    throw RuntimeError(sound_error::kBadFormat,
+                       Quoted(device_) + "refuses its settings. Formats tried: " + NamesOf(formats_) + ".");
 }
 
 void AlsaPcm::Configure(Shape wanted) {
@@ -104,7 +134,7 @@ void AlsaPcm::Configure(Shape wanted) {
     snd_pcm_hw_params_t* const parameters = owned.get();
     Require(snd_pcm_hw_params_any(pcm, parameters));
     Require(snd_pcm_hw_params_set_access(pcm, parameters, kAccess));
-    Require(snd_pcm_hw_params_set_format(pcm, parameters, kFormat));
+    Require(snd_pcm_hw_params_set_format(pcm, parameters, format_.code));
     Require(snd_pcm_hw_params_set_channels(pcm, parameters, kChannels));
     Require(snd_pcm_hw_params_set_rate(pcm, parameters, rateHz_, 0));
     snd_pcm_uframes_t periodFrames = wanted.periodFrames;
@@ -116,6 +146,8 @@ void AlsaPcm::Configure(Shape wanted) {
     Require(snd_pcm_hw_params_get_buffer_size(parameters, &bufferFrames));
     periodFrames_ = static_cast<std::uint32_t>(periodFrames);
     bufferFrames_ = static_cast<std::uint32_t>(bufferFrames);
+    const int significant = snd_pcm_hw_params_get_sbits(parameters);
+    bits_ = std::min({significant > 0 ? significant : format_.bits, format_.bits, kMostBits});
 }
 
 void AlsaPcm::SetWakeUp(std::uint32_t frames) {
@@ -136,7 +168,8 @@ std::string AlsaPcm::ConversionNote(const Lacks& lacks) const {
         note = Quoted(device_) + "does not run at " + std::to_string(rateHz_) +
                " Hz: its samples are converted from another rate.";
     else if (lacks.format)
-        note = Quoted(device_) + "does not take 16-bit samples: they are converted.";
+        note = Quoted(device_) + "takes none of the formats " + NamesOf(kAllFormats) +
+               ": samples are converted.";
     else if (lacks.channels)
         note = Quoted(device_) + "is not stereo: its channels are converted.";
     else if (device_.converting)
@@ -145,7 +178,8 @@ std::string AlsaPcm::ConversionNote(const Lacks& lacks) const {
 }
 
 void AlsaPcm::RefuseFormat(const Lacks& lacks) const {
-    std::string reason = "does not take 16-bit samples.";
+    std::string reason =
+        "takes none of the formats " + NamesOf(device_.converting ? kNarrow : kAllFormats) + ".";
     if (lacks.channels) reason = "is not stereo.";
     if (lacks.rate) reason = "does not run at " + std::to_string(rateHz_) + " Hz.";
     throw RuntimeError(sound_error::kBadFormat, Quoted(device_) + reason);

@@ -4,16 +4,20 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "core/ports/SoundSystem.h"
 #include "platform/alsa/AlsaDevices.h"
+#include "platform/alsa/AlsaFormats.h"
 
 namespace sonavex {
 
-// A PCM of libasound, opened for 16-bit interleaved stereo at one rate, in non-blocking mode. When a device
-// of a card lacks the rate, 16 bits or stereo, it is opened through libasound's conversions. A PCM of the
-// user's configuration is used as it is defined.
+// A PCM of libasound, opened for interleaved stereo at one rate in the widest format that it has, in
+// non-blocking mode. When a device of a card lacks the rate, all formats or stereo, it is opened through
+// libasound's conversions with 16 bits. A PCM of the user's configuration is used as it is defined, with 16
+// bits if it holds conversions.
 class AlsaPcm {
 public:
     // Requested frames. The device grants the nearest numbers that it can.
@@ -28,6 +32,9 @@ public:
 
     snd_pcm_t* Handle() const noexcept { return pcm_.get(); }
     std::uint32_t RateHz() const noexcept { return rateHz_; }
+    const AlsaFormat& Format() const noexcept { return format_; }
+    // Significant bits of a sample: those that the device reports, of its format, at most 24.
+    int Bits() const noexcept { return bits_; }
     std::uint32_t BufferFrames() const noexcept { return bufferFrames_; }
     std::uint32_t PeriodFrames() const noexcept { return periodFrames_; }
 
@@ -44,7 +51,7 @@ private:
     // Properties that the device itself lacks.
     struct Lacks {
         bool rate = false;
-        bool format = false;  // 16 bits
+        bool format = false;
         bool channels = false;
         bool Any() const { return rate || format || channels; }
     };
@@ -55,7 +62,11 @@ private:
     };
 
     void Open(const std::string& name);
-    Lacks Missing(Resampling resampling) const;
+    Lacks Missing(Resampling resampling, const AlsaFormat& format) const;
+    // Stores the formats of these that the device has. Without one, what it lacks for the first that it
+    // takes.
+    Lacks FindFormats(Resampling resampling, std::span<const AlsaFormat> formats);
+    void ConfigureInTurn(Shape wanted);
     void Configure(Shape wanted);
     std::string ConversionNote(const Lacks& lacks) const;
     [[noreturn]] void RefuseFormat(const Lacks& lacks) const;
@@ -64,6 +75,9 @@ private:
     AlsaDevice device_;
     snd_pcm_stream_t direction_;
     std::uint32_t rateHz_;
+    std::vector<AlsaFormat> formats_;  // usable, the widest first
+    AlsaFormat format_ = kAlsaFormats.back();
+    int bits_ = 16;
     std::unique_ptr<snd_pcm_t, Close> pcm_;
     std::uint32_t bufferFrames_ = 0;
     std::uint32_t periodFrames_ = 0;

@@ -51,6 +51,7 @@ public:
     void RequireDevice() const override;
     std::string PathNote() const override { return pcm_.Note(); }
     std::string ClockName() const override { return pcm_.ClockName(); }
+    int Bits() const noexcept override { return pcm_.Bits(); }
     // Overruns or underruns: how often the device was served too late and samples were lost.
     std::uint64_t Underruns() const override { return xruns_.load(std::memory_order_relaxed); }
 

@@ -9,13 +9,14 @@ namespace sonavex {
 namespace {
 
 constexpr std::uint32_t kUnset = static_cast<std::uint32_t>(-1);
+constexpr auto kFineBytes = static_cast<std::uint32_t>(kFineFrameBytes);
 
 pa_buffer_attr PlaybackAttributes(std::uint32_t rateHz) noexcept {
-    return {kUnset, stream_timing::PlaybackFrames(rateHz) * kFrameBytes, kUnset, kUnset, kUnset};
+    return {kUnset, stream_timing::PlaybackFrames(rateHz) * kFineBytes, kUnset, kUnset, kUnset};
 }
 
 pa_buffer_attr CaptureAttributes(std::uint32_t rateHz) noexcept {
-    return {kUnset, kUnset, kUnset, kUnset, stream_timing::CaptureFrames(rateHz) * kFrameBytes};
+    return {kUnset, kUnset, kUnset, kUnset, stream_timing::CaptureFrames(rateHz) * kFineBytes};
 }
 
 }  // namespace
@@ -44,15 +45,16 @@ PulsePlaybackBuffer::PulsePlaybackBuffer(PulseContext& context, EventLoop& loop,
 
 void PulsePlaybackBuffer::OnWritable(pa_stream* stream, std::size_t bytes, void* self) {
     auto& me = *static_cast<PulsePlaybackBuffer*>(self);
-    std::size_t left = bytes / kFrameBytes;
+    std::size_t left = bytes / kFineFrameBytes;
     while (left > 0) {
         me.stream_.CountMovement();
         void* memory = nullptr;
-        std::size_t room = left * kFrameBytes;
+        std::size_t room = left * kFineFrameBytes;
         if (pa_stream_begin_write(stream, &memory, &room) < 0) return;
-        const std::size_t frames = std::min(room / kFrameBytes, left);
-        me.Pull(static_cast<std::int16_t*>(memory), frames, me.DelayFrames(stream, frames));
-        if (pa_stream_write(stream, memory, frames * kFrameBytes, nullptr, 0, PA_SEEK_RELATIVE) < 0) return;
+        const std::size_t frames = std::min(room / kFineFrameBytes, left);
+        me.Pull(static_cast<std::int32_t*>(memory), frames, me.DelayFrames(stream, frames));
+        if (pa_stream_write(stream, memory, frames * kFineFrameBytes, nullptr, 0, PA_SEEK_RELATIVE) < 0)
+            return;
         left -= frames;
     }
 }
@@ -65,7 +67,7 @@ std::size_t PulsePlaybackBuffer::DelayFrames(pa_stream* stream, std::size_t writ
         pa_stream_get_latency(stream, &latencyUs, &negative) == 0)
         return negative != 0 ? 0 : latencyUs * rateHz_ / PA_USEC_PER_SEC;
     // No timing yet: the server starts playback when its buffer is full.
-    const std::size_t full = pa_stream_get_buffer_attr(stream)->tlength / kFrameBytes;
+    const std::size_t full = pa_stream_get_buffer_attr(stream)->tlength / kFineFrameBytes;
     return full - std::min(writing, full);
 }
 
@@ -92,9 +94,9 @@ void PulseCaptureBuffer::OnReadable(pa_stream* stream, std::size_t, void* self) 
     while (pa_stream_peek(stream, &memory, &bytes) == 0 && bytes > 0) {
         me.stream_.CountMovement();
         if (memory == nullptr)
-            me.PushSilence(bytes / kFrameBytes);
+            me.PushSilence(bytes / kFineFrameBytes);
         else
-            me.Push(static_cast<const std::int16_t*>(memory), bytes / kFrameBytes);
+            me.Push(static_cast<const std::int32_t*>(memory), bytes / kFineFrameBytes);
         pa_stream_drop(stream);
     }
 }

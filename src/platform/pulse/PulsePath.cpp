@@ -21,6 +21,25 @@ bool IsSuspended(const pa_source_info& source) {
     return source.state == PA_SOURCE_SUSPENDED;
 }
 
+// A float has 24 bits, and a card makes no more of 32.
+int BitsOf(pa_sample_format_t format) noexcept {
+    switch (format) {
+        case PA_SAMPLE_U8:
+        case PA_SAMPLE_ALAW:
+        case PA_SAMPLE_ULAW:
+            return 8;
+        case PA_SAMPLE_S16LE:
+        case PA_SAMPLE_S16BE:
+            return 16;
+        default:
+            return 24;
+    }
+}
+
+bool IsFloat(pa_sample_format_t format) noexcept {
+    return format == PA_SAMPLE_FLOAT32LE || format == PA_SAMPLE_FLOAT32BE;
+}
+
 // "80 %", or "50 % and 150.5 %" where the channels differ.
 std::string Percent(const std::vector<double>& channels) {
     std::string text;
@@ -96,6 +115,8 @@ void PulsePath::TakeDevice(pa_context* server, const Info* info, int, void* self
     if (info == nullptr) return;
     auto& me = *static_cast<PulsePath*>(self);
     me.deviceRateHz_ = info->sample_spec.rate;
+    me.bits_.store(BitsOf(info->sample_spec.format), std::memory_order_relaxed);
+    me.float_ = IsFloat(info->sample_spec.format);
     me.AskForCardOf(server, *info);
     me.suspended_ = IsSuspended(*info);
     me.device_ = VolumeOf(info->volume, info->mute);
@@ -148,6 +169,8 @@ std::string PulsePath::Note() const {
     else if (virtual_ && graphRateHz_ != 0 && graphRateHz_ != rateHz_)
         Append(note, "may be resampled: the sound server runs virtual devices at its own rate, " +
                          std::to_string(graphRateHz_) + " Hz by default");
+    // PipeWire moves all samples as floats.
+    if (float_ || graphRateHz_ != 0) Append(note, "converted through float by the sound server");
     if (!device_.percent.empty()) Append(note, "volume of the device " + Percent(device_.percent));
     if (!stream_.percent.empty()) Append(note, "volume of the stream " + Percent(stream_.percent));
     if (suspended_) Append(note, "suspended by the sound server");

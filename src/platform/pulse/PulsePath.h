@@ -2,6 +2,7 @@
 
 #include <pulse/pulseaudio.h>
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -28,6 +29,9 @@ public:
 
     // For the user: what changes the samples, by the latest answers. Empty when they pass unchanged.
     std::string Note() const;
+
+    // Bits of a sample that the device takes or delivers, by the latest answer; 16 before. Any thread.
+    int Bits() const noexcept { return bits_.load(std::memory_order_relaxed); }
 
     // "card N" with the system's number of the sound card behind the device; empty when there is no card.
     std::string ClockName() const;
@@ -60,6 +64,8 @@ private:
     std::string card_;
     bool virtual_ = false;  // the device is software
     bool suspended_ = false;
+    bool float_ = false;  // the device's samples are floating-point numbers
+    std::atomic<int> bits_{16};
     // The server's rate if virtual devices misreport theirs; otherwise 0.
     std::uint32_t graphRateHz_ = 0;
     Volume device_;

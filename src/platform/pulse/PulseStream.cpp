@@ -18,7 +18,7 @@ constexpr auto kStreamFlags =
                                    PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
 
 pa_sample_spec SampleSpec(std::uint32_t rateHz) noexcept {
-    return {PA_SAMPLE_S16NE, rateHz, 2};
+    return {PA_SAMPLE_S32NE, rateHz, 2};
 }
 
 // A stream that is still being created cannot be disconnected yet.
@@ -65,7 +65,6 @@ PulseStream::PulseStream(PulseContext& context, EventLoop& loop, SoundDeviceInfo
 
 PulseStream::~PulseStream() {
     loop_.StopTimer(watch_);
-    path_.reset();
     if (stream_ == nullptr) return;
     const PulseContext::Lock lock(context_);
     pa_stream_set_write_callback(stream_, nullptr, nullptr);
@@ -74,6 +73,7 @@ PulseStream::~PulseStream() {
     pa_stream_set_suspended_callback(stream_, nullptr, nullptr);
     pa_stream_set_underflow_callback(stream_, nullptr, nullptr);
     pa_stream_set_state_callback(stream_, DisconnectWhenReady, nullptr);
+    path_.reset();
     DisconnectWhenReady(stream_, nullptr);
     pa_stream_unref(stream_);
 }
@@ -126,8 +126,9 @@ void PulseStream::ResetCaptureVolume(const PulseDeadline& deadline) {
 }
 
 void PulseStream::FollowPath(PulseDirection direction, const PulseDeadline& deadline) {
-    path_ = std::make_unique<PulsePath>(context_, direction, pa_stream_get_sample_spec(stream_)->rate);
+    // The callbacks of the stream use the path.
     const PulseContext::Lock lock(context_);
+    path_ = std::make_unique<PulsePath>(context_, direction, pa_stream_get_sample_spec(stream_)->rate);
     path_->Ask(stream_);
     try {
         path_->Await(deadline);

@@ -19,8 +19,8 @@ namespace sonavex {
 // Throws kBadFormat unless the description asks for 16-bit stereo at a rate that servers know.
 void RequirePulseFormat(const BufferDescription& description);
 
-// A stream of samples to or from a device of the server: opens it, detects its loss, closes it. The owner
-// moves the samples in callbacks of libpulse.
+// A stream of 32-bit samples to or from a device of the server: opens it, detects its loss, closes it. The
+// owner moves the samples in callbacks of libpulse.
 class PulseStream : public RingDevice {
 public:
     using LostHandler = std::function<void(const RuntimeError&)>;
@@ -46,6 +46,8 @@ public:
     std::string PathNote() const override { return path_ ? path_->Note() : std::string(); }
     // The clock of the card behind the device; empty when there is no card.
     std::string ClockName() const override { return path_ ? path_->ClockName() : std::string(); }
+    // Those of the device's format.
+    int Bits() const noexcept override { return path_ ? path_->Bits() : kUnknownBits; }
     void RequireDevice() const override;
     // How often the server ran out of samples of a playback stream.
     std::uint64_t Underruns() const override { return underruns_.load(std::memory_order_relaxed); }
@@ -55,6 +57,8 @@ public:
     void CountMovement() noexcept { movements_.fetch_add(1, std::memory_order_relaxed); }
 
 private:
+    // Every device takes and delivers so many.
+    static constexpr int kUnknownBits = 16;
     enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended, kStalled };
 
     static void OnState(pa_stream* stream, void* self);

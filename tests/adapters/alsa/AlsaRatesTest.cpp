@@ -140,11 +140,18 @@ TEST(AlsaRates, ThatTheUsersPcmLacksAreRefused) {
     ExpectExactLoop("alsa:card", 48000);
 }
 
-TEST(AlsaFormats, A32BitCardIsConvertedWithoutLoss) {
+TEST(AlsaFormats, A32BitCardIsUsedAsItIs) {
     const LoopCards cards(CardList{{kHardware, "Test card", {}, 2, "S32_LE"}});
-    ExpectNotes(kHardwareId, 48000,
-                "The sound device 'Test card (direct)' does not take 16-bit samples: they are converted.");
+    ExpectNotes(kHardwareId, 48000, "");
     ExpectExactLoop(kHardwareId, 48000);
+}
+
+TEST(AlsaFormats, AFloatCardIsConverted) {
+    const LoopCards cards(CardList{{kHardware, "Test card", {}, 2, "FLOAT_LE"}});
+    ExpectNotes(
+        kHardwareId, 48000,
+        "The sound device 'Test card (direct)' takes none of the formats S32, S24_3, S24, S16: samples "
+        "are converted.");
 }
 
 TEST(AlsaFormats, AMonoCardGetsBothChannels) {
@@ -157,13 +164,14 @@ TEST(AlsaFormats, AMonoCardGetsBothChannels) {
 }
 
 TEST(AlsaFormats, ThatTheUsersPcmLacksAreRefused) {
-    const LoopCards cards(CardList{{"mono", "Mono card", {}, 1}, {"wide", "Wide card", {}, 2, "S32_LE"}});
+    const LoopCards cards(CardList{{"mono", "Mono card", {}, 1}, {"wide", "Wide card", {}, 2, "FLOAT_LE"}});
     AlsaSession session;
     session.ExpectError(sound_error::kBadFormat, "The sound device 'Mono card (direct)' is not stereo.", [&] {
         session.system.CreatePlaybackDevice("alsa:mono")->CreateBuffer(Stereo(kPlaybackBytes, 48000));
     });
     session.ExpectError(
-        sound_error::kBadFormat, "The sound device 'Wide card (direct)' does not take 16-bit samples.",
+        sound_error::kBadFormat,
+        "The sound device 'Wide card (direct)' takes none of the formats S32, S24_3, S24, S16.",
         [&] { session.system.CreateCaptureDevice("alsa:wide")->CreateBuffer(Stereo(kCaptureBytes, 48000)); });
 }
 

@@ -16,7 +16,8 @@ struct LoopCardState {
     std::atomic<std::uint32_t> suspended;  // as after the computer's sleep
     std::atomic<std::uint32_t> failing;    // every stream is interrupted as soon as it runs
     // Ring of played frames, numbered from the clock's zero at the stream's rate. Frame n is at n % kFrames:
-    // low half the samples, high half n + 1, which detects stale frames.
+    // the lower 48 bits are two samples of 24 bits, the upper 16 are n / kFrames + 1, which detects stale
+    // frames.
     std::atomic<std::uint64_t> frames[kFrames];
 };
 

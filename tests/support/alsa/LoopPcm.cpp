@@ -5,7 +5,8 @@
 //   pcm.NAME { type sonavex_loop  state "FILE"  rates [ 48000 44100 ]  channels 2  format "S16_LE" }
 //
 // All but the file may be left out; the channels are then 2, the format is S16_LE and the rates are
-// those of the instrument. The format may also be S32_LE.
+// those of the instrument. The format may also be S24_LE, S24_3LE, S32_LE or FLOAT_LE, which is never opened
+// by the instrument. The cable has 24 bits.
 
 #define PIC 1
 #include <alsa/asoundlib.h>
@@ -36,9 +37,12 @@ struct Settings {
     unsigned format = SND_PCM_FORMAT_S16_LE;
 };
 
-std::uint32_t Packed(std::int16_t first, std::int16_t second) {
-    return static_cast<std::uint16_t>(first) | static_cast<std::uint32_t>(static_cast<std::uint16_t>(second))
-                                                   << 16U;
+constexpr std::uint64_t kSampleMask = 0xFFFFFF;
+constexpr std::uint64_t kFrameMask = 0xFFFFFFFFFFFF;
+
+// The upper 24 bits of two left-justified samples.
+std::uint64_t Packed(std::uint32_t first, std::uint32_t second) {
+    return std::uint64_t{first >> 8U} | std::uint64_t{second >> 8U} << 24U;
 }
 
 // The mapped file; each direction is held by one stream.
@@ -74,15 +78,17 @@ public:
     bool Suspended() const { return state_->suspended.load() != 0; }
     bool Failing() const { return state_->failing.load() != 0; }
 
-    void Put(std::int64_t number, std::uint32_t frame) { Slot(number).store(Tag(number) << 32U | frame); }
+    void Put(std::int64_t number, std::uint64_t frame) { Slot(number).store(Tag(number) << 48U | frame); }
     void Silence(std::int64_t number) { Slot(number).store(0); }
-    std::uint32_t Get(std::int64_t number) const {
+    std::uint64_t Get(std::int64_t number) const {
         const std::uint64_t word = Slot(number).load();
-        return word >> 32U == Tag(number) ? static_cast<std::uint32_t>(word) : 0;
+        return word >> 48U == Tag(number) ? word & kFrameMask : 0;
     }
 
 private:
-    static std::uint64_t Tag(std::int64_t number) { return static_cast<std::uint32_t>(number + 1); }
+    static std::uint64_t Tag(std::int64_t number) {
+        return static_cast<std::uint16_t>(static_cast<std::size_t>(number) / LoopCardState::kFrames + 1);
+    }
     std::atomic<std::uint64_t>& Slot(std::int64_t number) const {
         return state_->frames[static_cast<std::size_t>(number) % LoopCardState::kFrames];
     }
@@ -131,8 +137,11 @@ private:
     snd_pcm_sframes_t Pointer();
     snd_pcm_sframes_t Transfer(char* samples, snd_pcm_uframes_t frames);
     unsigned short Events();
-    std::uint32_t LoadFrame(const char* samples) const;
-    void StoreFrame(char* samples, std::uint32_t frame) const;
+    std::size_t SampleBytes() const {
+        return static_cast<std::size_t>(snd_pcm_format_physical_width(io_.format)) / 8;
+    }
+    std::uint64_t LoadFrame(const char* samples) const;
+    void StoreFrame(char* samples, std::uint64_t frame) const;
     int SetConstraints(const Settings& settings);
     static const snd_pcm_ioplug_callback_t& Callbacks();
 
@@ -143,7 +152,7 @@ private:
     std::int64_t start_ = 0;     // number of the frame at position 0
     std::int64_t position_ = 0;  // position of the card
     std::int64_t availableMin_ = 1;
-    std::vector<std::uint32_t> beforeStart_;  // written before the start, not yet on the cable
+    std::vector<std::uint64_t> beforeStart_;  // written before the start, not yet on the cable
 };
 
 int LoopPcm::Prepare() {
@@ -189,32 +198,31 @@ snd_pcm_sframes_t LoopPcm::Pointer() {
     return behind > 0 ? -EPIPE : static_cast<snd_pcm_sframes_t>(position);
 }
 
-std::uint32_t LoopPcm::LoadFrame(const char* samples) const {
-    if (io_.format == SND_PCM_FORMAT_S16_LE) {
-        std::int16_t pair[2];
-        std::memcpy(pair, samples, 2 * io_.channels);
-        return Packed(pair[0], pair[io_.channels - 1]);
-    }
-    std::int32_t pair[2];
-    std::memcpy(pair, samples, 4 * io_.channels);
-    return Packed(static_cast<std::int16_t>(pair[0] >> 16),
-                  static_cast<std::int16_t>(pair[io_.channels - 1] >> 16));
+// The significant bytes of a sample are its last ones in memory, except those of S24_LE.
+std::uint64_t LoopPcm::LoadFrame(const char* samples) const {
+    const auto load = [&](std::size_t channel) {
+        std::uint32_t sample = 0;
+        const std::size_t bytes = SampleBytes();
+        std::memcpy(reinterpret_cast<char*>(&sample) + (4 - bytes), samples + channel * bytes, bytes);
+        return io_.format == SND_PCM_FORMAT_S24_LE ? sample << 8U : sample;
+    };
+    return Packed(load(0), load(io_.channels - 1));
 }
 
-void LoopPcm::StoreFrame(char* samples, std::uint32_t frame) const {
-    const std::int16_t narrow[2] = {static_cast<std::int16_t>(frame),
-                                    static_cast<std::int16_t>(frame >> 16U)};
-    if (io_.format == SND_PCM_FORMAT_S16_LE) {
-        std::memcpy(samples, narrow, 2 * io_.channels);
-        return;
+void LoopPcm::StoreFrame(char* samples, std::uint64_t frame) const {
+    const std::size_t bytes = SampleBytes();
+    for (std::size_t channel = 0; channel < io_.channels; ++channel) {
+        const auto narrow = static_cast<std::uint32_t>(frame >> (24U * channel) & kSampleMask);
+        // The upper byte of S24_LE may hold anything.
+        const std::uint32_t sample =
+            io_.format == SND_PCM_FORMAT_S24_LE ? narrow | 0xA5000000U : narrow << 8U;
+        std::memcpy(samples + channel * bytes, reinterpret_cast<const char*>(&sample) + (4 - bytes), bytes);
     }
-    const std::int32_t wide[2] = {narrow[0] * 65536, narrow[1] * 65536};
-    std::memcpy(samples, wide, 4 * io_.channels);
 }
 
 snd_pcm_sframes_t LoopPcm::Transfer(char* samples, snd_pcm_uframes_t frames) {
     if (cable_.Unplugged()) return -ENODEV;
-    const std::size_t frameBytes = io_.channels * (io_.format == SND_PCM_FORMAT_S16_LE ? 2U : 4U);
+    const std::size_t frameBytes = io_.channels * SampleBytes();
     // Mapped frames are read again until the program has taken them.
     std::int64_t number = start_ + Application();
     for (snd_pcm_uframes_t i = 0; i < frames; ++i, ++number, samples += frameBytes) {
@@ -289,9 +297,9 @@ int LoopPcm::SetConstraints(const Settings& settings) {
         error = snd_pcm_ioplug_set_param_list(&io_, SND_PCM_IOPLUG_HW_RATE,
                                               static_cast<unsigned>(settings.rates.size()),
                                               settings.rates.data());
-    if (error == 0) error = snd_pcm_ioplug_set_param_minmax(&io_, SND_PCM_IOPLUG_HW_PERIOD_BYTES, 64, 65536);
+    if (error == 0) error = snd_pcm_ioplug_set_param_minmax(&io_, SND_PCM_IOPLUG_HW_PERIOD_BYTES, 64, 131072);
     if (error == 0)
-        error = snd_pcm_ioplug_set_param_minmax(&io_, SND_PCM_IOPLUG_HW_BUFFER_BYTES, 256, 262144);
+        error = snd_pcm_ioplug_set_param_minmax(&io_, SND_PCM_IOPLUG_HW_BUFFER_BYTES, 256, 1048576);
     return error;
 }
 

@@ -1,0 +1,67 @@
+// Samples of more than 16 bits on cards without a server.
+
+#include <algorithm>
+
+#include "adapters/alsa/AlsaSession.h"
+#include "platform/alsa/AlsaFormats.h"
+#include "support/FineLoop.h"
+#include "support/alsa/LoopCards.h"
+
+namespace sonavex {
+namespace {
+
+constexpr const char* kFineCard = "hw:CARD=Fine,DEV=0";
+const std::string kFineId = std::string("alsa:") + kFineCard;
+
+struct FormatCase {
+    const char* format;
+    int bits;
+};
+class AlsaFine : public testing::TestWithParam<FormatCase> {};
+INSTANTIATE_TEST_SUITE_P(Formats, AlsaFine,
+                         testing::Values(FormatCase{"S32_LE", 24}, FormatCase{"S24_3LE", 24},
+                                         FormatCase{"S24_LE", 24}, FormatCase{"S16_LE", 16}),
+                         [](const auto& test) { return std::string(test.param.format); });
+
+TEST_P(AlsaFine, ReturnsEveryBitOfTheCard) {
+    for (const std::int32_t rateHz : {48000, 96000, 192000}) {
+        const LoopCards cards(CardList{{kFineCard, "Fine card", {rateHz}, 2, GetParam().format}});
+        SystemOnLoop<AlsaSoundSystem> on;
+        FineLoop fine(on.system, kFineId, kFineId, rateHz, GetParam().bits);
+        EXPECT_EQ(fine.playback->Bits(), GetParam().bits);
+        EXPECT_EQ(fine.capture->Bits(), GetParam().bits);
+        EXPECT_EQ(fine.playback->PathNote() + fine.capture->PathNote(), "");
+        fine.ExpectExact(on.loop);
+    }
+}
+
+// A conversion truncates wider samples, so that it gets 16 bits.
+TEST(AlsaFineConversion, GetsSixteenBits) {
+    const LoopCards cards(CardList{{kFineCard, "Fine card", {48000}, 2, "S32_LE"}});
+    SystemOnLoop<AlsaSoundSystem> on;
+    const FineLoop fine(on.system, kFineId, kFineId, 44100, 16);
+    EXPECT_EQ(fine.playback->Bits(), 16);
+    EXPECT_EQ(fine.capture->Bits(), 16);
+    EXPECT_NE(fine.playback->PathNote(), "");
+}
+
+TEST(AlsaFormat, ConvertsInPlace) {
+    const std::vector<std::int32_t> samples{0x12345600, -0x12345600, 0x7FFFFF00, -0x7FFFFFFF - 1, 0x100, 0};
+    for (const AlsaFormat& format : kAlsaFormats) {
+        if (format.bits == 16) continue;
+        std::vector<std::int32_t> converted = samples;
+        ToCard(format, converted.data(), converted.size());
+        EXPECT_EQ(converted == samples, format.bits == 32) << format.name;
+        FromCard(format, converted.data(), converted.size());
+        EXPECT_EQ(converted, samples) << format.name;
+    }
+}
+
+TEST(AlsaFormat, IgnoresTheUpperByteOf24Bits) {
+    std::vector<std::int32_t> samples{0x5A123456, 0x00123456, -0x00EDCBAA};
+    FromCard(kAlsaFormats[2], samples.data(), samples.size());
+    EXPECT_EQ(samples, std::vector<std::int32_t>(3, 0x12345600));
+}
+
+}  // namespace
+}  // namespace sonavex
