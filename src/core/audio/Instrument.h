@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "core/audio/FineStream.h"
 #include "core/audio/Meter.h"
 #include "core/audio/StreamEngine.h"
 #include "core/audio/StreamWatch.h"
@@ -53,6 +54,7 @@ public:
     sonavex::Meter Meter;
     SweepTimer HiTimer1;
     StreamEngine Engine;
+    FineStream Fine;
     StreamWatch Watch;
 };
 

@@ -20,6 +20,16 @@ constexpr std::size_t kNotifications = 4;
 // buffer.
 constexpr std::int32_t kSettlingBlocks = 8;
 
+constexpr int kBlockBits = 16;
+
+template <class Buffer>
+std::string NoteOf(const Buffer& buffer, int bitsWanted) {
+    std::string note = buffer.PathNote();
+    if (buffer.Bits() < bitsWanted)
+        note += (note.empty() ? "" : "; ") + std::to_string(buffer.Bits()) + " bit";
+    return note;
+}
+
 }  // namespace
 
 StreamEngine::StreamEngine(const Needs& needs) : needs_(needs) {}
@@ -46,6 +56,7 @@ CaptureStatistics StreamEngine::CaptureCounts() const {
     counts.segmentsCompleted += present.segmentsCompleted;
     counts.segmentsLost += present.segmentsLost;
     counts.framesMissing += present.framesMissing;
+    counts.fineFramesLost += present.fineFramesLost;
     return counts;
 }
 
@@ -55,8 +66,9 @@ std::uint64_t StreamEngine::Underruns() const {
 
 std::vector<std::string> StreamEngine::PathNotes() const {
     std::vector<std::string> notes;
-    const std::string input = captureBuffer_ ? captureBuffer_->PathNote() : std::string();
-    const std::string output = playbackBuffer_ ? playbackBuffer_->PathNote() : std::string();
+    const int bitsWanted = std::max({InputBits(), OutputBits(), kBlockBits});
+    const std::string input = captureBuffer_ ? NoteOf(*captureBuffer_, bitsWanted) : std::string();
+    const std::string output = playbackBuffer_ ? NoteOf(*playbackBuffer_, bitsWanted) : std::string();
     if (!input.empty()) notes.push_back("Input: " + input);
     if (!output.empty()) notes.push_back("Output: " + output);
     const std::string clocks =

@@ -82,13 +82,18 @@ public:
     void DirectXEvent8_DXCallback(EventHandle eventid);
 
     bool Restarting() const noexcept { return restarting_; }
+    // Null without devices. ReStart replaces the buffers.
     PlaybackBuffer* SecondaryBuffer() noexcept { return playbackBuffer_.get(); }
+    CaptureBuffer* InputBuffer() noexcept { return captureBuffer_.get(); }
+    // Bits of a sample that the devices deliver and take; 0 without a buffer.
+    int InputBits() const { return captureBuffer_ ? captureBuffer_->Bits() : 0; }
+    int OutputBits() const { return playbackBuffer_ ? playbackBuffer_->Bits() : 0; }
     // Counts of all capture buffers since construction.
     CaptureStatistics CaptureCounts() const;
     // Underruns of the present playback device since construction.
     std::uint64_t Underruns() const;
     // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and "Clocks:
-    // ...". Empty if nothing is known.
+    // ...". The direction with fewer bits is named, and any below 16. Empty if nothing is known.
     std::vector<std::string> PathNotes() const;
 
     // Stream state.
