@@ -78,9 +78,17 @@ LiveMeasurement::LiveMeasurement(const RunOptions& options)
 StreamDetails LiveMeasurement::Details() const {
     const StreamEngine& engine = instrument_.Engine;
     const CaptureStatistics counts = engine.CaptureCounts();
-    return {engine.InputDeviceName, engine.OutputDeviceName, rateHz_,
-            sound_->Simulated(),    engine.PathNotes(),      counts.segmentsLost,
-            counts.framesMissing,   engine.Overruns,         engine.Underruns()};
+    return {.input = engine.InputDeviceName,
+            .output = engine.OutputDeviceName,
+            .rateHz = rateHz_,
+            .inputBits = engine.InputBits(),
+            .outputBits = engine.OutputBits(),
+            .simulated = sound_->Simulated(),
+            .notes = engine.PathNotes(),
+            .blocksLost = counts.segmentsLost,
+            .framesMissing = counts.framesMissing,
+            .overruns = engine.Overruns,
+            .underruns = engine.Underruns()};
 }
 
 void LiveMeasurement::CheckDevices() const {

@@ -1,5 +1,6 @@
 #include "app/measure/Readings.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <iostream>
@@ -65,6 +66,9 @@ std::string JsonLine(const Meter& meter, const std::optional<StreamDetails>& det
         line["input"] = details->input;
         line["output"] = details->output;
         line["rate"] = details->rateHz;
+        line["input_bits"] = details->inputBits;
+        line["output_bits"] = details->outputBits;
+        line["bits"] = std::min(details->inputBits, details->outputBits);
         line["simulated"] = details->simulated;
         line["notes"] = details->notes;
         line["blocksLost"] = details->blocksLost;

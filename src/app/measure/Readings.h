@@ -14,6 +14,8 @@ struct StreamDetails {
     std::string input;  // device names
     std::string output;
     std::int32_t rateHz = 0;
+    int inputBits = 0;  // that the devices deliver and take
+    int outputBits = 0;
     bool simulated = false;
     std::vector<std::string> notes;  // what changes the samples between instrument and cards
     std::uint64_t blocksLost = 0;

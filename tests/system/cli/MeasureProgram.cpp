@@ -113,8 +113,8 @@ void ExpectShape(const ordered_json& line, bool live) {
     std::vector<std::string> keys{"block",   "frequency", "locked",  "settled", "peakBin", "adc",
                                   "adcPeak", "dac",       "dacPeak", "thd",     "percent", "db"};
     if (live)
-        keys.insert(keys.end(), {"input", "output", "rate", "simulated", "notes", "blocksLost",
-                                 "framesMissing", "overruns", "underruns"});
+        keys.insert(keys.end(), {"input", "output", "rate", "input_bits", "output_bits", "bits", "simulated",
+                                 "notes", "blocksLost", "framesMissing", "overruns", "underruns"});
     ASSERT_EQ(Keys(line), keys);
     for (const char* key : {"block", "peakBin", "adcPeak", "dacPeak"})
         EXPECT_TRUE(line[key].is_number_integer()) << key;
@@ -126,6 +126,7 @@ void ExpectShape(const ordered_json& line, bool live) {
     EXPECT_TRUE(line["input"].is_string());
     EXPECT_TRUE(line["output"].is_string());
     EXPECT_TRUE(line["rate"].is_number_integer());
+    EXPECT_EQ(line["bits"], std::min(line["input_bits"], line["output_bits"]));
     EXPECT_TRUE(line["simulated"].is_boolean());
     EXPECT_TRUE(line["notes"].is_array());
     for (const char* count : {"blocksLost", "framesMissing", "overruns", "underruns"})

@@ -11,16 +11,21 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Notes of a short measurement on a card of 48000 Hz.
-std::string Notes(const PulseServer& server, const char* rate, const char* output = "card",
-                  const char* input = "card.monitor", int status = 0) {
+// The last reading of a short measurement on a card of 48000 Hz.
+nlohmann::ordered_json Reading(const PulseServer& server, const char* rate, const char* output,
+                               const char* input, int status) {
     MeasureProgram program({"run", "--output", output, "--input", input, "--rate", rate, "--tone",
                             "sine:1000", "--seconds", "0.2", "--json"},
                            sonavex::Environment{{"PULSE_SERVER", server.Address()}});
     const Outcome outcome = program.End(30s);
     EXPECT_EQ(outcome.status, status) << outcome.errors;
     const auto lines = outcome.Json();
-    return lines.empty() ? "no reading" : lines.back()["notes"].dump();
+    return lines.empty() ? nlohmann::ordered_json{{"notes", "no reading"}} : lines.back();
+}
+
+std::string Notes(const PulseServer& server, const char* rate, const char* output = "card",
+                  const char* input = "card.monitor", int status = 0) {
+    return Reading(server, rate, output, input, status)["notes"].dump();
 }
 
 TEST(Notes, AreNoneWhereTheSamplesPassUnchanged) {
@@ -46,6 +51,19 @@ TEST(Notes, NameVolumesAndMuting) {
     server.Control({"set-source-volume", "card.monitor", "65400"});
     EXPECT_EQ(Notes(server, "48000"),
               R"(["Input: volume of the device 99.8 %","Output: volume of the device 50 % and 150 %"])");
+}
+
+TEST(Notes, TellOfFewerBitsInOneDirection) {
+    const PulseServer server({{"narrow", 48000, "Card", "s16le"}, {"wide", 48000, "Card", "s24le"}});
+    constexpr int kSilent = 2;
+    const auto uneven = Reading(server, "48000", "narrow", "wide.monitor", kSilent);
+    EXPECT_EQ(uneven["notes"].dump(), R"(["Output: 16 bit"])");
+    EXPECT_EQ(uneven["input_bits"], 24);
+    EXPECT_EQ(uneven["output_bits"], 16);
+    EXPECT_EQ(uneven["bits"], 16);
+    const auto even = Reading(server, "48000", "wide", "wide.monitor", 0);
+    EXPECT_EQ(even["notes"].dump(), "[]");
+    EXPECT_EQ(even["bits"], 24);
 }
 
 // The server says which card a device belongs to.
