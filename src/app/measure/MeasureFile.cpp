@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -12,6 +11,7 @@
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
+#include "app/measure/Recording.h"
 #include "app/measure/ToneRequests.h"
 #include "core/dsp/AnalysisBand.h"
 #include "core/settings/SampleRates.h"
@@ -26,58 +26,25 @@ constexpr double kFullScale = 32768.0;
 
 using Block = std::array<std::int16_t, kBlockSamples>;
 
-// The library's message about its last failure, without its prefix.
-std::string Reason(SNDFILE* file) {
-    const std::string text = sf_strerror(file);
-    const std::string prefix = "System error : ";
-    return text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text;
+std::int16_t Sample16(double value) {
+    return static_cast<std::int16_t>(
+        RoundHalfEven(std::clamp(value * kFullScale, -kFullScale, kFullScale - 1.0)));
 }
 
-// Reads a recording in blocks of 16-bit stereo.
-class Recording {
-public:
-    explicit Recording(const std::string& path) : file_(sf_open(path.c_str(), SFM_READ, &info_), sf_close) {
-        std::error_code ignored;
-        if (std::filesystem::is_directory(path, ignored))
-            throw MeasureError("The recording '" + path + "' is a folder.");
-        if (!file_) throw MeasureError("The recording '" + path + "' cannot be read: " + Reason(nullptr));
-        if (info_.frames <= 0) throw MeasureError("The recording '" + path + "' is empty.");
-        if (!SampleRateIndex(info_.samplerate))
-            throw MeasureError("The recording '" + path + "' has a sampling rate of " +
-                               CStr(info_.samplerate) + " Hz, which is not one of the instrument's seven.");
-        // Reads floating-point files unscaled, full scale 1.
-        sf_command(file_.get(), SFC_SET_NORM_DOUBLE, nullptr, SF_TRUE);
-        samples_.resize(static_cast<std::size_t>(kBlockFrames) * static_cast<std::size_t>(info_.channels));
-    }
+// The meter takes the instrument's seven rates.
+void RequireRate(const Recording& recording, const std::string& path) {
+    if (SampleRateIndex(recording.RateHz())) return;
+    throw MeasureError("The recording '" + path + "' has a sampling rate of " + CStr(recording.RateHz()) +
+                       " Hz, which is not one of the instrument's seven.");
+}
 
-    std::int32_t RateHz() const noexcept { return info_.samplerate; }
-
-    // Returns false if less than a block is left.
-    bool Read(Block& block) {
-        if (sf_readf_double(file_.get(), samples_.data(), kBlockFrames) < kBlockFrames) {
-            if (sf_error(file_.get()) == SF_ERR_NO_ERROR) return false;
-            throw MeasureError("The recording cannot be read to its end: " + Reason(file_.get()));
-        }
-        const auto channels = static_cast<std::size_t>(info_.channels);
-        const std::size_t second = channels > 1 ? 1 : 0;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(kBlockFrames); ++i) {
-            block[2 * i] = Sample(samples_[i * channels]);
-            block[2 * i + 1] = Sample(samples_[i * channels + second]);
-        }
-        return true;
-    }
-
-private:
-    static std::int16_t Sample(double value) {
-        if (std::isnan(value)) return 0;
-        return static_cast<std::int16_t>(
-            RoundHalfEven(std::clamp(value * kFullScale, -kFullScale, kFullScale - 1.0)));
-    }
-
-    SF_INFO info_{};
-    std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> file_;
-    std::vector<double> samples_;
-};
+// Reads a block. Returns false if less than a block is left.
+bool ReadBlock(Recording& recording, Block& block) {
+    std::array<double, kBlockSamples> samples;
+    if (recording.Read(samples) < static_cast<std::size_t>(kBlockFrames)) return false;
+    std::transform(samples.begin(), samples.end(), block.begin(), Sample16);
+    return true;
+}
 
 // Writes the output blocks to a 16-bit stereo WAV file, which replaces an older file when it is complete.
 // Does nothing without a path.
@@ -96,12 +63,12 @@ public:
         info.channels = 2;
         info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
         file_.reset(sf_open_fd(target_->Descriptor(), SFM_WRITE, &info, SF_FALSE));
-        if (!file_) Fail(Reason(nullptr));
+        if (!file_) Fail(ReasonOf(nullptr));
     }
 
     void Write(const Block& block) {
         if (file_ && sf_writef_short(file_.get(), block.data(), kBlockFrames) != kBlockFrames)
-            Fail(Reason(file_.get()));
+            Fail(ReasonOf(file_.get()));
     }
 
     void Close() {
@@ -144,6 +111,7 @@ private:
 
 int MeasureFile(const FileOptions& options) {
     Recording recording(options.input);
+    RequireRate(recording, options.input);
     SharedState shared;
     shared.SampleRate = recording.RateHz();
     const std::vector<ToneRequest> tones = ParseTones(options.tones, shared.SampleRate);
@@ -160,7 +128,7 @@ int MeasureFile(const FileOptions& options) {
     std::string table;
     Block captured{};
     Block playback{};
-    while (recording.Read(captured)) {
+    while (ReadBlock(recording, captured)) {
         meter.ProcessCapturedBlock(captured, playback);
         output.Write(playback);
         sweeps.AdvanceTo(meter.Blocks());
