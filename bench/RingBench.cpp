@@ -91,4 +91,34 @@ void BM_RingPull(benchmark::State& state) {
 }
 BENCHMARK(BM_RingPull)->Arg(0)->Arg(-600);
 
+// One second at 192 kHz through the queues of fine frames, both ways, in periods of the device and blocks of
+// the user-interface thread. 10 ms would be 1 % of a core.
+void BM_FineSecond(benchmark::State& state) {
+    constexpr std::size_t kRateHz = 192000;
+    CaptureRing in(kCaptureBytes, 2 * kRateHz);
+    PlaybackRing out(kPlaybackBytes, kRateHz);
+    in.Start();
+    in.CaptureFine(true);
+    out.SetBits(24);
+    out.PlayFine(true);
+    out.SetVolume(static_cast<std::int32_t>(state.range(0)));
+    out.Play();
+    std::array<std::int32_t, 2 * kBlockFrames> block{};
+    for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<std::int32_t>(i * 2654435761U);
+    std::array<std::int32_t, 2 * kPeriodFrames> period{};
+    for (auto _ : state) {
+        for (std::size_t at = 0; at < kRateHz; at += kBlockFrames) {
+            out.QueueFine(block);
+            for (std::size_t done = 0; done < kBlockFrames; done += kPeriodFrames) {
+                out.Pull(period.data(), kPeriodFrames, 1024);
+                in.Push(period.data(), kPeriodFrames);
+            }
+            in.TakeFine(block);
+        }
+        benchmark::ClobberMemory();
+    }
+    state.SetLabel("1 s at 192 kHz");
+}
+BENCHMARK(BM_FineSecond)->Arg(0)->Arg(-600)->Unit(benchmark::kMicrosecond);
+
 }  // namespace
