@@ -8,7 +8,7 @@
 namespace sonavex {
 namespace {
 
-// The rest is dropped, because a sweep that was interrupted for longer cannot be restored anyway.
+// Limits the jump of a sweep after a long interruption, for example by a message.
 constexpr std::int64_t kMostOwed = 1000;
 
 }  // namespace

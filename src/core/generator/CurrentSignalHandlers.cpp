@@ -64,7 +64,7 @@ void CurrentSignal::sldSweepTime_Second() {
     if (tone.Sweep != swept && interlock_.Now() == Playing::kCurrent) SwitchSweep();
 }
 
-// The tone plays: from its start frequency, with or without its sweep.
+// Restarts the playing tone at its start frequency, with or without its sweep.
 void CurrentSignal::SwitchSweep() {
     ToneRecord& tone = Record();
     needs_.EnableHiTimer1(tone.Sweep);
