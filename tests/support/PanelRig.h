@@ -8,15 +8,14 @@
 #include "core/audio/SweepTimer.h"
 #include "core/generator/GeneratorPanel.h"
 #include "support/GeneratorBench.h"
-#include "support/Recorders.h"
 #include "support/RecordingSettings.h"
-#include "support/VirtualEventLoop.h"
+#include "support/World.h"
 
 namespace sonavex {
 
 // The generator's panel at 44100 Hz with recorded settings and messages and a virtual clock, driven
 // through its controls.
-class PanelRig : public testing::Test {
+class PanelRig : public testing::Test, public WorldOf<VirtualEventLoop, RecordingSettings> {
 public:
     PanelRig() {
         panel.CurrentSignal().OnLevel = [this](std::int32_t level) { volumes.push_back(level); };
@@ -61,13 +60,9 @@ public:
     ToneRecord& Tone(std::size_t index = 0) { return generator.Tones.at(index); }
     bool Shown(Colour colour) const { return signal.picGenRunning.BackColor() == colour; }
 
-    CallLog log;
-    RecordingDialogs dialogs{log};
-    RecordingSettings store{log};
     Settings settings{store};
     GeneratorBench bench{44100};
     Generator& generator = bench.generator;
-    VirtualEventLoop loop;
     SweepTimer timer{loop, generator, [] { return false; }};
     MenuItem mnuPrint;
     CheckBox chkMuteOutput;

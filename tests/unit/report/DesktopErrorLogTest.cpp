@@ -7,8 +7,7 @@
 #include "core/report/DesktopErrorLog.h"
 #include "core/support/EndProgram.h"
 #include "support/FakeSoundSystem.h"
-#include "support/FormRig.h"
-#include "support/ReportFakes.h"
+#include "support/World.h"
 
 namespace sonavex {
 namespace {
@@ -23,12 +22,12 @@ constexpr const char* kNote =
     "problem, contact Quenby Software for instuctions to email this file";
 const std::string kFile = "Quenby Error.txt";
 
-struct LogRig {
+struct LogRig : World {
     LogRig() {
-        errorLog.ShowDialog = [this] { shown.push_back(errorLog.State().Message); };
+        report.ShowDialog = [this] { shown.push_back(report.State().Message); };
     }
     std::string Write(std::string message, const RuntimeError& error) {
-        EXPECT_EQ(errorLog.WriteErrorLog(message, error), 0);
+        EXPECT_EQ(report.WriteErrorLog(message, error), 0);
         return message;
     }
     // The lines of the file without their ends.
@@ -45,13 +44,9 @@ struct LogRig {
         return "(none)";
     }
 
-    CallLog log;
-    MemorySettingsStore store;
     Settings settings{store};
     FakeSoundSystem sound{log};
-    FakeDesktop desktop{log};
-    MemoryDesktopFiles files{log};
-    DesktopErrorLog errorLog{{settings, sound, desktop, files, FixedTime}};
+    DesktopErrorLog report{{settings, sound, desktop, files, FixedTime}};
     std::vector<std::string> shown;
 };
 
@@ -150,15 +145,15 @@ TEST(ErrorLogMessage, GetsTheNoteAndIsShown) {
     const std::string message = rig.Write("It failed", RuntimeError(5));
     EXPECT_EQ(message, std::string("It failed") + kNote);
     EXPECT_THAT(rig.shown, ElementsAre(message));
-    EXPECT_FALSE(rig.errorLog.State().FatalError);
-    rig.errorLog.SetFatalError(true);
-    EXPECT_TRUE(rig.errorLog.State().FatalError);
+    EXPECT_FALSE(rig.report.State().FatalError);
+    rig.report.SetFatalError(true);
+    EXPECT_TRUE(rig.report.State().FatalError);
 }
 
 TEST(ErrorLogMessage, IsShownAfterTheRecordWasWritten) {
     LogRig rig;
     std::size_t written = 0;
-    rig.errorLog.ShowDialog = [&] { written = rig.files.files[kFile].size(); };
+    rig.report.ShowDialog = [&] { written = rig.files.files[kFile].size(); };
     rig.Write("It failed", RuntimeError(5));
     EXPECT_EQ(written, rig.files.files[kFile].size());
     EXPECT_GT(written, 0U);
@@ -211,7 +206,7 @@ TEST(ErrorLogFailure, OfTheFileIsTheMessage) {
 TEST(ErrorLogDialog, IsNotOpenedTwice) {
     LogRig rig;
     int opened = 0;
-    rig.errorLog.ShowDialog = [&] {
+    rig.report.ShowDialog = [&] {
         if (++opened == 1) rig.Write("Second", RuntimeError(5));
     };
     rig.Write("First", RuntimeError(5));
@@ -224,12 +219,12 @@ TEST(ErrorLogDialog, IsNotOpenedTwice) {
 
 TEST(ErrorLogDialog, MayEndTheProgram) {
     LogRig rig;
-    rig.errorLog.ShowDialog = [] { throw EndProgram{1, true}; };
+    rig.report.ShowDialog = [] { throw EndProgram{1, true}; };
     std::string message = "It failed";
-    EXPECT_THROW(rig.errorLog.WriteErrorLog(message, RuntimeError(5)), EndProgram);
+    EXPECT_THROW(rig.report.WriteErrorLog(message, RuntimeError(5)), EndProgram);
     EXPECT_THAT(message, EndsWith(kNote));
     int opened = 0;
-    rig.errorLog.ShowDialog = [&] { ++opened; };
+    rig.report.ShowDialog = [&] { ++opened; };
     rig.Write("Again", RuntimeError(5));
     EXPECT_EQ(opened, 1);
 }
@@ -237,9 +232,9 @@ TEST(ErrorLogDialog, MayEndTheProgram) {
 TEST(ErrorLogLine, IsNoPartOfTheFile) {
     LogRig rig;
     std::vector<std::string> lines;
-    rig.errorLog.WriteLine("lost");
-    rig.errorLog.OnLine = [&](const std::string& line) { lines.push_back(line); };
-    rig.errorLog.WriteLine("kept");
+    rig.report.WriteLine("lost");
+    rig.report.OnLine = [&](const std::string& line) { lines.push_back(line); };
+    rig.report.WriteLine("kept");
     EXPECT_THAT(lines, ElementsAre("kept"));
     EXPECT_TRUE(rig.files.files.empty());
 }

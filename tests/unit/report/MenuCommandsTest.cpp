@@ -11,14 +11,10 @@ namespace {
 
 using testing::ElementsAre;
 
-class MenuCommandsTest : public testing::Test {
+class MenuCommandsTest : public testing::Test, protected World {
 protected:
-    CallLog log;
     RecordingLauncher launcher{log};
-    RecordingDialogs dialogs{log};
-    RecordingHelp help{log};
     SharedState shared;
-    RecordingMixerSession mixers{log};
     MenuControls menus;
     MenuCommands commands{{launcher, dialogs, help, shared, mixers, {2, 1, 14, "Comment"}}, menus};
 };

@@ -2,9 +2,7 @@
 
 #include "core/report/frmError.h"
 #include "core/support/EndProgram.h"
-#include "platform/plain/MemorySettingsStore.h"
-#include "support/Recorders.h"
-#include "support/ReportFakes.h"
+#include "support/World.h"
 
 namespace sonavex {
 namespace {
@@ -14,7 +12,7 @@ using testing::IsEmpty;
 
 const std::string kErrorFile = "Quenby DirectX Test.txt";
 
-class ErrorForm : public testing::Test {
+class ErrorForm : public testing::Test, protected World {
 protected:
     ErrorForm() {
         form.OnClosed = [this] { ++unloads; };
@@ -23,15 +21,10 @@ protected:
     }
     std::string Stored(const char* key) const { return store.Get("SoundCard", key, "(absent)"); }
 
-    CallLog log;
     ErrorState state;
     SharedState shared;
-    MemorySettingsStore store;
     Settings settings{store};
-    RecordingDialogs dialogs{log};
-    MemoryDesktopFiles files{log};
     ScriptedDiagnostics diagnostics{log};
-    RecordingHelp help{log};
     frmError form{{state, shared, settings, dialogs, files, diagnostics, help, "in-used", "out-used"}};
     int unloads = 0;
 };
@@ -148,22 +141,18 @@ TEST_F(ErrorForm, GivesTheReportUpWhenItCloses) {
 }
 
 TEST(ErrorFormLife, GivesTheReportUpWithItsEnd) {
-    CallLog log;
+    World world;
     ErrorState state;
     SharedState shared;
-    MemorySettingsStore store;
-    Settings settings{store};
-    RecordingDialogs dialogs{log};
-    MemoryDesktopFiles files{log};
-    ScriptedDiagnostics diagnostics{log};
-    RecordingHelp help{log};
+    Settings settings(world.store);
+    ScriptedDiagnostics diagnostics(world.log);
     {
-        frmError form({state, shared, settings, dialogs, files, diagnostics, help, "", ""});
+        frmError form({state, shared, settings, world.dialogs, world.files, diagnostics, world.help, "", ""});
         form.cmdDirectX.Press();
     }
     EXPECT_FALSE(diagnostics.Running());
     diagnostics.Finish("late");
-    EXPECT_THAT(files.files, IsEmpty());
+    EXPECT_THAT(world.files.files, IsEmpty());
 }
 
 }  // namespace
