@@ -107,7 +107,6 @@ void SimulatedSoundSystem::Run() {
 }
 
 SoundDeviceList SimulatedSoundSystem::Enumerate() {
-    FailIfAsked(Operation::kEnumerate);
     SoundDeviceList list{{"", "Primary sound device", ""}};
     if (card_.Plugged()) list.push_back({kIdentifier, kDescription, "simulated"});
     return list;
@@ -127,21 +126,17 @@ void SimulatedSoundSystem::RequirePlugged(const std::string& identifier) const {
 }
 
 std::unique_ptr<PlaybackDevice> SimulatedSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
-    FailIfAsked(Operation::kPlaybackDevice);
     RequirePlugged(identifier);
     return PlaybackDeviceOf(
         [this](const BufferDescription& description) {
-            FailIfAsked(Operation::kPlaybackBuffer);
             return std::make_unique<SimulatedPlayback>(card_, Connect(description.format), description);
         },
         {kFreeHardwareBuffers});
 }
 
 std::unique_ptr<CaptureDevice> SimulatedSoundSystem::CreateCaptureDevice(const std::string& identifier) {
-    FailIfAsked(Operation::kCaptureDevice);
     RequirePlugged(identifier);
     return CaptureDeviceOf([this](const BufferDescription& description) {
-        FailIfAsked(Operation::kCaptureBuffer);
         return std::make_unique<SimulatedCapture>(card_, Connect(description.format), Hub(), description);
     });
 }
@@ -175,18 +170,6 @@ void SimulatedSoundSystem::ReportLostBuffers() {
         news = true;
     }
     if (news) ReportLoss(DeviceGone());
-}
-
-void SimulatedSoundSystem::FailNext(Operation operation, const RuntimeError& error) {
-    failures_.insert_or_assign(operation, error);
-}
-
-void SimulatedSoundSystem::FailIfAsked(Operation operation) {
-    const auto found = failures_.find(operation);
-    if (found == failures_.end()) return;
-    const RuntimeError error = found->second;
-    failures_.erase(found);
-    throw error;
 }
 
 }  // namespace sonavex

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -22,8 +21,6 @@ public:
         kRealTime,  // a thread moves frames by the system's clock
         kStepped    // only Card().Step moves frames
     };
-    // Operations that FailNext can make fail.
-    enum class Operation { kEnumerate, kPlaybackDevice, kCaptureDevice, kPlaybackBuffer, kCaptureBuffer };
 
     static constexpr const char* kIdentifier = "simulated";
     static constexpr const char* kDescription = "Simulated sound card (not a measurement)";
@@ -45,8 +42,6 @@ public:
     // that are created after Plug work.
     void Unplug();
     void Plug() { card_.SetPlugged(true); }
-    // The next such operation fails once, with this error.
-    void FailNext(Operation operation, const RuntimeError& error);
 
 private:
     struct Connection;
@@ -55,14 +50,12 @@ private:
 
     SoundDeviceList Enumerate();
     void RequirePlugged(const std::string& identifier) const;
-    void FailIfAsked(Operation operation);
     std::shared_ptr<const Connection> Connect(const WaveFormat& format);
     void ReportLostBuffers();
     void Run();
 
     SimulatedCard card_;
     std::unique_ptr<Signal> lostSignal_;
-    std::map<Operation, RuntimeError> failures_;
     std::vector<std::weak_ptr<Connection>> connections_;  // of the buffers
 
     std::atomic<std::uint32_t> rateHz_{0};

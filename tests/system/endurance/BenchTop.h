@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/simulated/SimulatedSoundSystem.h"
 #include "support/World.h"
+#include "system/endurance/FailingCard.h"
 
 namespace sonavex {
 
@@ -39,7 +39,7 @@ public:
     // Selects another rate in the selection of devices, as an index into the table of rates.
     void SelectRate(std::int32_t index);
 
-    SimulatedSoundSystem& Card() noexcept { return card_; }
+    FailingCard& Card() noexcept { return card_; }
     std::chrono::nanoseconds BlockTime() const;
     MemorySettingsStore& Store() noexcept { return store; }
 
@@ -56,7 +56,7 @@ private:
     void Pass(std::chrono::nanoseconds time);
     void LeaveWhenEnded();
 
-    SimulatedSoundSystem card_{loop, SimulatedSoundSystem::Pace::kStepped};
+    FailingCard card_{loop, SimulatedSoundSystem::Pace::kStepped};
     std::unique_ptr<frmMain> form_;
     bool ended_ = false;
     int depth_ = 0;  // nesting of dialogs while time passes

@@ -174,7 +174,7 @@ void Soak::RestartProgram() {
 }
 
 void Soak::ReachForTheCard(Event event) {
-    SimulatedSoundSystem& card = bench_->Card();
+    FailingCard& card = bench_->Card();
     const auto blocks =
         static_cast<std::int64_t>(user_.Between(0.1, 15.0) /
                                   std::chrono::duration<double>(bench_->BlockTime()).count()) +
@@ -186,7 +186,7 @@ void Soak::ReachForTheCard(Event event) {
         card.Card().SetStalled(true);
         blocksUntilMoving_ = blocks;
     } else if (event == Event::kFailedOperation) {
-        card.FailNext(static_cast<SimulatedSoundSystem::Operation>(user_.Pick(5)),
+        card.FailNext(static_cast<FailingCard::Operation>(user_.Pick(5)),
                       {sound_error::kNoDriver, "The device is in use."});
     } else if (event == Event::kOtherDevice) {
         card.Card().SetDeviceUnderTest(AnyDevice(user_));

@@ -1,9 +1,39 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
+#include "core/ports/SoundErrors.h"
+#include "support/Errors.h"
+#include "support/VirtualEventLoop.h"
+#include "system/endurance/FailingCard.h"
 #include "system/endurance/Soak.h"
 
 namespace sonavex {
 namespace {
+
+TEST(FailingCard, FailsEachOperationOnce) {
+    VirtualEventLoop loop;
+    FailingCard card(loop, SimulatedSoundSystem::Pace::kStepped);
+    const auto output = card.CreatePlaybackDevice("");
+    const auto input = card.CreateCaptureDevice("");
+    const BufferDescription buffer{0, 65536, WaveFormat::Stereo16(48000)};
+    using Operation = FailingCard::Operation;
+    const std::pair<Operation, std::function<void()>> operations[] = {
+        {Operation::kEnumerate, [&] { card.EnumeratePlayback(); }},
+        {Operation::kEnumerate, [&] { card.EnumerateCapture(); }},
+        {Operation::kPlaybackDevice, [&] { card.CreatePlaybackDevice(""); }},
+        {Operation::kCaptureDevice, [&] { card.CreateCaptureDevice(""); }},
+        {Operation::kPlaybackBuffer, [&] { output->CreateBuffer(buffer); }},
+        {Operation::kCaptureBuffer, [&] { input->CreateBuffer(buffer); }}};
+    for (const auto& operation : operations) {
+        card.FailNext(operation.first, RuntimeError(sound_error::kAllocated, "in use"));
+        const auto error = Raised([&] { return operation.second(), 0; });
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->Number(), sound_error::kAllocated);
+        EXPECT_FALSE(Raised([&] { return operation.second(), 0; }));
+    }
+}
 
 // Half an hour of sound with an event every few seconds. sonavex-soak runs for any number of days.
 TEST(Soak, HoursOfUseAndFaultsLeaveTheReadingsRight) {

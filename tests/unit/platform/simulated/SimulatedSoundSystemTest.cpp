@@ -11,8 +11,6 @@
 namespace sonavex {
 namespace {
 
-using Operation = SimulatedSoundSystem::Operation;
-
 class SimulatedSound : public testing::Test {
 protected:
     // Numbers as written by SimulatedRig::WriteNumbers.
@@ -143,21 +141,6 @@ TEST_F(SimulatedSound, StalledCardMovesNothing) {
     system_.Card().SetStalled(false);
     system_.Card().Step(10);
     EXPECT_EQ(rig_.Captured(20), Numbers(1, 20));
-}
-
-TEST_F(SimulatedSound, FailsOnceAsAsked) {
-    rig_.Open();
-    const auto failsOnce = [&](Operation operation, auto action) {
-        system_.FailNext(operation, RuntimeError(sound_error::kAllocated, "in use"));
-        return ErrorOf(action) == sound_error::kAllocated && ErrorOf(action) == 0;
-    };
-    EXPECT_TRUE(failsOnce(Operation::kEnumerate, [&] { return system_.EnumerateCapture(); }));
-    EXPECT_TRUE(failsOnce(Operation::kPlaybackDevice, [&] { return system_.CreatePlaybackDevice(""); }));
-    EXPECT_TRUE(failsOnce(Operation::kCaptureDevice, [&] { return system_.CreateCaptureDevice(""); }));
-    EXPECT_TRUE(failsOnce(Operation::kPlaybackBuffer,
-                          [&] { return rig_.output->CreateBuffer(Stereo(4096, 48000)); }));
-    EXPECT_TRUE(
-        failsOnce(Operation::kCaptureBuffer, [&] { return rig_.input->CreateBuffer(Stereo(4096, 48000)); }));
 }
 
 TEST_F(SimulatedSound, ReportsItsCapabilities) {
