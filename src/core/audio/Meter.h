@@ -35,12 +35,8 @@ public:
     std::int64_t Blocks() const noexcept { return blocks_; }
     // Whether the last block ended a cycle, so that the harmonic readings are new.
     bool Updated() const noexcept { return blocks_ > 0 && analysis_->HistIndex == modDSP::kLastSlot; }
-    // Whether all blocks of the cycle so far were locked and undisturbed. After an update: the readings
-    // average 19 good blocks.
-    bool CycleGood() const noexcept { return cycleGood_; }
+    // Whether the harmonic readings are new and average 19 locked, undisturbed blocks.
     bool Settled() const noexcept { return Updated() && cycleGood_; }
-    // Whether the shown readings come from a settled update.
-    bool ShownSettled() const noexcept { return shownSettled_; }
     // Position in the current cycle, 1 to 19.
     std::int32_t CyclePosition() const noexcept { return analysis_->HistIndex + 1; }
 
@@ -58,10 +54,11 @@ private:
     std::unique_ptr<modDSP::State> analysis_;
     Readings readings_;
     std::int64_t blocks_ = 0;
-    // The first cycle lacks its first block.
+    // Whether all blocks of the cycle so far were locked and undisturbed. The first cycle lacks its first
+    // block.
     bool cycleGood_ = false;
     bool disturbed_ = false;
-    bool shownSettled_ = false;
+    bool shownSettled_ = false;  // the shown readings come from a settled update
 };
 
 }  // namespace sonavex

@@ -129,8 +129,9 @@ protected:
     void ExpectLoop(const std::string& reading = "1000") {
         Form().GeneratorPanel.Controls.Command1.Press();
         EXPECT_TRUE(WaitInQt(kLimit, [&] {
-            return Form().Instrument.Meter.Controls.txtFreq.Text() == reading &&
-                   Form().Instrument.Meter.ShownSettled();
+            const MeterView& shown = Form().Instrument.Meter.Display.View();
+            return Form().Instrument.Meter.Controls.txtFreq.Text() == reading && shown.totalInPercent &&
+                   !shown.settling;
         })) << Form().Instrument.Meter.Controls.txtFreq.Text();
         Form().GeneratorPanel.Controls.Command1.Press();
     }

@@ -121,8 +121,9 @@ protected:
 TEST_F(PulseWindow, MeasuresWhatItPlays) {
     Click("Command1");
     EXPECT_TRUE(WaitInQt(kPatience, [this] {
+        const MeterView& shown = form.Instrument.Meter.Display.View();
         return Find<QLineEdit>("txtFreq").text() == "1000" &&
-               Find<QLabel>("genLockWord").text() == "LOCKED" && form.Instrument.Meter.ShownSettled();
+               Find<QLabel>("genLockWord").text() == "LOCKED" && shown.totalInPercent && !shown.settling;
     })) << Find<QLineEdit>("txtFreq").text().toStdString();
     EXPECT_EQ(Find<QLabel>("lockWord").text(), "LOCKED");
     EXPECT_LT(Find<QLabel>("lblThd").text().toDouble(), 0.01);
