@@ -32,12 +32,13 @@ void BM_LabelUpdate(benchmark::State& state) {
     modDSP::SetUpAnalysis(*analysis, kRateHz, 25, 23900);
     analysis->PeakBin = kFundamentalBin;
     analysis->HistIndex = modDSP::kLastSlot;
+    const modDSP::BlockInputs inputs = display.Inputs(kRateHz);
     const bool changes = state.range(0) != 0;
     bool odd = false;
     for (auto _ : state) {
         odd = changes && !odd;
         DrawLines(*analysis, odd ? 0.31 : 0.17);
-        modDSP::MeasureHarmonics(*analysis, kRateHz, readings);
+        modDSP::MeasureHarmonics(*analysis, inputs, readings);
         readings.locked = true;
         readings.reached = BlockStep::kHarmonics;
         display.Show(readings, analysis->CurrentPct);

@@ -45,7 +45,7 @@ void MainWindow::BindControls() {
         binder_.Bind(*findChild<QLabel*>("lbltest_" + number), meter.lbltest[i]);
         binder_.Bind(*findChild<QLabel*>("lblDb_" + number), meter.lblDb[i]);
     }
-    binder_.Bind(*ui_->chkBaseline, baseline.chkBaseline);
+    binder_.Bind(*ui_->chkBaseline, meter.chkBaseline);
     binder_.Bind(*ui_->cmdBaseline, baseline.cmdBaseline);
 
     binder_.Bind(*ui_->cmbType, signal.cmbType);

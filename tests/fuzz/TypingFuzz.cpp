@@ -100,7 +100,7 @@ private:
         frmMain& form = instrument_.form;
         const std::array<CheckBox*, 4> boxes{
             &form.Instrument.Meter.Controls.chkAuto, &form.Instrument.Meter.Controls.chkMuteOutput,
-            &form.Baseline.chkBaseline, &form.GeneratorPanel.Controls.chkLoop};
+            &form.Instrument.Meter.Controls.chkBaseline, &form.GeneratorPanel.Controls.chkLoop};
         CheckBox& box = *boxes.at(input_.Byte() % boxes.size());
         if (box.Enabled()) instrument_.Act([&] { box.UserSets(!box.Checked()); });
     }

@@ -58,7 +58,7 @@ void AnalysisRig::MeasureLines(const std::vector<Line>& lines) {
     state->HistIndex = modDSP::kLastSlot;
     state->History = {};
     readings = {};
-    modDSP::MeasureHarmonics(*state, shared.SampleRate, readings);
+    modDSP::MeasureHarmonics(*state, display.Inputs(shared.SampleRate), readings);
     readings.locked = true;
     readings.reached = BlockStep::kHarmonics;
     display.Show(readings, state->CurrentPct);

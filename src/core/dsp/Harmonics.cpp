@@ -70,8 +70,9 @@ double Average(const State& state, std::size_t kind, std::size_t harmonic) {
     return sum / (kLastSlot + 1);
 }
 
-std::optional<double> CorrectedPercent(const State& state, std::size_t harmonic, double averagePct) {
-    if (state.BaselineOn == 1) averagePct -= state.BaselinePct[harmonic];
+std::optional<double> CorrectedPercent(const State& state, std::size_t harmonic, double averagePct,
+                                       bool baseline) {
+    if (baseline) averagePct -= state.BaselinePct[harmonic];
     if (averagePct == 0.0) return std::nullopt;
     return averagePct;
 }
@@ -84,12 +85,12 @@ std::optional<double> LevelDb(const State& state, std::size_t harmonic) {
 }
 
 // An unavailable level leaves CurrentDb unchanged.
-HarmonicReading AverageHarmonic(State& state, std::size_t harmonic) {
+HarmonicReading AverageHarmonic(State& state, std::size_t harmonic, bool baseline) {
     HarmonicReading reading;
     reading.averagePct = Average(state, 0, harmonic);
-    reading.percent = CorrectedPercent(state, harmonic, reading.averagePct);
+    reading.percent = CorrectedPercent(state, harmonic, reading.averagePct, baseline);
     state.UncorrectedPct[harmonic].reset();
-    if (state.BaselineOn == 1) state.UncorrectedPct[harmonic] = reading.averagePct;
+    if (baseline) state.UncorrectedPct[harmonic] = reading.averagePct;
     reading.levelDb = LevelDb(state, harmonic);
     if (reading.levelDb) state.CurrentDb[harmonic] = *reading.levelDb;
     return reading;
@@ -97,8 +98,8 @@ HarmonicReading AverageHarmonic(State& state, std::size_t harmonic) {
 
 }  // namespace
 
-void MeasureHarmonics(State& state, std::int32_t sampleRateHz, Readings& readings) {
-    const std::int32_t maxBin = MaxBin(state, sampleRateHz);
+void MeasureHarmonics(State& state, const BlockInputs& inputs, Readings& readings) {
+    const std::int32_t maxBin = MaxBin(state, inputs.sampleRateHz);
     auto& slot = state.History[static_cast<std::size_t>(state.HistIndex)];
     for (std::int32_t h = 1; h <= static_cast<std::int32_t>(kHarmonics); ++h) {
         const auto harmonic = static_cast<std::size_t>(h - 1);
@@ -106,12 +107,12 @@ void MeasureHarmonics(State& state, std::int32_t sampleRateHz, Readings& reading
         slot[0][harmonic] = sums.all != 0.0 ? sums.harm * 100.0 / sums.all : 0.0;
         slot[1][harmonic] = RatioToFundamental(state, h, maxBin);
         if (state.HistIndex != kLastSlot) continue;
-        readings.harmonics[harmonic] = AverageHarmonic(state, harmonic);
+        readings.harmonics[harmonic] = AverageHarmonic(state, harmonic, inputs.baseline);
         readings.harmonicsAveraged = harmonic + 1;
     }
     if (state.HistIndex != kLastSlot) return;
     state.CurrentHz = state.FundamentalHz;
-    state.CurrentRate = sampleRateHz;
+    state.CurrentRate = inputs.sampleRateHz;
 }
 
 }  // namespace sonavex::modDSP

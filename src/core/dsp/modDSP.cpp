@@ -112,7 +112,7 @@ void ProcessCapturedBlock(State& state, const BlockInputs& inputs, Readings& rea
     FindFundamental(state);
     MeasureFrequency(state, inputs, readings);
     TestLock(state, inputs, readings);
-    if (state.FreqLocked) MeasureHarmonics(state, inputs.sampleRateHz, readings);
+    if (state.FreqLocked) MeasureHarmonics(state, inputs, readings);
     readings.reached = BlockStep::kHarmonics;
     MakeOutput(state, inputs.mute, readings, generator, playback);
 }

@@ -25,6 +25,7 @@ struct BlockInputs {
     std::int32_t sampleRateHz = 0;
     bool automatic = false;  // the fundamental is the strongest bin, not the typed frequency
     bool mute = false;       // the input is not sent to the output
+    bool baseline = false;   // BaselinePct is subtracted from the averages
     // The typed frequency in whole Hz, or the number of the error that its text raises when it is used. Not
     // used if automatic.
     std::int32_t typedHz = 0;
@@ -76,7 +77,6 @@ struct State {
     std::int32_t CurrentRate = 0;                // the sampling rate of both, Hz; 0 before the first
     std::array<double, kHarmonics> BaselinePct{};
     std::array<double, kHarmonics> BaselineDb{};
-    std::int32_t BaselineOn = 0;  // 1: BaselinePct is subtracted from the percentages shown
 
     modSPL2VB::FftPlan plan{12, sizeof(AnalysisVector) / sizeof(double)};
 };
@@ -94,7 +94,7 @@ void ProcessCapturedBlock(State& state, const BlockInputs& inputs, Readings& rea
 // Steps of ProcessCapturedBlock, each in a separate source.
 
 // Adds this block's harmonic sums to the history, and averages them into the readings when the cycle ends.
-void MeasureHarmonics(State& state, std::int32_t sampleRateHz, Readings& readings);
+void MeasureHarmonics(State& state, const BlockInputs& inputs, Readings& readings);
 // Makes the samples to play from the filtered spectrum.
 void MakeOutput(State& state, bool mute, Readings& readings, BlockFill& generator,
                 std::span<std::int16_t> playback);

@@ -84,7 +84,7 @@ void PerformOnMeter(const UserAction& action, frmMain& form) {
         case Kind::kMute:
             return Tick(controls.chkMuteOutput, action);
         case Kind::kApplyBaseline:
-            return Tick(form.Baseline.chkBaseline, action);
+            return Tick(form.Instrument.Meter.Controls.chkBaseline, action);
         case Kind::kCaptureBaseline:
             return form.Baseline.cmdBaseline.Press();
         default:

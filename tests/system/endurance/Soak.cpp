@@ -315,7 +315,7 @@ void Soak::PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz) {
         form.GeneratorPanel.StopPlaying();
         form.Instrument.Meter.Controls.chkAuto.UserSets(true);
         form.Instrument.Meter.Controls.chkMuteOutput.UserSets(true);
-        form.Baseline.chkBaseline.UserSets(false);
+        form.Instrument.Meter.Controls.chkBaseline.UserSets(false);
         SignalControls& signal = form.GeneratorPanel.Controls;
         const auto move = [](Slider& slider, std::int32_t value) {
             slider.UserMoves(value);

@@ -17,7 +17,7 @@ TEST(Loop, BaselineTakesTheCardsOwnDistortionAway) {
     rig.Settle();
     modDSP::State& analysis = rig.meter.Analysis();
     analysis.BaselinePct = analysis.CurrentPct;
-    analysis.BaselineOn = 1;
+    rig.meter.Controls.chkBaseline.SetValue(1);
     const std::string level = rig.DbText(3);
     rig.Settle();
     for (int n = 2; n <= 9; ++n) EXPECT_NEAR(rig.Percent(n), 0.0, 0.0002) << n;
@@ -28,7 +28,7 @@ TEST(Loop, BaselineTakesTheCardsOwnDistortionAway) {
     rig.Settle();
     EXPECT_NEAR(rig.Percent(2), 100.0 * (0.03 / std::sqrt(1.0009) - 0.01 / std::sqrt(1.0001)),
                 kRoundingPercent);
-    analysis.BaselineOn = 0;
+    rig.meter.Controls.chkBaseline.SetValue(0);
     rig.Settle();
     EXPECT_NEAR(rig.Percent(2), 100.0 * 0.03 / std::sqrt(1.0009), kRoundingPercent);
 }

@@ -96,7 +96,7 @@ const Scene kScenes[] = {
          SetDistortion(rig);
          StartSine(rig);
          rig.form.Baseline.cmdBaseline.Press();
-         rig.form.Baseline.chkBaseline.UserSets(true);
+         rig.form.Instrument.Meter.Controls.chkBaseline.UserSets(true);
          rig.form.GeneratorPanel.Controls.sldStartFreq.UserMoves(1500);
          rig.Step(38);
      }},

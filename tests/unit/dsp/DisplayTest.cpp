@@ -117,7 +117,7 @@ TEST(Display, LevelsChangeWithEveryBlock) {
 
 TEST(Baseline, IsSubtractedFromThePercentages) {
     AnalysisRig rig(32000);
-    rig.state->BaselineOn = 1;
+    rig.controls.chkBaseline.SetValue(1);
     rig.state->BaselinePct.fill(2.5);
     rig.state->BaselineDb.fill(-3.0);
     rig.FeedLines(kTenth, 18 + 19);
@@ -132,14 +132,14 @@ TEST(Baseline, IsSubtractedFromThePercentages) {
 
 TEST(Baseline, KeepsTheAverageOfACorrectedUpdate) {
     AnalysisRig rig(32000);
-    rig.state->BaselineOn = 1;
+    rig.controls.chkBaseline.SetValue(1);
     rig.state->BaselinePct.fill(2.5);
     rig.FeedLines(kTenth, 18);
     for (const std::optional<double>& average : rig.state->UncorrectedPct) {
         ASSERT_TRUE(average);
         EXPECT_EQ(PctText(*average), PctText(Pct(0.1) * 18 / 19));
     }
-    rig.state->BaselineOn = 0;
+    rig.controls.chkBaseline.SetValue(0);
     rig.FeedLines(kTenth, 18);
     EXPECT_TRUE(rig.state->UncorrectedPct[0]) << "no cycle has ended";
     rig.FeedLines(kTenth);
@@ -148,7 +148,7 @@ TEST(Baseline, KeepsTheAverageOfACorrectedUpdate) {
 
 TEST(Baseline, ANegativeResultIsShownWithItsSign) {
     AnalysisRig rig(32000);
-    rig.state->BaselineOn = 1;
+    rig.controls.chkBaseline.SetValue(1);
     rig.state->BaselinePct.fill(12.0);
     rig.FeedLines(kTenth, 18 + 19);
     EXPECT_EQ(rig.controls.lbltest[0].Caption(), "-2.0496");
@@ -159,7 +159,7 @@ TEST(Baseline, ANegativeResultIsShownWithItsSign) {
 TEST(Baseline, AnExactZeroIsNotAvailable) {
     AnalysisRig rig(32000);
     // 4 and 3 add to 5: every slot holds exactly 60.
-    rig.state->BaselineOn = 1;
+    rig.controls.chkBaseline.SetValue(1);
     rig.state->BaselinePct.fill(60.0);
     rig.state->BaselinePct[7] = 59.5;
     rig.FeedLines({{128, 4.0}, {256, 3.0}}, 18 + 19);
@@ -171,7 +171,7 @@ TEST(Baseline, AnExactZeroIsNotAvailable) {
 
 TEST(Baseline, TurnsNotAvailableIntoANumber) {
     AnalysisRig rig(32000);
-    rig.state->BaselineOn = 1;
+    rig.controls.chkBaseline.SetValue(1);
     rig.state->BaselinePct.fill(0.25);
     rig.FeedLines({{1500, 1000.0}}, 18);
     EXPECT_EQ(rig.Percentages(), "-0.2500 -0.2500 -0.2500 -0.2500 -0.2500 -0.2500 -0.2500 -0.2500");
@@ -185,12 +185,12 @@ TEST(Baseline, CountsOnlyWhenOnAndFromTheNextUpdate) {
     rig.FeedLines(kTenth, 18 + 19);
     const std::string plain = PctText(Pct(0.1));
     EXPECT_EQ(rig.controls.lblThd.Caption(), plain);
-    rig.state->BaselineOn = 1;
+    rig.controls.chkBaseline.SetValue(1);
     rig.FeedLines(kTenth, 18);
     EXPECT_EQ(rig.controls.lblThd.Caption(), plain);
     rig.FeedLines(kTenth, 1);
     EXPECT_EQ(rig.controls.lblThd.Caption(), PctText(Pct(0.1) - 5.0));
-    rig.state->BaselineOn = 0;
+    rig.controls.chkBaseline.SetValue(0);
     rig.FeedLines(kTenth, 19);
     EXPECT_EQ(rig.controls.lblThd.Caption(), plain);
 }

@@ -25,7 +25,6 @@ TEST(FreshAnalysis, KnowsNothingYet) {
     EXPECT_EQ(state->HistIndex, 0);
     EXPECT_EQ(state->CurrentHz, 0);
     EXPECT_EQ(state->CurrentRate, 0);
-    EXPECT_EQ(state->BaselineOn, 0);
 }
 
 TEST(FreshAnalysis, HasATransformOf4096Points) {

@@ -127,7 +127,9 @@ TEST(Harmonics, OfAPeakOutsideTheSpectrumAreAnError) {
     for (const auto& [bin, number] : {std::pair{-1, 9}, std::pair{4097, 9}, std::pair{4096, 0}}) {
         AnalysisRig rig(32000);
         rig.state->PeakBin = bin;
-        EXPECT_EQ(ErrorOf([&] { return modDSP::MeasureHarmonics(*rig.state, 32000, rig.readings), 0; }),
+        EXPECT_EQ(ErrorOf([&] {
+                      return modDSP::MeasureHarmonics(*rig.state, rig.display.Inputs(32000), rig.readings), 0;
+                  }),
                   number)
             << bin;
     }

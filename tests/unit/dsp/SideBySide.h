@@ -54,7 +54,7 @@ public:
         literal_.chkMuteOutput = on;
     }
     void Baseline(double pct) {
-        rig_.state->BaselineOn = 1;
+        rig_.controls.chkBaseline.SetValue(1);
         literal_.baselineOn = true;
         for (std::size_t i = 0; i < 8; ++i)
             rig_.state->BaselinePct[i] = literal_.baselinePct[i] = pct * static_cast<double>(i);

@@ -119,9 +119,8 @@ TEST(StoredBoxes, AreRestoredWithTheirEffectsAndNotStoredAgain) {
     world.form.Form_Load();
     EXPECT_FALSE(world.form.Instrument.Meter.Controls.chkAuto.Checked());
     EXPECT_TRUE(world.form.Instrument.Meter.Controls.txtFreq.Enabled());
-    EXPECT_TRUE(world.form.Baseline.chkBaseline.Checked());
+    EXPECT_TRUE(world.form.Instrument.Meter.Controls.chkBaseline.Checked());
     EXPECT_FALSE(world.form.Baseline.cmdBaseline.Enabled());
-    EXPECT_EQ(world.form.Instrument.Meter.Analysis().BaselineOn, 1);
     EXPECT_DOUBLE_EQ(world.form.Instrument.Meter.Analysis().BaselinePct[0], 0.5);
     EXPECT_FALSE(world.form.Instrument.Meter.Controls.chkMuteOutput.Checked());
     EXPECT_EQ(world.store.Size(), before + 1);  // the level

@@ -55,16 +55,16 @@ Baseline::Baseline(const SharedState& shared, Settings& settings, Dialogs& dialo
                    MeasurementControls& meter)
     : shared_(shared), settings_(settings), dialogs_(dialogs), analysis_(analysis), meter_(meter) {
     meter_.chkAuto.Click.Handle([this] { chkAuto_Click(); });
-    chkBaseline.Click.Handle([this] { chkBaseline_Click(); });
+    meter_.chkBaseline.Click.Handle([this] { chkBaseline_Click(); });
     cmdBaseline.Click.Handle([this] { cmdBaseline_Click(); });
 }
 
 void Baseline::RestoreBoxes() {
     meter_.chkAuto.SetValue(settings_.Integer(keys::kAuto));
-    chkBaseline.SetValue(StoredBox(settings_, keys::kBaseline));
+    meter_.chkBaseline.SetValue(StoredBox(settings_, keys::kBaseline));
     meter_.chkMuteOutput.SetValue(settings_.Integer(keys::kMuteMeter));
     ApplyAuto();
-    if (chkBaseline.Checked()) ApplyBaseline();
+    if (meter_.chkBaseline.Checked()) ApplyBaseline();
 }
 
 void Baseline::ApplyAuto() {
@@ -77,18 +77,17 @@ void Baseline::chkAuto_Click() {
 }
 
 void Baseline::ApplyBaseline() {
-    analysis_.BaselineOn = chkBaseline.Value();
     for (std::size_t i = 0; i < modDSP::kHarmonics; ++i) {
         analysis_.BaselinePct[i] = Stored(settings_, keys::kThd, static_cast<int>(i));
         analysis_.BaselineDb[i] = Stored(settings_, keys::kDb, static_cast<int>(i));
     }
     capturedHz_ = StoredCondition(settings_, keys::kBaselineHz);
     capturedRate_ = StoredCondition(settings_, keys::kBaselineRate);
-    cmdBaseline.SetEnabled(!chkBaseline.Checked());
+    cmdBaseline.SetEnabled(!meter_.chkBaseline.Checked());
 }
 
 void Baseline::chkBaseline_Click() {
-    settings_.Save(keys::kBaseline, Str(chkBaseline.Value()));
+    settings_.Save(keys::kBaseline, Str(meter_.chkBaseline.Value()));
     ApplyBaseline();
 }
 
@@ -108,7 +107,7 @@ void Baseline::cmdBaseline_Click() {
 }
 
 bool Baseline::CapturedElsewhere() const {
-    if (analysis_.BaselineOn != 1 || capturedRate_ == 0 || !analysis_.FreqLocked) return false;
+    if (!meter_.chkBaseline.Checked() || capturedRate_ == 0 || !analysis_.FreqLocked) return false;
     return capturedRate_ != shared_.SampleRate ||
            std::abs(capturedHz_ - analysis_.FundamentalHz) >= modDSP::kLockRangeHz;
 }

@@ -19,7 +19,6 @@ public:
     Baseline(const SharedState& shared, Settings& settings, Dialogs& dialogs, modDSP::State& analysis,
              MeasurementControls& meter);
 
-    CheckBox chkBaseline;
     CommandButton cmdBaseline;
 
     // At start-up: restores the check boxes and their effects. Stores nothing.

@@ -20,6 +20,7 @@ struct MeasurementControls {
     TextBox txtFreq;                        // fundamental frequency, Hz
     CheckBox chkAuto;                       // the measured frequency is written to txtFreq
     CheckBox chkMuteOutput;                 // the input is not sent to the output
+    CheckBox chkBaseline;                   // the baseline is subtracted from the percentages
     Indicator picLocked;                    // light green: locked
     Indicator GenLocked;                    // the same on the generator's side
     std::array<Label, kHarmonics> lbltest;  // distortion up to this harmonic, percent (THD_R), or "N/A"

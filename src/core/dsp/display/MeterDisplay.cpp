@@ -37,6 +37,7 @@ modDSP::BlockInputs MeterDisplay::Inputs(std::int32_t sampleRateHz) const {
     inputs.sampleRateHz = sampleRateHz;
     inputs.automatic = controls_.chkAuto.Checked();
     inputs.mute = controls_.chkMuteOutput.Checked();
+    inputs.baseline = controls_.chkBaseline.Checked();
     if (inputs.automatic) return inputs;
     try {
         inputs.typedHz = CLng(Val(controls_.txtFreq.Text()));

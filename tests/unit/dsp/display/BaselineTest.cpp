@@ -43,7 +43,7 @@ TEST(BaselineCapture, StoresAndTakesTheReadings) {
     EXPECT_EQ(rig.Stored("DB 0"), "-42.98");
     EXPECT_EQ(rig.analysis.BaselinePct, rig.analysis.CurrentPct);
     EXPECT_EQ(rig.analysis.BaselineDb, rig.analysis.CurrentDb);
-    EXPECT_EQ(rig.analysis.BaselineOn, 0);
+    EXPECT_FALSE(rig.meter.chkBaseline.Checked());
 }
 
 // The box was unchecked, and no cycle has ended since.
@@ -63,15 +63,13 @@ TEST(BaselineBox, LoadsWhatIsStoredAndLocksTheCapture) {
     BaselineRig rig;
     rig.store.Save("Settings", "THD 1", " .25");
     rig.store.Save("Settings", "DB 1", "-52.5");
-    rig.baseline.chkBaseline.UserSets(true);
+    rig.meter.chkBaseline.UserSets(true);
     EXPECT_EQ(rig.Stored("Baseline"), " 1");
-    EXPECT_EQ(rig.analysis.BaselineOn, 1);
     EXPECT_DOUBLE_EQ(rig.analysis.BaselinePct[1], 0.25);
     EXPECT_DOUBLE_EQ(rig.analysis.BaselineDb[1], -52.5);
     EXPECT_FALSE(rig.baseline.cmdBaseline.Enabled());
-    rig.baseline.chkBaseline.UserSets(false);
+    rig.meter.chkBaseline.UserSets(false);
     EXPECT_EQ(rig.Stored("Baseline"), " 0");
-    EXPECT_EQ(rig.analysis.BaselineOn, 0);
     EXPECT_TRUE(rig.baseline.cmdBaseline.Enabled());
 }
 
@@ -123,7 +121,7 @@ TEST(StoredBaseline, OfUnusableConditionsIsOneOfUnknownConditions) {
     rig.analysis.FreqLocked = true;
     rig.analysis.FundamentalHz = 1000;
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
-    EXPECT_EQ(rig.analysis.BaselineOn, 1);
+    EXPECT_TRUE(rig.meter.chkBaseline.Checked());
 }
 
 TEST(BaselineOfElsewhere, IsRecognisedByFrequencyAndRate) {
@@ -134,7 +132,7 @@ TEST(BaselineOfElsewhere, IsRecognisedByFrequencyAndRate) {
     rig.analysis.CurrentRate = 48000;
     rig.analysis.FreqLocked = true;
     rig.baseline.cmdBaseline.Press();
-    rig.baseline.chkBaseline.UserSets(true);
+    rig.meter.chkBaseline.UserSets(true);
     EXPECT_TRUE(rig.baseline.CapturedElsewhere());
     rig.analysis.FundamentalHz = 996;
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
@@ -148,7 +146,7 @@ TEST(BaselineOfElsewhere, IsRecognisedByFrequencyAndRate) {
     rig.analysis.FundamentalHz = 996;
     rig.shared.SampleRate = 44100;
     EXPECT_TRUE(rig.baseline.CapturedElsewhere());
-    rig.baseline.chkBaseline.UserSets(false);
+    rig.meter.chkBaseline.UserSets(false);
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
 }
 
@@ -161,7 +159,7 @@ TEST(BaselineOfElsewhere, HasTheRateOfItsReadings) {
     rig.analysis.FundamentalHz = 996;
     rig.analysis.FreqLocked = true;
     rig.baseline.cmdBaseline.Press();
-    rig.baseline.chkBaseline.UserSets(true);
+    rig.meter.chkBaseline.UserSets(true);
     EXPECT_TRUE(rig.baseline.CapturedElsewhere());
     rig.shared.SampleRate = 44100;
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());
@@ -169,7 +167,7 @@ TEST(BaselineOfElsewhere, HasTheRateOfItsReadings) {
 
 TEST(BaselineOfElsewhere, IsNotReportedBeforeAnyIsKnown) {
     BaselineRig rig;
-    rig.analysis.BaselineOn = 1;
+    rig.meter.chkBaseline.SetValue(1);
     rig.analysis.FreqLocked = true;
     rig.analysis.FundamentalHz = 1000;
     EXPECT_FALSE(rig.baseline.CapturedElsewhere());

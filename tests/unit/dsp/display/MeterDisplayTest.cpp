@@ -254,12 +254,25 @@ TEST_F(MeterDisplayTest, CountsTheBlocksOfTheCycle) {
     EXPECT_EQ(controls.Cycle.Caption(), "0 of 19");
 }
 
+TEST_F(MeterDisplayTest, StatesItsLongestCaptions) {
+    ShowOutput(100.0, true);
+    EXPECT_EQ(controls.lblDACLevel.Caption(), meter_words::kLongestLevel);
+    display.ShowCycle(19, false);
+    EXPECT_EQ(controls.Cycle.Caption(), meter_words::kLongestCycle);
+    readings.harmonics[0] = {100.0, 100.0, -100.0};
+    readings.harmonicsAveraged = 1;
+    Show(BlockStep::kLock);
+    EXPECT_EQ(controls.lbltest[0].Caption(), meter_words::kLongestPercent);
+    EXPECT_EQ(controls.lblDb[0].Caption(), meter_words::kLongestDb);
+}
+
 TEST_F(MeterDisplayTest, TakesTheBoxesAsInputs) {
     controls.txtFreq.SetText("440.5 Hz");
     modDSP::BlockInputs inputs = display.Inputs(48000);
     EXPECT_EQ(inputs.sampleRateHz, 48000);
     EXPECT_FALSE(inputs.automatic);
     EXPECT_FALSE(inputs.mute);
+    EXPECT_FALSE(inputs.baseline);
     EXPECT_EQ(inputs.typedHz, 440);
     EXPECT_EQ(inputs.typedError, 0);
     controls.chkMuteOutput.SetValue(1);
@@ -270,8 +283,10 @@ TEST_F(MeterDisplayTest, TakesTheBoxesAsInputs) {
         EXPECT_EQ(inputs.typedError, 6) << text;
     }
     controls.chkAuto.SetValue(1);
+    controls.chkBaseline.SetValue(1);
     inputs = display.Inputs(48000);
     EXPECT_TRUE(inputs.automatic);
+    EXPECT_TRUE(inputs.baseline);
     EXPECT_EQ(inputs.typedError, 0) << "the text is not needed";
 }
 
