@@ -93,7 +93,7 @@ check_tidy() {
 checks=("$@")
 ((${#checks[@]})) || checks=(format words files headers arrows shell commands tidy)
 tools/install-dependencies.sh tools/dependencies.txt tools/dependencies-ci.txt || exit 1
-# These two read the compile commands, and tidy reads headers that the build makes.
+# The checks files and tidy read the compile commands. The check tidy also reads headers that the build makes.
 if [[ " ${checks[*]} " =~ " files "|" tidy " ]]; then
     build_preset dev || exit 1
 fi

@@ -30,7 +30,7 @@ protected:
 
     // Call when the form has closed.
     void Close() { QDialog::done(QDialog::Accepted); }
-    // Passes the size of the layout to the form's start.
+    // Passes the size of the layout to the form. Call before Form_Load.
     void ReportSize();
     // Moves the window to the form's position, or centres it if no screen shows that position.
     void Place() { placement_.Place(); }

@@ -14,7 +14,7 @@ class HelpBrowser : public QTextBrowser {
 public:
     explicit HelpBrowser(QWidget* parent = nullptr);
 
-    // The book must outlive its use here. Nothing is shown before.
+    // Nothing is shown before this call. The book must exist until the next call, or as long as this object.
     void SetBook(const HelpBook& book) { book_ = &book; }
     void ShowPage(const QString& page);
     // Path of the present page; empty before the first one.

@@ -31,7 +31,7 @@ QPoint Middle(const QSize& frame) {
     return QGuiApplication::primaryScreen()->availableGeometry().center() - QRect({}, frame).center();
 }
 
-// Screens can differ in height, and the form knows only the lowest edge.
+// Screens can differ in height, but the form knows only the bottom of the lowest one.
 QPoint AboveTheScreensBottom(const QRect& frame) {
     const QScreen* screen = QGuiApplication::screenAt(frame.center());
     if (screen == nullptr) return frame.topLeft();
@@ -66,8 +66,8 @@ bool Placement::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-// The move with which the frame appears is the window system's: the user cannot take hold of the widget
-// before. The window system may report the position without the frame once more after AllowForFrame.
+// The first move, with which the frame appears, is never the user's: without a frame the user cannot move the
+// widget. After AllowForFrame the window system may report the position without the frame once more.
 void Placement::Follow() {
     ReportSize();
     if (state_ == State::kLeft) return;

@@ -12,8 +12,8 @@ class Window;
 
 namespace sonavex::ui {
 
-// Keeps the position of a form's window and of its widget the same, and the size of the form that of the
-// widget with its frame. Form positions are relative to the top left corner of the primary screen.
+// Keeps the form and its widget at the same position. The form gets the size of the widget with its frame.
+// Form positions are relative to the top left corner of the primary screen.
 class Placement : public QObject {
     Q_OBJECT
 
@@ -25,8 +25,8 @@ public:
     void ReportSize();
 
     // Call before the widget is shown. Moves it to the form's position, or to the middle of the primary
-    // screen if no screen would show it. When its frame becomes known, it is kept on the screens once more.
-    // Only later moves, which are the user's, change the form's position.
+    // screen if no screen would show it. When the size of its frame is known, it is kept on the screens once
+    // more. Only later moves, which are the user's, change the form's position.
     void Place();
     // Ends reporting moves.
     void Leave() noexcept { state_ = State::kLeft; }

@@ -41,7 +41,8 @@ public:
     // filter, and the block is a single step of 1.
     void FeedLines(const std::vector<Line>& lines, int blocks = 1);
 
-    // Ends a cycle with these lines alone; the averages are over 19.
+    // Measures these lines as the last block of a cycle. The other 18 slots are empty; the averages are over
+    // all 19.
     void MeasureLines(const std::vector<Line>& lines);
 
     // Captions of one kind, separated by blanks; an empty caption is "-".

@@ -12,7 +12,7 @@ std::int16_t ToSample(double value) {
     return static_cast<std::int16_t>(std::nearbyint(std::clamp(value, -32768.0, 32767.0)));
 }
 
-// Hash of a number to -1 to 1; neighbouring numbers give unrelated values.
+// A hash of the number in the range -1 to 1. Neighbouring numbers have unrelated values.
 double Scatter(std::uint64_t number) {
     number = (number ^ (number >> 30U)) * 0xBF58476D1CE4E5B9ULL;
     number = (number ^ (number >> 27U)) * 0x94D049BB133111EBULL;

@@ -57,8 +57,8 @@ public:
         return Of(operation).size() + (found == counted_.end() ? 0 : found->second.count);
     }
 
-    // The line before the first one of this operation, that line, and the one after it; empty without all
-    // three.
+    // The first line of this operation with the line before it and the line after it. Empty if one of the
+    // three is missing.
     std::vector<std::string> Around(std::string_view operation) const {
         for (std::size_t i = 1; i + 1 < lines_.size(); ++i)
             if (lines_[i].substr(0, lines_[i].find(' ')) == operation)

@@ -59,7 +59,8 @@ public:
             loop_, [&] { return capture->Statistics().framesCaptured > before; }, kLimit);
     }
 
-    // Both buffers report their loss once, with both texts, and then refuse to work. Clears the losses.
+    // Each buffer reports its loss once, naming the device and the text, and then refuses to work. Clears the
+    // losses.
     void ExpectLosses(const std::string& device, const std::string& text,
                       std::chrono::nanoseconds limit = kLimit) {
         EXPECT_TRUE(loop_.RunUntil([&] { return losses.size() >= 2; }, limit));

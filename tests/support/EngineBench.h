@@ -50,7 +50,7 @@ private:
     }
 };
 
-// The same on scripted devices.
+// A stream engine on scripted devices.
 struct EngineBench : EngineOn<FakeSoundSystem> {
     using EngineOn::EngineOn;
 

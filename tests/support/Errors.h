@@ -22,14 +22,14 @@ std::optional<RuntimeError> Raised(Action action) {
     return {};
 }
 
-// Its number; 0 when the action raises none.
+// Number of the run-time error that the action raises; 0 when it raises none.
 template <class Action>
 std::int32_t ErrorOf(Action action) {
     const auto error = Raised(action);
     return error ? error->Number() : 0;
 }
 
-// Its text; "no error" when the action raises none.
+// Text of the run-time error that the action raises; "no error" when it raises none.
 template <class Action>
 std::string TextOfError(Action action) {
     const auto error = Raised(action);

@@ -9,7 +9,7 @@
 
 namespace sonavex {
 
-// The test executable, which also runs as the other processes.
+// Path of this test program. Tests start it again when they need another process.
 inline std::string ThisProgram() {
     return std::filesystem::read_symlink("/proc/self/exe").string();
 }

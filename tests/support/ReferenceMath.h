@@ -13,9 +13,9 @@ using Complex = std::complex<long double>;
 // X[k] = sum over t of x[t] e^(-2 pi i k t / N), term by term.
 std::vector<Complex> NaiveDft(std::span<const double> re, std::span<const double> im);
 
-// The same by recursive halving; the length must be a power of two.
+// The same transform by recursive halving. The length must be a power of two.
 std::vector<Complex> Dft(std::vector<Complex> x);
-// With the factor 1 / N and the opposite sign.
+// The inverse transform, with the factor 1 / N and the opposite sign.
 std::vector<Complex> InverseDft(std::vector<Complex> x);
 
 // One bin of the transform at any frequency (a fraction of the sampling rate).

@@ -60,7 +60,7 @@ std::string SoundServer::LoadNullSink(const NullSink& sink) const {
     return module;
 }
 
-// Waits, because PipeWire is slow.
+// PipeWire lists a new sink some time after the command that loads it.
 void SoundServer::WaitUntilListed(const std::string& sink) const {
     const auto listed = [&](const char* kind, const std::string& name) {
         return Control({"list", "short", kind}).find('\t' + name + '\t') != std::string::npos;

@@ -42,7 +42,7 @@ private:
     CallLog& log_;
 };
 
-// The mixers of a world whose rig makes others.
+// For a World without mixers, because the rig has its own.
 struct NoMixers {};
 
 // Records the names of its calls, and the devices as OUTPUT|INPUT.

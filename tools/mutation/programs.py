@@ -100,7 +100,8 @@ class Build:
         return [*words[: words.index("-o")], level, "-g0", "-w", "-D_GLIBCXX_ASSERTIONS"]
 
     def _with_headers(self, path):
-        """Whether the source compiles with the precompiled headers: names in other headers may be ambiguous."""
+        """Whether the source compiles with the precompiled headers. Names of headers that it does not include itself
+        can make it ambiguous."""
         with self._lock:
             if path not in self._fits:
                 words = self._core_words(path)

@@ -16,8 +16,8 @@ constexpr const char* kOneInstance =
 
 constexpr std::int32_t kLowEdgeAfterRestartHz = 20;
 constexpr std::size_t kNotifications = 4;
-// Blocks until the step of a start or an overrun has returned through the devices: the length of the playback
-// buffer.
+// A start or an overrun puts a step into the output. It returns through the devices within this number of
+// blocks, the length of the playback buffer.
 constexpr std::int32_t kSettlingBlocks = 8;
 
 constexpr int kBlockBits = 16;
@@ -257,8 +257,8 @@ bool StreamEngine::HandleOverrunNewer() {
     return true;
 }
 
-// Writing restarts at the first block, and playback after enough blocks. BlockEnd does not move: after a
-// write overrun the play cursor is searched in everything before it.
+// Writing restarts at the first block, and playback after enough blocks. ResetWriting clears BlockOffset but
+// not BlockEnd, so after a write overrun every play cursor up to BlockEnd counts as an overrun.
 void StreamEngine::HandleOverrunOlder() {
     const bool priming = RestartPending;
     bool overrun = false;

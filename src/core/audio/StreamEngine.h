@@ -78,7 +78,7 @@ public:
     // Shutdown: destroys events and devices.
     void Release();
 
-    // The notification callback. Lets errors of the sound objects and of the analysis pass.
+    // The notification callback. Throws the errors of the sound objects and of the analysis.
     void DirectXEvent8_DXCallback(EventHandle eventid);
 
     bool Restarting() const noexcept { return restarting_; }

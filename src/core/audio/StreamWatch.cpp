@@ -36,7 +36,8 @@ struct Choice {
     std::string usedName;
 };
 
-// Whether a start would open the same device again: the primary device may refer to another one now.
+// Whether a start would open the same device again. It would not if the primary device now refers to another
+// one.
 bool Lists(const SoundDeviceList& devices, const Choice& choice) {
     if (choice.stored.empty())
         return devices.size() > 1 &&

@@ -33,7 +33,7 @@ public:
     std::string WithRange(const char* message) const;
     // Copies the controls to the record and stores the record in the settings.
     void SaveCurrentSignal();
-    // Runs the first handler of each frequency slider whose value a change of its limits has clamped.
+    // Runs the handler "_First" of each frequency slider whose value was clamped by new limits.
     void FollowLimits();
 
     void cmbType_Click();

@@ -11,8 +11,8 @@ namespace sonavex {
 
 std::string MakeToneLine(const ToneRecord& tone, std::string_view waveName, bool loop);
 
-// The inverse of the above. A missing number reads as 0. An unknown waveform, and LoopIncrement, keep their
-// value in `tone`. Error 6 for a number that does not fit.
+// Reads a line of the list into `tone`. A missing number reads as 0. An unknown waveform, and LoopIncrement,
+// keep their value in `tone`. Error 6 for a number that does not fit.
 void ParseToneLine(std::string_view line, ToneRecord& tone);
 
 }  // namespace sonavex

@@ -9,8 +9,8 @@
 
 namespace sonavex {
 
-// Saves and restores all levels of a device as text: every control and channel in the hardware's own
-// steps, one line for each control: its key, a tab, the values separated by blanks.
+// Saves and restores all levels of a device as text. Each control has one line: its key, a tab, and the
+// values of its channels in the hardware's own steps, separated by blanks.
 class DeviceLevels {
 public:
     // The hardware must outlive this object.

@@ -44,7 +44,7 @@ bool IsMaster(MixerFunction function) {
     return function == MixerFunction::kMasterVolume || function == MixerFunction::kMasterMute;
 }
 
-// 1 for a placeholder and a control that does not answer.
+// The control's smallest step in percent; 1 for a placeholder or a control that does not answer.
 std::int32_t StepOf(const MixerElement* element) {
     try {
         return element == nullptr ? 1 : StepPercent(element->Range());

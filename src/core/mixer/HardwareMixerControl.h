@@ -12,10 +12,10 @@
 namespace sonavex {
 
 // The older mixer control over any hardware. It offers one destination with the controls that the device
-// has. Master volume and master mute are always the last controls: where the device lacks one, a
-// placeholder that never answers takes its position, so that a search for the last volume or mute finds
-// the master's or nothing. Devices are listed by decreasing length of their names, because a search by
-// the beginning of a name takes the first match.
+// has. Master volume and master mute are always the last controls. Where the device lacks one, a placeholder
+// that never answers takes its position, so a search for the last volume or mute finds the master's or none.
+// Devices are listed by decreasing length of their names, because a search by the beginning of a name takes
+// the first match.
 class HardwareMixerControl : public MixerControl {
 public:
     // The hardware must outlive this object.

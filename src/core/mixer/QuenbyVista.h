@@ -59,7 +59,8 @@ public:
     void SetMidRange(double gainDb, std::int32_t& status);
     double GetTreble(std::int32_t& status);
     void SetTreble(double gainDb, std::int32_t& status);
-    // Limits of the three gains, those of the first tone control that exists; both 0 without one.
+    // Limits of all three gains: those of the first tone control that the device has, or 0 and 0 if it has
+    // none.
     void GetEQRange(double& minimumDb, double& maximumDb, std::int32_t& status);
 
     std::int32_t GetMicRecordVolume(std::int32_t& status);

@@ -153,7 +153,7 @@ void SoundCardMixers::Restore() {
     if (newerGeneration_) Library.CloseSoundCard(status);
 }
 
-// Shows levels, or controls, that have changed in the open dialogs.
+// Updates the open dialogs after a change of levels or controls.
 void SoundCardMixers::Refresh() {
     if (Sound.Loaded()) Sound.RefreshSoundControls();
     if (SoundVista.Loaded()) SoundVista.RefreshVistaSoundControls();

@@ -73,7 +73,7 @@ bool Converts(std::string_view field, Number) {
     }
 }
 
-// The fields of a complete line; none of any other line.
+// The fields of a complete line. Any other line has none.
 std::vector<std::string_view> FieldsOf(std::string_view line) {
     if (static_cast<std::size_t>(std::count(line.begin(), line.end(), ',')) != kFields) return {};
     std::vector<std::string_view> all;

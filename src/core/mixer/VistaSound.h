@@ -30,7 +30,7 @@ namespace VistaSound {
 // record volume.
 std::string GetVistaMixerState(QuenbyVista& library);
 
-// The state to save. A control that the card lacks keeps its field of savedBefore; a default never looks like
+// The state to save. A control that the card lacks keeps its field of savedBefore, because its default is not
 // a setting of the user.
 std::string StateToSave(QuenbyVista& library, std::string_view savedBefore);
 

@@ -45,8 +45,8 @@ public:
 
     // Writes the system's report about its sound devices to a file on the desktop.
     void cmdDirectX_Click();
-    // Clears the stored devices if the engine is not running, so that the user can select others; stores the
-    // devices in use if it is. Closes the dialog.
+    // If the engine runs, stores the devices in use. Otherwise clears the stored devices, so that the user
+    // can select others. Closes the dialog.
     void cmdNewSoundCard_Click();
     // Ends the program at once: throws EndProgram.
     void Command1_Click();

@@ -172,7 +172,7 @@ void frmMain::ShowStreamState() {
     if (Instrument.Watch.Stopped()) Instrument.Meter.StreamDisturbed();
 }
 
-// Opens the first tab if the stored one cannot be selected for any reason.
+// Opens the first tab if the stored one cannot be selected.
 void frmMain::SelectLastTab() {
     try {
         LastTabIndex = Instrument.Settings.Integer(keys::kLastTab);

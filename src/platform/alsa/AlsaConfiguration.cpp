@@ -8,7 +8,8 @@
 namespace sonavex {
 namespace {
 
-// Definitions may refer to each other in circles. libasound itself follows no deeper chain.
+// Longest chain of definitions that libasound follows. The limit is needed because definitions may refer to
+// each other in circles.
 constexpr int kDeepestDefinition = 16;
 
 // Types of PCM that do not give exclusive access to a card.

@@ -9,7 +9,7 @@
 
 namespace sonavex {
 
-// Begins the identifiers of ALSA devices, before the name of the PCM.
+// Prefix of the identifiers of ALSA devices. The name of the PCM follows.
 inline constexpr const char* kAlsaPrefix = "alsa:";
 
 struct AlsaDevice {

@@ -104,7 +104,7 @@ AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling, const AlsaFormat& format)
     Require(snd_pcm_hw_params_any(pcm, parameters.get()));
     Require(snd_pcm_hw_params_set_rate_resample(pcm, parameters.get(),
                                                 resampling == Resampling::kAllowed ? 1 : 0));
-    // Each test includes the earlier choices, because a card may have this rate in mono only.
+    // Each test is made with the earlier properties set, because a card may have this rate in mono only.
     Lacks lacks;
     lacks.channels = snd_pcm_hw_params_test_channels(pcm, parameters.get(), kChannels) < 0;
     if (!lacks.channels) Require(snd_pcm_hw_params_set_channels(pcm, parameters.get(), kChannels));

@@ -13,7 +13,7 @@ namespace sonavex {
 // in later appears in the next enumeration.
 class AlsaSoundSystem : public RingSoundSystem {
 public:
-    // Begins every identifier except that of the primary device; the name of the PCM follows.
+    // Prefix of every identifier except that of the primary device. The name of the PCM follows.
     static const std::string kIdentifierPrefix;
 
     // The loop must outlive this object. From then on libasound prints nothing in this process.

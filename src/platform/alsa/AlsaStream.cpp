@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kLongestWaitMs = 100;
-// One pass of the thread counts for at most this time: a longer one means that this program was stopped.
+// A longer pass of the thread counts as this long, because it means that this program was stopped.
 constexpr auto kLongestPass = 2 * std::chrono::milliseconds(kLongestWaitMs);
 // A device that moves nothing for this time is lost. Every period is shorter.
 constexpr auto kLongestStall = 2s;
@@ -136,7 +136,7 @@ bool AlsaStream::Restart() noexcept {
     if (TooManyRestarts()) return Lose(Loss::kFailing);
     int error = snd_pcm_prepare(pcm_.Handle());
     if (error == 0) error = mover_->Start();
-    // -EPIPE: the next overrun came already. The next Move returns it.
+    // -EPIPE: another overrun has already occurred. The next Move returns it.
     if (error >= 0 || error == -EPIPE) return true;
     return Lose(error == -ENODEV || error == -ENXIO ? Loss::kRemoved : Loss::kFailing);
 }

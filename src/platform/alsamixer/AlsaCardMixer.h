@@ -28,9 +28,9 @@ public:
     // Processes changes made by others. RuntimeError once the card is gone.
     void Update();
 
-    // Gain at the two ends of a control's raw range, in hundredths of a decibel, from the card's plain
-    // control of that name: simple elements do not report it for all kinds. False when the card does not
-    // report it either.
+    // Gain at the two ends of a control's raw range, in hundredths of a decibel. It is read from the card's
+    // plain control of that name, because simple elements do not report the gain of every kind of control.
+    // False when the card does not report it either.
     bool Decibels(const std::string& control, long minimum, long maximum, long& minimumDb, long& maximumDb);
 
     // Whether there was a change since the last call, found by Update or noted by NoteChange.

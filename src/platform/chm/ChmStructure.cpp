@@ -54,7 +54,7 @@ std::uint32_t Checksum(std::string_view bytes) {
     return ~sum;
 }
 
-// The bytes of a file. Reads little-endian numbers; a position outside the file refuses the file.
+// The bytes of a file. Reads little-endian numbers. A read outside the file throws HelpFileError.
 class Bytes {
 public:
     explicit Bytes(std::string_view bytes) noexcept : bytes_(bytes) {}

@@ -8,10 +8,10 @@
 
 namespace sonavex {
 
-// Combines two mixers of the same devices: a sound server (front) and the cards behind it (back). A
-// control that the front has is used there, so that the server keeps the levels that it manages; the back
-// adds the rest. When the front has a record level, both record levels are the front's. The devices are
-// those of both, the front's first.
+// Combines two mixers of the same devices: a sound server (front) and the cards behind it (back). A control
+// that the front has is used at the front, so that the server manages its own levels. The back adds the
+// controls that the front lacks. When the front has a record level, both record levels are the front's. The
+// devices are those of both, the front's first.
 class LayeredMixer : public MixerHardware {
 public:
     LayeredMixer(std::unique_ptr<MixerHardware> front, std::unique_ptr<MixerHardware> back)

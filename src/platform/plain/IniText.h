@@ -12,8 +12,8 @@ using IniSections = std::map<std::string, std::map<std::string, std::string, std
 
 struct IniReading {
     IniSections sections;
-    // True when the text is not entirely settings text. The valid lines are used all the same, except when
-    // the text holds control characters: then no line is used.
+    // True when the text holds anything but settings. Its valid lines are still used, unless it holds control
+    // characters: then no line is used.
     bool damaged = false;
 };
 

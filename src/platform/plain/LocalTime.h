@@ -6,7 +6,7 @@ namespace sonavex {
 
 // The present time in the user's time zone.
 DateTime LocalDateTime();
-// Its date.
+// The present date in the user's time zone.
 CalendarDate Today();
 
 }  // namespace sonavex

@@ -53,7 +53,8 @@ void ReplacedFile::Open() {
         descriptor_ = open(file_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
         return;
     }
-    // A rename would need only the rights of the folder. Respect those of the file.
+    // A file that the user may not write is not replaced. The rename alone would need only the permissions of
+    // the folder.
     if (exists && access(file_.c_str(), W_OK) != 0) return;
     const std::filesystem::path folder = file_.parent_path();
     if (!OpenUnnamed(folder.empty() ? "." : folder) && !OpenNamed()) return;

@@ -65,7 +65,7 @@ void SignalQueue::Collect() noexcept {
     }
 }
 
-// The oldest collected signal; null when there is none or its ticket is larger.
+// The oldest collected signal; null when there is none or its ticket is larger than `ticket`.
 std::shared_ptr<SignalQueue::Entry> SignalQueue::PopUpTo(std::uint64_t ticket) noexcept {
     if (oldest_ == nullptr || oldest_->ticket > ticket) return nullptr;
     std::shared_ptr<Entry> entry = std::move(oldest_->self);

@@ -6,8 +6,8 @@
 
 namespace sonavex {
 
-// Lets only one process run at a time, by a lock on a file. The system releases the lock however the
-// process ends, at the latest with this object.
+// Lets only one process run at a time, by a lock on a file. The destructor releases the lock; the system does
+// so when the process ends in any other way.
 class SingleInstance {
 public:
     // Lock files, best first. A missing folder is created. The next file is used where one cannot be opened

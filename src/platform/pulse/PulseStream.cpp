@@ -133,7 +133,7 @@ void PulseStream::FollowPath(PulseDirection direction, const PulseDeadline& dead
     try {
         path_->Await(deadline);
     } catch (const RuntimeError&) {
-        // The stream runs without an answer. AskForPath tries again.
+        // The stream runs although its path is not known yet. AskForPath requests it again.
     }
 }
 

@@ -38,7 +38,7 @@ public:
 private:
     static constexpr std::int64_t kUnknown = std::numeric_limits<std::int64_t>::min();
 
-    // Whole seconds are converted apart, because a day's frames times a second in nanoseconds overflow.
+    // Converts whole seconds and the rest separately, because the frames of a day times 1e9 would overflow.
     std::int64_t Nanoseconds(std::int64_t frames) const noexcept {
         return frames / rateHz_ * kSecondNs + frames % rateHz_ * kSecondNs / rateHz_;
     }

@@ -15,7 +15,8 @@ public:
           })) {}
 
     bool Raise() noexcept override { return signal_->Raise(); }
-    // For a destroyed event. A ring may hold and raise its signal for longer.
+    // Call when the event is destroyed. A ring may hold its signal and raise it later; the handler is then
+    // not called.
     void Disable() noexcept { state_->enabled = false; }
 
 private:

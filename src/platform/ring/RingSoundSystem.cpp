@@ -9,7 +9,7 @@ public:
 
     RingPlaybackDevice(Create create, PlaybackCapabilities capabilities)
         : create_(std::move(create)), capabilities_(capabilities) {}
-    // Servers serve all programs alike, and an opened card has only one user.
+    // Has no effect: servers treat all programs alike, and an opened card has only one user.
     void SetCooperativeLevel(std::int32_t) override {}
     PlaybackCapabilities GetCapabilities() override { return capabilities_; }
     std::unique_ptr<PlaybackBuffer> CreateBuffer(const BufferDescription& description) override {
