@@ -1,9 +1,8 @@
-// A user who types anything, presses every button and moves every slider while sound runs. Each action is one
-// byte, followed by its arguments.
-
-#include <array>
+// A random user who types anything, presses every button, moves every slider and opens dialogs while sound
+// runs. The input supplies the user's decisions.
 
 #include "fuzz/FuzzRig.h"
+#include "support/RandomUser.h"
 
 namespace sonavex {
 namespace {
@@ -13,114 +12,55 @@ using fuzz::Input;
 using fuzz::Require;
 
 constexpr int kMostActions = 60;
-constexpr std::uint8_t kMostBlocks = 20;
+constexpr std::int32_t kMostBlocks = 20;
+
+// Takes one or two bytes for each number, and a line for each text.
+class InputRandomness : public Randomness {
+public:
+    explicit InputRandomness(Input& input) noexcept : input_(input) {}
+    std::int32_t Pick(std::int32_t count) override {
+        return (count <= 256 ? input_.Byte() : input_.Word()) % count;
+    }
+    // A keyboard produces valid characters only, and a box takes one line.
+    std::string Text(std::int32_t /*highest*/) override { return fuzz::AsUtf8(input_.Line()); }
+
+private:
+    Input& input_;
+};
 
 // Performs the user's actions.
 class User {
 public:
-    User(FuzzRig& instrument, Input& input) : instrument_(instrument), input_(input) {
+    User(FuzzRig& instrument, Input& input) : instrument_(instrument), random_(input) {
         instrument_.print.ShowPrintDialog = [this](frmPrint& dialog) { FillPrintDialog(dialog); };
         instrument_.InDeviceDialog = [this](frmDevices& dialog) { FillDeviceDialog(dialog); };
     }
 
     void Act() {
-        switch (input_.Byte() % 16U) {
+        frmMain& form = instrument_.form;
+        const auto run = [this](const std::function<void()>& event) { instrument_.Act(event); };
+        switch (random_.Pick(16)) {
             case 0:
+                return run([&] { form.mnuSelectCard_Click(); });
             case 1:
+                form.mnuPrint.SetEnabled(true);
+                return run([&] { form.mnuPrint.UserChooses(); });
             case 2:
-                return TypeIntoABox();
+                return run([&] { form.mnuSoundCard_Click(); });
             case 3:
-                return LeaveABox();
             case 4:
-            case 5:
-                return PressAButton();
-            case 6:
-                return MoveASlider();
-            case 7:
-                return ClickABox();
-            case 8:
-                return ChooseAWave();
-            case 9:
-            case 10:
-                return SelectATone();
-            case 11:
-                return instrument_.Act([this] { instrument_.form.mnuSelectCard_Click(); });
-            case 12:
-                return instrument_.Act([this] {
-                    instrument_.form.mnuPrint.SetEnabled(true);
-                    instrument_.form.mnuPrint.UserChooses();
-                });
-            case 13:
-                return instrument_.Act([this] { instrument_.form.mnuSoundCard_Click(); });
+                return instrument_.Step(1 + random_.Pick(kMostBlocks));
             default:
-                return instrument_.Step(1 + input_.Byte() % kMostBlocks);
+                return Perform(NextAction(random_, form.Instrument.Shared.SampleRate), form, run);
         }
     }
 
 private:
-    // A keyboard produces valid characters only, and a box takes one line.
-    std::string Text() { return fuzz::AsUtf8(input_.Line()); }
-
-    TextBox& Box() {
-        SignalControls& signal = instrument_.form.GeneratorPanel.Controls;
-        const std::array<TextBox*, 4> boxes{&signal.txtGenFreq, &signal.txtGenEndFreq, &signal.txtSweepTime,
-                                            &instrument_.form.Instrument.Meter.Controls.txtFreq};
-        return *boxes.at(input_.Byte() % boxes.size());
-    }
-    // A disabled box takes no input.
-    void TypeIntoABox() {
-        TextBox& box = Box();
-        const std::string text = Text();
-        if (box.Enabled()) instrument_.Act([&] { box.UserTypes(text); });
-    }
-    void LeaveABox() {
-        TextBox& box = Box();
-        if (box.Enabled()) instrument_.Act([&] { box.UserLeaves(); });
-    }
-    void PressAButton() {
-        frmMain& form = instrument_.form;
-        const std::array<CommandButton*, 5> buttons{
-            &form.GeneratorPanel.Controls.Command1, &form.GeneratorPanel.MemoryControls.cmdGenAdd,
-            &form.GeneratorPanel.MemoryControls.cmdRemove, &form.GeneratorPanel.MemoryControls.cmdStartMemory,
-            &form.Baseline.cmdBaseline};
-        CommandButton& button = *buttons.at(input_.Byte() % buttons.size());
-        instrument_.Act([&] { button.Press(); });
-    }
-    void MoveASlider() {
-        SignalControls& signal = instrument_.form.GeneratorPanel.Controls;
-        const std::array<Slider*, 4> sliders{&signal.sldStartFreq, &signal.sldEndFreq, &signal.sldSweepTime,
-                                             &signal.sldLevel};
-        Slider& slider = *sliders.at(input_.Byte() % sliders.size());
-        const std::int32_t value = input_.Word();
-        if (!slider.Enabled()) return;
-        instrument_.Act([&] { slider.UserMoves(&slider == &signal.sldLevel ? -value : value); });
-        instrument_.Act([&] { slider.UserReleases(); });
-    }
-    void ClickABox() {
-        frmMain& form = instrument_.form;
-        const std::array<CheckBox*, 4> boxes{
-            &form.Instrument.Meter.Controls.chkAuto, &form.Instrument.Meter.Controls.chkMuteOutput,
-            &form.Instrument.Meter.Controls.chkBaseline, &form.GeneratorPanel.Controls.chkLoop};
-        CheckBox& box = *boxes.at(input_.Byte() % boxes.size());
-        if (box.Enabled()) instrument_.Act([&] { box.UserSets(!box.Checked()); });
-    }
-    void ChooseAWave() {
-        ComboBox& list = instrument_.form.GeneratorPanel.Controls.cmbType;
-        const std::int32_t index = input_.Byte() % list.Count();
-        if (list.Enabled()) instrument_.Act([&] { list.UserSelects(index); });
-    }
-    void SelectATone() {
-        ListBox& list = instrument_.form.GeneratorPanel.MemoryControls.ToneList;
-        const std::uint8_t which = input_.Byte();
-        if (list.Count() == 0 || !list.Enabled()) return;
-        const std::int32_t position = (which >> 1U) % list.Count();
-        instrument_.Act([&] { list.UserSelects(position, (which & 1U) == 0); });
-    }
     void FillPrintDialog(frmPrint& dialog) {
-        dialog.cmbPrinter.UserSelects(input_.Byte() % dialog.cmbPrinter.Count());
-        dialog.txtCopies.UserTypes(Text());
-        if (dialog.txtFile.Enabled()) dialog.txtFile.UserTypes(Text());
-        instrument_.dialogs.Answer = input_.Byte() % 4U != 0;
+        dialog.cmbPrinter.UserSelects(random_.Pick(dialog.cmbPrinter.Count()));
+        dialog.txtCopies.UserTypes(random_.Text(0));
+        if (dialog.txtFile.Enabled()) dialog.txtFile.UserTypes(random_.Text(0));
+        instrument_.dialogs.Answer = random_.Pick(4) != 0;
         dialog.cmdOk.Press();
         instrument_.dialogs.Answer = true;
         if (!dialog.Choice()) return;
@@ -130,12 +70,12 @@ private:
                 "a printer or a file");
     }
     void FillDeviceDialog(frmDevices& dialog) {
-        dialog.cmbSampleRate.SetListIndex(input_.Byte() % dialog.cmbSampleRate.Count());
-        if (input_.Byte() % 4U == 0) dialog.cmdCancel.Press();
+        dialog.cmbSampleRate.SetListIndex(random_.Pick(dialog.cmbSampleRate.Count()));
+        if (random_.Pick(4) == 0) dialog.cmdCancel.Press();
     }
 
     FuzzRig& instrument_;
-    Input& input_;
+    InputRandomness random_;
 };
 
 }  // namespace

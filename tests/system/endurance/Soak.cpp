@@ -44,16 +44,16 @@ DeviceUnderTestModel KnownDevice() {
     return model;
 }
 
-DeviceUnderTestModel AnyDevice(RandomUser& user) {
+DeviceUnderTestModel AnyDevice(SeededRandomness& random) {
     DeviceUnderTestModel model;
-    if (user.Chance(0.5)) model.gain = user.Between(0.0, 4.0);
-    if (user.Chance(0.2)) model.harmonicAmplitudes = {user.Between(0.0, 0.5), user.Between(0.0, 0.5)};
-    if (user.Chance(0.3)) model.clipAt = user.Between(10.0, 32000.0);
-    if (user.Chance(0.2)) model.dcOffset = user.Between(-20000.0, 20000.0);
-    if (user.Chance(0.05)) model.noiseRms = user.Between(0.0, 3000.0);
-    if (user.Chance(0.2)) model.delayFrames = static_cast<std::uint32_t>(user.Pick(20000));
+    if (random.Chance(0.5)) model.gain = random.Between(0.0, 4.0);
+    if (random.Chance(0.2)) model.harmonicAmplitudes = {random.Between(0.0, 0.5), random.Between(0.0, 0.5)};
+    if (random.Chance(0.3)) model.clipAt = random.Between(10.0, 32000.0);
+    if (random.Chance(0.2)) model.dcOffset = random.Between(-20000.0, 20000.0);
+    if (random.Chance(0.05)) model.noiseRms = random.Between(0.0, 3000.0);
+    if (random.Chance(0.2)) model.delayFrames = static_cast<std::uint32_t>(random.Pick(20000));
     // Rare, because interpolation takes several times as long as everything else.
-    if (user.Chance(0.01)) model.clockOffsetPpm = user.Between(-500.0, 500.0);
+    if (random.Chance(0.01)) model.clockOffsetPpm = random.Between(-500.0, 500.0);
     return model;
 }
 
@@ -69,7 +69,7 @@ const char* Soak::Name(Event event) {
 }
 
 Soak::Soak(std::uint64_t seed, double blocksPerEvent)
-    : seed_(seed), eventProbability_(1.0 / blocksPerEvent), user_(seed) {
+    : seed_(seed), eventProbability_(1.0 / blocksPerEvent), random_(seed) {
     StartUntilItRuns();
 }
 
@@ -93,7 +93,7 @@ void Soak::Run(std::uint64_t blocks, std::uint64_t checkEvery) {
     std::uint64_t nextCheck = report_.blocks + checkEvery;
     while (report_.blocks < end) {
         Step();
-        if (user_.Chance(eventProbability_)) HappenSomething();
+        if (random_.Chance(eventProbability_)) HappenSomething();
         if (report_.blocks < nextCheck) continue;
         CheckReadings();
         if (OnCheck) OnCheck();
@@ -138,8 +138,8 @@ void Soak::HappenSomething() {
         Event::kRateChange,  Event::kProgramRestart, Event::kUnplugged,
         Event::kStandstill,  Event::kHeldUp,         Event::kFailedOperation,
         Event::kOtherDevice, Event::kStoredValue,    Event::kRateChange};
-    const bool rare = user_.Chance(0.3);
-    Happen(rare ? kRare[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kRare.size())))]
+    const bool rare = random_.Chance(0.3);
+    Happen(rare ? kRare[static_cast<std::size_t>(random_.Pick(static_cast<std::int32_t>(kRare.size())))]
                 : Event::kUserAction);
     CheckState();
 }
@@ -150,11 +150,11 @@ void Soak::Happen(Event event) {
     if (!bench_->Running()) return;
     ++report_.events[static_cast<std::size_t>(event)];
     if (event == Event::kUserAction) {
-        const UserAction action = user_.Next(bench_->Form().Instrument.Shared.SampleRate);
+        const UserAction action = NextAction(random_, bench_->Form().Instrument.Shared.SampleRate);
         happenedLast_ = Describe(action);
-        bench_->Act([&] { Perform(action, bench_->Form()); });
+        Perform(action, bench_->Form(), [this](const auto& step) { bench_->Act(step); });
     } else if (event == Event::kRateChange) {
-        bench_->SelectRate(user_.Pick(static_cast<std::int32_t>(SampleRateTable.size())));
+        bench_->SelectRate(random_.Pick(static_cast<std::int32_t>(SampleRateTable.size())));
     } else if (event == Event::kProgramRestart) {
         RestartProgram();
     } else if (event == Event::kStoredValue) {
@@ -176,7 +176,7 @@ void Soak::RestartProgram() {
 void Soak::ReachForTheCard(Event event) {
     FailingCard& card = bench_->Card();
     const auto blocks =
-        static_cast<std::int64_t>(user_.Between(0.1, 15.0) /
+        static_cast<std::int64_t>(random_.Between(0.1, 15.0) /
                                   std::chrono::duration<double>(bench_->BlockTime()).count()) +
         1;
     if (event == Event::kUnplugged) {
@@ -186,12 +186,12 @@ void Soak::ReachForTheCard(Event event) {
         card.Card().SetStalled(true);
         blocksUntilMoving_ = blocks;
     } else if (event == Event::kFailedOperation) {
-        card.FailNext(static_cast<FailingCard::Operation>(user_.Pick(5)),
+        card.FailNext(static_cast<FailingCard::Operation>(random_.Pick(5)),
                       {sound_error::kNoDriver, "The device is in use."});
     } else if (event == Event::kOtherDevice) {
-        card.Card().SetDeviceUnderTest(AnyDevice(user_));
+        card.Card().SetDeviceUnderTest(AnyDevice(random_));
     } else {
-        bench_->HoldUp(1 + user_.Pick(40));
+        bench_->HoldUp(1 + random_.Pick(40));
     }
 }
 
@@ -206,10 +206,10 @@ void Soak::StoreOddValue() {
     static constexpr std::array<const char*, 10> kValues{"",      "0",     "1",    "-1",  "7",
                                                          "99999", "1e300", "True", "1,5", "x"};
     const SettingsKey& key =
-        *kKeys[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kKeys.size())))];
+        *kKeys[static_cast<std::size_t>(random_.Pick(static_cast<std::int32_t>(kKeys.size())))];
     bench_->Store().Save(
         key.section, key.key,
-        kValues[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kValues.size())))]);
+        kValues[static_cast<std::size_t>(random_.Pick(static_cast<std::int32_t>(kValues.size())))]);
 }
 
 void Soak::CheckState() {
@@ -273,7 +273,7 @@ void Soak::CheckCounts() {
 
 void Soak::CheckReadings() {
     const Tuning& tuning =
-        kTunings[static_cast<std::size_t>(user_.Pick(static_cast<std::int32_t>(kTunings.size())))];
+        kTunings[static_cast<std::size_t>(random_.Pick(static_cast<std::int32_t>(kTunings.size())))];
     happenedLast_ += ", then order at " +
                      std::to_string(SampleRateTable[static_cast<std::size_t>(tuning.rateIndex)]) + " Hz";
     PutInOrder(tuning.rateIndex, tuning.frequencyHz);

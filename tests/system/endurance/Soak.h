@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "support/RandomUser.h"
 #include "system/endurance/BenchTop.h"
-#include "system/endurance/RandomUser.h"
 
 namespace sonavex {
 
@@ -88,7 +88,7 @@ private:
     const std::uint64_t seed_;
     const double eventProbability_;
     bool restarts_ = true;
-    RandomUser user_;
+    SeededRandomness random_;
     std::unique_ptr<BenchTop> bench_ = std::make_unique<BenchTop>();
     Report report_;
     std::int64_t blocksUntilPlugged_ = 0;  // 0: plugged

@@ -1,111 +1,43 @@
-#include <algorithm>
 #include <cmath>
-#include <functional>
-#include <random>
 
+#include "support/PanelModel.h"
 #include "support/PanelRig.h"
 
 namespace sonavex {
 namespace {
 
-// Long random sequences of user actions, reproducible by seed.
+// Long random sequences of user actions, reproducible by seed. After every action the panel is compared with
+// the model.
 class PanelSequence : public PanelRig, public testing::WithParamInterface<std::uint32_t> {
 protected:
     PanelSequence() { Init(); }
 
-    std::int32_t Any(std::int32_t low, std::int32_t high) {
-        return std::uniform_int_distribution<std::int32_t>(low, high)(random_);
-    }
-    void MoveAny(Slider& slider) {
-        if (!slider.Enabled()) return;
-        slider.UserMoves(Any(0, 3) == 0 ? slider.Min() : Any(slider.Min() - 10, slider.Max() + 10));
-        if (Any(0, 1) == 0) slider.UserReleases();
-    }
-    void TypeAny(TextBox& box) {
-        static const std::vector<std::string> texts{"",      "abc", "0",     "-5",   "19.99", "20",  "440",
-                                                    "1e300", "1e4", "22050", "1e-9", "10000", "2.5", "1000"};
-        if (!box.Enabled()) return;
-        const std::string& text = texts[static_cast<std::size_t>(Any(0, static_cast<int>(texts.size()) - 1))];
-        if (Any(0, 9) == 0)
-            box.SetText(text);
-        else
-            box.UserTypes(text);
-        if (Any(0, 1) == 0) box.UserLeaves();
-    }
-    void SelectAny() {
-        if (memory.ToneList.Count() > 0) Select(Any(0, memory.ToneList.Count() - 1), Any(0, 2) > 0);
-    }
     void Act() {
-        const std::function<void()> actions[] = {
-            [this] { MoveAny(signal.sldStartFreq); },
-            [this] { MoveAny(signal.sldEndFreq); },
-            [this] { MoveAny(signal.sldSweepTime); },
-            [this] { MoveAny(signal.sldLevel); },
-            [this] { TypeAny(signal.txtGenFreq); },
-            [this] { TypeAny(signal.txtGenEndFreq); },
-            [this] { TypeAny(signal.txtSweepTime); },
-            [this] {
-                if (signal.cmbType.Enabled()) signal.cmbType.UserSelects(Any(0, 3));
-            },
-            [this] {
-                if (signal.chkLoop.Enabled()) signal.chkLoop.UserSets(Any(0, 1) == 1);
-            },
-            [this] { signal.Command1.Press(); },
-            [this] { memory.cmdGenAdd.Press(); },
-            [this] { memory.cmdGenAdd.Press(); },
-            [this] {
-                if (Any(0, 2) == 0) memory.cmdRemove.Press();
-            },
-            [this] { memory.cmdStartMemory.Press(); },
-            [this] { SelectAny(); },
-            [this] { SelectAny(); },
-            [this] { loop.Advance(std::chrono::milliseconds(Any(0, 50))); },
-            [this] { bench.Fill(); },
-            [this] { panel.StopPlaying(); },
-            [this] { ChangeRate(); },
-        };
-        actions[static_cast<std::size_t>(Any(0, static_cast<int>(std::size(actions)) - 1))]();
-    }
-    // As a change of rate does: stops, sets new limits, shows clamped values.
-    void ChangeRate() {
-        panel.StopPlaying();
-        bench.shared.SampleRate = Any(0, 1) == 0 ? 8000 : 44100;
-        signal.sldStartFreq.SetMax(bench.shared.SampleRate / 2);
-        signal.sldEndFreq.SetMax(bench.shared.SampleRate / 2);
-        panel.FollowLimits();
+        switch (random_.Pick(16)) {
+            case 0:
+                return Wait(std::chrono::milliseconds(random_.Pick(50)));
+            case 1:
+                bench.Fill();
+                return model_.FillBlock();
+            case 2:
+                panel.StopPlaying();
+                return model_.StopPlaying();
+            case 3:
+                return ChangeRate(random_.Pick(2) == 0 ? 8000 : 44100);
+            case 4:
+                return SetText(random_.Text(22050));
+            default:
+                return Use(NextAction(random_, bench.shared.SampleRate, UserAction::kPanelKinds));
+        }
     }
 
-    bool CurrentPlays() const { return signal.Command1.Caption() == "Stop Current"; }
-    bool MemoryPlays() const { return memory.cmdStartMemory.Caption() == "Stop Memory"; }
-
-    void CheckPlaying() {
-        const bool playing = CurrentPlays() || MemoryPlays();
-        EXPECT_FALSE(CurrentPlays() && MemoryPlays());
-        EXPECT_EQ(generator.SweepRunning, playing);
-        EXPECT_EQ(generator.GeneratorRunning, playing);
-        EXPECT_EQ(Shown(kGeneratorPlaying), playing);
-        EXPECT_EQ(Shown(kGeneratorStopped), !playing);
-        EXPECT_EQ(memory.ToneList.Locked(), playing);
-        EXPECT_EQ(signal.Command1.Enabled(), !MemoryPlays());
-        EXPECT_EQ(signal.sldStartFreq.Enabled(), !MemoryPlays());
-        EXPECT_TRUE(signal.sldLevel.Enabled());
-        EXPECT_EQ(memory.cmdGenAdd.Enabled(), !playing && memory.ToneList.Count() < 8);
-        CheckClock(playing);
-    }
-    // The clock runs exactly when a playing tone sweeps.
-    void CheckClock(bool playing) {
-        const auto* last = generator.Tones.begin() + generator.NumTones;
-        const bool sweeps =
-            std::any_of(generator.Tones.cbegin(), last, [](const ToneRecord& tone) { return tone.Sweep; });
-        EXPECT_EQ(timer.Enabled(), playing && sweeps);
+    void CheckPanel() {
+        ExpectAsModelled(panel, generator, timer.Enabled(), model_);
         EXPECT_LE(loop.Timers(), 1U);
-    }
-    void CheckTable() {
-        EXPECT_GE(generator.NumTones, 0);
         EXPECT_LE(generator.NumTones, 9);
         EXPECT_LE(memory.ToneList.Count(), 8);
-        if (written_ || memory.ToneList.Count() > 0) {
-            written_ = true;
+        if (memory.ToneList.Count() > 0) listed_ = true;
+        if (listed_) {
             EXPECT_EQ(Stored("NumberOfTones"), std::to_string(memory.ToneList.Count()));
         }
         for (const ToneRecord& tone : generator.Tones) {
@@ -116,8 +48,39 @@ protected:
         EXPECT_EQ(volumes.back(), signal.sldLevel.Value());
     }
 
-    std::mt19937 random_{GetParam()};
-    bool written_ = false;
+private:
+    void Use(const UserAction& action) {
+        SCOPED_TRACE(Describe(action));
+        Perform(action, panel, [](const auto& event) { event(); });
+        model_.Apply(action);
+    }
+    void Wait(std::chrono::milliseconds time) {
+        loop.Advance(time);
+        model_.Pass(time);
+    }
+    // As a change of rate does: stops, sets new limits, shows clamped values.
+    void ChangeRate(std::int32_t rateHz) {
+        panel.StopPlaying();
+        bench.shared.SampleRate = rateHz;
+        signal.sldStartFreq.SetMax(rateHz / 2);
+        signal.sldEndFreq.SetMax(rateHz / 2);
+        panel.FollowLimits();
+        model_.StopPlaying();
+        model_.FollowRate(rateHz);
+    }
+    // A text that no user typed.
+    void SetText(const std::string& text) {
+        const std::pair<TextBox*, std::string*> boxes[] = {{&signal.txtGenFreq, &model_.startText},
+                                                           {&signal.txtGenEndFreq, &model_.endText},
+                                                           {&signal.txtSweepTime, &model_.sweepText}};
+        const auto& [box, modelled] = boxes[static_cast<std::size_t>(random_.Pick(3))];
+        box->SetText(text);
+        *modelled = text;
+    }
+
+    SeededRandomness random_{GetParam()};
+    PanelModel model_{bench.shared.SampleRate};
+    bool listed_ = false;
 };
 
 TEST_P(PanelSequence, KeepsThePanelConsistent) {
@@ -126,8 +89,7 @@ TEST_P(PanelSequence, KeepsThePanelConsistent) {
     for (int step = 0; step < 4000 && !HasFailure(); ++step) {
         const bool playedBefore = generator.SweepRunning;
         ASSERT_NO_THROW(Act()) << "step " << step;
-        CheckPlaying();
-        CheckTable();
+        CheckPanel();
         if (generator.SweepRunning && !playedBefore) ++starts;
         EXPECT_FALSE(HasFailure()) << "step " << step;
         log.Clear();
