@@ -39,12 +39,15 @@ public:
         const LoopComparison comparison = Comparison();
         return comparison.comparedFrames >= 16384 && comparison.differentFrames == 0 && Missing() == 0;
     }
+    // Whether the server counted a disturbance by a busy machine.
+    bool Disturbed() const { return duplex_.playback->Underruns() > 0 || Missing() > 0; }
     std::string Difference() const {
         const LoopComparison comparison = Comparison();
         return std::to_string(rateHz_) + " Hz: " + std::to_string(comparison.differentFrames) +
                " frames of " + std::to_string(comparison.comparedFrames) + " differ, " +
                std::to_string(Missing()) + " are missing, played with " +
-               std::to_string(duplex_.playback->Underruns()) + " underruns";
+               std::to_string(duplex_.playback->Underruns()) + " underruns, read with " +
+               std::to_string(duplex_.capture->Statistics().segmentsLost) + " segments lost";
     }
 
 private:

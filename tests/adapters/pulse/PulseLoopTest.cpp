@@ -9,22 +9,39 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// All rates at the same time, because the lowest takes six seconds.
-void ExpectBitExactLoops(const std::string& address,
-                         const std::vector<std::pair<std::string, std::int32_t>>& sinksAndRates) {
-    PlainEventLoop loop;
+struct Loop {
+    std::string sink;
+    std::int32_t rateHz;
+};
+
+// All loops at the same time, because the lowest rate takes six seconds. Returns those that differ after a
+// counted disturbance; any other difference is a failure.
+std::vector<Loop> DisturbedLoops(const std::string& address, const std::vector<Loop>& loops) {
+    PlainEventLoop events;
     std::vector<std::unique_ptr<Passage>> passages;
-    for (const auto& [sink, rateHz] : sinksAndRates)
-        passages.push_back(std::make_unique<Passage>(loop, address, sink, rateHz));
-    const auto end = loop.Now() + 10s;
-    while (!passages.empty()) {
-        const auto complete = [](const auto& passage) { return passage->Complete(); };
-        ASSERT_TRUE(loop.RunUntil([&] { return std::any_of(passages.begin(), passages.end(), complete); },
-                                  end - loop.Now()));
-        for (const auto& passage : passages)
-            EXPECT_TRUE(!complete(passage) || passage->Exact()) << passage->Difference();
-        std::erase_if(passages, complete);
+    for (const auto& [sink, rateHz] : loops)
+        passages.push_back(std::make_unique<Passage>(events, address, sink, rateHz));
+    std::vector<Loop> disturbed;
+    const auto end = events.Now() + 10s;
+    for (std::size_t complete = 0; complete < loops.size(); ++complete) {
+        const auto done = [](const auto& passage) { return passage && passage->Complete(); };
+        const auto any = [&] { return std::any_of(passages.begin(), passages.end(), done); };
+        EXPECT_TRUE(events.RunUntil(any, end - events.Now()));
+        const auto passage = std::find_if(passages.begin(), passages.end(), done);
+        if (passage == passages.end()) break;
+        if (!(*passage)->Exact() && (*passage)->Disturbed())
+            disturbed.push_back(loops[static_cast<std::size_t>(passage - passages.begin())]);
+        else
+            EXPECT_TRUE((*passage)->Exact()) << (*passage)->Difference();
+        passage->reset();
     }
+    return disturbed;
+}
+
+// A busy machine starves the server, which then counts an underrun. That excuses one repetition.
+void ExpectBitExactLoops(const std::string& address, const std::vector<Loop>& loops) {
+    for (const Loop& loop : DisturbedLoops(address, DisturbedLoops(address, loops)))
+        ADD_FAILURE() << loop.rateHz << " Hz: disturbed twice";
 }
 
 void ExpectBitExactLoop(const std::string& address) {
@@ -33,9 +50,12 @@ void ExpectBitExactLoop(const std::string& address) {
 
 TEST(PulseLoop, IsBitExactAtTheRateOfTheSink) {
     const PulseServer server(SinksOfAllRates());
-    std::vector<std::pair<std::string, std::int32_t>> sinks;
-    for (const std::int32_t rateHz : SampleRateTable) sinks.emplace_back(SinkOfRate(rateHz), rateHz);
-    ExpectBitExactLoops(server.Address(), sinks);
+    std::vector<Loop> loops;
+    for (const std::int32_t rateHz : SampleRateTable) loops.push_back({SinkOfRate(rateHz), rateHz});
+    // Nothing is read before all loops are open. At the highest rate the capture buffer lasts 0.17 s, so it
+    // is opened last.
+    std::sort(loops.begin(), loops.end(), [](const Loop& a, const Loop& b) { return a.rateHz < b.rateHz; });
+    ExpectBitExactLoops(server.Address(), loops);
 }
 
 // Sets every stream of the kind ("sink-input", "source-output") to a quarter of the volume, muted.
