@@ -26,6 +26,7 @@ if(NOT SONAVEX_CORE_ONLY)
 endif()
 if(SONAVEX_WITH_QT)
   find_package(Qt6 REQUIRED COMPONENTS Widgets)
+  pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 endif()
 
 add_library(sonavex_defaults INTERFACE)

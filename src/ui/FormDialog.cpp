@@ -2,10 +2,9 @@
 
 #include <QApplication>
 #include <QMainWindow>
-#include <optional>
 #include <utility>
 
-#include "core/support/EndProgram.h"
+#include "core/support/Ending.h"
 #include "ui/HelpWindow.h"
 
 namespace sonavex::ui {
@@ -25,20 +24,6 @@ QWidget* Owner() {
     return active != nullptr && MayOwn(*active) ? active : nullptr;
 }
 
-// Redirects requests to end the program while it exists.
-class EndTaker {
-public:
-    EndTaker(HandlerGuard& guard, std::function<void(const EndProgram&)> take)
-        : guard_(guard), before_(std::exchange(guard.OnEnd, std::move(take))) {}
-    ~EndTaker() { guard_.OnEnd = std::move(before_); }
-    EndTaker(const EndTaker&) = delete;
-    EndTaker& operator=(const EndTaker&) = delete;
-
-private:
-    HandlerGuard& guard_;
-    std::function<void(const EndProgram&)> before_;
-};
-
 }  // namespace
 
 FormDialog::FormDialog(Window& frame, HandlerGuard& guard, std::function<void()> unload)
@@ -48,22 +33,19 @@ FormDialog::FormDialog(Window& frame, HandlerGuard& guard, std::function<void()>
       guard_(guard),
       unload_(std::move(unload)),
       placement_(*this, frame) {
+    guard_.Ending().ThrowIfRequested();
     setModal(true);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 }
 
 void FormDialog::Run() {
-    std::optional<EndProgram> end;
-    {
-        const EndTaker taker(guard_, [&](const EndProgram& asked) {
-            if (!end) end = asked;
-            Close();
-        });
-        setWindowTitle(QString::fromStdString(frame_.Caption()));
-        binder_.Flush();
-        exec();
-    }
-    if (end) throw EndProgram(*end);
+    setWindowTitle(QString::fromStdString(frame_.Caption()));
+    binder_.Flush();
+    Wait(*this);
+}
+
+void FormDialog::Wait(QDialog& dialog) {
+    guard_.Ending().Wait([&] { dialog.exec(); }, [&] { dialog.done(QDialog::Rejected); });
 }
 
 void FormDialog::reject() {

@@ -16,7 +16,8 @@ class FormDialog : public QDialog {
 
 public:
     // Shows the dialog and returns when the form has closed it. A request to end the program closes it too;
-    // EndProgram is then thrown from here, so that the caller unwinds.
+    // EndProgram is then thrown from here, so that the caller unwinds. Once the end is requested no dialog
+    // opens: the constructor and this function throw EndProgram.
     void Run();
 
     const Binder& Bindings() const noexcept { return binder_; }
@@ -28,6 +29,8 @@ protected:
     // Frame and guard must outlive the dialog. unload asks the form to close.
     FormDialog(Window& frame, HandlerGuard& guard, std::function<void()> unload);
 
+    // Shows another dialog over this one, under the same rules.
+    void Wait(QDialog& dialog);
     // Call when the form has closed.
     void Close() { QDialog::done(QDialog::Accepted); }
     // Passes the size of the layout to the form. Call before Form_Load.

@@ -1,6 +1,7 @@
 #include "ui/PrintDialog.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 
 #include "ui/widgets/Theme.h"
 #include "ui_frmPrint.h"
@@ -40,9 +41,14 @@ PrintDialog::~PrintDialog() {
 
 // No overwrite question here, because the form asks it.
 std::string PrintDialog::AskForFile(const std::string& first) {
-    return QFileDialog::getSaveFileName(this, tr("PDF file"), QString::fromStdString(first),
-                                        tr("PDF files (*.pdf)"), nullptr, QFileDialog::DontConfirmOverwrite)
-        .toStdString();
+    const QFileInfo suggested(QString::fromStdString(first));
+    QFileDialog dialog(this, tr("PDF file"), suggested.path(), tr("PDF files (*.pdf)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog.selectFile(suggested.fileName());
+    Wait(dialog);
+    return dialog.result() == QDialog::Accepted ? dialog.selectedFiles().value(0).toStdString()
+                                                : std::string();
 }
 
 }  // namespace sonavex::ui

@@ -26,7 +26,8 @@ protected:
     CallLog log;
     RecordingDialogs dialogs{log};
     FakeDesktop desktop{log};
-    PrinterType printer = Make(log);
+    Ending ending;
+    PrinterType printer = Make(log, ending);
     MeasurementControls measurement;
     // User's actions in the dialog.
     std::function<void(frmPrint&)> user;
@@ -41,11 +42,11 @@ protected:
                          mnuPrint};
 
 private:
-    static PrinterType Make(CallLog& log) {
+    static PrinterType Make(CallLog& log, Ending& ending) {
         if constexpr (std::is_constructible_v<PrinterType, CallLog&>)
             return PrinterType(log);
         else
-            return PrinterType();
+            return PrinterType(ending);
     }
 };
 

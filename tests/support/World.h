@@ -83,7 +83,7 @@ public:
     frmMain::Needs On(SoundSystem& sound) { return On(sound, errorLog); }
     frmMain::Needs On(SoundSystem& sound, ErrorLog& errors) { return On(sound, errors, mixers); }
     frmMain::Needs On(SoundSystem& sound, ErrorLog& errors, MixerSession& session) {
-        return {store, sound, loop, dialogs, desktop, errors, session};
+        return {store, sound, loop, dialogs, desktop, errors, session, ending};
     }
 
     CallLog log;
@@ -95,6 +95,7 @@ public:
     Mixers mixers = Make<Mixers>(log);
     MemoryDesktopFiles files{log};
     RecordingHelp help{log};
+    Ending ending;
 
 private:
     template <class Fake>

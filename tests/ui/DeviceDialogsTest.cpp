@@ -300,6 +300,45 @@ TEST_F(DeviceDialogs, AFatalErrorOffersNoNewSoundCard) {
     EXPECT_EQ(rig.log.Count("ShowDevices"), 0U);
 }
 
+// Notes the dialogs in the order in which they close.
+class Closings : public QObject {
+public:
+    Closings() { qApp->installEventFilter(this); }
+    std::vector<std::string> Names;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Hide && qobject_cast<QDialog*>(watched) != nullptr)
+            Names.push_back(watched->objectName().toStdString());
+        return false;
+    }
+};
+
+TEST_F(DeviceDialogs, ARequestToEndClosesThemFromTheInnermostOutwards) {
+    Load();
+    FailToStart();
+    std::vector<int> statuses;
+    rig.form.OnClosed = [&](int status) { statuses.push_back(status); };
+    const Closings closings;
+    SelectFromMenu({[](QDialog& dialog) { Click(dialog, "cmdOkay"); },
+                    [&](QDialog&) {
+                        rig.form.Unload();
+                        EXPECT_EQ(rig.log.Count("SaveAndRestoreInitial"), 0U);
+                    }});
+    EXPECT_THAT(closings.Names, ElementsAre("frmError", "frmDevices"));
+    EXPECT_THAT(statuses, ElementsAre(0));
+    EXPECT_EQ(rig.log.Count("SaveAndRestoreInitial"), 1U);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST_F(DeviceDialogs, NoneOpensOnceTheEndIsRequested) {
+    Load();
+    rig.ending.Request({});
+    const DialogSteps nobody({});
+    EXPECT_TRUE(EndOf([&] { rig.forms.ShowDevices(); }).has_value());
+    EXPECT_TRUE(EndOf([&] { rig.forms.ShowError(); }).has_value());
+}
+
 TEST_F(DeviceDialogs, WithoutAListOfDevicesTheProgramEnds) {
     Load();
     std::optional<EndProgram> end;

@@ -25,7 +25,7 @@ struct MixerRig : CardWorld<> {
         sonavex::Settle();
     }
 
-    HandlerGuard guard{dialogs, errorLog};
+    HandlerGuard guard{dialogs, errorLog, ending};
     QWidget parent;
     ui::MixerDialogs windows{mixers, guard, parent};
 };

@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 
 #include "core/report/PrintCommand.h"
+#include "support/ChildProcess.h"
 #include "support/DialogUser.h"
 #include "support/FormRig.h"
 #include "support/RecordingPrinter.h"
@@ -66,6 +68,39 @@ TEST_F(PrintDialogWindow, WritesAFile) {
         Click(dialog, "cmdOk");
     });
     EXPECT_THAT(log.Of("Select"), ElementsAre("Select |/documents/Sonavex report.pdf"));
+}
+
+TEST_F(PrintDialogWindow, TakesTheFileThatIsBrowsed) {
+    printer.printers.clear();
+    const PrivateFolder folder;
+    const QString file = QString::fromStdString((folder.Path() / "loop.pdf").string());
+    const DialogSteps driver({[&](QDialog& dialog) {
+                                  auto& name = Find<QLineEdit>(dialog, "txtFile");
+                                  name.clear();
+                                  QTest::keyClicks(&name, file);
+                                  Click(dialog, "cmdBrowse");
+                                  EXPECT_EQ(name.text(), file);
+                                  Click(dialog, "cmdOk");
+                              },
+                              [&](QDialog& dialog) {
+                                  const auto& files = dynamic_cast<QFileDialog&>(dialog);
+                                  EXPECT_EQ(files.selectedFiles(), QStringList(file));
+                                  dialog.accept();
+                              }});
+    rig.form.cmdPrint.Press();
+    EXPECT_THAT(log.Of("Select"), ElementsAre("Select |" + file.toStdString()));
+}
+
+TEST_F(PrintDialogWindow, ARequestToEndClosesTheBrowserToo) {
+    printer.printers.clear();
+    int ended = 0;
+    rig.form.OnClosed = [&](int) { ++ended; };
+    const DialogSteps driver(
+        {[](QDialog& dialog) { Click(dialog, "cmdBrowse"); }, [this](QDialog&) { rig.form.Unload(); }});
+    rig.form.Guard.Run([this] { rig.form.cmdPrint.Press(); });
+    EXPECT_EQ(ended, 1);
+    EXPECT_THAT(log.Of("Select"), IsEmpty());
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 TEST_F(PrintDialogWindow, PrintsNothingHoweverItIsCancelled) {

@@ -43,10 +43,9 @@ void WriteLine(std::string line) {
 }  // namespace
 
 Program::Program()
-    : dialogs_(frmMain::kApplicationTitle),
+    : dialogs_(frmMain::kApplicationTitle, ending_),
       loop_([this](const std::exception_ptr& error) { StreamError(error); }),
-      store_(QtSettingsStore::DefaultFile(),
-             [this](const std::string& text) { dialogs_.Message(text, MessageIcon::kInformation); }),
+      store_(QtSettingsStore::DefaultFile(), [this](const std::string& text) { ReportStore(text); }),
       help_(
           dialogs_, [this] { return form_->HelpFile; }, OpenHelp) {}
 
@@ -63,15 +62,17 @@ std::optional<int> Program::Open() {
     try {
         MakeForm();
         Load();
-        if (!endStatus_) ShowWindow();
+        ShowWindow();
     } catch (const EndProgram& end) {
+        ending_.Request(end);
         CloseSplash();
         if (form_) form_->ShutDown(end);
         return end.status;
     } catch (...) {
         return GiveUp(std::current_exception());
     }
-    return endStatus_;
+    running_ = true;
+    return {};
 }
 
 void Program::MakeForm() {
@@ -82,11 +83,12 @@ void Program::MakeForm() {
     errorLog_->OnLine = WriteLine;
     mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_, JournalFile());
     form_ = std::make_unique<frmMain>(
-        frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Mixers()});
+        frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Mixers(), ending_});
     // Restores the user's levels after any request to end the program.
-    termination_ = std::make_unique<TerminationSignals>([this] { form_->Unload(); });
+    termination_ = std::make_unique<TerminationSignals>(
+        [this] { RequestEnd({.status = 0, .atOnce = false, .bySignal = true}); });
     form_->OnClosed = [this](int status) {
-        endStatus_ = status;
+        running_ = false;
         QApplication::exit(status);
     };
     ConnectDialogs();
@@ -134,10 +136,14 @@ void Program::Load() {
     splashWindow_ = std::make_unique<ui::SplashWindow>(splash_);
     splash_.OnShow = [this] { splashWindow_->Refresh(); };
     splash_.Form_Load(Version());
+    ending_.ThrowIfRequested();
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
+    blockedClose_ = std::make_unique<BlockedClose>(*window_, BlockedClose::AtomsOfTheServer(),
+                                                   [this] { RequestEnd({}); });
     mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Mixers(), form_->Guard, *window_);
     window_->ReportSize();
     form_->Form_Load();
+    ending_.ThrowIfRequested();
     CloseSplash();
 }
 
@@ -162,6 +168,24 @@ QString Program::SimulatedName() const {
     return QString::fromStdString(sound_->EnumeratePlayback().back().description);
 }
 
+// Before and after the main loop the program ends by itself.
+void Program::RequestEnd(const EndProgram& end) {
+    if (running_)
+        form_->End(end);
+    else
+        ending_.Request(end);
+}
+
+// Called by a timer of the toolkit, which no exception may pass.
+void Program::ReportStore(const std::string& text) {
+    try {
+        dialogs_.Message(text, MessageIcon::kInformation);
+    } catch (const EndProgram& end) {
+        WriteLine(text);
+        RequestEnd(end);
+    }
+}
+
 void Program::StreamError(const std::exception_ptr& error) {
     if (form_) form_->StreamError(error);
 }
@@ -169,7 +193,8 @@ void Program::StreamError(const std::exception_ptr& error) {
 void ReportLastError(const std::exception_ptr& error) {
     const RuntimeError runtimeError = HandlerGuard::AsRuntimeError(error);
     WriteLine(ErrorText(runtimeError));
-    QtDialogs(frmMain::kApplicationTitle).Message(ErrorText(runtimeError), MessageIcon::kCritical);
+    Ending ending;
+    QtDialogs(frmMain::kApplicationTitle, ending).Message(ErrorText(runtimeError), MessageIcon::kCritical);
 }
 
 }  // namespace sonavex::app

@@ -13,6 +13,8 @@
 #include "core/settings/Settings.h"
 #include "core/shell/frmMain.h"
 #include "core/shell/frmSplash.h"
+#include "core/support/Ending.h"
+#include "platform/qt/BlockedClose.h"
 #include "platform/qt/QtDesktop.h"
 #include "platform/qt/QtDesktopFiles.h"
 #include "platform/qt/QtDiagnostics.h"
@@ -61,8 +63,11 @@ private:
     int GiveUp(const std::exception_ptr& error);
     QString SimulatedName() const;
     void StreamError(const std::exception_ptr& error);
+    void ReportStore(const std::string& text);
+    void RequestEnd(const EndProgram& end);
 
     // Destroyed in reverse.
+    Ending ending_;
     QtDialogs dialogs_;
     QtEventLoop loop_;
     QtDesktop desktop_;
@@ -71,7 +76,7 @@ private:
     QtDesktopFiles desktopFiles_;
     QtDiagnostics diagnostics_;
     QtLauncher launcher_;
-    QtPrinter printer_;
+    QtPrinter printer_{ending_};
     ui::HelpViewer help_;
     frmSplash splash_{dialogs_, loop_};
     std::unique_ptr<ui::SplashWindow> splashWindow_;
@@ -83,9 +88,10 @@ private:
     std::unique_ptr<MenuCommands> menus_;
     std::unique_ptr<PrintCommand> print_;
     std::unique_ptr<ui::MainWindow> window_;
+    std::unique_ptr<BlockedClose> blockedClose_;
     std::unique_ptr<ui::MixerDialogs> mixerDialogs_;
     std::unique_ptr<TerminationSignals> termination_;
-    std::optional<int> endStatus_;
+    bool running_ = false;  // from the end of Open to the end of the shutdown
 };
 
 // Shows an error that even the start's handling did not catch, and writes it to standard error.

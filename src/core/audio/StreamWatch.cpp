@@ -108,6 +108,8 @@ void StreamWatch::Check() {
     ExcludeBlockedTime(now);
     FollowStarts();
     MarkStale(now);
+    postponed_ = Yielding && Yielding();
+    if (postponed_) return;
     // While a message or a selection of devices is open, the stream is not judged, and the limits start again
     // afterwards.
     if (!Watching()) {
@@ -127,6 +129,10 @@ void StreamWatch::ExcludeBlockedTime(Time now) {
     if (pause < kBlockedTime) return;
     lastNotification_ = std::min(lastNotification_ + pause, now);
     lastBlock_ = std::min(lastBlock_ + pause, now);
+}
+
+void StreamWatch::CatchUp() {
+    if (timer_ != 0 && postponed_) Check();
 }
 
 // Follows starts that were not made by the watch.

@@ -72,6 +72,13 @@ public:
     std::function<void()> OnRestarted;
     // Returns true while a dialog controls the engine: the watch then stops and starts nothing. May be empty.
     std::function<bool()> Held;
+    // Returns true while a tick of the sweep yields: a check then only marks, and CatchUp completes it. May
+    // be empty.
+    std::function<bool()> Yielding;
+    // Whether a check waits for CatchUp.
+    bool Postponed() const noexcept { return postponed_; }
+    // Call after a tick: completes a postponed check.
+    void CatchUp();
 
     // Time without a notification after which the stream counts as stalled: three blocks, at least 1 s.
     std::chrono::nanoseconds Patience() const;
@@ -110,6 +117,7 @@ private:
     bool stopped_ = false;
     bool stalled_ = false;
     bool reporting_ = false;
+    bool postponed_ = false;
     // The watch has restarted the engine, and no block has arrived yet.
     bool onTrial_ = false;
     std::string reason_;

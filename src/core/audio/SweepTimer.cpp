@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/support/ScopedFlag.h"
-
 namespace sonavex {
 namespace {
 
@@ -38,10 +36,18 @@ void SweepTimer::CountFromNow() {
 
 void SweepTimer::Tick() {
     if (ticking_ || !Enabled() || paused_()) return;
-    const ScopedFlag ticking(ticking_);
+    struct Ending {
+        SweepTimer& timer;
+        ~Ending() {
+            timer.ticking_ = false;
+            if (timer.AfterTick) timer.AfterTick();
+        }
+    };
+    ticking_ = true;
+    const Ending ending{*this};
     ++counted_;
     generator_.AdvanceSweep([this] {
-        loop_.Yield();
+        loop_.YieldWithoutInput();
         return Enabled() && !paused_();
     });
     if (Enabled() && !paused_()) MakeOwedSteps();

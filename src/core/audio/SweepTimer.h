@@ -28,8 +28,10 @@ public:
     void Tick();
     // Call after the engine was rebuilt: no steps are owed for the time until now.
     void ForgetOwed() { CountFromNow(); }
-    // Whether a tick is running.
+    // Whether a tick is running. Its yields deliver no user input.
     bool Ticking() const noexcept { return ticking_; }
+    // Called at the end of every tick, also of one that fails. Must not throw. May be empty.
+    std::function<void()> AfterTick;
 
 private:
     void CountFromNow();

@@ -35,6 +35,9 @@ public:
     // Delivers everything that is pending now, without waiting.
     virtual void Yield() = 0;
 
+    // Like Yield, but user input waits for the next delivery. A loop without user input need not override it.
+    virtual void YieldWithoutInput() { Yield(); }
+
     // Monotonic time.
     virtual std::chrono::nanoseconds Now() const = 0;
 };

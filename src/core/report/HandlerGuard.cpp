@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <new>
 
-#include "core/support/ScopedFlag.h"
 #include "core/text/ErrorText.h"
 
 namespace sonavex {
@@ -24,39 +23,61 @@ RuntimeError HandlerGuard::AsRuntimeError(const std::exception_ptr& error) {
 
 void HandlerGuard::Show(const RuntimeError& error) {
     log_.WriteLine(ErrorLine(error));
-    if (OnMessageOpen) OnMessageOpen(true);
-    {
-        const ScopedFlag open(open_);
-        dialogs_.Message(ErrorText(error), MessageIcon::kCritical);
+    struct Open {
+        HandlerGuard& guard;
+        explicit Open(HandlerGuard& owner) : guard(owner) { Set(true); }
+        ~Open() { Set(false); }
+        Open(const Open&) = delete;
+        Open& operator=(const Open&) = delete;
+        void Set(bool open) const {
+            guard.open_ = open;
+            if (guard.OnMessageOpen) guard.OnMessageOpen(open);
+        }
+    };
+    const Open open(*this);
+    dialogs_.Message(ErrorText(error), MessageIcon::kCritical);
+}
+
+void HandlerGuard::ShowOnce(const RuntimeError& error) {
+    const std::string text = ErrorText(error);
+    const bool shown =
+        std::find(shownStreamErrors_.begin(), shownStreamErrors_.end(), text) != shownStreamErrors_.end();
+    if (open_ || shown || ending_.Requested()) return;
+    shownStreamErrors_.push_back(text);
+    Show(error);
+}
+
+// The message about an error may itself be ended by a request.
+void HandlerGuard::Guarded(const std::function<void()>& action,
+                           void (HandlerGuard::*show)(const RuntimeError&)) {
+    try {
+        try {
+            action();
+        } catch (const EndProgram&) {
+            throw;
+        } catch (...) {
+            (this->*show)(AsRuntimeError(std::current_exception()));
+        }
+    } catch (const EndProgram& end) {
+        ending_.Request(end);
+        if (OnEnd) OnEnd(end);
     }
-    if (OnMessageOpen) OnMessageOpen(false);
 }
 
 void HandlerGuard::Run(const std::function<void()>& handler) {
-    try {
-        handler();
-    } catch (const EndProgram& end) {
-        if (OnEnd) OnEnd(end);
-    } catch (...) {
-        Show(AsRuntimeError(std::current_exception()));
-    }
+    if (!ending_.Requested()) Guarded(handler, &HandlerGuard::Show);
 }
 
 void HandlerGuard::StreamError(const std::exception_ptr& error) {
+    Guarded([&] { std::rethrow_exception(error); }, &HandlerGuard::ShowOnce);
+}
+
+void HandlerGuard::Fatal(const std::exception_ptr& error) {
     try {
-        std::rethrow_exception(error);
-    } catch (const EndProgram& end) {
-        if (OnEnd) OnEnd(end);
-        return;
-    } catch (...) {
+        Show(AsRuntimeError(error));
+    } catch (const EndProgram&) {
+        // The program is ending already.
     }
-    const RuntimeError runtimeError = AsRuntimeError(error);
-    const std::string text = ErrorText(runtimeError);
-    const bool shown =
-        std::find(shownStreamErrors_.begin(), shownStreamErrors_.end(), text) != shownStreamErrors_.end();
-    if (open_ || shown) return;
-    shownStreamErrors_.push_back(text);
-    Show(runtimeError);
 }
 
 }  // namespace sonavex

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <utility>
 
 #include "core/dsp/AnalysisBand.h"
 #include "core/ports/SoundErrors.h"
@@ -26,7 +27,7 @@ frmMain::frmMain(const Needs& needs)
     : Instrument({needs.store, needs.sound, needs.loop, needs.dialogs, needs.errorLog, needs.mixers}),
       Baseline(Instrument.Shared, Instrument.Settings, needs.dialogs, Instrument.Meter.Analysis(),
                Instrument.Meter.Controls),
-      Guard(needs.dialogs, needs.errorLog),
+      Guard(needs.dialogs, needs.errorLog, needs.ending),
       GeneratorPanel({Instrument.Shared, Instrument.Settings, needs.dialogs, Instrument.Meter.Generator,
                       [this](bool enabled) { Instrument.HiTimer1.SetEnabled(enabled); }},
                      mnuPrint, Instrument.Meter.Controls.chkMuteOutput),
@@ -52,7 +53,12 @@ frmMain::frmMain(const Needs& needs)
     Instrument.Watch.OnChanged = [this] { ShowStreamState(); };
     Instrument.Watch.OnRestarted = [this] { needs_.mixers.SetUpSoundControls(); };
     Instrument.Watch.ChooseDevices = [this] { ChooseDevices(); };
-    endLater_ = needs.loop.CreateSignal([this] { End(*end_); });
+    Instrument.Watch.Yielding = [this] { return Instrument.HiTimer1.Ticking(); };
+    Instrument.HiTimer1.AfterTick = [this] {
+        if (Instrument.Watch.Postponed() || !lateErrors_.empty()) catchUp_->Raise();
+    };
+    endLater_ = needs.loop.CreateSignal([this] { End(*needs_.ending.Requested()); });
+    catchUp_ = needs.loop.CreateSignal([this] { CatchUp(); });
 }
 
 frmMain::~frmMain() {
@@ -162,7 +168,17 @@ void frmMain::StreamError(const std::exception_ptr& error) {
         if (loss.Number() == sound_error::kBufferLost) return Instrument.Watch.DeviceLost(loss);
     } catch (...) {
     }
-    Guard.StreamError(error);
+    if (Instrument.HiTimer1.Ticking())
+        lateErrors_.push_back(error);
+    else
+        Guard.StreamError(error);
+}
+
+// Does what a tick has postponed. The signal may arrive during the next tick, which raises it again.
+void frmMain::CatchUp() {
+    if (Instrument.HiTimer1.Ticking()) return;
+    for (const std::exception_ptr& error : std::exchange(lateErrors_, {})) Guard.StreamError(error);
+    Instrument.Watch.CatchUp();
 }
 
 // Marks stale readings.
@@ -233,14 +249,17 @@ bool frmMain::Busy() const {
 }
 
 void frmMain::End(const EndProgram& end) {
-    if (!end_) end_ = end;
+    needs_.ending.Request(end);
+    // The open calls throw EndProgram, which comes back here.
+    if (needs_.ending.Waiting()) return;
     if (Busy()) {
         endLater_->Raise();
         return;
     }
     if (unloaded_) return;
-    ShutDown(*end_);
-    if (OnClosed) OnClosed(end_->status);
+    const EndProgram requested = *needs_.ending.Requested();
+    ShutDown(requested);
+    if (OnClosed) OnClosed(requested.status);
 }
 
 void frmMain::cmdExit_Click() {

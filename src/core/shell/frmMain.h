@@ -4,8 +4,8 @@
 #include <exception>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/audio/Instrument.h"
 #include "core/audio/frmDevices.h"
@@ -20,6 +20,7 @@
 #include "core/report/HandlerGuard.h"
 #include "core/report/MenuControls.h"
 #include "core/support/EndProgram.h"
+#include "core/support/Ending.h"
 
 namespace sonavex {
 
@@ -40,6 +41,7 @@ public:
         Desktop& desktop;
         ErrorLog& errorLog;
         MixerSession& mixers;
+        Ending& ending;
     };
 
     explicit frmMain(const Needs& needs);
@@ -57,8 +59,9 @@ public:
 
     // Call when the user closes the window by any means: ends with status 0.
     void Unload() { End({}); }
-    // Runs the shutdown for this kind of end, then OnClosed with its status. Deferred while a tick or a
-    // restart of the engine is running. The first end requested counts.
+    // Requests the end: closes every open dialog, runs the shutdown, then OnClosed with the status. The first
+    // request counts. The shutdown waits until the calls that had opened dialogs have unwound, and until a
+    // running tick or restart of the engine has ended.
     void End(const EndProgram& end);
     // Form_QueryUnload or EndAtOnce.
     void ShutDown(const EndProgram& end);
@@ -71,7 +74,7 @@ public:
     void mnuSelectCard_Click();
 
     // Handles an error that escaped a handler of the sound system: StreamWatch takes a lost device, the guard
-    // everything else.
+    // everything else. An error during a tick is shown after it.
     void StreamError(const std::exception_ptr& error);
 
     // Ends without the shutdown: stops the sound and restores the user's mixer levels, but stores nothing.
@@ -126,6 +129,7 @@ private:
     void FollowPath();
     void LeavePath();
     bool Busy() const;
+    void CatchUp();
     void ShutdownStep(bool due, const std::function<void()>& step);
     void Reached(Started stage) noexcept { started_ = stage; }
     bool Has(Started stage) const noexcept { return started_ >= stage; }
@@ -133,9 +137,10 @@ private:
     Needs needs_;
     Started started_ = Started::kNothing;
     bool unloaded_ = false;
-    std::optional<EndProgram> end_;
     bool choosingDevices_ = false;
     std::unique_ptr<Signal> endLater_;
+    std::unique_ptr<Signal> catchUp_;
+    std::vector<std::exception_ptr> lateErrors_;  // of the running tick
     EventLoop::TimerId pathTimer_ = 0;
 };
 

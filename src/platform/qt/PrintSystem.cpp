@@ -17,11 +17,6 @@ constexpr int kKillLimitMs = 1000;
 constexpr auto kNotRunning = "scheduler is not running";
 constexpr auto kDefaultPrefix = "system default destination: ";
 
-struct Answer {
-    QString output;
-    QString trouble;  // empty for success
-};
-
 // The message of "/usr/bin/lp: The printer or class does not exist." without the name of the program.
 QString Complaint(const QString& program, const QByteArray& errors) {
     QString text = QString::fromUtf8(errors).trimmed();
@@ -33,7 +28,7 @@ QString Complaint(const QString& program, const QByteArray& errors) {
 
 // Waits until the process has ended or the limit has passed.
 void Wait(QProcess& process, const QString& program, const QStringList& arguments, int limitMs,
-          const QByteArray& input) {
+          const QByteArray& input, Ending& ending) {
     QEventLoop loop;
     QObject::connect(&process, &QProcess::started, &loop, [&] {
         process.write(input);
@@ -44,18 +39,41 @@ void Wait(QProcess& process, const QString& program, const QStringList& argument
     });
     QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
     process.start(program, arguments);
-    if (process.state() != QProcess::NotRunning) loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (process.state() == QProcess::NotRunning) return;
+    ending.Wait([&] { loop.exec(QEventLoop::ExcludeUserInputEvents); }, [&] { loop.quit(); });
 }
 
-Answer Run(const QString& program, const QStringList& arguments, int limitMs, const QByteArray& input = {}) {
+void Kill(QProcess& process) {
+    process.kill();
+    process.waitForFinished(kKillLimitMs);
+}
+
+void RaiseTrouble(const QString& trouble) {
+    if (!trouble.isEmpty()) throw RuntimeError(kPrinterError, trouble.toStdString());
+}
+
+}  // namespace
+
+struct PrintSystem::Answer {
+    QString output;
+    QString trouble;  // empty for success
+};
+
+PrintSystem::Answer PrintSystem::Run(const QString& program, const QStringList& arguments, int limitMs,
+                                     const QByteArray& input) {
+    ending_.ThrowIfRequested();
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     process.setProcessEnvironment(environment);
-    Wait(process, program, arguments, limitMs, input);
+    try {
+        Wait(process, program, arguments, limitMs, input, ending_);
+    } catch (const EndProgram&) {
+        Kill(process);
+        throw;
+    }
     if (process.state() != QProcess::NotRunning) {
-        process.kill();
-        process.waitForFinished(kKillLimitMs);
+        Kill(process);
         return {{}, QStringLiteral("The print system does not answer.")};
     }
     if (process.error() == QProcess::FailedToStart)
@@ -64,12 +82,6 @@ Answer Run(const QString& program, const QStringList& arguments, int limitMs, co
         return {{}, Complaint(program, process.readAllStandardError())};
     return {QString::fromUtf8(process.readAllStandardOutput()), {}};
 }
-
-void RaiseTrouble(const Answer& answer) {
-    if (!answer.trouble.isEmpty()) throw RuntimeError(kPrinterError, answer.trouble.toStdString());
-}
-
-}  // namespace
 
 InstalledPrinters PrintSystem::Printers() {
     const Answer answer =
@@ -90,14 +102,15 @@ InstalledPrinters PrintSystem::Printers() {
 }
 
 void PrintSystem::SetDefaultPrinter(const QString& name) {
-    RaiseTrouble(Run(QStringLiteral("lpoptions"), {QStringLiteral("-d"), name}, kAnswerLimitMs));
+    RaiseTrouble(Run(QStringLiteral("lpoptions"), {QStringLiteral("-d"), name}, kAnswerLimitMs).trouble);
 }
 
 void PrintSystem::Send(const QString& printer, const QString& title, const QByteArray& document) {
     RaiseTrouble(Run(QStringLiteral("lp"),
                      {QStringLiteral("-d"), printer, QStringLiteral("-n"), QStringLiteral("1"),
                       QStringLiteral("-t"), title},
-                     kSendLimitMs, document));
+                     kSendLimitMs, document)
+                     .trouble);
 }
 
 }  // namespace sonavex

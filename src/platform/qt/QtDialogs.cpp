@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QCursor>
 #include <QMainWindow>
-#include <QMessageBox>
 #include <QString>
 #include <utility>
 
@@ -53,35 +52,35 @@ QWidget* Owner() {
     return QApplication::activeWindow();
 }
 
-int ShowBox(const std::string& title, const std::string& text, QMessageBox::Icon icon,
-            QMessageBox::StandardButtons buttons) {
-    const UsualPointer pointer(QGuiApplication::overrideCursor() != nullptr);
-    QMessageBox box(icon, QString::fromStdString(title), WithLineBreaks(text), buttons, Owner());
-    box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton((buttons & QMessageBox::Yes) != 0 ? QMessageBox::Yes : QMessageBox::Ok);
-    return box.exec();
-}
-
 }  // namespace
 
-QtDialogs::QtDialogs(std::string title) : title_(std::move(title)) {}
+QtDialogs::QtDialogs(std::string title, Ending& ending) : title_(std::move(title)), ending_(ending) {}
 
 QtDialogs::~QtDialogs() {
     while (busy_ > 0) SetBusyPointer(false);
 }
 
+int QtDialogs::ShowBox(const std::string& text, QMessageBox::Icon icon,
+                       QMessageBox::StandardButtons buttons) {
+    const UsualPointer pointer(QGuiApplication::overrideCursor() != nullptr);
+    QMessageBox box(icon, QString::fromStdString(title_), WithLineBreaks(text), buttons, Owner());
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton((buttons & QMessageBox::Yes) != 0 ? QMessageBox::Yes : QMessageBox::Ok);
+    int pressed = QMessageBox::NoButton;
+    ending_.WaitForMessage([&] { pressed = box.exec(); }, [&] { box.reject(); });
+    return pressed;
+}
+
 void QtDialogs::Message(const std::string& text, MessageIcon icon) {
-    ShowBox(title_, text, IconOf(icon), QMessageBox::Ok);
+    ShowBox(text, IconOf(icon), QMessageBox::Ok);
 }
 
 bool QtDialogs::AskOkCancel(const std::string& text) {
-    return ShowBox(title_, text, QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel) ==
-           QMessageBox::Ok;
+    return ShowBox(text, QMessageBox::Question, QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 bool QtDialogs::AskYesNo(const std::string& text) {
-    return ShowBox(title_, text, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No) ==
-           QMessageBox::Yes;
+    return ShowBox(text, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 void QtDialogs::SetBusyPointer(bool busy) {

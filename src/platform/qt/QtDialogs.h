@@ -1,17 +1,20 @@
 #pragma once
 
+#include <QMessageBox>
 #include <string>
 
 #include "core/ports/Dialogs.h"
+#include "core/support/Ending.h"
 
 namespace sonavex {
 
-// Qt's message boxes. An open box runs a nested event loop that delivers signals and timers. A widget
-// application must exist.
+// Qt's message boxes. An open box runs a nested event loop that delivers signals and timers. A request to end
+// the program closes it as if it were cancelled; the call then throws EndProgram. A widget application must
+// exist.
 class QtDialogs : public Dialogs {
 public:
-    // Title of all boxes. Texts are in UTF-8.
-    explicit QtDialogs(std::string title);
+    // Title of all boxes. Texts are in UTF-8. The request must outlive this object.
+    QtDialogs(std::string title, Ending& ending);
     ~QtDialogs() override;
     QtDialogs(const QtDialogs&) = delete;
     QtDialogs& operator=(const QtDialogs&) = delete;
@@ -26,7 +29,10 @@ public:
     void SetBusyPointer(bool busy) override;
 
 private:
+    int ShowBox(const std::string& text, QMessageBox::Icon icon, QMessageBox::StandardButtons buttons);
+
     std::string title_;
+    Ending& ending_;
     int busy_ = 0;
 };
 

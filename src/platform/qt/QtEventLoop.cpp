@@ -130,6 +130,14 @@ void QtEventLoop::OnWake() {
 }
 
 void QtEventLoop::Yield() {
+    Yield(QEventLoop::AllEvents);
+}
+
+void QtEventLoop::YieldWithoutInput() {
+    Yield(QEventLoop::ExcludeUserInputEvents);
+}
+
+void QtEventLoop::Yield(QEventLoop::ProcessEventsFlags events) {
     Deliver();
     struct Yielding {
         int& level;
@@ -138,7 +146,7 @@ void QtEventLoop::Yield() {
     };
     const Yielding yielding{yieldingLevel_, yieldingLevel_};
     yieldingLevel_ = QThread::currentThread()->loopLevel();
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    QCoreApplication::processEvents(events);
 }
 
 void QtEventLoop::Run(const std::function<void()>& handler) noexcept {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QEventLoop>
 #include <QObject>
 #include <QSocketNotifier>
 #include <chrono>
@@ -32,6 +33,7 @@ public:
     // Delivers the signals that were raised before the call, then the pending events of the toolkit.
     // Signals raised meanwhile wait for the next delivery.
     void Yield() override;
+    void YieldWithoutInput() override;
     std::chrono::nanoseconds Now() const override;
 
 private:
@@ -40,6 +42,7 @@ private:
 
     void Deliver();
     void OnWake();
+    void Yield(QEventLoop::ProcessEventsFlags events);
     void Run(const std::function<void()>& handler) noexcept;
 
     OnError onError_;

@@ -15,7 +15,6 @@
 
 #include "core/support/RuntimeError.h"
 #include "platform/plain/ReplacedFile.h"
-#include "platform/qt/PrintSystem.h"
 
 namespace sonavex {
 namespace {
@@ -83,15 +82,15 @@ private:
     double stretch_ = 1.0;   // scales the font to the page's character width
 };
 
-QtPrinter::QtPrinter() = default;
+QtPrinter::QtPrinter(Ending& ending) : system_(ending) {}
 QtPrinter::~QtPrinter() = default;
 
 InstalledPrinters QtPrinter::Printers() {
-    return PrintSystem::Printers();
+    return system_.Printers();
 }
 
 void QtPrinter::SetDefaultPrinter(const std::string& name) {
-    PrintSystem::SetDefaultPrinter(QString::fromStdString(name));
+    system_.SetDefaultPrinter(QString::fromStdString(name));
 }
 
 std::string QtPrinter::SuggestedFile() {
@@ -131,7 +130,7 @@ void QtPrinter::EndDoc() {
     if (!document_) return;
     const QByteArray pdf = std::exchange(document_, nullptr)->Finish();
     if (destination_.file.empty())
-        PrintSystem::Send(QString::fromStdString(destination_.printer), Title(), pdf);
+        system_.Send(QString::fromStdString(destination_.printer), Title(), pdf);
     else
         WriteFile(destination_.file, pdf);
 }

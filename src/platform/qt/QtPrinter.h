@@ -7,6 +7,7 @@
 
 #include "core/ports/Printer.h"
 #include "core/support/RuntimeError.h"
+#include "platform/qt/PrintSystem.h"
 
 namespace sonavex {
 
@@ -15,7 +16,8 @@ namespace sonavex {
 // application object must exist.
 class QtPrinter : public Printer {
 public:
-    QtPrinter();
+    // The request must outlive this object.
+    explicit QtPrinter(Ending& ending);
     ~QtPrinter() override;
     QtPrinter(const QtPrinter&) = delete;
     QtPrinter& operator=(const QtPrinter&) = delete;
@@ -35,6 +37,7 @@ public:
 private:
     class Document;
 
+    PrintSystem system_;
     PrintDestination destination_;
     std::unique_ptr<Document> document_;
     std::optional<RuntimeError> failure_;  // why the document could not be started

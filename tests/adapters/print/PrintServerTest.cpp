@@ -114,7 +114,8 @@ TEST(NoPrinterTest, SaysSoAndOffersTheFile) {
     const PrintServer server({});
     CallLog log;
     RecordingDialogs dialogs(log);
-    QtPrinter printer;
+    Ending ending;
+    QtPrinter printer(ending);
     frmPrint dialog(printer, dialogs);
     dialog.Form_Load(printer.Printers());
     EXPECT_THAT(dialog.cmbPrinter.Items(), ElementsAre("PDF file"));
@@ -125,7 +126,8 @@ TEST(NoPrinterTest, SaysSoAndOffersTheFile) {
 TEST(NoPrintServerTest, DiffersFromNoPrinter) {
     const PrivateFolder folder;
     const ScopedVariable nobody("CUPS_SERVER", folder.Path() / "sock");
-    const InstalledPrinters present = QtPrinter().Printers();
+    Ending ending;
+    const InstalledPrinters present = QtPrinter(ending).Printers();
     EXPECT_THAT(present.names, IsEmpty());
     EXPECT_EQ(present.trouble, "The print system is not running.");
 }
@@ -133,7 +135,8 @@ TEST(NoPrintServerTest, DiffersFromNoPrinter) {
 TEST(NoPrintSystemTest, DiffersFromNoPrinter) {
     const PrivateFolder folder;
     const ScopedVariable path("PATH", folder.Path());
-    QtPrinter printer;
+    Ending ending;
+    QtPrinter printer(ending);
     const InstalledPrinters present = printer.Printers();
     std::string error;
     try {

@@ -45,7 +45,8 @@ protected:
     PrivateFolder folder;
     std::filesystem::path file = folder.Path() / "report.pdf";
     MeasurementControls measurement;
-    QtPrinter printer;
+    Ending ending;
+    QtPrinter printer{ending};
 };
 
 TEST_F(ReportPdfTest, IsOneLetterPageInAnEmbeddedFixedPitchFont) {

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QTimer>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -92,6 +93,26 @@ TEST_F(SlowPrintSystem, WaitsThreeSecondsInAllForAnAnswer) {
     EXPECT_EQ(note, "The print system does not answer. The report can be written to a PDF file.");
 }
 
+// 0 or a negative number: the program has not run.
+int RunningSince(const std::string& file) {
+    int pid = 0;
+    std::ifstream(file) >> pid;
+    return pid;
+}
+
+TEST_F(SlowPrintSystem, ARequestToEndKillsTheProgramBeingWaitedFor) {
+    Program("lp", "echo $$ > " + Calls() + "; exec sleep 60");
+    user = Copies("3");
+    QTimer::singleShot(500ms, [this] { ending.Request({}); });
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_THROW(cmdPrint.Press(), EndProgram);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
+    const int pid = RunningSince(Calls());
+    ASSERT_GT(pid, 0);
+    EXPECT_NE(kill(pid, 0), 0);
+    EXPECT_THROW(printer.Printers(), EndProgram);
+}
+
 TEST_F(SlowPrintSystem, StopsAtTheFirstCopyThatFails) {
     Program("lp", "echo lp >> " + Calls() + "; echo \"$0: Out of paper.\" >&2; exit 1");
     user = Copies("99");
@@ -108,7 +129,8 @@ TEST_F(SlowPrintSystem, PassesOnWhatThePrintSystemSaysInsteadOfPrinters) {
 }
 
 TEST(PageTest, ThatCannotBeBegunIsReportedAtTheEndOfTheDocument) {
-    QtPrinter printer;
+    Ending ending;
+    QtPrinter printer(ending);
     PageSetUp page;
     page.width = -1.0;
     EXPECT_THROW(printer.BeginPage(page), RuntimeError);

@@ -37,7 +37,8 @@ protected:
     }
     static constexpr Qt::CursorShape kNoOverride = Qt::BitmapCursor;
 
-    QtDialogs dialogs_{"Sonavex \xC3\xBC"};
+    Ending ending_;
+    QtDialogs dialogs_{"Sonavex \xC3\xBC", ending_};
 };
 
 TEST_F(QtDialogsTest, AMessageHasTitleTextIconAndOneButton) {
@@ -98,6 +99,22 @@ TEST_F(QtDialogsTest, AskYesNoIsTrueForYesOnly) {
     EXPECT_FALSE(answer([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }));
 }
 
+TEST_F(QtDialogsTest, ARequestToEndTheProgramClosesTheBox) {
+    const auto expect = [&](const std::function<void()>& open) {
+        WithBox([&] { EXPECT_THROW(open(), EndProgram); }, [&](QMessageBox&) { ending_.Request({}); });
+    };
+    expect([&] { dialogs_.Message("text", MessageIcon::kCritical); });
+    expect([&] { dialogs_.AskOkCancel("Delete?"); });
+    expect([&] { dialogs_.AskYesNo("Proceed?"); });
+    EXPECT_FALSE(ending_.Waiting());
+}
+
+TEST_F(QtDialogsTest, NoBoxOpensAfterASignal) {
+    ending_.Request({.status = 0, .atOnce = false, .bySignal = true});
+    const DialogSteps nobody({});
+    EXPECT_THROW(dialogs_.Message("text", MessageIcon::kCritical), EndProgram);
+}
+
 TEST_F(QtDialogsTest, TheBoxBelongsToTheActiveWindow) {
     QWidget window;
     window.show();
@@ -144,7 +161,7 @@ TEST_F(QtDialogsTest, TheBusyPointerCounts) {
 
 TEST_F(QtDialogsTest, TheBusyPointerGoesWithTheDialogs) {
     {
-        QtDialogs others("Sonavex");
+        QtDialogs others("Sonavex", ending_);
         others.SetBusyPointer(true);
         others.SetBusyPointer(true);
     }

@@ -45,6 +45,7 @@ bool BenchTop::Start() {
 }
 
 void BenchTop::MakeForm() {
+    ending = {};
     form_ = std::make_unique<frmMain>(On(card_));
     form_->Frame.SetSize(980, 640);
     form_->OnClosed = [this](int) { ended_ = true; };

@@ -63,7 +63,8 @@ void PrintTo(QtPrinter& printer, const std::filesystem::path& file, char which) 
 }
 
 int WriteReports(const std::filesystem::path& file) {
-    QtPrinter printer;
+    Ending ending;
+    QtPrinter printer(ending);
     for (char which = 'A';; which = Other(which)) {
         PrintTo(printer, file, which);
         SayWriting();

@@ -54,6 +54,17 @@ TEST_F(ProgramMenus, TheAboutBoxShowsTheVersion) {
     });
 }
 
+TEST_F(ProgramMenus, ClosingTheWindowClosesAnOpenDialogFirst) {
+    QTimer::singleShot(0, [&] {
+        Choose("mnuAbout", [&](QDialog&) {
+            program.Window().close();
+            EXPECT_NE(program.Form().Instrument.Engine.SecondaryBuffer(), nullptr);
+        });
+    });
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_EQ(program.Form().Instrument.Engine.SecondaryBuffer(), nullptr);
+}
+
 TEST_F(ProgramMenus, PrintingAsksFirst) {
     program.Form().mnuPrint.SetEnabled(true);
     QApplication::processEvents();

@@ -69,6 +69,20 @@ TEST(StreamWatch, MarksRecordsAndReportsALossOnce) {
     EXPECT_EQ(bench.choices, 1);
 }
 
+TEST(StreamWatch, OnlyMarksWhileATickYields) {
+    WatchBench bench;
+    bool yielding = true;
+    bench.watch.Yielding = [&] { return yielding; };
+    bench.loop.Advance(1200ms);
+    EXPECT_TRUE(bench.watch.Stopped());
+    EXPECT_EQ(bench.Records(), 0U);
+    EXPECT_TRUE(bench.watch.Postponed());
+    yielding = false;
+    bench.watch.CatchUp();
+    EXPECT_FALSE(bench.watch.Postponed());
+    EXPECT_EQ(bench.Records(), 1U);
+}
+
 TEST(StreamWatch, FindsAStallAfterItsPatience) {
     WatchBench bench;
     bench.loop.Advance(1000ms);

@@ -19,7 +19,8 @@ struct GuardRig {
     CallLog log;
     RecordingDialogs dialogs{log};
     RecordingErrorLog errorLog{log};
-    HandlerGuard guard{dialogs, errorLog};
+    Ending ending;
+    HandlerGuard guard{dialogs, errorLog, ending};
 
     void StreamFails(const RuntimeError& error) { guard.StreamError(std::make_exception_ptr(error)); }
 };
@@ -48,6 +49,30 @@ TEST(HandlerGuard, EndsTheProgramWhereAsked) {
     rig.guard.StreamError(std::make_exception_ptr(EndProgram{4}));
     EXPECT_EQ(status, 4);
     EXPECT_THAT(rig.log.Lines(), IsEmpty());
+}
+
+TEST(HandlerGuard, RunsNoHandlerOnceTheEndIsRequested) {
+    GuardRig rig;
+    rig.ending.Request({});
+    bool ran = false;
+    rig.guard.Run([&] { ran = true; });
+    EXPECT_FALSE(ran);
+    rig.StreamFails(RuntimeError(error_number::kOverflow));
+    EXPECT_THAT(rig.log.Lines(), IsEmpty());
+}
+
+TEST(HandlerGuard, EndsTheProgramWhereItsOwnMessageIsClosedByARequest) {
+    GuardRig rig;
+    int ends = 0;
+    std::vector<bool> told;
+    rig.guard.OnEnd = [&](const EndProgram&) { ++ends; };
+    rig.guard.OnMessageOpen = [&](bool open) { told.push_back(open); };
+    rig.dialogs.WhileMessage = [] { throw EndProgram{0}; };
+    rig.guard.Run([] { throw RuntimeError(error_number::kOverflow); });
+    EXPECT_EQ(ends, 1);
+    EXPECT_THAT(told, ElementsAre(true, false));
+    EXPECT_TRUE(rig.ending.Requested());
+    EXPECT_NO_THROW(rig.guard.Fatal(std::make_exception_ptr(RuntimeError(error_number::kOverflow))));
 }
 
 TEST(HandlerGuard, ShowsAStreamErrorOnceUntilABlockSucceeds) {
