@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/common/Sound.h"
+#include "app/common/Trace.h"
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "core/dsp/AnalysisBand.h"
@@ -72,6 +73,7 @@ LiveMeasurement::LiveMeasurement(const RunOptions& options)
     instrument_.Settings.Save(keys::kInput, options_.input);
     instrument_.Settings.Save(keys::kOutput, options_.output);
     instrument_.Settings.Save(keys::kLevel, CStr(options_.levelHundredthsDb));
+    instrument_.Engine.Trace = app::TraceFromEnvironment();
     PrepareMeter(instrument_.Meter, options_);
 }
 

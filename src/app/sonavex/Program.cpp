@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/common/Sound.h"
+#include "app/common/Trace.h"
 #include "core/report/frmAbout.h"
 #include "core/support/EndProgram.h"
 #include "core/text/ErrorText.h"
@@ -84,6 +85,7 @@ void Program::MakeForm() {
     mixers_ = std::make_unique<ProgramMixers>(*sound_, loop_, store_, desktop_, dialogs_, JournalFile());
     form_ = std::make_unique<frmMain>(
         frmMain::Needs{store_, *sound_, loop_, dialogs_, desktop_, *errorLog_, mixers_->Mixers(), ending_});
+    form_->Instrument.Engine.Trace = TraceFromEnvironment();
     // Restores the user's levels after any request to end the program.
     termination_ = std::make_unique<TerminationSignals>(
         [this] { RequestEnd({.status = 0, .atOnce = false, .bySignal = true}); });

@@ -119,6 +119,15 @@ TEST(Run, FixedFrequencyLocksOnlyNearIt) {
     }
 }
 
+TEST(Run, WritesTheTraceOfTheStreamToStandardErrorWhereAsked) {
+    Environment traced(kSimulated);
+    traced.emplace_back("SONAVEX_TRACE", "1");
+    MeasureProgram with(ShortRun({"--tone", "sine:1000"}), traced);
+    MeasureProgram without(ShortRun({"--tone", "sine:1000"}), kSimulated);
+    EXPECT_THAT(with.End(20s).errors, testing::ContainsRegex("(^|\n)[0-9]+ ms RESTARTING 0\n"));
+    EXPECT_EQ(without.End(20s).errors, "");
+}
+
 TEST(Run, WithoutToneNothingIsLocked) {
     const Outcome outcome = MeasureSimulated(ShortRun({}));
     EXPECT_EQ(outcome.status, 2);

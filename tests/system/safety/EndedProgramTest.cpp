@@ -146,5 +146,12 @@ TEST_F(EndedProgramAlone, ReportsAFailureOfTheShutdownOnStandardErrorAfterASigna
     EXPECT_TRUE(UsersVolumes()) << Volumes();
 }
 
+TEST_F(EndedProgramAlone, WritesTheTraceOfTheStreamWhereAsked) {
+    const auto child = Start({SONAVEX_PROGRAM}, {{"SONAVEX_TRACE", "1"}});
+    EXPECT_TRUE(WaitUntil([&] { return Output().find(" ms RESTARTING 0\n") != std::string::npos; }));
+    child->Send(SIGTERM);
+    EXPECT_TRUE(child->WaitForEnd(kEndLimit));
+}
+
 }  // namespace
 }  // namespace sonavex
