@@ -18,9 +18,9 @@ namespace {
 constexpr int kSweepWatchMs = 100;
 
 // Keeps the layout unchanged while the widget is hidden.
-void KeepPlace(QWidget& widget) {
+void KeepPlace(QWidget& widget, bool keep = true) {
     QSizePolicy policy = widget.sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
+    policy.setRetainSizeWhenHidden(keep);
     widget.setSizePolicy(policy);
 }
 
@@ -200,16 +200,19 @@ void MainWindow::Decorate() {
     ui_->baselineNote->setVisible(form_.Baseline.CapturedElsewhere());
 }
 
-// Stale figures look different from live ones.
+// Stale figures look different from live ones. The reason takes the place of the settling note, which is not
+// shown while measuring is stopped.
 void MainWindow::DecorateStream() {
     const QString trouble = QString::fromStdString(form_.StreamTrouble.Caption());
     DecoratePath();
-    ui_->streamNote->setVisible(!trouble.isEmpty());
+    for (QWidget* note : {static_cast<QWidget*>(ui_->streamNote), static_cast<QWidget*>(ui_->streamText)})
+        note->setVisible(!trouble.isEmpty());
     ui_->streamNote->setToolTip(trouble);
     const bool stale = !trouble.isEmpty();
     if (stale == stale_) return;
     stale_ = stale;
-    for (QLabel* figure : findChildren<QLabel*>()) {
+    KeepPlace(*ui_->settlingNote, !stale);
+    for (QLabel* figure : ui_->meterPage->findChildren<QLabel*>()) {
         if (!figure->objectName().startsWith("lbl") && !figure->objectName().startsWith("Lbl")) continue;
         figure->setProperty("stale", stale);
         figure->style()->unpolish(figure);

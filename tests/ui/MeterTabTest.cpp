@@ -137,6 +137,7 @@ TEST_F(MeterTab, LosesItsLockAndFindsItAgain) {
     for (int blocks = 0; Text("lblThd").toDouble() == 0.0 && blocks < 40; ++blocks) Step(1);
     EXPECT_EQ(Text("lockWord"), "LOCKED");
     EXPECT_TRUE(Find<QLabel>("settlingNote").isVisible());
+    EXPECT_EQ(Find<QLabel>("settlingNote").x(), Find<QLabel>("capFreq").x());
     Step(38);
     EXPECT_FALSE(Find<QLabel>("settlingNote").isVisible());
     EXPECT_LT(Text("lblThd").toDouble(), 0.01);
@@ -266,6 +267,10 @@ TEST_F(MeterTab, MarksReadingsOfALostDeviceAsThePast) {
     EXPECT_EQ(Text("lockWord"), "STOPPED");
     EXPECT_EQ(Find<ui::LockLamp>("picLocked").Colour(), QColor(255, 0, 0));
     EXPECT_TRUE(Find<QLabel>("lblThd").property("stale").toBool());
+    for (const char* const present : {"lblInput", "lblOutput", "lblSampleRate", "lblGenLevel"})
+        EXPECT_FALSE(Find<QLabel>(present).property("stale").toBool()) << present;
+    const auto& reason = Find<QLabel>("streamText");
+    EXPECT_GE(reason.width(), reason.fontMetrics().horizontalAdvance(reason.text()));
     EXPECT_EQ(rig.log.Count("WriteErrorLog"), 0U) << "the mark comes first";
     rig.loop.Advance(std::chrono::milliseconds(150));
     EXPECT_EQ(rig.log.Count("WriteErrorLog"), 1U);

@@ -54,7 +54,7 @@ QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet;
 QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
-QLabel[stale="true"] { color: @border; }
+QLabel[stale="true"] { color: @faint; }
 QLabel[background="card"] { background: @card; }
 QLabel[background="stripe"] { background: @stripe; }
 QLabel[background="window"] { background: @window; }
