@@ -14,6 +14,7 @@ void MainWindow::BindControls() {
     binder_.Bind(*ui_->lblInput, form_.lblInput);
     binder_.Bind(*ui_->lblOutput, form_.lblOutput);
     binder_.Bind(*ui_->lblSampleRate, form_.lblSampleRate);
+    binder_.Bind(*ui_->lblBits, form_.lblBits);
     binder_.Bind(*ui_->pathNote, form_.PathNote);
     binder_.Bind(*ui_->streamText, form_.StreamTrouble);
     binder_.Bind(*ui_->TabStrip1, form_.TabStrip1);

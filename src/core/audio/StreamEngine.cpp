@@ -25,9 +25,9 @@ constexpr int kBlockBits = 16;
 template <class Buffer>
 std::string NoteOf(const Buffer& buffer, int bitsWanted) {
     std::string note = buffer.PathNote();
-    if (buffer.Bits() < bitsWanted)
-        note += (note.empty() ? "" : "; ") + std::to_string(buffer.Bits()) + " bit";
-    return note;
+    if (buffer.Bits() >= bitsWanted) return note;
+    if (!note.empty() && note.back() == '.') note.pop_back();
+    return note + (note.empty() ? "" : "; ") + std::to_string(buffer.Bits()) + " bit";
 }
 
 }  // namespace

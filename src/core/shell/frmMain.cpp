@@ -21,6 +21,12 @@ constexpr const char* kInvalidRate = "Invalid Sampling Rate. Resetting to 22050.
 constexpr const char* kHelpFileName = "Sonavex.chm";
 constexpr std::int32_t kFallbackRateIndex = 3;
 
+std::string BitsCaption(int input, int output) {
+    if (input == 0 || output == 0) return {};
+    if (input == output) return CStr(input) + " bit";
+    return "in " + CStr(input) + " · out " + CStr(output) + " bit";
+}
+
 }  // namespace
 
 frmMain::frmMain(const Needs& needs)
@@ -159,6 +165,7 @@ void frmMain::ShowPath() {
     std::string text;
     for (const std::string& note : Instrument.Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
     PathNote.SetCaption(text);
+    lblBits.SetCaption(BitsCaption(Instrument.Engine.InputBits(), Instrument.Engine.OutputBits()));
 }
 
 void frmMain::StreamError(const std::exception_ptr& error) {

@@ -107,6 +107,9 @@ public:
     Label StreamTrouble;
     // What changes the samples between instrument and cards; empty if nothing is known.
     Label PathNote;
+    // Bits of the samples that the devices deliver and take: "24 bit", or "in 24 · out 16 bit" if they
+    // differ. Empty without devices.
+    Label lblBits;
 
     std::string HelpFile;
     std::int16_t LastTabIndex = 0;

@@ -213,6 +213,22 @@ TEST(Path, IsShownAndFollowed) {
     EXPECT_EQ(world.loop.Timers(), 0U);
 }
 
+TEST(Path, ShowsTheBitsOfTheDevices) {
+    World world;
+    FakeSoundSystem sound(world.log);
+    sound.inputBits = sound.outputBits = 24;
+    frmMain form(world.On(sound));
+    EXPECT_EQ(form.lblBits.Caption(), "") << "no devices";
+    form.Form_Load();
+    EXPECT_EQ(form.lblBits.Caption(), "24 bit");
+    sound.outputBits = 16;
+    sound.outputPathNote = "The samples are converted.";
+    world.loop.Advance(std::chrono::milliseconds(1100));
+    EXPECT_EQ(form.lblBits.Caption(), "in 24 · out 16 bit");
+    EXPECT_EQ(form.PathNote.Caption(), "Output: The samples are converted; 16 bit");
+    EXPECT_EQ(form.lblSampleRate.Caption(), std::to_string(form.Instrument.Shared.SampleRate));
+}
+
 TEST(Restart, BringsBackWhatWasStored) {
     FormRig first;
     first.form.Form_Load();
