@@ -114,14 +114,16 @@ AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling, const AlsaFormat& format)
     return lacks;
 }
 
-// A card may refuse a format only when all its settings are known.
+// A card may refuse a format only when all its settings are known, and with any error: USB cards lack the
+// bandwidth for a wide format.
 void AlsaPcm::ConfigureInTurn(Shape wanted) {
     for (const AlsaFormat& format : formats_) {
         format_ = format;
         try {
             return Configure(wanted);
         } catch (const RuntimeError& error) {
-            if (error.Number() != sound_error::kBadFormat) throw;
+            if (error.Number() == sound_error::kAllocated || error.Number() == sound_error::kNoDriver) throw;
+            snd_pcm_hw_free(Handle());  // settings whose preparation failed stay installed
         }
     }
     throw RuntimeError(sound_error::kBadFormat,
