@@ -46,8 +46,10 @@ public:
     template <class TakeFrame>
     std::size_t Take(TakeFrame take, std::size_t frames) noexcept {
         if (!Opened()) return 0;
+        // In this order: the queue may be opened again in between, and `first` must not exceed `put`.
+        const std::uint64_t first = first_.load();
         const std::uint64_t put = put_.load(std::memory_order_acquire);
-        const std::uint64_t from = std::max(taken_.load(std::memory_order_relaxed), first_.load());
+        const std::uint64_t from = std::max(taken_.load(std::memory_order_relaxed), first);
         const std::size_t count = std::min(frames, static_cast<std::size_t>(put - from));
         std::size_t at = from % size_;
         for (std::size_t i = 0; i < count; ++i, at = After(at)) take(i, frames_[at]);

@@ -126,7 +126,11 @@ double DeviceUnderTest::Curve(double sample) const noexcept {
 }
 
 std::int32_t DeviceUnderTest::Convert(double sample) {
-    if (!table_.empty()) return table_[static_cast<std::size_t>(std::lrint(sample) - kLowestSample)];
+    if (!table_.empty()) {
+        // Rounding can exceed the highest sample of 16 bits.
+        const auto index = static_cast<std::size_t>(std::lrint(sample) - kLowestSample);
+        return table_[std::min(index, table_.size() - 1)];
+    }
     double value = Curve(sample);
     if (model_.noiseRms > 0.0) value += model_.noiseRms * normal_(random_);
     if (model_.dither) value += std::ldexp(uniform_(random_) + uniform_(random_), kTableBits - model_.bits);
