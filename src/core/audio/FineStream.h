@@ -24,8 +24,8 @@ public:
 // notice it.
 class FineStream {
 public:
-    // Interleaved stereo, left-justified in 32 bits, in the order captured. StreamEngine::CaptureCounts tells
-    // when frames were lost or missing.
+    // Interleaved stereo, left-justified in 32 bits, in the order captured. StreamEngine::CaptureCounts
+    // reports how many frames were lost or missing.
     using Sink = std::function<void(std::span<const std::int32_t> samples)>;
 
     // Both must outlive this object.

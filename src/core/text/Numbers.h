@@ -6,7 +6,7 @@
 
 #include "core/support/WholeNumbers.h"
 
-// The only conversions between numbers and text. They use the "C" locale (decimal point), independent of the
+// Conversions between numbers and text. They use the "C" locale (decimal point), independent of the
 // desktop's language. Texts of up to 15 characters are made without allocation.
 namespace sonavex {
 

@@ -57,7 +57,7 @@ public:
     void CountMovement() noexcept { movements_.fetch_add(1, std::memory_order_relaxed); }
 
 private:
-    // Every device takes and delivers so many.
+    // Assumed before the server has answered.
     static constexpr int kUnknownBits = 16;
     enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended, kStalled };
 

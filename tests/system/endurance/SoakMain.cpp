@@ -20,11 +20,12 @@ void Print(const Soak::Report& report, double seconds) {
     for (std::size_t i = 0; i < Soak::kEvents; ++i)
         std::cout << "  " << report.events[i] << ' ' << Soak::Name(static_cast<Soak::Event>(i)) << '\n';
     std::cout << "  " << report.programStarts << " program starts, " << report.messages << " messages, "
-              << report.losses << " losses told, " << report.overruns << " overruns, " << report.segmentsLost
-              << " segments lost\n  " << report.mostFrames << " frames captured by one start at most\n  "
-              << report.checks << " checks of readings, largest errors " << report.worstPercent
-              << " points and " << report.worstDb << " dB\n  heap in use " << report.warmBytes
-              << " bytes at first, " << report.mostBytes << " at most\n"
+              << report.losses << " losses reported, " << report.overruns << " overruns, "
+              << report.segmentsLost << " segments lost\n  " << report.mostFrames
+              << " frames captured by one start at most\n  " << report.checks
+              << " checks of readings, largest errors " << report.worstPercent << " points and "
+              << report.worstDb << " dB\n  heap in use " << report.warmBytes << " bytes at first, "
+              << report.mostBytes << " at most\n"
               << std::flush;
 }
 
