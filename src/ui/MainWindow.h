@@ -35,6 +35,10 @@ public:
     // Call before the form's start: passes the size of the layout to the form.
     void ReportSize();
 
+    // Passes what the user has typed to the form. Call before ending the program in another way than by
+    // closing the window.
+    void CompleteEntries() { binder_.CompleteEntries(); }
+
     const Binder& Bindings() const noexcept { return binder_; }
 
 protected:

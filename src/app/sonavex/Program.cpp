@@ -1,6 +1,7 @@
 #include "app/sonavex/Program.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <algorithm>
 #include <iostream>
 
@@ -140,8 +141,10 @@ void Program::Load() {
     splash_.Form_Load(Version());
     ending_.ThrowIfRequested();
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
-    blockedClose_ = std::make_unique<BlockedClose>(*window_, BlockedClose::AtomsOfTheServer(),
-                                                   [this] { RequestEnd({}); });
+    blockedClose_ = std::make_unique<BlockedClose>(*window_, BlockedClose::AtomsOfTheServer(), [this] {
+        window_->CompleteEntries();
+        RequestEnd({});
+    });
     mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Mixers(), form_->Guard, *window_);
     window_->ReportSize();
     form_->Form_Load();
@@ -178,8 +181,13 @@ void Program::RequestEnd(const EndProgram& end) {
         ending_.Request(end);
 }
 
-// Called by a timer of the toolkit, which no exception may pass.
+// Called by a timer of the toolkit, which no exception may pass. A message that opened within a step of a
+// sweep would stop the sweep.
 void Program::ReportStore(const std::string& text) {
+    if (form_ && form_->Instrument.HiTimer1.Ticking() && window_) {
+        QTimer::singleShot(1, window_.get(), [this, text] { ReportStore(text); });
+        return;
+    }
     try {
         dialogs_.Message(text, MessageIcon::kInformation);
     } catch (const EndProgram& end) {
