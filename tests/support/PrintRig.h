@@ -12,7 +12,7 @@ namespace sonavex {
 
 // The print command on November 21, 2026, with the dialog driven by the test.
 template <class PrinterType>
-class PrintRig : public testing::Test {
+class PrintRig : public testing::Test, protected World {
 protected:
     PrintRig() {
         command.ShowPrintDialog = [this](frmPrint& dialog) {
@@ -23,10 +23,6 @@ protected:
     // Called before the user acts.
     virtual void DialogOpens(frmPrint&) {}
 
-    CallLog log;
-    RecordingDialogs dialogs{log};
-    FakeDesktop desktop{log};
-    Ending ending;
     PrinterType printer = Make(log, ending);
     MeasurementControls measurement;
     // User's actions in the dialog.

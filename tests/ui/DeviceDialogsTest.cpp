@@ -334,7 +334,7 @@ TEST_F(DeviceDialogs, ARequestToEndClosesThemFromTheInnermostOutwards) {
 TEST_F(DeviceDialogs, NoneOpensOnceTheEndIsRequested) {
     Load();
     rig.ending.Request({});
-    const DialogSteps nobody({});
+    const DialogSteps noSteps({});
     EXPECT_TRUE(EndOf([&] { rig.forms.ShowDevices(); }).has_value());
     EXPECT_TRUE(EndOf([&] { rig.forms.ShowError(); }).has_value());
 }

@@ -61,7 +61,7 @@ TEST_F(MainWindowTest, JoinsEveryWidgetNamedLikeAControl) {
     EXPECT_THAT(loose, IsEmpty());
 }
 
-TEST_F(MainWindowTest, NamesEveryWidgetForThoseWhoDoNotSee) {
+TEST_F(MainWindowTest, GivesEveryWidgetAnAccessibleName) {
     for (const auto& pair : window.Bindings().Pairs()) {
         const auto* widget = qobject_cast<QWidget*>(pair.widget);
         if (widget == nullptr || qobject_cast<const QTabWidget*>(widget) != nullptr) continue;
@@ -252,7 +252,7 @@ TEST_F(SecondRun, IsNotMadeWiderByLongDeviceNames) {
     EXPECT_EQ(window.findChild<QLabel*>("lblInput")->text().toStdString(), name);
 }
 
-TEST_F(SecondRun, ClosesOnlyAfterTheTickIsThrough) {
+TEST_F(SecondRun, ClosesOnlyAfterTheTickHasEnded) {
     Open();
     bool unloaded = false;
     rig.form.OnClosed = [&](int) { unloaded = true; };

@@ -111,7 +111,7 @@ TEST_F(QtDialogsTest, ARequestToEndTheProgramClosesTheBox) {
 
 TEST_F(QtDialogsTest, NoBoxOpensAfterASignal) {
     ending_.Request({.status = 0, .atOnce = false, .bySignal = true});
-    const DialogSteps nobody({});
+    const DialogSteps noSteps({});
     EXPECT_THROW(dialogs_.Message("text", MessageIcon::kCritical), EndProgram);
 }
 

@@ -59,7 +59,7 @@ public:
         for (int i = 0; i < actions && !testing::Test::HasFailure(); ++i) {
             Something();
             if (!testing::Test::HasFailure()) Compare();
-            if (testing::Test::HasFailure()) Tell();
+            if (testing::Test::HasFailure()) ReportHistory();
         }
     }
 
@@ -166,7 +166,7 @@ private:
         EXPECT_EQ(instrument.Shared.SampleRate, model_->Rate());
     }
 
-    void Tell() {
+    void ReportHistory() {
         std::string lines;
         for (const std::string& line : history_) lines += "  " + line + '\n';
         ADD_FAILURE() << "after\n" << lines;

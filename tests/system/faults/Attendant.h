@@ -32,7 +32,7 @@ public:
     std::function<void(QDialog&)> OnSelection;
 
     // Longest time without a turn of the event loop since the last call.
-    std::chrono::milliseconds LongestStandstill() {
+    std::chrono::milliseconds LongestFreeze() {
         NoteTurn();
         return std::exchange(longest_, std::chrono::milliseconds(0));
     }

@@ -97,10 +97,10 @@ protected:
         const std::optional<int> ended = program_->Open();
         EXPECT_EQ(ended, std::nullopt);
         if (!ended) story();
-        EXPECT_LE(attendant_->LongestStandstill(), kHangLimit);
+        EXPECT_LE(attendant_->LongestFreeze(), kHangLimit);
         if (!ended) {
             program_->Form().Form_QueryUnload();
-            EXPECT_LE(attendant_->LongestStandstill(), kHangLimit);
+            EXPECT_LE(attendant_->LongestFreeze(), kHangLimit);
         }
         program_.reset();
         EXPECT_THAT(attendant_->Messages, testing::IsEmpty());

@@ -86,7 +86,7 @@ protected:
     PulseServer server_{{{"card", 48000, "Test-Card"}}};
 };
 
-TEST_F(KilledProgram, GivesTheLevelsBackAndStartsAgain) {
+TEST_F(KilledProgram, RestoresTheLevelsAndStartsAgain) {
     Chance chance("program");
     const unsigned long kills = Kills(240) / 10;
     unsigned long changed = 0;

@@ -5,9 +5,7 @@
 #include "core/report/HandlerGuard.h"
 #include "core/shell/frmSplash.h"
 #include "core/support/EndProgram.h"
-#include "support/CallLog.h"
-#include "support/Recorders.h"
-#include "support/VirtualEventLoop.h"
+#include "support/World.h"
 
 namespace sonavex {
 namespace {
@@ -15,11 +13,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct GuardRig {
-    CallLog log;
-    RecordingDialogs dialogs{log};
-    RecordingErrorLog errorLog{log};
-    Ending ending;
+struct GuardRig : World {
     HandlerGuard guard{dialogs, errorLog, ending};
 
     void StreamFails(const RuntimeError& error) { guard.StreamError(std::make_exception_ptr(error)); }

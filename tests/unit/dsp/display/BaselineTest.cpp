@@ -1,20 +1,15 @@
 #include <gmock/gmock.h>
 
 #include "core/dsp/display/Baseline.h"
-#include "platform/plain/MemorySettingsStore.h"
-#include "support/CallLog.h"
-#include "support/Recorders.h"
+#include "support/World.h"
 
 namespace sonavex {
 namespace {
 
 using testing::ElementsAre;
 
-struct BaselineRig {
-    CallLog log;
-    MemorySettingsStore store;
+struct BaselineRig : World {
     Settings settings{store};
-    RecordingDialogs dialogs{log};
     SharedState shared;
     modDSP::State analysis;
     MeasurementControls meter;
