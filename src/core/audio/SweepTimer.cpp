@@ -36,15 +36,15 @@ void SweepTimer::CountFromNow() {
 
 void SweepTimer::Tick() {
     if (ticking_ || !Enabled() || paused_()) return;
-    struct Ending {
+    struct EndOfTick {
         SweepTimer& timer;
-        ~Ending() {
+        ~EndOfTick() {
             timer.ticking_ = false;
             if (timer.AfterTick) timer.AfterTick();
         }
     };
     ticking_ = true;
-    const Ending ending{*this};
+    const EndOfTick endOfTick{*this};
     ++counted_;
     generator_.AdvanceSweep([this] {
         loop_.YieldWithoutInput();

@@ -4,8 +4,8 @@
 
 namespace sonavex::ui {
 
-// A slider with a step of its own for a notch of the mouse wheel, whatever number of lines the desktop
-// scrolls per notch. Fractions of a notch, which touchpads and fine wheels report, add up.
+// A slider that moves by a fixed step for each notch of the mouse wheel. The desktop's setting of lines per
+// notch has no effect. Fractions of a notch, which touchpads and fine wheels report, are summed.
 class NotchSlider : public QSlider {
     Q_OBJECT
     Q_PROPERTY(int notchStep READ NotchStep WRITE SetNotchStep)

@@ -147,7 +147,7 @@ TEST_F(QtDesktopTest, ASecondInstanceIsSeenWhateverTheRuntimeFoldersAre) {
     EXPECT_TRUE(std::filesystem::is_empty(foreign));
 }
 
-// As where each user has a group of their own and new folders are open to it.
+// Systems with a private group for each user create folders that this group can write to.
 TEST_F(QtDesktopTest, AFolderOfTheSettingsThatAGroupCanWriteToServes) {
     std::filesystem::create_directory(SettingsFolder());
     std::filesystem::permissions(SettingsFolder(), std::filesystem::perms::group_all,
