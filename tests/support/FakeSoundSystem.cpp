@@ -38,7 +38,12 @@ public:
         system_.fineRoom -= taken.size();
         return taken.size();
     }
-    std::uint64_t FineFramesMissing() const override { return 0; }
+    std::size_t CutFine(std::chrono::milliseconds keep) override {
+        system_.fineCuts.push_back(keep.count());
+        return std::exchange(system_.fineWaiting, 0);
+    }
+    std::size_t FineFramesWaiting() const override { return system_.fineWaiting; }
+    std::uint64_t FineFramesMissing() const override { return system_.fineMissing; }
     int Bits() const override { return system_.outputBits; }
     void SetCurrentPosition(std::int32_t offset) override {
         system_.log.Call("playbackBuffer.SetCurrentPosition", std::to_string(offset));
@@ -82,12 +87,13 @@ public:
         system_.log.Call("captureBuffer.ReadFine", std::to_string(offset));
     }
     void CaptureFine(bool on) override { system_.fineCaptureOn = on; }
-    std::size_t TakeFine(std::span<std::int32_t> samples) override {
+    FineRun TakeFine(std::span<std::int32_t> samples) noexcept override {
         std::vector<std::int32_t>& waiting = system_.fineCaptured;
         const std::size_t count = std::min(samples.size(), waiting.size());
         std::copy_n(waiting.begin(), count, samples.begin());
         waiting.erase(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(count));
-        return count;
+        const std::uint64_t first = std::exchange(system_.fineFirstFrame, system_.fineFirstFrame + count / 2);
+        return {count, first};
     }
     int Bits() const override { return system_.inputBits; }
     CaptureStatistics Statistics() const override { return system_.statistics; }

@@ -49,9 +49,13 @@ public:
     bool fineOn = false;
     std::vector<std::int32_t> fineQueued;
     std::size_t fineRoom = 0;
+    std::size_t fineWaiting = 0;         // frames
+    std::vector<std::int64_t> fineCuts;  // milliseconds
+    std::uint64_t fineMissing = 0;
     // Fine capture: whether it is on, and the samples it gives next.
     bool fineCaptureOn = false;
     std::vector<std::int32_t> fineCaptured;
+    std::uint64_t fineFirstFrame = 0;  // of fineCaptured
     std::string inputPathNote;
     std::string outputPathNote;
     std::uint64_t underruns = 0;

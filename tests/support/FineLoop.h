@@ -66,7 +66,7 @@ private:
     // No played sample is 0.
     bool Drain() {
         std::vector<std::int32_t> samples(4096);
-        while (const std::size_t count = capture->TakeFine(samples))
+        while (const std::size_t count = capture->TakeFine(samples).samples)
             for (std::size_t i = 0; i < count; ++i)
                 if (!returned_.empty() || samples[i] != 0) returned_.push_back(samples[i]);
         return returned_.size() >= played_.size();

@@ -64,6 +64,10 @@ std::uint64_t StreamEngine::Underruns() const {
     return underrunsBefore_ + (playbackBuffer_ ? playbackBuffer_->Underruns() : 0);
 }
 
+std::uint64_t StreamEngine::FineFramesMissing() const {
+    return fineMissingBefore_ + (playbackBuffer_ ? playbackBuffer_->FineFramesMissing() : 0);
+}
+
 std::vector<std::string> StreamEngine::PathNotes() const {
     std::vector<std::string> notes;
     const int bitsWanted = std::max({InputBits(), OutputBits(), kBlockBits});
@@ -150,6 +154,7 @@ void StreamEngine::ReleaseObjects() {
     drift_.Forget();
     countsBefore_ = CaptureCounts();
     underrunsBefore_ = Underruns();
+    fineMissingBefore_ = FineFramesMissing();
     playbackDevice_.reset();
     playbackBuffer_.reset();
     captureBuffer_.reset();

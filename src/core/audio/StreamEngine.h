@@ -90,8 +90,11 @@ public:
     int OutputBits() const { return playbackBuffer_ ? playbackBuffer_->Bits() : 0; }
     // Counts of all capture buffers since construction.
     CaptureStatistics CaptureCounts() const;
-    // Underruns of the present playback device since construction.
+    // Underruns of all playback buffers since construction.
     std::uint64_t Underruns() const;
+    // Frames of silence that all playback buffers played since construction because fine frames came too
+    // late.
+    std::uint64_t FineFramesMissing() const;
     // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and "Clocks:
     // ...". The direction with fewer bits is named, and any below 16. Empty if nothing is known.
     std::vector<std::string> PathNotes() const;
@@ -181,6 +184,7 @@ private:
     // Counts of destroyed buffers.
     CaptureStatistics countsBefore_;
     std::uint64_t underrunsBefore_ = 0;
+    std::uint64_t fineMissingBefore_ = 0;
     ClockDrift drift_;
     bool gapBefore_ = false;           // a gap was counted at the last block
     std::int32_t settlingBlocks_ = 0;  // blocks that may still contain the step of a start

@@ -73,11 +73,17 @@ struct PositionNotification {
 
 // Counts of a running stream since the buffer was created.
 struct CaptureStatistics {
-    std::uint64_t framesCaptured = 0;
+    std::uint64_t framesCaptured = 0;     // including framesMissing
     std::uint64_t segmentsCompleted = 0;  // notification positions passed while running
     std::uint64_t segmentsLost = 0;       // of these, not notified because the event was still pending
     std::uint64_t framesMissing = 0;      // captured frames that the device lost, replaced by silence
     std::uint64_t fineFramesLost = 0;     // captured frames that TakeFine came too late for
+};
+
+// Captured frames without an interruption.
+struct FineRun {
+    std::size_t samples = 0;
+    std::uint64_t firstFrame = 0;  // framesCaptured before the first of them
 };
 
 // Fine samples are interleaved stereo, left-justified in 32 bits: a sample of n bits is in the upper n bits,
@@ -94,11 +100,16 @@ public:
     virtual void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples) = 0;
     // While on, the frames of QueueFine are played in place of the looping buffer's, which pass unheard, and
     // silence where they are too few. Turning it on discards frames queued before. Volume, Stop and
-    // PlayLooping apply to both. Does nothing when the state is the same. Never fails.
+    // PlayLooping apply to both. Does nothing when the state is the same. Works on a lost device too.
     virtual void PlayFine(bool on) = 0;
     // Queues frames after those queued before, while fine playback is on. Returns the samples taken: at least
-    // 100 ms fit when none are waiting.
+    // 1.5 s fit when none are waiting.
     virtual std::size_t QueueFine(std::span<const std::int32_t> samples) = 0;
+    // Frames queued from now on follow those that play within this time; the rest plays only until there are
+    // such frames. Returns the number of frames cut off. Call QueueFine at once.
+    virtual std::size_t CutFine(std::chrono::milliseconds keep) = 0;
+    // Queued frames that the device has not taken.
+    virtual std::size_t FineFramesWaiting() const = 0;
     // Frames of silence played because QueueFine came too late, since the buffer was created.
     virtual std::uint64_t FineFramesMissing() const = 0;
     // Bits of a sample that reach the device. After the volume, samples are rounded half to even to them.
@@ -137,11 +148,12 @@ public:
     virtual void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) = 0;
     virtual void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) = 0;
     // While on, captured frames are also queued for TakeFine. The queue holds 2 s; frames that find it full
-    // are counted as fineFramesLost, and the gap follows the frames that were waiting. Turning it on discards
-    // frames queued before. Does nothing when the state is the same. Never fails.
+    // are counted as fineFramesLost. Turning it on and StartLooping discard frames queued before. Does
+    // nothing when the state is the same. Works on a lost device too.
     virtual void CaptureFine(bool on) = 0;
-    // Takes the oldest queued frames and returns the number of samples. Never fails.
-    virtual std::size_t TakeFine(std::span<std::int32_t> samples) = 0;
+    // Takes the oldest queued frames, up to the first lost or missing frame. No samples mean that none are
+    // waiting. Never fails.
+    virtual FineRun TakeFine(std::span<std::int32_t> samples) noexcept = 0;
     // Bits of a sample that the device delivers.
     virtual int Bits() const = 0;
     virtual CaptureStatistics Statistics() const = 0;

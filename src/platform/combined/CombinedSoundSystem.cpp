@@ -67,7 +67,7 @@ public:
         buffer_->ReadFine(offset, samples);
     }
     void CaptureFine(bool on) override { buffer_->CaptureFine(on); }
-    std::size_t TakeFine(std::span<std::int32_t> samples) override { return buffer_->TakeFine(samples); }
+    FineRun TakeFine(std::span<std::int32_t> samples) noexcept override { return buffer_->TakeFine(samples); }
     int Bits() const override { return buffer_->Bits(); }
     CaptureStatistics Statistics() const override { return buffer_->Statistics(); }
     std::string PathNote() const override { return buffer_->PathNote(); }

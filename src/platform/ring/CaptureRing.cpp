@@ -16,6 +16,7 @@ void CaptureRing::SetPositions(std::vector<Position> positions) {
 
 void CaptureRing::Start() noexcept {
     if (running_.load()) return;
+    fine_.Discard();
     rewind_.store(true);
     running_.store(true);
 }
@@ -27,7 +28,7 @@ void CaptureRing::Stop() noexcept {
 }
 
 template <class FrameAt>
-bool CaptureRing::PushFrames(FrameAt frameAt, std::size_t frames) noexcept {
+bool CaptureRing::PushFrames(FrameAt frameAt, std::size_t frames, bool missing) noexcept {
     pushing_.store(true);
     const bool running = running_.load();
     if (running) {
@@ -37,29 +38,40 @@ bool CaptureRing::PushFrames(FrameAt frameAt, std::size_t frames) noexcept {
             Notify(next_);
             next_ = next_ + 1 == frames_.Size() ? 0 : next_ + 1;
         }
-        captured_.fetch_add(frames, std::memory_order_relaxed);
-        PutFine(frameAt, frames);
+        const std::uint64_t before = captured_.fetch_add(frames, std::memory_order_relaxed);
+        if (!missing) PutFine(frameAt, frames, before);
     }
     pushing_.store(false);
     return running;
 }
 
 template <class FrameAt>
-void CaptureRing::PutFine(FrameAt frameAt, std::size_t frames) noexcept {
+void CaptureRing::PutFine(FrameAt frameAt, std::size_t frames, std::uint64_t number) noexcept {
     if (!fine_.Opened()) return;
-    const std::size_t put = fine_.Put([&](std::size_t i) { return Fine(frameAt(i)); }, frames);
+    const std::size_t put = fine_.Put(
+        [&](std::size_t i) {
+            return NumberedFrame{Fine(frameAt(i)), number + i};
+        },
+        frames);
     fineLost_.fetch_add(frames - put, std::memory_order_relaxed);
 }
 
 void CaptureRing::CaptureFine(bool on) {
+    if (on == fine_.Opened()) return;
     on ? fine_.Open() : fine_.Close();
+    fine_.Discard();
 }
 
-std::size_t CaptureRing::TakeFine(std::span<std::int32_t> samples) noexcept {
-    return 2 *
-           fine_.Take([&](std::size_t i,
-                          const FineFrame& frame) { std::copy(frame.begin(), frame.end(), &samples[2 * i]); },
-                      samples.size() / 2);
+FineRun CaptureRing::TakeFine(std::span<std::int32_t> samples) noexcept {
+    FineRun run;
+    const auto take = [&](std::size_t i, const NumberedFrame& frame) {
+        if (i == 0) run.firstFrame = frame.number;
+        if (frame.number != run.firstFrame + i) return false;
+        std::copy(frame.samples.begin(), frame.samples.end(), &samples[2 * i]);
+        return true;
+    };
+    run.samples = 2 * fine_.Take(take, samples.size() / 2);
+    return run;
 }
 
 void CaptureRing::Notify(std::size_t frame) noexcept {
@@ -79,7 +91,7 @@ void CaptureRing::Push(const std::int32_t* samples, std::size_t frames) noexcept
 }
 
 void CaptureRing::PushSilence(std::size_t frames) noexcept {
-    if (PushFrames([](std::size_t) { return FineFrame{}; }, frames))
+    if (PushFrames([](std::size_t) { return FineFrame{}; }, frames, true))
         missing_.fetch_add(frames, std::memory_order_relaxed);
 }
 

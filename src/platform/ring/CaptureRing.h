@@ -48,18 +48,23 @@ public:
 
     // The frames of every push, for a reader that does not depend on notifications; see CaptureBuffer.
     void CaptureFine(bool on);
-    std::size_t TakeFine(std::span<std::int32_t> samples) noexcept;
+    FineRun TakeFine(std::span<std::int32_t> samples) noexcept;
 
 private:
+    struct NumberedFrame {
+        FineFrame samples;
+        std::uint64_t number;  // frames captured before it
+    };
+
     // False when the ring is stopped and nothing was stored.
     template <class FrameAt>
-    bool PushFrames(FrameAt frameAt, std::size_t frames) noexcept;
+    bool PushFrames(FrameAt frameAt, std::size_t frames, bool missing = false) noexcept;
     template <class FrameAt>
-    void PutFine(FrameAt frameAt, std::size_t frames) noexcept;
+    void PutFine(FrameAt frameAt, std::size_t frames, std::uint64_t number) noexcept;
     void Notify(std::size_t frame) noexcept;
 
     RingFrames frames_;
-    FineQueue fine_;
+    FineQueue<NumberedFrame> fine_;
     std::vector<Position> positions_;  // changed only while no push reads it
     std::atomic<bool> running_{false};
     std::atomic<bool> rewind_{false};  // set by Start: the next push begins at frame 0

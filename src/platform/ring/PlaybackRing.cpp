@@ -16,9 +16,9 @@ constexpr std::uint32_t kMostHandedOver = std::numeric_limits<std::uint32_t>::ma
 
 constexpr std::size_t kChunkFrames = 64;
 
-// Long enough for a late feeder, and for some blocks at low rates.
+// Outlasts a user-interface thread that is blocked for a second, and some blocks at low rates.
 std::size_t FineFrames(std::int32_t rateHz) noexcept {
-    return static_cast<std::size_t>(std::max(rateHz / 2, 4 * kBlockFrames));
+    return static_cast<std::size_t>(std::max(rateHz + rateHz / 2, 4 * kBlockFrames));
 }
 
 template <class Sample>
@@ -35,7 +35,10 @@ void Copy(std::span<const FineFrame> frames, Sample* samples, int bits) noexcept
 }  // namespace
 
 PlaybackRing::PlaybackRing(std::int32_t bytes, std::int32_t rateHz)
-    : frames_(bytes), fine_(FineFrames(rateHz)), rampShare_(1.0 / std::max(kRampSeconds * rateHz, 1.0)) {}
+    : frames_(bytes),
+      rateHz_(rateHz),
+      fine_(FineFrames(rateHz)),
+      rampShare_(1.0 / std::max(kRampSeconds * rateHz, 1.0)) {}
 
 PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
     Place old = place_.load();
@@ -51,6 +54,7 @@ PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
 
 template <class Sample>
 void PlaybackRing::PullAs(Sample* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
+    TakeFine({});  // makes room in a queue that was opened again
     if (!playing_.load()) {
         std::fill_n(samples, 2 * frames, Sample{0});
         audible_ = false;
@@ -102,10 +106,17 @@ void PlaybackRing::Fetch(std::size_t at, std::span<FineFrame> frames) noexcept {
         return;
     }
     const bool used = fine_.Used();
-    const std::size_t taken =
-        fine_.Take([&](std::size_t i, const FineFrame& frame) { frames[i] = frame; }, frames.size());
+    const std::size_t taken = TakeFine(frames);
     std::fill(frames.begin() + static_cast<std::ptrdiff_t>(taken), frames.end(), FineFrame{});
     if (used) fineMissing_.fetch_add(frames.size() - taken, std::memory_order_relaxed);
+}
+
+std::size_t PlaybackRing::TakeFine(std::span<FineFrame> frames) noexcept {
+    const auto take = [&](std::size_t i, const FineFrame& frame) {
+        frames[i] = frame;
+        return true;
+    };
+    return fine_.Take(take, frames.size());
 }
 
 void PlaybackRing::FollowTarget(double target) noexcept {
@@ -140,6 +151,10 @@ std::size_t PlaybackRing::QueueFine(std::span<const std::int32_t> samples) noexc
                        return FineFrame{samples[2 * i], samples[2 * i + 1]};
                    },
                    samples.size() / 2);
+}
+
+std::size_t PlaybackRing::CutFine(std::chrono::milliseconds keep) noexcept {
+    return fine_.Cut(static_cast<std::size_t>(keep.count() * rateHz_ / 1000));
 }
 
 void PlaybackRing::Write(std::int32_t offset, std::span<const std::int16_t> samples) {

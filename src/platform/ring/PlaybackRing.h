@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <span>
 
@@ -15,7 +16,8 @@ namespace sonavex {
 // takes no lock and no memory; everything else is for the user-interface thread.
 class PlaybackRing {
 public:
-    // Error 5 unless `bytes` is a positive multiple of a frame. rateHz sets the length of the volume ramp.
+    // Error 5 unless `bytes` is a positive multiple of a frame. rateHz sets the lengths of the volume ramp
+    // and of the queue of fine frames.
     PlaybackRing(std::int32_t bytes, std::int32_t rateHz);
 
     // Fills `samples` (2 x frames) with the next frames, or with silence while stopped. deviceDelay is the
@@ -34,6 +36,8 @@ public:
     // Frames that are played in place of the ring's; see PlaybackBuffer.
     void PlayFine(bool on);
     std::size_t QueueFine(std::span<const std::int32_t> samples) noexcept;
+    std::size_t CutFine(std::chrono::milliseconds keep) noexcept;
+    std::size_t FineFramesWaiting() const noexcept { return fine_.Waiting(); }
     std::uint64_t FineFramesMissing() const noexcept { return fineMissing_.load(std::memory_order_relaxed); }
 
     // Both are 0 while stopped. Write: next frame that the device takes. Play: write minus the frames of this
@@ -60,6 +64,7 @@ private:
     void PullAs(Sample* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
     void Copy16(std::size_t at, std::int16_t* samples, std::size_t frames) const noexcept;
     void Fetch(std::size_t at, std::span<FineFrame> frames) noexcept;
+    std::size_t TakeFine(std::span<FineFrame> frames) noexcept;
     void FollowTarget(double target) noexcept;
     template <class Sample>
     void Amplify(std::span<const FineFrame> frames, double target, Sample* samples, int bits) noexcept;
@@ -68,7 +73,8 @@ private:
     }
 
     RingFrames frames_;
-    FineQueue fine_;
+    std::int32_t rateHz_;
+    FineQueue<FineFrame> fine_;
     std::atomic<std::uint64_t> fineMissing_{0};
     std::atomic<Place> place_{Place{0, 0}};
     std::atomic<std::uint32_t> delay_{0};  // frames in the device after the last Pull

@@ -45,6 +45,8 @@ public:
     }
     void PlayFine(bool on) final { ring_.PlayFine(on); }
     std::size_t QueueFine(std::span<const std::int32_t> samples) final { return ring_.QueueFine(samples); }
+    std::size_t CutFine(std::chrono::milliseconds keep) final { return ring_.CutFine(keep); }
+    std::size_t FineFramesWaiting() const final { return ring_.FineFramesWaiting(); }
     std::uint64_t FineFramesMissing() const final { return ring_.FineFramesMissing(); }
     int Bits() const final { return Device().Bits(); }
     void SetCurrentPosition(std::int32_t offset) final { Checked().SetPosition(offset); }
@@ -94,7 +96,7 @@ public:
         Checked().ReadFine(offset, samples);
     }
     void CaptureFine(bool on) final { ring_.CaptureFine(on); }
-    std::size_t TakeFine(std::span<std::int32_t> samples) final { return ring_.TakeFine(samples); }
+    FineRun TakeFine(std::span<std::int32_t> samples) noexcept final { return ring_.TakeFine(samples); }
     int Bits() const final { return Device().Bits(); }
     CaptureStatistics Statistics() const final { return ring_.Statistics(); }
     std::string PathNote() const final { return Device().PathNote(); }

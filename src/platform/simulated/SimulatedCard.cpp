@@ -13,11 +13,7 @@ constexpr std::size_t kPeriodFrames = 256;
 void SimulatedCard::SetDeviceUnderTest(DeviceUnderTestModel model) {
     const std::lock_guard lock(mutex_);
     device_ = DeviceUnderTest(std::move(model));
-}
-
-int SimulatedCard::Bits() const {
-    const std::lock_guard lock(mutex_);
-    return device_.Bits();
+    bits_.store(device_.Bits(), std::memory_order_relaxed);
 }
 
 void SimulatedCard::SetMixerGains(const MixerGains& gains) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <vector>
@@ -16,12 +17,12 @@ namespace sonavex {
 // user-interface thread.
 class SimulatedCard {
 public:
-    SimulatedCard() : device_(DeviceUnderTestModel{}) {}
+    SimulatedCard() : device_(DeviceUnderTestModel{}), bits_(device_.Bits()) {}
 
     // Replaces the device under test. Frames in its delay are dropped.
     void SetDeviceUnderTest(DeviceUnderTestModel model);
-    // Bits of the converters.
-    int Bits() const;
+    // Bits of the converters. Any thread.
+    int Bits() const noexcept { return bits_.load(std::memory_order_relaxed); }
 
     void SetMixerGains(const MixerGains& gains);
     void SetRate(std::uint32_t rateHz);
@@ -51,6 +52,7 @@ private:
     CaptureRing* capture_ = nullptr;
     MixerPath mixer_;
     DeviceUnderTest device_;
+    std::atomic<int> bits_;  // of device_
     std::vector<std::int32_t> played_;
     std::vector<std::int32_t> captured_;
     bool stalled_ = false;

@@ -96,6 +96,7 @@ TEST(CaptureCounts, AndUnderrunsOutliveTheirBuffers) {
     ClockBench bench;
     bench.sound.statistics = {4096, 2, 1, 480};
     bench.sound.underruns = 3;
+    bench.sound.fineMissing = 70;
     ASSERT_TRUE(bench.engine.ReStart());
     bench.sound.statistics = {2048, 1, 0, 20};
     bench.sound.underruns = 1;
@@ -105,6 +106,7 @@ TEST(CaptureCounts, AndUnderrunsOutliveTheirBuffers) {
     EXPECT_EQ(counts.segmentsLost, 1U);
     EXPECT_EQ(counts.framesMissing, 500U);
     EXPECT_EQ(bench.engine.Underruns(), 4U);
+    EXPECT_EQ(bench.engine.FineFramesMissing(), 140U);
 }
 
 TEST(CaptureCounts, AndUnderrunsWithoutBuffersAreThoseBefore) {
@@ -114,7 +116,9 @@ TEST(CaptureCounts, AndUnderrunsWithoutBuffersAreThoseBefore) {
     bench.Start();
     bench.sound.statistics = {4096, 2, 1, 480};
     bench.sound.underruns = 3;
+    bench.sound.fineMissing = 5;
     bench.engine.Release();
+    EXPECT_EQ(bench.engine.FineFramesMissing(), 5U);
     EXPECT_EQ(bench.engine.CaptureCounts().framesCaptured, 4096U);
     EXPECT_EQ(bench.engine.CaptureCounts().segmentsCompleted, 2U);
     EXPECT_EQ(bench.engine.Underruns(), 3U);

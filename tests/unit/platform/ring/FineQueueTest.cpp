@@ -19,6 +19,7 @@ namespace {
 constexpr std::size_t kQueueFrames = 1000;
 constexpr std::int32_t kSmallRingBytes = 64 * kFrameBytes;
 
+using namespace std::chrono_literals;
 using FineVector = std::vector<std::int32_t>;
 
 // Frames numbered from `first`: the number on the first channel, its negative on the second.
@@ -37,10 +38,13 @@ protected:
     void Push(std::int32_t first, std::size_t frames) { ring_.Push(Numbered(first, frames).data(), frames); }
     FineVector Take(std::size_t frames) {
         FineVector samples(2 * frames);
-        samples.resize(ring_.TakeFine(samples));
+        const FineRun run = ring_.TakeFine(samples);
+        firstFrame_ = run.firstFrame;
+        samples.resize(run.samples);
         return samples;
     }
     CaptureRing ring_{kSmallRingBytes, kQueueFrames};
+    std::uint64_t firstFrame_ = 0;  // of the last Take
 };
 
 TEST_F(FineCaptureQueue, IsOffAtFirst) {
@@ -71,16 +75,33 @@ TEST_F(FineCaptureQueue, CountsWhatFindsItFull) {
     EXPECT_EQ(Take(2000), Numbered(0, kQueueFrames));
     Push(2000, 3);
     EXPECT_EQ(Take(10), Numbered(2000, 3));
+    EXPECT_EQ(firstFrame_, 1050U);
     EXPECT_EQ(ring_.Statistics().fineFramesLost, 50U);
 }
 
-TEST_F(FineCaptureQueue, ContainsSilenceForFramesThatTheDeviceLost) {
+// The frames in between are not in the queue, and the number of the next frame counts them.
+TEST_F(FineCaptureQueue, InterruptsARunWhereTheDeviceLostFrames) {
+    Push(0, 100);
     ring_.CaptureFine(true);
     Push(5, 1);
     ring_.PushSilence(2);
     const std::vector<std::int16_t> narrow{3, -3};
     ring_.Push(narrow.data(), 1);
-    EXPECT_EQ(Take(9), (FineVector{5, -5, 0, 0, 0, 0, 0x30000, -0x30000}));
+    EXPECT_EQ(Take(9), Numbered(5, 1));
+    EXPECT_EQ(firstFrame_, 100U);
+    EXPECT_EQ(Take(9), (FineVector{0x30000, -0x30000}));
+    EXPECT_EQ(firstFrame_, 103U);
+    EXPECT_EQ(ring_.Statistics().framesCaptured, 104U);
+}
+
+TEST_F(FineCaptureQueue, InterruptsARunWhereFramesFoundItFull) {
+    ring_.CaptureFine(true);
+    Push(0, 1100);
+    Take(10);
+    Push(1100, 4);
+    EXPECT_EQ(Take(2000), Numbered(10, kQueueFrames - 10));
+    EXPECT_EQ(Take(2000), Numbered(1100, 4));
+    EXPECT_EQ(firstFrame_, 1100U);
 }
 
 TEST_F(FineCaptureQueue, DiscardsTheRestWhenTurnedOnAgain) {
@@ -95,6 +116,26 @@ TEST_F(FineCaptureQueue, DiscardsTheRestWhenTurnedOnAgain) {
     EXPECT_EQ(Take(1), FineVector{});
     Push(800, 800);
     EXPECT_EQ(Take(2000), Numbered(800, 800));
+}
+
+TEST_F(FineCaptureQueue, HasRoomAtOnceWhenTurnedOnAgain) {
+    ring_.CaptureFine(true);
+    Push(0, kQueueFrames);
+    ring_.CaptureFine(false);
+    ring_.CaptureFine(true);
+    Push(5000, kQueueFrames);
+    EXPECT_EQ(Take(2000), Numbered(5000, kQueueFrames));
+    EXPECT_EQ(ring_.Statistics().fineFramesLost, 0U);
+}
+
+TEST_F(FineCaptureQueue, DiscardsTheRestWhenTheCaptureStarts) {
+    ring_.CaptureFine(true);
+    Push(0, 10);
+    ring_.Stop();
+    ring_.Start();
+    Push(10, 5);
+    EXPECT_EQ(Take(100), Numbered(10, 5));
+    EXPECT_EQ(firstFrame_, 10U);
 }
 
 TEST_F(FineCaptureQueue, DropsWhatComesWhileStopped) {
@@ -147,11 +188,63 @@ TEST_F(FinePlaybackQueue, DiscardsTheRestWhenTurnedOnAgain) {
     EXPECT_EQ(Pull(3), (FineVector{90, -90, 91, -91, 0, 0}));
 }
 
-TEST_F(FinePlaybackQueue, HoldsAtLeastATenthOfASecondAndABlock) {
+TEST_F(FinePlaybackQueue, HasRoomAtOnceWhenTurnedOnAgain) {
+    for (int i = 0; i < 5; ++i) {
+        ring_.PlayFine(true);
+        EXPECT_EQ(ring_.QueueFine(FineVector(200000)), 144000U) << i;
+        ring_.PlayFine(false);
+        if (i % 2 == 0) ring_.Stop();
+        ring_.PlayFine(true);
+        EXPECT_EQ(ring_.QueueFine(FineVector(200000)), 144000U) << i;
+        Pull(1);
+        ring_.PlayFine(false);
+        Pull(1);
+    }
+}
+
+TEST_F(FinePlaybackQueue, AnotherSourceFollowsWithoutAGap) {
+    ring_.PlayFine(true);
+    const std::size_t full = ring_.QueueFine(FineVector(200000, 7)) / 2;
+    Pull(5);
+    EXPECT_EQ(ring_.CutFine(0ms), full - 5);
+    EXPECT_EQ(Pull(2), FineVector(4, 7));  // until the other source has arrived
+    EXPECT_EQ(ring_.QueueFine(Numbered(1, full)), 2 * full);
+    EXPECT_EQ(ring_.FineFramesWaiting(), full);
+    EXPECT_EQ(Pull(full), Numbered(1, full));
+    EXPECT_EQ(ring_.FineFramesMissing(), 0U);
+}
+
+TEST_F(FinePlaybackQueue, ACutTakesEffectWhereItWasMade) {
+    ring_.PlayFine(true);
+    ring_.QueueFine(Numbered(1, 10000));
+    Pull(100);
+    EXPECT_EQ(ring_.CutFine(50ms), 9900U - 2400U);
+    ring_.QueueFine(Numbered(20001, 10));
+    EXPECT_EQ(ring_.FineFramesWaiting(), 2410U);
+    EXPECT_EQ(Pull(2000), Numbered(101, 2000));
+    // The second cut drops what follows the first one.
+    EXPECT_EQ(ring_.CutFine(50ms), 10U);
+    ring_.QueueFine(Numbered(30001, 500));
+    EXPECT_EQ(Pull(400), Numbered(2101, 400));
+    EXPECT_EQ(Pull(500), Numbered(30001, 500));
+    EXPECT_EQ(ring_.FineFramesWaiting(), 0U);
+    EXPECT_EQ(ring_.FineFramesMissing(), 0U);
+}
+
+TEST_F(FinePlaybackQueue, ACutOfLessThanItKeepsChangesNothing) {
+    EXPECT_EQ(ring_.CutFine(0ms), 0U);  // off
+    ring_.PlayFine(true);
+    ring_.QueueFine(Numbered(1, 100));
+    EXPECT_EQ(ring_.CutFine(50ms), 0U);
+    ring_.QueueFine(Numbered(101, 100));
+    EXPECT_EQ(Pull(200), Numbered(1, 200));
+}
+
+TEST_F(FinePlaybackQueue, HoldsAtLeastOneAndAHalfSecondsAndFourBlocks) {
     for (const std::int32_t rateHz : {4000, 48000, 192000}) {
         PlaybackRing ring(kSmallRingBytes, rateHz);
         ring.PlayFine(true);
-        const std::size_t wanted = std::max(rateHz / 5, 2 * 2048);
+        const std::size_t wanted = std::max(3 * rateHz, 2 * 4 * 2048);
         EXPECT_EQ(ring.QueueFine(FineVector(wanted)), wanted) << rateHz;
     }
 }
@@ -201,7 +294,7 @@ TEST(FineQueueThreads, TwoThreadsLoseNothing) {
             out.QueueFine(Numbered(queued + 1, 100));
             queued += 100;
         }
-        const std::size_t count = in.TakeFine(samples);
+        const std::size_t count = in.TakeFine(samples).samples;
         for (std::size_t i = 0; i < count; i += 2) inOrder = inOrder && samples[i] == ++taken;
     }
     finished = true;
@@ -209,6 +302,42 @@ TEST(FineQueueThreads, TwoThreadsLoseNothing) {
     EXPECT_EQ(taken, kFrames);
     EXPECT_TRUE(inOrder);
     EXPECT_EQ(in.Statistics().fineFramesLost, 0U);
+}
+
+// Each source plays its number. A source is never heard after its successor.
+TEST(FineQueueThreads, SourcesFollowEachOther) {
+    PlaybackRing ring(kSmallRingBytes, 4000);
+    ring.SetBits(32);
+    ring.PlayFine(true);
+    ring.Play();
+    constexpr std::int32_t kSources = 2000;
+    std::atomic<std::int32_t> heard{0};
+    std::atomic<bool> finished{false};
+    std::atomic<bool> inOrder{true};
+    std::thread audio([&] {
+        FineVector period(128);
+        while (!finished) {
+            ring.Pull(period.data(), 64, 0);
+            for (const std::int32_t sample : period) {
+                if (sample == 0) continue;  // the queue was empty
+                if (sample < heard) inOrder = false;
+                heard = sample;
+            }
+        }
+    });
+    for (std::int32_t source = 1; source <= kSources; ++source) {
+        ring.CutFine(std::chrono::milliseconds(source % 3));
+        ring.QueueFine(FineVector(2 * 100, source));
+    }
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (heard < kSources && std::chrono::steady_clock::now() < end) {
+        ring.CutFine(0ms);
+        ring.QueueFine(FineVector(2, kSources));
+    }
+    finished = true;
+    audio.join();
+    EXPECT_EQ(heard, kSources);
+    EXPECT_TRUE(inOrder);
 }
 
 }  // namespace

@@ -101,7 +101,7 @@ TEST(FineCardInRealTime, ABlockedThreadLosesNoFineFrame) {
     rig.Start();
     std::this_thread::sleep_for(std::chrono::seconds(1));
     FineBlock captured(4 * kFineRateHz);
-    captured.resize(rig.capture->TakeFine(captured));
+    captured.resize(rig.capture->TakeFine(captured).samples);
     EXPECT_GE(captured.size(), 2 * kFineRateHz * 9 / 10);
     EXPECT_EQ(rig.capture->Statistics().fineFramesLost, 0U);
     const auto first =
@@ -112,6 +112,27 @@ TEST(FineCardInRealTime, ABlockedThreadLosesNoFineFrame) {
         if (*sample != pattern[at]) ++different;
     EXPECT_EQ(different, 0U);
     EXPECT_LT(first - captured.begin(), kFineRateHz / 5);
+}
+
+TEST(FineCardInRealTime, ABlockedThreadPlaysEveryFineFrame) {
+    SimulatedRig rig(SimulatedSoundSystem::Pace::kRealTime);
+    constexpr std::int32_t kPlayedHz = 192000;
+    rig.Open(kPlayedHz);
+    rig.system.Card().SetDeviceUnderTest(WithBits(32));
+    FineBlock counted(3 * kPlayedHz);
+    std::iota(counted.begin(), counted.end(), 1);
+    rig.playback->PlayFine(true);
+    ASSERT_EQ(rig.playback->QueueFine(counted), counted.size());
+    rig.capture->CaptureFine(true);
+    rig.Start();
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    FineBlock captured(4 * kPlayedHz);
+    captured.resize(rig.capture->TakeFine(captured).samples);
+    EXPECT_EQ(rig.playback->FineFramesMissing(), 0U);
+    captured.erase(captured.begin(),
+                   std::find_if(captured.begin(), captured.end(), [](auto sample) { return sample != 0; }));
+    ASSERT_GE(captured.size(), 2 * kPlayedHz * 9 / 10);
+    EXPECT_TRUE(std::equal(captured.begin(), captured.end(), counted.begin()));
 }
 
 }  // namespace
