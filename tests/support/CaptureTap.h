@@ -59,6 +59,7 @@ private:
             return buffer_->TakeFine(samples);
         }
         int Bits() const override { return buffer_->Bits(); }
+        std::uint32_t TakeMovedBits() noexcept override { return buffer_->TakeMovedBits(); }
         CaptureStatistics Statistics() const override { return buffer_->Statistics(); }
 
     private:

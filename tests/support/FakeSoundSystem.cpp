@@ -96,6 +96,7 @@ public:
         return {count, first};
     }
     int Bits() const override { return system_.inputBits; }
+    std::uint32_t TakeMovedBits() noexcept override { return std::exchange(system_.movedBits, 0U); }
     CaptureStatistics Statistics() const override { return system_.statistics; }
 
 private:

@@ -43,6 +43,7 @@ public:
     std::deque<BufferCursors> cursors;  // one per call, then `restingCursors`
     BufferCursors restingCursors;
     CaptureStatistics statistics;
+    std::uint32_t movedBits = 0;
     int inputBits = 16;
     int outputBits = 16;
     // Fine playback: whether it is on, what it took, and how many samples it takes at a time.

@@ -20,6 +20,8 @@ public:
     virtual void FillFine(std::span<std::int32_t> block) = 0;
     // Goes back by this many frames, which were filled and will not be played.
     virtual void Rewind(std::uint64_t /*frames*/) {}
+    // Bits of the dithered samples; 0 without dither.
+    virtual int DitherBits() const { return 0; }
 };
 
 // Consecutive captured frames.
@@ -48,6 +50,7 @@ public:
     // bypasses the 16-bit limiter, not the volume. It must stay valid until replaced. A new source follows
     // the former one without a gap. A source that throws is removed, and the error goes to the event loop.
     void SetSource(FineSource* source);
+    const FineSource* Source() const noexcept { return source_; }
     // Call after the source's samples have changed. The change is heard within 50 ms plus the delay of the
     // device: frames that were filled and would be played later are dropped, and the source is rewound.
     void Refill();

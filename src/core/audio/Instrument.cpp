@@ -12,6 +12,7 @@ Instrument::Instrument(const Needs& needs, const StreamWatch::Policy& policy)
       HiTimer1(needs.loop, Meter.Generator, [this] { return Engine.Restarting(); }),
       Engine({Shared, Settings, needs.sound, needs.loop, needs.dialogs, needs.errorLog, needs.mixers, Meter}),
       Fine(needs.loop, Engine),
+      UsedBits(needs.loop, Engine, Fine),
       Watch({needs.loop, needs.sound, Engine, needs.errorLog, Shared, Settings}, policy) {
     Engine.OnRebuilt = [this] { HiTimer1.ForgetOwed(); };
     Engine.OnNotified = [this] { Watch.Notified(); };

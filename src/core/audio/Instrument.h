@@ -8,6 +8,7 @@
 #include "core/audio/StreamEngine.h"
 #include "core/audio/StreamWatch.h"
 #include "core/audio/SweepTimer.h"
+#include "core/audio/UsedBits.h"
 #include "core/ports/Dialogs.h"
 #include "core/ports/ErrorLog.h"
 #include "core/ports/EventLoop.h"
@@ -55,6 +56,7 @@ public:
     SweepTimer HiTimer1;
     StreamEngine Engine;
     FineStream Fine;
+    sonavex::UsedBits UsedBits;
     StreamWatch Watch;
 };
 

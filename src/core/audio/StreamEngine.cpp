@@ -22,6 +22,10 @@ constexpr std::int32_t kSettlingBlocks = 8;
 
 constexpr int kBlockBits = 16;
 
+bool Silent(std::span<const std::int16_t> block) noexcept {
+    return std::all_of(block.begin(), block.end(), [](std::int16_t sample) { return sample == 0; });
+}
+
 template <class Buffer>
 std::string NoteOf(const Buffer& buffer, int bitsWanted) {
     std::string note = buffer.PathNote();
@@ -207,6 +211,7 @@ void StreamEngine::DirectXEvent8_DXCallback(EventHandle eventid) {
     Capture().ReadBuffer(BlockOffset, CaptureData);
     NoteDisturbances();
     needs_.processor.ProcessCapturedBlock(CaptureData, PlayData);
+    SilentBlocks = Silent(PlayData) ? SilentBlocks + 1 : 0;
 
     BlockOffset = PlayBlockIndex * kCaptureBlockBytes;
     BlockEnd = BlockOffset + kCaptureBlockBytes - 1;

@@ -122,6 +122,8 @@ public:
     std::uint64_t Blocks = 0;          // captured blocks processed
     std::uint64_t CaptureStarts = 0;
 
+    std::uint64_t SilentBlocks = 0;  // blocks of silence since the last other block of output
+
     // While true, notifications are dropped and counted, because a message is open.
     bool HoldNotifications = false;
     std::uint64_t DroppedNotifications = 0;

@@ -156,6 +156,9 @@ public:
     virtual FineRun TakeFine(std::span<std::int32_t> samples) noexcept = 0;
     // Bits of a sample that the device delivers.
     virtual int Bits() const = 0;
+    // The bits of a left-justified sample that were not the same in all samples of a channel since the last
+    // call. 0 for samples of 16 bits.
+    virtual std::uint32_t TakeMovedBits() noexcept = 0;
     virtual CaptureStatistics Statistics() const = 0;
     // As PlaybackBuffer::PathNote.
     virtual std::string PathNote() const { return {}; }

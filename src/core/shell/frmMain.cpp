@@ -21,10 +21,11 @@ constexpr const char* kInvalidRate = "Invalid Sampling Rate. Resetting to 22050.
 constexpr const char* kHelpFileName = "Sonavex.chm";
 constexpr std::int32_t kFallbackRateIndex = 3;
 
-std::string BitsCaption(int input, int output) {
+std::string BitsCaption(int input, int output, bool only16) {
     if (input == 0 || output == 0) return {};
-    if (input == output) return CStr(input) + " bit";
-    return "in " + CStr(input) + " · out " + CStr(output) + " bit";
+    const char* const used = only16 ? ", 16 used" : "";
+    if (input == output) return CStr(input) + " bit" + used;
+    return "in " + CStr(input) + used + " · out " + CStr(output) + " bit";
 }
 
 }  // namespace
@@ -165,7 +166,9 @@ void frmMain::ShowPath() {
     std::string text;
     for (const std::string& note : Instrument.Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
     PathNote.SetCaption(text);
-    lblBits.SetCaption(BitsCaption(Instrument.Engine.InputBits(), Instrument.Engine.OutputBits()));
+    Instrument.UsedBits.Observe();
+    lblBits.SetCaption(BitsCaption(Instrument.Engine.InputBits(), Instrument.Engine.OutputBits(),
+                                   Instrument.UsedBits.Only16()));
 }
 
 void frmMain::StreamError(const std::exception_ptr& error) {

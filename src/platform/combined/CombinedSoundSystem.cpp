@@ -69,6 +69,7 @@ public:
     void CaptureFine(bool on) override { buffer_->CaptureFine(on); }
     FineRun TakeFine(std::span<std::int32_t> samples) noexcept override { return buffer_->TakeFine(samples); }
     int Bits() const override { return buffer_->Bits(); }
+    std::uint32_t TakeMovedBits() noexcept override { return buffer_->TakeMovedBits(); }
     CaptureStatistics Statistics() const override { return buffer_->Statistics(); }
     std::string PathNote() const override { return buffer_->PathNote(); }
     std::optional<std::chrono::nanoseconds> ClockLead() const override { return buffer_->ClockLead(); }

@@ -82,12 +82,20 @@ void CaptureRing::Notify(std::size_t frame) noexcept {
     }
 }
 
+void CaptureRing::NoteMovedBits(const std::int32_t* samples, std::size_t frames) noexcept {
+    std::uint32_t moved = 0;
+    for (std::size_t i = 0; i < 2 * frames; ++i)
+        moved |= static_cast<std::uint32_t>(samples[i] ^ std::exchange(last_[i % 2], samples[i]));
+    moved_.fetch_or(moved, std::memory_order_relaxed);
+}
+
 void CaptureRing::Push(const std::int16_t* samples, std::size_t frames) noexcept {
     PushFrames([&](std::size_t i) { return Frame16{samples[2 * i], samples[2 * i + 1]}; }, frames);
 }
 
 void CaptureRing::Push(const std::int32_t* samples, std::size_t frames) noexcept {
     PushFrames([&](std::size_t i) { return FineFrame{samples[2 * i], samples[2 * i + 1]}; }, frames);
+    NoteMovedBits(samples, frames);
 }
 
 void CaptureRing::PushSilence(std::size_t frames) noexcept {

@@ -45,6 +45,8 @@ public:
     void Read(std::int32_t offset, std::span<std::int16_t> samples) const;
     void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) const;
     CaptureStatistics Statistics() const noexcept;
+    // See CaptureBuffer.
+    std::uint32_t TakeMovedBits() noexcept { return moved_.exchange(0, std::memory_order_relaxed); }
 
     // The frames of every push, for a reader that does not depend on notifications; see CaptureBuffer.
     void CaptureFine(bool on);
@@ -61,6 +63,7 @@ private:
     bool PushFrames(FrameAt frameAt, std::size_t frames, bool missing = false) noexcept;
     template <class FrameAt>
     void PutFine(FrameAt frameAt, std::size_t frames, std::uint64_t number) noexcept;
+    void NoteMovedBits(const std::int32_t* samples, std::size_t frames) noexcept;
     void Notify(std::size_t frame) noexcept;
 
     RingFrames frames_;
@@ -69,7 +72,11 @@ private:
     std::atomic<bool> running_{false};
     std::atomic<bool> rewind_{false};  // set by Start: the next push begins at frame 0
     std::atomic<bool> pushing_{false};
-    std::size_t next_ = 0;  // audio thread
+    // Audio thread.
+    std::size_t next_ = 0;
+    FineFrame last_{};  // of the samples of 32 bits
+
+    std::atomic<std::uint32_t> moved_{0};
     std::atomic<std::uint64_t> captured_{0};
     std::atomic<std::uint64_t> completed_{0};
     std::atomic<std::uint64_t> lost_{0};

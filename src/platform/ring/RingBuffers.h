@@ -98,6 +98,7 @@ public:
     void CaptureFine(bool on) final { ring_.CaptureFine(on); }
     FineRun TakeFine(std::span<std::int32_t> samples) noexcept final { return ring_.TakeFine(samples); }
     int Bits() const final { return Device().Bits(); }
+    std::uint32_t TakeMovedBits() noexcept final { return ring_.TakeMovedBits(); }
     CaptureStatistics Statistics() const final { return ring_.Statistics(); }
     std::string PathNote() const final { return Device().PathNote(); }
     std::optional<std::chrono::nanoseconds> ClockLead() const final { return clock_.Lead(); }

@@ -229,6 +229,30 @@ TEST(Path, ShowsTheBitsOfTheDevices) {
     EXPECT_EQ(form.lblSampleRate.Caption(), std::to_string(form.Instrument.Shared.SampleRate));
 }
 
+TEST(Path, ShowsAnInputThatUsesOnly16Bits) {
+    World world;
+    FakeSoundSystem sound(world.log);
+    sound.inputBits = 24;
+    sound.outputBits = 32;
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    const auto seconds = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            sound.FireSegment(static_cast<std::size_t>(i % 4));
+            form.Instrument.Engine.SilentBlocks = 100;
+            sound.movedBits = 0x12340000;
+            world.loop.Advance(std::chrono::milliseconds(1000));
+        }
+    };
+    seconds(10);
+    EXPECT_EQ(form.lblBits.Caption(), "in 24 · out 32 bit");
+    seconds(2);
+    EXPECT_EQ(form.lblBits.Caption(), "in 24, 16 used · out 32 bit");
+    sound.outputBits = 24;
+    seconds(1);
+    EXPECT_EQ(form.lblBits.Caption(), "24 bit, 16 used");
+}
+
 TEST(Restart, BringsBackWhatWasStored) {
     FormRig first;
     first.form.Form_Load();

@@ -80,6 +80,21 @@ TEST_F(FineCapture, LeftJustifies16Bits) {
     EXPECT_EQ(read, (FineSamples{0x10000, -0x10000, 0x7FFF0000, kLowest}));
 }
 
+TEST_F(FineCapture, NotesTheBitsThatMoved) {
+    const FineSamples pushed{0x10, 0x70000, 0x10, 0x70100, 0x30, 0x70000};
+    ring_.Push(pushed.data(), 3);
+    ring_.TakeMovedBits();
+    ring_.Push(pushed.data() + 4, 1);
+    EXPECT_EQ(ring_.TakeMovedBits(), 0U);
+    ring_.PushSilence(5);
+    EXPECT_EQ(ring_.TakeMovedBits(), 0U) << "not from the device";
+    ring_.Push(pushed.data(), 3);
+    EXPECT_EQ(ring_.TakeMovedBits(), 0x120U);
+    const std::vector<std::int16_t> narrow{1, 2, 3, 4};
+    ring_.Push(narrow.data(), 2);
+    EXPECT_EQ(ring_.TakeMovedBits(), 0U);
+}
+
 class FinePlayback : public testing::Test {
 protected:
     FinePlayback() {
