@@ -115,6 +115,7 @@ void PulsePath::TakeDevice(pa_context* server, const Info* info, int, void* self
     if (info == nullptr) return;
     auto& me = *static_cast<PulsePath*>(self);
     me.deviceRateHz_ = info->sample_spec.rate;
+    me.format_.Take(info->sample_spec);
     me.bits_.store(BitsOf(info->sample_spec.format), std::memory_order_relaxed);
     me.float_ = IsFloat(info->sample_spec.format);
     me.AskForCardOf(server, *info);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/pulse/FormatWatch.h"
 #include "platform/pulse/PulseContext.h"
 #include "platform/pulse/PulseDevices.h"
 
@@ -32,6 +33,9 @@ public:
 
     // Bits of a sample that the device takes or delivers, by the latest answer; 16 before. Any thread.
     int Bits() const noexcept { return bits_.load(std::memory_order_relaxed); }
+
+    // Whether the device has changed the format or rate of its samples. Under lock.
+    bool FormatChanged() const noexcept { return format_.Changed(); }
 
     // "card N" with the system's number of the sound card behind the device; empty when there is no card.
     std::string ClockName() const;
@@ -61,6 +65,7 @@ private:
     std::vector<pa_operation*> pending_;
     // Written by the connection's thread, under the context's lock.
     std::uint32_t deviceRateHz_ = 0;
+    FormatWatch format_;
     std::string card_;
     bool virtual_ = false;  // the device is software
     bool suspended_ = false;

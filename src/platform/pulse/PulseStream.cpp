@@ -140,6 +140,7 @@ void PulseStream::FollowPath(PulseDirection direction, const PulseDeadline& dead
 void PulseStream::AskForPath() {
     if (!path_) return;
     const PulseContext::Lock lock(context_);
+    if (path_->FormatChanged()) return Lose(Loss::kChanged);
     path_->Ask(stream_);
 }
 
@@ -197,6 +198,8 @@ std::string PulseStream::LossText() const {
             return device + "has been suspended.";
         case Loss::kStalled:
             return device + "has stalled: the sound server no longer moves its samples.";
+        case Loss::kChanged:
+            return device + "has changed the format or the rate of its samples.";
         case Loss::kNone:
             break;
     }

@@ -59,7 +59,7 @@ public:
 private:
     // Assumed before the server has answered.
     static constexpr int kUnknownBits = 16;
-    enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended, kStalled };
+    enum class Loss { kNone, kServerGone, kDeviceRemoved, kMoved, kSuspended, kStalled, kChanged };
 
     static void OnState(pa_stream* stream, void* self);
     static void OnMoved(pa_stream* stream, void* self);
