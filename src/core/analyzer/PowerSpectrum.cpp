@@ -1,0 +1,76 @@
+#include "core/analyzer/PowerSpectrum.h"
+
+#include <fftw3.h>
+
+#include <new>
+
+#include "core/analyzer/LineKernels.h"
+
+namespace sonavex {
+namespace {
+
+using RealArray = std::unique_ptr<double, void (*)(void*)>;
+
+RealArray MakeRealArray(std::size_t length) {
+    RealArray array(fftw_alloc_real(length), fftw_free);
+    if (!array) throw std::bad_alloc();
+    return array;
+}
+
+// Real and imaginary part of each bin.
+std::size_t SpectrumReals(std::size_t length) {
+    return 2 * (length / 2 + 1);
+}
+
+fftw_complex* AsComplex(const RealArray& array) {
+    return reinterpret_cast<fftw_complex*>(array.get());
+}
+
+}  // namespace
+
+struct RecordTransform::Plan {
+    explicit Plan(std::size_t length) : window(length) {
+        const RealArray in = MakeRealArray(length);
+        const RealArray out = MakeRealArray(SpectrumReals(length));
+        transform = fftw_plan_dft_r2c_1d(static_cast<int>(length), in.get(), AsComplex(out), FFTW_ESTIMATE);
+        if (transform == nullptr) throw std::bad_alloc();
+    }
+    ~Plan() { fftw_destroy_plan(transform); }
+    Plan(const Plan&) = delete;
+    Plan& operator=(const Plan&) = delete;
+
+    AnalysisWindow window;
+    fftw_plan transform = nullptr;
+};
+
+RecordTransform::RecordTransform(std::size_t length) : plan_(std::make_unique<Plan>(length)) {}
+RecordTransform::~RecordTransform() = default;
+RecordTransform::RecordTransform(RecordTransform&&) noexcept = default;
+RecordTransform& RecordTransform::operator=(RecordTransform&&) noexcept = default;
+
+const AnalysisWindow& RecordTransform::Window() const noexcept {
+    return plan_->window;
+}
+
+std::vector<double> RecordTransform::PowerSpectrum(std::span<const double> samples) const {
+    const AnalysisWindow& window = plan_->window;
+    const std::size_t length = window.Length();
+    const RealArray in = MakeRealArray(length);
+    const RealArray out = MakeRealArray(SpectrumReals(length));
+    line_kernels::Weigh(samples.data(), window.Values().data(), in.get(), length);
+    fftw_execute_dft_r2c(plan_->transform, in.get(), AsComplex(out));
+
+    std::vector<double> power(length / 2 + 1);
+    const double scale = 2.0 / (static_cast<double>(length) * window.SumOfSquares());
+    for (std::size_t j = 0; j < power.size(); ++j) {
+        const double re = out.get()[2 * j];
+        const double im = out.get()[2 * j + 1];
+        power[j] = scale * (re * re + im * im);
+    }
+    // 0 Hz and half the rate have no mirror image.
+    power.front() *= 0.5;
+    if (length % 2 == 0) power.back() *= 0.5;
+    return power;
+}
+
+}  // namespace sonavex
