@@ -1,11 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <span>
 #include <vector>
 
-#include "core/analyzer/AnalysisWindow.h"
+#include "core/analyzer/RecordPlan.h"
 
 namespace sonavex {
 
@@ -19,46 +18,54 @@ struct Band {
 };
 
 // A mean square and its standard deviation.
-struct Power {
+struct NoisePower {
     double mean = 0;
     double sigma = 0;
 };
 
-// Factor for the power at a frequency in Hz.
-using PowerWeight = std::function<double(double)>;
-
 // The power spectrum of a residual, and the density of its noise around any frequency. Positions are in bins
-// and need not be whole.
+// and need not be whole. Belongs to one thread.
 class NoiseSpectrum {
 public:
-    // power: RecordTransform::PowerSpectrum of the residual, or a mean of several. lines: positions of all
-    // fitted lines. tones: those whose neighbours within kGuardBins are not noise, because an unsteady tone
-    // leaves its skirt there. records: how many independent spectra `power` is the mean of, at least 1.
-    NoiseSpectrum(const AnalysisWindow& window, double rateHz, std::vector<double> power,
-                  std::vector<double> lines, std::vector<double> tones, double records = 1.0);
+    // power: RecordPlan::PowerSpectrum of the residual, or a mean of several. lines: positions of all fitted
+    // lines. tones: those of the lines whose neighbours within kGuardBins are not noise, because an unsteady
+    // tone leaves its skirt there. records: how many independent spectra `power` is the mean of, at least 1.
+    NoiseSpectrum(const RecordPlan& plan, std::vector<double> power, std::vector<double> lines,
+                  std::vector<double> tones, double records = 1.0);
 
-    std::span<const double> Power() const noexcept { return power_; }
+    std::span<const double> BinPowers() const noexcept { return power_; }
     double BinHz() const noexcept { return binHz_; }
+    double EnbwBins() const noexcept { return enbwBins_; }
 
-    // Mean square per bin of the noise around a position: the median of the bins 9 to 48 away on both sides
-    // divided by ln 2. Bins that a fit has emptied and the skirts of tones do not count.
+    // Mean square per bin of the noise around a position: from the median of the bins 9 to 48 away on both
+    // sides (divided by ln 2 for one record). Bins that a fit has emptied and the skirts of tones do not
+    // count.
     double DensityAt(double position) const;
 
-    // Standard deviation of each of the two parts of a line's amplitude in one record, from the local
-    // density.
+    // The same for a bin, from the median of a group of 64 bins: fast, for comparisons.
+    double RoughDensityAt(std::size_t bin) const;
+
+    // Standard deviation of each of the two parts of a line's amplitude in one record: sqrt(density x ENBW).
     double LineSigma(double position) const;
 
-    // The noise in the band. Within kGuardBins of a tone the density of its neighbours counts, and the bins
-    // that a fitted line has swallowed are replaced.
-    sonavex::Power InBand(const Band& band) const;
-    sonavex::Power InBand(const Band& band, const PowerWeight& weight) const;
+    // The noise in the band; bins at its ends count by their share. Within kGuardBins of a tone the density
+    // of its neighbours counts instead of the bins, and for every other fitted line the power that the fit
+    // swallowed is added. powerGains: of each bin; empty: 1.
+    NoisePower InBand(const Band& band, std::span<const double> powerGains = {}) const;
 
     // Mean square within kGuardBins of a position.
-    double Skirt(double position) const;
+    NoisePower Skirt(double position) const;
+
+    // Whether the bin is within kGuardBins of a tone.
+    bool InSkirt(std::size_t bin) const;
 
 private:
-    bool CountsAsNoise(std::size_t bin) const;
-    double Share(std::size_t bin, const Band& band) const;
+    void Exclude(double position, double reach);
+    void CollectNeighbours(double position, std::vector<double>& powers) const;
+    double MedianDensity(std::vector<double>& powers) const;
+    double SkirtPower(const Band& band, std::span<const double> powerGains, double tone) const;
+    double SwallowedPower(const Band& band, std::span<const double> powerGains) const;
+    double Variance(std::size_t bin, double gain) const;
 
     double enbwBins_;
     double swallowedBins_;
@@ -69,6 +76,7 @@ private:
     std::vector<double> lines_;
     std::vector<double> tones_;
     std::vector<bool> excluded_;
+    mutable std::vector<double> roughDensities_;  // computed at the first use
 };
 
 }  // namespace sonavex

@@ -27,7 +27,7 @@ struct Record {
     bool live = false;
 
     // What the engine reported about losses inside the record, for example "512 frames lost". Empty: no loss.
-    std::string loss;
+    std::string loss = {};
 };
 
 }  // namespace sonavex

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <optional>
 
-#include "core/analyzer/AnalyzeTone.h"
+#include "core/analyzer/MeasureTone.h"
 
 namespace sonavex {
 
@@ -13,7 +13,7 @@ namespace sonavex {
 class ToneAverage {
 public:
     // records: after this many the oldest lose their weight gradually. 0: all count alike.
-    ToneAverage(const RecordTransform& transform, std::size_t records);
+    ToneAverage(const RecordPlan& plan, std::size_t records);
 
     // The average including this measurement; the measurement itself if it is void.
     const ToneMeasurement& Add(const ToneMeasurement& measurement);
@@ -22,7 +22,7 @@ public:
 private:
     bool Continues(const ToneMeasurement& next) const;
 
-    const RecordTransform& transform_;
+    const RecordPlan& plan_;
     std::size_t records_;
     std::optional<ToneMeasurement> mean_;
 };

@@ -41,11 +41,12 @@ double CcirRmsWeighting(double hertz) {
     return factor * Weighting468(hertz);
 }
 
-double NotchGain(double hertz, double fundamentalHz) {
+double NotchPowerGain(double hertz, double fundamentalHz) {
     constexpr double kQuality = 2.0;
-    if (hertz <= 0.0) return 1.0;
-    const double x = (fundamentalHz * fundamentalHz - hertz * hertz) / (fundamentalHz * hertz);
-    return std::abs(x) / std::hypot(x, 1.0 / kQuality);
+    const double difference = fundamentalHz * fundamentalHz - hertz * hertz;
+    const double width = fundamentalHz * hertz / kQuality;
+    const double square = difference * difference;
+    return square / (square + width * width);
 }
 
 }  // namespace sonavex

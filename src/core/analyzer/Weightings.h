@@ -13,8 +13,8 @@ double Weighting468(double hertz);
 // The 468 weighting lowered by 5.63 dB, AES17 5.2.7.
 double CcirRmsWeighting(double hertz);
 
-// Notch of quality 2 at a fundamental (AES17 5.2.8 allows 1.2 to 3): 0 at the fundamental, -0.46 dB at its
-// double.
-double NotchGain(double hertz, double fundamentalHz);
+// Squared gain of a notch of quality 2 at a fundamental (AES17 5.2.8 allows 1.2 to 3): 0 at the fundamental,
+// -0.46 dB at its double.
+double NotchPowerGain(double hertz, double fundamentalHz);
 
 }  // namespace sonavex

@@ -7,7 +7,7 @@
 
 #include "core/analyzer/FindTone.h"
 #include "core/analyzer/FitLines.h"
-#include "core/analyzer/PowerSpectrum.h"
+#include "core/analyzer/RecordPlan.h"
 #include "unit/analyzer/Signals.h"
 
 namespace sonavex {
@@ -20,9 +20,9 @@ constexpr std::size_t kLength = 16384;
 constexpr double kFitRateHz = 48000.0;
 constexpr double kBinHz = kFitRateHz / kLength;
 
-const RecordTransform& Transform() {
-    static const RecordTransform transform(kLength);
-    return transform;
+const RecordPlan& Plan() {
+    static const RecordPlan plan(kLength, kFitRateHz);
+    return plan;
 }
 
 // A tone near `hertz` with its harmonics below half the rate.
@@ -35,11 +35,11 @@ std::vector<LineToFit> ToneLines(double hertz, int highestOrder) {
 }
 
 FittedLines Fit(const Samples& x, const std::vector<LineToFit>& lines) {
-    return FitLines(Transform().Window(), x, lines);
+    return FitLines(Plan().Window(), x, lines);
 }
 
 double PeakHz(const Samples& x) {
-    return StrongestPeak(Transform().PowerSpectrum(x), {1.0, kLength / 2.0}).value() * kBinHz;
+    return StrongestPeak(Plan().PowerSpectrum(x), {1.0, kLength / 2.0}).value() * kBinHz;
 }
 
 double LargestOf(const Samples& x) {

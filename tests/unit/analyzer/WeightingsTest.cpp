@@ -68,10 +68,10 @@ TEST(Weightings, CcirRmsIs468LoweredTo2Kilohertz) {
 }
 
 TEST(Weightings, TheNotchRemovesTheFundamentalAndAttenuatesItsHarmonics) {
-    EXPECT_EQ(NotchGain(997.0, 997.0), 0.0);
-    EXPECT_NEAR(GainDb(NotchGain(2000.0, 1000.0)), -0.458, 0.001);
-    EXPECT_NEAR(GainDb(NotchGain(3000.0, 1000.0)), -0.150, 0.001);
-    EXPECT_EQ(NotchGain(0.0, 1000.0), 1.0);
+    EXPECT_EQ(NotchPowerGain(997.0, 997.0), 0.0);
+    EXPECT_NEAR(10.0 * std::log10(NotchPowerGain(2000.0, 1000.0)), -0.458, 0.001);
+    EXPECT_NEAR(10.0 * std::log10(NotchPowerGain(3000.0, 1000.0)), -0.150, 0.001);
+    EXPECT_EQ(NotchPowerGain(0.0, 1000.0), 1.0);
 }
 
 }  // namespace

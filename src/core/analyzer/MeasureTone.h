@@ -7,9 +7,9 @@
 
 #include "core/analyzer/FitLines.h"
 #include "core/analyzer/NoiseSpectrum.h"
-#include "core/analyzer/PowerSpectrum.h"
 #include "core/analyzer/Reading.h"
 #include "core/analyzer/Record.h"
+#include "core/analyzer/RecordPlan.h"
 
 namespace sonavex {
 
@@ -48,19 +48,22 @@ struct ToneMeasurement {
     double amplitude = 0;  // of the fundamental, peak
     double dc = 0;
     std::vector<HarmonicRatio> harmonics;
-    std::vector<double> residualPower;  // RecordTransform::PowerSpectrum of the residual
+    std::vector<double> residualPower;  // RecordPlan::PowerSpectrum of the residual
 };
 
-// Measures a record of the transform's length: fundamental, harmonics 2 to max(20, highest order), residual.
-// `fit`, when not null, receives the fitted lines (fundamental first) and the residual; it is empty if the
-// record could not be fitted.
-ToneMeasurement MeasureTone(const RecordTransform& transform, const Record& record,
-                            const ToneSettings& settings, FittedLines* fit = nullptr);
+// The fundamental and its harmonics 2 to max(20, highest order), as far as they are below half the rate less
+// kGuardBins.
+std::vector<LineToFit> HarmonicLines(const RecordPlan& plan, double fundamentalHz, int highestOrder);
+
+// Measures the last samples of a record, as many as the plan's length: fundamental, harmonics, residual. The
+// rate of the record is the plan's. `fit`, when not null, receives the fitted lines (fundamental first) and
+// the residual; it is not changed if there is nothing to fit.
+ToneMeasurement MeasureTone(const RecordPlan& plan, Record record, const ToneSettings& settings,
+                            FittedLines* fit = nullptr);
 
 // The values of a measurement. A void measurement gives a reading without values.
-Reading MakeReading(const RecordTransform& transform, const ToneMeasurement& measurement,
-                    const ToneSettings& settings);
+Reading MakeReading(const RecordPlan& plan, const ToneMeasurement& measurement, const ToneSettings& settings);
 
-Reading AnalyzeTone(const RecordTransform& transform, const Record& record, const ToneSettings& settings);
+Reading AnalyzeTone(const RecordPlan& plan, const Record& record, const ToneSettings& settings);
 
 }  // namespace sonavex

@@ -1,10 +1,11 @@
-#include "core/analyzer/PowerSpectrum.h"
+#include "core/analyzer/RecordPlan.h"
 
 #include <fftw3.h>
 
 #include <new>
 
 #include "core/analyzer/LineKernels.h"
+#include "core/analyzer/Weightings.h"
 
 namespace sonavex {
 namespace {
@@ -28,8 +29,9 @@ fftw_complex* AsComplex(const RealArray& array) {
 
 }  // namespace
 
-struct RecordTransform::Plan {
-    explicit Plan(std::size_t length) : window(length) {
+struct RecordPlan::Plan {
+    Plan(std::size_t length, double rate)
+        : window(length), rateHz(rate), a(PowerGains(AWeighting)), itu468(PowerGains(Weighting468)) {
         const RealArray in = MakeRealArray(length);
         const RealArray out = MakeRealArray(SpectrumReals(length));
         transform = fftw_plan_dft_r2c_1d(static_cast<int>(length), in.get(), AsComplex(out), FFTW_ESTIMATE);
@@ -39,20 +41,45 @@ struct RecordTransform::Plan {
     Plan(const Plan&) = delete;
     Plan& operator=(const Plan&) = delete;
 
+    std::vector<double> PowerGains(double (*gain)(double)) const {
+        const std::size_t length = window.Length();
+        std::vector<double> gains(length / 2 + 1);
+        for (std::size_t j = 0; j < gains.size(); ++j) {
+            const double amplitude = gain(static_cast<double>(j) * rateHz / static_cast<double>(length));
+            gains[j] = amplitude * amplitude;
+        }
+        return gains;
+    }
+
     AnalysisWindow window;
+    double rateHz;
+    std::vector<double> a;
+    std::vector<double> itu468;
     fftw_plan transform = nullptr;
 };
 
-RecordTransform::RecordTransform(std::size_t length) : plan_(std::make_unique<Plan>(length)) {}
-RecordTransform::~RecordTransform() = default;
-RecordTransform::RecordTransform(RecordTransform&&) noexcept = default;
-RecordTransform& RecordTransform::operator=(RecordTransform&&) noexcept = default;
+RecordPlan::RecordPlan(std::size_t length, double rateHz) : plan_(std::make_unique<Plan>(length, rateHz)) {}
+RecordPlan::~RecordPlan() = default;
+RecordPlan::RecordPlan(RecordPlan&&) noexcept = default;
+RecordPlan& RecordPlan::operator=(RecordPlan&&) noexcept = default;
 
-const AnalysisWindow& RecordTransform::Window() const noexcept {
+const AnalysisWindow& RecordPlan::Window() const noexcept {
     return plan_->window;
 }
 
-std::vector<double> RecordTransform::PowerSpectrum(std::span<const double> samples) const {
+double RecordPlan::RateHz() const noexcept {
+    return plan_->rateHz;
+}
+
+std::span<const double> RecordPlan::APowerGains() const noexcept {
+    return plan_->a;
+}
+
+std::span<const double> RecordPlan::PowerGains468() const noexcept {
+    return plan_->itu468;
+}
+
+std::vector<double> RecordPlan::PowerSpectrum(std::span<const double> samples) const {
     const AnalysisWindow& window = plan_->window;
     const std::size_t length = window.Length();
     const RealArray in = MakeRealArray(length);

@@ -1,0 +1,166 @@
+#include "core/analyzer/MeasureTone.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+#include "core/analyzer/FindTone.h"
+#include "core/analyzer/RecordFaults.h"
+
+namespace sonavex {
+namespace {
+
+constexpr int kFewestOrders = 20;
+
+// A tone must be 20 dB above the noise of the bins around it.
+constexpr double kToneOverNoise = 100.0;
+
+// The interpolated position of a peak is this exact, so a tone at exactly 8 bins passes the first test.
+constexpr double kPeakError = 0.1;
+
+double HalfRateBins(const RecordPlan& plan) {
+    return 0.5 * static_cast<double>(plan.Length());
+}
+
+BinRange SearchRange(const RecordPlan& plan, const ToneSettings& settings) {
+    if (settings.playedHz) {
+        const double position = *settings.playedHz / plan.BinHz();
+        const double reach = 1000e-6 * position + 3.0;
+        return {position - reach, position + reach};
+    }
+    if (settings.fundamentalHz) {
+        const double position = *settings.fundamentalHz / plan.BinHz();
+        return {0.99 * position, 1.01 * position};
+    }
+    return {1.0, HalfRateBins(plan)};
+}
+
+Void NoTone(const char* sentence) {
+    return {VoidCode::kNoTone, sentence};
+}
+
+std::optional<Void> PositionFault(const RecordPlan& plan, double position) {
+    if (position < kGuardBins)
+        return Void{VoidCode::kFrequencyTooLow, "The fundamental has fewer than 8 periods in the record."};
+    if (position > HalfRateBins(plan) - kGuardBins)
+        return NoTone("The strongest line is too close to half the sampling rate.");
+    return std::nullopt;
+}
+
+bool StandsOut(const RecordPlan& plan, double amplitude, double density) {
+    const double onBin = 0.5 * amplitude * amplitude / plan.Window().EnbwBins();
+    return onBin >= kToneOverNoise * density;
+}
+
+std::vector<double> LinePositions(const RecordPlan& plan, const FittedLines& fit) {
+    std::vector<double> positions;
+    for (const FittedLine& line : fit.lines)
+        positions.push_back(line.frequency.Sum() * static_cast<double>(plan.Length()));
+    return positions;
+}
+
+// Phases referred to the tone itself, as sines.
+std::vector<HarmonicRatio> Ratios(const FittedLines& fit) {
+    const std::complex<double> fundamental = fit.lines.front().amplitude;
+    const double turned = std::arg(fundamental) + 0.5 * std::numbers::pi;
+    std::vector<HarmonicRatio> harmonics;
+    for (std::size_t i = 1; i < fit.lines.size(); ++i) {
+        const auto order = static_cast<int>(i) + 1;
+        const double phase =
+            std::arg(fit.lines[i].amplitude) + 0.5 * std::numbers::pi - static_cast<double>(order) * turned;
+        const double ratio = std::abs(fit.lines[i].amplitude) / std::abs(fundamental);
+        harmonics.push_back({order, std::polar(ratio, phase)});
+    }
+    return harmonics;
+}
+
+void AddWarnings(const Record& record, ToneMeasurement& measurement) {
+    if (record.live && record.bits <= 16)
+        measurement.warnings.push_back(
+            {WarningCode::kLimitedBy16Bit, "The sound path delivers no more than 16 bits."});
+    if (!Overloaded(record)) return;
+    if (record.live)
+        measurement.voids.push_back({VoidCode::kOverload, "The input reaches full scale."});
+    else
+        measurement.warnings.push_back({WarningCode::kClipped, "Samples reach full scale."});
+}
+
+ToneMeasurement Begin(const RecordPlan& plan, const Record& record) {
+    ToneMeasurement measurement;
+    measurement.rateHz = plan.RateHz();
+    measurement.bits = record.bits;
+    measurement.floatingPoint = record.floatingPoint;
+    return measurement;
+}
+
+void TakeValues(const RecordPlan& plan, const FittedLines& fit, std::vector<double> residualPower,
+                ToneMeasurement& measurement) {
+    measurement.frequencyHz = fit.lines.front().frequency.Hertz(plan.RateHz());
+    measurement.amplitude = std::abs(fit.lines.front().amplitude);
+    measurement.dc = fit.dc;
+    measurement.harmonics = Ratios(fit);
+    measurement.residualPower = std::move(residualPower);
+}
+
+// Fits the tone near a position in bins.
+void MeasureAt(const RecordPlan& plan, const Record& record, double position, int highestOrder,
+               FittedLines& fit, ToneMeasurement& measurement) {
+    fit = FitLines(plan.Window(), record.samples, HarmonicLines(plan, position * plan.BinHz(), highestOrder));
+    std::vector<double> power = plan.PowerSpectrum(fit.residual);
+    const std::vector<double> positions = LinePositions(plan, fit);
+    const NoiseSpectrum noise(plan, power, positions, {positions.front()});
+    if (const std::optional<Void> fault = PositionFault(plan, positions.front()))
+        measurement.voids.push_back(*fault);
+    else if (!StandsOut(plan, std::abs(fit.lines.front().amplitude), noise.DensityAt(positions.front())))
+        measurement.voids.push_back(NoTone("No line is 20 dB above the noise around it."));
+    else
+        TakeValues(plan, fit, std::move(power), measurement);
+}
+
+// A peak of noise at a low frequency is no tone.
+Void LowPeakFault(const RecordPlan& plan, std::vector<double> power, double position) {
+    const double peak = power[static_cast<std::size_t>(std::lround(position))];
+    const NoiseSpectrum spectrum(plan, std::move(power), {}, {});
+    if (peak < kToneOverNoise * spectrum.DensityAt(position))
+        return NoTone("No line is 20 dB above the noise around it.");
+    return *PositionFault(plan, 0.0);
+}
+
+}  // namespace
+
+std::vector<LineToFit> HarmonicLines(const RecordPlan& plan, double fundamentalHz, int highestOrder) {
+    const TurnsPerSample start = FrequencyOf(fundamentalHz, plan.RateHz());
+    const double highest = 0.5 - kGuardBins / static_cast<double>(plan.Length());
+    std::vector<LineToFit> lines = {{start, {1.0, 0.0}, 0}};
+    for (int k = 2; k <= std::max(kFewestOrders, highestOrder) && k * start.Sum() < highest; ++k)
+        lines.push_back({start.Times(k), {static_cast<double>(k), 0.0}, std::nullopt});
+    return lines;
+}
+
+ToneMeasurement MeasureTone(const RecordPlan& plan, Record record, const ToneSettings& settings,
+                            FittedLines* fit) {
+    ToneMeasurement measurement = Begin(plan, record);
+    if (const std::optional<Void> fault = FaultOf(record, plan.Length())) {
+        measurement.voids.push_back(*fault);
+        return measurement;
+    }
+    record.samples = record.samples.last(plan.Length());
+    AddWarnings(record, measurement);
+    std::vector<double> power = plan.PowerSpectrum(record.samples);
+    const std::optional<double> position = StrongestPeak(power, SearchRange(plan, settings));
+    FittedLines own;
+    if (!position)
+        measurement.voids.push_back(NoTone("There is no line at the expected frequency."));
+    else if (*position < kGuardBins - kPeakError)
+        measurement.voids.push_back(LowPeakFault(plan, std::move(power), *position));
+    else
+        MeasureAt(plan, record, *position, settings.highestOrder, fit == nullptr ? own : *fit, measurement);
+    return measurement;
+}
+
+Reading AnalyzeTone(const RecordPlan& plan, const Record& record, const ToneSettings& settings) {
+    return MakeReading(plan, MeasureTone(plan, record, settings), settings);
+}
+
+}  // namespace sonavex

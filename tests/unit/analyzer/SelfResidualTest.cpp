@@ -1,0 +1,39 @@
+// The measurement adds no distortion or noise: pure sines in doubles at any rate and frequency.
+
+#include <gtest/gtest.h>
+
+#include "core/analyzer/MeasureTone.h"
+#include "unit/analyzer/Signals.h"
+
+namespace sonavex {
+namespace {
+
+class SelfResidual : public testing::TestWithParam<double> {};
+
+TEST_P(SelfResidual, IsBelowMinus280DecibelsAtAnyFrequency) {
+    const double rateHz = GetParam();
+    // A quarter of the usual length. The residual does not depend on it.
+    const RecordPlan plan(std::max(kShortestRecord, DefaultRecordLength(rateHz) / 4), rateHz);
+    for (const double hertz : {8.5 * plan.BinHz(), 10.5 * plan.BinHz(), 0.0083333 * rateHz, 0.0207 * rateHz,
+                               64.0 * plan.BinHz(), 0.1234567 * rateHz, 0.45 * rateHz}) {
+        const signals::ExactFrequency f(hertz, rateHz);
+        const signals::Samples x = signals::Sine(plan.Length(), f, 0.9, 0.3);
+        ToneSettings settings;
+        settings.band = {1.0, 0.5 * rateHz};
+        const Reading reading = AnalyzeTone(plan, {x, rateHz}, settings);
+        ASSERT_TRUE(reading.Valid()) << hertz;
+        EXPECT_NEAR(*reading.frequencyHz.value, f.Hertz(), 1e-12 * hertz) << hertz;
+        EXPECT_NEAR(*reading.levelDbfs.value, Decibels(0.9), 1e-12) << hertz;
+        EXPECT_NEAR(*reading.dc.value, 0.0, 1e-14) << hertz;
+        EXPECT_LE(*reading.thdnDb.value, -280.0) << hertz;
+        EXPECT_LE(reading.thdDb.value.value_or(-400.0), -280.0) << hertz;
+        EXPECT_TRUE(reading.spurs.empty()) << hertz;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, SelfResidual,
+                         testing::Values(4000.0, 8000.0, 11025.0, 16000.0, 22050.0, 32000.0, 44100.0, 48000.0,
+                                         96000.0, 192000.0));
+
+}  // namespace
+}  // namespace sonavex
