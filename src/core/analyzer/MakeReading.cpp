@@ -100,13 +100,6 @@ private:
         return std::sqrt(noise_.DensityAt(position_) * 0.5 * static_cast<double>(plan_.Length()));
     }
 
-    double FrequencySigmaHz() const {
-        const AnalysisWindow& window = plan_.Window();
-        const double radians = SampleNoise() * std::numbers::sqrt2 * std::sqrt(window.SquaredTimeMoment()) /
-                               (tone_.amplitude * window.TimeMoment());
-        return radians * plan_.RateHz() / (2.0 * std::numbers::pi) / std::sqrt(tone_.frequencyRecords);
-    }
-
     bool InBand(const HarmonicRatio& harmonic) const {
         return band_.Contains(harmonic.order * tone_.frequencyHz);
     }
@@ -115,7 +108,8 @@ private:
     }
 
     void AddFundamental() {
-        reading_.frequencyHz = uncertainty_.Absolute(tone_.frequencyHz, FrequencySigmaHz());
+        reading_.frequencyHz = uncertainty_.Absolute(
+            tone_.frequencyHz, tone_.frequencySigmaHz / std::sqrt(tone_.frequencyRecords));
         reading_.levelDbfs = uncertainty_.AmplitudeDb(tone_.amplitude, FundamentalRelative());
         // dc is one part of a line whose density counts half.
         const double dcSigma = LineSigma(0.0) / std::numbers::sqrt2;

@@ -48,6 +48,16 @@ std::optional<Void> PositionFault(const RecordPlan& plan, double position) {
     return std::nullopt;
 }
 
+// Standard deviation of the fitted frequency: white noise of this density per bin, times the gradient of the
+// weighted sum.
+double FrequencySigmaHz(const RecordPlan& plan, double amplitude, double density) {
+    const AnalysisWindow& window = plan.Window();
+    const double sampleSigma = std::sqrt(0.5 * density * static_cast<double>(plan.Length()));
+    const double radians = sampleSigma * std::numbers::sqrt2 * std::sqrt(window.SquaredTimeMoment()) /
+                           (amplitude * window.TimeMoment());
+    return radians * plan.RateHz() / (2.0 * std::numbers::pi);
+}
+
 bool StandsOut(const RecordPlan& plan, double amplitude, double density) {
     const double onBin = 0.5 * amplitude * amplitude / plan.Window().EnbwBins();
     return onBin >= kToneOverNoise * density;
@@ -109,10 +119,13 @@ void MeasureAt(const RecordPlan& plan, const Record& record, double position, in
     fit = FitLines(plan.Window(), record.samples, HarmonicLines(plan, position * plan.BinHz(), highestOrder));
     std::vector<double> power = plan.PowerSpectrum(fit.residual);
     const std::vector<double> positions = LinePositions(plan, fit);
-    const NoiseSpectrum noise(plan, power, positions, {positions.front()});
+    const double amplitude = std::abs(fit.lines.front().amplitude);
+    const double density =
+        NoiseSpectrum(plan, power, positions, {positions.front()}).DensityAt(positions.front());
+    measurement.frequencySigmaHz = FrequencySigmaHz(plan, amplitude, density);
     if (const std::optional<Void> fault = PositionFault(plan, positions.front()))
         measurement.voids.push_back(*fault);
-    else if (!StandsOut(plan, std::abs(fit.lines.front().amplitude), noise.DensityAt(positions.front())))
+    else if (!StandsOut(plan, amplitude, density))
         measurement.voids.push_back(NoTone("No line is 20 dB above the noise around it."));
     else
         TakeValues(plan, fit, std::move(power), measurement);

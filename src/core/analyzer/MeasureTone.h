@@ -45,7 +45,8 @@ struct ToneMeasurement {
     double powerRecords = 1;
 
     double frequencyHz = 0;
-    double amplitude = 0;  // of the fundamental, peak
+    double frequencySigmaHz = 0;  // standard deviation in one record
+    double amplitude = 0;         // of the fundamental, peak
     double dc = 0;
     std::vector<HarmonicRatio> harmonics;
     std::vector<double> residualPower;  // RecordPlan::PowerSpectrum of the residual

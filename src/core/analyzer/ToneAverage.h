@@ -1,29 +1,57 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <optional>
+#include <span>
+#include <vector>
 
 #include "core/analyzer/MeasureTone.h"
 
 namespace sonavex {
 
-// Rolling average of measurements of equally long records that overlap by 75 %: harmonics as complex numbers,
-// noise by power. Starts over after a void measurement and after a change of frequency (more than 4 sigma and
-// 1e-7) or level (more than 0.01 dB). Call Restart after a change of settings.
+// Rolling average of measurements of records that overlap by 75 %: harmonics as complex numbers, noise by
+// power. Starts over after a void measurement and after a change of frequency (more than 4 sigma and 1e-7) or
+// level (more than 0.01 dB).
 class ToneAverage {
 public:
-    // records: after this many the oldest lose their weight gradually. 0: all count alike.
+    // records: how many of the newest records count. 0: all since the start; memory then does not grow with
+    // them. The plan must outlive the average.
     ToneAverage(const RecordPlan& plan, std::size_t records);
 
-    // The average including this measurement; the measurement itself if it is void.
-    const ToneMeasurement& Add(const ToneMeasurement& measurement);
+    // The average including this measurement; a void measurement is returned as it is.
+    const ToneMeasurement& Add(ToneMeasurement next);
+
+    // After a change of settings.
     void Restart();
 
 private:
-    bool Continues(const ToneMeasurement& next) const;
+    // Correlation of a value in records that start a quarter and a half of a record apart.
+    struct Correlations {
+        double quarter;
+        double half;
+    };
 
-    const RecordPlan& plan_;
+    // A record whose spectrum is kept in half the memory, scaled into the range of a float.
+    struct Kept {
+        ToneMeasurement measurement;
+        std::vector<float> scaledPower;
+    };
+
+    bool Continues(const ToneMeasurement& next) const;
+    void Begin(ToneMeasurement first);
+    void AddToAll(const ToneMeasurement& next);
+    void AddToNewest(ToneMeasurement next);
+    void Keep(ToneMeasurement next);
+    void MeanOfKept();
+    void CountRecords();
+    static double IndependentRecords(double records, const Correlations& correlations);
+
     std::size_t records_;
+    Correlations amplitude_;
+    Correlations frequency_;
+    Correlations power_;
+    std::deque<Kept> kept_;
     std::optional<ToneMeasurement> mean_;
 };
 
