@@ -48,11 +48,14 @@ public:
         log_.Note("Open " + device.name);
         return std::make_shared<Device>(*this, device);
     }
+    std::string LastingName(const MixerDevice& device) override { return KeyOf(device.name); }
     void OnChange(std::function<void()> handler) override { Changed = std::move(handler); }
 
-    // By the device's name.
+    // By the device's lasting name.
     std::map<std::string, Controls> playback;
     std::map<std::string, Controls> capture;
+    // Lasting names by present names, where the two differ.
+    std::map<std::string, std::string> lastingNames;
     // The handler of OnChange.
     std::function<void()> Changed;
 
@@ -129,8 +132,12 @@ private:
     std::map<std::string, Controls>& Side(MixerSide side) {
         return side == MixerSide::kPlayback ? playback : capture;
     }
+    std::string KeyOf(const std::string& name) const {
+        const auto found = lastingNames.find(name);
+        return found == lastingNames.end() ? name : found->second;
+    }
     Controls* Find(const MixerDevice& device) {
-        const auto found = Side(device.side).find(device.name);
+        const auto found = Side(device.side).find(KeyOf(device.name));
         return found == Side(device.side).end() ? nullptr : &found->second;
     }
 

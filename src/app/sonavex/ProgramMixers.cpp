@@ -32,10 +32,15 @@ std::string ControlOf(PulseMixer& server, const MixerDevice& device) {
     return number.empty() ? AlsaControlOf(DirectionOf(device.side), device.name) : "hw:" + number;
 }
 
+std::string DirectLastingName(const MixerDevice& device) {
+    return AlsaLastingName(DirectionOf(device.side), device.name);
+}
+
 std::unique_ptr<MixerHardware> MixersOfTheSystem(EventLoop& loop) {
     auto server = std::make_unique<PulseMixer>(loop);
-    AlsaMixer::Cards cards{
-        DirectDevices, [&pulse = *server](const MixerDevice& device) { return ControlOf(pulse, device); }};
+    AlsaMixer::Cards cards{DirectDevices,
+                           [&pulse = *server](const MixerDevice& device) { return ControlOf(pulse, device); },
+                           DirectLastingName};
     return std::make_unique<LayeredMixer>(std::move(server),
                                           std::make_unique<AlsaMixer>(loop, std::move(cards)));
 }

@@ -23,6 +23,9 @@ public:
     // do not fit the device. False when the device is absent or rejected a value.
     bool Write(const MixerDevice& device, const std::string& levels);
 
+    // The device by its lasting name.
+    MixerDevice Lasting(const MixerDevice& device) { return {device.side, hardware_.LastingName(device)}; }
+
 private:
     MixerHardware& hardware_;
 };

@@ -70,8 +70,10 @@ bool LevelKeeper::Save(const MixerDevice& device) {
     return levels.has_value();
 }
 
-bool LevelKeeper::Use(const std::vector<MixerDevice>& devices) {
+bool LevelKeeper::Use(std::vector<MixerDevice> devices) {
     ReadJournal();
+    for (MixerDevice& device : devices)
+        if (!device.name.empty()) device = levels_.Lasting(device);
     const auto gone = std::stable_partition(inUse_.begin(), inUse_.end(), [&](const Kept& kept) {
         return std::find(devices.begin(), devices.end(), kept.device) != devices.end();
     });

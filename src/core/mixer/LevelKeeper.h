@@ -17,8 +17,9 @@ public:
 
     // Replaces the devices in use: restores those that are no longer used and saves the levels of new ones.
     // Call it before changing the levels of a new device. The first call also restores the levels that a
-    // killed run left in the journal. True when the levels of a device were saved.
-    bool Use(const std::vector<MixerDevice>& devices);
+    // killed run left in the journal. True when the levels of a device were saved. A device whose name has
+    // changed meanwhile is the same device.
+    bool Use(std::vector<MixerDevice> devices);
 
     // Restores all devices in use, which ends their use. The levels of an absent device stay in the journal
     // for a later run.
@@ -42,7 +43,7 @@ private:
 
     DeviceLevels& levels_;
     MixerJournal& journal_;
-    std::vector<Kept> inUse_;
+    std::vector<Kept> inUse_;    // by lasting names
     std::vector<Kept> waiting_;  // of absent devices
     bool journalRead_ = false;
 };

@@ -105,8 +105,13 @@ public:
     // The devices' names as the sound system describes them. Empty when nothing answers.
     virtual std::vector<std::string> Devices(MixerSide side) = 0;
 
-    // nullptr when there is no such device or it does not answer.
+    // nullptr when there is no such device or it does not answer. The name is one from Devices or a lasting
+    // name.
     virtual std::shared_ptr<DeviceMixer> Open(const MixerDevice& device) = 0;
+
+    // A name of the device that stays the same when devices with the same description are connected or
+    // removed. The given name when there is no such device, or when its name never changes.
+    virtual std::string LastingName(const MixerDevice& device) { return device.name; }
 
     // Calls the handler after levels of an open device may have changed, by any program; never from inside a
     // call into this interface. An empty handler ends the calls.

@@ -1,16 +1,25 @@
 #include "platform/alsa/AlsaControls.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "platform/alsa/AlsaDevices.h"
+#include "platform/ring/DeviceDescriptions.h"
 
 namespace sonavex {
 namespace {
 
 constexpr std::string_view kCardPcm = "hw:";
 constexpr std::string_view kCardArgument = "CARD=";
+
+std::optional<AlsaDevice> Named(snd_pcm_stream_t direction, const std::string& name) {
+    const std::vector<AlsaDevice> devices = ListAlsaDevices(direction);
+    const auto found = std::find_if(devices.begin(), devices.end(),
+                                    [&](const AlsaDevice& device) { return IsNamed(device.info, name); });
+    return found == devices.end() ? std::nullopt : std::optional(*found);
+}
 
 }  // namespace
 
@@ -23,12 +32,14 @@ std::string AlsaControlOfPcm(const std::string& pcm) {
     return card.empty() ? std::string() : std::string(kCardPcm).append(card);
 }
 
-std::string AlsaControlOf(snd_pcm_stream_t direction, const std::string& description) {
-    const std::vector<AlsaDevice> devices = ListAlsaDevices(direction);
-    const auto found = std::find_if(devices.begin(), devices.end(), [&](const AlsaDevice& device) {
-        return device.info.description == description;
-    });
-    return found == devices.end() ? std::string() : AlsaControlOfPcm(found->pcm);
+std::string AlsaControlOf(snd_pcm_stream_t direction, const std::string& name) {
+    const std::optional<AlsaDevice> device = Named(direction, name);
+    return device ? AlsaControlOfPcm(device->pcm) : std::string();
+}
+
+std::string AlsaLastingName(snd_pcm_stream_t direction, const std::string& name) {
+    const std::optional<AlsaDevice> device = Named(direction, name);
+    return device ? LastingDescription(device->info) : name;
 }
 
 }  // namespace sonavex

@@ -10,7 +10,10 @@ namespace sonavex {
 // "hw:1,0"). Empty for a PCM that does not name a card.
 std::string AlsaControlOfPcm(const std::string& pcm);
 
-// The same for the listed device with this description. Empty when there is no such device.
-std::string AlsaControlOf(snd_pcm_stream_t direction, const std::string& description);
+// The same for the device with this description or lasting name. Empty when there is no such device.
+std::string AlsaControlOf(snd_pcm_stream_t direction, const std::string& name);
+
+// The device's lasting name, as MixerHardware::LastingName defines it.
+std::string AlsaLastingName(snd_pcm_stream_t direction, const std::string& name);
 
 }  // namespace sonavex

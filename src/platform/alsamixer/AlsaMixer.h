@@ -17,10 +17,11 @@ namespace sonavex {
 class AlsaMixer : public MixerHardware {
 public:
     // names: the devices. control: libasound's control of a device, such as "hw:0"; empty for a device
-    // without a card.
+    // without a card. lastingName: as MixerHardware::LastingName; names never change when it is empty.
     struct Cards {
         std::function<std::vector<std::string>(MixerSide)> names;
         std::function<std::string(const MixerDevice&)> control;
+        std::function<std::string(const MixerDevice&)> lastingName{};
     };
 
     // The loop must outlive this object.
@@ -31,6 +32,9 @@ public:
 
     std::vector<std::string> Devices(MixerSide side) override { return cards_.names(side); }
     std::shared_ptr<DeviceMixer> Open(const MixerDevice& device) override;
+    std::string LastingName(const MixerDevice& device) override {
+        return cards_.lastingName ? cards_.lastingName(device) : device.name;
+    }
     void OnChange(std::function<void()> handler) override { changed_ = std::move(handler); }
 
 private:

@@ -52,6 +52,11 @@ std::shared_ptr<DeviceMixer> LayeredMixer::Open(const MixerDevice& device) {
     return front ? front : back;
 }
 
+std::string LayeredMixer::LastingName(const MixerDevice& device) {
+    const std::string name = front_->LastingName(device);
+    return name == device.name ? back_->LastingName(device) : name;
+}
+
 void LayeredMixer::OnChange(std::function<void()> handler) {
     front_->OnChange(handler);
     back_->OnChange(std::move(handler));

@@ -19,6 +19,7 @@ public:
 
     std::vector<std::string> Devices(MixerSide side) override;
     std::shared_ptr<DeviceMixer> Open(const MixerDevice& device) override;
+    std::string LastingName(const MixerDevice& device) override;
     void OnChange(std::function<void()> handler) override;
 
 private:

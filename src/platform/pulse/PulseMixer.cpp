@@ -186,7 +186,7 @@ PulseLevelState PulseMixer::Find(const MixerDevice& device) {
     const std::vector<PulseLevelState> list = levels_.List(DirectionOf(device.side));
     const SoundDeviceList names = NamesOf(list);
     for (std::size_t i = 0; i < list.size(); ++i)
-        if (names[i].description == device.name && !list[i].volumes.empty()) return list[i];
+        if (IsNamed(names[i], device.name) && !list[i].volumes.empty()) return list[i];
     throw RuntimeError(sound_error::kNoDriver, "There is no sound device '" + device.name + "'.");
 }
 
@@ -199,6 +199,15 @@ std::shared_ptr<DeviceMixer> PulseMixer::Open(const MixerDevice& device) {
         return std::make_shared<PulseCaptureMixer>(place, ports);
     } catch (const RuntimeError&) {
         return nullptr;
+    }
+}
+
+std::string PulseMixer::LastingName(const MixerDevice& device) {
+    try {
+        const PulseLevelState state = Find(device);
+        return LastingDescription({state.name, state.description, ""});
+    } catch (const RuntimeError&) {
+        return device.name;
     }
 }
 

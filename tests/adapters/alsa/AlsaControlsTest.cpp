@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -48,6 +49,25 @@ TEST(AlsaControls, OfCardsWithTheSameDescriptionAreTheirOwn) {
     const snd_pcm_stream_t direction = SND_PCM_STREAM_PLAYBACK;
     EXPECT_EQ(AlsaControlOf(direction, "Twin (direct) [alsa:hw:CARD=One,DEV=0]"), "hw:One");
     EXPECT_EQ(AlsaControlOf(direction, "Twin (direct) [alsa:hw:CARD=Two,DEV=0]"), "hw:Two");
+}
+
+TEST(AlsaControls, OfACardThatATwinHasRenamedAreFound) {
+    PlainEventLoop loop;
+    const AlsaSoundSystem quiet(loop);
+    const snd_pcm_stream_t direction = SND_PCM_STREAM_PLAYBACK;
+    const CardList::value_type one{"hw:CARD=One,DEV=0", "Twin"};
+    const CardList::value_type two{"hw:CARD=Two,DEV=0", "Twin"};
+    const std::string name = "Twin (direct) [alsa:hw:CARD=One,DEV=0]";
+    std::optional<LoopCards> cards(std::in_place, CardList{one});
+    EXPECT_EQ(AlsaLastingName(direction, "Twin (direct)"), name);
+    EXPECT_EQ(AlsaControlOf(direction, name), "hw:One");
+    cards.emplace(CardList{one, two});
+    EXPECT_EQ(AlsaLastingName(direction, name), name);
+    EXPECT_EQ(AlsaControlOf(direction, name), "hw:One");
+    EXPECT_EQ(AlsaControlOf(direction, "Twin (direct)"), "") << "the name of two cards";
+    EXPECT_EQ(AlsaLastingName(direction, "Twin (direct)"), "Twin (direct)");
+    cards.emplace(CardList{two});
+    EXPECT_EQ(AlsaControlOf(direction, name), "");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "platform/alsamixer/AlsaMixer.h"
 #include "platform/combined/LayeredMixer.h"
 #include "platform/pulse/PulseMixer.h"
+#include "support/MemoryHardware.h"
 #include "support/PulseServer.h"
 #include "support/alsa/FakeMixerCards.h"
 
@@ -93,6 +94,18 @@ TEST(LayeredMixer, LeavesTheRecordLevelToTheServer) {
     EXPECT_EQ(status, 0);
     EXPECT_EQ(library.GetLineRecordVolume(status), 40);
     EXPECT_THAT(platform.Cards().Values(3, kFakeCapture), testing::ElementsAre(16, 20));
+}
+
+TEST(LayeredMixer, KnowsTheLastingNamesOfBoth) {
+    CallLog log;
+    auto front = std::make_unique<MemoryHardware>(log);
+    auto back = std::make_unique<MemoryHardware>(log);
+    front->lastingNames = {{"Server", "Server [a]"}};
+    back->lastingNames = {{"Server", "Server [b]"}, {"Card", "Card [c]"}};
+    LayeredMixer mixer(std::move(front), std::move(back));
+    EXPECT_EQ(mixer.LastingName({MixerSide::kPlayback, "Server"}), "Server [a]");
+    EXPECT_EQ(mixer.LastingName({MixerSide::kPlayback, "Card"}), "Card [c]");
+    EXPECT_EQ(mixer.LastingName({MixerSide::kPlayback, "None"}), "None");
 }
 
 }  // namespace

@@ -261,6 +261,30 @@ TEST(PulseMixer, KeepsDevicesWithTheSameDescriptionApart) {
     EXPECT_THAT(server.Control({"get-sink-volume", "mic.two"}), testing::HasSubstr(" 25% "));
 }
 
+TEST(PulseMixer, FindsADeviceThatATwinHasRenamed) {
+    PulseServer server({{"one", 48000, "Twin"}});
+    PlainEventLoop loop;
+    PulseMixer mixer(loop, server.Address());
+    DeviceLevels levels(mixer);
+    const MixerDevice twin{MixerSide::kPlayback, "Twin"};
+    const MixerDevice first{MixerSide::kPlayback, mixer.LastingName(twin)};
+    EXPECT_EQ(first.name, "Twin [one]");
+    EXPECT_EQ(mixer.LastingName({MixerSide::kCapture, "Twin"}), "Twin") << "no such device";
+    const auto before = levels.Read(first);
+    ASSERT_NE(before, std::nullopt);
+    const std::string module = server.LoadNullSink({"two", 48000, "Twin"});
+    server.Control({"set-sink-volume", "one", "20000"});
+    server.Control({"set-sink-volume", "two", "30000"});
+    EXPECT_EQ(mixer.Open(twin), nullptr) << "the name of two devices";
+    EXPECT_EQ(mixer.LastingName(first), first.name);
+    EXPECT_TRUE(levels.Write(first, *before));
+    EXPECT_EQ(levels.Read(first), before);
+    EXPECT_THAT(server.Control({"get-sink-volume", "two"}), testing::HasSubstr(" 30000 "));
+    server.Control({"unload-module", module});
+    EXPECT_EQ(levels.Read(first), before);
+    EXPECT_EQ(levels.Read(twin), before);
+}
+
 TEST(PulseMixer, NamesTheCardBehindADevice) {
     PulseServer server({});
     server.Control({"load-module", "module-null-sink", "sink_name=usb",

@@ -94,6 +94,20 @@ TEST_F(MixerProgram, RestoresTheLevelsOfAKilledRun) {
     ExpectOwnVolumes();
 }
 
+// A second device with the same description gives the device in use another name.
+TEST_F(MixerProgram, RestoresTheUsersLevelsBesideATwin) {
+    const auto program = Start();
+    ASSERT_TRUE(Reaches("30%")) << "the program's own level";
+    server_.LoadNullSink({"twin", 48000, "Test-Card"});
+    program->Send(SIGTERM);
+    ASSERT_TRUE(program->WaitForEnd(30s));
+    EXPECT_EQ(program->Status(), 0);
+    ExpectOwnVolumes();
+    EXPECT_THAT(server_.Control({"get-sink-volume", "twin"}), HasSubstr(" 100% "));
+    EXPECT_FALSE(std::filesystem::exists(Journal()));
+    EXPECT_THAT(Stored(), HasSubstr("30,False,0,True,0,True,False,True,0,0,0,"));
+}
+
 // The message about the line is open and not answered.
 TEST_F(MixerProgram, EndsRegularlyWithALineThatDoesNotConvert) {
     Write("30,False,loud,");

@@ -135,6 +135,65 @@ TEST(Keeper, IgnoresAbsentDevicesAndEmptyNames) {
     EXPECT_EQ(rig.journal.text, "");
 }
 
+const MixerDevice kTwin{MixerSide::kPlayback, "Twin"};
+
+// The device in use was the only one of its description when its levels were saved.
+struct TwinRig : KeeperRig {
+    TwinRig() {
+        hardware.playback = {{"Twin [a]", {{kMasterVolume, MemoryHardware::Level({10})}}}};
+        hardware.lastingNames = {{"Twin", "Twin [a]"}};
+        keeper.Use({kTwin});
+        Level("Twin [a]") = {1};
+    }
+    void ConnectTwin() {
+        hardware.playback["Twin [b]"] = {{kMasterVolume, MemoryHardware::Level({20})}};
+        hardware.lastingNames.clear();
+    }
+    void RemoveFirst() {
+        hardware.playback.erase("Twin [a]");
+        hardware.lastingNames = {{"Twin", "Twin [b]"}};
+    }
+    std::vector<std::int32_t>& Level(const std::string& name) {
+        return hardware.playback.at(name).at(kMasterVolume).values;
+    }
+};
+
+TEST(Keeper, RestoresADeviceThatATwinHasRenamed) {
+    TwinRig rig;
+    rig.ConnectTwin();
+    EXPECT_TRUE(rig.keeper.Present(MixerSide::kPlayback));
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Level("Twin [a]"), ElementsAre(10));
+    EXPECT_THAT(rig.Level("Twin [b]"), ElementsAre(20));
+    EXPECT_EQ(rig.journal.text, "");
+}
+
+TEST(Keeper, KeepsADeviceInUseThatATwinHasRenamed) {
+    TwinRig rig;
+    rig.ConnectTwin();
+    EXPECT_FALSE(rig.keeper.Use({{MixerSide::kPlayback, "Twin [a]"}})) << "saved already";
+    EXPECT_THAT(rig.Level("Twin [a]"), ElementsAre(1));
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Level("Twin [a]"), ElementsAre(10));
+}
+
+TEST(Keeper, RestoresADeviceThatATwinHasRenamedAfterAKill) {
+    TwinRig rig;
+    rig.ConnectTwin();
+    LevelKeeper next(rig.levels, rig.journal);
+    next.Use({{MixerSide::kPlayback, "Twin [b]"}});
+    EXPECT_THAT(rig.Level("Twin [a]"), ElementsAre(10));
+}
+
+TEST(Keeper, LeavesATwinAloneThatHasTakenTheName) {
+    TwinRig rig;
+    rig.ConnectTwin();
+    rig.RemoveFirst();
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Level("Twin [b]"), ElementsAre(20));
+    EXPECT_THAT(rig.journal.text, testing::HasSubstr("Twin [a]")) << "waits for the device";
+}
+
 class DamagedJournals : public testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Texts, DamagedJournals,
                          testing::Values("noise", "playback\t", "playback\tSpeakers", "\n\n\n",

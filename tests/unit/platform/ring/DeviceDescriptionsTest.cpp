@@ -23,5 +23,16 @@ TEST(DeviceDescriptions, ThatSeveralDevicesShareGetTheIdentifier) {
     EXPECT_THAT(Distinguished({}), testing::IsEmpty());
 }
 
+TEST(DeviceDescriptions, LastWithTheIdentifier) {
+    EXPECT_EQ(LastingDescription({"a", "Card", ""}), "Card [a]");
+    EXPECT_EQ(LastingDescription({"a", "Card [a]", ""}), "Card [a]");
+    EXPECT_EQ(LastingDescription({"b", "Card [a]", ""}), "Card [a] [b]");
+    for (const char* present : {"Card", "Card [a]"}) EXPECT_TRUE(IsNamed({"a", present, ""}, "Card [a]"));
+    EXPECT_TRUE(IsNamed({"a", "Card", ""}, "Card"));
+    EXPECT_FALSE(IsNamed({"a", "Card [a]", ""}, "Card")) << "also the name of a twin";
+    EXPECT_FALSE(IsNamed({"b", "Card", ""}, "Card [a]"));
+    EXPECT_FALSE(IsNamed({"a", "Card", ""}, ""));
+}
+
 }  // namespace
 }  // namespace sonavex
