@@ -18,17 +18,17 @@ constexpr const char* kNoPlaybackBuffer = "Error Creating Output Sound Device";
 
 constexpr std::int32_t kPriorityLevel = 2;
 
-// Name of an identifier's device. For the primary device (empty identifier) it is the name of the second
-// entry, the device that it refers to; error 9 if there is none. Empty for an unknown identifier.
-std::string NameOf(const SoundDeviceList& devices, const std::string& identifier) {
+// An identifier's device. For the primary device (empty identifier) it is the second entry, the device that
+// it refers to; error 9 if there is none. Empty for an unknown identifier.
+SoundDeviceInfo Listed(const SoundDeviceList& devices, const std::string& identifier) {
     if (identifier.empty()) {
         if (devices.size() < 2) throw RuntimeError(error_number::kSubscript);
-        return devices[1].description;
+        return devices[1];
     }
     const auto found = std::find_if(devices.begin(), devices.end(), [&](const SoundDeviceInfo& device) {
         return device.identifier == identifier;
     });
-    return found == devices.end() ? std::string() : found->description;
+    return found == devices.end() ? SoundDeviceInfo() : *found;
 }
 
 }  // namespace
@@ -74,12 +74,17 @@ bool StreamEngine::CreateDevices() {
 bool StreamEngine::CreateDeviceObjects(const SoundDeviceList& playbackDevices) {
     InputDeviceId = needs_.settings.Text(keys::kInput);
     OutputDeviceId = needs_.settings.Text(keys::kOutput);
-    OutputDeviceName = NameOf(playbackDevices, OutputDeviceId);
+    const SoundDeviceInfo output = Listed(playbackDevices, OutputDeviceId);
+    OutputDeviceName = output.description;
+    ListedOutputId = output.identifier;
     std::optional<RuntimeError> inputError;
     try {
-        InputDeviceName = NameOf(needs_.sound.EnumerateCapture(), InputDeviceId);
+        const SoundDeviceInfo input = Listed(needs_.sound.EnumerateCapture(), InputDeviceId);
+        InputDeviceName = input.description;
+        ListedInputId = input.identifier;
     } catch (const RuntimeError& error) {
         InputDeviceName.clear();
+        ListedInputId.clear();
         inputError = error;
     }
     try {

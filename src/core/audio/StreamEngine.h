@@ -115,6 +115,9 @@ public:
     std::string OutputDeviceName;
     std::string InputDeviceId;  // as stored; empty for the primary device
     std::string OutputDeviceId;
+    // The same, but of the device that the primary device referred to. Empty for an unknown device.
+    std::string ListedInputId;
+    std::string ListedOutputId;
 
     // Counts since construction.
     std::uint64_t Overruns = 0;        // playback ran into the block being written

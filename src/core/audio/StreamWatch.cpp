@@ -33,15 +33,21 @@ constexpr const char* kNotRunning = "No sound device is in use.";
 struct Choice {
     std::string stored;
     std::string usedIdentifier;
+    std::string listedIdentifier;  // of the device that a primary device referred to
     std::string usedName;
 };
+
+// Whether the primary device refers to the device in use. A twin that was connected or removed changes its
+// name, and connecting it to another socket changes its identifier.
+bool RefersToUsed(const SoundDeviceInfo& device, const Choice& choice) {
+    return device.identifier == choice.listedIdentifier || device.description == choice.usedName;
+}
 
 // Whether a start would open the same device again. It would not if the primary device now refers to another
 // one.
 bool Lists(const SoundDeviceList& devices, const Choice& choice) {
     if (choice.stored.empty())
-        return devices.size() > 1 &&
-               (!choice.usedIdentifier.empty() || devices[1].description == choice.usedName);
+        return devices.size() > 1 && (!choice.usedIdentifier.empty() || RefersToUsed(devices[1], choice));
     return std::any_of(devices.begin(), devices.end(),
                        [&](const SoundDeviceInfo& device) { return device.identifier == choice.stored; });
 }
@@ -223,9 +229,9 @@ void StreamWatch::TryAgain() {
 
 bool StreamWatch::DevicesListed() {
     const Choice output{needs_.settings.Text(keys::kOutput), needs_.engine.OutputDeviceId,
-                        needs_.engine.OutputDeviceName};
+                        needs_.engine.ListedOutputId, needs_.engine.OutputDeviceName};
     const Choice input{needs_.settings.Text(keys::kInput), needs_.engine.InputDeviceId,
-                       needs_.engine.InputDeviceName};
+                       needs_.engine.ListedInputId, needs_.engine.InputDeviceName};
     try {
         return Lists(needs_.sound.EnumeratePlayback(), output) &&
                Lists(needs_.sound.EnumerateCapture(), input);

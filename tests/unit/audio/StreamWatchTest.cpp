@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <utility>
+
 #include "core/audio/StreamWatch.h"
 #include "core/ports/SoundErrors.h"
 #include "support/EngineBench.h"
@@ -292,6 +294,23 @@ TEST(StreamWatch, WaitsForTheDeviceThatThePrimaryOneStoodFor) {
     bench.sound.playbackDevices = all;
     bench.loop.Advance(1200ms);
     EXPECT_TRUE(bench.shared.EventsReady);
+}
+
+// A twin has been connected, which changes the name of the lost device.
+TEST(StreamWatch, KnowsTheDeviceThatThePrimaryOneStoodForUnderANewName) {
+    WatchBench bench;
+    bench.Unplug();
+    const SoundDeviceInfo twin{"out-c", "Card A [out-c]", "a"};
+    bench.kept[1].description = "Card A [out-a]";
+    bench.kept.insert(bench.kept.begin() + 1, twin);
+    bench.Replug();
+    bench.loop.Advance(10s);
+    EXPECT_FALSE(bench.shared.EventsReady) << "the twin is now the default";
+    std::swap(bench.kept[1], bench.kept[2]);
+    bench.Replug();
+    bench.loop.Advance(1200ms);
+    EXPECT_TRUE(bench.shared.EventsReady);
+    EXPECT_EQ(bench.engine.OutputDeviceName, "Card A [out-a]");
 }
 
 TEST(StreamWatch, OffersDevicesWhenTheLostOneIsGivenUp) {
