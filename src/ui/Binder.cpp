@@ -50,13 +50,14 @@ void Binder::Schedule() {
 }
 
 // Two widgets may show the same control. Controls are cleaned before anything is shown, because a widget that
-// loses the focus then completes its entry, and the changes by that are shown by the next flush.
+// loses the focus then completes its entry, and the changes by that are shown by the next flush. A flush
+// inside this one shows what this one has not shown yet.
 void Binder::Flush() {
     scheduled_ = false;
-    for (Entry& entry : entries_) entry.due = entry.control->Dirty();
+    for (Entry& entry : entries_) entry.due = entry.due || entry.control->Dirty();
     for (Entry& entry : entries_) entry.control->Clean();
     for (Entry& entry : entries_) {
-        if (!entry.due) continue;
+        if (!std::exchange(entry.due, false)) continue;
         const QSignalBlocker blocker(entry.widget);
         entry.show();
     }

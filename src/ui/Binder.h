@@ -72,7 +72,7 @@ private:
         QObject* widget;
         Control* control;
         std::function<void()> show;
-        bool due = false;  // to be shown by the present flush
+        bool due = false;  // cleaned and not shown yet
     };
 
     void Add(QObject& widget, Control& control, std::function<void()> show);
