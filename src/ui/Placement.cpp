@@ -56,9 +56,12 @@ void Placement::Place() {
     QPoint place = PrimaryOrigin() + QPoint(frame_.Left(), frame_.Top());
     if (!OnAnyScreen({place, FrameSize()})) place = Middle(FrameSize());
     placedAt_ = framedAt_ = AboveTheScreensBottom({place, FrameSize()});
+    formPlace_ = {frame_.Left(), frame_.Top()};
     framed_ = Framed();
     state_ = State::kPlaced;
     widget_.move(placedAt_);
+    // A window that was open before can have lost its frame. Its position is then that of the inner area.
+    if (!framed_ && widget_.windowHandle() != nullptr) widget_.windowHandle()->setFramePosition(placedAt_);
 }
 
 bool Placement::eventFilter(QObject* watched, QEvent* event) {
@@ -79,9 +82,11 @@ void Placement::Follow() {
         QMetaObject::invokeMethod(this, &Placement::AllowForFrame, Qt::QueuedConnection);
         return;
     }
-    if (state_ == State::kPlaced && (place == placedAt_ || place == framedAt_)) return;
-    state_ = State::kMovedByUser;
-    frame_.Move((place - PrimaryOrigin()).x(), (place - PrimaryOrigin()).y());
+    // A window that opens again can pass through other places while it gets its frame.
+    const bool here = place == placedAt_ || place == framedAt_;
+    state_ = here ? State::kPlaced : State::kMovedByUser;
+    const QPoint ofForm = here ? formPlace_ : place - PrimaryOrigin();
+    frame_.Move(ofForm.x(), ofForm.y());
 }
 
 void Placement::AllowForFrame() {

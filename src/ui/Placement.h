@@ -35,7 +35,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // kPlaced until the user moves the widget.
+    // kPlaced while the widget is where this object has placed it.
     enum class State { kLeft, kPlaced, kMovedByUser };
 
     void Follow();
@@ -47,6 +47,8 @@ private:
     Window& frame_;
     State state_ = State::kLeft;
     bool framed_ = false;
+    // The form's position when the widget was placed.
+    QPoint formPlace_;
     // Where this object has placed the widget: before and after its frame was known.
     QPoint placedAt_;
     QPoint framedAt_;

@@ -190,6 +190,53 @@ TEST_P(Placing, WhereTheDisplayShowsTheFormIsNotStored) {
     EXPECT_EQ(PlaceStoredOnClosing(), "100, 50");
 }
 
+// Modal forms and the main form open once in the life of their window.
+using PlacingAgain = Placing;
+
+TEST_P(PlacingAgain, IsWhereTheUserLeftTheForm) {
+    OpenAt("100", "50").move(280, 120);
+    Settle();
+    EXPECT_EQ(PlaceStoredOnClosing(), "-720, -80");
+    EXPECT_EQ(Open().pos(), QPoint(280, 120));
+    EXPECT_EQ(PlaceStoredOnClosing(), "-720, -80");
+    Open().move(1100, 250);
+    Settle();
+    EXPECT_EQ(PlaceStoredOnClosing(), "100, 50");
+}
+
+// The size of the frame is known from the first time.
+TEST_P(PlacingAgain, KeepsTheFrameOnTheScreens) {
+    const QSize frame = OpenAt("30000", "30000").frameGeometry().size();
+    PlaceStoredOnClosing();
+    EXPECT_EQ(Open().frameGeometry().bottomRight(), QPoint(2599, 1199));
+    const std::string withFrame =
+        std::to_string(1600 - frame.width()) + ", " + std::to_string(1000 - frame.height());
+    EXPECT_EQ(PlaceStoredOnClosing(), withFrame);
+    Open();
+    EXPECT_EQ(PlaceStoredOnClosing(), withFrame);
+}
+
+TEST_P(PlacingAgain, WhereNoScreenShowsTheFormIsTheMiddleButNotStored) {
+    OpenAt("-20000", "-300");
+    PlaceStoredOnClosing();
+    EXPECT_EQ(Open().frameGeometry().center(),
+              QGuiApplication::primaryScreen()->availableGeometry().center());
+    EXPECT_EQ(PlaceStoredOnClosing(), "-20000, -300");
+}
+
+// As a window manager may do while it puts a frame around the window.
+TEST_P(PlacingAgain, ThroughOtherPlacesIsNotStored) {
+    OpenAt("-20000", "-300");
+    PlaceStoredOnClosing();
+    QWidget& widget = Open();
+    const QPoint place = widget.pos();
+    widget.move(-1, -20);
+    Settle();
+    widget.move(place);
+    Settle();
+    EXPECT_EQ(PlaceStoredOnClosing(), "-20000, -300");
+}
+
 TEST_P(Placing, CountsTheFrameAsPartOfTheForm) {
     const QWidget& widget = Open();
     EXPECT_EQ(form_->Frame().Width(), widget.frameGeometry().width());
@@ -201,12 +248,19 @@ std::unique_ptr<PlacedForm> Make() {
     return std::make_unique<Form>();
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Of, Placing,
-    testing::Values(FormKind{"MainForm", Make<PlacedMain>}, FormKind{"DeviceSelection", Make<PlacedDevices>},
-                    FormKind{"OlderMixer", [] { return std::make_unique<PlacedMixer>(5); }},
-                    FormKind{"NewerMixer", [] { return std::make_unique<PlacedMixer>(10); }}),
-    [](const testing::TestParamInfo<FormKind>& kind) { return kind.param.name; });
+const FormKind kMixers[] = {{"OlderMixer", [] { return std::make_unique<PlacedMixer>(5); }},
+                            {"NewerMixer", [] { return std::make_unique<PlacedMixer>(10); }}};
+
+std::string NameOf(const testing::TestParamInfo<FormKind>& kind) {
+    return kind.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, PlacingAgain, testing::ValuesIn(kMixers), NameOf);
+INSTANTIATE_TEST_SUITE_P(Of, Placing,
+                         testing::Values(FormKind{"MainForm", Make<PlacedMain>},
+                                         FormKind{"DeviceSelection", Make<PlacedDevices>}, kMixers[0],
+                                         kMixers[1]),
+                         NameOf);
 
 }  // namespace
 }  // namespace sonavex
