@@ -1,6 +1,7 @@
 // Samples of more than 16 bits on cards without a server.
 
 #include <algorithm>
+#include <cerrno>
 
 #include "adapters/alsa/AlsaSession.h"
 #include "platform/alsa/AlsaFormats.h"
@@ -33,6 +34,39 @@ TEST_P(AlsaFine, ReturnsEveryBitOfTheCard) {
         EXPECT_EQ(fine.playback->PathNote() + fine.capture->PathNote(), "");
         fine.ExpectExact(on.loop);
     }
+}
+
+// USB cards lack the bandwidth for a wide format at some rates; a refusal comes with any error.
+TEST(AlsaRefusal, TheNextFormatIsRequested) {
+    for (const int refusal : {EINVAL, EPROTO, ENOSPC}) {
+        const LoopCards cards(CardList{
+            {kFineCard, "Fine card", {48000}, 2, "S32_LE S24_3LE S16_LE", "S32_LE S24_3LE", refusal}});
+        SystemOnLoop<AlsaSoundSystem> on;
+        FineLoop fine(on.system, kFineId, kFineId, 48000, 16);
+        EXPECT_EQ(fine.playback->Bits(), 16) << refusal;
+        EXPECT_EQ(fine.capture->Bits(), 16) << refusal;
+        EXPECT_EQ(fine.playback->PathNote() + fine.capture->PathNote(), "") << refusal;
+        fine.ExpectExact(on.loop);
+    }
+}
+
+TEST(AlsaRefusal, OfAllFormatsNamesThoseTried) {
+    const LoopCards cards(
+        CardList{{kFineCard, "Fine card", {48000}, 2, "S32_LE S24_LE S16_LE", "S32_LE S24_LE S16_LE"}});
+    AlsaSession session;
+    session.ExpectError(
+        sound_error::kBadFormat,
+        "The sound device 'Fine card (direct)' refuses its settings. Formats tried: S32, S24, S16.",
+        [&] { session.OpenPlayback(kFineId, 48000); });
+}
+
+// Other formats would only repeat the failure.
+TEST(AlsaRefusal, OfACardInUseIsFinal) {
+    const LoopCards cards(CardList{{kFineCard, "Fine card", {48000}, 2, "S32_LE S16_LE", "S32_LE", EBUSY}});
+    AlsaSession session;
+    session.ExpectError(sound_error::kAllocated,
+                        "The sound device 'Fine card (direct)' is in use by another program.",
+                        [&] { session.OpenPlayback(kFineId, 48000); });
 }
 
 // A conversion truncates wider samples, so that it gets 16 bits.

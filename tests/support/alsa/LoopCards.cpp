@@ -20,7 +20,8 @@ bool IsHardware(const LoopCards::Card& card) {
 
 // Options of a card's definition other than its file.
 std::string Abilities(const LoopCards::Card& card) {
-    std::string text = " channels " + std::to_string(card.channels) + " format \"" + card.format + "\"";
+    std::string text = " channels " + std::to_string(card.channels) + " format \"" + card.format +
+                       "\" refuse \"" + card.refused + "\" error " + std::to_string(card.refusal);
     if (card.ratesHz.empty()) return text;
     text += " rates [";
     for (const int rateHz : card.ratesHz) text += " " + std::to_string(rateHz);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -21,7 +22,9 @@ public:
         std::string description;
         std::vector<int> ratesHz{};  // empty: all rates of the instrument
         int channels = 2;
-        std::string format = "S16_LE";
+        std::string format = "S16_LE";  // or several, separated by blanks
+        std::string refused{};          // formats that the card offers and then refuses
+        int refusal = EPROTO;           // error number of a refusal
     };
 
     // `more` is added to the configuration verbatim. Cards whose name begins with "hw:CARD=" act as hardware:

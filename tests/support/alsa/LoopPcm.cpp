@@ -2,11 +2,13 @@
 // clock, takes only the rates of its configuration, is used by one stream a direction at a time, and
 // can be unplugged, stalled, suspended and made to fail through its file while streams run:
 //
-//   pcm.NAME { type sonavex_loop  state "FILE"  rates [ 48000 44100 ]  channels 2  format "S16_LE" }
+//   pcm.NAME { type sonavex_loop  state "FILE"  rates [ 48000 44100 ]  channels 2
+//              format "S32_LE S16_LE"  refuse "S32_LE"  error 71 }
 //
 // All but the file may be left out; the channels are then 2, the format is S16_LE and the rates are
-// those of the instrument. The format may also be S24_LE, S24_3LE, S32_LE or FLOAT_LE, which is never opened
-// by the instrument. The cable has 24 bits.
+// those of the instrument. The formats may also be S24_LE, S24_3LE or FLOAT_LE, which is never opened
+// by the instrument. A refused format is offered, and its settings then fail with the error (EPROTO by
+// default). The cable has 24 bits.
 
 #define PIC 1
 #include <alsa/asoundlib.h>
@@ -16,10 +18,12 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -34,7 +38,9 @@ struct Settings {
     std::string stateFile;
     std::vector<unsigned> rates;
     unsigned channels = 2;
-    unsigned format = SND_PCM_FORMAT_S16_LE;
+    std::vector<unsigned> formats{SND_PCM_FORMAT_S16_LE};
+    std::vector<unsigned> refused;
+    int error = EPROTO;
 };
 
 constexpr std::uint64_t kSampleMask = 0xFFFFFF;
@@ -131,6 +137,7 @@ private:
         timerfd_settime(timer_, 0, &setting, nullptr);
     }
 
+    int CheckFormat() const;
     int Prepare();
     int Start();
     int Stop();
@@ -152,8 +159,15 @@ private:
     std::int64_t start_ = 0;     // number of the frame at position 0
     std::int64_t position_ = 0;  // position of the card
     std::int64_t availableMin_ = 1;
+    std::vector<unsigned> refused_;
+    int error_ = 0;                           // of a refusal
     std::vector<std::uint64_t> beforeStart_;  // written before the start, not yet on the cable
 };
+
+int LoopPcm::CheckFormat() const {
+    const bool refused = std::find(refused_.begin(), refused_.end(), io_.format) != refused_.end();
+    return refused ? -error_ : 0;
+}
 
 int LoopPcm::Prepare() {
     if (cable_.Unplugged()) return -ENODEV;
@@ -251,6 +265,7 @@ unsigned short LoopPcm::Events() {
 const snd_pcm_ioplug_callback_t& LoopPcm::Callbacks() {
     static const snd_pcm_ioplug_callback_t kCallbacks = [] {
         snd_pcm_ioplug_callback_t callbacks{};
+        callbacks.hw_params = [](snd_pcm_ioplug_t* io, snd_pcm_hw_params_t*) { return Of(io).CheckFormat(); };
         callbacks.prepare = [](snd_pcm_ioplug_t* io) { return Of(io).Prepare(); };
         callbacks.start = [](snd_pcm_ioplug_t* io) { return Of(io).Start(); };
         callbacks.stop = [](snd_pcm_ioplug_t* io) { return Of(io).Stop(); };
@@ -290,7 +305,9 @@ int LoopPcm::SetConstraints(const Settings& settings) {
     const unsigned access[] = {SND_PCM_ACCESS_RW_INTERLEAVED, SND_PCM_ACCESS_MMAP_INTERLEAVED};
     int error = snd_pcm_ioplug_set_param_list(&io_, SND_PCM_IOPLUG_HW_ACCESS, 2, access);
     if (error == 0)
-        error = snd_pcm_ioplug_set_param_list(&io_, SND_PCM_IOPLUG_HW_FORMAT, 1, &settings.format);
+        error = snd_pcm_ioplug_set_param_list(&io_, SND_PCM_IOPLUG_HW_FORMAT,
+                                              static_cast<unsigned>(settings.formats.size()),
+                                              settings.formats.data());
     if (error == 0)
         error = snd_pcm_ioplug_set_param_list(&io_, SND_PCM_IOPLUG_HW_CHANNELS, 1, &settings.channels);
     if (error == 0)
@@ -314,6 +331,8 @@ int LoopPcm::Create(const char* name, const Settings& settings, snd_pcm_stream_t
     io_.poll_events = POLLIN;
     io_.callback = &Callbacks();
     io_.private_data = this;
+    refused_ = settings.refused;
+    error_ = settings.error;
     error = snd_pcm_ioplug_create(&io_, name, direction, mode);
     if (error < 0) return error;
     return SetConstraints(settings);
@@ -328,6 +347,15 @@ void ReadRates(const snd_config_t* list, std::vector<unsigned>& rates) {
         if (snd_config_get_integer(snd_config_iterator_entry(i), &rateHz) == 0)
             rates.push_back(static_cast<unsigned>(rateHz));
     }
+}
+
+// Names separated by blanks.
+std::vector<unsigned> Formats(const char* names) {
+    std::vector<unsigned> formats;
+    std::istringstream stream(names);
+    for (std::string name; stream >> name;)
+        formats.push_back(static_cast<unsigned>(snd_pcm_format_value(name.c_str())));
+    return formats;
 }
 
 Settings ReadSettings(const snd_config_t* configuration) {
@@ -346,8 +374,10 @@ Settings ReadSettings(const snd_config_t* configuration) {
         if (key == "rates") ReadRates(entry, settings.rates);
         if (key == "channels" && snd_config_get_integer(entry, &number) == 0)
             settings.channels = static_cast<unsigned>(number);
-        if (key == "format" && snd_config_get_string(entry, &text) == 0)
-            settings.format = static_cast<unsigned>(snd_pcm_format_value(text));
+        if (key == "format" && snd_config_get_string(entry, &text) == 0) settings.formats = Formats(text);
+        if (key == "refuse" && snd_config_get_string(entry, &text) == 0) settings.refused = Formats(text);
+        if (key == "error" && snd_config_get_integer(entry, &number) == 0)
+            settings.error = static_cast<int>(number);
     }
     return settings;
 }
