@@ -70,8 +70,8 @@ AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint
         const Lacks stillLacks = FindFormats(Resampling::kAllowed, device_.Hardware() ? kNarrow : formats);
         if (stillLacks.Any()) RefuseFormat(stillLacks);
     }
-    note_ = ConversionNote(lacks);
     ConfigureInTurn(wanted);
+    note_ = ConversionNote(lacks);
 }
 
 void AlsaPcm::Open(const std::string& name) {
@@ -167,16 +167,15 @@ void AlsaPcm::SetWakeUp(std::uint32_t frames) {
 std::string AlsaPcm::ConversionNote(const Lacks& lacks) const {
     std::string note;
     if (lacks.rate)
-        note = Quoted(device_) + "does not run at " + std::to_string(rateHz_) +
-               " Hz: its samples are converted from another rate.";
+        note =
+            "does not run at " + std::to_string(rateHz_) + " Hz: its samples are converted from another rate";
     else if (lacks.format)
-        note = Quoted(device_) + "takes none of the formats " + NamesOf(kAllFormats) +
-               ": samples are converted.";
+        note = "takes none of the formats " + NamesOf(kAllFormats) + ": samples are converted";
     else if (lacks.channels)
-        note = Quoted(device_) + "is not stereo: its channels are converted.";
+        note = "is not stereo: its channels are converted";
     else if (device_.converting)
-        note = Quoted(device_) + "is defined with conversions: samples may change on their way.";
-    return note;
+        note = "is defined with conversions: samples may change on their way";
+    return note.empty() ? note : Quoted(device_) + note + ", with " + std::to_string(bits_) + " bits.";
 }
 
 void AlsaPcm::RefuseFormat(const Lacks& lacks) const {

@@ -41,7 +41,7 @@ public:
     // Wakes poll when this many frames can be moved. The device starts only by snd_pcm_start.
     void SetWakeUp(std::uint32_t frames);
 
-    // For the user: how samples are converted. Empty when they pass bit for bit.
+    // For the user: how samples are converted, and with how many bits. Empty when they pass bit for bit.
     const std::string& Note() const noexcept { return note_; }
 
     // "card N" with the system's number of the card; empty when there is no card.

@@ -36,8 +36,10 @@ int BitsOf(pa_sample_format_t format) noexcept {
     }
 }
 
-bool IsFloat(pa_sample_format_t format) noexcept {
-    return format == PA_SAMPLE_FLOAT32LE || format == PA_SAMPLE_FLOAT32BE;
+// PulseAudio converts between a 32-bit stream and a device at the same rate by way of 16 bits to S16 of the
+// machine's byte order, by way of floats otherwise.
+bool PassesFloat(pa_sample_format_t format) noexcept {
+    return format != PA_SAMPLE_S16NE && format != PA_SAMPLE_S32NE;
 }
 
 // "80 %", or "50 % and 150.5 %" where the channels differ.
@@ -117,7 +119,7 @@ void PulsePath::TakeDevice(pa_context* server, const Info* info, int, void* self
     me.deviceRateHz_ = info->sample_spec.rate;
     me.format_.Take(info->sample_spec);
     me.bits_.store(BitsOf(info->sample_spec.format), std::memory_order_relaxed);
-    me.float_ = IsFloat(info->sample_spec.format);
+    me.float_ = PassesFloat(info->sample_spec.format);
     me.AskForCardOf(server, *info);
     me.suspended_ = IsSuspended(*info);
     me.device_ = VolumeOf(info->volume, info->mute);
@@ -170,8 +172,9 @@ std::string PulsePath::Note() const {
     else if (virtual_ && graphRateHz_ != 0 && graphRateHz_ != rateHz_)
         Append(note, "may be resampled: the sound server runs virtual devices at its own rate, " +
                          std::to_string(graphRateHz_) + " Hz by default");
-    // PipeWire moves all samples as floats.
-    if (float_ || graphRateHz_ != 0) Append(note, "converted through float by the sound server");
+    // PipeWire moves all samples as floats. PulseAudio's resampling is a larger change, and is named above.
+    if (graphRateHz_ != 0 || (float_ && deviceRateHz_ == rateHz_))
+        Append(note, "converted through float by the sound server");
     if (!device_.percent.empty()) Append(note, "volume of the device " + Percent(device_.percent));
     if (!stream_.percent.empty()) Append(note, "volume of the stream " + Percent(stream_.percent));
     if (suspended_) Append(note, "suspended by the sound server");

@@ -69,7 +69,7 @@ private:
     std::string card_;
     bool virtual_ = false;  // the device is software
     bool suspended_ = false;
-    bool float_ = false;  // the device's samples are floating-point numbers
+    bool float_ = false;  // samples pass through floats at the device's rate
     std::atomic<int> bits_{16};
     // The server's rate if virtual devices misreport theirs; otherwise 0.
     std::uint32_t graphRateHz_ = 0;

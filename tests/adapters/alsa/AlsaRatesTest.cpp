@@ -105,7 +105,7 @@ TEST(AlsaRates, ThatACardLacksAreConvertedAndSaidToBe) {
         if (rateHz == 48000) continue;
         ExpectNotes(kHardwareId, rateHz,
                     "The sound device 'Test card (direct)' does not run at " + std::to_string(rateHz) +
-                        " Hz: its samples are converted from another rate.");
+                        " Hz: its samples are converted from another rate, with 16 bits.");
     }
     const std::vector<std::int16_t> levels = LevelsThrough(kHardwareId, 32000, 12000, -5000);
     EXPECT_NEAR(levels[0], 12000, 3);
@@ -116,7 +116,7 @@ TEST(AlsaRates, OfTheCardStayExactWhereOthersAreConverted) {
     const LoopCards cards(CardList{{kHardware, "Test card", {48000, 44100}}});
     ExpectNotes(kHardwareId, 22050,
                 "The sound device 'Test card (direct)' does not run at 22050 Hz: its samples are converted "
-                "from another rate.");
+                "from another rate, with 16 bits.");
     for (const std::int32_t rateHz : {48000, 44100}) {
         ExpectExactLoop(kHardwareId, rateHz);
         ExpectNotes(kHardwareId, rateHz, "");
@@ -151,13 +151,14 @@ TEST(AlsaFormats, AFloatCardIsConverted) {
     ExpectNotes(
         kHardwareId, 48000,
         "The sound device 'Test card (direct)' takes none of the formats S32, S24_3, S24, S16: samples "
-        "are converted.");
+        "are converted, with 16 bits.");
 }
 
 TEST(AlsaFormats, AMonoCardGetsBothChannels) {
     const LoopCards cards(CardList{{kHardware, "Test card", {}, 1}});
-    ExpectNotes(kHardwareId, 48000,
-                "The sound device 'Test card (direct)' is not stereo: its channels are converted.");
+    ExpectNotes(
+        kHardwareId, 48000,
+        "The sound device 'Test card (direct)' is not stereo: its channels are converted, with 16 bits.");
     const std::vector<std::int16_t> levels = LevelsThrough(kHardwareId, 48000, 9000, 9000);
     EXPECT_NEAR(levels[0], 9000, 1);
     EXPECT_NEAR(levels[1], 9000, 1);
@@ -181,10 +182,10 @@ TEST(AlsaFormats, TheUsersConversionsAreUsedAndNamed) {
         "pcm.soft { type plug slave.pcm \"card\" hint { show on description \"Soft card\" } }");
     ExpectNotes("alsa:soft", 48000,
                 "The sound device 'Soft card (direct, converting)' is defined with conversions: samples may "
-                "change on their way.");
+                "change on their way, with 16 bits.");
     ExpectNotes("alsa:soft", 8000,
                 "The sound device 'Soft card (direct, converting)' does not run at 8000 Hz: its samples are "
-                "converted from another rate.");
+                "converted from another rate, with 16 bits.");
     ExpectExactLoop("alsa:soft", 48000);
 }
 

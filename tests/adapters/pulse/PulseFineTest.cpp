@@ -29,11 +29,9 @@ TEST(PulseFine, ReturnsEveryBitOfTheSink) {
         const char* note;
     };
     std::vector<NullSink> sinks;
-    const std::vector<Case> cases{{"s16le", 16, ""},
-                                  {"s24le", 24, ""},
-                                  {"s24-32le", 24, ""},
-                                  {"s32le", 24, ""},
-                                  {"float32le", 24, kFloatNote}};
+    const std::vector<Case> cases{
+        {"s16le", 16, ""}, {"s24le", 24, kFloatNote}, {"s24-32le", 24, kFloatNote},
+        {"s32le", 24, ""}, {"s32be", 24, kFloatNote}, {"float32le", 24, kFloatNote}};
     for (const Case& with : cases)
         for (const std::uint32_t rateHz : {48000U, 96000U})
             sinks.push_back({with.format + std::to_string(rateHz), rateHz, "Card", with.format});

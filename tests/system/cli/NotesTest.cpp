@@ -54,7 +54,7 @@ TEST(Notes, NameVolumesAndMuting) {
 }
 
 TEST(Notes, TellOfFewerBitsInOneDirection) {
-    const PulseServer server({{"narrow", 48000, "Card", "s16le"}, {"wide", 48000, "Card", "s24le"}});
+    const PulseServer server({{"narrow", 48000, "Card", "s16le"}, {"wide", 48000, "Card", "s32le"}});
     constexpr int kSilent = 2;
     const auto uneven = Reading(server, "48000", "narrow", "wide.monitor", kSilent);
     EXPECT_EQ(uneven["notes"].dump(), R"(["Output: 16 bit"])");
@@ -64,6 +64,15 @@ TEST(Notes, TellOfFewerBitsInOneDirection) {
     const auto even = Reading(server, "48000", "wide", "wide.monitor", 0);
     EXPECT_EQ(even["notes"].dump(), "[]");
     EXPECT_EQ(even["bits"], 24);
+}
+
+TEST(Notes, NameAServerThatConvertsThroughFloat) {
+    const PulseServer server({{"packed", 48000, "Card", "s24le"}});
+    constexpr const char* kBothWays = R"(["Input: converted through float by the sound server",)"
+                                      R"("Output: converted through float by the sound server"])";
+    EXPECT_EQ(Notes(server, "48000", "packed", "packed.monitor"), kBothWays);
+    // Resampling is the larger change.
+    EXPECT_EQ(Notes(server, "44100", "packed", "packed.monitor").find("float"), std::string::npos);
 }
 
 // The server says which card a device belongs to.
