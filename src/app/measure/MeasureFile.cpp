@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -26,7 +27,9 @@ constexpr double kFullScale = 32768.0;
 
 using Block = std::array<std::int16_t, kBlockSamples>;
 
+// A NaN of a floating-point file counts as silence; an infinity clips like any value beyond full scale.
 std::int16_t Sample16(double value) {
+    if (std::isnan(value)) return 0;
     return static_cast<std::int16_t>(
         RoundHalfEven(std::clamp(value * kFullScale, -kFullScale, kFullScale - 1.0)));
 }

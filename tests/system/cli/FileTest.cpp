@@ -243,6 +243,12 @@ TEST(File, DamagedRecordingIsAnError) {
     EXPECT_THAT(outcome.errors, HasSubstr("The recording cannot be read to its end"));
 }
 
+TEST(File, RecordingThatEndsEarlyIsRefused) {
+    const RecordingFile file({32000, 2}, Sine(1000.0, 32000, 0.5));
+    std::filesystem::resize_file(file.Path(), std::filesystem::file_size(file.Path()) / 2);
+    ExpectRefusal(MeasureFile(file), "ends early: 37882 of 75776 frames.");
+}
+
 TEST(File, TableReadsLikeTheReport) {
     const RecordingFile file({32000, 1}, Sine(1000.0, 32000, 0.5));
     const Outcome outcome = Measure({"file", file.Path()});
