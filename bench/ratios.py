@@ -12,6 +12,8 @@ import sys
 # Time of the two transforms that every block needs: FFTW with an estimated plan on split arrays.
 RATIO_TARGETS = {"BM_Block/0": 3.0, "BM_Block/1": 3.3, "BM_Block/9": 6.0}
 SSE2_ALLOWANCE = 3.0
+# A reading of 65536 points by the number of lines, in real transforms of that length with an estimated plan.
+ANALYZER_TARGETS = {"BM_AnalyzeTone65536/10": 40.0, "BM_AnalyzeTone65536/20": 70.0}
 METER_UPDATE_US = 1000.0
 START_MS = 300.0
 
@@ -49,6 +51,12 @@ def ratio_rows(times, allowance):
     return rows
 
 
+def analyzer_rows(times):
+    floor = times["BM_RealFft65536"]
+    return [rated(name, times[name] / floor, "x", target) | {"us": round(times[name], 2)}
+            for name, target in ANALYZER_TARGETS.items()]
+
+
 def time_rows(times, targets):
     return [rated(name, time, "us", targets.get(name)) for name, time in times.items()]
 
@@ -77,13 +85,15 @@ def main(folder):
     tables = {
         "block": ratio_rows(block, 1.0),
         "blockSse2": ratio_rows(sse2, SSE2_ALLOWANCE),
-        "parts": time_rows({n: t for n, t in block.items() if not n.startswith("BM_Block")}, {}),
+        "analyzer": analyzer_rows(block),
+        "parts": time_rows({n: t for n, t in block.items() if not n.startswith(("BM_Block", "BM_Analyze"))}, {}),
         "window": time_rows(medians(folder / "window.json"), {"BM_MeterUpdate": METER_UPDATE_US}),
         "start": start_rows(folder),
     }
     titles = {
         "block": f"Block path / (2 x BM_Fft4096 = {2 * block['BM_Fft4096']:.2f} us)",
         "blockSse2": f"The same with SSE2 kernels / (2 x BM_Fft4096 = {2 * sse2['BM_Fft4096']:.2f} us)",
+        "analyzer": f"Precise reading / (BM_RealFft65536 = {block['BM_RealFft65536']:.2f} us)",
         "parts": "Parts",
         "window": "Window at 200 % scale: captions, layout and painting",
         "start": "Start of the process to the first captured block, simulated card, 48000 Hz",

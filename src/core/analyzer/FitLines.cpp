@@ -26,7 +26,8 @@ public:
         : request_(request),
           firstTime_(-window.Centre()),
           frequency_(request.frequency),
-          starts_((window.Length() + kBlock - 1) / kBlock) {
+          startsRe_((window.Length() + kBlock - 1) / kBlock),
+          startsIm_(startsRe_.size()) {
         MakePhasors();
     }
 
@@ -37,7 +38,7 @@ public:
     const Complex& Amplitude() const { return amplitude_; }
 
     void SubtractFrom(double* samples, std::size_t block, std::size_t n) const {
-        const Complex factor = amplitude_ * starts_[block];
+        const Complex factor = amplitude_ * Start(block);
         line_kernels::Subtract(factor.real(), factor.imag(), re_.data(), im_.data(), samples, n);
     }
 
@@ -68,18 +69,16 @@ public:
 
 private:
     void MakePhasors() {
-        for (std::size_t p = 0; p < starts_.size(); ++p)
-            starts_[p] = UnitPhasor(PhaseTurns(frequency_, firstTime_ + static_cast<double>(p * kBlock)));
-        for (std::size_t q = 0; q < kBlock; ++q) {
-            const Complex phasor = UnitPhasor(PhaseTurns(frequency_, static_cast<double>(q)));
-            re_[q] = phasor.real();
-            im_[q] = phasor.imag();
-        }
+        line_kernels::Phasors(frequency_.coarse, frequency_.fine, firstTime_, kBlock, startsRe_.data(),
+                              startsIm_.data(), startsRe_.size());
+        line_kernels::Phasors(frequency_.coarse, frequency_.fine, 0.0, 1.0, re_.data(), im_.data(), kBlock);
     }
+
+    Complex Start(std::size_t block) const { return {startsRe_[block], startsIm_[block]}; }
 
     Complex BlockSum(const BlockValues& x, std::size_t block, std::size_t n) const {
         const line_kernels::Sums sums = line_kernels::Matched(x.data(), re_.data(), im_.data(), n);
-        return std::conj(starts_[block]) * Complex(sums.re, -sums.im);
+        return std::conj(Start(block)) * Complex(sums.re, -sums.im);
     }
 
     LineToFit request_;
@@ -88,7 +87,8 @@ private:
     Complex amplitude_;
     Complex matched_;
     Complex timed_;
-    std::vector<Complex> starts_;
+    std::vector<double> startsRe_;
+    std::vector<double> startsIm_;
     BlockValues re_{};
     BlockValues im_{};
 };

@@ -1,5 +1,7 @@
 #include "core/analyzer/LineKernels.h"
 
+#include <cmath>
+
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__) && \
     !defined(SONAVEX_SANITIZED)
 #define SONAVEX_EVERY_MACHINE __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
@@ -10,32 +12,78 @@
 namespace sonavex::line_kernels {
 namespace {
 
-// Independent partial sums, so that the loop over them is vectorised.
-constexpr std::size_t kLanes = 16;
+// Four numbers that the compiler keeps in one register, or in two. Written out, because GCC 12 vectorises
+// loops over partial sums in the wrong direction.
+using Four = double __attribute__((vector_size(32), aligned(8), may_alias));
 
-// Pairwise, which every machine adds in the same order.
-inline double Total(double* lanes) {
-    for (std::size_t half = kLanes / 2; half > 0; half /= 2)
-        for (std::size_t j = 0; j < half; ++j) lanes[j] += lanes[j + half];
-    return lanes[0];
+const Four& FourAt(const double* x) {
+    return *reinterpret_cast<const Four*>(x);
+}
+
+// Independent partial sums, which every machine adds in the same order.
+constexpr std::size_t kFours = 4;
+constexpr std::size_t kLanes = 4 * kFours;
+
+inline double Total(const Four* fours) {
+    const Four sum = (fours[0] + fours[1]) + (fours[2] + fours[3]);
+    return (sum[0] + sum[2]) + (sum[1] + sum[3]);
+}
+
+// To the nearest whole number, for |x| below 2^51. The C library's functions are not vectorised for every
+// machine.
+inline double Rounded(double x) {
+    constexpr double kNoFraction = 0x1.8p52;
+    return (x + kNoFraction) - kNoFraction;
+}
+
+// Sine and cosine of at most 45 degrees, as Taylor series whose first omitted term is below 1e-18.
+inline double SmallSine(double x) {
+    const double y = x * x;
+    double sum = -1.0 / 121645100408832000.0;
+    sum = sum * y + 1.0 / 355687428096000.0;
+    sum = sum * y - 1.0 / 1307674368000.0;
+    sum = sum * y + 1.0 / 6227020800.0;
+    sum = sum * y - 1.0 / 39916800.0;
+    sum = sum * y + 1.0 / 362880.0;
+    sum = sum * y - 1.0 / 5040.0;
+    sum = sum * y + 1.0 / 120.0;
+    sum = sum * y - 1.0 / 6.0;
+    return x + x * (y * sum);
+}
+
+inline double SmallCosine(double x) {
+    const double y = x * x;
+    double sum = -1.0 / 6402373705728000.0;
+    sum = sum * y + 1.0 / 20922789888000.0;
+    sum = sum * y - 1.0 / 87178291200.0;
+    sum = sum * y + 1.0 / 479001600.0;
+    sum = sum * y - 1.0 / 3628800.0;
+    sum = sum * y + 1.0 / 40320.0;
+    sum = sum * y - 1.0 / 720.0;
+    sum = sum * y + 1.0 / 24.0;
+    sum = sum * y - 0.5;
+    return 1.0 + y * sum;
 }
 
 }  // namespace
 
 SONAVEX_EVERY_MACHINE
 Sums Matched(const double* x, const double* re, const double* im, std::size_t n) {
-    double lanesRe[kLanes] = {};
-    double lanesIm[kLanes] = {};
+    Four foursRe[kFours] = {};
+    Four foursIm[kFours] = {};
     std::size_t i = 0;
     for (; i + kLanes <= n; i += kLanes) {
-        for (std::size_t j = 0; j < kLanes; ++j) lanesRe[j] += x[i + j] * re[i + j];
-        for (std::size_t j = 0; j < kLanes; ++j) lanesIm[j] += x[i + j] * im[i + j];
+        for (std::size_t j = 0; j < kFours; ++j) {
+            foursRe[j] += FourAt(x + i + 4 * j) * FourAt(re + i + 4 * j);
+            foursIm[j] += FourAt(x + i + 4 * j) * FourAt(im + i + 4 * j);
+        }
     }
+    Sums sums{Total(foursRe), Total(foursIm)};
     for (; i < n; ++i) {
-        lanesRe[0] += x[i] * re[i];
-        lanesIm[0] += x[i] * im[i];
+        sums.re += x[i] * re[i];
+        sums.im += x[i] * im[i];
     }
-    return {Total(lanesRe), Total(lanesIm)};
+    return sums;
 }
 
 SONAVEX_EVERY_MACHINE
@@ -51,12 +99,58 @@ void Weigh(const double* x, const double* w, double* out, std::size_t n) {
 
 SONAVEX_EVERY_MACHINE
 double Sum(const double* x, std::size_t n) {
-    double lanes[kLanes] = {};
+    Four fours[kFours] = {};
     std::size_t i = 0;
     for (; i + kLanes <= n; i += kLanes)
-        for (std::size_t j = 0; j < kLanes; ++j) lanes[j] += x[i + j];
-    for (; i < n; ++i) lanes[0] += x[i];
-    return Total(lanes);
+        for (std::size_t j = 0; j < kFours; ++j) fours[j] += FourAt(x + i + 4 * j);
+    double sum = Total(fours);
+    for (; i < n; ++i) sum += x[i];
+    return sum;
+}
+
+SONAVEX_EVERY_MACHINE
+double Dot(const double* a, const double* b, std::size_t n) {
+    Four fours[kFours] = {};
+    std::size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes)
+        for (std::size_t j = 0; j < kFours; ++j) fours[j] += FourAt(a + i + 4 * j) * FourAt(b + i + 4 * j);
+    double sum = Total(fours);
+    for (; i < n; ++i) sum += a[i] * b[i];
+    return sum;
+}
+
+SONAVEX_EVERY_MACHINE
+double SquareDot(const double* a, const double* b, std::size_t n) {
+    Four fours[kFours] = {};
+    std::size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes)
+        for (std::size_t j = 0; j < kFours; ++j)
+            fours[j] += FourAt(a + i + 4 * j) * FourAt(a + i + 4 * j) * FourAt(b + i + 4 * j);
+    double sum = Total(fours);
+    for (; i < n; ++i) sum += a[i] * a[i] * b[i];
+    return sum;
+}
+
+SONAVEX_EVERY_MACHINE
+void Phasors(double coarse, double fine, double first, double step, double* re, double* im, std::size_t n) {
+    constexpr double kTwoPi = 6.283185307179586;
+    const double fraction = coarse - Rounded(coarse);
+    const auto count = static_cast<int>(n);
+    for (int i = 0; i < count; ++i) {
+        const double m = first + step * i;
+        const double exact = fraction * m;
+        double turns = exact - Rounded(exact) + fine * m;
+        turns -= Rounded(turns);
+        const double quarters = Rounded(4.0 * turns);
+        const double angle = kTwoPi * (turns - 0.25 * quarters);
+        const double sine = SmallSine(angle);
+        const double cosine = SmallCosine(angle);
+        // Cosine and sine of -2 to 2 quarters of a turn.
+        const double straight = 1.0 - std::abs(quarters);
+        const double across = quarters * (2.0 - std::abs(quarters));
+        re[i] = straight * cosine - across * sine;
+        im[i] = straight * sine + across * cosine;
+    }
 }
 
 }  // namespace sonavex::line_kernels

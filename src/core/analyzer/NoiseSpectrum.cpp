@@ -5,6 +5,8 @@
 #include <numbers>
 #include <utility>
 
+#include "core/analyzer/LineKernels.h"
+
 namespace sonavex {
 namespace {
 
@@ -32,9 +34,10 @@ double MedianOfMean(double records) {
 }
 
 // The part of a bin that lies in the band.
-double ShareInBand(double bin, double binHz, const Band& band) {
-    const double from = std::max(bin - 0.5, band.lowHz / binHz);
-    const double to = std::min(bin + 0.5, band.highHz / binHz);
+double ShareInBand(std::size_t bin, double binHz, const Band& band) {
+    const auto position = static_cast<double>(bin);
+    const double from = std::max(position - 0.5, band.lowHz / binHz);
+    const double to = std::min(position + 0.5, band.highHz / binHz);
     return std::clamp(to - from, 0.0, 1.0);
 }
 
@@ -42,6 +45,29 @@ double GainAt(std::span<const double> gains, double position) {
     if (gains.empty()) return 1.0;
     const double last = static_cast<double>(gains.size()) - 1.0;
     return gains[static_cast<std::size_t>(std::clamp(std::round(position), 0.0, last))];
+}
+
+double WeightedSum(std::span<const double> gains, const std::vector<double>& x, std::size_t from,
+                   std::size_t n) {
+    return gains.empty() ? line_kernels::Sum(&x[from], n) : line_kernels::Dot(&gains[from], &x[from], n);
+}
+
+double SquareWeightedSum(std::span<const double> gains, const std::vector<double>& x, std::size_t from,
+                         std::size_t n) {
+    return gains.empty() ? line_kernels::Sum(&x[from], n)
+                         : line_kernels::SquareDot(&gains[from], &x[from], n);
+}
+
+// Bins from, from + 1 ... to - 1.
+struct BinSpan {
+    std::size_t from;
+    std::size_t to;
+};
+
+BinSpan SkirtOf(double tone, std::size_t bins) {
+    const double from = std::max(std::ceil(tone - kGuardBins), 0.0);
+    const double to = std::min(std::floor(tone + kGuardBins) + 1.0, static_cast<double>(bins));
+    return {static_cast<std::size_t>(from), static_cast<std::size_t>(std::max(from, to))};
 }
 
 }  // namespace
@@ -121,20 +147,38 @@ bool NoiseSpectrum::InSkirt(std::size_t bin) const {
 
 // Noise: the mean of n records of exponentially distributed power p has the mean square p^2 (1 + 1/n) and the
 // variance p^2 / n. Lines: the noise beside them moves their power.
-double NoiseSpectrum::Variance(std::size_t bin, double gain) const {
+double NoiseSpectrum::Variance(std::size_t bin) const {
     const double density = RoughDensityAt(bin);
-    if (power_[bin] > kLineOverDensity * density)
-        return 2.0 * gain * gain * power_[bin] * density * enbwBins_ / records_;
-    return Squared(gain * power_[bin]) * correlatedBins_ / (records_ + 1.0);
+    if (power_[bin] > kLineOverDensity * density) return 2.0 * power_[bin] * density * enbwBins_ / records_;
+    return Squared(power_[bin]) * correlatedBins_ / (records_ + 1.0);
 }
 
-double NoiseSpectrum::SkirtPower(const Band& band, std::span<const double> powerGains, double tone) const {
-    const double last = static_cast<double>(power_.size()) - 1.0;
-    double bins = 0.0;
-    for (double bin = std::max(std::ceil(tone - kGuardBins), 0.0); bin <= std::min(tone + kGuardBins, last);
-         bin += 1.0)
-        bins += ShareInBand(bin, binHz_, band) * GainAt(powerGains, bin);
-    return bins == 0.0 ? 0.0 : bins * DensityAt(tone);
+const NoiseSpectrum::CleanBins& NoiseSpectrum::Clean() const {
+    if (!clean_.power.empty()) return clean_;
+    clean_.power = power_;
+    clean_.variance.resize(power_.size());
+    for (std::size_t bin = 0; bin < power_.size(); ++bin) clean_.variance[bin] = Variance(bin);
+    for (const double tone : tones_) {
+        const BinSpan skirt = SkirtOf(tone, power_.size());
+        const double density = DensityAt(tone);
+        for (std::size_t bin = skirt.from; bin < skirt.to; ++bin) {
+            clean_.power[bin] = density;
+            clean_.variance[bin] = 0.0;
+        }
+    }
+    return clean_;
+}
+
+// All bins of a skirt have the density measured once, so their errors add.
+double NoiseSpectrum::SkirtVariance(double tone, const Band& band, std::span<const double> powerGains) const {
+    constexpr double kNeighbours = 2.0 * (kFarthestNeighbour - kNearestNeighbour + 1);
+    constexpr double kMedianVariance = 1.0 / (std::numbers::ln2 * std::numbers::ln2 * kNeighbours);
+    const BinSpan skirt = SkirtOf(tone, power_.size());
+    double power = 0.0;
+    for (std::size_t bin = skirt.from; bin < skirt.to; ++bin)
+        power += ShareInBand(bin, binHz_, band) * GainAt(powerGains, static_cast<double>(bin)) *
+                 Clean().power[bin];
+    return Squared(power) * kMedianVariance * correlatedBins_ / records_;
 }
 
 double NoiseSpectrum::SwallowedPower(const Band& band, std::span<const double> powerGains) const {
@@ -149,35 +193,32 @@ double NoiseSpectrum::SwallowedPower(const Band& band, std::span<const double> p
 }
 
 NoisePower NoiseSpectrum::InBand(const Band& band, std::span<const double> powerGains) const {
-    const double last = static_cast<double>(power_.size()) - 1.0;
-    const double from = std::max(std::floor(band.lowHz / binHz_ - 0.5), 0.0);
-    const double to = std::min(std::ceil(band.highHz / binHz_ + 0.5), last);
+    const CleanBins& clean = Clean();
+    const double size = static_cast<double>(power_.size());
+    // The bins at both ends count by their share.
+    const auto from = static_cast<std::size_t>(std::clamp(std::round(band.lowHz / binHz_), 0.0, size - 1.0));
+    const auto last = static_cast<std::size_t>(std::clamp(std::round(band.highHz / binHz_), 0.0, size - 1.0));
     double mean = SwallowedPower(band, powerGains);
     double variance = 0.0;
-    for (double position = from; position <= to; position += 1.0) {
-        const auto bin = static_cast<std::size_t>(position);
-        if (excluded_[bin] && InSkirt(bin)) continue;
-        const double gain = ShareInBand(position, binHz_, band) * GainAt(powerGains, position);
-        mean += gain * power_[bin];
-        variance += Variance(bin, gain);
+    for (const std::size_t bin : {from, last}) {
+        const double gain = ShareInBand(bin, binHz_, band) * GainAt(powerGains, static_cast<double>(bin));
+        mean += gain * clean.power[bin];
+        variance += gain * gain * clean.variance[bin];
+        if (from == last) break;
     }
-    for (const double tone : tones_) {
-        const double skirt = SkirtPower(band, powerGains, tone);
-        constexpr double kNeighbours = 2.0 * (kFarthestNeighbour - kNearestNeighbour + 1);
-        constexpr double kMedianVariance = 1.0 / (std::numbers::ln2 * std::numbers::ln2 * kNeighbours);
-        mean += skirt;
-        variance += Squared(skirt) * kMedianVariance * correlatedBins_ / records_;
+    if (last > from + 1) {
+        const std::size_t n = last - from - 1;
+        mean += WeightedSum(powerGains, clean.power, from + 1, n);
+        variance += SquareWeightedSum(powerGains, clean.variance, from + 1, n);
     }
+    for (const double tone : tones_) variance += SkirtVariance(tone, band, powerGains);
     return {mean, std::sqrt(variance)};
 }
 
 NoisePower NoiseSpectrum::Skirt(double position) const {
-    const double last = static_cast<double>(power_.size()) - 1.0;
-    double mean = 0.0;
-    double bins = 0.0;
-    const double to = std::min(position + kGuardBins, last);
-    for (double bin = std::max(std::ceil(position - kGuardBins), 0.0); bin <= to; bin += 1.0, bins += 1.0)
-        mean += power_[static_cast<std::size_t>(bin)];
+    const BinSpan skirt = SkirtOf(position, power_.size());
+    const auto bins = static_cast<double>(skirt.to - skirt.from);
+    const double mean = line_kernels::Sum(&power_[skirt.from], skirt.to - skirt.from);
     const double density = DensityAt(position);
     const double variance = (correlatedBins_ * bins * density + 2.0 * enbwBins_ * mean) * density / records_;
     return {mean, std::sqrt(variance)};

@@ -60,12 +60,19 @@ public:
     bool InSkirt(std::size_t bin) const;
 
 private:
+    // The noise of each bin, with the skirts of tones replaced, and its variance.
+    struct CleanBins {
+        std::vector<double> power;
+        std::vector<double> variance;
+    };
+
     void Exclude(double position, double reach);
     void CollectNeighbours(double position, std::vector<double>& powers) const;
     double MedianDensity(std::vector<double>& powers) const;
-    double SkirtPower(const Band& band, std::span<const double> powerGains, double tone) const;
+    const CleanBins& Clean() const;
+    double Variance(std::size_t bin) const;
+    double SkirtVariance(double tone, const Band& band, std::span<const double> powerGains) const;
     double SwallowedPower(const Band& band, std::span<const double> powerGains) const;
-    double Variance(std::size_t bin, double gain) const;
 
     double enbwBins_;
     double swallowedBins_;
@@ -76,7 +83,10 @@ private:
     std::vector<double> lines_;
     std::vector<double> tones_;
     std::vector<bool> excluded_;
-    mutable std::vector<double> roughDensities_;  // computed at the first use
+
+    // Computed at the first use.
+    mutable std::vector<double> roughDensities_;
+    mutable CleanBins clean_;
 };
 
 }  // namespace sonavex

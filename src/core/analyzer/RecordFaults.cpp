@@ -4,23 +4,18 @@
 #include <cmath>
 #include <cstddef>
 
+#include "core/analyzer/LineKernels.h"
+
 namespace sonavex {
 namespace {
 
 constexpr double kSilenceDbfs = -140.0;
 
-bool AllFinite(std::span<const double> samples) {
-    return std::all_of(samples.begin(), samples.end(), [](double x) { return std::isfinite(x); });
-}
-
 // Level of everything but dc, relative to a full-scale sine.
-double AcDbfs(std::span<const double> samples) {
+double AcDbfs(std::span<const double> samples, double sumOfSquares) {
     const auto n = static_cast<double>(samples.size());
-    double mean = 0.0;
-    for (const double x : samples) mean += x / n;
-    double meanSquare = 0.0;
-    for (const double x : samples) meanSquare += (x - mean) * (x - mean) / n;
-    return Decibels(std::sqrt(2.0 * meanSquare));
+    const double mean = line_kernels::Sum(samples.data(), samples.size()) / n;
+    return Decibels(std::sqrt(2.0 * std::max(sumOfSquares / n - mean * mean, 0.0)));
 }
 
 }  // namespace
@@ -31,8 +26,10 @@ std::optional<Void> FaultOf(const Record& record, std::size_t length) {
                                              " uninterrupted samples; a reading needs " +
                                              std::to_string(length) + "."};
     if (!record.loss.empty()) return Void{VoidCode::kDisturbed, record.loss};
-    if (!AllFinite(record.samples)) return Void{VoidCode::kNotFinite, "A sample is not a finite number."};
-    if (AcDbfs(record.samples) < kSilenceDbfs)
+    const double* const x = record.samples.data();
+    const double sumOfSquares = line_kernels::Dot(x, x, record.samples.size());
+    if (!std::isfinite(sumOfSquares)) return Void{VoidCode::kNotFinite, "A sample is not a finite number."};
+    if (AcDbfs(record.samples, sumOfSquares) < kSilenceDbfs)
         return Void{VoidCode::kSilence, "The signal is below -140 dBFS."};
     return std::nullopt;
 }

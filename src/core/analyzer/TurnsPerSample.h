@@ -1,7 +1,5 @@
 #pragma once
 
-#include <complex>
-
 namespace sonavex {
 
 // A frequency relative to the sampling rate, in turns per sample. A single double is not precise enough:
@@ -22,11 +20,5 @@ struct TurnsPerSample {
 };
 
 TurnsPerSample FrequencyOf(double hertz, double rateHz);
-
-// Phase at time m in turns, -0.5 to 0.5. m is a multiple of 1/2 with |m| <= 2^20.
-double PhaseTurns(const TurnsPerSample& frequency, double m);
-
-// exp(2 pi i turns), for -0.5 to 0.5 turns.
-std::complex<double> UnitPhasor(double turns);
 
 }  // namespace sonavex
