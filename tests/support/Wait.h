@@ -14,6 +14,11 @@ struct Sleep {
     void Wait(std::chrono::nanoseconds time) const { std::this_thread::sleep_for(time); }
 };
 
+// Checks all the time, without serving events.
+struct Spin {
+    void Wait(std::chrono::nanoseconds) const { std::this_thread::yield(); }
+};
+
 // Checks the condition about every millisecond and lets the loop wait in between. True when the condition
 // holds, false after the limit.
 template <class Loop, class Condition>
