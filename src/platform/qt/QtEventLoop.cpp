@@ -3,6 +3,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QThread>
 #include <QTimerEvent>
@@ -135,6 +136,8 @@ void QtEventLoop::Yield() {
 
 void QtEventLoop::YieldWithoutInput() {
     Yield(QEventLoop::ExcludeUserInputEvents);
+    // Qt delivers the input that this has left in its queue only after another wake-up.
+    QThread::currentThread()->eventDispatcher()->wakeUp();
 }
 
 void QtEventLoop::Yield(QEventLoop::ProcessEventsFlags events) {

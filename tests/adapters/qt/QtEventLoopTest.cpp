@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QEventLoop>
 #include <QTimer>
+#include <QWindow>
 #include <atomic>
 #include <filesystem>
 #include <iterator>
@@ -109,6 +111,53 @@ TEST_F(QtEventLoopTest, YieldReturnsWithoutWaiting) {
     const auto start = loop_.Now();
     for (int i = 0; i < 100; ++i) loop_.Yield();
     EXPECT_LT(loop_.Now() - start, 2s);
+}
+
+// Counts movements of the pointer. Qt queues those of its offscreen platform as it queues a user's; keys of
+// QTest are not queued.
+class PointedWindow : public QWindow {
+public:
+    int Moves = 0;
+    std::function<void()> OnMove = [] {};
+
+    PointedWindow() {
+        setGeometry(0, 0, 100, 100);
+        show();
+        QCursor::setPos(10, 10);
+        QCoreApplication::processEvents();
+        Moves = 0;
+    }
+    void QueueMove() const { QCursor::setPos(20, 20); }
+
+protected:
+    void mouseMoveEvent(QMouseEvent*) override {
+        ++Moves;
+        OnMove();
+    }
+};
+
+TEST_F(QtEventLoopTest, YieldWithoutInputLeavesInputForTheNextYield) {
+    PointedWindow window;
+    int calls = 0;
+    window.QueueMove();
+    QMetaObject::invokeMethod(
+        &window, [&] { ++calls; }, Qt::QueuedConnection);
+    loop_.YieldWithoutInput();
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(window.Moves, 0);
+    loop_.Yield();
+    EXPECT_EQ(window.Moves, 1);
+}
+
+TEST_F(QtEventLoopTest, InputThatAYieldHasLeftIsDeliveredByTheRunningLoop) {
+    PointedWindow window;
+    QEventLoop running;
+    window.OnMove = [&] { running.quit(); };
+    window.QueueMove();
+    loop_.YieldWithoutInput();
+    EXPECT_EQ(window.Moves, 0);
+    EXPECT_TRUE(Run(running));
+    EXPECT_EQ(window.Moves, 1);
 }
 
 TEST_F(QtEventLoopTest, SignalsArriveInTheLoopThatAHandlerOpened) {
