@@ -1,5 +1,7 @@
 #include "platform/qt/PrintSystem.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QEventLoop>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -26,6 +28,43 @@ QString Complaint(const QString& program, const QByteArray& errors) {
     return text.isEmpty() ? QStringLiteral("The print system reports an error.") : text;
 }
 
+bool IsInput(QEvent::Type type) {
+    switch (type) {
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::ShortcutOverride:
+        case QEvent::Shortcut:
+        case QEvent::InputMethod:
+        case QEvent::ContextMenu:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::TouchCancel:
+        case QEvent::TabletPress:
+        case QEvent::TabletMove:
+        case QEvent::TabletRelease:
+        case QEvent::NativeGesture:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Discards user input while it exists. An event loop that excludes user input would also hold back the window
+// manager's request to close a window.
+class DiscardedInput : public QObject {
+public:
+    DiscardedInput() { QCoreApplication::instance()->installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override { return IsInput(event->type()); }
+};
+
 // Waits until the process has ended or the limit has passed.
 void Wait(QProcess& process, const QString& program, const QStringList& arguments, int limitMs,
           const QByteArray& input, Ending& ending) {
@@ -40,7 +79,8 @@ void Wait(QProcess& process, const QString& program, const QStringList& argument
     QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
     process.start(program, arguments);
     if (process.state() == QProcess::NotRunning) return;
-    ending.Wait([&] { loop.exec(QEventLoop::ExcludeUserInputEvents); }, [&] { loop.quit(); });
+    const DiscardedInput discarded;
+    ending.Wait([&] { loop.exec(); }, [&] { loop.quit(); });
 }
 
 void Kill(QProcess& process) {

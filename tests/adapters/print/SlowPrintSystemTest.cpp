@@ -1,13 +1,16 @@
 #include <gmock/gmock.h>
 
 #include <QCoreApplication>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QTimer>
+#include <QWindow>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
+#include <vector>
 
 #include "platform/qt/QtPrinter.h"
 #include "support/ChildProcess.h"
@@ -111,6 +114,51 @@ TEST_F(SlowPrintSystem, ARequestToEndKillsTheProgramBeingWaitedFor) {
     ASSERT_GT(pid, 0);
     EXPECT_NE(kill(pid, 0), 0);
     EXPECT_THROW(printer.Printers(), EndProgram);
+}
+
+// Stores the events that reach a window.
+class EventWindow : public QWindow {
+public:
+    std::vector<QEvent::Type> Received;
+
+    // Each key, button, wheel and menu of a user, and a request to close.
+    void SendAll() {
+        const QPointF at;
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease, QEvent::ShortcutOverride}) {
+            QKeyEvent key(type, Qt::Key_A, Qt::NoModifier);
+            QCoreApplication::sendEvent(this, &key);
+        }
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseMove, QEvent::MouseButtonRelease,
+                                QEvent::MouseButtonDblClick}) {
+            QMouseEvent button(type, at, at, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(this, &button);
+        }
+        QWheelEvent wheel(at, at, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QTouchEvent touch(QEvent::TouchBegin);
+        QShortcutEvent shortcut(QKeySequence(Qt::Key_A), 1);
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {});
+        QInputMethodEvent text;
+        QCloseEvent close;
+        for (QEvent* const event :
+             std::initializer_list<QEvent*>{&wheel, &touch, &shortcut, &menu, &text, &close})
+            QCoreApplication::sendEvent(this, event);
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        Received.push_back(event->type());
+        return true;
+    }
+};
+
+TEST_F(SlowPrintSystem, OnlyClosingReachesAWindowUntilThePrintersAreKnown) {
+    Program("lpstat", "sleep 0.5; echo Office");
+    EventWindow window;
+    QTimer::singleShot(0, [&] { window.SendAll(); });
+    Press();
+    EXPECT_THAT(window.Received, ElementsAre(QEvent::Close));
+    window.SendAll();
+    EXPECT_EQ(window.Received.size(), 14U);
 }
 
 TEST_F(SlowPrintSystem, StopsAtTheFirstCopyThatFails) {
