@@ -24,6 +24,16 @@ QWidget* Owner() {
     return active != nullptr && MayOwn(*active) ? active : nullptr;
 }
 
+// Closes menus, and the dialogs that the toolkit has opened over this one, such as the file dialog's question
+// before it deletes a file. Each runs a loop that must end first. A message box that is closed takes its
+// cancelling button; done() would leave it without a button, which the file dialog takes for consent.
+void CloseOver(QDialog& dialog) {
+    QWidget* popup = nullptr;
+    while ((popup = QApplication::activePopupWidget()) != nullptr && popup->isVisible()) popup->hide();
+    for (QDialog* const child : dialog.findChildren<QDialog*>())
+        if (child->isModal() && child->isVisible()) child->close();
+}
+
 }  // namespace
 
 FormDialog::FormDialog(Window& frame, HandlerGuard& guard, std::function<void()> unload)
@@ -45,7 +55,11 @@ void FormDialog::Run() {
 }
 
 void FormDialog::Wait(QDialog& dialog) {
-    guard_.Ending().Wait([&] { dialog.exec(); }, [&] { dialog.done(QDialog::Rejected); });
+    guard_.Ending().Wait([&] { dialog.exec(); },
+                         [&] {
+                             CloseOver(dialog);
+                             dialog.done(QDialog::Rejected);
+                         });
 }
 
 void FormDialog::reject() {

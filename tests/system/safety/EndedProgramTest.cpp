@@ -1,18 +1,22 @@
-// The whole program gets SIGTERM while a dialog is open: it ends in time and restores the user's levels.
+// The whole program gets SIGTERM, or its window is closed, while a dialog is open: it ends in time and
+// restores the user's levels.
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sstream>
 
 #include "support/Files.h"
 #include "support/PulseServer.h"
 #include "support/Wait.h"
 #include "system/safety/Account.h"
+#include "system/safety/Display.h"
 #include "system/safety/OpenDialog.h"
 
 namespace sonavex {
@@ -34,7 +38,10 @@ protected:
         server_.Control({"set-sink-volume", "card", kUsersVolumes[0], kUsersVolumes[1]});
         StoreOutput("card");
         Fake("lpstat", "exit 0");
+        WriteFile(Document(), "");
     }
+    // A file that the file dialog lists.
+    std::filesystem::path Document() const { return account_.Documents() / "measured.pdf"; }
     void StoreOutput(const std::string& output) {
         WriteFile(account_.SettingsFile(), std::string("[Settings]\nVistaSoundCard=") + kProgramsLine +
                                                "\n[SoundCard]\nOutput=" + output + "\nInput=card.monitor\n");
@@ -80,20 +87,26 @@ protected:
         const std::string output = Output();
         const auto at = output.find("open ");
         if (at == std::string::npos || output.find('\n', at) == std::string::npos) return false;
-        program_ = std::stoi(output.substr(at + 5));
+        std::istringstream(output.substr(at + 5)) >> program_ >> window_;
         return true;
     }
     // Whether the program's own levels are on the card.
     bool Runs() const { return Volumes().find("30%") != std::string::npos; }
+    void ExpectTheUsersLevels() const {
+        EXPECT_TRUE(UsersVolumes()) << Volumes();
+        EXPECT_FALSE(std::filesystem::exists(account_.Journal()));
+    }
 
     pid_t program_ = 0;
+    std::uint32_t window_ = 0;
     Account account_;
     PulseServer server_{{{"card", 48000, "Test-Card"}}};
 };
 
 INSTANTIATE_TEST_SUITE_P(Dialogs, EndedProgram,
                          testing::Values("about", "devices", "help", "mixers", "print", "sweep", "question",
-                                         "message", "files", "printers", "restart", "diagnostics", "start"),
+                                         "message", "files", "menu", "delete", "printers", "restart",
+                                         "diagnostics", "start"),
                          [](const auto& dialog) { return dialog.param; });
 
 TEST_P(EndedProgram, EndsInTimeAndRestoresTheLevels) {
@@ -115,10 +128,47 @@ TEST_P(EndedProgram, EndsInTimeAndRestoresTheLevels) {
     kill(program_, SIGTERM);
     ASSERT_TRUE(child->WaitForEnd(kEndLimit)) << Output();
     EXPECT_EQ(child->Status(), 0);
-    EXPECT_TRUE(UsersVolumes()) << Volumes();
-    EXPECT_FALSE(std::filesystem::exists(account_.Journal()));
+    ExpectTheUsersLevels();
     EXPECT_FALSE(Hanging());
+    EXPECT_TRUE(std::filesystem::exists(Document()));
     EXPECT_THAT(Output(), Not(HasSubstr("the module stays")));
+}
+
+// The window is closed as by a window manager. Qt alone drops the request while a dialog is open.
+class ClosedProgram : public EndedProgram {
+protected:
+    void OpenAndClose(const std::string& dialog) {
+        const auto child =
+            Start(OpenDialog(dialog), {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", display_.Name()}});
+        const bool hangs = dialog == "printers";
+        ASSERT_TRUE(WaitUntil([&] { return DialogOpen() && Runs() && Hanging() == hangs; })) << Output();
+        display_.AskToClose(window_);
+        ASSERT_TRUE(child->WaitForEnd(kEndLimit)) << Output();
+        EXPECT_EQ(child->Status(), 0) << Output();
+        EXPECT_FALSE(Hanging());
+        ExpectTheUsersLevels();
+    }
+
+private:
+    Display display_;
+};
+
+TEST_F(ClosedProgram, EndsInTimeOverADialog) {
+    OpenAndClose("about");
+}
+
+TEST_F(ClosedProgram, EndsInTimeOverAMessageInADialog) {
+    OpenAndClose("message");
+}
+
+TEST_F(ClosedProgram, EndsInTimeWhileThePrintSystemIsWaitedFor) {
+    FakeThatHangs("lpstat");
+    OpenAndClose("printers");
+}
+
+TEST_F(ClosedProgram, KeepsWhatWasTypedBeforeTheDialogOpened) {
+    OpenAndClose("entry");
+    EXPECT_THAT(FileText(account_.SettingsFile()), HasSubstr("\nCurrent Signal Start=440\n"));
 }
 
 class EndedProgramAlone : public EndedProgram {};

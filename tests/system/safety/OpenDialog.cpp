@@ -3,7 +3,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLineEdit>
+#include <QListView>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTimer>
@@ -40,6 +42,7 @@ public:
 private:
     void Begin() {
         if (name_ == QLatin1String("sweep")) StartSweep();
+        if (name_ == QLatin1String("entry")) return TypeBehindAnError();
         const bool opensNoModalDialog = name_ == QLatin1String("help") || name_ == QLatin1String("mixers") ||
                                         name_ == QLatin1String("printers");
         if (opensNoModalDialog) QTimer::singleShot(kSomeBlocks, [this] { Announce(); });
@@ -56,6 +59,12 @@ private:
         const bool devices = name_ == QLatin1String("devices") || !rest_.isEmpty();
         return devices ? QStringLiteral("mnuSelectCard") : QStringLiteral("mnuPrint");
     }
+    void TypeBehindAnError() {
+        auto& box = Find<QLineEdit>(program_.Window(), "txtGenFreq");
+        box.selectAll();
+        QTest::keyClicks(&box, QStringLiteral("440"));
+        program_.Form().Guard.Run([] { throw RuntimeError(error_number::kOverflow); });
+    }
     void StartSweep() {
         SignalControls& signal = program_.Form().GeneratorPanel.Controls;
         signal.sldSweepTime.UserMoves(5000);
@@ -69,7 +78,8 @@ private:
         const QString form = dialog.objectName();
         if (form == QLatin1String("frmPrint") && name_ == QLatin1String("message"))
             return PrintNoCopies(dialog);
-        if (form == QLatin1String("frmPrint") && name_ == QLatin1String("files")) return Browse(dialog);
+        if (form == QLatin1String("frmPrint") && BrowsesFiles()) return Browse(dialog);
+        if (auto* const files = qobject_cast<QFileDialog*>(&dialog)) return UseFiles(*files);
         if (form == QLatin1String("frmDevices") && !rest_.isEmpty()) return SelectTheMissing(dialog);
         if (form == QLatin1String("frmError") && name_ == QLatin1String("diagnostics"))
             Click(dialog, "cmdDirectX");
@@ -86,6 +96,26 @@ private:
         QApplication::processEvents();
         Click(dialog, "cmdBrowse");
     }
+    bool BrowsesFiles() const {
+        return name_ == QLatin1String("files") || name_ == QLatin1String("menu") ||
+               name_ == QLatin1String("delete");
+    }
+    void UseFiles(QFileDialog& files) {
+        auto& list = Find<QListView>(files, "listView");
+        if (name_ == QLatin1String("files")) return Announce();
+        if (announced_ || list.model()->rowCount(list.rootIndex()) == 0) return;
+        if (name_ == QLatin1String("menu")) {
+            QTimer::singleShot(kSomeBlocks, [this] {
+                if (QApplication::activePopupWidget() != nullptr) Announce();
+            });
+            Q_EMIT list.customContextMenuRequested({});
+        } else {
+            list.setCurrentIndex(list.model()->index(0, 0, list.rootIndex()));
+            auto* const action = files.findChild<QAction*>(QStringLiteral("qt_delete_action"));
+            action->setEnabled(true);
+            action->trigger();
+        }
+    }
     void SelectTheMissing(QDialog& dialog) {
         const QString control = QStandardPaths::findExecutable(
             QStringLiteral("pactl"), {QStringLiteral("/usr/local/bin"), QStringLiteral("/usr/bin")});
@@ -99,7 +129,8 @@ private:
     void Announce() {
         if (announced_) return;
         announced_ = true;
-        std::cout << "open " << QCoreApplication::applicationPid() << std::endl;
+        std::cout << "open " << QCoreApplication::applicationPid() << ' ' << program_.Window().internalWinId()
+                  << std::endl;
     }
 
     QString name_;
