@@ -12,6 +12,7 @@
 
 #include "app/common/Sound.h"
 #include "app/sonavex/Program.h"
+#include "core/settings/SettingsKeys.h"
 #include "support/CallLog.h"
 #include "support/ChildProcess.h"
 #include "support/DialogUser.h"
@@ -141,6 +142,27 @@ TEST_F(ProgramTest, KeepsADamagedSettingsFileAside) {
     }
     EXPECT_TRUE(kept);
     EXPECT_EQ(reader_.Texts.size(), 1U);
+}
+
+// A message within the step would stop the sweep. A file has the place of the settings' folder.
+TEST_F(ProgramTest, ReportsUnwritableSettingsAfterTheStepOfASweep) {
+    app::Program program;
+    ASSERT_EQ(program.Open(), std::nullopt);
+    QApplication::processEvents();
+    const std::filesystem::path folder = File().parent_path();
+    const std::filesystem::path moved = folder_.Path() / "moved";
+    std::filesystem::rename(folder, moved);
+    std::ofstream{folder};
+    Instrument& instrument = program.Form().Instrument;
+    instrument.HiTimer1.SetEnabled(true);
+    instrument.Settings.Save(keys::kLastTab, "1");
+    instrument.HiTimer1.Tick();
+    EXPECT_THAT(reader_.Texts, IsEmpty());
+    EXPECT_TRUE(WaitInQt(kPatience, [&] { return !reader_.Texts.empty(); }));
+    std::filesystem::remove(folder);
+    std::filesystem::rename(moved, folder);
+    program.Form().Form_QueryUnload();
+    EXPECT_THAT(reader_.Texts, ElementsAre(HasSubstr("The settings cannot be stored in ")));
 }
 
 TEST(DisplayProbe, ReportsWhetherThereIsADisplay) {
