@@ -1,5 +1,9 @@
 #include "support/AllocationCounter.h"
 
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <new>
@@ -9,9 +13,14 @@ namespace {
 // Plain thread-local values, which need no allocation.
 thread_local bool counting = false;
 thread_local std::size_t requests = 0;
+thread_local std::size_t locks = 0;
+std::atomic<std::size_t> othersRequests{0};  // of threads that are not counting
 
 void Note() noexcept {
-    if (counting) ++requests;
+    if (counting)
+        ++requests;
+    else
+        othersRequests.fetch_add(1, std::memory_order_relaxed);
 }
 
 }  // namespace
@@ -84,14 +93,22 @@ int posix_memalign(void** memory, std::size_t alignment, std::size_t size) noexc
     *memory = __libc_memalign(alignment, size);
     return *memory == nullptr ? ENOMEM : 0;
 }
+
+int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
+    static const auto lock =
+        reinterpret_cast<int (*)(pthread_mutex_t*)>(dlsym(RTLD_NEXT, "pthread_mutex_lock"));
+    if (counting) ++locks;
+    return lock(mutex);
+}
 }
 
 #endif
 
 namespace sonavex {
 
-AllocationCounter::AllocationCounter() noexcept {
+AllocationCounter::AllocationCounter() noexcept : othersBefore_(othersRequests.load()) {
     requests = 0;
+    locks = 0;
     counting = true;
 }
 
@@ -101,6 +118,14 @@ AllocationCounter::~AllocationCounter() {
 
 std::size_t AllocationCounter::Count() const noexcept {
     return requests;
+}
+
+std::size_t AllocationCounter::Locks() const noexcept {
+    return locks;
+}
+
+std::size_t AllocationCounter::OfOtherThreads() const noexcept {
+    return othersRequests.load() - othersBefore_;
 }
 
 bool AllocationCounter::SeesTheCLibrary() noexcept {

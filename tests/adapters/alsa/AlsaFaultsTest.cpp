@@ -223,5 +223,19 @@ TEST_F(AlsaFaults, TheAudioThreadAllocatesNothing) {
     EXPECT_EQ(loop.allocations.load(), 0U);
 }
 
+TEST_F(AlsaFaults, TheAudioThreadsAllocateNothingOnTheFinePath) {
+    OpenAndRun();
+    std::vector<std::int32_t> samples(2 * kRateHz, 256);
+    session_.playback->PlayFine(true);
+    ASSERT_EQ(session_.playback->QueueFine(samples), samples.size());
+    session_.capture->CaptureFine(true);
+    const std::size_t waiting = session_.playback->FineFramesWaiting();
+    const AllocationCounter counter;
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(counter.OfOtherThreads(), 0U);
+    EXPECT_LT(session_.playback->FineFramesWaiting(), waiting);
+    EXPECT_GT(session_.capture->TakeFine(samples).samples, 0U);
+}
+
 }  // namespace
 }  // namespace sonavex

@@ -1,8 +1,13 @@
-// Moving samples through the rings allocates nothing, on either thread.
+// Moving samples through the rings allocates nothing, on either thread, and takes no lock.
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "platform/ring/CaptureRing.h"
@@ -30,6 +35,24 @@ void ExpectNoAllocation(bool fine) {
         in.PushSilence(3);
     }
     EXPECT_EQ(counter.Count(), 0U);
+    EXPECT_EQ(counter.Locks(), 0U);
+}
+
+TEST(AllocationCounter, SeesLocksAndOtherThreads) {
+    std::mutex mutex;
+    std::atomic<bool> go{false};
+    std::thread other([&] {
+        while (!go) std::this_thread::yield();
+        std::vector<int>(100).swap(*std::make_unique<std::vector<int>>());
+    });
+    const AllocationCounter counter;
+    mutex.lock();
+    mutex.unlock();
+    EXPECT_EQ(counter.OfOtherThreads(), 0U);
+    go = true;
+    other.join();
+    EXPECT_GE(counter.OfOtherThreads(), 2U);
+    EXPECT_EQ(counter.Locks(), AllocationCounter::SeesTheCLibrary() ? 1U : 0U);
 }
 
 TEST(RingAllocation, AudioThreadsAllocateNothing) {
@@ -53,8 +76,11 @@ TEST(RingAllocation, ReadingAndWritingAllocateNothing) {
     out.Write(0, block);
     out.WriteFine(0, fine);
     out.QueueFine(fine);
+    out.CutFine(std::chrono::milliseconds(1));
+    out.QueueFine(fine);
     in.TakeFine(fine);
     EXPECT_EQ(counter.Count(), 0U);
+    EXPECT_EQ(counter.Locks(), 0U);
 }
 
 }  // namespace
