@@ -112,6 +112,7 @@ std::size_t FuzzRig::ErrorsShown() const {
 }
 
 void FuzzRig::Check(After what) {
+    Require(fine.Fault().empty(), "the fine frames are in order", fine.Fault());
     CheckReadings();
     CheckGenerator(what);
     CheckTexts();

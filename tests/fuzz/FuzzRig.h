@@ -9,6 +9,7 @@
 #include "core/report/PrintCommand.h"
 #include "fuzz/FuzzTarget.h"
 #include "support/CardWorld.h"
+#include "support/FineUser.h"
 #include "support/RecordingPrinter.h"
 
 namespace sonavex::fuzz {
@@ -44,6 +45,7 @@ public:
     Settings settings{store};
     DesktopErrorLog errors{{settings, card, desktop, files, FixedTime}};
     frmMain form{On(card, errors, mixers)};
+    FineUser fine{form.Instrument.Fine};
     PrintCommand print{{printer, dialogs, desktop,
                         [] {
                             return CalendarDate{2024, 3, 9};

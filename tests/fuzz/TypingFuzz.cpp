@@ -50,6 +50,8 @@ public:
             case 3:
             case 4:
                 return instrument_.Step(1 + random_.Pick(kMostBlocks));
+            case 5:
+                return run([&] { instrument_.fine.Play(!instrument_.fine.Playing()); });
             default:
                 return Perform(NextAction(random_, form.Instrument.Shared.SampleRate), form, run);
         }

@@ -50,9 +50,19 @@ void BenchTop::MakeForm() {
     form_->Frame.SetSize(980, 640);
     form_->OnClosed = [this](int) { ended_ = true; };
     form_->ShowDeviceDialog = [this] { ChooseDevices(); };
+    UseFinePath(useFine_);
+}
+
+void BenchTop::UseFinePath(bool on) {
+    useFine_ = on;
+    fineBefore_ = FineFramesSeen();
+    fine_.reset();
+    if (on && form_) fine_.emplace(form_->Instrument.Fine);
 }
 
 void BenchTop::TakeAway() {
+    fineBefore_ = FineFramesSeen();
+    fine_.reset();
     form_.reset();
     loop.DeliverSignals();
 }

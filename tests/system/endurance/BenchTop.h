@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "support/FineUser.h"
 #include "support/World.h"
 #include "system/endurance/FailingCard.h"
 
@@ -39,6 +41,13 @@ public:
     // Selects another rate in the selection of devices, as an index into the table of rates.
     void SelectRate(std::int32_t index);
 
+    // Follows the fine frames while the program runs; at first on.
+    void UseFinePath(bool on);
+    // Null while off, and without a program.
+    FineUser* Fine() noexcept { return fine_ ? &*fine_ : nullptr; }
+    // Fine frames since construction.
+    std::uint64_t FineFramesSeen() const noexcept { return fineBefore_ + (fine_ ? fine_->Frames() : 0); }
+
     FailingCard& Card() noexcept { return card_; }
     std::chrono::nanoseconds BlockTime() const;
     MemorySettingsStore& Store() noexcept { return store; }
@@ -58,6 +67,9 @@ private:
 
     FailingCard card_{loop, SimulatedSoundSystem::Pace::kStepped};
     std::unique_ptr<frmMain> form_;
+    bool useFine_ = true;
+    std::optional<FineUser> fine_;
+    std::uint64_t fineBefore_ = 0;  // of earlier users
     bool ended_ = false;
     int depth_ = 0;  // nesting of dialogs while time passes
     std::int32_t wantedRate_ = -1;

@@ -24,9 +24,9 @@ constexpr std::size_t kHeapAllowance = 64 * 1024;
 constexpr double kPi = std::numbers::pi;
 
 constexpr std::array<const char*, Soak::kEvents> kEventNames{
-    "user actions",     "changes of rate",   "restarts of the program",  "cards unplugged",
-    "standstills",      "failed operations", "other devices under test", "hold-ups of the window",
-    "odd stored values"};
+    "user actions",      "changes of rate",           "restarts of the program",  "cards unplugged",
+    "standstills",       "failed operations",         "other devices under test", "hold-ups of the window",
+    "odd stored values", "changes of the fine source"};
 
 // Rates and whole frequencies on an even bin, so that harmonics do not leak into each other, with all nine
 // harmonics below the highest usable bin.
@@ -103,14 +103,19 @@ void Soak::Run(std::uint64_t blocks, std::uint64_t checkEvery) {
 }
 
 void Soak::Step() {
-    report_.soundSeconds += std::chrono::duration<double>(bench_->BlockTime()).count();
-    ++report_.blocks;
+    CountBlocks(1);
     const std::uint64_t start = bench_->Starts();
     const std::uint64_t before = bench_->Running() ? bench_->Form().Instrument.Engine.Blocks : 0;
     bench_->Block();
     if (bench_->Running() && bench_->Starts() == start && bench_->Form().Instrument.Engine.Blocks > before)
         CheckTones(After::kABlock);
     FollowCard();
+}
+
+void Soak::CountBlocks(std::uint64_t blocks) {
+    report_.soundSeconds +=
+        static_cast<double>(blocks) * std::chrono::duration<double>(bench_->BlockTime()).count();
+    report_.blocks += blocks;
 }
 
 void Soak::FollowCard() {
@@ -134,10 +139,10 @@ void Soak::StartUntilItRuns() {
 
 void Soak::HappenSomething() {
     // User actions are more frequent than faults.
-    static constexpr std::array<Event, 9> kRare{
-        Event::kRateChange,  Event::kProgramRestart, Event::kUnplugged,
-        Event::kStandstill,  Event::kHeldUp,         Event::kFailedOperation,
-        Event::kOtherDevice, Event::kStoredValue,    Event::kRateChange};
+    static constexpr std::array<Event, 10> kRare{
+        Event::kRateChange, Event::kProgramRestart,  Event::kUnplugged,   Event::kStandstill,
+        Event::kHeldUp,     Event::kFailedOperation, Event::kOtherDevice, Event::kStoredValue,
+        Event::kRateChange, Event::kFineSource};
     const bool rare = random_.Chance(0.3);
     Happen(rare ? kRare[static_cast<std::size_t>(random_.Pick(static_cast<std::int32_t>(kRare.size())))]
                 : Event::kUserAction);
@@ -159,6 +164,8 @@ void Soak::Happen(Event event) {
         RestartProgram();
     } else if (event == Event::kStoredValue) {
         StoreOddValue();
+    } else if (event == Event::kFineSource) {
+        if (FineUser* const fine = bench_->Fine()) fine->Play(!fine->Playing());
     } else {
         ReachForTheCard(event);
     }
@@ -191,7 +198,9 @@ void Soak::ReachForTheCard(Event event) {
     } else if (event == Event::kOtherDevice) {
         card.Card().SetDeviceUnderTest(AnyDevice(random_));
     } else {
-        bench_->HoldUp(1 + random_.Pick(40));
+        const int heldUp = 1 + random_.Pick(40);
+        CountBlocks(static_cast<std::uint64_t>(heldUp));
+        bench_->HoldUp(heldUp);
     }
 }
 
@@ -221,6 +230,7 @@ void Soak::CheckState() {
     Require(engine.RestartCount >= 0 && engine.RestartCount < StreamEngine::kPrimingBlocks, "RestartCount");
     CheckTones(After::kAnEvent);
     CheckCounts();
+    if (bench_->Fine() != nullptr) Require(bench_->Fine()->Fault().empty(), bench_->Fine()->Fault());
 }
 
 void Soak::CheckTones(After what) {
@@ -285,6 +295,8 @@ void Soak::CheckReadings() {
     bench_->Card().Card().SetDeviceUnderTest({});
     ++report_.checks;
     CheckMemory();
+    bench_->UseFinePath(true);
+    report_.fineFrames = bench_->FineFramesSeen();
     report_.programStarts = bench_->Starts();
     report_.messages = bench_->Messages();
 }
@@ -294,6 +306,8 @@ void Soak::PutInOrder(std::int32_t rateIndex, std::int32_t frequencyHz) {
     bench_->Card().Card().SetStalled(false);
     bench_->Card().Card().SetDeviceUnderTest(KnownDevice());
     blocksUntilPlugged_ = blocksUntilMoving_ = 0;
+    // It hides the generator, and the memory of its queues follows the rate.
+    bench_->UseFinePath(false);
     // The selection of devices does not open if the stored rate is invalid.
     bench_->Store().Save(keys::kSampleRate.section, keys::kSampleRate.key, "0");
     // A returned card is used within seconds, and pending failures happen now.

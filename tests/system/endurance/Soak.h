@@ -27,8 +27,9 @@ public:
         kOtherDevice,
         kHeldUp,
         kStoredValue,
+        kFineSource,
     };
-    static constexpr std::size_t kEvents = static_cast<std::size_t>(Event::kStoredValue) + 1;
+    static constexpr std::size_t kEvents = static_cast<std::size_t>(Event::kFineSource) + 1;
 
     struct Report {
         std::uint64_t blocks = 0;
@@ -42,6 +43,7 @@ public:
         std::uint64_t losses = 0;
         std::uint64_t overruns = 0;
         std::uint64_t segmentsLost = 0;
+        std::uint64_t fineFrames = 0;
         std::uint64_t mostFrames = 0;  // most frames captured in one run of the program
         std::size_t warmBytes = 0;     // heap in use at the first check, and the largest at later checks
         std::size_t mostBytes = 0;
@@ -64,6 +66,7 @@ public:
 
 private:
     void Step();
+    void CountBlocks(std::uint64_t blocks);
     void HappenSomething();
     void Happen(Event event);
     void RestartProgram();

@@ -22,6 +22,7 @@
 
 #include "app/sonavex/Program.h"
 #include "support/ChildProcess.h"
+#include "support/FineUser.h"
 #include "support/QtWait.h"
 #include "system/faults/Attendant.h"
 
@@ -96,12 +97,18 @@ protected:
         program_ = std::make_unique<app::Program>();
         const std::optional<int> ended = program_->Open();
         EXPECT_EQ(ended, std::nullopt);
-        if (!ended) story();
+        if (!ended) {
+            fine_.emplace(Form().Instrument.Fine);
+            fine_->Play(true);
+            story();
+            EXPECT_EQ(fine_->Fault(), "");
+        }
         EXPECT_LE(attendant_->LongestFreeze(), kHangLimit);
         if (!ended) {
             program_->Form().Form_QueryUnload();
             EXPECT_LE(attendant_->LongestFreeze(), kHangLimit);
         }
+        fine_.reset();
         program_.reset();
         EXPECT_THAT(attendant_->Messages, testing::IsEmpty());
         attendant_.reset();
@@ -115,18 +122,27 @@ protected:
         return *attendant_;
     }
 
-    // Blocks arrive, and the window shows it.
+    // Blocks and fine frames arrive, the fine source is played, and the window shows it.
     void ExpectMeasuring() {
         const std::uint64_t blocks = Form().Instrument.Engine.Blocks;
+        const std::uint64_t fineFrames = fine_->Frames();
+        const std::uint64_t filled = fine_->Filled();
         EXPECT_TRUE(WaitInQt(kLimit, [&] { return Form().Instrument.Engine.Blocks >= blocks + 3; }))
             << Record();
+        EXPECT_TRUE(
+            WaitInQt(kLimit, [&] { return fine_->Frames() > fineFrames && fine_->Filled() > filled; }));
         EXPECT_FALSE(Form().Instrument.Watch.Stopped());
         // The window is updated with the next event, and one event may deliver several blocks.
         QCoreApplication::processEvents();
         EXPECT_FALSE(Note().isVisible());
     }
+    // While the fine source plays, neither generator nor input is heard. It plays at first.
+    void PlayFine(bool on) {
+        fine_->Play(on);
+    }
     // The loop returns the sine without distortion.
     void ExpectLoop(const std::string& reading = "1000") {
+        PlayFine(false);
         Form().GeneratorPanel.Controls.Command1.Press();
         EXPECT_TRUE(WaitInQt(kLimit, [&] {
             const MeterView& shown = Form().Instrument.Meter.Display.View();
@@ -134,6 +150,7 @@ protected:
                    !shown.settling;
         })) << Form().Instrument.Meter.Controls.txtFreq.Text();
         Form().GeneratorPanel.Controls.Command1.Press();
+        PlayFine(true);
     }
     // The loss was noticed in time, recorded and reported once, and the readings were marked.
     void ExpectLoss(const std::string& what) {
@@ -187,6 +204,7 @@ private:
     PrivateFolder folder_;
     std::optional<Attendant> attendant_;
     std::unique_ptr<app::Program> program_;
+    std::optional<FineUser> fine_;
     std::string record_;
     bool markedAtError_ = false;
 };

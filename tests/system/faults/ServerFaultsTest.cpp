@@ -199,6 +199,7 @@ TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
     Store(kOnTheServer);
     Twice([&] {
         ExpectLoop();
+        PlayFine(false);
         Form().GeneratorPanel.Controls.Command1.Press();
         server.Control({"suspend-sink", "card", "1"});
         EXPECT_TRUE(WaitInQt(kLimit, [&] {
@@ -206,6 +207,7 @@ TEST_F(ServerFaults, SinkOfPipeWireSuspendedAndResumed) {
         }));
         server.Control({"suspend-sink", "card", "0"});
         Form().GeneratorPanel.Controls.Command1.Press();
+        PlayFine(true);
         EXPECT_TRUE(Form().Instrument.Engine.ReStart());
         ExpectMeasuring();
         ExpectLoop();
@@ -279,6 +281,7 @@ TEST_F(ServerFaults, LevelMovedWhileTheServerIsGone) {
         Form().GeneratorPanel.Controls.sldLevel.UserMoves(-600);
         server.Restart();
         ExpectReturn();
+        PlayFine(false);
         Form().GeneratorPanel.Controls.Command1.Press();
         // Half of a quarter of full scale.
         EXPECT_TRUE(WaitInQt(kLimit, [&] {
