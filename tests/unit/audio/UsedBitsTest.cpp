@@ -49,10 +49,14 @@ TEST_F(UsedBitsTest, TakesTenSeconds) {
     Observe(9);
     EXPECT_FALSE(used.Only16());
     Observe(1);
-    Observe(1);
     EXPECT_TRUE(used.Only16());
     Observe(0, kUpperMoved | 0x8000);
     EXPECT_FALSE(used.Only16());
+    Observe(0);
+    Observe(10);
+    EXPECT_TRUE(used.Only16());
+    Observe(0, 1);
+    EXPECT_FALSE(used.Only16()) << "the lowest bit of a card of 32 bits";
 }
 
 TEST_F(UsedBitsTest, ALowerBitStartsTheTimeAgain) {
@@ -73,6 +77,9 @@ TEST_F(UsedBitsTest, NothingFollowsFromAnInputOf16Bits) {
     bench.sound.inputBits = 16;
     Observe(30);
     EXPECT_FALSE(used.Only16());
+    bench.sound.inputBits = 17;
+    Observe(11);
+    EXPECT_TRUE(used.Only16());
 }
 
 TEST_F(UsedBitsTest, NothingFollowsWhile16BitsPlay) {
@@ -98,11 +105,14 @@ TEST_F(UsedBitsTest, AStimulusMustBeDitheredAndReachTheDevice) {
     bench.engine.SilentBlocks = 0;
     DitheringSource plain(0);
     DitheringSource dithered(24);
-    fine.SetSource(&plain);
-    Observe(30);
-    EXPECT_FALSE(used.Only16());
+    DitheringSource coarser(23);
+    for (DitheringSource* const source : {&plain, &coarser}) {
+        fine.SetSource(source);
+        Observe(30);
+        EXPECT_FALSE(used.Only16());
+    }
     fine.SetSource(&dithered);
-    bench.sound.outputBits = 16;
+    bench.sound.outputBits = 23;
     Observe(30);
     EXPECT_FALSE(used.Only16());
     bench.sound.outputBits = 24;
