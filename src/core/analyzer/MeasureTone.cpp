@@ -5,6 +5,7 @@
 #include <numbers>
 #include <utility>
 
+#include "core/analyzer/Damage.h"
 #include "core/analyzer/FindTone.h"
 #include "core/analyzer/RecordFaults.h"
 
@@ -113,10 +114,33 @@ void TakeValues(const RecordPlan& plan, const FittedLines& fit, std::vector<doub
     measurement.residualPower = std::move(residualPower);
 }
 
+// Harmonics and everything in the band but the skirt of the tone, relative to the fundamental.
+double RoughThdn(const RecordPlan& plan, const ToneMeasurement& measurement, const Band& band) {
+    double squares = 0.0;
+    for (const HarmonicRatio& harmonic : measurement.harmonics)
+        if (band.Contains(harmonic.order * measurement.frequencyHz)) squares += std::norm(harmonic.ratio);
+    const double fundamentalPower = 0.5 * measurement.amplitude * measurement.amplitude;
+    for (std::size_t j = 1; j < measurement.residualPower.size(); ++j) {
+        const double hertz = static_cast<double>(j) * plan.BinHz();
+        if (band.Contains(hertz) && std::abs(hertz - measurement.frequencyHz) > kGuardBins * plan.BinHz())
+            squares += measurement.residualPower[j] / fundamentalPower;
+    }
+    return std::sqrt(squares);
+}
+
+void AddDamage(const RecordPlan& plan, const FittedLines& fit, const Band& band,
+               ToneMeasurement& measurement) {
+    const Damage damage =
+        FindDamage(fit.residual, fit.lines.front(), plan.RateHz(), RoughThdn(plan, measurement, band));
+    if (damage.disturbed) measurement.voids.push_back(*damage.disturbed);
+    if (damage.impulsiveNoise) measurement.warnings.push_back(*damage.impulsiveNoise);
+}
+
 // Fits the tone near a position in bins.
-void MeasureAt(const RecordPlan& plan, const Record& record, double position, int highestOrder,
+void MeasureAt(const RecordPlan& plan, const Record& record, double position, const ToneSettings& settings,
                FittedLines& fit, ToneMeasurement& measurement) {
-    fit = FitLines(plan.Window(), record.samples, HarmonicLines(plan, position * plan.BinHz(), highestOrder));
+    fit = FitLines(plan.Window(), record.samples,
+                   HarmonicLines(plan, position * plan.BinHz(), settings.highestOrder));
     std::vector<double> power = plan.PowerSpectrum(fit.residual);
     const std::vector<double> positions = LinePositions(plan, fit);
     const double amplitude = std::abs(fit.lines.front().amplitude);
@@ -127,8 +151,10 @@ void MeasureAt(const RecordPlan& plan, const Record& record, double position, in
         measurement.voids.push_back(*fault);
     else if (!StandsOut(plan, amplitude, density))
         measurement.voids.push_back(NoTone("No line is 20 dB above the noise around it."));
-    else
+    else {
         TakeValues(plan, fit, std::move(power), measurement);
+        AddDamage(plan, fit, settings.band, measurement);
+    }
 }
 
 // A peak of noise at a low frequency is no tone.
@@ -168,7 +194,7 @@ ToneMeasurement MeasureTone(const RecordPlan& plan, Record record, const ToneSet
     else if (*position < kGuardBins - kPeakError)
         measurement.voids.push_back(LowPeakFault(plan, std::move(power), *position));
     else
-        MeasureAt(plan, record, *position, settings.highestOrder, fit == nullptr ? own : *fit, measurement);
+        MeasureAt(plan, record, *position, settings, fit == nullptr ? own : *fit, measurement);
     return measurement;
 }
 
