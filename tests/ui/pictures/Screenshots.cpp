@@ -84,6 +84,22 @@ const Scene kScenes[] = {
          StartSine(rig);
          rig.form.PathNote.SetCaption("Input: resampled by the sound server, the device runs at 44100 Hz");
      }},
+    {"meter-bits",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.lblBits.SetCaption("24 bit");
+     }},
+    {"meter-bits-differ",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.lblBits.SetCaption("in 24 · out 16 bit");
+     }},
+    {"meter-bits-longest",
+     [](FormRig& rig) {
+         StartSine(rig);
+         rig.form.lblBits.SetCaption("in 24, 16 used · out 16 bit");
+         rig.form.PathNote.SetCaption("Output: 16 bit");
+     }},
     {"meter-stopped",
      [](FormRig& rig) {
          SetDistortion(rig);
