@@ -51,9 +51,6 @@ private:
             buffer_->ReadBuffer(offset, samples);
             for (std::size_t i = 0; i < samples.size(); i += 2) tap_.samples_.push_back(samples[i]);
         }
-        void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) override {
-            buffer_->ReadFine(offset, samples);
-        }
         void CaptureFine(bool on) override { buffer_->CaptureFine(on); }
         FineRun TakeFine(std::span<std::int32_t> samples) noexcept override {
             return buffer_->TakeFine(samples);

@@ -28,9 +28,6 @@ public:
         system_.log.Call("playbackBuffer.WriteBuffer", std::to_string(offset));
         system_.written.push_back({offset, {samples.begin(), samples.end()}});
     }
-    void WriteFine(std::int32_t offset, std::span<const std::int32_t>) override {
-        system_.log.Call("playbackBuffer.WriteFine", std::to_string(offset));
-    }
     void PlayFine(bool on) override { system_.fineOn = on; }
     std::size_t QueueFine(std::span<const std::int32_t> samples) override {
         const auto taken = samples.first(std::min(samples.size(), system_.fineRoom));
@@ -82,9 +79,6 @@ public:
                          std::to_string(offset) + ' ' + std::to_string(samples.size_bytes()));
         std::int16_t sample = system_.firstCapturedSample;
         for (std::int16_t& captured : samples) captured = sample++;
-    }
-    void ReadFine(std::int32_t offset, std::span<std::int32_t>) override {
-        system_.log.Call("captureBuffer.ReadFine", std::to_string(offset));
     }
     void CaptureFine(bool on) override { system_.fineCaptureOn = on; }
     FineRun TakeFine(std::span<std::int32_t> samples) noexcept override {

@@ -87,7 +87,7 @@ struct FineRun {
 };
 
 // Fine samples are interleaved stereo, left-justified in 32 bits: a sample of n bits is in the upper n bits,
-// and the lower ones are 0. Offsets into buffers are those of 16-bit stereo for fine samples too.
+// and the lower ones are 0.
 
 // A looping playback buffer. Positions and lengths are in bytes and must be multiples of a frame (error 5
 // otherwise).
@@ -97,7 +97,6 @@ public:
     virtual BufferCursors GetCurrentPosition() = 0;
     // Copies the samples to the offset; they must not exceed the end of the buffer.
     virtual void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) = 0;
-    virtual void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples) = 0;
     // While on, the frames of QueueFine are played in place of the looping buffer's, which pass unheard, and
     // silence where they are too few. Turning it on discards frames queued before. Volume, Stop and
     // PlayLooping apply to both. Does nothing when the state is the same. Works on a lost device too.
@@ -146,7 +145,6 @@ public:
     virtual void Stop() = 0;
     // Samples of more than 16 bits are rounded half to even, and saturate.
     virtual void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) = 0;
-    virtual void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) = 0;
     // While on, captured frames are also queued for TakeFine. The queue holds 2 s; frames that find it full
     // are counted as fineFramesLost. Turning it on and StartLooping discard frames queued before. Does
     // nothing when the state is the same. Works on a lost device too.

@@ -63,9 +63,6 @@ public:
     void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) override {
         buffer_->ReadBuffer(offset, samples);
     }
-    void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) override {
-        buffer_->ReadFine(offset, samples);
-    }
     void CaptureFine(bool on) override { buffer_->CaptureFine(on); }
     FineRun TakeFine(std::span<std::int32_t> samples) noexcept override { return buffer_->TakeFine(samples); }
     int Bits() const override { return buffer_->Bits(); }

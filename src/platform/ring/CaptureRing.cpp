@@ -111,14 +111,6 @@ void CaptureRing::Read(std::int32_t offset, std::span<std::int16_t> samples) con
     }
 }
 
-void CaptureRing::ReadFine(std::int32_t offset, std::span<std::int32_t> samples) const {
-    const std::size_t first = frames_.CheckedRange(offset, samples.size());
-    for (std::size_t i = 0; i < samples.size() / 2; ++i) {
-        const FineFrame frame = frames_.LoadFine(first + i);
-        std::copy(frame.begin(), frame.end(), &samples[2 * i]);
-    }
-}
-
 CaptureStatistics CaptureRing::Statistics() const noexcept {
     return {captured_.load(), completed_.load(), lost_.load(), missing_.load(), fineLost_.load()};
 }

@@ -43,7 +43,6 @@ public:
 
     // Rounds half to even to 16 bits, and saturates.
     void Read(std::int32_t offset, std::span<std::int16_t> samples) const;
-    void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) const;
     CaptureStatistics Statistics() const noexcept;
     // See CaptureBuffer.
     std::uint32_t TakeMovedBits() noexcept { return moved_.exchange(0, std::memory_order_relaxed); }

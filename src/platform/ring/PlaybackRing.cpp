@@ -163,12 +163,6 @@ void PlaybackRing::Write(std::int32_t offset, std::span<const std::int16_t> samp
         frames_.Store(first + i, Frame16{samples[2 * i], samples[2 * i + 1]});
 }
 
-void PlaybackRing::WriteFine(std::int32_t offset, std::span<const std::int32_t> samples) {
-    const std::size_t first = frames_.CheckedRange(offset, samples.size());
-    for (std::size_t i = 0; i < samples.size() / 2; ++i)
-        frames_.Store(first + i, FineFrame{samples[2 * i], samples[2 * i + 1]});
-}
-
 BufferCursors PlaybackRing::Cursors() const noexcept {
     if (!playing_.load()) return {};
     const Place place = place_.load();

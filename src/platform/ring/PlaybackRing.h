@@ -30,8 +30,6 @@ public:
     void SetBits(int bits) noexcept { bits_.store(bits, std::memory_order_relaxed); }
 
     void Write(std::int32_t offset, std::span<const std::int16_t> samples);
-    // Left-justified samples of 32 bits.
-    void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples);
 
     // Frames that are played in place of the ring's; see PlaybackBuffer.
     void PlayFine(bool on);

@@ -40,9 +40,6 @@ public:
     void WriteBuffer(std::int32_t offset, std::span<const std::int16_t> samples) final {
         Checked().Write(offset, samples);
     }
-    void WriteFine(std::int32_t offset, std::span<const std::int32_t> samples) final {
-        Checked().WriteFine(offset, samples);
-    }
     void PlayFine(bool on) final { ring_.PlayFine(on); }
     std::size_t QueueFine(std::span<const std::int32_t> samples) final { return ring_.QueueFine(samples); }
     std::size_t CutFine(std::chrono::milliseconds keep) final { return ring_.CutFine(keep); }
@@ -91,9 +88,6 @@ public:
     void Stop() final { ring_.Stop(); }
     void ReadBuffer(std::int32_t offset, std::span<std::int16_t> samples) final {
         Checked().Read(offset, samples);
-    }
-    void ReadFine(std::int32_t offset, std::span<std::int32_t> samples) final {
-        Checked().ReadFine(offset, samples);
     }
     void CaptureFine(bool on) final { ring_.CaptureFine(on); }
     FineRun TakeFine(std::span<std::int32_t> samples) noexcept final { return ring_.TakeFine(samples); }

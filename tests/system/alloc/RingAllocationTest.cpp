@@ -72,9 +72,7 @@ TEST(RingAllocation, ReadingAndWritingAllocateNothing) {
     std::vector<std::int32_t> fine(4096);
     const AllocationCounter counter;
     in.Read(0, block);
-    in.ReadFine(0, fine);
     out.Write(0, block);
-    out.WriteFine(0, fine);
     out.QueueFine(fine);
     out.CutFine(std::chrono::milliseconds(1));
     out.QueueFine(fine);

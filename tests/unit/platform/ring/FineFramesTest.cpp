@@ -51,15 +51,18 @@ TEST(FineFrames, RoundHalfToEvenAndSaturate) {
 
 class FineCapture : public testing::Test {
 protected:
-    FineCapture() { ring_.Start(); }
-    CaptureRing ring_{kFineRingFrames * kFrameBytes};
+    FineCapture() {
+        ring_.CaptureFine(true);
+        ring_.Start();
+    }
+    CaptureRing ring_{kFineRingFrames * kFrameBytes, kFineRingFrames};
 };
 
 TEST_F(FineCapture, ReturnsEveryBit) {
     const FineSamples pushed = AnySamples();
     ring_.Push(pushed.data(), kFineRingFrames);
     FineSamples read(pushed.size());
-    ring_.ReadFine(0, read);
+    EXPECT_EQ(ring_.TakeFine(read).samples, pushed.size());
     EXPECT_EQ(read, pushed);
 }
 
@@ -76,7 +79,7 @@ TEST_F(FineCapture, LeftJustifies16Bits) {
     const std::vector<std::int16_t> pushed{1, -1, 32767, -32768};
     ring_.Push(pushed.data(), 2);
     FineSamples read(4);
-    ring_.ReadFine(0, read);
+    EXPECT_EQ(ring_.TakeFine(read).samples, 4U);
     EXPECT_EQ(read, (FineSamples{0x10000, -0x10000, 0x7FFF0000, kLowest}));
 }
 
@@ -97,13 +100,10 @@ TEST_F(FineCapture, NotesTheBitsThatMoved) {
 
 class FinePlayback : public testing::Test {
 protected:
-    FinePlayback() {
-        ring_.WriteFine(0, samples_);
-        ring_.Play();
-    }
+    FinePlayback() { ring_.Play(); }
     FineSamples Pull(int bits) {
         ring_.SetBits(bits);
-        ring_.SetPosition(0);
+        Queue();
         FineSamples pulled(samples_.size());
         ring_.Pull(pulled.data(), kFineRingFrames, 0);
         return pulled;
@@ -113,6 +113,12 @@ protected:
         Pull(16);
         ring_.SetVolume(hundredthsDb);
         ring_.Play();
+    }
+
+    void Queue() {
+        ring_.PlayFine(false);
+        ring_.PlayFine(true);
+        EXPECT_EQ(ring_.QueueFine(samples_), samples_.size());
     }
 
     FineSamples samples_ = AnySamples();
@@ -148,7 +154,7 @@ TEST_F(FinePlayback, IsTheSameOn16BitStreams) {
     for (const std::int32_t level : {0, -600}) {
         SetLevel(level);
         const FineSamples wide = Pull(16);
-        ring_.SetPosition(0);
+        Queue();
         std::vector<std::int16_t> narrow(samples_.size());
         ring_.Pull(narrow.data(), kFineRingFrames, 0);
         for (std::size_t i = 0; i < samples_.size(); ++i) ASSERT_EQ(narrow[i], wide[i] / 65536) << i;
@@ -157,6 +163,7 @@ TEST_F(FinePlayback, IsTheSameOn16BitStreams) {
 
 TEST_F(FinePlayback, A16BitStreamIsRoundedTo16BitsAtMost) {
     ring_.SetBits(24);
+    Queue();
     std::vector<std::int16_t> pulled(samples_.size());
     ring_.Pull(pulled.data(), kFineRingFrames, 0);
     for (std::size_t i = 0; i < samples_.size(); ++i)
@@ -166,28 +173,38 @@ TEST_F(FinePlayback, A16BitStreamIsRoundedTo16BitsAtMost) {
 TEST_F(FinePlayback, Widens16BitBlocks) {
     const std::vector<std::int16_t> block{1, -1, 32767, -32768};
     ring_.Write(0, block);
-    const FineSamples pulled = Pull(24);
-    EXPECT_EQ((FineSamples{pulled.begin(), pulled.begin() + 4}),
-              (FineSamples{0x10000, -0x10000, 0x7FFF0000, kLowest}));
+    ring_.SetBits(24);
+    FineSamples pulled(4);
+    ring_.Pull(pulled.data(), 2, 0);
+    EXPECT_EQ(pulled, (FineSamples{0x10000, -0x10000, 0x7FFF0000, kLowest}));
+}
+
+TEST(FineMemory, KeepsEveryBit) {
+    const FineSamples samples = AnySamples();
+    RingFrames frames(kFrameBytes);
+    for (std::size_t i = 0; i < samples.size(); i += 2) {
+        frames.Store(0, FineFrame{samples[i], samples[i + 1]});
+        ASSERT_EQ(frames.LoadFine(0), (FineFrame{samples[i], samples[i + 1]}));
+    }
 }
 
 // Both samples of a frame have the same 32 bits, whose halves differ from step to step.
 TEST(FineThreads, AFrameIsNeverAMixture) {
-    CaptureRing ring(256 * kFrameBytes);
-    ring.Start();
+    constexpr std::size_t kShared = 256;
+    RingFrames frames(kShared * kFrameBytes);
     std::atomic<bool> finished{false};
     std::thread audio([&] {
         for (std::int32_t step = 1; step < 20000; ++step)
-            ring.Push(FineSamples(128, step * 0x10001).data(), 64);
+            for (std::size_t i = 0; i < kShared; ++i)
+                frames.Store(i, FineFrame{step * 0x10001, step * 0x10001});
         finished = true;
     });
-    FineSamples read(512);
     bool whole = true;
-    while (!finished) {
-        ring.ReadFine(0, read);
-        for (std::size_t i = 0; i < read.size(); i += 2)
-            whole = whole && read[i] == read[i + 1] && (read[i] >> 16) == (read[i] & 0xFFFF);
-    }
+    while (!finished)
+        for (std::size_t i = 0; i < kShared; ++i) {
+            const FineFrame read = frames.LoadFine(i);
+            whole = whole && read[0] == read[1] && (read[0] >> 16) == (read[0] & 0xFFFF);
+        }
     audio.join();
     EXPECT_TRUE(whole);
 }

@@ -32,13 +32,16 @@ protected:
     // Plays the samples once and returns what is captured meanwhile.
     FineBlock Through(const DeviceUnderTestModel& model, const FineBlock& played) {
         rig_.system.Card().SetDeviceUnderTest(model);
-        rig_.playback->WriteFine(0, played);
-        rig_.playback->SetCurrentPosition(0);
         rig_.capture->Stop();
+        for (const bool on : {false, true}) {
+            rig_.playback->PlayFine(on);
+            rig_.capture->CaptureFine(on);
+        }
+        EXPECT_EQ(rig_.playback->QueueFine(played), played.size());
         rig_.Start();
         rig_.system.Card().Step(played.size() / 2);
         FineBlock captured(played.size());
-        rig_.capture->ReadFine(0, captured);
+        EXPECT_EQ(rig_.capture->TakeFine(captured).samples, captured.size());
         return captured;
     }
     SimulatedRig rig_{SimulatedSoundSystem::Pace::kStepped};
@@ -93,10 +96,9 @@ TEST(FineCardInRealTime, ABlockedThreadLosesNoFineFrame) {
     constexpr std::int32_t kFineRateHz = 192000;
     rig.Open(kFineRateHz);
     rig.system.Card().SetDeviceUnderTest(WithBits(24));
-    FineBlock pattern(kPlaybackBytes / 2);
-    std::iota(pattern.begin(), pattern.end(), 1);
-    for (std::int32_t& sample : pattern) sample *= 256;
-    rig.playback->WriteFine(0, pattern);
+    std::vector<std::int16_t> pattern(kPlaybackBytes / 2);
+    for (std::size_t i = 0; i < pattern.size(); ++i) pattern[i] = static_cast<std::int16_t>(i % 30000 + 1);
+    rig.playback->WriteBuffer(0, pattern);
     rig.capture->CaptureFine(true);
     rig.Start();
     std::this_thread::sleep_for(std::chrono::seconds(1));
@@ -109,7 +111,7 @@ TEST(FineCardInRealTime, ABlockedThreadLosesNoFineFrame) {
     std::size_t at = 0;
     std::size_t different = 0;
     for (auto sample = first; sample != captured.end(); ++sample, at = (at + 1) % pattern.size())
-        if (*sample != pattern[at]) ++different;
+        if (*sample != pattern[at] * 65536) ++different;
     EXPECT_EQ(different, 0U);
     EXPECT_LT(first - captured.begin(), kFineRateHz / 5);
 }
