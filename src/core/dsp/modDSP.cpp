@@ -81,8 +81,9 @@ std::int32_t FundamentalHz(const BlockInputs& inputs, double measuredHz) {
 void TestLock(State& state, const BlockInputs& inputs, Readings& readings) {
     state.FundamentalHz = FundamentalHz(inputs, readings.measuredHz);
     const double fundamentalHz = state.FundamentalHz;
-    state.FreqLocked = fundamentalHz - kLockRangeHz < readings.measuredHz &&
-                       readings.measuredHz < fundamentalHz + kLockRangeHz && state.FundamentalHz != 0;
+    const double rangeHz = LockRangeHz(state.BinWidth);
+    state.FreqLocked = fundamentalHz - rangeHz < readings.measuredHz &&
+                       readings.measuredHz < fundamentalHz + rangeHz && state.FundamentalHz != 0;
     readings.locked = state.FreqLocked;
     readings.reached = BlockStep::kLock;
 }

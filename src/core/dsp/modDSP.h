@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -17,8 +18,7 @@ namespace sonavex::modDSP {
 inline constexpr std::size_t kVectorSize = 4097;
 inline constexpr std::int32_t kFftLength = 4096;
 inline constexpr std::size_t kHarmonics = Readings::kHarmonics;
-inline constexpr std::int32_t kLastSlot = 18;     // 19 slots make a cycle
-inline constexpr std::int32_t kLockRangeHz = 14;  // the peak must be nearer than this
+inline constexpr std::int32_t kLastSlot = 18;  // 19 slots make a cycle
 
 // Settings for one block.
 struct BlockInputs {
@@ -80,6 +80,12 @@ struct State {
 
     modSPL2VB::FftPlan plan{12, sizeof(AnalysisVector) / sizeof(double)};
 };
+
+// The peak must be nearer to the fundamental than this, Hz. Bins are up to 46.9 Hz wide, and the frequency of
+// a peak is rounded down.
+inline double LockRangeHz(float binWidthHz) noexcept {
+    return std::max(14.0, static_cast<double>(binWidthHz) / 2.0 + 1.0);
+}
 
 // Designs the band-pass from lowHz to highHz for this sampling rate. Error 11 for a rate that is not
 // positive.

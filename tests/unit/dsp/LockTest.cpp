@@ -34,6 +34,43 @@ TEST(Lock, HoldsNearerThan14HzOnBothSides) {
     EXPECT_FALSE(LockedAt("2000"));
 }
 
+bool LockedOnSine(std::int32_t rateHz, double frequencyHz, std::int32_t typedHz) {
+    AnalysisRig rig(rateHz);
+    rig.controls.chkAuto.SetValue(0);
+    rig.controls.txtFreq.SetText(std::to_string(typedHz));
+    rig.Feed(Sine(rateHz, frequencyHz, 16000.0), 3);
+    return Locked(rig);
+}
+
+// A bin of 192000 Hz is 46.875 Hz wide: the range is 24.4375 Hz.
+TEST(Lock, RangeIsHalfABinAnd1HzWhereThatIsMore) {
+    const auto locked = [](std::int32_t rateHz, std::int32_t bin, const char* text) {
+        AnalysisRig rig(rateHz);
+        rig.controls.chkAuto.SetValue(0);
+        rig.controls.txtFreq.SetText(text);
+        rig.FeedLines({{bin, 1000.0}});
+        return Locked(rig);
+    };
+    // Bin 64 is at 3000 Hz.
+    EXPECT_TRUE(locked(192000, 64, "3024"));
+    EXPECT_TRUE(locked(192000, 64, "2976"));
+    EXPECT_FALSE(locked(192000, 64, "3025"));
+    EXPECT_FALSE(locked(192000, 64, "2975"));
+    // Bin 70 of 176400 Hz is at 3014.6 Hz, taken as 3014; the range is 22.53 Hz.
+    EXPECT_TRUE(locked(176400, 70, "3036"));
+    EXPECT_FALSE(locked(176400, 70, "3037"));
+    // Bin 128 of 96000 Hz is at 3000 Hz; half a bin and 1 Hz are 12.7 Hz.
+    EXPECT_TRUE(locked(96000, 128, "3013"));
+    EXPECT_FALSE(locked(96000, 128, "3014"));
+}
+
+TEST(Lock, HoldsOnEveryFrequencyThatIsTypedAtExtendedRates) {
+    for (const std::int32_t rateHz : {88200, 96000, 176400, 192000})
+        for (std::int32_t hertz = 1000; hertz < 1100; hertz += 3)
+            EXPECT_TRUE(LockedOnSine(rateHz, hertz, hertz)) << hertz << " Hz at " << rateHz;
+    EXPECT_FALSE(LockedOnSine(192000, 1000, 1060));
+}
+
 TEST(Lock, ComparesWholeHertz) {
     // Bin 129 is at 1007.8 Hz, taken as 1007.
     EXPECT_FALSE(LockedAt("1021", 129));

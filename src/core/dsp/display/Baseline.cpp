@@ -109,7 +109,7 @@ void Baseline::cmdBaseline_Click() {
 bool Baseline::CapturedElsewhere() const {
     if (!meter_.chkBaseline.Checked() || capturedRate_ == 0 || !analysis_.FreqLocked) return false;
     return capturedRate_ != shared_.SampleRate ||
-           std::abs(capturedHz_ - analysis_.FundamentalHz) >= modDSP::kLockRangeHz;
+           std::abs(capturedHz_ - analysis_.FundamentalHz) >= modDSP::LockRangeHz(analysis_.BinWidth);
 }
 
 }  // namespace sonavex
