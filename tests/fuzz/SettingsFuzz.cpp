@@ -61,6 +61,8 @@ std::vector<PlacedKey> AllKeys() {
              {keys::kMemoryStart, keys::kMemoryEnd, keys::kMemorySweepTime, keys::kMemoryLoopIncrement,
               keys::kMemorySweep, keys::kMemoryType, keys::kMemoryLoop, keys::kMemorySelected})
             all.push_back({std::string(key.section), keys::Numbered(key, entry)});
+    const SettingsKey& extended = keys::kExtendedSampleRate;
+    all.push_back({std::string(extended.section), std::string(extended.key)});
     return all;
 }
 

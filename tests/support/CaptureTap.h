@@ -22,6 +22,12 @@ public:
 
     SoundDeviceList EnumeratePlayback() override { return system_.EnumeratePlayback(); }
     SoundDeviceList EnumerateCapture() override { return system_.EnumerateCapture(); }
+    RateList ExtendedPlaybackRates(const std::string& identifier) override {
+        return system_.ExtendedPlaybackRates(identifier);
+    }
+    RateList ExtendedCaptureRates(const std::string& identifier) override {
+        return system_.ExtendedCaptureRates(identifier);
+    }
     std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) override {
         return system_.CreatePlaybackDevice(identifier);
     }

@@ -155,6 +155,21 @@ SoundDeviceList FakeSoundSystem::EnumerateCapture() {
     return captureDevices;
 }
 
+RateList FakeSoundSystem::ExtendedRates(const char* operation, const std::string& identifier) const {
+    if (extendedRates.empty()) return {};
+    log.Call(operation, '[' + identifier + ']');
+    const auto found = extendedRates.find(identifier);
+    return found == extendedRates.end() ? RateList() : found->second;
+}
+
+RateList FakeSoundSystem::ExtendedPlaybackRates(const std::string& identifier) {
+    return ExtendedRates("ExtendedPlaybackRates", identifier);
+}
+
+RateList FakeSoundSystem::ExtendedCaptureRates(const std::string& identifier) {
+    return ExtendedRates("ExtendedCaptureRates", identifier);
+}
+
 std::unique_ptr<PlaybackDevice> FakeSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
     log.Call("CreatePlaybackDevice", '[' + identifier + ']');
     return std::make_unique<FakePlaybackDevice>(*this);

@@ -17,6 +17,8 @@ public:
 
     SoundDeviceList EnumeratePlayback() override;
     SoundDeviceList EnumerateCapture() override;
+    RateList ExtendedPlaybackRates(const std::string& identifier) override;
+    RateList ExtendedCaptureRates(const std::string& identifier) override;
     std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) override;
     std::unique_ptr<CaptureDevice> CreateCaptureDevice(const std::string& identifier) override;
     EventHandle CreateEvent(std::function<void(EventHandle)> handler) override;
@@ -37,8 +39,9 @@ public:
     std::size_t LiveEvents() const noexcept { return handlers_.size(); }
 
     // Scripted results.
-    SoundDeviceList playbackDevices;  // primary, "out-a", "out-b"
-    SoundDeviceList captureDevices;   // primary, "in-a", "in-b"
+    SoundDeviceList playbackDevices;                // primary, "out-a", "out-b"
+    SoundDeviceList captureDevices;                 // primary, "in-a", "in-b"
+    std::map<std::string, RateList> extendedRates;  // by identifier; calls are logged if any are set
     std::int32_t freeHardwareBuffers = 1;
     std::deque<BufferCursors> cursors;  // one per call, then `restingCursors`
     BufferCursors restingCursors;
@@ -80,6 +83,8 @@ public:
     CallLog& log;
 
 private:
+    RateList ExtendedRates(const char* operation, const std::string& identifier) const;
+
     std::function<void(const RuntimeError&)> lostHandler_;
     std::map<EventHandle, std::function<void(EventHandle)>> handlers_;
     EventHandle lastEvent_ = 100;

@@ -20,9 +20,10 @@ void WaitFor(const char* what, Condition condition) {
 
 }  // namespace
 
-PipeWireServer::PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastCycleFrames)
+PipeWireServer::PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastCycleFrames,
+                               std::uint32_t clockRateHz)
     : sinks_(std::move(sinks)) {
-    WriteConfiguration(leastCycleFrames);
+    WriteConfiguration(leastCycleFrames, clockRateHz);
     const auto busSocket = Folder() / "bus";
     const auto daemonSocket = Folder() / "pipewire-0";
     bus_ = Launch(
@@ -42,10 +43,12 @@ PipeWireServer::~PipeWireServer() {
     bus_.reset();
 }
 
-void PipeWireServer::WriteConfiguration(std::uint32_t leastCycleFrames) const {
+void PipeWireServer::WriteConfiguration(std::uint32_t leastCycleFrames, std::uint32_t clockRateHz) const {
     std::ofstream file = Configuration("pipewire/pipewire.conf.d/10-clock.conf");
     file << "context.properties = {\n"
-            "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 96000 ]\n";
+            "    default.clock.allowed-rates = [ 8000 16000 22050 32000 44100 48000 96000 ]\n"
+            "    default.clock.rate = "
+         << clockRateHz << '\n';
     if (leastCycleFrames > 0) file << "    default.clock.min-quantum = " << leastCycleFrames << '\n';
     file << "}\n";
     // The session manager leaves the machine's devices alone. Its Bluetooth monitor also loads a module that

@@ -19,8 +19,9 @@ public:
     // length.
     static constexpr std::uint32_t kPatientCycle = 2048;
 
-    // leastCycleFrames: minimum cycle length; 0 for what the streams request.
-    explicit PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastCycleFrames = 0);
+    // leastCycleFrames: minimum cycle length; 0 for what the streams request. clockRateHz: the server's rate.
+    explicit PipeWireServer(std::vector<NullSink> sinks, std::uint32_t leastCycleFrames = 0,
+                            std::uint32_t clockRateHz = 48000);
     ~PipeWireServer() override;
 
     // These act on the protocol server; the daemon continues.
@@ -37,7 +38,7 @@ protected:
 private:
     std::unique_ptr<ChildProcess> Launch(const Arguments& command) const;
     std::unique_ptr<ChildProcess> LaunchFirst(const std::string& program) const;
-    void WriteConfiguration(std::uint32_t leastCycleFrames) const;
+    void WriteConfiguration(std::uint32_t leastCycleFrames, std::uint32_t clockRateHz) const;
     std::ofstream Configuration(const std::string& path) const;
     void StartProtocol();
     bool TakesDefault(const std::string& sink) const;

@@ -1,8 +1,10 @@
 #include "core/audio/frmDevices.h"
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
+#include "core/audio/ExtendedRates.h"
 #include "core/ports/BusyPointer.h"
 #include "core/settings/SampleRates.h"
 #include "core/settings/Windows.h"
@@ -47,10 +49,8 @@ frmDevices::frmDevices(const Needs& needs, const MainLabels& mainLabels) : needs
     cmdHelp.Click.Handle([this] { cmdHelp_Click(); });
     Frame.SetCaption("Select Sound Devices");
     Label5.SetCaption("Sample Rates above 32000 is not recommended with Vista.");
-    std::vector<std::string> rates;
-    rates.reserve(SampleRateTable.size());
-    for (const std::int32_t rateHz : SampleRateTable) rates.push_back(CStr(rateHz));
-    cmbSampleRate.SetItems(rates);
+    cmbInputMixer.Click.Handle([this] { OfferRates(cmbSampleRate.Text()); });
+    cmbOutputMixer.Click.Handle([this] { OfferRates(cmbSampleRate.Text()); });
 }
 
 void frmDevices::Form_Load() {
@@ -90,12 +90,32 @@ void frmDevices::Enumerate() {
 void frmDevices::FillLists() {
     Fill(cmbInputMixer, inputs_, needs_.settings.Text(keys::kInput));
     Fill(cmbOutputMixer, outputs_, needs_.settings.Text(keys::kOutput));
-    cmbSampleRate.SetListIndex(StoredRateIndex());
+    const auto extended = ExtendedRateOf(needs_.settings.Text(keys::kExtendedSampleRate));
+    OfferRates(extended ? CStr(*extended) : std::string());
+}
+
+// Selects the wanted rate. If it is not offered, the stored index applies.
+void frmDevices::OfferRates(const std::string& wanted) {
+    extendedRates_ = ExtendedRatesOfSelection();
+    std::vector<std::string> items;
+    for (const std::int32_t rateHz : SampleRateTable) items.push_back(CStr(rateHz));
+    for (const std::int32_t rateHz : extendedRates_) items.push_back(CStr(rateHz));
+    const auto found = std::find(items.begin(), items.end(), wanted);
+    const bool offered = found != items.end();
+    const auto position = static_cast<std::int32_t>(found - items.begin());
+    cmbSampleRate.SetItems(std::move(items));
+    cmbSampleRate.SetListIndex(offered ? position : StoredRateIndex());
+}
+
+RateList frmDevices::ExtendedRatesOfSelection() const {
+    if (cmbInputMixer.ListIndex() < 0 || cmbOutputMixer.ListIndex() < 0) return {};
+    return CommonExtendedRates(needs_.sound, SelectedIdentifier(cmbInputMixer, inputs_),
+                               SelectedIdentifier(cmbOutputMixer, outputs_));
 }
 
 std::int32_t frmDevices::StoredRateIndex() const {
     const std::int32_t index = needs_.settings.Long(keys::kSampleRate);
-    if (index < 0 || index >= cmbSampleRate.Count())
+    if (index < 0 || index >= static_cast<std::int32_t>(SampleRateTable.size()))
         throw needs_.settings.Failure(error_number::kInvalidCall, keys::kSampleRate);
     return index;
 }
@@ -121,8 +141,15 @@ void frmDevices::cmdOkay_Click() {
 void frmDevices::TakeRate() {
     const std::int32_t index = cmbSampleRate.ListIndex();
     if (index < 0) throw RuntimeError(error_number::kSubscript);
-    needs_.settings.Save(keys::kSampleRate, CStr(index));
-    needs_.shared.SampleRate = SampleRateTable.at(static_cast<std::size_t>(index));
+    const auto place = static_cast<std::size_t>(index);
+    const bool extended = place >= SampleRateTable.size();
+    const std::int32_t rateHz =
+        extended ? extendedRates_.at(place - SampleRateTable.size()) : SampleRateTable.at(place);
+    if (!extended) needs_.settings.Save(keys::kSampleRate, CStr(index));
+    // An absent value stays absent.
+    if (extended || !needs_.settings.Text(keys::kExtendedSampleRate).empty())
+        needs_.settings.Save(keys::kExtendedSampleRate, extended ? CStr(rateHz) : std::string());
+    needs_.shared.SampleRate = rateHz;
 }
 
 void frmDevices::Apply() {

@@ -52,7 +52,7 @@ public:
 
     // Lists the devices and selects the stored ones. If they cannot be listed, shows a message and throws
     // EndProgram. RuntimeError for a stored rate or position that cannot be used; 5 for an index of a rate
-    // that does not exist.
+    // that does not exist. The extended rates are those that both selected devices run at.
     void Form_Load();
 
     // Whether the form may close; if so, it has performed the steps of closing. While the engine does not run
@@ -83,6 +83,8 @@ private:
     void RestorePosition();
     void Enumerate();
     void FillLists();
+    void OfferRates(const std::string& wanted);
+    RateList ExtendedRatesOfSelection() const;
     std::int32_t StoredRateIndex() const;
     void ShowDevicesInUse();
     void TakeRate();
@@ -92,6 +94,7 @@ private:
     MainLabels main_;
     SoundDeviceList inputs_;  // as listed when the form was loaded
     SoundDeviceList outputs_;
+    RateList extendedRates_;  // offered below the seven rates
     bool applying_ = false;
 };
 

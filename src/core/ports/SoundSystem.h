@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "core/ports/ExtendedRates.h"
 #include "core/support/RuntimeError.h"
 
 namespace sonavex {
@@ -193,6 +194,11 @@ public:
 
     virtual SoundDeviceList EnumeratePlayback() = 0;
     virtual SoundDeviceList EnumerateCapture() = 0;
+
+    // Those of kExtendedRates, in that order, at which the device runs without resampling. A server's device
+    // has its present rate only. Empty if unknown. An empty identifier selects the primary device.
+    virtual RateList ExtendedPlaybackRates(const std::string& identifier) = 0;
+    virtual RateList ExtendedCaptureRates(const std::string& identifier) = 0;
 
     // An empty identifier selects the primary device.
     virtual std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) = 0;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "core/ports/ExtendedRates.h"
 #include "core/settings/SharedState.h"
 
 namespace sonavex {
@@ -22,6 +23,12 @@ constexpr std::optional<std::int32_t> SampleRateIndex(std::int32_t rateHz) noexc
     const auto* found = std::find(SampleRateTable.begin(), SampleRateTable.end(), rateHz);
     if (found == SampleRateTable.end()) return std::nullopt;
     return static_cast<std::int32_t>(found - SampleRateTable.begin());
+}
+
+// Whether the instrument runs at this rate in Hz: one of the seven or of kExtendedRates.
+constexpr bool IsSampleRate(std::int32_t rateHz) noexcept {
+    return SampleRateIndex(rateHz) ||
+           std::find(kExtendedRates.begin(), kExtendedRates.end(), rateHz) != kExtendedRates.end();
 }
 
 }  // namespace sonavex

@@ -41,6 +41,8 @@ inline constexpr SettingsKey kOutput{kSoundCard, "Output", ""};
 // Index into SampleRateTable. This default is the device dialog's; start-up uses DefaultSampleRateIndex
 // instead.
 inline constexpr SettingsKey kSampleRate{kSoundCard, "SampleRate", "1"};
+// One of kExtendedRates in Hz, in place of the indexed rate; empty for the indexed one.
+inline constexpr SettingsKey kExtendedSampleRate{kFace, "ExtendedSampleRate", ""};
 inline constexpr SettingsKey kLineInput{kSoundCard, "LineInput", ""};
 inline constexpr SettingsKey kThreeMixers{kSoundCard, "ThreeMixers", ""};
 

@@ -11,7 +11,7 @@ constexpr bool IsNewerGeneration(std::int32_t osMajorVersion) noexcept {
 
 // State that all subsystems read. One instance, owned by the Instrument.
 struct SharedState {
-    std::int32_t SampleRate = 32000;  // Hz, one of SampleRateTable
+    std::int32_t SampleRate = 32000;  // Hz, one of SampleRateTable or kExtendedRates
     std::int32_t OsMajorVersion = 10;
     bool EventsReady = false;  // the capture notifications are armed
 

@@ -1,9 +1,11 @@
 #include "core/shell/frmMain.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <utility>
 
+#include "core/audio/ExtendedRates.h"
 #include "core/dsp/AnalysisBand.h"
 #include "core/ports/SoundErrors.h"
 #include "core/settings/SampleRates.h"
@@ -88,6 +90,7 @@ void frmMain::Form_Load() {
     LimitFrequencySliders(Instrument.Shared.SampleRate / 2);
     GeneratorPanel.InitGenerator();
     Reached(Started::kGenerator);
+    CheckExtendedRate();
     CreateSoundDevices();
     Reached(Started::kDevices);
     StartStream();
@@ -106,7 +109,15 @@ void frmMain::RestorePosition() {
     Frame.Move(place.left, place.top);
 }
 
+// An extended rate takes effect before it is checked, so that the generator keeps frequencies above half the
+// indexed rate.
 void frmMain::RestoreSampleRate() {
+    RestoreIndexedRate();
+    extendedRate_ = Instrument.Settings.Text(keys::kExtendedSampleRate);
+    if (const auto rateHz = ExtendedRateOf(extendedRate_)) Instrument.Shared.SampleRate = *rateHz;
+}
+
+void frmMain::RestoreIndexedRate() {
     const std::string fallback = CStr(DefaultSampleRateIndex(Instrument.Shared.OsMajorVersion));
     const std::string stored = Instrument.Settings.Text(Settings::WithFallback(keys::kSampleRate, fallback));
     if (IsNumeric(stored)) {
@@ -119,6 +130,24 @@ void frmMain::RestoreSampleRate() {
     Instrument.Shared.SampleRate = SampleRateTable[kFallbackRateIndex];
     Instrument.Settings.Save(keys::kSampleRate, CStr(kFallbackRateIndex));
     needs_.dialogs.Message(kInvalidRate, MessageIcon::kInformation);
+}
+
+void frmMain::CheckExtendedRate() {
+    if (extendedRate_.empty() || StoredDevicesRunAt(ExtendedRateOf(extendedRate_))) return;
+    RestoreIndexedRate();
+    LimitFrequencySliders(Instrument.Shared.SampleRate / 2);
+    GeneratorPanel.FollowLimits();
+    needs_.dialogs.Message("The selected sound devices do not run at the stored sampling rate of " +
+                               extendedRate_ + " Hz. The sampling rate is now " +
+                               CStr(Instrument.Shared.SampleRate) + " Hz.",
+                           MessageIcon::kInformation);
+}
+
+bool frmMain::StoredDevicesRunAt(std::optional<std::int32_t> extendedRateHz) const {
+    const std::string input = Instrument.Settings.Text(keys::kInput);
+    const std::string output = Instrument.Settings.Text(keys::kOutput);
+    const RateList rates = CommonExtendedRates(needs_.sound, input, output);
+    return extendedRateHz && std::find(rates.begin(), rates.end(), *extendedRateHz) != rates.end();
 }
 
 void frmMain::ShowDevices(const std::string& input, const std::string& output, std::int32_t rateHz) {

@@ -4,6 +4,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -121,6 +122,9 @@ private:
     void RefuseSecondInstance();
     void RestorePosition();
     void RestoreSampleRate();
+    void RestoreIndexedRate();
+    void CheckExtendedRate();
+    bool StoredDevicesRunAt(std::optional<std::int32_t> extendedRateHz) const;
     void ShowDevices(const std::string& input, const std::string& output, std::int32_t rateHz);
     void LimitFrequencySliders(std::int32_t highestHz);
     void CreateSoundDevices();
@@ -141,6 +145,7 @@ private:
     Started started_ = Started::kNothing;
     bool unloaded_ = false;
     bool choosingDevices_ = false;
+    std::string extendedRate_;  // as stored
     std::unique_ptr<Signal> endLater_;
     std::unique_ptr<Signal> catchUp_;
     std::vector<std::exception_ptr> lateErrors_;  // of the running tick

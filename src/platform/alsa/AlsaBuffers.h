@@ -39,6 +39,8 @@ public:
     AlsaPlaybackBuffer(EventLoop& loop, const AlsaDevice& device, const BufferDescription& description,
                        AlsaStream::LostHandler onLost);
 
+    const RateList& ExtendedRates() const noexcept { return pcm_.ExtendedRates(); }
+
 private:
     const RingDevice& Device() const noexcept override { return stream_; }
     int Start() noexcept override;
@@ -64,6 +66,8 @@ public:
     // Opens and starts the card; throws as AlsaPcm and AlsaStream::Run.
     AlsaCaptureBuffer(EventLoop& loop, const NotificationHub& hub, const AlsaDevice& device,
                       const BufferDescription& description, AlsaStream::LostHandler onLost);
+
+    const RateList& ExtendedRates() const noexcept { return pcm_.ExtendedRates(); }
 
 private:
     using Clock = std::chrono::steady_clock;

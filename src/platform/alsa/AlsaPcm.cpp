@@ -59,10 +59,16 @@ void AlsaPcm::Close::operator()(snd_pcm_t* pcm) const noexcept {
     snd_pcm_close(pcm);
 }
 
-AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint32_t rateHz, Shape wanted)
-    : device_(device), direction_(direction), rateHz_(rateHz) {
+AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction)
+    : device_(device), direction_(direction) {
     Open(device_.pcm);
-    const std::span<const AlsaFormat> formats = device_.converting ? kNarrow : kAllFormats;
+    FindExtendedRates();
+}
+
+AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint32_t rateHz, Shape wanted)
+    : AlsaPcm(device, direction) {
+    rateHz_ = rateHz;
+    const std::span<const AlsaFormat> formats = NativeFormats();
     const Lacks lacks = FindFormats(Resampling::kForbidden, formats);
     if (lacks.Any()) {
         // The same device with libasound's conversions.
@@ -72,6 +78,23 @@ AlsaPcm::AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint
     }
     ConfigureInTurn(wanted);
     note_ = ConversionNote(lacks);
+}
+
+RateList AlsaPcm::ReadExtendedRates(const AlsaDevice& device, snd_pcm_stream_t direction) {
+    return AlsaPcm(device, direction).extendedRates_;
+}
+
+std::span<const AlsaFormat> AlsaPcm::NativeFormats() const noexcept {
+    return device_.converting ? kNarrow : kAllFormats;
+}
+
+void AlsaPcm::FindExtendedRates() {
+    const std::span<const AlsaFormat> formats = NativeFormats();
+    for (const std::int32_t rateHz : kExtendedRates)
+        if (std::any_of(formats.begin(), formats.end(), [&](const AlsaFormat& format) {
+                return !Missing(Resampling::kForbidden, format, static_cast<std::uint32_t>(rateHz)).Any();
+            }))
+            extendedRates_.push_back(rateHz);
 }
 
 void AlsaPcm::Open(const std::string& name) {
@@ -91,14 +114,14 @@ AlsaPcm::Lacks AlsaPcm::FindFormats(Resampling resampling, std::span<const AlsaF
     formats_.clear();
     Lacks least{.format = true};
     for (const AlsaFormat& format : formats) {
-        const Lacks lacks = Missing(resampling, format);
+        const Lacks lacks = Missing(resampling, format, rateHz_);
         if (!lacks.Any()) formats_.push_back(format);
         if (least.format) least = lacks;
     }
     return formats_.empty() ? least : Lacks{};
 }
 
-AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling, const AlsaFormat& format) const {
+AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling, const AlsaFormat& format, std::uint32_t rateHz) const {
     snd_pcm_t* const pcm = Handle();
     const HardwareParameters parameters = NewHardwareParameters();
     Require(snd_pcm_hw_params_any(pcm, parameters.get()));
@@ -110,7 +133,7 @@ AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling, const AlsaFormat& format)
     if (!lacks.channels) Require(snd_pcm_hw_params_set_channels(pcm, parameters.get(), kChannels));
     lacks.format = snd_pcm_hw_params_test_format(pcm, parameters.get(), format.code) < 0;
     if (!lacks.format) Require(snd_pcm_hw_params_set_format(pcm, parameters.get(), format.code));
-    lacks.rate = snd_pcm_hw_params_test_rate(pcm, parameters.get(), rateHz_, 0) < 0;
+    lacks.rate = snd_pcm_hw_params_test_rate(pcm, parameters.get(), rateHz, 0) < 0;
     return lacks;
 }
 

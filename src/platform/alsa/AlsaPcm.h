@@ -30,8 +30,13 @@ public:
     // kBadFormat when it cannot run at this rate, kGeneric for any other failure.
     AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction, std::uint32_t rateHz, Shape wanted);
 
+    // Opens the device to read its extended rates, and closes it. Throws as the constructor.
+    static RateList ReadExtendedRates(const AlsaDevice& device, snd_pcm_stream_t direction);
+
     snd_pcm_t* Handle() const noexcept { return pcm_.get(); }
     std::uint32_t RateHz() const noexcept { return rateHz_; }
+    // Those of kExtendedRates that the device has itself.
+    const RateList& ExtendedRates() const noexcept { return extendedRates_; }
     const AlsaFormat& Format() const noexcept { return format_; }
     // Significant bits of a sample: those that the device reports, of its format, at most 24.
     int Bits() const noexcept { return bits_; }
@@ -61,8 +66,12 @@ private:
         void operator()(snd_pcm_t* pcm) const noexcept;
     };
 
+    AlsaPcm(const AlsaDevice& device, snd_pcm_stream_t direction);
+    // Without conversions.
+    std::span<const AlsaFormat> NativeFormats() const noexcept;
     void Open(const std::string& name);
-    Lacks Missing(Resampling resampling, const AlsaFormat& format) const;
+    void FindExtendedRates();
+    Lacks Missing(Resampling resampling, const AlsaFormat& format, std::uint32_t rateHz) const;
     // Stores the formats of these that the device has. Without one, what it lacks for the first that it
     // takes.
     Lacks FindFormats(Resampling resampling, std::span<const AlsaFormat> formats);
@@ -74,7 +83,8 @@ private:
 
     AlsaDevice device_;
     snd_pcm_stream_t direction_;
-    std::uint32_t rateHz_;
+    std::uint32_t rateHz_ = 0;
+    RateList extendedRates_;
     std::vector<AlsaFormat> formats_;  // usable, the widest first
     AlsaFormat format_ = kAlsaFormats.back();
     int bits_ = 16;

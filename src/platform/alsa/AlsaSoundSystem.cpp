@@ -2,6 +2,7 @@
 
 #include <alsa/asoundlib.h>
 
+#include "core/ports/SoundErrors.h"
 #include "platform/alsa/AlsaBuffers.h"
 #include "platform/alsa/AlsaDevices.h"
 
@@ -12,6 +13,19 @@ SoundDeviceList Enumerate(snd_pcm_stream_t direction, const char* primary) {
     SoundDeviceList list{{"", primary, ""}};
     for (const AlsaDevice& device : ListAlsaDevices(direction)) list.push_back(device.info);
     return list;
+}
+
+// Reads the rates of a device and remembers them.
+RateList ExtendedRates(const std::string& identifier, snd_pcm_stream_t direction,
+                       std::map<std::string, RateList>& known) {
+    const AlsaDevice device = FindAlsaDevice(direction, identifier);
+    RateList& rates = known[device.info.identifier];
+    try {
+        rates = AlsaPcm::ReadExtendedRates(device, direction);
+    } catch (const RuntimeError& error) {
+        if (error.Number() != sound_error::kAllocated) throw;
+    }
+    return rates;
 }
 
 constexpr const char* kRefusal = "Sound cards are used with 16-bit stereo PCM only.";
@@ -35,12 +49,22 @@ SoundDeviceList AlsaSoundSystem::EnumerateCapture() {
     return Enumerate(SND_PCM_STREAM_CAPTURE, "Default input device");
 }
 
+RateList AlsaSoundSystem::ExtendedPlaybackRates(const std::string& identifier) {
+    return ExtendedRates(identifier, SND_PCM_STREAM_PLAYBACK, playbackRates_);
+}
+
+RateList AlsaSoundSystem::ExtendedCaptureRates(const std::string& identifier) {
+    return ExtendedRates(identifier, SND_PCM_STREAM_CAPTURE, captureRates_);
+}
+
 std::unique_ptr<PlaybackDevice> AlsaSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
     const AlsaDevice device = FindAlsaDevice(SND_PCM_STREAM_PLAYBACK, identifier);
     return PlaybackDeviceOf([this, device](const BufferDescription& description) {
         RequireStereo16(description.format, kRefusal);
-        return std::make_unique<AlsaPlaybackBuffer>(Loop(), device, description,
-                                                    [this](const RuntimeError& error) { ReportLoss(error); });
+        auto buffer = std::make_unique<AlsaPlaybackBuffer>(
+            Loop(), device, description, [this](const RuntimeError& error) { ReportLoss(error); });
+        playbackRates_[device.info.identifier] = buffer->ExtendedRates();
+        return buffer;
     });
 }
 
@@ -48,8 +72,10 @@ std::unique_ptr<CaptureDevice> AlsaSoundSystem::CreateCaptureDevice(const std::s
     const AlsaDevice device = FindAlsaDevice(SND_PCM_STREAM_CAPTURE, identifier);
     return CaptureDeviceOf([this, device](const BufferDescription& description) {
         RequireStereo16(description.format, kRefusal);
-        return std::make_unique<AlsaCaptureBuffer>(Loop(), Hub(), device, description,
-                                                   [this](const RuntimeError& error) { ReportLoss(error); });
+        auto buffer = std::make_unique<AlsaCaptureBuffer>(
+            Loop(), Hub(), device, description, [this](const RuntimeError& error) { ReportLoss(error); });
+        captureRates_[device.info.identifier] = buffer->ExtendedRates();
+        return buffer;
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 
@@ -21,8 +22,16 @@ public:
 
     SoundDeviceList EnumeratePlayback() override;
     SoundDeviceList EnumerateCapture() override;
+    // Of a device in use, the rates are those that it had when it was last opened from here.
+    RateList ExtendedPlaybackRates(const std::string& identifier) override;
+    RateList ExtendedCaptureRates(const std::string& identifier) override;
     std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) override;
     std::unique_ptr<CaptureDevice> CreateCaptureDevice(const std::string& identifier) override;
+
+private:
+    // By identifier.
+    std::map<std::string, RateList> playbackRates_;
+    std::map<std::string, RateList> captureRates_;
 };
 
 }  // namespace sonavex

@@ -27,17 +27,17 @@ SoundDeviceList Join(SoundSystem& server, SoundSystem& direct, Enumerate enumera
     return list;
 }
 
-// create(server); if that fails, create(direct devices). Without direct devices the server's error is thrown.
-template <class Create>
-auto CreatePrimary(SoundSystem& server, SoundSystem& direct, Create create) {
+// call(server); if that fails, call(direct devices). Without direct devices the server's error is thrown.
+template <class Call>
+auto OfPrimary(SoundSystem& server, SoundSystem& direct, Call call) {
     std::optional<RuntimeError> failure;
     try {
-        return create(server);
+        return call(server);
     } catch (const RuntimeError& error) {
         failure = error;
     }
     try {
-        return create(direct);
+        return call(direct);
     } catch (const RuntimeError& error) {
         if (error.Number() != sound_error::kNoDriver) throw;
     }
@@ -113,17 +113,29 @@ SoundDeviceList CombinedSoundSystem::EnumerateCapture() {
     return Join(*server_, *direct_, &SoundSystem::EnumerateCapture);
 }
 
+template <class Call>
+auto CombinedSoundSystem::OfDevice(const std::string& identifier, Call call) const {
+    return identifier.empty() ? OfPrimary(*server_, *direct_, call) : call(SystemOf(identifier));
+}
+
+RateList CombinedSoundSystem::ExtendedPlaybackRates(const std::string& identifier) {
+    return OfDevice(identifier,
+                    [&](SoundSystem& system) { return system.ExtendedPlaybackRates(identifier); });
+}
+
+RateList CombinedSoundSystem::ExtendedCaptureRates(const std::string& identifier) {
+    return OfDevice(identifier, [&](SoundSystem& system) { return system.ExtendedCaptureRates(identifier); });
+}
+
 std::unique_ptr<PlaybackDevice> CombinedSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
-    const auto create = [&](SoundSystem& system) { return system.CreatePlaybackDevice(identifier); };
-    return identifier.empty() ? CreatePrimary(*server_, *direct_, create) : create(SystemOf(identifier));
+    return OfDevice(identifier, [&](SoundSystem& system) { return system.CreatePlaybackDevice(identifier); });
 }
 
 std::unique_ptr<CaptureDevice> CombinedSoundSystem::CreateCaptureDevice(const std::string& identifier) {
-    const auto create = [&](SoundSystem& system) -> std::unique_ptr<CaptureDevice> {
+    return OfDevice(identifier, [&](SoundSystem& system) -> std::unique_ptr<CaptureDevice> {
         return std::make_unique<Capture>(*this, system.CreateCaptureDevice(identifier),
                                          &system == direct_.get());
-    };
-    return identifier.empty() ? CreatePrimary(*server_, *direct_, create) : create(SystemOf(identifier));
+    });
 }
 
 SoundSystem& CombinedSoundSystem::SystemOf(const std::string& identifier) const {

@@ -25,6 +25,8 @@ public:
     // Without a direct device, a failure of the server is thrown.
     SoundDeviceList EnumeratePlayback() override;
     SoundDeviceList EnumerateCapture() override;
+    RateList ExtendedPlaybackRates(const std::string& identifier) override;
+    RateList ExtendedCaptureRates(const std::string& identifier) override;
     std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) override;
     std::unique_ptr<CaptureDevice> CreateCaptureDevice(const std::string& identifier) override;
     EventHandle CreateEvent(std::function<void(EventHandle)> handler) override;
@@ -36,6 +38,9 @@ private:
     class Buffer;
 
     SoundSystem& SystemOf(const std::string& identifier) const;
+    // call(system of the device).
+    template <class Call>
+    auto OfDevice(const std::string& identifier, Call call) const;
 
     std::unique_ptr<SoundSystem> server_;
     std::unique_ptr<SoundSystem> direct_;

@@ -89,15 +89,12 @@ void PulsePath::TakeCard(pa_context*, const Info* info, int, void* self) {
     auto& me = *static_cast<PulsePath*>(self);
     const char* const card = pa_proplist_gets(info->proplist, "alsa.card");
     me.card_ = card == nullptr ? "" : card;
-    me.virtual_ = card == nullptr && pa_proplist_contains(info->proplist, PA_PROP_DEVICE_API) == 0;
+    me.virtual_ = IsVirtualDevice(info->proplist);
 }
 
-// PipeWire runs all devices at one rate at a time. A card reports that rate; a virtual device reports the
-// rate that it was created with.
 void PulsePath::TakeServer(pa_context*, const pa_server_info* info, void* self) {
     if (info == nullptr || info->server_name == nullptr) return;
-    const bool pipeWire = std::string(info->server_name).find("PipeWire") != std::string::npos;
-    static_cast<PulsePath*>(self)->graphRateHz_ = pipeWire ? info->sample_spec.rate : 0;
+    static_cast<PulsePath*>(self)->graphRateHz_ = GraphRateHz(*info);
 }
 
 void PulsePath::AskForCardOf(pa_context* server, const pa_sink_info& sink) {

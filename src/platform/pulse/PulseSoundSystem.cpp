@@ -28,6 +28,14 @@ SoundDeviceList PulseSoundSystem::EnumerateCapture() {
     return Enumerate(*context_, PulseDirection::kCapture, "Default input device");
 }
 
+RateList PulseSoundSystem::ExtendedPlaybackRates(const std::string& identifier) {
+    return ExtendedPulseRates(*context_, PulseDirection::kPlayback, identifier, PulseDeadline());
+}
+
+RateList PulseSoundSystem::ExtendedCaptureRates(const std::string& identifier) {
+    return ExtendedPulseRates(*context_, PulseDirection::kCapture, identifier, PulseDeadline());
+}
+
 std::unique_ptr<PlaybackDevice> PulseSoundSystem::CreatePlaybackDevice(const std::string& identifier) {
     const SoundDeviceInfo device =
         FindPulseDevice(*context_, PulseDirection::kPlayback, identifier, PulseDeadline());

@@ -120,6 +120,15 @@ SoundDeviceList SimulatedSoundSystem::EnumerateCapture() {
     return Enumerate();
 }
 
+RateList SimulatedSoundSystem::ExtendedPlaybackRates(const std::string& identifier) {
+    RequirePlugged(identifier);
+    return {kExtendedRates.begin(), kExtendedRates.end()};
+}
+
+RateList SimulatedSoundSystem::ExtendedCaptureRates(const std::string& identifier) {
+    return ExtendedPlaybackRates(identifier);
+}
+
 void SimulatedSoundSystem::RequirePlugged(const std::string& identifier) const {
     if (card_.Plugged() && (identifier.empty() || identifier == kIdentifier)) return;
     throw RuntimeError(sound_error::kNoDriver, "There is no sound device '" + identifier + "'.");

@@ -33,6 +33,8 @@ public:
 
     SoundDeviceList EnumeratePlayback() override;
     SoundDeviceList EnumerateCapture() override;
+    RateList ExtendedPlaybackRates(const std::string& identifier) override;
+    RateList ExtendedCaptureRates(const std::string& identifier) override;
     std::unique_ptr<PlaybackDevice> CreatePlaybackDevice(const std::string& identifier) override;
     std::unique_ptr<CaptureDevice> CreateCaptureDevice(const std::string& identifier) override;
     bool Simulated() const noexcept override { return true; }

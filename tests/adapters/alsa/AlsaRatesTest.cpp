@@ -99,6 +99,45 @@ TEST(AlsaRates, AreAllExactOnTheUsersPcm) {
         kLoopLimit));
 }
 
+TEST(AlsaExtendedRates, AreThoseOfTheCard) {
+    const LoopCards cards(CardList{{kHardware, "Test card", {44100, 48000, 88200, 96000}, 2, "S32_LE"},
+                                   {"fast", "Fast card", {192000}},
+                                   {"slow", "Slow card", {48000}},
+                                   {"mono", "Mono card", {96000}, 1},
+                                   {"float", "Float card", {96000}, 2, "FLOAT_LE"}});
+    AlsaSession session;
+    EXPECT_EQ(session.system.ExtendedPlaybackRates(kHardwareId), (RateList{88200, 96000}));
+    EXPECT_EQ(session.system.ExtendedCaptureRates(kHardwareId), (RateList{88200, 96000}));
+    EXPECT_EQ(session.system.ExtendedPlaybackRates(""), (RateList{88200, 96000}));
+    EXPECT_EQ(session.system.ExtendedCaptureRates("alsa:fast"), RateList{192000});
+    for (const char* card : {"alsa:slow", "alsa:mono", "alsa:float"})
+        EXPECT_EQ(session.system.ExtendedPlaybackRates(card), RateList()) << card;
+    session.ExpectError(sound_error::kNoDriver, "There is no sound device 'alsa:none'.",
+                        [&] { session.system.ExtendedPlaybackRates("alsa:none"); });
+    // Reading leaves the card free.
+    session.Create(kHardwareId, 96000);
+}
+
+TEST(AlsaExtendedRates, OfACardInUseAreRemembered) {
+    const LoopCards cards(CardList{{"card", "Test card", {48000, 96000}}});
+    AlsaSession session;
+    session.Open("alsa:card", 48000);
+    EXPECT_EQ(session.system.ExtendedPlaybackRates("alsa:card"), RateList{96000});
+    EXPECT_EQ(session.system.ExtendedCaptureRates("alsa:card"), RateList{96000});
+    // Another program's card.
+    AlsaSession other;
+    EXPECT_EQ(other.system.ExtendedPlaybackRates("alsa:card"), RateList());
+    EXPECT_EQ(other.system.ExtendedCaptureRates("alsa:card"), RateList());
+}
+
+TEST(AlsaExtendedRates, OfACardThatIsConvertedAreStillItsOwn) {
+    const LoopCards cards(CardList{{kHardware, "Test card", {48000, 176400}}});
+    AlsaSession session;
+    session.Create(kHardwareId, 44100);
+    EXPECT_NE(session.playback->PathNote(), "");
+    EXPECT_EQ(session.system.ExtendedPlaybackRates(kHardwareId), RateList{176400});
+}
+
 TEST(AlsaRates, ThatACardLacksAreConvertedAndSaidToBe) {
     const LoopCards cards(CardList{{kHardware, "Test card", {48000}}});
     for (const std::int32_t rateHz : SampleRateTable) {

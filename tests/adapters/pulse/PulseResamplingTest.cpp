@@ -1,6 +1,8 @@
 // Where the server resamples, the buffers say so.
 
 #include "adapters/pulse/Passage.h"
+#include "core/ports/SoundErrors.h"
+#include "support/Errors.h"
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
 
@@ -37,6 +39,34 @@ TEST(PulseResampling, IsSaidOnPipeWireOrTheLoopIsBitExact) {
     for (const std::int32_t rateHz : SampleRateTable)
         exact += ExactOrSaid(server.Address(), SinkOfRate(rateHz), rateHz) ? 1 : 0;
     EXPECT_GE(exact, 1);
+}
+
+void ExpectExtendedRates(SoundSystem& system, const std::string& sink, const RateList& rates) {
+    EXPECT_EQ(system.ExtendedPlaybackRates(sink), rates) << sink;
+    EXPECT_EQ(system.ExtendedCaptureRates(sink + ".monitor"), rates) << sink;
+}
+
+TEST(PulseExtendedRates, AreThePresentRateOfTheSink) {
+    const PulseServer server({{"slow", 48000, "Slow"}, {"card", 96000, "Card"}, {"fast", 192000, "Fast"}});
+    PlainEventLoop loop;
+    PulseSoundSystem system(loop, server.Address());
+    ExpectExtendedRates(system, "slow", {});
+    ExpectExtendedRates(system, "card", {96000});
+    ExpectExtendedRates(system, "fast", {192000});
+    server.Control({"set-default-sink", "fast"});
+    EXPECT_EQ(system.ExtendedPlaybackRates(""), RateList{192000});
+    EXPECT_EQ(ErrorOf([&] { return system.ExtendedPlaybackRates("none"); }), sound_error::kNoDriver);
+}
+
+// PipeWire runs virtual devices at its own rate, whatever rate they report.
+TEST(PulseExtendedRates, OfVirtualDevicesAreThatOfPipeWire) {
+    for (const std::uint32_t serverHz : {48000U, 96000U}) {
+        const PipeWireServer server({{"card", 96000, "Card"}, {"slow", 48000, "Slow"}}, 0, serverHz);
+        PlainEventLoop loop;
+        PulseSoundSystem system(loop, server.Address());
+        ExpectExtendedRates(system, "card", serverHz == 96000 ? RateList{96000} : RateList());
+        ExpectExtendedRates(system, "slow", {});
+    }
 }
 
 // A sink of 48000 Hz used at another rate.

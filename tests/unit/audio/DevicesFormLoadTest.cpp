@@ -78,6 +78,85 @@ TEST(DevicesLoad, OffersTheSevenRatesAndSelectsTheStoredOne) {
     }
 }
 
+// Devices "out-a" and "in-a" run at 96000 and 192000 Hz, and are stored.
+struct FastDevicesRig : DevicesRig {
+    FastDevicesRig() {
+        sound.extendedRates = {{"out-a", {96000, 176400, 192000}},
+                               {"in-a", {88200, 96000, 192000}},
+                               {"out-b", {88200}},
+                               {"in-b", {88200, 96000}}};
+        store.Save("SoundCard", "Output", "out-a");
+        store.Save("SoundCard", "Input", "in-a");
+        store.Save("SoundCard", "SampleRate", "2");
+    }
+};
+
+TEST(DevicesLoad, OffersTheRatesOfBothDevicesBelowTheSeven) {
+    FastDevicesRig rig;
+    rig.form.Form_Load();
+    EXPECT_THAT(rig.form.cmbSampleRate.Items(),
+                ElementsAre("48000", "44100", "32000", "22050", "16000", "8000", "4000", "96000", "192000"));
+    EXPECT_EQ(rig.form.cmbSampleRate.Text(), "32000");
+}
+
+TEST(DevicesLoad, OffersTheSevenRatesAloneWithoutBothDevices) {
+    for (const char* key : {"Output", "Input"}) {
+        FastDevicesRig rig;
+        rig.store.Save("SoundCard", key, "gone");
+        rig.form.Form_Load();
+        EXPECT_EQ(rig.form.cmbSampleRate.Count(), 7);
+    }
+}
+
+TEST(DevicesLoad, OffersTheSevenRatesAloneWhereADeviceCannotBeAsked) {
+    for (const char* operation : {"ExtendedPlaybackRates", "ExtendedCaptureRates"}) {
+        FastDevicesRig rig;
+        rig.log.Fail(operation, RuntimeError(sound_error::kNoDriver, "gone"));
+        rig.form.Form_Load();
+        EXPECT_EQ(rig.form.cmbSampleRate.Count(), 7);
+    }
+}
+
+TEST(DevicesLoad, SelectsTheStoredExtendedRate) {
+    FastDevicesRig rig;
+    rig.store.Save("Face", "ExtendedSampleRate", "192000");
+    rig.form.Form_Load();
+    EXPECT_EQ(rig.form.cmbSampleRate.Text(), "192000");
+    // Neither offered nor an extended rate.
+    for (const char* stored : {"88200", "16000", "x"}) {
+        FastDevicesRig other;
+        other.store.Save("Face", "ExtendedSampleRate", stored);
+        other.form.Form_Load();
+        EXPECT_EQ(other.form.cmbSampleRate.Text(), "32000") << stored;
+    }
+}
+
+TEST(DevicesSelection, OffersTheRatesOfTheSelectedDevices) {
+    FastDevicesRig rig;
+    rig.form.Form_Load();
+    rig.form.cmbOutputMixer.UserSelects(1);
+    EXPECT_THAT(rig.form.cmbSampleRate.Items(),
+                ElementsAre("48000", "44100", "32000", "22050", "16000", "8000", "4000", "88200"));
+    rig.form.cmbOutputMixer.UserSelects(0);
+    rig.form.cmbInputMixer.UserSelects(1);
+    EXPECT_EQ(rig.form.cmbSampleRate.Items().back(), "96000");
+    EXPECT_EQ(rig.form.cmbSampleRate.Count(), 8);
+}
+
+TEST(DevicesSelection, KeepsTheSelectedRateWhileItIsOffered) {
+    FastDevicesRig rig;
+    rig.form.Form_Load();
+    rig.form.cmbSampleRate.UserSelects(5);
+    rig.form.cmbInputMixer.UserSelects(1);
+    EXPECT_EQ(rig.form.cmbSampleRate.Text(), "8000");
+    rig.form.cmbSampleRate.UserSelects(7);
+    EXPECT_EQ(rig.form.cmbSampleRate.Text(), "96000");
+    rig.form.cmbInputMixer.UserSelects(0);
+    EXPECT_EQ(rig.form.cmbSampleRate.Text(), "96000");
+    rig.form.cmbOutputMixer.UserSelects(1);
+    EXPECT_EQ(rig.form.cmbSampleRate.Text(), "32000");
+}
+
 TEST(DevicesLoad, RefusesAStoredRateThatIsNone) {
     for (const auto& [stored, number] :
          {std::pair{"x", 13}, std::pair{"7", 5}, std::pair{"-2", 5}, std::pair{"9", 5}, std::pair{"-1", 5}}) {

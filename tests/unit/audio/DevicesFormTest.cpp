@@ -93,6 +93,39 @@ TEST(DevicesOkay, StoresEveryRateByItsIndex) {
     }
 }
 
+TEST(DevicesOkay, StoresAnExtendedRateInHertz) {
+    DevicesRig rig;
+    rig.store.Save("SoundCard", "SampleRate", "3");
+    rig.sound.extendedRates = {{"out-a", {96000, 192000}}, {"in-a", {96000, 192000}}};
+    rig.LoadRunning();
+    rig.form.cmbSampleRate.UserSelects(8);
+    rig.form.cmdOkay.Press();
+    EXPECT_EQ(rig.store.Get("Face", "ExtendedSampleRate", "(absent)"), "192000");
+    EXPECT_EQ(rig.Stored("SampleRate"), "3");
+    EXPECT_EQ(rig.shared.SampleRate, 192000);
+    EXPECT_EQ(rig.sound.captureDescription.format.samplesPerSecond, 192000U);
+    EXPECT_EQ(rig.sound.playbackDescription.format.samplesPerSecond, 192000U);
+    EXPECT_EQ(rig.lblSampleRate.Caption(), "192000");
+    EXPECT_EQ(rig.unloads, 1);
+}
+
+TEST(DevicesOkay, EmptiesTheExtendedRateForOneOfTheSeven) {
+    DevicesRig rig;
+    rig.store.Save("Face", "ExtendedSampleRate", "96000");
+    rig.sound.extendedRates = {{"out-a", {96000}}, {"in-a", {96000}}};
+    rig.LoadRunning();
+    EXPECT_EQ(rig.form.cmbSampleRate.Text(), "96000");
+    rig.form.cmbSampleRate.UserSelects(0);
+    rig.form.cmdOkay.Press();
+    EXPECT_EQ(rig.store.Get("Face", "ExtendedSampleRate", "(absent)"), "");
+    EXPECT_EQ(rig.Stored("SampleRate"), "0");
+    EXPECT_EQ(rig.shared.SampleRate, 48000);
+    DevicesRig fresh;
+    fresh.LoadRunning();
+    fresh.form.cmdOkay.Press();
+    EXPECT_EQ(fresh.store.Get("Face", "ExtendedSampleRate", "(absent)"), "(absent)");
+}
+
 TEST(DevicesOkay, WithoutARateIsAnError) {
     DevicesRig rig;
     rig.LoadRunning();

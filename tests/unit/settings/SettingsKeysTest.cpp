@@ -29,6 +29,7 @@ const std::vector<Row> kTable{
     {keys::kInput, "SoundCard", "Input", ""},
     {keys::kOutput, "SoundCard", "Output", ""},
     {keys::kSampleRate, "SoundCard", "SampleRate", "1"},
+    {keys::kExtendedSampleRate, "Face", "ExtendedSampleRate", ""},
     {keys::kLineInput, "SoundCard", "LineInput", ""},
     {keys::kThreeMixers, "SoundCard", "ThreeMixers", ""},
     {keys::kLevel, "Signal Generator", "Level", "-50"},
@@ -101,6 +102,17 @@ TEST(SampleRates, AreSevenInThisOrder) {
     for (std::int32_t index = 0; index < 7; ++index)
         EXPECT_EQ(SampleRateIndex(rates[static_cast<std::size_t>(index)]), index);
     for (const std::int32_t rateHz : {0, -48000, 48001, 96000, 11025}) EXPECT_FALSE(SampleRateIndex(rateHz));
+}
+
+TEST(SampleRates, AreExtendedByFourWithoutIndex) {
+    const std::array<std::int32_t, 4> rates{88200, 96000, 176400, 192000};
+    EXPECT_EQ(kExtendedRates, rates);
+    for (const std::int32_t rateHz : rates) {
+        EXPECT_FALSE(SampleRateIndex(rateHz)) << rateHz;
+        EXPECT_TRUE(IsSampleRate(rateHz)) << rateHz;
+    }
+    for (const std::int32_t rateHz : SampleRateTable) EXPECT_TRUE(IsSampleRate(rateHz)) << rateHz;
+    for (const std::int32_t rateHz : {0, 11025, 48001, 64000, 384000}) EXPECT_FALSE(IsSampleRate(rateHz));
 }
 
 TEST(SampleRates, StartAt32000HzOnTheNewerGeneration) {

@@ -97,6 +97,74 @@ TEST(StoredRates, SelectTheirRate) {
     }
 }
 
+// Devices of which both run at 96000 Hz, and a stored rate of 44100 Hz.
+struct ExtendedForm : ScriptedForm {
+    explicit ExtendedForm(const char* extendedRate) : ScriptedForm(10) {
+        store.Save("SoundCard", "Input", "in-b");
+        store.Save("SoundCard", "Output", "out-b");
+        store.Save("SoundCard", "SampleRate", "1");
+        store.Save("Face", "ExtendedSampleRate", extendedRate);
+        store.Save("Signal Generator", "Current Signal Start", "30000");
+        sound.extendedRates = {{"in-b", {88200, 96000}}, {"out-b", {96000, 192000}}};
+    }
+    std::int32_t RateInUse() const {
+        return static_cast<std::int32_t>(sound.captureDescription.format.samplesPerSecond);
+    }
+    std::int32_t HighestHz() const { return form.GeneratorPanel.Controls.sldStartFreq.Max(); }
+};
+
+TEST(ExtendedRate, AppliesWhereBothStoredDevicesRunAtIt) {
+    ExtendedForm world("96000");
+    world.form.Form_Load();
+    EXPECT_THAT(world.log.Of("Message"), IsEmpty());
+    EXPECT_EQ(world.RateInUse(), 96000);
+    EXPECT_EQ(world.sound.playbackDescription.format.samplesPerSecond, 96000U);
+    EXPECT_EQ(world.form.Instrument.Shared.SampleRate, 96000);
+    EXPECT_EQ(world.form.lblSampleRate.Caption(), "96000");
+    EXPECT_EQ(world.HighestHz(), 48000);
+    EXPECT_DOUBLE_EQ(world.form.Instrument.Meter.Analysis().HighFraction, 47900.0 / 96000.0);
+    EXPECT_EQ(world.form.GeneratorPanel.Controls.txtGenFreq.Text(), "30000");
+    EXPECT_EQ(world.store.Get("SoundCard", "SampleRate", ""), "1");
+}
+
+class UnsupportedRate : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Stored, UnsupportedRate,
+                         testing::Values("88200", "176400", "192000", "48000", "96000 ", "fast"));
+
+TEST_P(UnsupportedRate, GivesWayToTheIndexWithOneMessage) {
+    ExtendedForm world(GetParam());
+    world.form.Form_Load();
+    EXPECT_EQ(world.RateInUse(), 44100);
+    EXPECT_EQ(world.form.lblSampleRate.Caption(), "44100");
+    EXPECT_EQ(world.HighestHz(), 22050);
+    EXPECT_EQ(world.form.GeneratorPanel.Controls.txtGenFreq.Text(), "22050");
+    EXPECT_THAT(world.log.Of("Message"),
+                ElementsAre(std::string("Message information The selected sound devices do not run at the "
+                                        "stored sampling rate of ") +
+                            GetParam() + " Hz. The sampling rate is now 44100 Hz."));
+    // The devices may run at it at the next start.
+    EXPECT_EQ(world.store.Get("Face", "ExtendedSampleRate", ""), GetParam());
+    EXPECT_EQ(world.store.Get("SoundCard", "SampleRate", ""), "1");
+}
+
+TEST(ExtendedRate, GivesWayWhereADeviceCannotBeAsked) {
+    for (const char* operation : {"ExtendedPlaybackRates", "ExtendedCaptureRates"}) {
+        ExtendedForm world("96000");
+        world.log.Fail(operation, RuntimeError(sound_error::kNoDriver, "gone"));
+        world.form.Form_Load();
+        EXPECT_EQ(world.RateInUse(), 44100);
+        EXPECT_EQ(world.log.Count("Message"), 1U);
+    }
+}
+
+TEST(ExtendedRate, EmptyLeavesTheIndexedRateWithoutAsking) {
+    ExtendedForm world("");
+    world.form.Form_Load();
+    EXPECT_EQ(world.RateInUse(), 44100);
+    EXPECT_THAT(world.log.Of("Message"), IsEmpty());
+    EXPECT_EQ(world.log.Count("ExtendedPlaybackRates"), 0U);
+}
+
 class StoredTab : public testing::TestWithParam<std::pair<const char*, int>> {};
 INSTANTIATE_TEST_SUITE_P(Values, StoredTab,
                          testing::Values(std::pair{"0", 0}, std::pair{"1", 1}, std::pair{"2", 0},

@@ -7,6 +7,7 @@
 namespace sonavex {
 namespace {
 
+using testing::ElementsAre;
 using testing::ElementsAreArray;
 
 // Records the low edge of the analysis when the mixers are accessed.
@@ -58,6 +59,7 @@ TEST_P(PortOrder, OfTheStart) {
         "Get Settings|Baseline|0",
         "Get Signal Generator|MuteMeter|1",
         Newer() ? "Get SoundCard|SampleRate|2" : "Get SoundCard|SampleRate|1",
+        "Get Face|ExtendedSampleRate|",
         "Get Signal Generator|Level|-50",
         "Save Signal Generator|Level|-50",
         "Get Signal Generator|Level|50",
@@ -101,6 +103,20 @@ TEST_P(PortOrder, OfTheStart) {
         expected.insert(cooperative, "ReopenSoundCard Card A|Line A");
     }
     EXPECT_THAT(world.log.Lines(), ElementsAreArray(expected));
+}
+
+TEST_P(PortOrder, ChecksAnExtendedRateBetweenTheGeneratorAndTheDevices) {
+    LoggedForm world(GetParam());
+    world.store.Save("Face", "ExtendedSampleRate", "96000");
+    world.sound.extendedRates = {{"", {96000}}};
+    world.form.Form_Load();
+    const auto& lines = world.log.Lines();
+    const auto generator = std::find(lines.begin(), lines.end(), "Get Signal Generator|NumberOfTones|0");
+    ASSERT_GE(lines.end() - generator, 7);
+    const std::vector<std::string> after(generator + 1, generator + 7);
+    EXPECT_THAT(
+        after, ElementsAre("Save Signal Generator|Level|-50", "Get SoundCard|Input|", "Get SoundCard|Output|",
+                           "ExtendedPlaybackRates []", "ExtendedCaptureRates []", "EnumeratePlayback"));
 }
 
 TEST_P(PortOrder, OfTheShutdown) {

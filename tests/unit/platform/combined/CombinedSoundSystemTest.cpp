@@ -121,6 +121,18 @@ TEST_F(CombinedSoundSystemTest, IdentifiersGoToTheirSystem) {
     EXPECT_THAT(directLog_.Of("CreateCaptureDevice"), ElementsAre("CreateCaptureDevice [direct:in]"));
 }
 
+TEST_F(CombinedSoundSystemTest, RatesAreThoseOfTheDevicesSystem) {
+    server_->extendedRates = {{"", {96000}}, {"out-b", {88200}}, {"in-b", {176400}}};
+    direct_->extendedRates = {{"", {192000}}, {"direct:out", {96000, 192000}}, {"direct:in", {88200}}};
+    EXPECT_EQ(combined_.ExtendedPlaybackRates("out-b"), RateList{88200});
+    EXPECT_EQ(combined_.ExtendedCaptureRates("in-b"), RateList{176400});
+    EXPECT_EQ(combined_.ExtendedPlaybackRates("direct:out"), (RateList{96000, 192000}));
+    EXPECT_EQ(combined_.ExtendedCaptureRates("direct:in"), RateList{88200});
+    EXPECT_EQ(combined_.ExtendedPlaybackRates(""), RateList{96000});
+    serverLog_.Fail("ExtendedCaptureRates", kNoServer);
+    EXPECT_EQ(combined_.ExtendedCaptureRates(""), RateList{192000});
+}
+
 TEST_F(CombinedSoundSystemTest, ANamedDeviceIsNotReplacedByAnother) {
     StopServer();
     EXPECT_EQ(ErrorOf([&] { combined_.CreatePlaybackDevice("out-a"); }), sound_error::kUninitialized);

@@ -41,6 +41,15 @@ TEST_F(SimulatedSound, OpensByIdentifierAndRefusesOthers) {
     EXPECT_EQ(ErrorOf([&] { return system_.CreateCaptureDevice("card"); }), sound_error::kNoDriver);
 }
 
+TEST_F(SimulatedSound, RunsAtEveryExtendedRate) {
+    const RateList all(kExtendedRates.begin(), kExtendedRates.end());
+    EXPECT_EQ(system_.ExtendedPlaybackRates("simulated"), all);
+    EXPECT_EQ(system_.ExtendedCaptureRates(""), all);
+    EXPECT_EQ(ErrorOf([&] { return system_.ExtendedPlaybackRates("card"); }), sound_error::kNoDriver);
+    system_.Unplug();
+    EXPECT_EQ(ErrorOf([&] { return system_.ExtendedCaptureRates(""); }), sound_error::kNoDriver);
+}
+
 TEST_F(SimulatedSound, TakesSixteenBitStereoOnly) {
     const auto refuses = [&](auto change) {
         BufferDescription description = Stereo(4096, 48000);
