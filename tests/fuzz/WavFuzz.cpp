@@ -115,7 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     measure::FileOptions options;
     options.input = recording.Path();
     if ((head & 1U) != 0) options.tones = {"sine:440", "square:1000:1500:300:loop"};
-    if ((head & 2U) != 0) options.frequencyHz = 1000.0;
+    if ((head & 2U) != 0) options.frequency = "1000";
     if ((head & 4U) != 0) options.output = OutputPath();
     options.json = (head & 8U) == 0;
     options.noMute = (head & 16U) != 0;

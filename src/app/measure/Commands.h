@@ -10,7 +10,12 @@ int ListDevices(bool json);
 int RunMeasurement(const RunOptions& options);
 int MeasureFile(const FileOptions& options);
 
-// Sets the meter's controls from the options: automatic or fixed frequency, output muted or not.
-void PrepareMeter(Meter& meter, const MeterOptions& options);
+// The fixed fundamental in Hz; nothing if automatic. Throws MeasureError if it is not a number from 1 to half
+// the sampling rate, or to 24000 at lower rates.
+std::optional<double> FrequencyHz(const MeterOptions& options, std::int32_t rateHz);
+
+// Sets the meter's controls from the options: automatic or fixed frequency, output muted or not. Throws as
+// FrequencyHz.
+void PrepareMeter(Meter& meter, const MeterOptions& options, std::int32_t rateHz);
 
 }  // namespace sonavex::measure

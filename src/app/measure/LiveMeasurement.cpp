@@ -74,7 +74,7 @@ LiveMeasurement::LiveMeasurement(const RunOptions& options)
     instrument_.Settings.Save(keys::kOutput, options_.output);
     instrument_.Settings.Save(keys::kLevel, CStr(options_.levelHundredthsDb));
     instrument_.Engine.Trace = app::TraceFromEnvironment();
-    PrepareMeter(instrument_.Meter, options_);
+    PrepareMeter(instrument_.Meter, options_, rateHz_);
 }
 
 StreamDetails LiveMeasurement::Details() const {

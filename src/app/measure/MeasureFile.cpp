@@ -34,11 +34,10 @@ std::int16_t Sample16(double value) {
         RoundHalfEven(std::clamp(value * kFullScale, -kFullScale, kFullScale - 1.0)));
 }
 
-// The meter takes the instrument's seven rates.
 void RequireRate(const Recording& recording, const std::string& path) {
-    if (SampleRateIndex(recording.RateHz())) return;
+    if (IsSampleRate(recording.RateHz())) return;
     throw MeasureError("The recording '" + path + "' has a sampling rate of " + CStr(recording.RateHz()) +
-                       " Hz, which is not one of the instrument's seven.");
+                       " Hz, which is not one of the instrument's rates.");
 }
 
 // Reads a block. Returns false if less than a block is left.
@@ -118,10 +117,10 @@ int MeasureFile(const FileOptions& options) {
     SharedState shared;
     shared.SampleRate = recording.RateHz();
     const std::vector<ToneRequest> tones = ParseTones(options.tones, shared.SampleRate);
+    Meter meter(shared);
+    PrepareMeter(meter, options, shared.SampleRate);
     OutputFile output(options.output, options.input, shared.SampleRate);
 
-    Meter meter(shared);
-    PrepareMeter(meter, options);
     const Band band = AnalysisBand(shared.SampleRate, options.lowEdgeHz);
     meter.SetUpAnalysis(band.lowHz, band.highHz);
     StartTones(meter.Generator, tones);

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <sstream>
 
+#include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "core/generator/SignalControls.h"
 #include "core/settings/SampleRates.h"
@@ -14,9 +15,10 @@ namespace {
 constexpr double kLongestRunSeconds = 1e6;
 constexpr const char* kSeeHelp = " (sonavex-measure --help explains the arguments).";
 
-std::string RateList() {
+std::string AllRates() {
     std::string list;
     for (const std::int32_t rate : SampleRateTable) list += (list.empty() ? "" : ", ") + CStr(rate);
+    for (const std::int32_t rate : kExtendedRates) list += ", " + CStr(rate);
     return list;
 }
 
@@ -45,9 +47,9 @@ std::int32_t WholeNumberOf(const std::string& option, const std::string& takes, 
 }
 
 std::int32_t RateOf(const std::string& text) {
-    const std::string takes = "one of " + RateList();
-    const std::int32_t rateHz = WholeNumberOf("--rate", takes, {0.0, SampleRateTable[0]}, text);
-    if (!SampleRateIndex(rateHz)) Refuse("--rate", takes, text);
+    const std::string takes = "one of " + AllRates();
+    const std::int32_t rateHz = WholeNumberOf("--rate", takes, {0.0, kExtendedRates.back()}, text);
+    if (!IsSampleRate(rateHz)) Refuse("--rate", takes, text);
     return rateHz;
 }
 
@@ -71,11 +73,7 @@ void AddMeterOptions(CLI::App& command, MeterOptions& options) {
         ->allow_extra_args(false);
     command
         .add_option_function<std::string>(
-            "--frequency",
-            [&](const std::string& text) {
-                options.frequencyHz =
-                    NumberOf("--frequency", "1 to 24000 Hz", {1.0, SampleRateTable[0] / 2.0}, text);
-            },
+            "--frequency", [&](const std::string& text) { options.frequency = text; },
             "Fundamental in Hz instead of the automatic one")
         ->type_name("HZ");
     command.add_flag("--no-mute", options.noMute, "Send the filtered input on to the output");
@@ -88,7 +86,7 @@ void AddRun(CLI::App& command, RunOptions& options) {
     command
         .add_option_function<std::string>(
             "--rate", [&](const std::string& text) { options.rateHz = RateOf(text); },
-            "Sampling rate, one of " + RateList())
+            "Sampling rate, one of " + AllRates())
         ->type_name("HZ");
     command
         .add_option_function<std::string>(
@@ -132,6 +130,12 @@ void AddFile(CLI::App& command, FileOptions& options) {
     AddMeterOptions(command, options);
 }
 
+// The limit of a frequency depends on the rate, which a recording states itself.
+void CheckFrequencies(const Options& options) {
+    FrequencyHz(options.run, options.run.rateHz.value_or(0));
+    if (options.file.frequency && !IsNumeric(*options.file.frequency)) FrequencyHz(options.file, 0);
+}
+
 }  // namespace
 
 Options ParseOptions(int argc, const char* const* argv) {
@@ -155,6 +159,7 @@ Options ParseOptions(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         throw MeasureError(error.what() + std::string(kSeeHelp));
     }
+    CheckFrequencies(options);
     if (devices->parsed()) options.command = Options::Command::kDevices;
     if (run->parsed()) options.command = Options::Command::kRun;
     if (file->parsed()) options.command = Options::Command::kFile;

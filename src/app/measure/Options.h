@@ -10,8 +10,8 @@ namespace sonavex::measure {
 // Options common to run and file.
 struct MeterOptions {
     std::vector<std::string> tones;
-    std::optional<double> frequencyHz;  // fixed fundamental; automatic if not set
-    bool noMute = false;                // send the filtered input to the output
+    std::optional<std::string> frequency;  // fixed fundamental as typed; automatic if not set
+    bool noMute = false;                   // send the filtered input to the output
     bool json = false;
 };
 

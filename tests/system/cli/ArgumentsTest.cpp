@@ -42,8 +42,10 @@ INSTANTIATE_TEST_SUITE_P(Commands, RefusedArguments, testing::ValuesIn(kCommands
 
 const Refused kValues[]{
     {{"run", "--rate", "12345"},
-     "--rate takes one of 48000, 44100, 32000, 22050, 16000, 8000, 4000, not '12345'"},
-    {{"run", "--rate", "96000"}, "not '96000'"},
+     "--rate takes one of 48000, 44100, 32000, 22050, 16000, 8000, 4000, 88200, 96000, 176400, 192000, "
+     "not '12345'"},
+    {{"run", "--rate", "64000"}, "not '64000'"},
+    {{"run", "--rate", "384000"}, "not '384000'"},
     {{"run", "--rate", "48000.5"}, "not '48000.5'"},
     {{"run", "--rate", "abc"}, "not 'abc'"},
     {{"run", "--rate", ""}, "--rate takes one of"},
@@ -59,6 +61,10 @@ const Refused kValues[]{
     {{"run", "--frequency", "0"}, "--frequency takes 1 to 24000 Hz, not '0'"},
     {{"run", "--frequency", "-1000"}, "not '-1000'"},
     {{"run", "--frequency", "24001"}, "not '24001'"},
+    {{"run", "--frequency", ""}, "--frequency takes 1 to 24000 Hz, not ''"},
+    {{"run", "--frequency", "24001", "--rate", "8000"}, "--frequency takes 1 to 24000 Hz, not '24001'"},
+    {{"run", "--frequency", "48001", "--rate", "96000"}, "--frequency takes 1 to 48000 Hz, not '48001'"},
+    {{"run", "--rate", "192000", "--frequency", "96000.5"}, "--frequency takes 1 to 96000 Hz, not '96000.5'"},
     {{"file", "a.wav", "--frequency", "high"}, "--frequency takes 1 to 24000 Hz, not 'high'"},
     {{"file", "a.wav", "--low-edge", "22"}, "--low-edge takes 25 or 20, not '22'"},
     {{"file", "a.wav", "--low-edge", "low"}, "--low-edge takes 25 or 20, not 'low'"},
@@ -106,6 +112,8 @@ TEST(Arguments, HighestToneFollowsTheRate) {
     ExpectRefusal(MeasureSimulated({"run", "--rate", "4000", "--tone", "sine:2001"}),
                   "outside 0.001 to 2000 Hz");
     // The default is 32000 Hz on the newer generation and 44100 Hz on the older one.
+    ExpectRefusal(MeasureSimulated({"run", "--rate", "192000", "--tone", "sine:96001"}),
+                  "outside 0.001 to 96000 Hz");
     ExpectRefusal(MeasureSimulated({"run", "--tone", "sine:16001"}), "outside 0.001 to 16000 Hz");
     ExpectRefusal(
         Measure({"run", "--tone", "sine:22051"}, {{"SONAVEX_SOUND", "simulated"}, {"SONAVEX_OS_MAJOR", "5"}}),

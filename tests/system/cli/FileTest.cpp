@@ -199,7 +199,8 @@ TEST(File, LostLockUnsettlesTheCycle) {
 }
 
 TEST(File, EverySupportedRateIsMeasured) {
-    for (const std::int32_t rateHz : {48000, 44100, 32000, 22050, 16000, 8000, 4000}) {
+    for (const std::int32_t rateHz :
+         {48000, 44100, 32000, 22050, 16000, 8000, 4000, 88200, 96000, 176400, 192000}) {
         const double frequencyHz = rateHz / 32.0;
         const RecordingFile file({rateHz, 1}, Sine(frequencyHz, rateHz, 0.5));
         const ordered_json line = Settled(MeasureFile(file));
@@ -208,8 +209,19 @@ TEST(File, EverySupportedRateIsMeasured) {
     }
 }
 
+TEST(File, FixedFrequencyFollowsTheRate) {
+    const RecordingFile file({192000, 1}, Sine(60000.0, 192000, 0.5));
+    EXPECT_EQ(Settled(MeasureFile(file, {"--frequency", "60000"}))["peakBin"], 1280);
+    ExpectRefusal(MeasureFile(file, {"--frequency", "96001"}),
+                  "--frequency takes 1 to 96000 Hz, not '96001'");
+    const RecordingFile slow({8000, 1}, Silence());
+    ExpectRefusal(MeasureFile(slow, {"--frequency", "24001"}),
+                  "--frequency takes 1 to 24000 Hz, not '24001'");
+    ExpectRefusal(MeasureFile(slow, {"--frequency", "0"}), "--frequency takes 1 to 24000 Hz, not '0'");
+}
+
 TEST(File, OtherRatesAreRefused) {
-    for (const std::int32_t rateHz : {96000, 11025, 47999}) {
+    for (const std::int32_t rateHz : {64000, 11025, 47999}) {
         const RecordingFile file({rateHz, 1}, Silence());
         ExpectRefusal(MeasureFile(file),
                       "has a sampling rate of " + std::to_string(rateHz) + " Hz, which is not one of");

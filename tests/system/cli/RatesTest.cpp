@@ -1,5 +1,5 @@
-// The main use case on real streams, at each of the seven rates: a 1000 Hz sine is played through a sound
-// server, returns bit for bit and is measured.
+// The main use case on real streams, at each of the seven indexed rates: a 1000 Hz sine is played through a
+// sound server, returns bit for bit and is measured.
 
 #include <gmock/gmock.h>
 
