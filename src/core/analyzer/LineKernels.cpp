@@ -132,6 +132,21 @@ double SquareDot(const double* a, const double* b, std::size_t n) {
 }
 
 SONAVEX_EVERY_MACHINE
+double FourthPowers(const double* x, std::size_t n) {
+    Four fours[kFours] = {};
+    std::size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes) {
+        for (std::size_t j = 0; j < kFours; ++j) {
+            const Four square = FourAt(x + i + 4 * j) * FourAt(x + i + 4 * j);
+            fours[j] += square * square;
+        }
+    }
+    double sum = Total(fours);
+    for (; i < n; ++i) sum += x[i] * x[i] * x[i] * x[i];
+    return sum;
+}
+
+SONAVEX_EVERY_MACHINE
 void Phasors(double coarse, double fine, double first, double step, double* re, double* im, std::size_t n) {
     constexpr double kTwoPi = 6.283185307179586;
     const double fraction = coarse - Rounded(coarse);

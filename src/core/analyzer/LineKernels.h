@@ -28,6 +28,9 @@ double Dot(const double* a, const double* b, std::size_t n);
 // sum of a^2 b
 double SquareDot(const double* a, const double* b, std::size_t n);
 
+// sum of x^4
+double FourthPowers(const double* x, std::size_t n);
+
 // exp(2 pi i (coarse + fine) m) for m = first, first + step ... The products of coarse and m must be exact.
 void Phasors(double coarse, double fine, double first, double step, double* re, double* im, std::size_t n);
 

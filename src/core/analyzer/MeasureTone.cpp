@@ -7,6 +7,7 @@
 
 #include "core/analyzer/Damage.h"
 #include "core/analyzer/FindTone.h"
+#include "core/analyzer/LineKernels.h"
 #include "core/analyzer/RecordFaults.h"
 
 namespace sonavex {
@@ -105,6 +106,14 @@ ToneMeasurement Begin(const RecordPlan& plan, const Record& record) {
     return measurement;
 }
 
+double ExcessKurtosis(const std::vector<double>& x) {
+    const double squares = line_kernels::Dot(x.data(), x.data(), x.size());
+    if (squares == 0.0) return 0.0;
+    return line_kernels::FourthPowers(x.data(), x.size()) * static_cast<double>(x.size()) /
+               (squares * squares) -
+           3.0;
+}
+
 void TakeValues(const RecordPlan& plan, const FittedLines& fit, std::vector<double> residualPower,
                 ToneMeasurement& measurement) {
     measurement.frequencyHz = fit.lines.front().frequency.Hertz(plan.RateHz());
@@ -112,6 +121,7 @@ void TakeValues(const RecordPlan& plan, const FittedLines& fit, std::vector<doub
     measurement.dc = fit.dc;
     measurement.harmonics = Ratios(fit);
     measurement.residualPower = std::move(residualPower);
+    measurement.excessKurtosis = ExcessKurtosis(fit.residual);
 }
 
 // Harmonics and everything in the band but the skirt of the tone, relative to the fundamental.

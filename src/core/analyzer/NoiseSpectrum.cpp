@@ -145,6 +145,18 @@ bool NoiseSpectrum::InSkirt(std::size_t bin) const {
     });
 }
 
+bool NoiseSpectrum::IsLine(std::size_t bin) const {
+    return power_[bin] > kLineOverDensity * RoughDensityAt(bin);
+}
+
+double NoiseSpectrum::LineShare() const {
+    double lines = 0.0;
+    for (std::size_t bin = 0; bin < power_.size(); ++bin)
+        if (IsLine(bin)) lines += power_[bin];
+    const double all = line_kernels::Sum(power_.data(), power_.size());
+    return all > 0.0 ? lines / all : 0.0;
+}
+
 // Noise: the mean of n records of exponentially distributed power p has the mean square p^2 (1 + 1/n) and the
 // variance p^2 / n. Lines: the noise beside them moves their power.
 double NoiseSpectrum::Variance(std::size_t bin) const {

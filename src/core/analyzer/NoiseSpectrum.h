@@ -53,6 +53,9 @@ public:
     // swallowed is added. powerGains: of each bin; empty: 1.
     NoisePower InBand(const Band& band, std::span<const double> powerGains = {}) const;
 
+    // Part of the spectrum's power in bins that are lines, not noise: 0 to 1.
+    double LineShare() const;
+
     // Mean square within kGuardBins of a position.
     NoisePower Skirt(double position) const;
 
@@ -70,6 +73,7 @@ private:
     void CollectNeighbours(double position, std::vector<double>& powers) const;
     double MedianDensity(std::vector<double>& powers) const;
     const CleanBins& Clean() const;
+    bool IsLine(std::size_t bin) const;
     double Variance(std::size_t bin) const;
     double SkirtVariance(double tone, const Band& band, std::span<const double> powerGains) const;
     double SwallowedPower(const Band& band, std::span<const double> powerGains) const;

@@ -29,6 +29,8 @@ void MixValues(ToneMeasurement& mean, const ToneMeasurement& next, double weight
     MixValue(mean.frequencyHz, next.frequencyHz, weight);
     MixValue(mean.amplitude, next.amplitude, weight);
     MixValue(mean.dc, next.dc, weight);
+    MixValue(mean.frequencySigmaHz, next.frequencySigmaHz, weight);
+    MixValue(mean.excessKurtosis, next.excessKurtosis, weight);
     for (std::size_t i = 0; i < next.harmonics.size(); ++i) {
         std::complex<double>& ratio = mean.harmonics[i].ratio;
         ratio += weight * (next.harmonics[i].ratio - ratio);
@@ -121,9 +123,11 @@ void ToneAverage::CountRecords() {
 bool ToneAverage::Continues(const ToneMeasurement& next) const {
     if (!mean_ || !mean_->voids.empty() || !next.voids.empty()) return false;
     if (mean_->harmonics.size() != next.harmonics.size()) return false;
+    const double sigma = std::max(next.frequencySigmaHz, mean_->frequencySigmaHz) *
+                         std::sqrt(1.0 + 1.0 / mean_->frequencyRecords);
     const double change = std::abs(next.frequencyHz - mean_->frequencyHz);
     const bool otherFrequency =
-        change > kFrequencySigmas * next.frequencySigmaHz && change > kFrequencyChange * mean_->frequencyHz;
+        change > kFrequencySigmas * sigma && change > kFrequencyChange * mean_->frequencyHz;
     return !otherFrequency && std::abs(Decibels(next.amplitude / mean_->amplitude)) <= kLevelChangeDb;
 }
 

@@ -11,8 +11,8 @@
 namespace sonavex {
 
 // Rolling average of measurements of records that overlap by 75 %: harmonics as complex numbers, noise by
-// power. Starts over after a void measurement and after a change of frequency (more than 4 sigma and 1e-7) or
-// level (more than 0.01 dB).
+// power. Starts over after a void measurement and after a change of frequency (more than 4 sigma of the
+// change and 1e-7) or level (more than 0.01 dB).
 class ToneAverage {
 public:
     // records: how many of the newest records count. 0: all since the start; memory then does not grow with
