@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <numbers>
 #include <optional>
+#include <vector>
 
 #include "core/analyzer/FindTone.h"
 #include "core/analyzer/FitLines.h"
@@ -113,6 +115,73 @@ TEST(FitLines, FitsOneClockRatioOfAMultitone) {
     EXPECT_NEAR(fit.lines[4].frequency.Hertz(kFitRateHz), 15013.0 * kRatio, 1e-8);
     for (const FittedLine& line : fit.lines) EXPECT_NEAR(std::abs(line.amplitude), 0.1, 1e-12);
     EXPECT_LT(LargestOf(fit.residual), 1e-11);
+}
+
+// The weighted least-squares solution for dc and all amplitudes at fixed frequencies: the normal equations,
+// in the precision of long double. Two real unknowns for each line.
+class LeastSquares {
+public:
+    LeastSquares(const Samples& x, const std::vector<FittedLine>& lines)
+        : lines_(lines), unknowns_(1 + 2 * lines.size()) {
+        rows_.assign(unknowns_, std::vector<long double>(unknowns_ + 1));
+        for (std::size_t n = 0; n < x.size(); ++n) AddSample(n, x[n]);
+        Eliminate();
+    }
+
+    double Dc() const { return static_cast<double>(rows_[0][unknowns_]); }
+    std::complex<double> Amplitude(std::size_t line) const {
+        return {static_cast<double>(rows_[1 + 2 * line][unknowns_]),
+                -static_cast<double>(rows_[2 + 2 * line][unknowns_])};
+    }
+
+private:
+    void AddSample(std::size_t n, double x) {
+        const long double m = static_cast<long double>(n) - 0.5L * (kLength - 1);
+        std::vector<long double> basis = {1.0L};
+        for (const FittedLine& line : lines_) {
+            const long double turns = std::fmod(line.frequency.coarse * m, 1.0L) + line.frequency.fine * m;
+            basis.push_back(std::cos(2.0L * std::numbers::pi_v<long double> * turns));
+            basis.push_back(std::sin(2.0L * std::numbers::pi_v<long double> * turns));
+        }
+        const long double w = Plan().Window().Values()[n];
+        for (std::size_t i = 0; i < unknowns_; ++i) {
+            for (std::size_t j = 0; j < unknowns_; ++j) rows_[i][j] += w * basis[i] * basis[j];
+            rows_[i][unknowns_] += w * basis[i] * x;
+        }
+    }
+
+    // The matrix is positive definite, so no pivot is zero.
+    void Eliminate() {
+        for (std::size_t p = 0; p < unknowns_; ++p) {
+            const long double pivot = rows_[p][p];
+            for (long double& value : rows_[p]) value /= pivot;
+            for (std::size_t i = 0; i < unknowns_; ++i) {
+                const long double factor = rows_[i][p];
+                if (i == p || factor == 0.0L) continue;
+                for (std::size_t j = 0; j <= unknowns_; ++j) rows_[i][j] -= factor * rows_[p][j];
+            }
+        }
+    }
+
+    const std::vector<FittedLine>& lines_;
+    std::size_t unknowns_;
+    std::vector<std::vector<long double>> rows_;
+};
+
+TEST(FitLines, AgreesWithTheFullLeastSquaresSolution) {
+    for (const double hertz : {8.2 * kBinHz, 33.3, 440.123, 4321.0}) {
+        const ExactFrequency f(hertz, kFitRateHz);
+        Samples x = signals::Sine(kLength, f, 0.5, 1.0);
+        signals::AddSine(x, f.Times(2), 0.1, 0.7);
+        signals::AddSine(x, f.Times(3), 1e-4, 0.7);
+        for (double& value : x) value -= 0.2;
+        signals::AddWhiteNoise(x, 1e-3, 4);
+        const FittedLines fit = Fit(x, ToneLines(PeakHz(x), 5));
+        const LeastSquares exact(x, fit.lines);
+        EXPECT_NEAR(fit.dc, exact.Dc(), 0.5e-12) << hertz;
+        for (std::size_t k = 0; k < fit.lines.size(); ++k)
+            EXPECT_LT(std::abs(fit.lines[k].amplitude - exact.Amplitude(k)), 0.5e-12) << hertz << ' ' << k;
+    }
 }
 
 TEST(FitLines, DrawsNothingFromSilence) {
