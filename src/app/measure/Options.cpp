@@ -149,6 +149,9 @@ Options ParseOptions(int argc, const char* const* argv) {
     AddRun(*run, options.run);
     auto* file = app.add_subcommand("file", "Measure a recording");
     AddFile(*file, options.file);
+    auto* selfTest =
+        app.add_subcommand("selftest", "Prove the precise measurement on this computer, in memory");
+    selfTest->add_flag("--json", options.selfTestJson, "As JSON");
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& success) {
@@ -163,8 +166,9 @@ Options ParseOptions(int argc, const char* const* argv) {
     if (devices->parsed()) options.command = Options::Command::kDevices;
     if (run->parsed()) options.command = Options::Command::kRun;
     if (file->parsed()) options.command = Options::Command::kFile;
+    if (selfTest->parsed()) options.command = Options::Command::kSelfTest;
     if (options.command == Options::Command::kNone)
-        throw MeasureError(std::string("A command is needed: devices, run or file") + kSeeHelp);
+        throw MeasureError(std::string("A command is needed: devices, run, file or selftest") + kSeeHelp);
     return options;
 }
 

@@ -30,8 +30,9 @@ struct FileOptions : MeterOptions {
 };
 
 struct Options {
-    enum class Command { kDevices, kRun, kFile, kNone } command = Command::kNone;
+    enum class Command { kDevices, kRun, kFile, kSelfTest, kNone } command = Command::kNone;
     bool devicesJson = false;
+    bool selfTestJson = false;
     RunOptions run;
     FileOptions file;
     // Text to print for --help or --version; nothing else must then be done.

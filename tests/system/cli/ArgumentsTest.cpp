@@ -24,11 +24,12 @@ TEST_P(RefusedArguments, GetOneLineOfTheirOwn) {
 }
 
 const Refused kCommands[]{
-    {{}, "A command is needed: devices, run or file"},
+    {{}, "A command is needed: devices, run, file or selftest"},
     {{"bogus"}, "not expected: bogus"},
     {{"--bogus"}, "not expected: --bogus"},
     {{"--json", "devices"}, "not expected: --json"},
     {{"devices", "extra"}, "not expected: extra"},
+    {{"selftest", "extra"}, "not expected: extra"},
     {{"run", "extra"}, "not expected: extra"},
     {{"run", "--bogus"}, "not expected: --bogus"},
     {{"run", "--low-edge", "25"}, "--low-edge"},
