@@ -114,6 +114,22 @@ void PipeWireServer::Continue() {
     protocol_->Send(SIGCONT);
 }
 
+void PipeWireServer::AddCard(const std::string& pcm, const std::string& sink,
+                             const std::string& description) const {
+    Run({"pw-cli", "create-node", "adapter",
+         "{ factory.name=api.alsa.pcm.sink node.name=" + sink + " node.description=" + description +
+             " media.class=Audio/Sink api.alsa.path=" + pcm + " object.linger=true }"});
+    WaitUntilListed(sink);
+}
+
+void PipeWireServer::ForceRate(std::uint32_t rateHz) const {
+    Run({"pw-metadata", "-n", "settings", "0", "clock.force-rate", std::to_string(rateHz)});
+}
+
+void PipeWireServer::Run(const Arguments& command) const {
+    RunProgram(command, FolderEnvironment(), kPipeWireLimit);
+}
+
 void PipeWireServer::KillDaemon() {
     daemon_->Kill();
 }

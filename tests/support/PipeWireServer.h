@@ -32,6 +32,11 @@ public:
 
     void KillDaemon();
 
+    // Adds a sink that plays to a PCM of the ALSA configuration at the server's start.
+    void AddCard(const std::string& pcm, const std::string& sink, const std::string& description) const;
+    // Runs the graph at this rate, whatever the streams request.
+    void ForceRate(std::uint32_t rateHz) const;
+
 protected:
     std::filesystem::path SocketPath() const override { return Folder() / "pulse" / "native"; }
 
@@ -40,6 +45,7 @@ private:
     std::unique_ptr<ChildProcess> LaunchFirst(const std::string& program) const;
     void WriteConfiguration(std::uint32_t leastCycleFrames, std::uint32_t clockRateHz) const;
     std::ofstream Configuration(const std::string& path) const;
+    void Run(const Arguments& command) const;
     void StartProtocol();
     bool TakesDefault(const std::string& sink) const;
 

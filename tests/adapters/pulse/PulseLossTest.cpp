@@ -16,6 +16,7 @@
 #include "support/Duplex.h"
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
+#include "support/alsa/LoopCards.h"
 
 namespace sonavex {
 namespace {
@@ -159,6 +160,22 @@ TEST(PulseLoss, SinkSuspended) {
     ASSERT_TRUE(session.Captures());
     server.Control({"suspend-sink", "card", "1"});
     session.ExpectLosses("has been suspended");
+}
+
+// The rate of PipeWire's graph is the user's to change.
+TEST(PulseLoss, CardOfPipeWireChangesItsRate) {
+    const LoopCards cards(CardList{{"loop", "Loop card", {44100, 48000}}});
+    const PipeWireServer server({});
+    server.AddCard("loop", kUsedCard.name, kUsedCard.description);
+    Session session(server);
+    session.Open("card");
+    ASSERT_TRUE(session.Captures());
+    // The first answers about the device are provisional.
+    session.loop.RunUntil([] { return false; }, 4500ms);
+    EXPECT_TRUE(session.losses.empty());
+    EXPECT_TRUE(session.Captures());
+    server.ForceRate(44100);
+    session.ExpectLosses("has changed the format or the rate of its samples.", kStallLimit);
 }
 
 TEST(PulseLoss, MovingTheStreamIsRefused) {
