@@ -1,5 +1,8 @@
 #include "ui/pictures/DialogPictures.h"
 
+#include <QAbstractItemView>
+#include <QComboBox>
+
 #include "core/report/frmError.h"
 #include "support/DialogRig.h"
 #include "support/QtWait.h"
@@ -40,6 +43,21 @@ public:
         ui::DeviceDialog dialog(form, rig_.form.Guard);
         return Save(dialog, name, dark_, folder_);
     }
+    // An extended rate, and the open list of rates.
+    bool Rates() {
+        for (const char* device : {"out-a", "in-a"})
+            rig_.sound.extendedRates[device] = {kExtendedRates.begin(), kExtendedRates.end()};
+        rig_.store.Save("SoundCard", "Output", "out-a");
+        rig_.store.Save("SoundCard", "Input", "in-a");
+        rig_.store.Save("Face", "ExtendedSampleRate", "192000");
+        rig_.form.Instrument.Shared.EventsReady = true;
+        frmDevices form(rig_.form.DevicesNeeds(rig_.files, rig_.help), rig_.form.DevicesLabels());
+        ui::DeviceDialog dialog(form, rig_.form.Guard);
+        if (!Save(dialog, "devices-extended-rate", dark_, folder_)) return false;
+        auto* const rates = dialog.findChild<QComboBox*>("cmbSampleRate");
+        rates->showPopup();
+        return Save(*rates->view()->window(), "devices-rates", dark_, folder_);
+    }
     bool Error(const char* name, bool fatal, const char* status) {
         rig_.report.State() = {kMessage, fatal};
         frmError form({rig_.report.State(), rig_.form.Instrument.Shared, rig_.settings, rig_.dialogs,
@@ -61,7 +79,8 @@ bool DialogPictures(bool dark, const QString& folder) {
     Pictures pictures(dark, folder);
     return pictures.Devices("devices-selected", true, "out-a") &&
            pictures.Devices("devices-long-name", true, "out-b") &&
-           pictures.Devices("devices-not-running", false, "gone") && pictures.Error("error", false, "") &&
+           pictures.Devices("devices-not-running", false, "gone") && pictures.Rates() &&
+           pictures.Error("error", false, "") &&
            pictures.Error("error-diagnostics", false, "Running DxDiag...") &&
            pictures.Error("error-fatal", true, "Unable to find 'DxDiag.exe'");
 }
