@@ -30,7 +30,10 @@ double Squared(double x) {
 // Median of the mean of `records` exponentially distributed powers of mean 1: ln 2 for one, tends to 1. The
 // median of the gamma distribution as a series.
 double MedianOfMean(double records) {
-    return 1.0 - (1.0 / 3.0 - (8.0 / 405.0 + 0.00673 / records) / records) / records;
+    constexpr double kFirst = 1.0 / 3.0;
+    constexpr double kSecond = 8.0 / 405.0;
+    constexpr double kThird = std::numbers::ln2 - (1.0 - kFirst + kSecond);
+    return 1.0 - (kFirst - (kSecond + kThird / records) / records) / records;
 }
 
 // The part of a bin that lies in the band.

@@ -12,8 +12,7 @@ class SelfResidual : public testing::TestWithParam<double> {};
 
 TEST_P(SelfResidual, IsBelowMinus280DecibelsAtAnyFrequency) {
     const double rateHz = GetParam();
-    // A quarter of the usual length. The residual does not depend on it.
-    const RecordPlan plan(std::max(kShortestRecord, DefaultRecordLength(rateHz) / 4), rateHz);
+    const RecordPlan plan(DefaultRecordLength(rateHz), rateHz);
     for (const double hertz : {8.5 * plan.BinHz(), 10.5 * plan.BinHz(), 0.0083333 * rateHz, 0.0207 * rateHz,
                                64.0 * plan.BinHz(), 0.1234567 * rateHz, 0.45 * rateHz}) {
         const signals::ExactFrequency f(hertz, rateHz);
