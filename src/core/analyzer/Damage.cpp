@@ -256,7 +256,8 @@ Bursts FindBursts(std::span<const double> residual, const CarrierError& error, s
 
 }  // namespace
 
-Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, double rateHz, double thdn) {
+Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, double rateHz, double thdn,
+                  double startSeconds) {
     const double turnsPerSample = carrier.frequency.Sum();
     const std::vector<Complex> tone = Samples(carrier, residual.size());
     const CarrierError error(residual, tone, 1.0 / turnsPerSample);
@@ -268,11 +269,13 @@ Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, d
     Damage damage;
     // A click moves the carrier too, but turns it by less than a sample.
     if (broken && (samples > 0 || !burst))
-        damage.disturbed = {VoidCode::kDisturbed,
-                            BreakSentence(error.BoundaryBefore(step.segment) / rateHz, samples)};
+        damage.disturbed = {
+            VoidCode::kDisturbed,
+            BreakSentence(startSeconds + error.BoundaryBefore(step.segment) / rateHz, samples)};
     else if (burst)
-        damage.disturbed = {VoidCode::kDisturbed,
-                            "Burst at " + Seconds(static_cast<double>(bursts.firstSample) / rateHz) + '.'};
+        damage.disturbed = {
+            VoidCode::kDisturbed,
+            "Burst at " + Seconds(startSeconds + static_cast<double>(bursts.firstSample) / rateHz) + '.'};
     if (bursts.events > kMostBursts)
         damage.impulsiveNoise = {WarningCode::kImpulsiveNoise, "The noise contains bursts that recur."};
     return damage;

@@ -18,8 +18,10 @@ struct Damage {
 // - Break: the level or the phase of the carrier steps.
 // - Burst: a few pieces of the residual are far louder than most.
 // residual: what the fit of the record leaves. carrier: the tone in which a lost sample leaves the largest
-// error. thdn: distortion and noise relative to the carrier.
-Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, double rateHz, double thdn);
+// error. thdn: distortion and noise relative to the carrier. startSeconds: added to the times in the
+// sentences.
+Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, double rateHz, double thdn,
+                  double startSeconds = 0.0);
 
 // A carrier for FindDamage. lines: the tones of the record, at least one.
 const FittedLine& DamageCarrier(std::span<const FittedLine> lines);

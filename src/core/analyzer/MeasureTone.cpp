@@ -9,21 +9,15 @@
 #include "core/analyzer/FindTone.h"
 #include "core/analyzer/LineKernels.h"
 #include "core/analyzer/RecordFaults.h"
+#include "core/analyzer/ToneChecks.h"
 
 namespace sonavex {
 namespace {
 
 constexpr int kFewestOrders = 20;
 
-// A tone must be 20 dB above the noise of the bins around it.
-constexpr double kToneOverNoise = 100.0;
-
 // The interpolated position of a peak is this exact, so a tone at exactly 8 bins passes the first test.
 constexpr double kPeakError = 0.1;
-
-double HalfRateBins(const RecordPlan& plan) {
-    return 0.5 * static_cast<double>(plan.Length());
-}
 
 BinRange SearchRange(const RecordPlan& plan, const ToneSettings& settings) {
     if (settings.playedHz) {
@@ -35,34 +29,7 @@ BinRange SearchRange(const RecordPlan& plan, const ToneSettings& settings) {
         const double position = *settings.fundamentalHz / plan.BinHz();
         return {0.99 * position, 1.01 * position};
     }
-    return {1.0, HalfRateBins(plan)};
-}
-
-Void NoTone(const char* sentence) {
-    return {VoidCode::kNoTone, sentence};
-}
-
-std::optional<Void> PositionFault(const RecordPlan& plan, double position) {
-    if (position < kGuardBins)
-        return Void{VoidCode::kFrequencyTooLow, "The fundamental has fewer than 8 periods in the record."};
-    if (position > HalfRateBins(plan) - kGuardBins)
-        return NoTone("The strongest line is too close to half the sampling rate.");
-    return std::nullopt;
-}
-
-// Standard deviation of the fitted frequency: white noise of this density per bin, times the gradient of the
-// weighted sum.
-double FrequencySigmaHz(const RecordPlan& plan, double amplitude, double density) {
-    const AnalysisWindow& window = plan.Window();
-    const double sampleSigma = std::sqrt(0.5 * density * static_cast<double>(plan.Length()));
-    const double radians = sampleSigma * std::numbers::sqrt2 * std::sqrt(window.SquaredTimeMoment()) /
-                           (amplitude * window.TimeMoment());
-    return radians * plan.RateHz() / (2.0 * std::numbers::pi);
-}
-
-bool StandsOut(const RecordPlan& plan, double amplitude, double density) {
-    const double onBin = 0.5 * amplitude * amplitude / plan.Window().EnbwBins();
-    return onBin >= kToneOverNoise * density;
+    return {1.0, 0.5 * static_cast<double>(plan.Length())};
 }
 
 std::vector<double> LinePositions(const RecordPlan& plan, const FittedLines& fit) {
@@ -85,17 +52,6 @@ std::vector<HarmonicRatio> Ratios(const FittedLines& fit) {
         harmonics.push_back({order, std::polar(ratio, phase)});
     }
     return harmonics;
-}
-
-void AddWarnings(const Record& record, ToneMeasurement& measurement) {
-    if (record.live && record.bits <= 16)
-        measurement.warnings.push_back(
-            {WarningCode::kLimitedBy16Bit, "The sound path delivers no more than 16 bits."});
-    if (!Overloaded(record)) return;
-    if (record.live)
-        measurement.voids.push_back({VoidCode::kOverload, "The input reaches full scale."});
-    else
-        measurement.warnings.push_back({WarningCode::kClipped, "Samples reach full scale."});
 }
 
 ToneMeasurement Begin(const RecordPlan& plan, const Record& record) {
@@ -138,10 +94,10 @@ double RoughThdn(const RecordPlan& plan, const ToneMeasurement& measurement, con
     return std::sqrt(squares);
 }
 
-void AddDamage(const RecordPlan& plan, const FittedLines& fit, const Band& band,
+void AddDamage(const RecordPlan& plan, const FittedLines& fit, const Band& band, double startSeconds,
                ToneMeasurement& measurement) {
-    const Damage damage =
-        FindDamage(fit.residual, fit.lines.front(), plan.RateHz(), RoughThdn(plan, measurement, band));
+    const Damage damage = FindDamage(fit.residual, fit.lines.front(), plan.RateHz(),
+                                     RoughThdn(plan, measurement, band), startSeconds);
     if (damage.disturbed) measurement.voids.push_back(*damage.disturbed);
     if (damage.impulsiveNoise) measurement.warnings.push_back(*damage.impulsiveNoise);
 }
@@ -163,7 +119,7 @@ void MeasureAt(const RecordPlan& plan, const Record& record, double position, co
         measurement.voids.push_back(NoTone("No line is 20 dB above the noise around it."));
     else {
         TakeValues(plan, fit, std::move(power), measurement);
-        AddDamage(plan, fit, settings.band, measurement);
+        AddDamage(plan, fit, settings.band, record.startSeconds, measurement);
     }
 }
 
@@ -194,8 +150,8 @@ ToneMeasurement MeasureTone(const RecordPlan& plan, Record record, const ToneSet
         measurement.voids.push_back(*fault);
         return measurement;
     }
-    record.samples = record.samples.last(plan.Length());
-    AddWarnings(record, measurement);
+    record = record.Last(plan.Length());
+    AddLevelFaults(record, measurement.voids, measurement.warnings);
     std::vector<double> power = plan.PowerSpectrum(record.samples);
     const std::optional<double> position = StrongestPeak(power, SearchRange(plan, settings));
     FittedLines own;

@@ -8,4 +8,11 @@ std::size_t DefaultRecordLength(double rateHz) {
     return length;
 }
 
+Record Record::Last(std::size_t length) const {
+    Record last = *this;
+    last.samples = samples.last(length);
+    last.startSeconds += static_cast<double>(samples.size() - length) / rateHz;
+    return last;
+}
+
 }  // namespace sonavex

@@ -28,6 +28,12 @@ struct Record {
 
     // What the engine reported about losses inside the record, for example "512 frames lost". Empty: no loss.
     std::string loss = {};
+
+    // When the record begins, for the sentences that name a time.
+    double startSeconds = 0;
+
+    // Its last samples.
+    Record Last(std::size_t length) const;
 };
 
 }  // namespace sonavex

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <complex>
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/analyzer/FitLines.h"
+#include "core/analyzer/LinesReading.h"
+#include "core/analyzer/NoiseSpectrum.h"
+#include "core/analyzer/Record.h"
+#include "core/analyzer/RecordPlan.h"
+
+namespace sonavex {
+
+struct MeasuredTone {
+    double frequencyHz = 0;
+    double frequencySigmaHz = 0;  // standard deviation in one record
+    double amplitude = 0;         // peak
+};
+
+struct MeasuredProduct {
+    int n1 = 0;
+    int n2 = 0;
+
+    // Peak; its phase is that of the line minus n1 and n2 times those of the tones, so that it does not
+    // depend on where the record starts.
+    std::complex<double> amplitude;
+};
+
+// What one record of several tones, or of noise, contains, in the form that can be averaged.
+struct LinesMeasurement {
+    std::vector<Void> voids;
+    std::vector<Warning> warnings;
+    int bits = 0;
+    bool floatingPoint = false;
+    std::size_t blocks = 1;
+
+    std::vector<MeasuredTone> tones;  // in ascending order of frequency
+    std::vector<MeasuredProduct> products;
+    std::vector<MeasuredProduct> dropped;  // closer than 6 bins to another line
+    double dc = 0;
+    double peak = 0;                    // largest sample
+    std::vector<double> residualPower;  // RecordPlan::PowerSpectrum of the residual
+};
+
+// Each measures the last samples of a record, as many as the plan's length. `fit`, when not null, receives
+// the fitted lines, tones first, and the residual; it is not changed if there is nothing to fit.
+
+// Two tones and their products to order 5. tonesHz: where they are searched, within 1 %; empty: the two
+// strongest lines. band: for the search of damage.
+LinesMeasurement MeasurePair(const RecordPlan& plan, Record record, std::span<const double> tonesHz,
+                             const Band& band, FittedLines* fit = nullptr);
+
+// Tones with one clock ratio to these frequencies, which are known within 1000 ppm and 3 bins.
+LinesMeasurement MeasureMultitone(const RecordPlan& plan, Record record, std::span<const double> tonesHz,
+                                  const Band& band, FittedLines* fit = nullptr);
+
+// Dc alone. The residual is the noise.
+LinesMeasurement MeasureNoise(const RecordPlan& plan, Record record, FittedLines* fit = nullptr);
+
+// Why these tones cannot be measured together, as a sentence; empty if they can: at least 8 bins, below half
+// the rate less 8 bins, 6 bins apart.
+std::optional<std::string> TonesFault(const RecordPlan& plan, std::span<const double> tonesHz);
+
+// Adds a record that overlaps the last one by 75 % to a mean of all since the start: products as complex
+// numbers, noise by power. Begins again after a void measurement, or when a tone has changed its frequency
+// (more than 4 sigma and 1e-7) or its level (more than 0.01 dB).
+void AddToMean(std::optional<LinesMeasurement>& mean, LinesMeasurement next);
+
+LinesReading MakePairReading(const RecordPlan& plan, const LinesMeasurement& measurement, const Band& band);
+LinesReading MakeMultitoneReading(const RecordPlan& plan, const LinesMeasurement& measurement,
+                                  const Band& band);
+LinesReading MakeNoiseReading(const RecordPlan& plan, const LinesMeasurement& measurement, const Band& band);
+
+}  // namespace sonavex
