@@ -14,5 +14,6 @@ public:
 inline constexpr int kMeasured = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kNeverLocked = 2;
+inline constexpr int kVoid = 2;
 
 }  // namespace sonavex::measure

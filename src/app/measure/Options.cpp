@@ -60,8 +60,8 @@ std::int32_t LowEdgeOf(const std::string& text) {
 }
 
 // libsndfile interprets "-" as standard output, which is used for the readings.
-std::string OutputFileOf(const std::string& text) {
-    if (text.empty() || text == "-") Refuse("--write", "the name of a file", text);
+std::string OutputFileOf(const std::string& option, const std::string& text) {
+    if (text.empty() || text == "-") Refuse(option, "the name of a file", text);
     return text;
 }
 
@@ -118,7 +118,7 @@ void AddFile(CLI::App& command, FileOptions& options) {
         ->required();
     command
         .add_option_function<std::string>(
-            "--write", [&](const std::string& text) { options.output = OutputFileOf(text); },
+            "--write", [&](const std::string& text) { options.output = OutputFileOf("--write", text); },
             "Write the output blocks as 16-bit stereo WAV")
         ->type_name("FILE");
     command
@@ -136,6 +136,96 @@ void CheckFrequencies(const Options& options) {
     if (options.file.frequency && !IsNumeric(*options.file.frequency)) FrequencyHz(options.file, 0);
 }
 
+constexpr double kHighestFrequencyHz = 96000.0;
+constexpr double kHighestOrder = 1000.0;
+constexpr std::size_t kMostTones = 256;
+
+void SetBand(const std::string& text, AnalyzeOptions& options) {
+    const std::string takes = "LOW:HIGH in Hz, 0 to 96000";
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos) Refuse("--band", takes, text);
+    const Range range{0.0, kHighestFrequencyHz};
+    options.lowHz = NumberOf("--band", takes, range, text.substr(0, colon));
+    options.highHz = NumberOf("--band", takes, range, text.substr(colon + 1));
+    if (options.lowHz >= options.highHz) Refuse("--band", takes, text);
+}
+
+std::int32_t RecordLengthOf(const std::string& text) {
+    const std::string takes = "a power of two from 4096 to 1048576";
+    const std::int32_t length = WholeNumberOf("--length", takes, {4096.0, 1048576.0}, text);
+    if ((length & (length - 1)) != 0) Refuse("--length", takes, text);
+    return length;
+}
+
+AnalyzeMode ModeOf(const std::string& text) {
+    if (text == "thd") return AnalyzeMode::kThd;
+    if (text == "imd") return AnalyzeMode::kImd;
+    if (text == "multitone") return AnalyzeMode::kMultitone;
+    if (text == "noise") return AnalyzeMode::kNoise;
+    Refuse("--mode", "thd, imd, multitone or noise", text);
+}
+
+std::vector<double> TonesOf(const std::string& text) {
+    const std::string takes = "frequencies of 1 to 96000 Hz, separated by commas";
+    std::vector<double> tones;
+    std::istringstream list(text);
+    for (std::string tone; std::getline(list, tone, ',');)
+        tones.push_back(NumberOf("--tones", takes, {1.0, kHighestFrequencyHz}, tone));
+    if (tones.empty() || tones.size() > kMostTones) Refuse("--tones", takes, text);
+    return tones;
+}
+
+template <typename Set>
+void AddValue(CLI::App& command, const std::string& option, const char* type, const std::string& help,
+              Set set) {
+    command.add_option_function<std::string>(option, set, help)->type_name(type);
+}
+
+void AddAnalyzedValues(CLI::App& command, AnalyzeOptions& options) {
+    AddValue(command, "--channel", "0|1", "Channel, 0 (left) or 1 (right)", [&](const std::string& text) {
+        options.channel = WholeNumberOf("--channel", "0 or 1", {0.0, 1.0}, text);
+    });
+    AddValue(command, "--band", "LOW:HIGH", "Band in Hz of distortion and noise (20:20000)",
+             [&](const std::string& text) { SetBand(text, options); });
+    AddValue(command, "--harmonics", "N", "Highest order in THD (9)", [&](const std::string& text) {
+        options.highestOrder = WholeNumberOf("--harmonics", "2 to 1000", {2.0, kHighestOrder}, text);
+    });
+    AddValue(command, "--length", "N", "Samples of a record, a power of two (one that lasts a second)",
+             [&](const std::string& text) { options.length = RecordLengthOf(text); });
+    AddValue(command, "--mode", "MODE", "thd, imd, multitone or noise (thd)",
+             [&](const std::string& text) { options.mode = ModeOf(text); });
+    AddValue(command, "--tones", "F1,F2,...", "The tones in Hz of the modes imd and multitone",
+             [&](const std::string& text) { options.tonesHz = TonesOf(text); });
+    AddValue(command, "--fundamental", "HZ", "Search the fundamental within 1 % of this frequency",
+             [&](const std::string& text) {
+                 options.fundamentalHz =
+                     NumberOf("--fundamental", "1 to 96000 Hz", {1.0, kHighestFrequencyHz}, text);
+             });
+}
+
+void AddAnalyzedFiles(CLI::App& command, AnalyzeOptions& options) {
+    const auto addInput = [&](const char* option, std::string& name, const char* help) {
+        command.add_option(option, name, help)->type_name("FILE");
+    };
+    const auto addOutput = [&](const char* option, std::string& name, const char* help) {
+        AddValue(command, option, "FILE", help,
+                 [option, &name](const std::string& text) { name = OutputFileOf(option, text); });
+    };
+    addInput("--reference", options.reference, "A saved reading of the source itself");
+    addInput("--idle", options.idle, "A saved reading with the generator off");
+    addOutput("--save-reference", options.savedReference, "Save the reading as JSON");
+    addOutput("--residual", options.residual, "Write what the fit leaves of the last record as float WAV");
+    addOutput("--spectrum", options.spectrum, "Write the spectrum as CSV");
+}
+
+void AddAnalyze(CLI::App& command, AnalyzeOptions& options) {
+    command.alias("analyse");
+    command.add_option("recording", options.input, "Recording to measure")->type_name("FILE")->required();
+    AddAnalyzedValues(command, options);
+    AddAnalyzedFiles(command, options);
+    command.add_flag("--json", options.json, "The reading as one JSON object");
+}
+
 }  // namespace
 
 Options ParseOptions(int argc, const char* const* argv) {
@@ -149,6 +239,8 @@ Options ParseOptions(int argc, const char* const* argv) {
     AddRun(*run, options.run);
     auto* file = app.add_subcommand("file", "Measure a recording");
     AddFile(*file, options.file);
+    auto* analyze = app.add_subcommand("analyze", "Measure a recording precisely, at any frequency");
+    AddAnalyze(*analyze, options.analyze);
     auto* selfTest =
         app.add_subcommand("selftest", "Prove the precise measurement on this computer, in memory");
     selfTest->add_flag("--json", options.selfTestJson, "As JSON");
@@ -166,9 +258,11 @@ Options ParseOptions(int argc, const char* const* argv) {
     if (devices->parsed()) options.command = Options::Command::kDevices;
     if (run->parsed()) options.command = Options::Command::kRun;
     if (file->parsed()) options.command = Options::Command::kFile;
+    if (analyze->parsed()) options.command = Options::Command::kAnalyze;
     if (selfTest->parsed()) options.command = Options::Command::kSelfTest;
     if (options.command == Options::Command::kNone)
-        throw MeasureError(std::string("A command is needed: devices, run, file or selftest") + kSeeHelp);
+        throw MeasureError(std::string("A command is needed: devices, run, file, analyze or selftest") +
+                           kSeeHelp);
     return options;
 }
 

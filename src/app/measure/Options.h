@@ -29,12 +29,34 @@ struct FileOptions : MeterOptions {
     std::int32_t lowEdgeHz = 25;
 };
 
+enum class AnalyzeMode { kThd, kImd, kMultitone, kNoise };
+
+struct AnalyzeOptions {
+    std::string input;
+    int channel = 0;
+    double lowHz = 20.0;  // ends of the band
+    double highHz = 20000.0;
+    int highestOrder = 9;                // up to which THD sums
+    std::optional<std::int32_t> length;  // of a record; a power of two
+    AnalyzeMode mode = AnalyzeMode::kThd;
+    std::vector<double> tonesHz;
+    std::optional<double> fundamentalHz;
+    // Files; empty: none.
+    std::string reference;
+    std::string idle;
+    std::string savedReference;
+    std::string residual;
+    std::string spectrum;
+    bool json = false;
+};
+
 struct Options {
-    enum class Command { kDevices, kRun, kFile, kSelfTest, kNone } command = Command::kNone;
+    enum class Command { kDevices, kRun, kFile, kAnalyze, kSelfTest, kNone } command = Command::kNone;
     bool devicesJson = false;
     bool selfTestJson = false;
     RunOptions run;
     FileOptions file;
+    AnalyzeOptions analyze;
     // Text to print for --help or --version; nothing else must then be done.
     std::string answer;
 };

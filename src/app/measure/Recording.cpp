@@ -136,6 +136,11 @@ int Recording::Bits() const noexcept {
     }
 }
 
+bool Recording::FloatingPoint() const noexcept {
+    const int format = info_.format & SF_FORMAT_SUBMASK;
+    return format == SF_FORMAT_FLOAT || format == SF_FORMAT_DOUBLE;
+}
+
 std::size_t Recording::Read(std::span<double> stereo) {
     const std::size_t frames = stereo.size() / 2;
     const auto channels = static_cast<std::size_t>(info_.channels);

@@ -25,6 +25,8 @@ public:
     // Bits of a sample: those of integers, stored as they are or without loss; 24 for floats of 32 bits and
     // 53 for those of 64; 16 for formats with loss, except that A-law and µ-law have 8.
     int Bits() const noexcept;
+    bool FloatingPoint() const noexcept;
+    int Channels() const noexcept { return info_.channels; }
 
     // Fills `stereo` (interleaved) with the next frames and returns their number, which is smaller at the end
     // only. One channel feeds both; of many the first two count. Floating-point files may deliver infinities

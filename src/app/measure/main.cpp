@@ -26,6 +26,8 @@ int Execute(const measure::Options& options) {
             return measure::RunMeasurement(options.run);
         case measure::Options::Command::kFile:
             return measure::MeasureFile(options.file);
+        case measure::Options::Command::kAnalyze:
+            return measure::AnalyzeFile(options.analyze);
         case measure::Options::Command::kSelfTest:
             return measure::SelfTest(options.selfTestJson);
         case measure::Options::Command::kNone:

@@ -24,7 +24,7 @@ TEST_P(RefusedArguments, GetOneLineOfTheirOwn) {
 }
 
 const Refused kCommands[]{
-    {{}, "A command is needed: devices, run, file or selftest"},
+    {{}, "A command is needed: devices, run, file, analyze or selftest"},
     {{"bogus"}, "not expected: bogus"},
     {{"--bogus"}, "not expected: --bogus"},
     {{"--json", "devices"}, "not expected: --json"},
