@@ -1,0 +1,128 @@
+// Recordings with any content through the precise measurement with any options: a reading, a void one, or one
+// line with the error.
+//
+// First byte: bits 0 and 1 select the mode, bit 2 the channel, bit 3 a table in place of JSON, bit 4 a narrow
+// band, bit 5 a fundamental, bit 6 output files, bit 7 a long record. The second byte gives a number of
+// blocks that are appended by repeating the end of the file. The third selects order and tones.
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+
+#include "app/measure/Commands.h"
+#include "app/measure/MeasureError.h"
+#include "fuzz/FuzzTarget.h"
+#include "fuzz/MemoryFile.h"
+#include "support/ChildProcess.h"
+
+namespace sonavex {
+namespace {
+
+using fuzz::Input;
+using fuzz::Require;
+
+constexpr std::size_t kAppendedBytes = 2048;
+constexpr std::size_t kRepeatedBytes = 256;
+constexpr unsigned kMostAppended = 64;
+
+// Captures standard output during its lifetime.
+class CapturedOutput {
+public:
+    CapturedOutput() : own_(std::cout.rdbuf(text_.rdbuf())) {}
+    ~CapturedOutput() { std::cout.rdbuf(own_); }
+    CapturedOutput(const CapturedOutput&) = delete;
+    CapturedOutput& operator=(const CapturedOutput&) = delete;
+    std::string Text() const { return text_.str(); }
+
+private:
+    std::ostringstream text_;
+    std::streambuf* own_;
+};
+
+std::string AnyRecording(Input& input, unsigned blocks) {
+    std::string content(input.Rest());
+    const std::string end = content.substr(content.size() - std::min(content.size(), kRepeatedBytes));
+    if (end.empty()) return content;
+    const std::size_t wanted = content.size() + blocks * kAppendedBytes;
+    while (content.size() < wanted) content += end;
+    return content;
+}
+
+std::string AnyOutput(const char* name) {
+    static const PrivateFolder kFolder;
+    return kFolder.Path() / name;
+}
+
+measure::AnalyzeOptions AnyOptions(unsigned head, unsigned detail) {
+    measure::AnalyzeOptions options;
+    constexpr measure::AnalyzeMode kModes[] = {measure::AnalyzeMode::kThd, measure::AnalyzeMode::kImd,
+                                               measure::AnalyzeMode::kMultitone,
+                                               measure::AnalyzeMode::kNoise};
+    options.mode = kModes[head & 3U];
+    options.channel = (head >> 2U) & 1U;
+    options.json = (head & 8U) == 0;
+    if ((head & 16U) != 0) {
+        options.lowHz = 300.0;
+        options.highHz = 3400.0;
+    }
+    if ((head & 32U) != 0 && options.mode == measure::AnalyzeMode::kThd) options.fundamentalHz = 1000.0;
+    if ((head & 64U) != 0) {
+        options.residual = AnyOutput("residual.wav");
+        options.spectrum = AnyOutput("spectrum.csv");
+        options.savedReference = AnyOutput("reference.json");
+    }
+    options.length = (head & 128U) != 0 ? 16384 : 4096;
+    options.highestOrder = 2 + static_cast<int>(detail % 64U);
+    if (options.mode == measure::AnalyzeMode::kMultitone || (detail & 64U) != 0)
+        options.tonesHz = {300.0 + detail, 1500.0};
+    if (options.mode != measure::AnalyzeMode::kImd && options.mode != measure::AnalyzeMode::kMultitone)
+        options.tonesHz.clear();
+    return options;
+}
+
+// A value is null only where it is not defined; a void reading has none.
+void CheckReading(const std::string& line, int status) {
+    const auto reading = nlohmann::json::parse(line, nullptr, false);
+    Require(reading.is_object(), "a line of JSON", line);
+    Require(reading.at("valid") == (status == measure::kMeasured), "the status says whether it is valid",
+            line);
+    Require(reading.at("valid") == reading.at("void").empty(), "a void reading has a cause", line);
+    Require(reading.at("valid") == !reading.at("level_dbfs").is_null(), "a valid reading has a level", line);
+    Require(reading.at("valid") == !reading.at("noise_dbfs").is_null(), "a valid reading has noise", line);
+}
+
+void Analyze(const measure::AnalyzeOptions& options) {
+    const CapturedOutput out;
+    int status = 0;
+    try {
+        status = measure::AnalyzeFile(options);
+    } catch (const measure::MeasureError& error) {
+        Require(*error.what() != '\0', "a failure is explained");
+        return;
+    }
+    Require(status == measure::kMeasured || status == measure::kVoid, "a documented status");
+    const std::string text = out.Text();
+    Require(!text.empty(), "a reading is printed");
+    Require(text.find("nan") == std::string::npos && text.find("inf") == std::string::npos,
+            "values are numbers", text);
+    if (options.json) CheckReading(text, status);
+}
+
+}  // namespace
+}  // namespace sonavex
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace sonavex;
+    fuzz::Input input(data, size);
+    const unsigned head = input.Byte();
+    const unsigned blocks = input.Byte() % kMostAppended;
+    const unsigned detail = input.Byte();
+    const fuzz::MemoryFile recording(AnyRecording(input, blocks));
+    measure::AnalyzeOptions options = AnyOptions(head, detail);
+    options.input = recording.Path();
+    Analyze(options);
+    return 0;
+}
