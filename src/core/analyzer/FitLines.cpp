@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 #include <utility>
 
 #include "core/analyzer/LineKernels.h"
@@ -98,6 +99,7 @@ public:
     Fit(const AnalysisWindow& window, std::span<const double> samples, std::span<const LineToFit> lines)
         : window_(window), samples_(samples), residual_(window.Length()) {
         for (const LineToFit& line : lines) lines_.emplace_back(line, window);
+        std::iota(offsets_.begin(), offsets_.end(), 0.0);
     }
 
     FittedLines Result() {
@@ -142,8 +144,8 @@ private:
         const std::size_t start = block * kBlock;
         const std::size_t n = BlockLength(block);
         line_kernels::Weigh(&residual_[start], &window_.Values()[start], weighed_.data(), n);
-        for (std::size_t i = 0; i < n; ++i)
-            timed_[i] = weighed_[i] * (static_cast<double>(start + i) - window_.Centre());
+        const double firstTime = static_cast<double>(start) - window_.Centre();
+        for (std::size_t i = 0; i < n; ++i) timed_[i] = weighed_[i] * (firstTime + offsets_[i]);
         for (FittingLine& line : lines_) {
             if (!first || line.DeterminesAny()) line.Match(weighed_, block, n);
             if (line.DeterminesAny()) line.MatchTimed(timed_, block, n);
@@ -171,6 +173,7 @@ private:
     std::vector<double> residual_;
     std::vector<FittingLine> lines_;
     double dc_ = 0.0;
+    BlockValues offsets_{};  // 0, 1, 2 ...
     BlockValues weighed_{};
     BlockValues timed_{};
 };

@@ -18,7 +18,8 @@ RealArray MakeRealArray(std::size_t length) {
     return array;
 }
 
-// Real and imaginary part of each bin.
+// Real and imaginary part of each bin. The transform is in place: new memory costs as much time as half the
+// transform.
 std::size_t SpectrumReals(std::size_t length) {
     return 2 * (length / 2 + 1);
 }
@@ -32,9 +33,9 @@ fftw_complex* AsComplex(const RealArray& array) {
 struct RecordPlan::Plan {
     Plan(std::size_t length, double rate)
         : window(length), rateHz(rate), a(PowerGains(AWeighting)), itu468(PowerGains(Weighting468)) {
-        const RealArray in = MakeRealArray(length);
-        const RealArray out = MakeRealArray(SpectrumReals(length));
-        transform = fftw_plan_dft_r2c_1d(static_cast<int>(length), in.get(), AsComplex(out), FFTW_ESTIMATE);
+        const RealArray array = MakeRealArray(SpectrumReals(length));
+        transform =
+            fftw_plan_dft_r2c_1d(static_cast<int>(length), array.get(), AsComplex(array), FFTW_ESTIMATE);
         if (transform == nullptr) throw std::bad_alloc();
     }
     ~Plan() { fftw_destroy_plan(transform); }
@@ -82,16 +83,15 @@ std::span<const double> RecordPlan::PowerGains468() const noexcept {
 std::vector<double> RecordPlan::PowerSpectrum(std::span<const double> samples) const {
     const AnalysisWindow& window = plan_->window;
     const std::size_t length = window.Length();
-    const RealArray in = MakeRealArray(length);
-    const RealArray out = MakeRealArray(SpectrumReals(length));
-    line_kernels::Weigh(samples.data(), window.Values().data(), in.get(), length);
-    fftw_execute_dft_r2c(plan_->transform, in.get(), AsComplex(out));
+    const RealArray array = MakeRealArray(SpectrumReals(length));
+    line_kernels::Weigh(samples.data(), window.Values().data(), array.get(), length);
+    fftw_execute_dft_r2c(plan_->transform, array.get(), AsComplex(array));
 
     std::vector<double> power(length / 2 + 1);
     const double scale = 2.0 / (static_cast<double>(length) * window.SumOfSquares());
     for (std::size_t j = 0; j < power.size(); ++j) {
-        const double re = out.get()[2 * j];
-        const double im = out.get()[2 * j + 1];
+        const double re = array.get()[2 * j];
+        const double im = array.get()[2 * j + 1];
         power[j] = scale * (re * re + im * im);
     }
     // 0 Hz and half the rate have no mirror image.
