@@ -19,13 +19,19 @@ public:
 
     void Release() noexcept { sem_post(&semaphore_); }
     void TryAcquire() noexcept { sem_trywait(&semaphore_); }
-    // Returns earlier when the semaphore was acquired, or when a handler of a POSIX signal ran. The end is a
+    // Whether it was acquired. Returns earlier then, or when a handler of a POSIX signal ran. The end is a
     // time of std::chrono::steady_clock.
-    void AcquireUntil(std::chrono::nanoseconds end) noexcept {
+    bool AcquireUntil(std::chrono::nanoseconds end) noexcept {
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(end);
         const timespec time{static_cast<std::time_t>(seconds.count()),
                             static_cast<long>((end - seconds).count())};
-        sem_clockwait(&semaphore_, CLOCK_MONOTONIC, &time);
+        return sem_clockwait(&semaphore_, CLOCK_MONOTONIC, &time) == 0;
+    }
+    // Whether it was acquired before the end, despite POSIX signals.
+    bool AcquireBefore(std::chrono::nanoseconds end) noexcept {
+        while (!AcquireUntil(end))
+            if (std::chrono::steady_clock::now().time_since_epoch() >= end) return false;
+        return true;
     }
 
 private:
