@@ -141,6 +141,8 @@ void MainWindow::ConnectConveniences() {
             &QPushButton::click);
     connect(new QShortcut(QKeySequence(Qt::Key_F6), this), &QShortcut::activated, ui_->cmdStartMemory,
             &QPushButton::click);
+    for (QPushButton* button : {ui_->startCurrentMeter, ui_->Command1, ui_->cmdStartMemory})
+        startTips_.emplace_back(button, button->toolTip());
     for (const int hertz : {20, 50, 100, 1000, 10000, 20000}) {
         auto* button = findChild<QPushButton*>("preset_" + QString::number(hertz));
         button->setProperty("hertz", hertz);
@@ -278,6 +280,11 @@ void MainWindow::DecorateGenerator() {
     for (QPushButton* preset : presets_)
         preset->setEnabled(signal.sldStartFreq.Enabled() &&
                            preset->property("hertz").toInt() <= signal.sldStartFreq.Max());
+    for (const auto& [button, tip] : startTips_)
+        button->setToolTip(
+            form_.GeneratorPanel.StimulusPlaying()
+                ? tr("The generator cannot start while a stimulus of the precise measurement plays")
+                : tip);
     const bool sweeps = form_.Instrument.HiTimer1.Enabled();
     const GeneratorWords words = GeneratorWords::Of(form_.Instrument.Meter.Generator, sweeps);
     ui_->runningWord->setText(WordText(words.state));

@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <array>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "core/shell/frmMain.h"
@@ -64,6 +65,7 @@ private:
     std::unique_ptr<Ui::frmMain> ui_;
     std::array<HarmonicBar*, 8> bars_{};
     std::vector<QPushButton*> presets_;
+    std::vector<std::pair<QPushButton*, QString>> startTips_;  // usual tool tips of the start buttons
     Binder binder_;
     QTimer sweepWatch_;
     Placement placement_;

@@ -34,6 +34,21 @@ TEST_F(GeneratorTab, EnablesTheSweepsControlsWithItsTime) {
     EXPECT_FALSE(Tone().Sweep);
 }
 
+TEST_F(GeneratorTab, SaysWhyNothingStartsWhileAStimulusPlays) {
+    const QString usual = Find<QPushButton>("Command1").toolTip();
+    rig.form.GeneratorPanel.ShowStimulus(true);
+    Settle();
+    for (const char* name : {"Command1", "startCurrentMeter", "cmdStartMemory"}) {
+        EXPECT_FALSE(Enabled(name)) << name;
+        EXPECT_EQ(Find<QPushButton>(name).toolTip(),
+                  "The generator cannot start while a stimulus of the precise measurement plays");
+    }
+    rig.form.GeneratorPanel.ShowStimulus(false);
+    Settle();
+    EXPECT_TRUE(Enabled("Command1"));
+    EXPECT_EQ(Find<QPushButton>("Command1").toolTip(), usual);
+}
+
 // While dragged, only the end frequency follows; the loop box and the sweep wait for the release.
 TEST_F(GeneratorTab, DragsTheSweepTime) {
     auto& slider = Find<QSlider>("sldSweepTime");

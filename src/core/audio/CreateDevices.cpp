@@ -4,6 +4,7 @@
 
 #include "core/audio/StreamEngine.h"
 #include "core/generator/SignalControls.h"
+#include "core/ports/SoundErrors.h"
 #include "core/support/EndProgram.h"
 
 namespace sonavex {
@@ -114,17 +115,28 @@ bool StreamEngine::CreateCaptureBuffer() {
 }
 
 bool StreamEngine::CreatePlaybackBuffer() {
-    const std::int32_t level = StoredLevel();
+    const std::int32_t volume = Volume();
     BufferDescription description{buffer_flag::kVolumePositionFocus, kPlaybackBytes,
                                   WaveFormat::Stereo16(needs_.shared.SampleRate)};
     try {
         description.flags |= MixingLocationFlag();
         playbackBuffer_ = playbackDevice_->CreateBuffer(description);
-        playbackBuffer_->SetVolume(level);
+        playbackBuffer_->SetVolume(volume);
     } catch (const RuntimeError& error) {
         return Report(kNoPlaybackBuffer, error);
     }
     return true;
+}
+
+// A buffer whose device is lost keeps its volume: the next one gets the right one.
+void StreamEngine::SetFullVolume(bool on) {
+    fullVolume_ = on;
+    if (!playbackBuffer_) return;
+    try {
+        playbackBuffer_->SetVolume(Volume());
+    } catch (const RuntimeError& error) {
+        if (error.Number() != sound_error::kBufferLost) throw;
+    }
 }
 
 // Virtual cables, and cards without a free hardware voice, are mixed in software.

@@ -36,7 +36,7 @@ void Instrument::StartCapture() {
 
 void Instrument::SetVolume(std::int32_t hundredthsDb) {
     PlaybackBuffer* const buffer = Engine.SecondaryBuffer();
-    if (buffer == nullptr) return;
+    if (buffer == nullptr || Engine.FullVolume()) return;
     try {
         buffer->SetVolume(hundredthsDb);
     } catch (const RuntimeError& error) {

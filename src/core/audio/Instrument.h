@@ -43,8 +43,8 @@ public:
     // Error 91 without a capture buffer.
     void StartCapture();
 
-    // Sets the level of the playback buffer in hundredths of a dB. Does nothing without a buffer, or if its
-    // device is lost: a new buffer gets the stored level.
+    // Sets the level of the playback buffer in hundredths of a dB. Does nothing without a buffer, if its
+    // device is lost (a new buffer gets the stored level), or at full volume.
     void SetVolume(std::int32_t hundredthsDb);
 
     // Called after each block that was processed and queued without an error. May be empty.

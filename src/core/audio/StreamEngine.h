@@ -67,6 +67,10 @@ public:
     // Call after a loss: stops capture and playback and destroys the events. ReStart brings the engine back.
     void Abandon();
 
+    // While on, the playback volume is 0 dB, also of new buffers; afterwards it is the stored level again.
+    void SetFullVolume(bool on);
+    bool FullVolume() const noexcept { return fullVolume_; }
+
     // Restarts playback from the first block.
     void ResetStream() noexcept;
 
@@ -162,6 +166,7 @@ private:
     bool CreatePlaybackBuffer();
     std::uint32_t MixingLocationFlag();
     std::int32_t StoredLevel() const;
+    std::int32_t Volume() const { return fullVolume_ ? 0 : StoredLevel(); }
 
     void DestroyEvents(const std::function<void()>& beforeEach);
     void DestroyEvent(EventHandle event);
@@ -191,6 +196,7 @@ private:
     std::uint64_t underrunsBefore_ = 0;
     std::uint64_t fineMissingBefore_ = 0;
     ClockDrift drift_;
+    bool fullVolume_ = false;
     bool gapBefore_ = false;           // a gap was counted at the last block
     std::int32_t settlingBlocks_ = 0;  // blocks that may still contain the step of a start
     bool restarting_ = false;

@@ -24,6 +24,7 @@ void GeneratorPanel::InitGenerator() {
 }
 
 void GeneratorPanel::StopPlaying() {
+    if (StopStimulus) StopStimulus();
     if (!needs_.generator.SweepRunning) return;
     for (CommandButton* button : {&Controls.Command1, &MemoryControls.cmdStartMemory})
         if (button->Caption().starts_with("Sto")) button->Press();

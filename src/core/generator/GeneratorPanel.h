@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "core/controls/Commands.h"
 #include "core/generator/CurrentSignal.h"
@@ -27,8 +28,14 @@ public:
     // Stores all settings of the generator.
     void WriteMemoryToRegistry() { memory_.WriteMemoryToRegistry(); }
 
-    // While something plays, presses each start button that currently stops playing.
+    // While something plays, presses each start button that currently stops playing. Also stops a stimulus.
     void StopPlaying();
+
+    // While a stimulus plays, Command1 and cmdStartMemory are disabled.
+    void ShowStimulus(bool playing) { interlock_.ShowStimulus(playing); }
+    bool StimulusPlaying() const noexcept { return interlock_.StimulusPlaying(); }
+    // Stops the stimulus at once. May be empty.
+    std::function<void()> StopStimulus;
 
     // Call after a change of the sampling rate: shows the frequencies that the new limits have clamped.
     void FollowLimits() { current_.FollowLimits(); }

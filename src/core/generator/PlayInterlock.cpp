@@ -11,6 +11,12 @@ void PlayInterlock::Show(Playing playing) {
     ShowList();
 }
 
+void PlayInterlock::ShowStimulus(bool playing) {
+    stimulusPlaying_ = playing;
+    EnableSignal(playing_ != Playing::kMemory);
+    ShowSelection();
+}
+
 void PlayInterlock::ShowList() {
     const bool idle = playing_ == Playing::kNothing;
     memory_.cmdGenAdd.SetEnabled(idle && memory_.ToneList.Count() < MemoryControls::kEntries);
@@ -19,7 +25,7 @@ void PlayInterlock::ShowList() {
 }
 
 void PlayInterlock::EnableSignal(bool enabled) {
-    signal_.Command1.SetEnabled(enabled);
+    signal_.Command1.SetEnabled(enabled && !stimulusPlaying_);
     signal_.cmbType.SetEnabled(enabled);
     signal_.sldStartFreq.SetEnabled(enabled);
     signal_.txtGenFreq.SetEnabled(enabled);
@@ -34,7 +40,7 @@ void PlayInterlock::EnableSignal(bool enabled) {
 void PlayInterlock::ShowSelection() {
     const bool usable = playing_ == Playing::kNothing && AnySelected();
     memory_.cmdRemove.SetEnabled(usable);
-    memory_.cmdStartMemory.SetEnabled(usable || playing_ == Playing::kMemory);
+    memory_.cmdStartMemory.SetEnabled((usable && !stimulusPlaying_) || playing_ == Playing::kMemory);
 }
 
 bool PlayInterlock::AnySelected() const {

@@ -17,6 +17,9 @@ public:
     // Updates all controls and the status picture.
     void Show(Playing playing);
     Playing Now() const noexcept { return playing_; }
+    // While a stimulus plays, nothing else can start.
+    void ShowStimulus(bool playing);
+    bool StimulusPlaying() const noexcept { return stimulusPlaying_; }
     // Updates the buttons after a change of the list.
     void ShowList();
     // Updates the buttons that need a selection.
@@ -29,6 +32,7 @@ private:
     SignalControls& signal_;
     MemoryControls& memory_;
     Playing playing_ = Playing::kNothing;
+    bool stimulusPlaying_ = false;
 };
 
 }  // namespace sonavex

@@ -1,0 +1,126 @@
+#include "core/precise/StimulusPlayer.h"
+
+#include <chrono>
+#include <utility>
+
+#include "core/stimulus/RenderStimulus.h"
+#include "core/stimulus/StimulusPlan.h"
+
+namespace sonavex {
+namespace {
+
+constexpr std::chrono::milliseconds kCheckInterval{20};
+constexpr const char* kGeneratorPlays = "The generator plays. Stop it before a stimulus is started.";
+constexpr const char* kNoOutput = "No output device is open.";
+
+SampleWord WordOf(const StimulusChoice& choice, int outputBits) {
+    SampleWord word{outputBits, std::nullopt};
+    if (choice.dither) word.ditherBits = choice.ditherBits.value_or(outputBits);
+    return word;
+}
+
+}  // namespace
+
+StimulusPlayer::StimulusPlayer(const Needs& needs)
+    : needs_(needs), self_(std::make_shared<StimulusPlayer*>(this)) {
+    if (needs_.panel != nullptr) needs_.panel->StopStimulus = [this] { StopAtOnce(); };
+}
+
+StimulusPlayer::~StimulusPlayer() {
+    OnChanged = nullptr;
+    StopAtOnce();
+    if (needs_.panel != nullptr) needs_.panel->StopStimulus = nullptr;
+}
+
+void StimulusPlayer::Start(const StimulusChoice& choice) {
+    if (needs_.instrument.Meter.Generator.SweepRunning) throw StimulusError(kGeneratorPlays);
+    Render(choice);
+    choice_ = choice;
+    trouble_.clear();
+    captureStarts_ = needs_.instrument.Engine.CaptureStarts;
+    SetState(State::kRendering);
+}
+
+void StimulusPlayer::Render(const StimulusChoice& choice) {
+    const int bits = needs_.instrument.Engine.OutputBits();
+    if (bits == 0) throw StimulusError(kNoOutput);
+    const SampleWord word = WordOf(choice, bits);
+    CheckDither(word);
+    CheckLevel(choice.stimulus.shape, word, choice.levelDbfs);
+    const StimulusPlan plan =
+        PlanStimulus({choice.stimulus, static_cast<double>(needs_.instrument.Shared.SampleRate),
+                      choice.recordLength, choice.levelDbfs, choice.snap});
+    needs_.background.Run(Background::Line::kStimulus, [plan, word, side = choice.side, order = ++order_,
+                                                        self = std::weak_ptr(self_)] {
+        return [self, order, sound = StimulusSource::Sound{RenderStimulus(plan), side, word}] {
+            if (const auto player = self.lock()) (*player)->TakeRendered(order, sound);
+        };
+    });
+}
+
+void StimulusPlayer::TakeRendered(std::uint64_t order, StimulusSource::Sound sound) {
+    if (order != order_ || state_ != State::kRendering || interrupted_) return;
+    lines_ = sound.signal.Lines();
+    if (!heard_) source_.Reset(needs_.instrument.Shared.SampleRate);
+    source_.Play(std::move(sound));
+    if (std::exchange(heard_, true)) {
+        needs_.instrument.Fine.Refill();
+    } else {
+        needs_.instrument.Fine.SetSource(&source_);
+        needs_.instrument.Engine.SetFullVolume(true);
+    }
+    SetState(State::kPlaying);
+}
+
+void StimulusPlayer::Stop() {
+    if (!heard_) return StopAtOnce();
+    ++order_;
+    source_.End();
+    needs_.instrument.Fine.Refill();
+    SetState(State::kEnding);
+}
+
+// Sets the volume first: the source is silent after its end, and the block meter's output may not be.
+void StimulusPlayer::StopAtOnce() {
+    ++order_;
+    if (state_ == State::kOff) return;
+    needs_.instrument.Engine.SetFullVolume(false);
+    if (std::exchange(heard_, false)) needs_.instrument.Fine.SetSource(nullptr);
+    interrupted_ = false;
+    lines_.clear();
+    SetState(State::kOff);
+}
+
+void StimulusPlayer::Check() {
+    CheckEngine();
+    if (state_ == State::kEnding && source_.Ended(needs_.instrument.Fine.FramesAhead())) StopAtOnce();
+}
+
+// A restart of the engine that was not announced by the panel follows a loss.
+void StimulusPlayer::CheckEngine() {
+    const StreamEngine& engine = needs_.instrument.Engine;
+    const bool runs = needs_.instrument.Shared.EventsReady && !engine.Restarting();
+    if (runs && engine.CaptureStarts == captureStarts_) return;
+    if (state_ == State::kEnding) return StopAtOnce();
+    if (std::exchange(heard_, false)) needs_.instrument.Fine.SetSource(nullptr);
+    interrupted_ = !runs;
+    if (!runs) return;
+    captureStarts_ = engine.CaptureStarts;
+    try {
+        Render(choice_);
+        SetState(State::kRendering);
+    } catch (const StimulusError& error) {
+        trouble_ = error.what();
+        StopAtOnce();
+    }
+}
+
+void StimulusPlayer::SetState(State state) {
+    state_ = state;
+    if (!Active()) needs_.loop.StopTimer(std::exchange(timer_, 0));
+    if (Active() && timer_ == 0) timer_ = needs_.loop.StartTimer(kCheckInterval, [this] { Check(); });
+    if (needs_.panel != nullptr) needs_.panel->ShowStimulus(Active());
+    if (OnChanged) OnChanged();
+}
+
+}  // namespace sonavex
