@@ -215,6 +215,10 @@ private:
         const Samples sine = SamplesOf(Stimulate("sine:1000.366", -0.001));
         Samples overload = sine;
         for (double& sample : overload) sample = std::clamp(1.1 * sample, -1.0, 1.0 - std::ldexp(1.0, -15));
+        Samples shortened(kLength + 1);
+        Stimulate("sine:1000.366", kLevelDbfs).Fill(0, shortened);
+        shortened.erase(shortened.begin() + kLength / 3);
+        RequireVoid("24 bit, one sample lost", VoidCode::kDisturbed, Measure(Loop(shortened, 24), 24));
         RequireVoid("16 bit, overloaded input", VoidCode::kOverload, Measure(overload, 16, true));
         RequireVoid("double, silence", VoidCode::kSilence, Measure(Samples(kLength), kDoubleBits));
         RequireVoid("double, noise alone", VoidCode::kNoTone,
