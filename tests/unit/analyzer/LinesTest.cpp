@@ -77,17 +77,17 @@ TEST(PairTest, ModulationOfSmallUpperTone) {
 
 // a x + b x^2 + c x^3 of two equal tones.
 TEST(PairTest, DifferenceTonesOfPolynomial) {
-    constexpr double kTone = 0.4;
-    constexpr double kSquare = 1e-3;
-    constexpr double kCube = 5e-4;
+    constexpr double kEqualTones = 0.4;
+    constexpr double kSquareFactor = 1e-3;
+    constexpr double kCubeFactor = 5e-4;
     for (const auto& [low, high] : {std::pair{18999.3, 20001.1}, {18000.0, 20000.0}, {13000.0, 14000.0}}) {
-        LineSamples x = Pair({low, kTone}, {high, kTone});
-        for (double& value : x) value += kSquare * value * value + kCube * value * value * value;
+        LineSamples x = Pair({low, kEqualTones}, {high, kEqualTones});
+        for (double& value : x) value += kSquareFactor * value * value + kCubeFactor * value * value * value;
         const LinesReading reading = PairReading(x, {low, high});
         ASSERT_TRUE(reading.reading.Valid());
-        const double tone = kTone + kCube * 2.25 * std::pow(kTone, 3.0);
-        const double second = kSquare * kTone * kTone;
-        const double third = kCube * 0.75 * std::pow(kTone, 3.0);
+        const double tone = kEqualTones + kCubeFactor * 2.25 * std::pow(kEqualTones, 3.0);
+        const double second = kSquareFactor * kEqualTones * kEqualTones;
+        const double third = kCubeFactor * 0.75 * std::pow(kEqualTones, 3.0);
         const Intermodulation& values = reading.intermodulation;
         Near(values.dfdD2, second / (2.0 * tone), 1e-7);
         Near(values.dfdD3, 2.0 * third / (2.0 * tone), 1e-7);
