@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "core/analyzer/Record.h"
+#include "core/analyzer/Square.h"
 
 namespace sonavex {
 namespace {
@@ -26,10 +27,6 @@ double CosineSum(double angle) {
 double Sinc(double x) {
     const double angle = std::numbers::pi * x;
     return std::abs(angle) < 1e-6 ? 1.0 : std::sin(angle) / angle;
-}
-
-double Square(double x) {
-    return x * x;
 }
 
 }  // namespace

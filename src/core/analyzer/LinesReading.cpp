@@ -7,6 +7,7 @@
 
 #include "core/analyzer/MeasureLines.h"
 #include "core/analyzer/Spurs.h"
+#include "core/analyzer/Square.h"
 #include "core/analyzer/Uncertainty.h"
 
 namespace sonavex {
@@ -24,10 +25,6 @@ constexpr double kRoundingBelowTone = 1e-10;
 
 // Weaker spurs (-200 dBc) are what the fit leaves of tones with strong side bands.
 constexpr double kWeakestSpur = 1e-10;
-
-double Square(double x) {
-    return x * x;
-}
 
 double RelativeSigma(const NoisePower& power) {
     return power.mean > 0.0 ? power.sigma / power.mean : 0.0;

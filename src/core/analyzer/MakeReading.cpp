@@ -7,6 +7,7 @@
 
 #include "core/analyzer/MeasureTone.h"
 #include "core/analyzer/Spurs.h"
+#include "core/analyzer/Square.h"
 #include "core/analyzer/Uncertainty.h"
 #include "core/analyzer/Weightings.h"
 
@@ -48,10 +49,6 @@ constexpr double kLeastVariance = 0.1;
 // The CCIR-RMS weighting lowers the 468 weighting by 5.63 dB.
 constexpr double kCcirRmsDb = -5.63;
 
-double Squared(double x) {
-    return x * x;
-}
-
 double Relative(const NoisePower& power) {
     return power.mean > 0.0 ? power.sigma / power.mean : 0.0;
 }
@@ -82,7 +79,7 @@ public:
           highestOrder_(settings.highestOrder),
           position_(tone_.frequencyHz / plan.BinHz()),
           noise_(plan, tone_.residualPower, LinePositions(plan, tone_), {position_}, tone_.powerRecords),
-          fundamentalPower_(0.5 * Squared(tone_.amplitude)),
+          fundamentalPower_(0.5 * Square(tone_.amplitude)),
           fundamentalSigma_(LineSigma(position_)),
           kurtosis_(noise_.LineShare() < kLargestLineShare ? tone_.excessKurtosis : 0.0),
           widening_(1.0 + kStudent / (kFreedom * tone_.powerRecords)),
@@ -164,8 +161,8 @@ private:
             if (!InThd(tone_.harmonics[i])) continue;
             any = true;
             squares += std::norm(tone_.harmonics[i].ratio);
-            variance += std::norm(tone_.harmonics[i].ratio) * Squared(sigmas_[i]);
-            floor += 2.0 * Squared(sigmas_[i]);
+            variance += std::norm(tone_.harmonics[i].ratio) * Square(sigmas_[i]);
+            floor += 2.0 * Square(sigmas_[i]);
             largestSigma = std::max(largestSigma, sigmas_[i]);
         }
         reading_.highestOrder = highestOrder_;
@@ -201,9 +198,9 @@ private:
     // of independent samples contains their excess kurtosis.
     NoisePower NoiseInBand(std::span<const double> powerGains = {}) const {
         NoisePower noise = noise_.InBand(band_, powerGains);
-        const double variance = Squared(noise.sigma);
+        const double variance = Square(noise.sigma);
         const double change = kurtosis_ * plan_.Window().CorrelatedBins() /
-                              static_cast<double>(plan_.Length()) * Squared(noise.mean) / tone_.powerRecords;
+                              static_cast<double>(plan_.Length()) * Square(noise.mean) / tone_.powerRecords;
         noise.sigma = std::sqrt(std::max(variance + change, kLeastVariance * variance));
         return noise;
     }
@@ -236,9 +233,9 @@ private:
             const HarmonicRatio& harmonic = tone_.harmonics[i];
             if (!InBand(harmonic)) continue;
             const double square =
-                std::norm(harmonic.ratio) * Squared(gain(harmonic.order * tone_.frequencyHz));
+                std::norm(harmonic.ratio) * Square(gain(harmonic.order * tone_.frequencyHz));
             sum += square;
-            variance += square * Squared(sigmas_[i]);
+            variance += square * Square(sigmas_[i]);
         }
         // Powers are half the squared amplitudes.
         return {fundamentalPower_ * sum, 2.0 * fundamentalPower_ * std::sqrt(variance)};

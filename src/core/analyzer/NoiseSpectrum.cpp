@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/analyzer/LineKernels.h"
+#include "core/analyzer/Square.h"
 
 namespace sonavex {
 namespace {
@@ -22,10 +23,6 @@ constexpr std::size_t kRoughGroup = 64;
 
 // A bin above this multiple of the density (17 dB) is a line, not noise.
 constexpr double kLineOverDensity = 50.0;
-
-double Squared(double x) {
-    return x * x;
-}
 
 // Median of the mean of `records` exponentially distributed powers of mean 1: ln 2 for one, tends to 1. The
 // median of the gamma distribution as a series.
@@ -165,7 +162,7 @@ double NoiseSpectrum::LineShare() const {
 double NoiseSpectrum::Variance(std::size_t bin) const {
     const double density = RoughDensityAt(bin);
     if (power_[bin] > kLineOverDensity * density) return 2.0 * power_[bin] * density * enbwBins_ / records_;
-    return Squared(power_[bin]) * correlatedBins_ / (records_ + 1.0);
+    return Square(power_[bin]) * correlatedBins_ / (records_ + 1.0);
 }
 
 const NoiseSpectrum::CleanBins& NoiseSpectrum::Clean() const {
@@ -193,7 +190,7 @@ double NoiseSpectrum::SkirtVariance(double tone, const Band& band, std::span<con
     for (std::size_t bin = skirt.from; bin < skirt.to; ++bin)
         power += ShareInBand(bin, binHz_, band) * GainAt(powerGains, static_cast<double>(bin)) *
                  Clean().power[bin];
-    return Squared(power) * kMedianVariance * correlatedBins_ / records_;
+    return Square(power) * kMedianVariance * correlatedBins_ / records_;
 }
 
 double NoiseSpectrum::SwallowedPower(const Band& band, std::span<const double> powerGains) const {

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace sonavex {
+
+constexpr double Square(double x) {
+    return x * x;
+}
+
+}  // namespace sonavex
