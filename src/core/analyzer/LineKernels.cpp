@@ -1,6 +1,7 @@
 #include "core/analyzer/LineKernels.h"
 
 #include <cmath>
+#include <cstring>
 
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__) && \
     !defined(SONAVEX_SANITIZED)
@@ -14,10 +15,18 @@ namespace {
 
 // Four numbers that the compiler keeps in one register, or in two. Written out, because GCC 12 vectorises
 // loops over partial sums in the wrong direction.
-using Four = double __attribute__((vector_size(32), aligned(8), may_alias));
+using Four = double __attribute__((vector_size(32)));
 
-const Four& FourAt(const double* x) {
-    return *reinterpret_cast<const Four*>(x);
+inline void Load(const double* x, Four& four) {
+    std::memcpy(&four, x, sizeof four);
+}
+
+inline void AddProduct(const double* a, const double* b, Four& sum) {
+    Four fourA;
+    Four fourB;
+    Load(a, fourA);
+    Load(b, fourB);
+    sum += fourA * fourB;
 }
 
 // Independent partial sums, which every machine adds in the same order.
@@ -74,8 +83,8 @@ Sums Matched(const double* x, const double* re, const double* im, std::size_t n)
     std::size_t i = 0;
     for (; i + kLanes <= n; i += kLanes) {
         for (std::size_t j = 0; j < kFours; ++j) {
-            foursRe[j] += FourAt(x + i + 4 * j) * FourAt(re + i + 4 * j);
-            foursIm[j] += FourAt(x + i + 4 * j) * FourAt(im + i + 4 * j);
+            AddProduct(x + i + 4 * j, re + i + 4 * j, foursRe[j]);
+            AddProduct(x + i + 4 * j, im + i + 4 * j, foursIm[j]);
         }
     }
     Sums sums{Total(foursRe), Total(foursIm)};
@@ -102,7 +111,11 @@ double Sum(const double* x, std::size_t n) {
     Four fours[kFours] = {};
     std::size_t i = 0;
     for (; i + kLanes <= n; i += kLanes)
-        for (std::size_t j = 0; j < kFours; ++j) fours[j] += FourAt(x + i + 4 * j);
+        for (std::size_t j = 0; j < kFours; ++j) {
+            Four four;
+            Load(x + i + 4 * j, four);
+            fours[j] += four;
+        }
     double sum = Total(fours);
     for (; i < n; ++i) sum += x[i];
     return sum;
@@ -113,7 +126,7 @@ double Dot(const double* a, const double* b, std::size_t n) {
     Four fours[kFours] = {};
     std::size_t i = 0;
     for (; i + kLanes <= n; i += kLanes)
-        for (std::size_t j = 0; j < kFours; ++j) fours[j] += FourAt(a + i + 4 * j) * FourAt(b + i + 4 * j);
+        for (std::size_t j = 0; j < kFours; ++j) AddProduct(a + i + 4 * j, b + i + 4 * j, fours[j]);
     double sum = Total(fours);
     for (; i < n; ++i) sum += a[i] * b[i];
     return sum;
@@ -124,8 +137,13 @@ double SquareDot(const double* a, const double* b, std::size_t n) {
     Four fours[kFours] = {};
     std::size_t i = 0;
     for (; i + kLanes <= n; i += kLanes)
-        for (std::size_t j = 0; j < kFours; ++j)
-            fours[j] += FourAt(a + i + 4 * j) * FourAt(a + i + 4 * j) * FourAt(b + i + 4 * j);
+        for (std::size_t j = 0; j < kFours; ++j) {
+            Four fourA;
+            Four fourB;
+            Load(a + i + 4 * j, fourA);
+            Load(b + i + 4 * j, fourB);
+            fours[j] += fourA * fourA * fourB;
+        }
     double sum = Total(fours);
     for (; i < n; ++i) sum += a[i] * a[i] * b[i];
     return sum;
@@ -137,7 +155,9 @@ double FourthPowers(const double* x, std::size_t n) {
     std::size_t i = 0;
     for (; i + kLanes <= n; i += kLanes) {
         for (std::size_t j = 0; j < kFours; ++j) {
-            const Four square = FourAt(x + i + 4 * j) * FourAt(x + i + 4 * j);
+            Four four;
+            Load(x + i + 4 * j, four);
+            const Four square = four * four;
             fours[j] += square * square;
         }
     }
