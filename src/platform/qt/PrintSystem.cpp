@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QThread>
 #include <QTimer>
 
 #include "core/support/RuntimeError.h"
@@ -28,47 +29,43 @@ QString Complaint(const QString& program, const QByteArray& errors) {
     return text.isEmpty() ? QStringLiteral("The print system reports an error.") : text;
 }
 
-bool IsInput(QEvent::Type type) {
-    switch (type) {
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-        case QEvent::ShortcutOverride:
+bool IsInput(const QEvent& event) {
+    switch (event.type()) {
         case QEvent::Shortcut:
         case QEvent::InputMethod:
-        case QEvent::ContextMenu:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::MouseMove:
-        case QEvent::Wheel:
-        case QEvent::TouchBegin:
-        case QEvent::TouchUpdate:
-        case QEvent::TouchEnd:
-        case QEvent::TouchCancel:
-        case QEvent::TabletPress:
-        case QEvent::TabletMove:
-        case QEvent::TabletRelease:
-        case QEvent::NativeGesture:
             return true;
-        default:
+        case QEvent::Enter:
+        case QEvent::HoverEnter:
+        case QEvent::HoverMove:
+        case QEvent::HoverLeave:
             return false;
+        default:
+            return event.isInputEvent();
     }
 }
 
-// Discards user input while it exists. An event loop that excludes user input would also hold back the window
-// manager's request to close a window.
+// Discards user input while the next event loop runs, but not input for a dialog that opens meanwhile: the
+// dialog runs a deeper loop and blocks the other windows. An event loop that excludes user input would also
+// hold back the window manager's request to close a window.
 class DiscardedInput : public QObject {
 public:
     DiscardedInput() { QCoreApplication::instance()->installEventFilter(this); }
 
 protected:
-    bool eventFilter(QObject*, QEvent* event) override { return IsInput(event->type()); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        return IsInput(*event) && QThread::currentThread()->loopLevel() <= level_;
+    }
+
+private:
+    const int level_ = QThread::currentThread()->loopLevel() + 1;
 };
 
-// Waits until the process has ended or the limit has passed.
-void Wait(QProcess& process, const QString& program, const QStringList& arguments, int limitMs,
+// Waits until the process has ended or the limit has passed. A dialog that opens meanwhile extends the wait,
+// but the process is killed at the limit. False when the limit ended the process.
+bool Wait(QProcess& process, const QString& program, const QStringList& arguments, int limitMs,
           const QByteArray& input, Ending& ending) {
     QEventLoop loop;
+    bool inTime = true;
     QObject::connect(&process, &QProcess::started, &loop, [&] {
         process.write(input);
         process.closeWriteChannel();
@@ -76,11 +73,17 @@ void Wait(QProcess& process, const QString& program, const QStringList& argument
     QObject::connect(&process, &QProcess::stateChanged, &loop, [&](QProcess::ProcessState state) {
         if (state == QProcess::NotRunning) loop.quit();
     });
-    QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
+    QTimer::singleShot(limitMs, &loop, [&] {
+        if (process.state() == QProcess::NotRunning) return;
+        inTime = false;
+        process.kill();
+        loop.quit();
+    });
     process.start(program, arguments);
-    if (process.state() == QProcess::NotRunning) return;
+    if (process.state() == QProcess::NotRunning) return true;
     const DiscardedInput discarded;
     ending.Wait([&] { loop.exec(); }, [&] { loop.quit(); });
+    return inTime;
 }
 
 void Kill(QProcess& process) {
@@ -106,13 +109,14 @@ PrintSystem::Answer PrintSystem::Run(const QString& program, const QStringList& 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     process.setProcessEnvironment(environment);
+    bool inTime = false;
     try {
-        Wait(process, program, arguments, limitMs, input, ending_);
+        inTime = Wait(process, program, arguments, limitMs, input, ending_);
     } catch (const EndProgram&) {
         Kill(process);
         throw;
     }
-    if (process.state() != QProcess::NotRunning) {
+    if (!inTime) {
         Kill(process);
         return {{}, QStringLiteral("The print system does not answer.")};
     }

@@ -10,9 +10,10 @@ namespace sonavex {
 
 // The system's printers (CUPS), through its programs lpstat, lp and lpoptions. Each call waits in a nested
 // event loop for at most three seconds, or fifteen for a document. The loop delivers signals, timers and the
-// window manager's requests to close a window; keys, mouse and touch are discarded. A request to end the
-// program kills the program being waited for; the call then throws EndProgram. An application object must
-// exist. For the thread of that object.
+// window manager's requests to close a window; keys, mouse and touch are discarded, except in a dialog that
+// opens meanwhile. Such a dialog extends the call, but not the time of the program being waited for. A
+// request to end the program kills the program being waited for; the call then throws EndProgram. An
+// application object must exist. For the thread of that object.
 class PrintSystem {
 public:
     // The request must outlive this object.

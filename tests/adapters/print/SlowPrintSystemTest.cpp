@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QMessageBox>
 #include <QTimer>
 #include <QWindow>
 #include <chrono>
@@ -159,6 +160,35 @@ TEST_F(SlowPrintSystem, OnlyClosingReachesAWindowUntilThePrintersAreKnown) {
     EXPECT_THAT(window.Received, ElementsAre(QEvent::Close));
     window.SendAll();
     EXPECT_EQ(window.Received.size(), 14U);
+}
+
+// The box is the program's only answer to the user, so the key goes the way of a pressed one, through its
+// window.
+TEST_F(SlowPrintSystem, ABoxThatOpensMeanwhileIsAnsweredAndTheLimitStillKills) {
+    Program("lpstat", "echo $$ > " + Calls() + "; exec sleep 60");
+    QMessageBox box(QMessageBox::Critical, "Error", "The card is gone.",
+                    QMessageBox::Ok | QMessageBox::Cancel);
+    box.setDefaultButton(QMessageBox::Ok);
+    bool killed = false;
+    QTimer untilKilled;
+    QObject::connect(&untilKilled, &QTimer::timeout, [&] {
+        if (kill(RunningSince(Calls()), 0) == 0) return;
+        killed = true;
+        untilKilled.stop();
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QCoreApplication::sendEvent(box.windowHandle(), &key);
+        QKeyEvent release(QEvent::KeyRelease, Qt::Key_Return, Qt::NoModifier);
+        QCoreApplication::sendEvent(box.windowHandle(), &release);
+    });
+    QTimer::singleShot(500ms, [&] {
+        untilKilled.start(50ms);
+        QTimer::singleShot(8s, &box, &QDialog::reject);
+        box.exec();
+    });
+    Press();
+    EXPECT_TRUE(killed);
+    EXPECT_EQ(box.result(), QMessageBox::Ok);
+    EXPECT_EQ(note, "The print system does not answer. The report can be written to a PDF file.");
 }
 
 TEST_F(SlowPrintSystem, StopsAtTheFirstCopyThatFails) {
