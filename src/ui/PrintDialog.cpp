@@ -39,12 +39,14 @@ PrintDialog::~PrintDialog() {
     form_.ChooseFile = {};
 }
 
-// No overwrite question here, because the form asks it.
+// No overwrite question here, because the form asks it. The desktop's own file dialog runs loops that a
+// request to end the program cannot end.
 std::string PrintDialog::AskForFile(const std::string& first) {
     const QFileInfo suggested(QString::fromStdString(first));
     QFileDialog dialog(this, tr("PDF file"), suggested.path(), tr("PDF files (*.pdf)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.selectFile(suggested.fileName());
     Wait(dialog);
     return dialog.result() == QDialog::Accepted ? dialog.selectedFiles().value(0).toStdString()

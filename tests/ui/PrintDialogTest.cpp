@@ -85,6 +85,7 @@ TEST_F(PrintDialogWindow, TakesTheFileThatIsBrowsed) {
                               [&](QDialog& dialog) {
                                   const auto& files = dynamic_cast<QFileDialog&>(dialog);
                                   EXPECT_EQ(files.selectedFiles(), QStringList(file));
+                                  EXPECT_TRUE(files.testOption(QFileDialog::DontUseNativeDialog));
                                   dialog.accept();
                               }});
     rig.form.cmdPrint.Press();
