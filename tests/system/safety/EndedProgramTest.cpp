@@ -161,6 +161,27 @@ TEST_F(ClosedProgram, EndsInTimeOverAMessageInADialog) {
     OpenAndClose("message");
 }
 
+TEST_F(ClosedProgram, EndsInTimeOverTheErrorInsideARestart) {
+    OpenAndClose("restart=" + server_.LoadNullSink({"other", 48000, "Other-Card"}));
+}
+
+TEST_F(ClosedProgram, EndsInTimeOverADialogInsideATickOfASweep) {
+    OpenAndClose("sweep");
+}
+
+TEST_F(ClosedProgram, EndsInTimeOverTheFileDialog) {
+    OpenAndClose("files");
+}
+
+TEST_F(ClosedProgram, EndsInTimeOverTheMenuOfTheFileDialog) {
+    OpenAndClose("menu");
+}
+
+TEST_F(ClosedProgram, EndsInTimeOverTheQuestionOfTheFileDialog) {
+    OpenAndClose("delete");
+    EXPECT_TRUE(std::filesystem::exists(Document()));
+}
+
 TEST_F(ClosedProgram, EndsInTimeWhileThePrintSystemIsWaitedFor) {
     FakeThatHangs("lpstat");
     OpenAndClose("printers");
@@ -171,17 +192,28 @@ TEST_F(ClosedProgram, KeepsWhatWasTypedBeforeTheDialogOpened) {
     EXPECT_THAT(FileText(account_.SettingsFile()), HasSubstr("\nCurrent Signal Start=440\n"));
 }
 
-class EndedProgramAlone : public EndedProgram {};
+class EndedProgramAlone : public EndedProgram {
+protected:
+    void EndWhileTheServerHangs(ChildProcess& child) {
+        server_.Pause();
+        child.Send(SIGTERM);
+        EXPECT_TRUE(child.WaitForEnd(kHungLimit)) << Output();
+        server_.Continue();
+        EXPECT_EQ(child.Status(), 0);
+        EXPECT_TRUE(std::filesystem::exists(account_.Journal())) << "the next start restores the levels";
+    }
+};
 
 TEST_F(EndedProgramAlone, EndsInTimeWhileTheServerHangs) {
     const auto child = Start({SONAVEX_PROGRAM});
     ASSERT_TRUE(WaitUntil([&] { return Runs(); })) << Output();
-    server_.Pause();
-    child->Send(SIGTERM);
-    EXPECT_TRUE(child->WaitForEnd(kHungLimit)) << Output();
-    server_.Continue();
-    EXPECT_EQ(child->Status(), 0);
-    EXPECT_TRUE(std::filesystem::exists(account_.Journal())) << "the next start restores the levels";
+    EndWhileTheServerHangs(*child);
+}
+
+TEST_F(EndedProgramAlone, EndsInTimeOverADialogWhileTheServerHangs) {
+    const auto child = Start(OpenDialog("about"));
+    ASSERT_TRUE(WaitUntil([&] { return DialogOpen() && Runs(); })) << Output();
+    EndWhileTheServerHangs(*child);
 }
 
 // The settings cannot be written, because a file has the place of their folder.
