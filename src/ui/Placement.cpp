@@ -83,9 +83,9 @@ void Placement::Follow() {
         return;
     }
     // A window that opens again can pass through other places while it gets its frame.
-    const bool here = place == placedAt_ || place == framedAt_;
-    state_ = here ? State::kPlaced : State::kMovedByUser;
-    const QPoint ofForm = here ? formPlace_ : place - PrimaryOrigin();
+    const bool atOurPlace = place == placedAt_ || place == framedAt_;
+    state_ = atOurPlace ? State::kPlaced : State::kMovedByUser;
+    const QPoint ofForm = atOurPlace ? formPlace_ : place - PrimaryOrigin();
     frame_.Move(ofForm.x(), ofForm.y());
 }
 
