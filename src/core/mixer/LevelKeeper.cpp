@@ -70,10 +70,18 @@ bool LevelKeeper::Save(const MixerDevice& device) {
     return levels.has_value();
 }
 
+// A sound system that does not answer leaves the name as it is. Saved under that name, the instrument's own
+// levels would count as the user's, so the last known answer then applies.
+MixerDevice LevelKeeper::Lasting(const MixerDevice& device) {
+    const MixerDevice lasting = levels_.Lasting(device);
+    if (lasting == device) return lasting_.try_emplace({device.side, device.name}, device).first->second;
+    return lasting_.insert_or_assign({device.side, device.name}, lasting).first->second;
+}
+
 bool LevelKeeper::Use(std::vector<MixerDevice> devices) {
     ReadJournal();
     for (MixerDevice& device : devices)
-        if (!device.name.empty()) device = levels_.Lasting(device);
+        if (!device.name.empty()) device = Lasting(device);
     const auto gone = std::stable_partition(inUse_.begin(), inUse_.end(), [&](const Kept& kept) {
         return std::find(devices.begin(), devices.end(), kept.device) != devices.end();
     });

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/mixer/DeviceLevels.h"
@@ -40,11 +42,13 @@ private:
     void WriteJournal();
     bool TryRestore(const Kept& kept);
     bool Save(const MixerDevice& device);
+    MixerDevice Lasting(const MixerDevice& device);
 
     DeviceLevels& levels_;
     MixerJournal& journal_;
-    std::vector<Kept> inUse_;    // by lasting names
-    std::vector<Kept> waiting_;  // of absent devices
+    std::vector<Kept> inUse_;                                           // by lasting names
+    std::vector<Kept> waiting_;                                         // of absent devices
+    std::map<std::pair<MixerSide, std::string>, MixerDevice> lasting_;  // last known, by the names used
     bool journalRead_ = false;
 };
 

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <utility>
+
 #include "core/mixer/LevelKeeper.h"
 #include "support/MixerWorld.h"
 
@@ -183,6 +185,20 @@ TEST(Keeper, RestoresADeviceThatATwinHasRenamedAfterAKill) {
     LevelKeeper next(rig.levels, rig.journal);
     next.Use({{MixerSide::kPlayback, "Twin [b]"}});
     EXPECT_THAT(rig.Level("Twin [a]"), ElementsAre(10));
+}
+
+TEST(Keeper, KeepsADeviceInUseWhileTheSoundSystemIsSilent) {
+    TwinRig rig;
+    const auto devices = std::exchange(rig.hardware.playback, {});
+    const auto names = std::exchange(rig.hardware.lastingNames, {});
+    EXPECT_FALSE(rig.keeper.Use({kTwin}));
+    rig.hardware.playback = devices;
+    EXPECT_FALSE(rig.keeper.Use({kTwin})) << "the device answers again, but not with its lasting name";
+    EXPECT_THAT(rig.Level("Twin [a]"), ElementsAre(1));
+    rig.hardware.lastingNames = names;
+    rig.keeper.Restore();
+    EXPECT_THAT(rig.Level("Twin [a]"), ElementsAre(10));
+    EXPECT_EQ(rig.journal.text, "");
 }
 
 TEST(Keeper, LeavesATwinAloneThatHasTakenTheName) {
