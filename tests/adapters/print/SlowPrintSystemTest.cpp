@@ -162,8 +162,8 @@ TEST_F(SlowPrintSystem, OnlyClosingReachesAWindowUntilThePrintersAreKnown) {
     EXPECT_EQ(window.Received.size(), 14U);
 }
 
-// The box is the program's only answer to the user, so the key goes the way of a pressed one, through its
-// window.
+// The key passes through the window of the box, like a key of the user. Calling accept() would close the box
+// without input.
 TEST_F(SlowPrintSystem, ABoxThatOpensMeanwhileIsAnsweredAndTheLimitStillKills) {
     Program("lpstat", "echo $$ > " + Calls() + "; exec sleep 60");
     QMessageBox box(QMessageBox::Critical, "Error", "The card is gone.",
