@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdio>
 #include <memory>
-#include <numeric>
 
 #include "app/measure/MeasureError.h"
 #include "app/measure/Recording.h"
@@ -58,11 +57,7 @@ void WriteFloatWav(const std::string& path, std::span<const double> samples, std
 }
 
 void SpectrumMean::Add(std::span<const double> samples) {
-    const double mean =
-        std::accumulate(samples.begin(), samples.end(), 0.0) / static_cast<double>(samples.size());
-    std::vector<double> ac(samples.begin(), samples.end());
-    for (double& value : ac) value -= mean;
-    const std::vector<double> power = plan_.PowerSpectrum(ac);
+    const std::vector<double> power = plan_.AcPowerSpectrum(samples);
     power_.resize(power.size());
     ++records_;
     for (std::size_t j = 0; j < power.size(); ++j)

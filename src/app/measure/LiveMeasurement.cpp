@@ -111,7 +111,7 @@ void LiveMeasurement::CreateEngineDevices() {
 void LiveMeasurement::Start() {
     CheckDevices();
     CreateEngineDevices();
-    const Band band = AnalysisBand(rateHz_);
+    const BandEdges band = AnalysisBand(rateHz_);
     instrument_.Meter.SetUpAnalysis(band.lowHz, band.highHz);
     instrument_.Engine.ResetStream();
     StartTones(instrument_.Meter.Generator, tones_);

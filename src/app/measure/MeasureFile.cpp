@@ -121,7 +121,7 @@ int MeasureFile(const FileOptions& options) {
     PrepareMeter(meter, options, shared.SampleRate);
     OutputFile output(options.output, options.input, shared.SampleRate);
 
-    const Band band = AnalysisBand(shared.SampleRate, options.lowEdgeHz);
+    const BandEdges band = AnalysisBand(shared.SampleRate, options.lowEdgeHz);
     meter.SetUpAnalysis(band.lowHz, band.highHz);
     StartTones(meter.Generator, tones);
     BlockTicks sweeps(meter.Generator, shared.SampleRate);

@@ -190,7 +190,7 @@ LinesMeasurement MeasurePair(const RecordPlan& plan, Record record, std::span<co
                              const Band& band, FittedLines* fit) {
     LinesMeasurement measurement;
     if (!Begin(plan, record, true, measurement)) return measurement;
-    const std::vector<double> tones = FindPair(plan, plan.PowerSpectrum(record.samples), tonesHz);
+    const std::vector<double> tones = FindPair(plan, plan.AcPowerSpectrum(record.samples), tonesHz);
     if (tones.size() < 2) {
         measurement.voids.push_back(NoTone("There are no two tones."));
         return measurement;
@@ -215,7 +215,7 @@ LinesMeasurement MeasureMultitone(const RecordPlan& plan, Record record, std::sp
     if (!Begin(plan, record, true, measurement)) return measurement;
     std::vector<double> tones(tonesHz.begin(), tonesHz.end());
     std::sort(tones.begin(), tones.end());
-    const std::optional<double> ratio = ClockRatio(plan, plan.PowerSpectrum(record.samples), tones);
+    const std::optional<double> ratio = ClockRatio(plan, plan.AcPowerSpectrum(record.samples), tones);
     if (!ratio) {
         measurement.voids.push_back(NoTone("None of the tones is found."));
         return measurement;

@@ -152,7 +152,7 @@ ToneMeasurement MeasureTone(const RecordPlan& plan, Record record, const ToneSet
     }
     record = record.Last(plan.Length());
     AddLevelFaults(record, measurement.voids, measurement.warnings);
-    std::vector<double> power = plan.PowerSpectrum(record.samples);
+    std::vector<double> power = plan.AcPowerSpectrum(record.samples);
     const std::optional<double> position = StrongestPeak(power, SearchRange(plan, settings));
     FittedLines own;
     if (!position)

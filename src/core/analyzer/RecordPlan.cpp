@@ -100,4 +100,13 @@ std::vector<double> RecordPlan::PowerSpectrum(std::span<const double> samples) c
     return power;
 }
 
+std::vector<double> RecordPlan::AcPowerSpectrum(std::span<const double> samples) const {
+    const AnalysisWindow& window = plan_->window;
+    const double dc =
+        line_kernels::Dot(samples.data(), window.Values().data(), window.Length()) / window.Sum();
+    std::vector<double> ac(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(window.Length()));
+    for (double& value : ac) value -= dc;
+    return PowerSpectrum(ac);
+}
+
 }  // namespace sonavex

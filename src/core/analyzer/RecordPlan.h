@@ -29,6 +29,9 @@ public:
     // the samples (a sine of amplitude 1 gives 0.5, spread over the bins of the main lobe).
     std::vector<double> PowerSpectrum(std::span<const double> samples) const;
 
+    // The same without dc, whose main lobe would hide weaker lines below 7 bins or pass for one.
+    std::vector<double> AcPowerSpectrum(std::span<const double> samples) const;
+
     // Squared gains of the weightings at each bin.
     std::span<const double> APowerGains() const noexcept;
     std::span<const double> PowerGains468() const noexcept;

@@ -174,7 +174,7 @@ bool StreamEngine::ReStart(Reporting reporting) {
     DestroyEvents([this] { needs_.loop.Yield(); });
     ReleaseObjects();
     needs_.processor.StreamDisturbed();
-    const Band band = AnalysisBand(needs_.shared.SampleRate, kLowEdgeAfterRestartHz);
+    const BandEdges band = AnalysisBand(needs_.shared.SampleRate, kLowEdgeAfterRestartHz);
     needs_.processor.SetUpAnalysis(band.lowHz, band.highHz);
     if (!CreateDevices() || !SetEvents()) return false;
     PlayBlockIndex = 0;

@@ -169,7 +169,7 @@ void frmMain::StartStream() {
     if (!Instrument.Engine.SetEvents()) ChooseDevices();
     Instrument.Engine.RestartPending = true;
     Instrument.Meter.Analysis().HistIndex = 0;
-    const Band band = AnalysisBand(Instrument.Shared.SampleRate);
+    const BandEdges band = AnalysisBand(Instrument.Shared.SampleRate);
     Instrument.Meter.SetUpAnalysis(band.lowHz, band.highHz);
     needs_.mixers.CaptureAndApplySaved(Instrument.Shared.NewerGeneration());
     Reached(Started::kMixers);

@@ -393,6 +393,17 @@ TEST(MeasureTone, ALossReportedByTheEngineIsVoid) {
     EXPECT_EQ(reading.voids[0].sentence, "512 frames lost");
 }
 
+TEST(MeasureTone, LargeDcNeitherHidesTheToneNorPassesForOne) {
+    for (const double dc : {0.5, -0.3}) {
+        Samples x = Tone(997.0);
+        for (double& value : x) value = 1e-3 * value + dc;
+        const Reading reading = Read(x);
+        ASSERT_TRUE(reading.Valid());
+        EXPECT_NEAR(*reading.frequencyHz.value, 997.0, 1e-6);
+        EXPECT_NEAR(*reading.dc.value, dc, 1e-12);
+    }
+}
+
 TEST(MeasureTone, SamplesThatAreNotFiniteAreVoid) {
     for (const double wrong :
          {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
