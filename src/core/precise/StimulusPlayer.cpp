@@ -61,6 +61,7 @@ void StimulusPlayer::Render(const StimulusChoice& choice) {
 void StimulusPlayer::TakeRendered(std::uint64_t order, StimulusSource::Sound sound) {
     if (order != order_ || state_ != State::kRendering || interrupted_) return;
     lines_ = sound.signal.Lines();
+    PutFirst(sound);
     if (!heard_) source_.Reset(needs_.instrument.Shared.SampleRate);
     source_.Play(std::move(sound));
     if (std::exchange(heard_, true)) {
@@ -69,6 +70,22 @@ void StimulusPlayer::TakeRendered(std::uint64_t order, StimulusSource::Sound sou
         needs_.instrument.Fine.SetSource(&source_);
         needs_.instrument.Engine.SetFullVolume(true);
     }
+    SetState(afterFirst_ ? State::kFirstSignal : State::kPlaying);
+}
+
+void StimulusPlayer::PutFirst(StimulusSource::Sound& sound) {
+    afterFirst_.reset();
+    if (heard_ || !FirstSignal) return;
+    std::optional<StimulusSignal> first = FirstSignal(choice_.levelDbfs);
+    if (!first) return;
+    afterFirst_ = sound;
+    sound.signal = std::move(*first);
+}
+
+void StimulusPlayer::Continue() {
+    if (state_ != State::kFirstSignal) return;
+    source_.Play(std::move(*std::exchange(afterFirst_, std::nullopt)));
+    needs_.instrument.Fine.Refill();
     SetState(State::kPlaying);
 }
 

@@ -54,6 +54,14 @@ public:
     // Stops without a ramp.
     void StopAtOnce();
 
+    // Called before the first stimulus after silence is heard, with its level in dBFS. A signal is played on
+    // the stimulus' sides until Continue is called, nothing lets the stimulus start at once. May be empty.
+    std::function<std::optional<StimulusSignal>(double levelDbfs)> FirstSignal;
+    // Plays the stimulus after the first signal; does nothing without one.
+    void Continue();
+
+    enum class State { kOff, kRendering, kFirstSignal, kPlaying, kEnding };
+    State Now() const noexcept { return state_; }
     // From Start until the end has been played.
     bool Active() const noexcept { return state_ != State::kOff; }
     // The tones as played; empty until the stimulus is rendered, and for noise.
@@ -65,10 +73,9 @@ public:
     std::function<void()> OnChanged;
 
 private:
-    enum class State { kOff, kRendering, kPlaying, kEnding };
-
     void Render(const StimulusChoice& choice);
     void TakeRendered(std::uint64_t order, StimulusSource::Sound sound);
+    void PutFirst(StimulusSource::Sound& sound);
     void Check();
     void CheckEngine();
     void SetState(State state);
@@ -76,6 +83,7 @@ private:
     Needs needs_;
     StimulusSource source_;
     StimulusChoice choice_;
+    std::optional<StimulusSource::Sound> afterFirst_;  // the stimulus that follows the first signal
     State state_ = State::kOff;
     bool heard_ = false;               // source_ plays
     bool interrupted_ = false;         // the engine does not run

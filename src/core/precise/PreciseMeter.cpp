@@ -1,0 +1,239 @@
+#include "core/precise/PreciseMeter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace sonavex {
+namespace {
+
+// FineStream promises that a change is heard within this time plus the delay of the device.
+constexpr double kWrittenBeforeSeconds = 0.05;
+// From a frame that the device has played to its capture, when it was not measured.
+constexpr double kUnknownDelaySeconds = 0.2;
+// For ramps of the stimulus and for the device under test to settle.
+constexpr double kSettlingSeconds = 0.05;
+// The longest path that the burst measures.
+constexpr double kLongestDelaySeconds = 1.0;
+
+constexpr int kBlockBits = 16;
+constexpr std::uint64_t kSilentBlocks = 8;
+constexpr std::int32_t kFrameBytes = 4;
+
+bool Contains(const std::vector<Void>& voids, VoidCode code) {
+    return std::any_of(voids.begin(), voids.end(), [code](const Void& fault) { return fault.code == code; });
+}
+
+PreciseState StateOf(const Reading& reading) {
+    if (Contains(reading.voids, VoidCode::kOverload)) return PreciseState::kOverload;
+    if (!reading.Valid()) return PreciseState::kVoid;
+    for (const Warning& warning : reading.warnings)
+        if (warning.code == WarningCode::kUnsteadyTone) return PreciseState::kUnsteady;
+    return PreciseState::kValid;
+}
+
+// Frames that the device holds: it has taken them and not played.
+std::uint64_t HeldFrames(PlaybackBuffer& buffer) {
+    const BufferCursors cursors = buffer.GetCurrentPosition();
+    const std::int32_t held = cursors.write - cursors.play;
+    return static_cast<std::uint64_t>((held < 0 ? held + StreamEngine::kPlaybackBytes : held) / kFrameBytes);
+}
+
+}  // namespace
+
+PreciseMeter::PreciseMeter(const Needs& needs) : needs_(needs) {}
+
+PreciseMeter::~PreciseMeter() {
+    Stop();
+}
+
+void PreciseMeter::Start(const PreciseSettings& settings) {
+    const std::size_t length = settings.length != 0 ? settings.length : DefaultRecordLength(settings.rateHz);
+    if (!plan_ || plan_->Length() != length || plan_->RateHz() != settings.rateHz) {
+        plan_ = std::make_shared<const RecordPlan>(length, settings.rateHz);
+    }
+    settings_ = settings;
+    records_.emplace(length);
+    average_.emplace(plan_, settings);
+    search_.reset();
+    BeginAgain(0);
+    awaitingFirstBlock_ = true;
+    needs_.fine.SetSink([this](const FineFrames& block) { Take(block); });
+}
+
+void PreciseMeter::Stop() {
+    if (!records_) return;
+    needs_.fine.SetSink({});
+    records_.reset();
+}
+
+void PreciseMeter::StimulusChanged() {
+    if (!records_) return;
+    search_.reset();
+    BeginAgain(CapturedFrames() + Frames(kWrittenBeforeSeconds) + DelayFrames() + Frames(kSettlingSeconds));
+}
+
+void PreciseMeter::BurstStarted() {
+    if (!records_) return;
+    delayFrames_.reset();
+    BeginAgain(std::numeric_limits<std::uint64_t>::max());
+    burstWritten_ = CapturedFrames();
+    delayStarts_ = PresentStarts();
+    const std::uint64_t most = DelayFrames() + Frames(kLongestDelaySeconds);
+    search_.emplace(settings_.rateHz, settings_.channel, static_cast<std::size_t>(most));
+}
+
+bool PreciseMeter::DelayKnown() const {
+    return delayFrames_ && delayStarts_ == PresentStarts();
+}
+
+void PreciseMeter::Take(const FineFrames& block) {
+    NoticeOutput();
+    if (block.restarted && !std::exchange(awaitingFirstBlock_, false)) {
+        const bool playing = Playing();
+        Interrupt(playing ? CapturedFrames() + DelayFrames() + Frames(kSettlingSeconds) : block.firstFrame,
+                  "the capture was started again");
+    }
+    awaitingFirstBlock_ = false;
+    if (!records_) return;
+    const std::uint64_t restarts = records_->Restarts();
+    records_->Add(block);
+    if (records_->Restarts() != restarts) NoteInterruption();
+    if (search_) ListenForBurst(block);
+    if (records_ && records_->Due()) Submit();
+}
+
+void PreciseMeter::ListenForBurst(const FineFrames& block) {
+    search_->Add(block);
+    if (search_->Ended()) EndSearch();
+}
+
+void PreciseMeter::EndSearch() {
+    const std::optional<std::uint64_t> burst = search_->Found();
+    search_.reset();
+    if (burst) delayFrames_ = *burst > burstWritten_ ? *burst - burstWritten_ : 0;
+    if (OnBurstEnded) OnBurstEnded();
+}
+
+void PreciseMeter::Submit() {
+    RecordCollection::Channels channels = records_->Take();
+    needs_.background.Run(Background::Line::kAnalysis,
+                          [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_,
+                           conditions = RecordConditions(), restarts = records_->Restarts(),
+                           samples = std::move(channels[settings_.channel])]() -> Background::Result {
+                              Record record = conditions;
+                              record.samples = samples;
+                              auto analysis =
+                                  std::make_shared<RecordAnalysis>(AnalyzeRecord(*plan, settings, record));
+                              return [this, alive, plan, analysis, restarts] {
+                                  if (!alive.expired() && plan == plan_)
+                                      Receive(std::move(*analysis), restarts);
+                              };
+                          });
+}
+
+Record PreciseMeter::RecordConditions() const {
+    return {.samples = {},
+            .rateHz = settings_.rateHz,
+            .bits = needs_.engine.InputBits(),
+            .floatingPoint = false,
+            .live = true};
+}
+
+// A record that was complete before an interruption is not reported after it: the counts of the output may
+// be late.
+void PreciseMeter::Receive(RecordAnalysis analysis, std::uint64_t restarts) {
+    NoticeOutput();
+    if (!records_ || records_->Restarts() != restarts) return;
+    if (VoidsOf(analysis).empty() && LimitedBy16Bit())
+        AddWarning(analysis, {WarningCode::kLimitedBy16Bit, "The sound path delivers no more than 16 bits."});
+    Report(std::move(analysis));
+}
+
+bool PreciseMeter::LimitedBy16Bit() const {
+    return (Playing() && needs_.engine.OutputBits() <= kBlockBits) || needs_.usedBits.Only16();
+}
+
+void PreciseMeter::Report(RecordAnalysis analysis) {
+    const LinesReading reading = average_->Add(analysis);
+    newest_ = std::move(analysis);
+    if (!reading.reading.Valid()) newest_.samples.clear();
+    if (!reading.reading.Valid()) newest_.residual.clear();
+    state_ = StateOf(reading.reading);
+    if (OnReading) OnReading(reading);
+}
+
+LinesReading PreciseMeter::Unfinished() {
+    std::string sentence = "settling " + std::to_string(Collected()) + " of " + std::to_string(Length());
+    if (!interruption_.empty()) sentence += ", " + interruption_;
+    return RecordAverage(plan_, settings_)
+        .Add(VoidRecord(settings_, needs_.engine.InputBits(), {VoidCode::kTooShort, sentence}));
+}
+
+bool PreciseMeter::Playing() const {
+    return needs_.fine.Source() != nullptr || needs_.engine.SilentBlocks < kSilentBlocks;
+}
+
+// The block meter's overruns are not heard while fine frames are played.
+PreciseMeter::OutputCounts PreciseMeter::CountOutput() const {
+    const StreamEngine& engine = needs_.engine;
+    return {engine.PlaybackStarts, engine.FineFramesMissing(), engine.Underruns(),
+            needs_.fine.Source() != nullptr ? 0 : engine.Overruns};
+}
+
+PreciseMeter::Starts PreciseMeter::PresentStarts() const {
+    return {needs_.engine.PlaybackStarts, needs_.engine.CaptureStarts};
+}
+
+std::uint64_t PreciseMeter::CapturedFrames() const {
+    const CaptureBuffer* const buffer = needs_.engine.InputBuffer();
+    return buffer != nullptr ? buffer->Statistics().framesCaptured : 0;
+}
+
+std::uint64_t PreciseMeter::Frames(double seconds) const {
+    return static_cast<std::uint64_t>(std::ceil(seconds * settings_.rateHz));
+}
+
+std::uint64_t PreciseMeter::DelayFrames() const {
+    if (DelayKnown()) return *delayFrames_;
+    PlaybackBuffer* const buffer = needs_.engine.SecondaryBuffer();
+    return (buffer != nullptr ? HeldFrames(*buffer) : 0) + Frames(kUnknownDelaySeconds);
+}
+
+// What is missing in the output arrives at the input after the delay of the path.
+void PreciseMeter::NoticeOutput() {
+    const OutputCounts before = std::exchange(output_, CountOutput());
+    if (!records_ || !Playing() || before == output_) return;
+    std::string cause = "playback was started again";
+    if (output_.missing != before.missing)
+        cause = FramesSentence(output_.missing - before.missing, "missing in the stimulus");
+    else if (output_.underruns != before.underruns)
+        cause = "the output device ran out of samples";
+    else if (output_.overruns != before.overruns)
+        cause = "the output was overrun";
+    Interrupt(CapturedFrames() + DelayFrames() + Frames(kSettlingSeconds), std::move(cause));
+}
+
+void PreciseMeter::BeginAgain(std::uint64_t frame) {
+    records_->BeginAt(frame, "");
+    average_->Restart();
+    output_ = CountOutput();
+    interruption_.clear();
+    state_ = PreciseState::kSettling;
+}
+
+void PreciseMeter::Interrupt(std::uint64_t frame, std::string cause) {
+    records_->BeginAt(frame, std::move(cause));
+    NoteInterruption();
+    if (search_) EndSearch();
+}
+
+// The first record after a start or a change settles however often it is interrupted.
+void PreciseMeter::NoteInterruption() {
+    interruption_ = records_->Cause();
+    if (state_ == PreciseState::kSettling) return;
+    Report(VoidRecord(settings_, needs_.engine.InputBits(), {VoidCode::kDisturbed, interruption_}));
+}
+
+}  // namespace sonavex

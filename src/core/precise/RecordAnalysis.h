@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include "core/analyzer/MeasureLines.h"
+#include "core/analyzer/MeasureTone.h"
+#include "core/analyzer/ToneAverage.h"
+
+namespace sonavex {
+
+enum class PreciseMode {
+    kTone,  // a tone and its harmonics
+    kPair,  // two tones and their products
+    kMultitone,
+    kNoise,
+};
+
+struct PreciseSettings {
+    double rateHz = 48000;
+    std::size_t length = 0;   // samples of a record; 0: DefaultRecordLength
+    std::size_t channel = 0;  // 0 left, 1 right
+    PreciseMode mode = PreciseMode::kTone;
+    ToneSettings tone;            // in the other modes only the band counts
+    std::vector<double> tonesHz;  // of the modes pair and multitone
+    std::size_t averages = 1;     // newest records that count; 0: all since the start or the last change
+};
+
+// What one record contains.
+struct RecordAnalysis {
+    std::variant<ToneMeasurement, LinesMeasurement> values;
+    std::vector<double> samples;
+    std::vector<double> residual;  // empty if there was nothing to fit
+};
+
+// Pure; any thread.
+RecordAnalysis AnalyzeRecord(const RecordPlan& plan, const PreciseSettings& settings, const Record& record);
+// A record that cannot be analysed.
+RecordAnalysis VoidRecord(const PreciseSettings& settings, int bits, Void reason);
+
+const std::vector<Void>& VoidsOf(const RecordAnalysis& analysis);
+void AddWarning(RecordAnalysis& analysis, const Warning& warning);
+
+// The rolling average of records, in any mode.
+class RecordAverage {
+public:
+    RecordAverage(std::shared_ptr<const RecordPlan> plan, PreciseSettings settings);
+
+    // The reading that includes this record.
+    LinesReading Add(const RecordAnalysis& analysis);
+    void Restart();
+
+private:
+    LinesReading AddTone(ToneMeasurement next);
+    LinesReading AddLines(LinesMeasurement next);
+    LinesReading ReadingOf(const LinesMeasurement& lines) const;
+
+    std::shared_ptr<const RecordPlan> plan_;
+    PreciseSettings settings_;
+    ToneAverage tone_;
+    std::deque<LinesMeasurement> newest_;  // only while the number of averages is limited
+    std::optional<LinesMeasurement> all_;
+};
+
+}  // namespace sonavex
