@@ -29,9 +29,11 @@ bool Silent(std::span<const std::int16_t> block) noexcept {
 template <class Buffer>
 std::string NoteOf(const Buffer& buffer, int bitsWanted) {
     std::string note = buffer.PathNote();
-    if (buffer.Bits() >= bitsWanted) return note;
+    const std::string bits = std::to_string(buffer.Bits()) + " bit";
+    // The note of a conversion names the bits itself.
+    if (buffer.Bits() >= bitsWanted || note.find(bits) != std::string::npos) return note;
     if (!note.empty() && note.back() == '.') note.pop_back();
-    return note + (note.empty() ? "" : "; ") + std::to_string(buffer.Bits()) + " bit";
+    return note + (note.empty() ? "" : "; ") + bits;
 }
 
 }  // namespace

@@ -2,6 +2,10 @@
 
 #include <alsa/asoundlib.h>
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 #include "core/ports/SoundErrors.h"
 #include "platform/alsa/AlsaBuffers.h"
 #include "platform/alsa/AlsaDevices.h"
@@ -15,13 +19,21 @@ SoundDeviceList Enumerate(snd_pcm_stream_t direction, const char* primary) {
     return list;
 }
 
+// A card whose directions share a clock reports only the present rate while the other direction is open. What
+// it reported before stays true.
+void Remember(const RateList& rates, RateList& known) {
+    RateList all;
+    std::set_union(known.begin(), known.end(), rates.begin(), rates.end(), std::back_inserter(all));
+    known = std::move(all);
+}
+
 // Reads the rates of a device and remembers them.
 RateList ExtendedRates(const std::string& identifier, snd_pcm_stream_t direction,
                        std::map<std::string, RateList>& known) {
     const AlsaDevice device = FindAlsaDevice(direction, identifier);
     RateList& rates = known[device.info.identifier];
     try {
-        rates = AlsaPcm::ReadExtendedRates(device, direction);
+        Remember(AlsaPcm::ReadExtendedRates(device, direction), rates);
     } catch (const RuntimeError& error) {
         if (error.Number() != sound_error::kAllocated) throw;
     }
@@ -63,7 +75,7 @@ std::unique_ptr<PlaybackDevice> AlsaSoundSystem::CreatePlaybackDevice(const std:
         RequireStereo16(description.format, kRefusal);
         auto buffer = std::make_unique<AlsaPlaybackBuffer>(
             Loop(), device, description, [this](const RuntimeError& error) { ReportLoss(error); });
-        playbackRates_[device.info.identifier] = buffer->ExtendedRates();
+        Remember(buffer->ExtendedRates(), playbackRates_[device.info.identifier]);
         return buffer;
     });
 }
@@ -74,7 +86,7 @@ std::unique_ptr<CaptureDevice> AlsaSoundSystem::CreateCaptureDevice(const std::s
         RequireStereo16(description.format, kRefusal);
         auto buffer = std::make_unique<AlsaCaptureBuffer>(
             Loop(), Hub(), device, description, [this](const RuntimeError& error) { ReportLoss(error); });
-        captureRates_[device.info.identifier] = buffer->ExtendedRates();
+        Remember(buffer->ExtendedRates(), captureRates_[device.info.identifier]);
         return buffer;
     });
 }

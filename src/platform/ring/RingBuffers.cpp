@@ -32,7 +32,7 @@ void RingPlaybackBuffer::PullAs(Sample* samples, std::size_t frames, std::size_t
     const std::size_t delay = std::min(deviceDelay, kMost - std::min(frames, kMost));
     ring_.SetBits(Device().Bits());
     ring_.Pull(samples, frames, delay);
-    clock_.Moved(frames, delay + frames);
+    clock_.Moved(frames, deviceDelay + frames);
 }
 
 void RingPlaybackBuffer::Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept {

@@ -62,7 +62,8 @@ protected:
     PlaybackRing& Ring() noexcept { return ring_; }
     // Audio thread: the next frames for the device, 2 x frames samples of 16 bits or left-justified in 32,
     // rounded to the device's bits. `deviceDelay` is the number of frames that the device took earlier and
-    // has not made audible; it counts up to three blocks.
+    // has not made audible. The play cursor is at most three blocks behind, so that the engine finds room
+    // for a block; at high rates a longer delay is heard later than the cursor says.
     void Pull(std::int16_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
     void Pull(std::int32_t* samples, std::size_t frames, std::size_t deviceDelay) noexcept;
 

@@ -21,8 +21,8 @@ constexpr std::uint32_t FramesOf(std::uint32_t rateHz, std::uint32_t millisecond
 // in milliseconds alone.
 inline constexpr std::uint32_t kHighestBlockRateHz = 48000;
 
-// Frames to keep in the device's playback buffer: enough to outlast a busy moment of the machine, and few
-// enough to leave the delay far below three blocks even when a server adds its own.
+// Frames to keep in the device's playback buffer: enough to outlast a busy moment of the machine. At the
+// indexed rates they leave the delay far below three blocks even when a server adds its own.
 constexpr std::uint32_t PlaybackFrames(std::uint32_t rateHz) noexcept {
     if (rateHz > kHighestBlockRateHz) return FramesOf(rateHz, 80);
     return std::max(std::min(FramesOf(rateHz, 80), std::uint32_t{kBlockFrames * 3 / 2}), 16U);

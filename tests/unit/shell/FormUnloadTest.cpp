@@ -227,6 +227,9 @@ TEST(Path, ShowsTheBitsOfTheDevices) {
     EXPECT_EQ(form.lblBits.Caption(), "in 24 · out 16 bit");
     EXPECT_EQ(form.PathNote.Caption(), "Output: The samples are converted; 16 bit");
     EXPECT_EQ(form.lblSampleRate.Caption(), std::to_string(form.Instrument.Shared.SampleRate));
+    sound.outputPathNote = "The samples are converted, with 16 bits.";
+    world.loop.Advance(std::chrono::milliseconds(1000));
+    EXPECT_EQ(form.PathNote.Caption(), "Output: The samples are converted, with 16 bits.");
 }
 
 TEST(Path, ShowsAnInputThatUsesOnly16Bits) {
