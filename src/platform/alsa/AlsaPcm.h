@@ -72,8 +72,7 @@ private:
     void Open(const std::string& name);
     void FindExtendedRates();
     Lacks Missing(Resampling resampling, const AlsaFormat& format, std::uint32_t rateHz) const;
-    // Stores the formats of these that the device has. Without one, what it lacks for the first that it
-    // takes.
+    // Stores the formats of these that the device has. If it has none of them: what a conversion must change.
     Lacks FindFormats(Resampling resampling, std::span<const AlsaFormat> formats);
     void ConfigureInTurn(Shape wanted);
     void Configure(Shape wanted);

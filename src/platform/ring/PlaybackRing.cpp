@@ -54,7 +54,8 @@ PlaybackRing::Place PlaybackRing::Claim(std::size_t frames) noexcept {
 
 template <class Sample>
 void PlaybackRing::PullAs(Sample* samples, std::size_t frames, std::size_t deviceDelay) noexcept {
-    TakeFine({});  // makes room in a queue that was opened again
+    // A queue that was opened again has room only after this thread has passed the frames put before.
+    TakeFine({});
     if (!playing_.load()) {
         std::fill_n(samples, 2 * frames, Sample{0});
         audible_ = false;
