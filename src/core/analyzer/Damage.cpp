@@ -155,7 +155,7 @@ class StepSearch {
 public:
     StepSearch(std::span<const Complex> errors, double thdn)
         : errors_(errors), least_(std::max(kLeastStep, kStepOverThdn * thdn)) {
-        sums_.push_back(0.0);
+        sums_.emplace_back();
         for (const Complex& error : errors) sums_.push_back(sums_.back() + error);
     }
 

@@ -221,6 +221,7 @@ LinesMeasurement MeasureMultitone(const RecordPlan& plan, Record record, std::sp
         return measurement;
     }
     std::vector<LineToFit> lines;
+    lines.reserve(tones.size());
     for (const double tone : tones)
         lines.push_back({FrequencyOf(tone * *ratio, plan.RateHz()), {tone / tones.back(), 0.0}, 0});
     FittedLines own;

@@ -1,6 +1,7 @@
 #include "core/audio/frmDevices.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -98,6 +99,7 @@ void frmDevices::FillLists() {
 void frmDevices::OfferRates(const std::string& wanted) {
     extendedRates_ = ExtendedRatesOfSelection();
     std::vector<std::string> items;
+    items.reserve(std::size(SampleRateTable) + extendedRates_.size());
     for (const std::int32_t rateHz : SampleRateTable) items.push_back(CStr(rateHz));
     for (const std::int32_t rateHz : extendedRates_) items.push_back(CStr(rateHz));
     const auto found = std::find(items.begin(), items.end(), wanted);
