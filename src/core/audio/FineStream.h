@@ -24,6 +24,9 @@ public:
     virtual int DitherBits() const { return 0; }
 };
 
+// One step of a left-justified 32-bit sample; full scale is 1.
+inline constexpr double kFineStep = 0x1p-31;
+
 // Consecutive captured frames.
 struct FineFrames {
     std::span<const std::int32_t> samples;  // interleaved stereo, left-justified in 32 bits

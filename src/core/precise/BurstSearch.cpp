@@ -8,8 +8,6 @@ namespace {
 // Between two searches.
 constexpr double kStepSeconds = 0.1;
 
-constexpr double kFullScale = 0x1p-31;
-
 }  // namespace
 
 BurstSearch::BurstSearch(double rateHz, std::size_t channel, std::size_t mostFrames)
@@ -21,7 +19,7 @@ void BurstSearch::Add(const FineFrames& block) {
     ended_ = block.firstFrame != firstFrame_ + samples_.size();
     if (ended_) return;
     for (std::size_t i = channel_; i < block.samples.size(); i += 2)
-        samples_.push_back(kFullScale * static_cast<double>(block.samples[i]));
+        samples_.push_back(kFineStep * static_cast<double>(block.samples[i]));
     ended_ = samples_.size() >= mostFrames_;
     if (!ended_ && static_cast<double>(samples_.size() - searched_) < kStepSeconds * rateHz_) return;
     searched_ = samples_.size();

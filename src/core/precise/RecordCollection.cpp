@@ -4,12 +4,6 @@
 #include <utility>
 
 namespace sonavex {
-namespace {
-
-constexpr double kFullScale = 0x1p-31;
-
-}  // namespace
-
 std::string FramesSentence(std::uint64_t frames, const char* fate) {
     return std::to_string(frames) + (frames == 1 ? " frame " : " frames ") + fate;
 }
@@ -42,7 +36,7 @@ void RecordCollection::Add(const FineFrames& block) {
 void RecordCollection::Append(std::span<const std::int32_t> samples) {
     for (std::size_t i = 0; i < samples.size(); i += 2) {
         for (std::size_t c = 0; c < ring_.size(); ++c)
-            ring_[c][next_] = kFullScale * static_cast<double>(samples[i + c]);
+            ring_[c][next_] = kFineStep * static_cast<double>(samples[i + c]);
         next_ = next_ + 1 == length_ ? 0 : next_ + 1;
     }
     collected_ = std::min(length_, collected_ + samples.size() / 2);
