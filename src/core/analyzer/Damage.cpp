@@ -10,13 +10,13 @@
 #include <string>
 #include <vector>
 
+#include "core/analyzer/CarrierError.h"
+#include "core/analyzer/LineKernels.h"
+
 namespace sonavex {
 namespace {
 
 using Complex = std::complex<double>;
-
-// Segments of the carrier's level and phase, when a segment contains enough half periods.
-constexpr double kSegments = 256.0;
 
 // Segments on each side of a place whose means are compared: short ones for losses that follow each other
 // soon, long ones for steps in noise.
@@ -50,99 +50,6 @@ std::string Seconds(double seconds) {
     std::snprintf(text.data(), text.size(), "%.2f s", seconds);
     return text.data();
 }
-
-// The carrier at every sample, from a rotation that starts afresh often enough to stay exact.
-std::vector<Complex> Samples(const FittedLine& carrier, std::size_t length) {
-    constexpr std::size_t kFresh = 256;
-    const double centre = 0.5 * (static_cast<double>(length) - 1.0);
-    const Complex step = std::polar(1.0, 2.0 * std::numbers::pi * carrier.frequency.Sum());
-    std::vector<Complex> samples(length);
-    for (std::size_t n = 0; n < length; ++n) {
-        if (n % kFresh != 0) {
-            samples[n] = samples[n - 1] * step;
-            continue;
-        }
-        const double time = static_cast<double>(n) - centre;
-        const double turns = std::fmod(carrier.frequency.coarse * time, 1.0) + carrier.frequency.fine * time;
-        samples[n] = carrier.amplitude * std::polar(1.0, 2.0 * std::numbers::pi * turns);
-    }
-    return samples;
-}
-
-// Relative error of the fitted carrier in time: real part level, imaginary part phase in radians.
-class CarrierError {
-public:
-    CarrierError(std::span<const double> residual, std::span<const Complex> carrier, double periodSamples)
-        : hop_(SegmentLength(residual.size(), periodSamples) / 2) {
-        const std::vector<double> weights = HannOfSum(2 * hop_, 2.0 / std::norm(carrier.front()));
-        for (std::size_t start = 0; start + 2 * hop_ <= residual.size(); start += hop_)
-            errors_.push_back(Mean(residual.subspan(start), carrier.subspan(start), weights));
-    }
-
-    std::span<const Complex> Segments() const { return errors_; }
-
-    // Between the segments before this one and those from it on, in samples.
-    double BoundaryBefore(std::size_t segment) const {
-        return (static_cast<double>(segment) + 0.5) * static_cast<double>(hop_);
-    }
-
-    // Samples at each end for which an extrapolated error is too uncertain. The window almost hides them.
-    std::size_t Margin() const { return hop_ / 2; }
-
-    // Interpolated between the centres of the segments; before the first and after the last, extrapolated
-    // from three.
-    Complex At(std::size_t sample) const {
-        const double position = static_cast<double>(sample) / static_cast<double>(hop_) - 1.0;
-        const std::size_t last = errors_.size() - 1;
-        if (position < 0.0) return Extrapolated(-position, errors_[0], errors_[1], errors_[2]);
-        if (position >= static_cast<double>(last))
-            return Extrapolated(position - static_cast<double>(last), errors_[last], errors_[last - 1],
-                                errors_[last - 2]);
-        const auto before = static_cast<std::size_t>(position);
-        return errors_[before] +
-               (position - static_cast<double>(before)) * (errors_[before + 1] - errors_[before]);
-    }
-
-private:
-    // Even, and nearly a whole number of half periods: the product of a line and the carrier contains the
-    // double frequency, which the segment must average out.
-    static std::size_t SegmentLength(std::size_t length, double periodSamples) {
-        const double wanted = 2.0 * static_cast<double>(length) / (kSegments + 1.0);
-        const double halfPeriods = std::max(2.0, std::round(2.0 * wanted / periodSamples));
-        return 2 * static_cast<std::size_t>(std::lround(0.25 * halfPeriods * periodSamples));
-    }
-
-    // The parabola through three errors at 0, -1 and -2.
-    static Complex Extrapolated(double position, Complex at0, Complex before1, Complex before2) {
-        const Complex slope = at0 - before1;
-        const Complex curvature = slope - (before1 - before2);
-        return at0 + position * (slope + 0.5 * (position + 1.0) * curvature);
-    }
-
-    static std::vector<double> HannOfSum(std::size_t length, double sum) {
-        std::vector<double> weights(length);
-        const auto n = static_cast<double>(length);
-        for (std::size_t i = 0; i < length; ++i)
-            weights[i] =
-                sum / n * (1.0 - std::cos(2.0 * std::numbers::pi * (static_cast<double>(i) + 0.5) / n));
-        return weights;
-    }
-
-    static Complex Mean(std::span<const double> residual, std::span<const Complex> carrier,
-                        std::span<const double> weights) {
-        double re = 0.0;
-        double im = 0.0;
-        for (std::size_t i = 0; i < weights.size(); ++i) {
-            const double weighed = weights[i] * residual[i];
-            re += weighed * carrier[i].real();
-            im -= weighed * carrier[i].imag();
-        }
-        return {re, im};
-    }
-
-    std::size_t hop_;
-    std::vector<Complex> errors_;
-};
 
 // The largest step of the carrier, in thresholds.
 struct Step {
@@ -212,14 +119,9 @@ std::string BreakSentence(double seconds, long samples) {
 // Rms of the second difference in pieces. The difference shows a step of the waveform as well as a click.
 std::vector<double> RoughnessOfPieces(std::span<const double> x, std::size_t pieceLength) {
     std::vector<double> pieces;
-    for (std::size_t start = 2; start + pieceLength <= x.size(); start += pieceLength) {
-        double sum = 0.0;
-        for (std::size_t n = start; n < start + pieceLength; ++n) {
-            const double difference = x[n] - 2.0 * x[n - 1] + x[n - 2];
-            sum += difference * difference;
-        }
-        pieces.push_back(std::sqrt(sum / static_cast<double>(pieceLength)));
-    }
+    for (std::size_t start = 2; start + pieceLength <= x.size(); start += pieceLength)
+        pieces.push_back(std::sqrt(line_kernels::SecondDifferenceSquares(&x[start], pieceLength) /
+                                   static_cast<double>(pieceLength)));
     return pieces;
 }
 
@@ -244,14 +146,12 @@ Bursts FindBursts(std::span<const double> x, std::size_t start, std::size_t piec
 }
 
 // Bursts in the residual less the followed carrier.
-Bursts FindBursts(std::span<const double> residual, const CarrierError& error, std::span<const Complex> tone,
-                  double periodSamples) {
-    std::vector<double> rest;
+Bursts FindBursts(const CarrierError& error, double amplitude, double periodSamples) {
+    const std::vector<double> rest = error.Remainder();
     const std::size_t margin = error.Margin();
-    for (std::size_t n = margin; n + margin < residual.size(); ++n)
-        rest.push_back(residual[n] - std::real(error.At(n) * tone[n]));
     const auto pieceLength = static_cast<std::size_t>(std::lround(std::max(kShortestPiece, periodSamples)));
-    return FindBursts(rest, margin, pieceLength, kLeastBurst * std::abs(tone.front()));
+    return FindBursts(std::span(rest).subspan(margin, rest.size() - 2 * margin), margin, pieceLength,
+                      kLeastBurst * amplitude);
 }
 
 }  // namespace
@@ -259,10 +159,9 @@ Bursts FindBursts(std::span<const double> residual, const CarrierError& error, s
 Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, double rateHz, double thdn,
                   double startSeconds) {
     const double turnsPerSample = carrier.frequency.Sum();
-    const std::vector<Complex> tone = Samples(carrier, residual.size());
-    const CarrierError error(residual, tone, 1.0 / turnsPerSample);
+    const CarrierError error(residual, carrier);
     const Step step = StepSearch(error.Segments(), thdn).Largest();
-    const Bursts bursts = FindBursts(residual, error, tone, 1.0 / turnsPerSample);
+    const Bursts bursts = FindBursts(error, std::abs(carrier.amplitude), 1.0 / turnsPerSample);
     const bool broken = step.overThreshold > 1.0;
     const bool burst = bursts.events > 0 && bursts.events <= kMostBursts;
     const long samples = SamplesOf(step, 2.0 * std::numbers::pi * turnsPerSample);

@@ -167,6 +167,29 @@ double FourthPowers(const double* x, std::size_t n) {
 }
 
 SONAVEX_EVERY_MACHINE
+double SecondDifferenceSquares(const double* x, std::size_t n) {
+    Four fours[kFours] = {};
+    std::size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes)
+        for (std::size_t j = 0; j < kFours; ++j) {
+            Four here;
+            Four before;
+            Four twoBefore;
+            Load(x + i + 4 * j, here);
+            Load(x + i + 4 * j - 1, before);
+            Load(x + i + 4 * j - 2, twoBefore);
+            const Four difference = here - 2.0 * before + twoBefore;
+            fours[j] += difference * difference;
+        }
+    double sum = Total(fours);
+    for (; i < n; ++i) {
+        const double difference = x[i] - 2.0 * x[i - 1] + x[i - 2];
+        sum += difference * difference;
+    }
+    return sum;
+}
+
+SONAVEX_EVERY_MACHINE
 void Phasors(double coarse, double fine, double first, double step, double* re, double* im, std::size_t n) {
     constexpr double kTwoPi = 6.283185307179586;
     const double fraction = coarse - Rounded(coarse);

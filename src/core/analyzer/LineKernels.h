@@ -31,6 +31,9 @@ double SquareDot(const double* a, const double* b, std::size_t n);
 // sum of x^4
 double FourthPowers(const double* x, std::size_t n);
 
+// sum of (x[i] - 2 x[i - 1] + x[i - 2])^2; two more elements precede x.
+double SecondDifferenceSquares(const double* x, std::size_t n);
+
 // exp(2 pi i (coarse + fine) m) for m = first, first + step ... The products of coarse and m must be exact.
 void Phasors(double coarse, double fine, double first, double step, double* re, double* im, std::size_t n);
 

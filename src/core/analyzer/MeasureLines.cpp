@@ -125,9 +125,7 @@ double RoughRest(const FittedLines& fit, std::size_t tones, const FittedLine& ca
                  const NoiseSpectrum& noise, const Band& band) {
     double power = 0.0;
     for (std::size_t i = tones; i < fit.lines.size(); ++i) power += 0.5 * std::norm(fit.lines[i].amplitude);
-    const std::span<const double> bins = noise.BinPowers();
-    for (std::size_t j = 1; j < bins.size(); ++j)
-        if (band.Contains(static_cast<double>(j) * noise.BinHz()) && !noise.InSkirt(j)) power += bins[j];
+    power += noise.PowerOutsideSkirts(band);
     return std::sqrt(power / (0.5 * std::norm(carrier.amplitude)));
 }
 

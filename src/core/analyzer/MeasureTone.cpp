@@ -81,23 +81,18 @@ void TakeValues(const RecordPlan& plan, const FittedLines& fit, std::vector<doub
 }
 
 // Harmonics and everything in the band but the skirt of the tone, relative to the fundamental.
-double RoughThdn(const RecordPlan& plan, const ToneMeasurement& measurement, const Band& band) {
+double RoughThdn(const NoiseSpectrum& noise, const ToneMeasurement& measurement, const Band& band) {
     double squares = 0.0;
     for (const HarmonicRatio& harmonic : measurement.harmonics)
         if (band.Contains(harmonic.order * measurement.frequencyHz)) squares += std::norm(harmonic.ratio);
     const double fundamentalPower = 0.5 * measurement.amplitude * measurement.amplitude;
-    for (std::size_t j = 1; j < measurement.residualPower.size(); ++j) {
-        const double hertz = static_cast<double>(j) * plan.BinHz();
-        if (band.Contains(hertz) && std::abs(hertz - measurement.frequencyHz) > kGuardBins * plan.BinHz())
-            squares += measurement.residualPower[j] / fundamentalPower;
-    }
-    return std::sqrt(squares);
+    return std::sqrt(squares + noise.PowerOutsideSkirts(band) / fundamentalPower);
 }
 
-void AddDamage(const RecordPlan& plan, const FittedLines& fit, const Band& band, double startSeconds,
+void AddDamage(const NoiseSpectrum& noise, const FittedLines& fit, const Band& band, double startSeconds,
                ToneMeasurement& measurement) {
-    const Damage damage = FindDamage(fit.residual, fit.lines.front(), plan.RateHz(),
-                                     RoughThdn(plan, measurement, band), startSeconds);
+    const Damage damage = FindDamage(fit.residual, fit.lines.front(), measurement.rateHz,
+                                     RoughThdn(noise, measurement, band), startSeconds);
     if (damage.disturbed) measurement.voids.push_back(*damage.disturbed);
     if (damage.impulsiveNoise) measurement.warnings.push_back(*damage.impulsiveNoise);
 }
@@ -110,8 +105,8 @@ void MeasureAt(const RecordPlan& plan, const Record& record, double position, co
     std::vector<double> power = plan.PowerSpectrum(fit.residual);
     const std::vector<double> positions = LinePositions(plan, fit);
     const double amplitude = std::abs(fit.lines.front().amplitude);
-    const double density =
-        NoiseSpectrum(plan, power, positions, {positions.front()}).DensityAt(positions.front());
+    const NoiseSpectrum noise(plan, power, positions, {positions.front()});
+    const double density = noise.DensityAt(positions.front());
     measurement.frequencySigmaHz = FrequencySigmaHz(plan, amplitude, density);
     if (const std::optional<Void> fault = PositionFault(plan, positions.front()))
         measurement.voids.push_back(*fault);
@@ -119,7 +114,7 @@ void MeasureAt(const RecordPlan& plan, const Record& record, double position, co
         measurement.voids.push_back(NoTone("No line is 20 dB above the noise around it."));
     else {
         TakeValues(plan, fit, std::move(power), measurement);
-        AddDamage(plan, fit, settings.band, record.startSeconds, measurement);
+        AddDamage(noise, fit, settings.band, record.startSeconds, measurement);
     }
 }
 

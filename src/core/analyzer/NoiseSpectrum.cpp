@@ -145,6 +145,20 @@ bool NoiseSpectrum::InSkirt(std::size_t bin) const {
     });
 }
 
+double NoiseSpectrum::PowerOutsideSkirts(const Band& band) const {
+    const double size = static_cast<double>(power_.size());
+    const auto from = static_cast<std::size_t>(std::clamp(std::ceil(band.lowHz / binHz_), 1.0, size));
+    const auto to = static_cast<std::size_t>(std::clamp(std::floor(band.highHz / binHz_) + 1.0, 1.0, size));
+    if (from >= to) return 0.0;
+    std::vector<double> bins(power_.begin() + static_cast<std::ptrdiff_t>(from),
+                             power_.begin() + static_cast<std::ptrdiff_t>(to));
+    for (const double tone : tones_) {
+        const BinSpan skirt = SkirtOf(tone, to);
+        for (std::size_t bin = std::max(skirt.from, from); bin < skirt.to; ++bin) bins[bin - from] = 0.0;
+    }
+    return line_kernels::Sum(bins.data(), bins.size());
+}
+
 bool NoiseSpectrum::IsLine(std::size_t bin) const {
     return power_[bin] > kLineOverDensity * RoughDensityAt(bin);
 }

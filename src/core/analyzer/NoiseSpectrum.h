@@ -53,6 +53,9 @@ public:
     // swallowed is added. powerGains: of each bin; empty: 1.
     NoisePower InBand(const Band& band, std::span<const double> powerGains = {}) const;
 
+    // Mean square in the bins of the band that are in no tone's skirt.
+    double PowerOutsideSkirts(const Band& band) const;
+
     // Part of the spectrum's power in bins that are lines, not noise: 0 to 1.
     double LineShare() const;
 

@@ -81,32 +81,35 @@ std::span<const double> RecordPlan::PowerGains468() const noexcept {
 }
 
 std::vector<double> RecordPlan::PowerSpectrum(std::span<const double> samples) const {
+    return PowerLessDc(samples, 0.0);
+}
+
+std::vector<double> RecordPlan::AcPowerSpectrum(std::span<const double> samples) const {
+    const AnalysisWindow& window = plan_->window;
+    return PowerLessDc(
+        samples, line_kernels::Dot(samples.data(), window.Values().data(), window.Length()) / window.Sum());
+}
+
+std::vector<double> RecordPlan::PowerLessDc(std::span<const double> samples, double dc) const {
     const AnalysisWindow& window = plan_->window;
     const std::size_t length = window.Length();
     const RealArray array = MakeRealArray(SpectrumReals(length));
-    line_kernels::Weigh(samples.data(), window.Values().data(), array.get(), length);
-    fftw_execute_dft_r2c(plan_->transform, array.get(), AsComplex(array));
+    double* const windowed = array.get();
+    const double* const weights = window.Values().data();
+    for (std::size_t n = 0; n < length; ++n) windowed[n] = (samples[n] - dc) * weights[n];
+    fftw_execute_dft_r2c(plan_->transform, windowed, AsComplex(array));
 
     std::vector<double> power(length / 2 + 1);
     const double scale = 2.0 / (static_cast<double>(length) * window.SumOfSquares());
     for (std::size_t j = 0; j < power.size(); ++j) {
-        const double re = array.get()[2 * j];
-        const double im = array.get()[2 * j + 1];
+        const double re = windowed[2 * j];
+        const double im = windowed[2 * j + 1];
         power[j] = scale * (re * re + im * im);
     }
     // 0 Hz and half the rate have no mirror image.
     power.front() *= 0.5;
     if (length % 2 == 0) power.back() *= 0.5;
     return power;
-}
-
-std::vector<double> RecordPlan::AcPowerSpectrum(std::span<const double> samples) const {
-    const AnalysisWindow& window = plan_->window;
-    const double dc =
-        line_kernels::Dot(samples.data(), window.Values().data(), window.Length()) / window.Sum();
-    std::vector<double> ac(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(window.Length()));
-    for (double& value : ac) value -= dc;
-    return PowerSpectrum(ac);
 }
 
 }  // namespace sonavex

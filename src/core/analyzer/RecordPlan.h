@@ -37,6 +37,8 @@ public:
     std::span<const double> PowerGains468() const noexcept;
 
 private:
+    std::vector<double> PowerLessDc(std::span<const double> samples, double dc) const;
+
     struct Plan;
     std::unique_ptr<Plan> plan_;
 };

@@ -39,6 +39,10 @@ TEST(LineKernels, SumsReachTheLastElement) {
     const Sums matched = Matched(a.data(), b.data(), c.data(), kOdd);
     EXPECT_EQ(matched.re, ab);
     EXPECT_EQ(matched.im, ac);
+    double differences = 0.0;
+    for (std::size_t i = 2; i < kOdd; ++i)
+        differences += (a[i] - 2.0 * a[i - 1] + a[i - 2]) * (a[i] - 2.0 * a[i - 1] + a[i - 2]);
+    EXPECT_EQ(SecondDifferenceSquares(&a[2], kOdd - 2), differences);
 }
 
 TEST(LineKernels, PhasorsAreExactAfterAMillionSamples) {
