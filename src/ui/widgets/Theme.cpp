@@ -20,10 +20,10 @@ struct RoleFont {
 };
 
 constexpr RoleFont kRoleFonts[] = {
-    {"unit", 2.6, false, false},       {"title", 1.12, false, false}, {"quiet", 0.92, false, false},
-    {"value", 1.15, true, true},       {"figure", 1.3, true, false},  {"boldfigure", 1.3, true, true},
-    {"order", 1.15, false, false},     {"state", 1.0, false, true},   {"rate", 1.0, false, false},
-    {"figureSmall", 1.0, true, false},
+    {"unit", 2.6, false, false},       {"title", 1.12, false, false},      {"quiet", 0.92, false, false},
+    {"value", 1.15, true, true},       {"figure", 1.3, true, false},       {"boldfigure", 1.3, true, true},
+    {"order", 1.15, false, false},     {"state", 1.0, false, true},        {"rate", 1.0, false, false},
+    {"figureSmall", 1.0, true, false}, {"figureQuiet", 0.92, true, false},
 };
 
 QFont FontOf(const RoleFont& role) {
@@ -50,7 +50,7 @@ QMenuBar::item { padding: 4px 10px; background: transparent; }
 QMenuBar::item:selected { background: @field; }
 QLabel { color: @text; background: transparent; }
 QLabel:disabled { color: @faint; }
-QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"] { color: @quiet; }
+QLabel[role="title"], QLabel[role="quiet"], QLabel[role="unit"], QLabel[role="figureQuiet"], QLabel[ink="quiet"] { color: @quiet; }
 QFrame[card="true"] { background: @card; border: 1px solid @border; border-radius: 8px; }
 QFrame[stripe="true"] { background: @stripe; border: none; border-radius: 4px; }
 QFrame[stripe="false"] { background: transparent; border: none; }
@@ -60,6 +60,8 @@ QLabel[background="stripe"] { background: @stripe; }
 QLabel[background="window"] { background: @window; }
 QLabel[role="alarm"] { color: @overload; border: 1px solid @overload; border-radius: 9px; padding: 1px 12px; }
 QLabel[role="note"] { color: @warning; border: 1px solid @warning; border-radius: 9px; padding: 1px 12px; }
+QLabel[role="quietNote"] { color: @quiet; border: 1px solid @quiet; border-radius: 9px; padding: 1px 12px; }
+QLabel[role="trouble"] { color: @overload; }
 QLineEdit { background: @field; color: @text; border: 1px solid @border; border-radius: 5px; padding: 4px 8px;
     selection-background-color: @accent; selection-color: @onAccent; }
 QLineEdit:focus { border: 2px solid @accent; padding: 3px 7px; }
@@ -74,6 +76,18 @@ QPushButton[role="primary"] { background: @accent; color: @onAccent; border-colo
 QPushButton[role="primary"]:focus { border: 2px solid @text; }
 QPushButton[role="primary"]:disabled { background: @track; color: @quiet; border-color: @border; }
 QPushButton[role="preset"] { border-radius: 10px; padding: 2px 10px; min-width: 24px; }
+QPushButton[role="small"] { padding: 3px 7px; }
+QPushButton[role="small"]:focus { padding: 2px 6px; }
+QPushButton[role="flat"] { background: transparent; border: 1px solid transparent; padding: 2px 4px; text-align: left; }
+QPushButton[role="flat"]:focus { border: 1px solid @accent; }
+QPushButton[role="flat"]:hover { color: @accent; }
+QWidget[role="segments"] { background: @field; border: 1px solid @border; border-radius: 5px; }
+QWidget[role="segments"] QPushButton { background: transparent; border: 2px solid transparent; border-radius: 4px; padding: 3px 4px; }
+QWidget[role="segments"] QPushButton:hover { border-color: @border; }
+QWidget[role="segments"] QPushButton:checked { background: @accent; color: @onAccent; border-color: @accent; }
+QWidget[role="segments"] QPushButton:focus { border-color: @text; }
+QWidget[role="segments"] QPushButton:disabled { color: @quiet; }
+QWidget[role="segments"] QPushButton:checked:disabled { background: @track; color: @text; border-color: @border; }
 QComboBox QAbstractItemView { background: @card; color: @text; border: 1px solid @border; outline: none;
     selection-background-color: @accent; selection-color: @onAccent; }
 QCheckBox { color: @text; spacing: 8px; }
@@ -99,6 +113,10 @@ QSlider::handle:horizontal:focus { width: 12px; border: 2px solid @text; }
 QSlider::sub-page:horizontal:disabled, QSlider::handle:horizontal:disabled { background: @quiet; }
 QDialog QSlider { min-height: 22px; }
 QDialog QSlider::sub-page:horizontal:disabled, QDialog QSlider::handle:horizontal:disabled { background: @border; }
+QScrollArea[role="column"], QWidget[scrolled="true"] { background: transparent; border: none; }
+QScrollArea[role="column"] QScrollBar:vertical { background: @window; width: 7px; margin: 0; border: none; }
+QScrollArea[role="column"] QScrollBar::handle:vertical { background: @faint; border-radius: 3px; min-height: 24px; }
+QScrollArea[role="column"] QScrollBar::add-line:vertical, QScrollArea[role="column"] QScrollBar::sub-line:vertical { height: 0; }
 QToolTip { background: @card; color: @text; border: 1px solid @border; padding: 4px; }
 )");
     const std::pair<const char*, QColor> colours[] = {
@@ -145,6 +163,11 @@ Theme Theme::Light() {
     theme.track = QColor("#e1e5eb");
     theme.warning = QColor("#9a5b00");
     theme.overload = QColor("#d01818");
+    theme.valid = QColor("#0a7a3d");
+    theme.second = QColor("#a2317f");
+    theme.third = QColor("#0b7774");
+    theme.fourth = QColor("#6b6716");
+    theme.outside = QColor("#e9ecf0");
     return theme;
 }
 
@@ -163,6 +186,11 @@ Theme Theme::Dark() {
     theme.track = QColor("#14171b");
     theme.warning = QColor("#ffb648");
     theme.overload = QColor("#ff5050");
+    theme.valid = QColor("#4ed18a");
+    theme.second = QColor("#e596cf");
+    theme.third = QColor("#45cbc4");
+    theme.fourth = QColor("#cdc46a");
+    theme.outside = QColor("#242830");
     theme.dark = true;
     return theme;
 }

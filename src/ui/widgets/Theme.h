@@ -26,6 +26,11 @@ struct Theme {
     QColor track;  // the empty part of a bar
     QColor warning;
     QColor overload;
+    QColor valid;   // a valid reading
+    QColor second;  // traces in addition to the live one
+    QColor third;
+    QColor fourth;
+    QColor outside;  // ground of a plot outside the measured band
     bool dark = false;
 
     // Theme of the present application palette.
@@ -36,7 +41,9 @@ struct Theme {
 };
 
 // Applies colours and fonts to a window and its widgets. A widget's property "role" selects its style: unit,
-// title, quiet, value, figure, boldfigure, figureSmall, order, state, rate, primary, note, preset, alarm.
+// title, quiet, value, figure, boldfigure, figureSmall, figureQuiet, order, state, rate, primary, note,
+// quietNote, preset, alarm, segments, flat, small, column, trouble. A label with the property "ink" set to
+// "quiet" is drawn without emphasis.
 void ApplyTheme(QWidget& window);
 
 // Follows changes of the desktop's colours and fonts. One for each window.
