@@ -1,8 +1,8 @@
 #include "ui/widgets/ChoiceBox.h"
 
 #include <QPainter>
-#include <QPainterPath>
 
+#include "ui/widgets/Chevron.h"
 #include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
@@ -12,20 +12,11 @@ constexpr int kPadding = 8;
 constexpr int kArrowSpace = 26;
 constexpr qreal kFrameRadius = 5.0;
 
-// Draws a chevron that points down in the middle of the area.
-void DrawArrow(QPainter& painter, const QRectF& area, const QColor& colour) {
-    const QPointF middle = area.center();
-    QPainterPath arrow(middle + QPointF(-4.0, -2.0));
-    arrow.lineTo(middle + QPointF(0.0, 2.0));
-    arrow.lineTo(middle + QPointF(4.0, -2.0));
-    painter.setPen(QPen(colour, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawPath(arrow);
-}
-
 }  // namespace
 
-ChoiceBox::ChoiceBox(QWidget* parent) : QComboBox(parent) {}
+ChoiceBox::ChoiceBox(QWidget* parent) : ChoiceBox(parent, {kPadding, kArrowSpace}) {}
+
+ChoiceBox::ChoiceBox(QWidget* parent, Spaces spaces) : QComboBox(parent), spaces_(spaces) {}
 
 QSize ChoiceBox::sizeHint() const {
     const QFontMetrics metrics = fontMetrics();
@@ -45,11 +36,11 @@ void ChoiceBox::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(frame, kFrameRadius, kFrameRadius);
 
     const QColor ink = isEnabled() ? theme.text : theme.quiet;
-    const QRect text = rect().adjusted(kPadding, 0, -kArrowSpace, 0);
+    const QRect text = rect().adjusted(spaces_.beforeText, 0, -spaces_.arrow, 0);
     painter.setPen(ink);
     painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                      fontMetrics().elidedText(currentText(), Qt::ElideRight, text.width()));
-    DrawArrow(painter, QRectF(width() - kArrowSpace, 0, kArrowSpace - 4, height()), ink);
+    DrawChevron(painter, QRectF(width() - spaces_.arrow, 0, spaces_.arrow - 4, height()), ink);
 }
 
 void ChoiceBox::enterEvent(QEnterEvent* event) {

@@ -15,9 +15,18 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
+    struct Spaces {
+        int beforeText;
+        int arrow;
+    };
+    ChoiceBox(QWidget* parent, Spaces spaces);
+
     void paintEvent(QPaintEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
+
+private:
+    Spaces spaces_;
 };
 
 }  // namespace sonavex::ui

@@ -1,7 +1,9 @@
 #include "ui/widgets/WaveChoice.h"
 
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <algorithm>
 
 namespace sonavex::ui {
 
@@ -9,6 +11,7 @@ WaveChoice::WaveChoice(QWidget* parent) : QWidget(parent) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(4);
+    setFocusPolicy(Qt::ClickFocus);
     connect(&group_, &QButtonGroup::idClicked, this, &WaveChoice::Chosen);
 }
 
@@ -17,12 +20,32 @@ void WaveChoice::SetNames(const QStringList& names) {
     names_ = names;
     for (QAbstractButton* button : group_.buttons()) delete button;
     for (int i = 0; i < names.size(); ++i) {
-        auto* button = new QPushButton(names[i], this);
+        QAbstractButton* const button = MakeButton(i, names[i]);
         button->setCheckable(true);
+        if (!accessibleName().isEmpty()) button->setAccessibleName(accessibleName() + ": " + names[i]);
         group_.addButton(button, i);
-        layout()->addWidget(button);
+        Place(i, *button);
         button->show();
     }
+}
+
+QAbstractButton* WaveChoice::MakeButton(int /*index*/, const QString& name) {
+    return new QPushButton(name, this);
+}
+
+void WaveChoice::Place(int /*index*/, QAbstractButton& button) {
+    layout()->addWidget(&button);
+}
+
+QList<QAbstractButton*> WaveChoice::Buttons() const {
+    QList<QAbstractButton*> buttons;
+    for (int i = 0; i < names_.size(); ++i) buttons.append(group_.button(i));
+    return buttons;
+}
+
+void WaveChoice::focusInEvent(QFocusEvent* event) {
+    const QList<QAbstractButton*> buttons = Buttons();
+    if (!buttons.isEmpty()) buttons[std::max(Index(), 0)]->setFocus(event->reason());
 }
 
 void WaveChoice::SetIndex(int index) {
