@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QToolTip>
+#include <algorithm>
 
 namespace sonavex::ui {
 namespace {
@@ -18,7 +19,8 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
 }
 
 QSize ElidedLabel::minimumSizeHint() const {
-    return {kLeastCharacters * fontMetrics().averageCharWidth(), QLabel::minimumSizeHint().height()};
+    const QSize whole = QLabel::minimumSizeHint();
+    return {std::min(kLeastCharacters * fontMetrics().averageCharWidth(), whole.width()), whole.height()};
 }
 
 void ElidedLabel::paintEvent(QPaintEvent*) {

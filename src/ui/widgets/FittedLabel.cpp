@@ -10,7 +10,6 @@
 namespace sonavex::ui {
 namespace {
 
-constexpr const char* kWidestReading = "-00.0000";
 constexpr int kSmallestFactor = 3;  // times the application's text height
 constexpr int kLargestFactor = 12;
 
@@ -23,6 +22,11 @@ int TextHeight() {
 FittedLabel::FittedLabel(QWidget* parent) : QLabel(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+}
+
+void FittedLabel::SetWidestReading(const QString& widestReading) {
+    widestReading_ = widestReading;
+    Fit();
 }
 
 QSize FittedLabel::minimumSizeHint() const {
@@ -48,10 +52,22 @@ const QPixmap& FittedLabel::Figure(QChar character) {
     return figure;
 }
 
+// For a text that is wider than the widest reading.
+void FittedLabel::ShrinkToFit(QPainter& painter, QPoint right, int textWidth) const {
+    const double scale = contentsRect().width() / static_cast<double>(std::max(textWidth, 1));
+    if (scale >= 1.0) return;
+    const QPointF fixed(right.x(), contentsRect().center().y());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.translate(fixed);
+    painter.scale(scale, scale);
+    painter.translate(-fixed);
+}
+
 void FittedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QString shown = text();
     QPoint at(contentsRect().right() + 1, contentsRect().center().y() - fontMetrics().height() / 2);
+    ShrinkToFit(painter, at, fontMetrics().horizontalAdvance(shown));
     for (auto character = shown.crbegin(); character != shown.crend(); ++character) {
         const QPixmap& figure = Figure(*character);
         at.rx() -= fontMetrics().horizontalAdvance(*character);
@@ -78,7 +94,7 @@ void FittedLabel::Fit() {
     constexpr int kTrial = 100;
     fitted.setPixelSize(kTrial);
     const QFontMetricsF metrics(fitted);
-    const double byWidth = contentsRect().width() * kTrial / metrics.horizontalAdvance(kWidestReading);
+    const double byWidth = contentsRect().width() * kTrial / metrics.horizontalAdvance(widestReading_);
     const double byHeight = contentsRect().height() * kTrial / metrics.height();
     const int size = static_cast<int>(std::min(byWidth, byHeight));
     fitted.setPixelSize(std::clamp(size, 8, kLargestFactor * TextHeight()));

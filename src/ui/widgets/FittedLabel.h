@@ -3,6 +3,7 @@
 #include <QChar>
 #include <QLabel>
 #include <QPixmap>
+#include <QString>
 #include <map>
 
 namespace sonavex::ui {
@@ -11,9 +12,13 @@ namespace sonavex::ui {
 // changing digits never move or resize anything.
 class FittedLabel : public QLabel {
     Q_OBJECT
+    Q_PROPERTY(QString widestReading READ WidestReading WRITE SetWidestReading)
 
 public:
     explicit FittedLabel(QWidget* parent = nullptr);
+
+    QString WidestReading() const { return widestReading_; }
+    void SetWidestReading(const QString& widestReading);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -26,7 +31,9 @@ protected:
 private:
     void Fit();
     const QPixmap& Figure(QChar character);
+    void ShrinkToFit(QPainter& painter, QPoint right, int textWidth) const;
 
+    QString widestReading_ = QStringLiteral("-00.0000");
     bool fitting_ = false;
     // Cached images of the characters: drawing such large outlines costs more than everything else in a meter
     // update. Cleared when font or colours change.

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+class QPainter;
+
+namespace sonavex::ui {
+
+// The state of a measurement as a shape, a word and a colour in a rounded frame.
+class ChipView : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class Kind { kOff, kValid, kSettling, kUnsteady, kVoid, kOverload };
+
+    explicit ChipView(QWidget* parent = nullptr);
+
+    // progress: how far a settling measurement is, 0 to 1.
+    void Show(Kind kind, const QString& text, double progress);
+    QString Text() const { return text_; }
+    Kind Shown() const noexcept { return kind_; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void PaintShape(QPainter& painter) const;
+
+    Kind kind_ = Kind::kOff;
+    QString text_;
+    double progress_ = 0.0;
+};
+
+}  // namespace sonavex::ui
