@@ -1,0 +1,17 @@
+#include "core/text/Decimals.h"
+
+#include <array>
+#include <charconv>
+
+namespace sonavex {
+
+std::string WithDecimals(double value, int decimals) {
+    std::array<char, 330> text;
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals).ptr;
+    const std::string number(text.data(), end);
+    const bool zero = number.find_first_not_of("-0.") == std::string::npos;
+    return zero && number.front() == '-' ? number.substr(1) : number;
+}
+
+}  // namespace sonavex

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace sonavex {
+
+// A finite number with this many decimals, 0 to 9, in the "C" locale: "-140.6". A negative number that rounds
+// to zero has no sign: "0.0".
+std::string WithDecimals(double value, int decimals);
+
+}  // namespace sonavex

@@ -1,0 +1,22 @@
+#include <gtest/gtest.h>
+
+#include "core/text/Decimals.h"
+
+namespace sonavex {
+namespace {
+
+TEST(Decimals, HasTheRequestedNumberOfDecimals) {
+    EXPECT_EQ(WithDecimals(-140.58, 1), "-140.6");
+    EXPECT_EQ(WithDecimals(150.1465, 2), "150.15");
+    EXPECT_EQ(WithDecimals(20, 0), "20");
+    EXPECT_EQ(WithDecimals(1e300, 0).size(), 301U);
+}
+
+TEST(Decimals, AZeroHasNoSign) {
+    EXPECT_EQ(WithDecimals(-0.04, 1), "0.0");
+    EXPECT_EQ(WithDecimals(-0.0, 0), "0");
+    EXPECT_EQ(WithDecimals(-0.05000001, 1), "-0.1");
+}
+
+}  // namespace
+}  // namespace sonavex
