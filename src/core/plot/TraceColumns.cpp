@@ -1,0 +1,116 @@
+#include "core/plot/TraceColumns.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <span>
+
+namespace sonavex {
+namespace {
+
+constexpr double kNoTrace = std::numeric_limits<double>::quiet_NaN();
+constexpr std::size_t kNeighbourColumns = 10;  // on each side; the main lobe of a line is narrower
+// Bins that vary together, for the window of the precise measurement.
+constexpr double kBinsPerIndependentBin = 2.6;
+
+// Part of a gamma distribution with this shape above x, for x > shape + 1: continued fraction, evaluated by
+// the modified Lentz method (Abramowitz and Stegun 6.5.31).
+double UpperGammaPart(double shape, double x) {
+    double b = x + 1.0 - shape;
+    double c = 1e300;
+    double d = 1.0 / b;
+    double fraction = d;
+    for (int i = 1; i < 300; ++i) {
+        const double a = -i * (i - shape);
+        b += 2.0;
+        d = 1.0 / (a * d + b);
+        c = b + a / c;
+        fraction *= c * d;
+        if (std::fabs(c * d - 1.0) < 1e-12) break;
+    }
+    return fraction * std::exp(shape * std::log(x) - x - std::lgamma(shape));
+}
+
+// Bins at and above a frequency.
+std::size_t FirstBin(const SpectrumTrace& trace, double hertz) {
+    const double bin = std::ceil(hertz / trace.binHz);
+    return static_cast<std::size_t>(std::clamp(bin, 0.0, static_cast<double>(trace.power.size())));
+}
+
+double Interpolated(const SpectrumTrace& trace, double hertz) {
+    const double position = hertz / trace.binHz;
+    const auto below = static_cast<std::size_t>(position);
+    if (below + 1 >= trace.power.size()) return kNoTrace;
+    const double lower = PowerDecibels(trace.power[below]);
+    return lower + (position - static_cast<double>(below)) * (PowerDecibels(trace.power[below + 1]) - lower);
+}
+
+TraceColumn ColumnOf(std::span<const float> bins) {
+    double sum = 0;
+    float low = bins.front();
+    float high = bins.front();
+    for (const float power : bins) {
+        sum += power;
+        low = std::min(low, power);
+        high = std::max(high, power);
+    }
+    if (bins.size() == 1) return {PowerDecibels(sum), PowerDecibels(sum), PowerDecibels(sum)};
+    return {PowerDecibels(sum / static_cast<double>(bins.size())), PowerDecibels(low), PowerDecibels(high)};
+}
+
+// Mean level of the noise around a column: from the median of the columns' means, which lines hardly change.
+// bins: in a column.
+double NoiseLevel(std::span<const TraceColumn> columns, std::size_t column, double bins, double records) {
+    std::array<double, 2 * kNeighbourColumns + 1> means{};
+    std::size_t count = 0;
+    const std::size_t first = column - std::min(column, kNeighbourColumns);
+    const std::size_t end = std::min(column + kNeighbourColumns + 1, columns.size());
+    for (std::size_t i = first; i < end; ++i)
+        if (!std::isnan(columns[i].mean)) means[count++] = columns[i].mean;
+    const auto middle = means.begin() + static_cast<std::ptrdiff_t>(count / 2);
+    std::nth_element(means.begin(), middle, means.begin() + static_cast<std::ptrdiff_t>(count));
+    // Median of a gamma distribution relative to its mean (Wilson and Hilferty).
+    const double shape = records * std::max(1.0, bins / kBinsPerIndependentBin);
+    return *middle - 30.0 * std::log10(1.0 - 1.0 / (9.0 * shape));
+}
+
+}  // namespace
+
+double OnceInAMillionDb(double records) {
+    const double shape = std::max(1.0, records);
+    double low = 1.0 + 1.5 / std::sqrt(shape);
+    double high = 1.0 + 20.0 / std::sqrt(shape);
+    for (int i = 0; i < 40; ++i) {
+        const double middle = 0.5 * (low + high);
+        (UpperGammaPart(shape, shape * middle) > 1e-6 ? low : high) = middle;
+    }
+    return PowerDecibels(low);
+}
+
+std::vector<TraceColumn> TraceColumns(const SpectrumTrace& trace, PlotRange decades, std::size_t columns) {
+    std::vector<TraceColumn> result(columns, {kNoTrace, kNoTrace, kNoTrace});
+    if (trace.power.empty() || columns == 0) return result;
+    const double ratio = std::pow(10.0, decades.Span() / static_cast<double>(columns));
+    double hertz = std::pow(10.0, decades.low);
+    std::vector<std::size_t> bins(columns);
+    for (std::size_t i = 0; i < columns; ++i, hertz *= ratio) {
+        const std::size_t first = FirstBin(trace, hertz);
+        bins[i] = FirstBin(trace, hertz * ratio) - first;
+        if (bins[i] > 0) {
+            result[i] = ColumnOf(std::span(trace.power).subspan(first, bins[i]));
+        } else {
+            const double level = Interpolated(trace, hertz * std::sqrt(ratio));
+            result[i] = {level, level, level};
+        }
+    }
+    const double threshold = OnceInAMillionDb(trace.records);
+    for (std::size_t i = 0; i < columns; ++i)
+        if (bins[i] > 1 && result[i].high > result[i].mean)
+            result[i].outstanding =
+                result[i].high >
+                threshold + NoiseLevel(result, i, static_cast<double>(bins[i]), trace.records);
+    return result;
+}
+
+}  // namespace sonavex
