@@ -15,6 +15,8 @@ SSE2_ALLOWANCE = 3.0
 # A reading of 65536 points by the number of lines, in real transforms of that length with an estimated plan.
 ANALYZER_TARGETS = {"BM_AnalyzeTone65536/10": 40.0, "BM_AnalyzeTone65536/20": 70.0}
 METER_UPDATE_US = 1000.0
+# Columns and pixels of the spectrum plot, by scale: half the time of a repaint.
+IMAGE_TARGETS_US = {"BM_SpectrumImage65536/100": 2000.0, "BM_SpectrumImage65536/200": 4000.0}
 START_MS = 300.0
 
 MICROSECONDS = {"ns": 1e-3, "us": 1.0, "ms": 1e3}
@@ -86,7 +88,8 @@ def main(folder):
         "block": ratio_rows(block, 1.0),
         "blockSse2": ratio_rows(sse2, SSE2_ALLOWANCE),
         "analyzer": analyzer_rows(block),
-        "parts": time_rows({n: t for n, t in block.items() if not n.startswith(("BM_Block", "BM_Analyze"))}, {}),
+        "parts": time_rows({n: t for n, t in block.items() if not n.startswith(("BM_Block", "BM_Analyze"))},
+                           IMAGE_TARGETS_US),
         "window": time_rows(medians(folder / "window.json"), {"BM_MeterUpdate": METER_UPDATE_US}),
         "start": start_rows(folder),
     }
