@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/measure/AnalyzeLimits.h"
 #include "app/measure/AnalyzedFiles.h"
 #include "app/measure/AnalyzedReading.h"
 #include "app/measure/Commands.h"
@@ -18,34 +19,8 @@
 namespace sonavex::measure {
 namespace {
 
-std::size_t RecordLength(const AnalyzeOptions& options, const Recording& recording) {
-    if (options.length) return static_cast<std::size_t>(*options.length);
-    return DefaultRecordLength(recording.RateHz());
-}
-
-void RequireBelowHalfRate(const char* option, double hertz, const Recording& recording) {
-    if (hertz >= 0.5 * recording.RateHz())
-        throw MeasureError(std::string(option) + " is not below half the sampling rate of the recording.");
-}
-
-void RequireTones(const AnalyzeOptions& options, const RecordPlan& plan) {
-    const std::size_t tones = options.tonesHz.size();
-    const bool pair = options.mode == AnalyzeMode::kImd;
-    const bool multitone = options.mode == AnalyzeMode::kMultitone;
-    if (tones > 0 && !pair && !multitone) throw MeasureError("--tones is for the modes imd and multitone.");
-    if (pair && tones != 0 && tones != 2) throw MeasureError("The mode imd takes two tones.");
-    if (multitone && tones == 0) throw MeasureError("The mode multitone needs --tones.");
-    if (const std::optional<std::string> fault = TonesFault(plan, options.tonesHz))
-        throw MeasureError("--tones: " + *fault);
-}
-
-void RequireSuitable(const AnalyzeOptions& options, const Recording& recording, const RecordPlan& plan) {
+void RequireUsable(const AnalyzeOptions& options, const Recording& recording) {
     if (options.channel >= recording.Channels()) throw MeasureError("The recording has only one channel.");
-    RequireBelowHalfRate("The lower end of --band", options.lowHz, recording);
-    if (options.fundamentalHz) RequireBelowHalfRate("--fundamental", *options.fundamentalHz, recording);
-    if (options.fundamentalHz && options.mode != AnalyzeMode::kThd)
-        throw MeasureError("--fundamental is for the mode thd.");
-    RequireTones(options, plan);
     for (const std::string* output : {&options.savedReference, &options.residual, &options.spectrum}) {
         std::error_code ignored;
         if (!output->empty() && std::filesystem::equivalent(*output, options.input, ignored))
@@ -199,8 +174,9 @@ void WriteFiles(const AnalyzeOptions& options, const FileAnalysis& analysis, con
 
 int AnalyzeFile(const AnalyzeOptions& options) {
     Recording recording(options.input);
-    const RecordPlan plan(RecordLength(options, recording), recording.RateHz());
-    RequireSuitable(options, recording, plan);
+    const RecordPlan plan(RecordLength(options, recording.RateHz()), recording.RateHz());
+    RequireSuitable(options, plan);
+    RequireUsable(options, recording);
     const std::optional<SavedReading> reference = ReadIfNamed(options.reference);
     const std::optional<SavedReading> idle = ReadIfNamed(options.idle);
 

@@ -90,6 +90,7 @@ public:
         object_["uncertainty"] = uncertainty_;
         object_["at_most"] = atMost_;
         AddConditions();
+        if (analyzed_.stream) AddStream(*analyzed_.stream);
         return object_;
     }
 
@@ -194,6 +195,22 @@ private:
         object_["rules"] = rules;
     }
 
+    void AddStream(const StreamDetails& stream) {
+        object_["input"] = stream.input;
+        object_["output"] = stream.output;
+        object_["input_bits"] = stream.inputBits;
+        object_["output_bits"] = stream.outputBits;
+        object_["simulated"] = stream.simulated;
+        object_["notes"] = stream.notes;
+        object_["stimulus"] = analyzed_.stimulus;
+        if (analyzed_.stimulus.empty()) object_["stimulus"] = nullptr;
+        object_["played_hz"] = analyzed_.playedHz;
+        object_["frames_lost"] = stream.fineFramesLost;
+        object_["frames_missing"] = stream.framesMissing;
+        object_["stimulus_frames_missing"] = stream.fineFramesMissing;
+        object_["underruns"] = stream.underruns;
+    }
+
     const AnalyzedReading& analyzed_;
     const LinesReading& values_;
     const Reading& reading_;
@@ -234,6 +251,14 @@ std::string StateLines(const Reading& reading) {
         lines += Text("%s: %s\n", Name(entry.code), entry.sentence.c_str());
     for (const Warning& entry : reading.warnings)
         lines += Text("%s: %s\n", Name(entry.code), entry.sentence.c_str());
+    return lines;
+}
+
+std::string StreamLines(const StreamDetails& stream, const std::vector<double>& playedHz) {
+    std::string lines = "Input: " + stream.input + "\nOutput: " + stream.output + '\n';
+    for (const std::string& note : stream.notes) lines += "Note: " + note + '\n';
+    for (const double hertz : playedHz) lines += Text("Played: %.9g Hz\n", hertz);
+    if (stream.simulated) lines += "SIMULATED sound card: this reading measures nothing real.\n";
     return lines;
 }
 
@@ -286,6 +311,7 @@ std::string AnalyzedTable(const AnalyzedReading& analyzed) {
     for (const Spur& spur : reading.spurs)
         table += Text("Spur at %.3f Hz: %.2f %s\n", spur.frequencyHz, spur.levelDbc,
                       analyzed.mode == AnalyzeMode::kNoise ? "dBFS" : "dBc");
+    if (analyzed.stream) table += StreamLines(*analyzed.stream, analyzed.playedHz);
     return table + ConditionLines(analyzed);
 }
 

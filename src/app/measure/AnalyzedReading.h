@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/measure/Options.h"
+#include "app/measure/Readings.h"
 #include "core/analyzer/LinesReading.h"
 
 namespace sonavex::measure {
@@ -22,6 +23,11 @@ struct AnalyzedReading {
     LinesReading values;
     double rateHz = 0;
     std::vector<RuleResult> rules;
+
+    // Of a live measurement.
+    std::optional<StreamDetails> stream;
+    std::string stimulus;          // as typed
+    std::vector<double> playedHz;  // the tones as played
 };
 
 // One line without a line end. Undefined values are null.

@@ -10,6 +10,7 @@ int ListDevices(bool json);
 int RunMeasurement(const RunOptions& options);
 int MeasureFile(const FileOptions& options);
 int AnalyzeFile(const AnalyzeOptions& options);
+int AnalyzeLive(const AnalyzeOptions& options);
 int SelfTest(bool json);
 
 // The fixed fundamental in Hz; nothing if automatic. Throws MeasureError if it is not a number from 1 to half

@@ -90,7 +90,9 @@ StreamDetails LiveMeasurement::Details() const {
             .blocksLost = counts.segmentsLost,
             .framesMissing = counts.framesMissing,
             .overruns = engine.Overruns,
-            .underruns = engine.Underruns()};
+            .underruns = engine.Underruns(),
+            .fineFramesLost = counts.fineFramesLost,
+            .fineFramesMissing = engine.FineFramesMissing()};
 }
 
 void LiveMeasurement::CheckDevices() const {
@@ -144,9 +146,13 @@ void LiveMeasurement::Run(const std::function<void()>& onBlock) {
         CheckAlive();
         loop_.Wait(kPollInterval);
     }
+    Stop();
+    meter.OnBlock = nullptr;
+}
+
+void LiveMeasurement::Stop() {
     instrument_.Watch.Stop();
     instrument_.Engine.Stop();
-    meter.OnBlock = nullptr;
 }
 
 }  // namespace sonavex::measure

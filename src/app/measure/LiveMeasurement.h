@@ -27,6 +27,13 @@ public:
     // MeasureError when a device is lost or stalls.
     void Run(const std::function<void()>& onBlock);
 
+    // Throws MeasureError when a device is lost or stalls.
+    void CheckAlive() const;
+    // Stops capture and playback.
+    void Stop();
+
+    PlainEventLoop& Loop() noexcept { return loop_; }
+    Instrument& Parts() noexcept { return instrument_; }
     const Meter& Readings() const noexcept { return instrument_.Meter; }
     StreamDetails Details() const;
 
@@ -52,7 +59,6 @@ private:
 
     void CheckDevices() const;
     void CreateEngineDevices();
-    void CheckAlive() const;
     bool Finished(std::chrono::nanoseconds now);
 
     RunOptions options_;

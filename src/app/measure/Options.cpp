@@ -1,12 +1,15 @@
 #include "app/measure/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <sstream>
+#include <utility>
 
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "core/generator/SignalControls.h"
 #include "core/settings/SampleRates.h"
+#include "core/stimulus/ParseStimulus.h"
 #include "core/text/Numbers.h"
 
 namespace sonavex::measure {
@@ -139,6 +142,7 @@ void CheckFrequencies(const Options& options) {
 constexpr double kHighestFrequencyHz = 96000.0;
 constexpr double kHighestOrder = 1000.0;
 constexpr std::size_t kMostTones = 256;
+constexpr double kMostAverages = 1000.0;
 
 void SetBand(const std::string& text, AnalyzeOptions& options) {
     const std::string takes = "LOW:HIGH in Hz, 0 to 96000";
@@ -192,8 +196,11 @@ void AddAnalyzedValues(CLI::App& command, AnalyzeOptions& options) {
     });
     AddValue(command, "--length", "N", "Samples of a record, a power of two (one that lasts a second)",
              [&](const std::string& text) { options.length = RecordLengthOf(text); });
-    AddValue(command, "--mode", "MODE", "thd, imd, multitone or noise (thd)",
-             [&](const std::string& text) { options.mode = ModeOf(text); });
+    AddValue(command, "--mode", "MODE", "thd, imd, multitone or noise (thd, or that of the stimulus)",
+             [&](const std::string& text) {
+                 options.mode = ModeOf(text);
+                 options.modeGiven = true;
+             });
     AddValue(command, "--tones", "F1,F2,...", "The tones in Hz of the modes imd and multitone",
              [&](const std::string& text) { options.tonesHz = TonesOf(text); });
     AddValue(command, "--fundamental", "HZ", "Search the fundamental within 1 % of this frequency",
@@ -218,12 +225,87 @@ void AddAnalyzedFiles(CLI::App& command, AnalyzeOptions& options) {
     addOutput("--spectrum", options.spectrum, "Write the spectrum as CSV");
 }
 
+StimulusSide SideOf(const std::string& text) {
+    if (text == "left") return StimulusSide::kLeft;
+    if (text == "right") return StimulusSide::kRight;
+    if (text == "both") return StimulusSide::kBoth;
+    Refuse("--side", "left, right or both", text);
+}
+
+void SetDither(const std::string& text, LiveOptions& live) {
+    live.dither = text != "off";
+    if (live.dither) live.ditherBits = WholeNumberOf("--dither", "8 to 32 bits or off", {8.0, 32.0}, text);
+}
+
+using AddLiveOption =
+    std::function<CLI::Option*(const std::string& option, const char* type, const std::string& help,
+                               std::function<void(const std::string& text)> set)>;
+
+void AddDevices(const AddLiveOption& add, LiveOptions& live) {
+    add("--input", "ID", "Identifier of the capture device",
+        [&](const std::string& text) { live.input = text; });
+    add("--output", "ID", "Identifier of the playback device",
+        [&](const std::string& text) { live.output = text; });
+    add("--rate", "HZ", "Sampling rate, one of " + AllRates(),
+        [&](const std::string& text) { live.rateHz = RateOf(text); });
+    add("--average", "N", "Newest records in a reading; 0: all (1)", [&](const std::string& text) {
+        live.average =
+            static_cast<std::size_t>(WholeNumberOf("--average", "0 to 1000", {0.0, kMostAverages}, text));
+    });
+    add("--seconds", "S", "Duration; continues until there is a reading (5)", [&](const std::string& text) {
+        live.seconds = NumberOf("--seconds", "0 to 1000000 seconds", {0.0, kLongestRunSeconds}, text);
+    });
+}
+
+void AddStimulus(const AddLiveOption& add, LiveOptions& live) {
+    auto* stimulus = add("--stimulus", "STIMULUS", std::string("What is played: ") + kStimulusNotation,
+                         [&](const std::string& text) {
+                             if (text.empty()) Refuse("--stimulus", kStimulusNotation, text);
+                             live.stimulus = text;
+                         });
+    add("--side", "SIDE", "Channels of the stimulus: left, right or both (both)",
+        [&](const std::string& text) { live.side = SideOf(text); })
+        ->needs(stimulus);
+    add("--dbfs", "LEVEL", "Level of the stimulus, relative to a full-scale sine (-1, noise -12)",
+        [&](const std::string& text) {
+            live.levelDbfs = NumberOf("--dbfs", "-200 to 0 dB", {kLowestLevelDbfs, 0.0}, text);
+        })
+        ->needs(stimulus);
+    add("--dither", "BITS|off", "Width of the dither, or none (the bits of the output)",
+        [&](const std::string& text) { SetDither(text, live); })
+        ->needs(stimulus);
+}
+
+// Options that are refused together with a recording.
+void AddLive(CLI::App& command, CLI::Option* recording, LiveOptions& live) {
+    const AddLiveOption add = [&](const std::string& option, const char* type, const std::string& help,
+                                  std::function<void(const std::string& text)> set) {
+        return command.add_option_function<std::string>(option, std::move(set), help)
+            ->type_name(type)
+            ->excludes(recording);
+    };
+    AddDevices(add, live);
+    AddStimulus(add, live);
+    command.add_flag("--snap", live.snap, "Play the nearest odd bin of a record")
+        ->needs("--stimulus")
+        ->excludes(recording);
+}
+
 void AddAnalyze(CLI::App& command, AnalyzeOptions& options) {
     command.alias("analyse");
-    command.add_option("recording", options.input, "Recording to measure")->type_name("FILE")->required();
+    auto* recording = command
+                          .add_option_function<std::string>(
+                              "recording",
+                              [&](const std::string& text) {
+                                  if (text.empty()) throw MeasureError("The name of the recording is empty.");
+                                  options.input = text;
+                              },
+                              "Recording to measure; without it, a live measurement")
+                          ->type_name("FILE");
+    AddLive(command, recording, options.live);
     AddAnalyzedValues(command, options);
     AddAnalyzedFiles(command, options);
-    command.add_flag("--json", options.json, "The reading as one JSON object");
+    command.add_flag("--json", options.json, "One JSON object for each reading; a recording has one");
 }
 
 }  // namespace
@@ -239,7 +321,8 @@ Options ParseOptions(int argc, const char* const* argv) {
     AddRun(*run, options.run);
     auto* file = app.add_subcommand("file", "Measure a recording");
     AddFile(*file, options.file);
-    auto* analyze = app.add_subcommand("analyze", "Measure a recording precisely, at any frequency");
+    auto* analyze =
+        app.add_subcommand("analyze", "Measure precisely, at any frequency: a recording, or live");
     AddAnalyze(*analyze, options.analyze);
     auto* selfTest =
         app.add_subcommand("selftest", "Prove the precise measurement on this computer, in memory");

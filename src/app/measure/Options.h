@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "core/stimulus/SampleWord.h"
+
 namespace sonavex::measure {
 
 // Options common to run and file.
@@ -31,14 +33,31 @@ struct FileOptions : MeterOptions {
 
 enum class AnalyzeMode { kThd, kImd, kMultitone, kNoise };
 
+// Of a precise measurement with sound devices.
+struct LiveOptions {
+    std::string input;  // identifier; empty for the primary device
+    std::string output;
+    std::optional<std::int32_t> rateHz;
+    std::string stimulus;  // as ParseStimulus reads it; empty: none
+    StimulusSide side = StimulusSide::kBoth;
+    std::optional<double> levelDbfs;
+    bool snap = false;
+    bool dither = true;
+    std::optional<int> ditherBits;  // those of the output if not set
+    std::size_t average = 1;        // records; 0: all
+    double seconds = 5.0;
+};
+
 struct AnalyzeOptions {
-    std::string input;
+    std::string input;  // recording; empty for a live measurement
+    LiveOptions live;
     int channel = 0;
     double lowHz = 20.0;  // ends of the band
     double highHz = 20000.0;
     int highestOrder = 9;                // up to which THD sums
     std::optional<std::int32_t> length;  // of a record; a power of two
     AnalyzeMode mode = AnalyzeMode::kThd;
+    bool modeGiven = false;  // if not, a live measurement chooses the mode for its stimulus
     std::vector<double> tonesHz;
     std::optional<double> fundamentalHz;
     // Files; empty: none.

@@ -22,6 +22,9 @@ struct StreamDetails {
     std::uint64_t framesMissing = 0;  // in the input, replaced by silence
     std::uint64_t overruns = 0;       // the output was not written in time
     std::uint64_t underruns = 0;      // the output device ran out of samples
+    // Of the precise measurement: captured frames that came too late, and silence in place of its stimulus.
+    std::uint64_t fineFramesLost = 0;
+    std::uint64_t fineFramesMissing = 0;
 };
 
 // The readings after an update as one line of JSON without a line end. Captions are those of the labels.

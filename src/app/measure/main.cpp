@@ -27,7 +27,8 @@ int Execute(const measure::Options& options) {
         case measure::Options::Command::kFile:
             return measure::MeasureFile(options.file);
         case measure::Options::Command::kAnalyze:
-            return measure::AnalyzeFile(options.analyze);
+            return options.analyze.input.empty() ? measure::AnalyzeLive(options.analyze)
+                                                 : measure::AnalyzeFile(options.analyze);
         case measure::Options::Command::kSelfTest:
             return measure::SelfTest(options.selfTestJson);
         case measure::Options::Command::kNone:

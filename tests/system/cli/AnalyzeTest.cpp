@@ -297,7 +297,7 @@ TEST(Analyze, WrongArgumentsAreOneLine) {
     };
     for (const auto& [arguments, text] : refused) ExpectRefusal(Analyze(mono, arguments), text);
     ExpectRefusal(Measure({"analyze", mono.Other("none")}), "cannot be read: No such file");
-    ExpectRefusal(Measure({"analyze"}), "recording is required");
+    ExpectRefusal(Measure({"analyze", ""}), "The name of the recording is empty.");
 }
 
 }  // namespace

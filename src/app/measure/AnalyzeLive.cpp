@@ -1,0 +1,89 @@
+#include <unistd.h>
+
+#include <iostream>
+#include <optional>
+#include <utility>
+
+#include "app/measure/AnalyzedFiles.h"
+#include "app/measure/Commands.h"
+#include "app/measure/LiveAnalysis.h"
+#include "app/measure/MeasureError.h"
+#include "app/measure/Readings.h"
+#include "app/measure/ValidityRules.h"
+
+namespace sonavex::measure {
+namespace {
+
+constexpr const char* kClearLine = "\r\033[K";
+
+// Prints the readings. Files are written at the end, if the last reading is valid.
+class LiveOutput {
+public:
+    LiveOutput(const AnalyzeOptions& options, const PreciseMeter& meter)
+        : options_(options), meter_(meter), visible_(isatty(STDERR_FILENO) != 0) {
+        if (!options.reference.empty()) reference_ = ReadSavedReading(options.reference);
+        if (!options.idle.empty()) idle_ = ReadSavedReading(options.idle);
+    }
+
+    void Take(AnalyzedReading reading) {
+        reading.rules = JudgeReading(reading.values.reading, reference_, idle_);
+        ClearProgress();
+        if (options_.json) Print(AnalyzedJson(reading) + '\n');
+        last_ = std::move(reading);
+        if (!options_.spectrum.empty() && Valid()) AddSpectrum();
+    }
+
+    void ShowProgress() const {
+        ClearProgress();
+        if (visible_ && meter_.Collected() < meter_.Length())
+            std::cerr << "settling " << meter_.Collected() << " of " << meter_.Length() << std::flush;
+    }
+
+    // The exit status.
+    int Finish() const {
+        ClearProgress();
+        if (!options_.json) Print(AnalyzedTable(last_));
+        if (Valid()) WriteFiles();
+        return Valid() ? kMeasured : kVoid;
+    }
+
+private:
+    bool Valid() const noexcept { return last_.values.reading.Valid(); }
+
+    void ClearProgress() const {
+        if (visible_) std::cerr << kClearLine << std::flush;
+    }
+
+    // Of all records since the average began.
+    void AddSpectrum() {
+        if (!spectrum_ || last_.values.reading.blocks == 1) spectrum_.emplace(meter_.Plan());
+        spectrum_->Add(meter_.Samples());
+    }
+
+    void WriteFiles() const {
+        if (!options_.savedReference.empty()) WriteText(options_.savedReference, AnalyzedJson(last_) + '\n');
+        if (!options_.residual.empty())
+            WriteFloatWav(options_.residual, meter_.Residual(), static_cast<std::int32_t>(last_.rateHz));
+        if (!options_.spectrum.empty()) WriteText(options_.spectrum, spectrum_->Csv());
+    }
+
+    const AnalyzeOptions& options_;
+    const PreciseMeter& meter_;
+    bool visible_;
+    std::optional<SavedReading> reference_;
+    std::optional<SavedReading> idle_;
+    AnalyzedReading last_;
+    std::optional<SpectrumMean> spectrum_;
+};
+
+}  // namespace
+
+int AnalyzeLive(const AnalyzeOptions& options) {
+    LiveAnalysis analysis(options);
+    LiveOutput output(options, analysis.Meter());
+    analysis.Run([&](const AnalyzedReading& reading) { output.Take(reading); },
+                 [&] { output.ShowProgress(); });
+    return output.Finish();
+}
+
+}  // namespace sonavex::measure
