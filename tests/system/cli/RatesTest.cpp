@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <thread>
 
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
@@ -66,11 +67,14 @@ public:
         for (const std::uint32_t rateHz : kRates)
             sinks.push_back({SinkOf(rateHz), rateHz, "Card" + std::to_string(rateHz)});
         server_ = std::make_unique<PulseServer>(sinks);
-        for (const std::uint32_t rateHz : kRates)
+        for (const std::uint32_t rateHz : kRates) {
             programs_[rateHz] = std::make_unique<MeasureProgram>(
                 Arguments{"run", "--output", SinkOf(rateHz), "--input", SinkOf(rateHz) + ".monitor", "--rate",
                           std::to_string(rateHz), "--tone", "sine:1000", "--seconds", "2.5", "--json"},
                 sonavex::Environment{{"PULSE_SERVER", server_->Address()}});
+            // The server refuses a connection while five others wait.
+            std::this_thread::sleep_for(100ms);
+        }
     }
     void TearDown() override {
         programs_.clear();
