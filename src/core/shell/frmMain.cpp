@@ -196,6 +196,7 @@ void frmMain::ShowPath() {
     for (const std::string& note : Instrument.Engine.PathNotes()) text += (text.empty() ? "" : "\r") + note;
     PathNote.SetCaption(text);
     Instrument.UsedBits.Observe();
+    if (choosingDevices_) return lblBits.SetCaption("");
     lblBits.SetCaption(BitsCaption(Instrument.Engine.InputBits(), Instrument.Engine.OutputBits(),
                                    Instrument.UsedBits.Only16()));
 }
@@ -322,9 +323,13 @@ void frmMain::mnuSelectCard_Click() {
 // Only one dialog may control the engine. Close the mixer dialogs first: they show the old card.
 void frmMain::ChooseDevices() {
     if (choosingDevices_ || Instrument.Engine.Restarting() || !ShowDeviceDialog) return;
-    const ScopedFlag choosing(choosingDevices_);
-    needs_.mixers.UnloadDialogs();
-    ShowDeviceDialog();
+    {
+        const ScopedFlag choosing(choosingDevices_);
+        lblBits.SetCaption("");
+        needs_.mixers.UnloadDialogs();
+        ShowDeviceDialog();
+    }
+    if (pathTimer_ != 0) ShowPath();
 }
 
 frmDevices::Needs frmMain::DevicesNeeds(DesktopFiles& files, Help& help) {

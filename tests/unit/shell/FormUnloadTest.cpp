@@ -232,6 +232,24 @@ TEST(Path, ShowsTheBitsOfTheDevices) {
     EXPECT_EQ(form.PathNote.Caption(), "Output: The samples are converted, with 16 bits.");
 }
 
+TEST(Path, ShowsNoBitsWhileDevicesAreSelected) {
+    World world;
+    FakeSoundSystem sound(world.log);
+    sound.inputBits = sound.outputBits = 24;
+    frmMain form(world.On(sound));
+    form.Form_Load();
+    std::string shown;
+    form.ShowDeviceDialog = [&] {
+        shown = form.lblSampleRate.Caption() + form.lblBits.Caption();
+        world.loop.Advance(std::chrono::milliseconds(1100));
+        shown += form.lblBits.Caption();
+        sound.inputBits = sound.outputBits = 16;
+    };
+    form.mnuSelectCard.UserChooses();
+    EXPECT_EQ(shown, "Stopped");
+    EXPECT_EQ(form.lblBits.Caption(), "16 bit");
+}
+
 TEST(Path, ShowsAnInputThatUsesOnly16Bits) {
     World world;
     FakeSoundSystem sound(world.log);
