@@ -112,13 +112,13 @@ void AlsaPcm::Require(int result) const {
 
 AlsaPcm::Lacks AlsaPcm::FindFormats(Resampling resampling, std::span<const AlsaFormat> formats) {
     formats_.clear();
-    Lacks least{.format = true};
+    Lacks toConvert{.format = true};
     for (const AlsaFormat& format : formats) {
         const Lacks lacks = Missing(resampling, format, rateHz_);
         if (!lacks.Any()) formats_.push_back(format);
-        if (least.format) least = lacks;
+        if (toConvert.format) toConvert = lacks;
     }
-    return formats_.empty() ? least : Lacks{};
+    return formats_.empty() ? toConvert : Lacks{};
 }
 
 AlsaPcm::Lacks AlsaPcm::Missing(Resampling resampling, const AlsaFormat& format, std::uint32_t rateHz) const {

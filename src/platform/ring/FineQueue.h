@@ -11,6 +11,15 @@ namespace sonavex {
 
 // Frames in order, from one thread that puts to another that takes. Neither waits, takes a lock or allocates
 // memory. One of the two is the user-interface thread, which opens, closes and cuts the queue.
+//
+// Frames are numbered in the order of Put. A queue that was cut:
+//
+//     first_      taken_       cutFrom_      cutTo_       put_
+//   ----|------------|------------|------------|------------|---->
+//        taken         waiting      passed over  waiting      not put yet
+//
+// Each mark is written by one thread and only grows: taken_ by the thread that takes, put_, cutFrom_ and
+// cutTo_ by the thread that puts, first_ by the user-interface thread. Take writes taken_ once, at its end.
 template <class Frame>
 class FineQueue {
 public:
@@ -68,7 +77,8 @@ public:
 
     // For the thread that puts: `keep` of the waiting frames remain, and those put from now on follow them.
     // The rest is taken only until a new frame arrives. Returns how many frames were cut off. A cut that has
-    // not taken effect yet keeps its place.
+    // not taken effect yet keeps its place. Frames behind the cut that a Take under way has passed already
+    // are counted as cut off although they are taken: at most as many as that Take was called for.
     std::size_t Cut(std::size_t keep) noexcept {
         if (!Opened()) return 0;
         const std::uint64_t put = put_.load(std::memory_order_relaxed);
