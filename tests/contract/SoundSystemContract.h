@@ -284,6 +284,35 @@ TYPED_TEST_P(SoundSystemContract, CountsTheSegmentsThatAStallSwallows) {
     EXPECT_GE(statistics.framesCaptured, 5U * kSegmentBytes / 4);
 }
 
+// The frames of the first run are not taken. Those of the second are, and gaps are counted where the device
+// made them.
+TYPED_TEST_P(SoundSystemContract, NumbersFineFramesAcrossARestartThatDiscardsThem) {
+    this->OpenCapture();
+    const auto captureUntil = [&](std::uint64_t frames) {
+        this->capture_->StartLooping();
+        EXPECT_TRUE(WaitUntil(
+            this->loop_, [&] { return this->capture_->Statistics().framesCaptured >= frames; },
+            std::chrono::seconds(5)));
+        this->capture_->Stop();
+        return this->capture_->Statistics();
+    };
+    this->capture_->CaptureFine(true);
+    const CaptureStatistics before = captureUntil(4096);
+    const CaptureStatistics after = captureUntil(before.framesCaptured + 8192);
+    std::vector<std::int32_t> samples(4096);
+    std::uint64_t next = before.framesCaptured;
+    std::uint64_t leftOut = 0;
+    for (FineRun run = this->capture_->TakeFine(samples); run.samples > 0;
+         run = this->capture_->TakeFine(samples)) {
+        EXPECT_GE(run.firstFrame, next);
+        leftOut += run.firstFrame - next;
+        next = run.firstFrame + run.samples / 2;
+    }
+    leftOut += after.framesCaptured - next;
+    EXPECT_EQ(leftOut, after.framesMissing - before.framesMissing + after.fineFramesLost);
+    EXPECT_GT(next, before.framesCaptured);
+}
+
 TYPED_TEST_P(SoundSystemContract, DestroyingAnEventDiscardsWhatIsWaiting) {
     this->OpenCapture();
     int delivered = 0;
@@ -338,7 +367,8 @@ REGISTER_TYPED_TEST_SUITE_P(SoundSystemContract, ListsThePrimaryDeviceThenTheDef
                             ThePlayCursorIsNeverBeforeTheSetPosition, RefusesPositionsOutsideTheBuffer,
                             TakesVolumesInItsRangeOnly, ArmsKnownEventsInsideAStoppedBufferOnly,
                             NotifiesTheSegmentsInOrderWithWhatWasPlayed, TheDeviceDelayStaysWithinThreeBlocks,
-                            CountsTheSegmentsThatAStallSwallows, DestroyingAnEventDiscardsWhatIsWaiting,
-                            LeavesNothingBehind);
+                            CountsTheSegmentsThatAStallSwallows,
+                            NumbersFineFramesAcrossARestartThatDiscardsThem,
+                            DestroyingAnEventDiscardsWhatIsWaiting, LeavesNothingBehind);
 
 }  // namespace sonavex

@@ -88,6 +88,21 @@ public:
         expectLost([&] { capture->SetNotificationPositions({}); });
         EXPECT_NO_THROW(playback->Stop());
         EXPECT_NO_THROW(capture->Stop());
+        ExpectFineQueuesWork();
+    }
+    // Also on a lost device.
+    void ExpectFineQueuesWork() {
+        std::vector<std::int32_t> samples(4096, 256);
+        for (const bool on : {true, false, true}) {
+            EXPECT_NO_THROW(playback->PlayFine(on));
+            EXPECT_NO_THROW(capture->CaptureFine(on));
+        }
+        EXPECT_EQ(playback->QueueFine(samples), samples.size());
+        EXPECT_EQ(playback->FineFramesWaiting(), samples.size() / 2);
+        EXPECT_EQ(playback->CutFine(std::chrono::milliseconds(0)), samples.size() / 2);
+        EXPECT_EQ(capture->TakeFine(samples).samples, 0U);
+        playback->PlayFine(false);
+        capture->CaptureFine(false);
     }
 
     // The action fails in time, with this number and text.
