@@ -88,6 +88,8 @@ INSTANTIATE_TEST_SUITE_P(Formats, RecordingBits,
                                          RecordingFormat{"Wav16", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 16},
                                          RecordingFormat{"Wav24", SF_FORMAT_WAV | SF_FORMAT_PCM_24, 24},
                                          RecordingFormat{"Wav32", SF_FORMAT_WAV | SF_FORMAT_PCM_32, 32},
+                                         RecordingFormat{"Aiff8", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, 8},
+                                         RecordingFormat{"Flac8", SF_FORMAT_FLAC | SF_FORMAT_PCM_S8, 8},
                                          RecordingFormat{"Flac16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 16},
                                          RecordingFormat{"Flac24", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 24},
                                          RecordingFormat{"Aiff24", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, 24},
@@ -100,6 +102,16 @@ INSTANTIATE_TEST_SUITE_P(Formats, RecordingBits,
                                          RecordingFormat{"Dwvw24", SF_FORMAT_AIFF | SF_FORMAT_DWVW_24, 24,
                                                          1}),
                          [](const auto& test) { return test.param.name; });
+
+TEST(RecordingWithLoss, HasTheBitsOfItsFormat) {
+    for (const auto& [format, bits] :
+         {std::pair{SF_FORMAT_WAV | SF_FORMAT_ALAW, 8}, std::pair{SF_FORMAT_WAV | SF_FORMAT_ULAW, 8},
+          std::pair{SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM, 16},
+          std::pair{SF_FORMAT_OGG | SF_FORMAT_VORBIS, 16}}) {
+        const RecordingFile file({.format = format, .frames = kRecordedBlockFrames}, Silence());
+        EXPECT_EQ(measure::Recording(file.Path()).Bits(), bits) << std::hex << format;
+    }
+}
 
 // Neither scaled nor cleaned: a measurement must see what is not finite.
 TEST(RecordingFloats, AreReadUnchanged) {
