@@ -9,11 +9,15 @@
 
 namespace sonavex {
 
-// Uses the fine path as a measurement does: follows the captured frames and plays silence. Its owner ends it
-// before the stream.
+// Uses the fine path as a measurement does: follows the captured frames and plays numbered ones. Its owner
+// ends it before the stream.
 class FineUser : private FineSource {
 public:
-    explicit FineUser(FineStream& stream) : stream_(stream) { Listen(true); }
+    // Bits of the frames that it plays.
+    explicit FineUser(FineStream& stream, int bits = 16)
+        : stream_(stream), step_(std::int32_t{1} << (32 - bits)) {
+        Listen(true);
+    }
     ~FineUser() override {
         Play(false);
         Listen(false);
@@ -34,6 +38,17 @@ public:
     std::uint64_t Frames() const noexcept { return frames_; }
     std::uint64_t Restarts() const noexcept { return restarts_; }
     std::uint64_t Filled() const noexcept { return filled_; }
+
+    // While on, what it plays must return in order and bit for bit; silence in between is ignored. For a wire
+    // of at least its bits at full volume.
+    void ExpectReturn(bool on) {
+        comparing_ = on;
+        expected_ = 0;
+        returned_ = 0;
+    }
+    // Frames that returned since the last ExpectReturn, without the first after each interruption.
+    std::uint64_t Returned() const noexcept { return returned_; }
+
     // What was wrong with a block; empty if nothing was.
     const std::string& Fault() const noexcept { return fault_; }
 
@@ -46,9 +61,34 @@ private:
         if (block.restarted) ++restarts_;
         next_ = block.firstFrame + block.samples.size() / 2;
         frames_ += block.samples.size() / 2;
+        if (block.restarted || block.lostBefore > 0) expected_ = 0;
+        for (std::size_t i = 0; comparing_ && i < block.samples.size(); i += 2)
+            Compare(block.samples[i], block.samples[i + 1]);
+    }
+    void Compare(std::int32_t first, std::int32_t second) {
+        if (first == 0 && second == 0) return;
+        const bool numbered = first > 0 && second == -first;
+        // The output of the block meter, which is still on its way.
+        if (expected_ == 0 && !numbered) return;
+        if (expected_ == 0)
+            expected_ = first;
+        else
+            ++returned_;
+        if (!numbered || first != expected_)
+            fault_ = "sample " + std::to_string(first) + " in place of " + std::to_string(expected_);
+        expected_ = After(expected_);
+    }
+    // Numbers from 1 to the highest of its bits.
+    std::int32_t After(std::int32_t sample) const noexcept {
+        const std::int32_t highest = 0x7FFFFFFF / step_ * step_;
+        return sample >= highest ? step_ : sample + step_;
     }
     void FillFine(std::span<std::int32_t> block) override {
-        std::fill(block.begin(), block.end(), 0);
+        for (std::size_t i = 0; i < block.size(); i += 2) {
+            played_ = After(played_);
+            block[i] = played_;
+            block[i + 1] = -played_;
+        }
         filled_ += block.size() / 2;
     }
 
@@ -57,6 +97,11 @@ private:
     std::uint64_t frames_ = 0;
     std::uint64_t restarts_ = 0;
     std::uint64_t filled_ = 0;
+    std::int32_t step_;
+    std::int32_t played_ = 0;  // the last sample of the first channel
+    bool comparing_ = false;
+    std::int32_t expected_ = 0;  // 0: any
+    std::uint64_t returned_ = 0;
     std::string fault_;
 };
 

@@ -57,7 +57,7 @@ void BenchTop::UseFinePath(bool on) {
     useFine_ = on;
     fineBefore_ = FineFramesSeen();
     fine_.reset();
-    if (on && form_) fine_.emplace(form_->Instrument.Fine);
+    if (on && form_) fine_.emplace(form_->Instrument.Fine, kFineBits);
 }
 
 void BenchTop::TakeAway() {
@@ -129,7 +129,9 @@ void BenchTop::ChooseDevices() {
     devices.Form_Load();
     if (devices.cmbOutputMixer.Count() > 0) devices.cmbOutputMixer.UserSelects(0);
     if (devices.cmbInputMixer.Count() > 0) devices.cmbInputMixer.UserSelects(0);
-    if (wantedRate_ >= 0) devices.cmbSampleRate.UserSelects(wantedRate_);
+    // Without a card the extended rates are not offered.
+    if (wantedRate_ >= 0 && wantedRate_ < devices.cmbSampleRate.Count())
+        devices.cmbSampleRate.UserSelects(wantedRate_);
     for (int tries = 0; tries < kPatience && !closed && !ended_; ++tries) {
         form_->Guard.Run([&] { devices.cmdOkay.Press(); });
         if (closed || ended_) return;

@@ -19,6 +19,7 @@ namespace sonavex {
 class BenchTop : private World {
 public:
     static constexpr std::int32_t kBlockFrames = 2048;
+    static constexpr int kFineBits = 24;  // of the frames that the fine path plays
 
     BenchTop() { log.CountOnly(); }
     ~BenchTop() { TakeAway(); }
@@ -38,7 +39,8 @@ public:
     void HoldUp(int blocks);
     // Performs a user action as the window does.
     void Act(const std::function<void()>& action);
-    // Selects another rate in the selection of devices, as an index into the table of rates.
+    // Selects another rate in the selection of devices, as an index into the table of rates followed by
+    // kExtendedRates.
     void SelectRate(std::int32_t index);
 
     // Follows the fine frames while the program runs; at first on.

@@ -54,6 +54,8 @@ DeviceUnderTestModel AnyDevice(SeededRandomness& random) {
     if (random.Chance(0.2)) model.delayFrames = static_cast<std::uint32_t>(random.Pick(20000));
     // Rare, because interpolation takes several times as long as everything else.
     if (random.Chance(0.01)) model.clockOffsetPpm = random.Between(-500.0, 500.0);
+    if (random.Chance(0.2)) model.bits = 24;
+    model.dither = random.Chance(0.1);
     return model;
 }
 
@@ -159,7 +161,8 @@ void Soak::Happen(Event event) {
         happenedLast_ = Describe(action);
         Perform(action, bench_->Form(), [this](const auto& step) { bench_->Act(step); });
     } else if (event == Event::kRateChange) {
-        bench_->SelectRate(random_.Pick(static_cast<std::int32_t>(SampleRateTable.size())));
+        bench_->SelectRate(
+            random_.Pick(static_cast<std::int32_t>(SampleRateTable.size() + kExtendedRates.size())));
     } else if (event == Event::kProgramRestart) {
         RestartProgram();
     } else if (event == Event::kStoredValue) {
@@ -207,11 +210,19 @@ void Soak::ReachForTheCard(Event event) {
 // Stores a value as an old or damaged file may contain. The next start reads it, unless it is overwritten
 // before.
 void Soak::StoreOddValue() {
-    static constexpr std::array<const SettingsKey*, 12> kKeys{
-        &keys::kAuto,         &keys::kBaseline,      &keys::kInput,
-        &keys::kOutput,       &keys::kSampleRate,    &keys::kLevel,
-        &keys::kCurrentStart, &keys::kCurrentEnd,    &keys::kCurrentSweepTime,
-        &keys::kCurrentType,  &keys::kNumberOfTones, &keys::kLastTab};
+    static constexpr std::array<const SettingsKey*, 13> kKeys{&keys::kAuto,
+                                                              &keys::kBaseline,
+                                                              &keys::kInput,
+                                                              &keys::kOutput,
+                                                              &keys::kSampleRate,
+                                                              &keys::kLevel,
+                                                              &keys::kCurrentStart,
+                                                              &keys::kCurrentEnd,
+                                                              &keys::kCurrentSweepTime,
+                                                              &keys::kCurrentType,
+                                                              &keys::kNumberOfTones,
+                                                              &keys::kLastTab,
+                                                              &keys::kExtendedSampleRate};
     static constexpr std::array<const char*, 10> kValues{"",      "0",     "1",    "-1",  "7",
                                                          "99999", "1e300", "True", "1,5", "x"};
     const SettingsKey& key =
@@ -291,11 +302,12 @@ void Soak::CheckReadings() {
     CompareReadings();
     CheckThatBlocksAreCounted();
     CheckState();
-    // A wire needs the least computing time.
-    bench_->Card().Card().SetDeviceUnderTest({});
     ++report_.checks;
     CheckMemory();
     bench_->UseFinePath(true);
+    CheckFineFrames();
+    // A wire of 16 bits needs the least computing time.
+    bench_->Card().Card().SetDeviceUnderTest({});
     report_.fineFrames = bench_->FineFramesSeen();
     report_.programStarts = bench_->Starts();
     report_.messages = bench_->Messages();
@@ -386,6 +398,26 @@ void Soak::CheckThatBlocksAreCounted() {
             "the ring's counts are wrong");
     Require(bench_->Form().StreamTrouble.Caption().empty(),
             "marked as stopped: " + bench_->Form().StreamTrouble.Caption());
+}
+
+// Every bit returns at a rate above 48 kHz, which the next events find in use.
+void Soak::CheckFineFrames() {
+    DeviceUnderTestModel wire;
+    wire.bits = BenchTop::kFineBits;
+    bench_->Card().Card().SetDeviceUnderTest(wire);
+    const auto rate =
+        static_cast<std::size_t>(random_.Pick(static_cast<std::int32_t>(kExtendedRates.size())));
+    bench_->SelectRate(static_cast<std::int32_t>(SampleRateTable.size() + rate));
+    Require(bench_->Running() && bench_->Form().Instrument.Shared.SampleRate == kExtendedRates[rate],
+            "the extended rate is not taken: " + bench_->LastMessage());
+    FineUser& fine = *bench_->Fine();
+    fine.Play(true);
+    fine.ExpectReturn(true);
+    for (int i = 0; i < kCountedBlocks; ++i) Step();
+    Require(fine.Returned() >= kCountedBlocks / 2 * 2048, "fine frames do not return");
+    fine.ExpectReturn(false);
+    fine.Play(false);
+    CheckState();
 }
 
 // With sanitizers the heap size is unknown and both values are 0.

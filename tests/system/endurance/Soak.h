@@ -84,6 +84,7 @@ private:
     void WaitForReadings();
     void CompareReadings();
     void CheckThatBlocksAreCounted();
+    void CheckFineFrames();
     void CheckMemory();
     std::string Place() const;
     void Require(bool condition, const std::string& what) const;

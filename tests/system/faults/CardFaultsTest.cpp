@@ -50,6 +50,22 @@ TEST_F(CardFaults, SuspendedAndResumed) {
     });
 }
 
+TEST_F(CardFaults, SuspendedAndResumedAbove48kHz) {
+    LoopCards cards(CardList{{"card", "Test card", {32000, 192000}, 2, "S32_LE"}});
+    LoopCardState& card = cards.State("card");
+    Store(kOnTheCard + std::string("[Face]\nExtendedSampleRate=192000\n"));
+    fineBits = 24;
+    onSelection = [&](QDialog&) { card.suspended = 0; };
+    Run([&] {
+        ExpectMeasuring();
+        card.suspended = 1;
+        ExpectLoss("has been suspended.");
+        ExpectReturn();
+        EXPECT_EQ(Form().lblSampleRate.Caption(), "192000");
+        ExpectFineLoop();
+    });
+}
+
 TEST_F(CardFaults, HeldByAnotherProgramAtTheStart) {
     LoopCards cards(CardList{{"card", "Test card"}});
     const PrivateFolder folder;

@@ -98,7 +98,9 @@ protected:
         const std::optional<int> ended = program_->Open();
         EXPECT_EQ(ended, std::nullopt);
         if (!ended) {
-            fine_.emplace(Form().Instrument.Fine);
+            // Full volume, so that fine frames return bit for bit.
+            Form().GeneratorPanel.Controls.sldLevel.UserMoves(0);
+            fine_.emplace(Form().Instrument.Fine, fineBits);
             fine_->Play(true);
             story();
             EXPECT_EQ(fine_->Fault(), "");
@@ -151,6 +153,15 @@ protected:
         })) << Form().Instrument.Meter.Controls.txtFreq.Text();
         Form().GeneratorPanel.Controls.Command1.Press();
         PlayFine(true);
+        ExpectFineLoop();
+    }
+    // The loop returns the numbered frames of the fine source.
+    void ExpectFineLoop() {
+        constexpr std::uint64_t kFrames = 4096;
+        fine_->ExpectReturn(true);
+        EXPECT_TRUE(WaitInQt(kLimit, [&] { return fine_->Returned() >= kFrames; })) << fine_->Returned();
+        fine_->ExpectReturn(false);
+        EXPECT_EQ(fine_->Fault(), "");
     }
     // The loss was noticed in time, recorded and reported once, and the readings were marked.
     void ExpectLoss(const std::string& what) {
@@ -176,6 +187,7 @@ protected:
     // These apply to all later runs. `afterRun` is called when the program has ended.
     std::function<void(QDialog&)> onSelection;
     std::function<void()> afterRun;
+    int fineBits = 16;  // of the frames of the fine source
 
     QLabel& Note() {
         return *program_->Window().findChild<QLabel*>(QStringLiteral("streamNote"));

@@ -135,6 +135,24 @@ TEST_F(ServerFaults, SinkOfPulseAudioUnloadedAndLoadedAgain) {
     CheckUnloadingAt(PulseServer({kOther}));
 }
 
+TEST_F(ServerFaults, SinkAbove48kHzUnloadedAndLoadedAgain) {
+    const NullSink fast{"card", 96000, "TestCard", "s32le"};
+    const PulseServer server({kOther});
+    Use(server);
+    Store(kOnTheServer + std::string("[Face]\nExtendedSampleRate=96000\n"));
+    fineBits = 24;
+    std::string module = server.LoadNullSink(fast);
+    Run([&] {
+        ExpectMeasuring();
+        server.Control({"unload-module", module});
+        ExpectLoss("has been removed");
+        module = server.LoadNullSink(fast);
+        ExpectReturn();
+        EXPECT_EQ(Form().lblSampleRate.Caption(), "96000");
+        ExpectFineLoop();
+    });
+}
+
 TEST_F(ServerFaults, SinkOfPipeWireUnloadedAndLoadedAgain) {
     CheckUnloadingAt(PipeWireServer({kOther}));
 }
