@@ -14,6 +14,7 @@
 
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
+#include "core/ports/MeasurementFiles.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MemoryFile.h"
 #include "support/ChildProcess.h"
@@ -101,6 +102,9 @@ void Analyze(const measure::AnalyzeOptions& options) {
         status = measure::AnalyzeFile(options);
     } catch (const measure::MeasureError& error) {
         Require(*error.what() != '\0', "a failure is explained");
+        return;
+    } catch (const FileError& error) {
+        Require(*error.what() != '\0', "a failure of a file is explained");
         return;
     }
     Require(status == measure::kMeasured || status == measure::kVoid, "a documented status");

@@ -14,6 +14,7 @@
 
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
+#include "core/ports/MeasurementFiles.h"
 #include "core/support/RuntimeError.h"
 #include "core/text/Numbers.h"
 #include "fuzz/FuzzTarget.h"
@@ -91,6 +92,9 @@ void Measure(const measure::FileOptions& options) {
         status = measure::MeasureFile(options);
     } catch (const measure::MeasureError& error) {
         Require(*error.what() != '\0', "a failure is explained");
+        return;
+    } catch (const FileError& error) {
+        Require(*error.what() != '\0', "a failure of a file is explained");
         return;
     } catch (const RuntimeError& error) {
         Require(false, "no recording raises a run-time error", error.what());

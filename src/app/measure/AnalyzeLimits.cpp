@@ -22,6 +22,20 @@ void RequireTones(const AnalyzeOptions& options, const RecordPlan& plan) {
         throw MeasureError("--tones: " + *fault);
 }
 
+PreciseMode PreciseModeOf(AnalyzeMode mode) {
+    switch (mode) {
+        case AnalyzeMode::kThd:
+            return PreciseMode::kTone;
+        case AnalyzeMode::kImd:
+            return PreciseMode::kPair;
+        case AnalyzeMode::kMultitone:
+            return PreciseMode::kMultitone;
+        case AnalyzeMode::kNoise:
+            break;
+    }
+    return PreciseMode::kNoise;
+}
+
 }  // namespace
 
 std::size_t RecordLength(const AnalyzeOptions& options, double rateHz) {
@@ -35,6 +49,20 @@ void RequireSuitable(const AnalyzeOptions& options, const RecordPlan& plan) {
     if (options.fundamentalHz && options.mode != AnalyzeMode::kThd)
         throw MeasureError("--fundamental is for the mode thd.");
     RequireTones(options, plan);
+}
+
+PreciseSettings SettingsOf(const AnalyzeOptions& options, double rateHz) {
+    PreciseSettings settings;
+    settings.rateHz = rateHz;
+    settings.length = RecordLength(options, rateHz);
+    settings.channel = static_cast<std::size_t>(options.channel);
+    settings.mode = PreciseModeOf(options.mode);
+    settings.tone.band = {options.lowHz, options.highHz};
+    settings.tone.highestOrder = options.highestOrder;
+    settings.tone.fundamentalHz = options.fundamentalHz;
+    settings.tonesHz = options.tonesHz;
+    settings.averages = options.live.average;
+    return settings;
 }
 
 }  // namespace sonavex::measure

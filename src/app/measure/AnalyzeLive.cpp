@@ -4,12 +4,13 @@
 #include <optional>
 #include <utility>
 
-#include "app/measure/AnalyzedFiles.h"
 #include "app/measure/Commands.h"
 #include "app/measure/LiveAnalysis.h"
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
 #include "app/measure/ValidityRules.h"
+#include "core/analyzer/SpectrumMean.h"
+#include "platform/sndfile/SndfileFiles.h"
 
 namespace sonavex::measure {
 namespace {
@@ -61,10 +62,13 @@ private:
     }
 
     void WriteFiles() const {
-        if (!options_.savedReference.empty()) WriteText(options_.savedReference, AnalyzedJson(last_) + '\n');
+        const SndfileFiles files;
+        if (!options_.savedReference.empty())
+            files.WriteText(options_.savedReference, AnalyzedJson(last_) + '\n');
         if (!options_.residual.empty())
-            WriteFloatWav(options_.residual, meter_.Residual(), static_cast<std::int32_t>(last_.rateHz));
-        if (!options_.spectrum.empty()) WriteText(options_.spectrum, spectrum_->Csv());
+            files.WriteFloatWav(options_.residual, meter_.Residual(), static_cast<std::int32_t>(last_.rateHz),
+                                "");
+        if (!options_.spectrum.empty()) files.WriteText(options_.spectrum, spectrum_->Csv());
     }
 
     const AnalyzeOptions& options_;

@@ -38,34 +38,6 @@ AnalyzeMode ModeFor(const Stimulus& stimulus) {
     return AnalyzeMode::kThd;
 }
 
-PreciseMode PreciseModeOf(AnalyzeMode mode) {
-    switch (mode) {
-        case AnalyzeMode::kThd:
-            return PreciseMode::kTone;
-        case AnalyzeMode::kImd:
-            return PreciseMode::kPair;
-        case AnalyzeMode::kMultitone:
-            return PreciseMode::kMultitone;
-        case AnalyzeMode::kNoise:
-            break;
-    }
-    return PreciseMode::kNoise;
-}
-
-PreciseSettings SettingsOf(const AnalyzeOptions& options, double rateHz) {
-    PreciseSettings settings;
-    settings.rateHz = rateHz;
-    settings.length = RecordLength(options, rateHz);
-    settings.channel = static_cast<std::size_t>(options.channel);
-    settings.mode = PreciseModeOf(options.mode);
-    settings.tone.band = {options.lowHz, options.highHz};
-    settings.tone.highestOrder = options.highestOrder;
-    settings.tone.fundamentalHz = options.fundamentalHz;
-    settings.tonesHz = options.tonesHz;
-    settings.averages = options.live.average;
-    return settings;
-}
-
 std::optional<StimulusChoice> ChoiceOf(const LiveOptions& live) {
     if (live.stimulus.empty()) return std::nullopt;
     StimulusChoice choice;

@@ -12,12 +12,12 @@
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
-#include "app/measure/Recording.h"
 #include "app/measure/ToneRequests.h"
 #include "core/dsp/AnalysisBand.h"
 #include "core/settings/SampleRates.h"
 #include "core/text/Numbers.h"
 #include "platform/plain/ReplacedFile.h"
+#include "platform/sndfile/SndfileRecording.h"
 
 namespace sonavex::measure {
 namespace {
@@ -34,14 +34,14 @@ std::int16_t Sample16(double value) {
         RoundHalfEven(std::clamp(value * kFullScale, -kFullScale, kFullScale - 1.0)));
 }
 
-void RequireRate(const Recording& recording, const std::string& path) {
+void RequireRate(const SndfileRecording& recording, const std::string& path) {
     if (IsSampleRate(recording.RateHz())) return;
     throw MeasureError("The recording '" + path + "' has a sampling rate of " + CStr(recording.RateHz()) +
                        " Hz, which is not one of the instrument's rates.");
 }
 
 // Reads a block. Returns false if less than a block is left.
-bool ReadBlock(Recording& recording, Block& block) {
+bool ReadBlock(SndfileRecording& recording, Block& block) {
     std::array<double, kBlockSamples> samples;
     if (recording.Read(samples) < static_cast<std::size_t>(kBlockFrames)) return false;
     std::transform(samples.begin(), samples.end(), block.begin(), Sample16);
@@ -112,7 +112,7 @@ private:
 }  // namespace
 
 int MeasureFile(const FileOptions& options) {
-    Recording recording(options.input);
+    SndfileRecording recording(options.input);
     RequireRate(recording, options.input);
     SharedState shared;
     shared.SampleRate = recording.RateHz();

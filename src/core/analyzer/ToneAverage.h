@@ -21,6 +21,8 @@ public:
 
     // The average including this measurement; a void measurement is returned as it is.
     const ToneMeasurement& Add(ToneMeasurement next);
+    // What Add returned last.
+    const ToneMeasurement& Mean() const { return mean_.value(); }
 
     // After a change of settings.
     void Restart();

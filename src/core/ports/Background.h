@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 namespace sonavex {
@@ -14,7 +15,8 @@ public:
     using Task = std::function<Result()>;
 
     // Tasks of one line replace each other.
-    enum class Line { kStimulus, kAnalysis };
+    enum class Line { kStimulus, kAnalysis, kRecording };
+    static constexpr std::size_t kLines = 3;
 
     // Destruction discards waiting tasks and undelivered results.
     virtual ~Background() = default;

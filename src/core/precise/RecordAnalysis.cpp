@@ -47,6 +47,11 @@ const std::vector<Void>& VoidsOf(const RecordAnalysis& analysis) {
                       analysis.values);
 }
 
+const std::vector<Warning>& WarningsOf(const RecordAnalysis& analysis) {
+    return std::visit([](const auto& values) -> const std::vector<Warning>& { return values.warnings; },
+                      analysis.values);
+}
+
 void AddWarning(RecordAnalysis& analysis, const Warning& warning) {
     std::visit(
         [&](auto& values) {
@@ -60,36 +65,38 @@ void AddWarning(RecordAnalysis& analysis, const Warning& warning) {
 RecordAverage::RecordAverage(std::shared_ptr<const RecordPlan> plan, PreciseSettings settings)
     : plan_(std::move(plan)), settings_(std::move(settings)), tone_(*plan_, settings_.averages) {}
 
-LinesReading RecordAverage::Add(const RecordAnalysis& analysis) {
-    if (const auto* const tone = std::get_if<ToneMeasurement>(&analysis.values)) return AddTone(*tone);
-    return AddLines(std::get<LinesMeasurement>(analysis.values));
+void RecordAverage::Include(const RecordAnalysis& analysis) {
+    if (const auto* const tone = std::get_if<ToneMeasurement>(&analysis.values))
+        tone_.Add(*tone);
+    else
+        IncludeLines(std::get<LinesMeasurement>(analysis.values));
+}
+
+LinesReading RecordAverage::Values() const {
+    if (settings_.mode != PreciseMode::kTone) return ReadingOf(lines_.value());
+    LinesReading reading;
+    reading.reading = MakeReading(*plan_, tone_.Mean(), settings_.tone);
+    return reading;
 }
 
 void RecordAverage::Restart() {
     tone_.Restart();
     newest_.clear();
-    all_.reset();
-}
-
-LinesReading RecordAverage::AddTone(ToneMeasurement next) {
-    LinesReading reading;
-    reading.reading = MakeReading(*plan_, tone_.Add(std::move(next)), settings_.tone);
-    return reading;
+    lines_.reset();
 }
 
 // A limited average is computed from its records each time, so that a record that drops out leaves nothing
 // behind. A record that does not continue the average is alone in it, and the older ones are dropped.
-LinesReading RecordAverage::AddLines(LinesMeasurement next) {
+void RecordAverage::IncludeLines(LinesMeasurement next) {
     if (settings_.averages == 0) {
-        AddToMean(all_, std::move(next));
-        return ReadingOf(*all_);
+        AddToMean(lines_, std::move(next));
+        return;
     }
     newest_.push_back(std::move(next));
     if (newest_.size() > settings_.averages) newest_.pop_front();
-    std::optional<LinesMeasurement> mean;
-    for (const LinesMeasurement& record : newest_) AddToMean(mean, record);
-    while (newest_.size() > std::max<std::size_t>(mean->blocks, 1)) newest_.pop_front();
-    return ReadingOf(*mean);
+    lines_.reset();
+    for (const LinesMeasurement& record : newest_) AddToMean(lines_, record);
+    while (newest_.size() > std::max<std::size_t>(lines_->blocks, 1)) newest_.pop_front();
 }
 
 LinesReading RecordAverage::ReadingOf(const LinesMeasurement& lines) const {

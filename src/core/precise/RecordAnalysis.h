@@ -43,6 +43,7 @@ RecordAnalysis AnalyzeRecord(const RecordPlan& plan, const PreciseSettings& sett
 RecordAnalysis VoidRecord(const PreciseSettings& settings, int bits, Void reason);
 
 const std::vector<Void>& VoidsOf(const RecordAnalysis& analysis);
+const std::vector<Warning>& WarningsOf(const RecordAnalysis& analysis);
 void AddWarning(RecordAnalysis& analysis, const Warning& warning);
 
 // The rolling average of records, in any mode.
@@ -51,19 +52,25 @@ public:
     RecordAverage(std::shared_ptr<const RecordPlan> plan, PreciseSettings settings);
 
     // The reading that includes this record.
-    LinesReading Add(const RecordAnalysis& analysis);
+    LinesReading Add(const RecordAnalysis& analysis) {
+        Include(analysis);
+        return Values();
+    }
+    // The same in two steps: a reading takes time that an intermediate one does not need.
+    void Include(const RecordAnalysis& analysis);
+    // Only after Include.
+    LinesReading Values() const;
     void Restart();
 
 private:
-    LinesReading AddTone(ToneMeasurement next);
-    LinesReading AddLines(LinesMeasurement next);
+    void IncludeLines(LinesMeasurement next);
     LinesReading ReadingOf(const LinesMeasurement& lines) const;
 
     std::shared_ptr<const RecordPlan> plan_;
     PreciseSettings settings_;
     ToneAverage tone_;
-    std::deque<LinesMeasurement> newest_;  // only while the number of averages is limited
-    std::optional<LinesMeasurement> all_;
+    std::deque<LinesMeasurement> newest_;    // only while the number of averages is limited
+    std::optional<LinesMeasurement> lines_;  // the average
 };
 
 }  // namespace sonavex

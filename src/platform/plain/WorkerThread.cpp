@@ -27,7 +27,7 @@ Background::Result Perform(const Background::Task& task) {
 struct WorkerThread::Work {
     std::mutex mutex;  // guards everything but `ended`
     std::condition_variable wake;
-    std::array<Task, 2> waiting;  // by line; empty: none
+    std::array<Task, kLines> waiting;  // by line; empty: none
     std::deque<Result> results;
     std::unique_ptr<Signal> done;
     bool ending = false;
@@ -67,7 +67,7 @@ WorkerThread::WorkerThread(EventLoop& loop, std::chrono::milliseconds endLimit)
 }
 
 WorkerThread::~WorkerThread() {
-    std::array<Task, 2> discarded;
+    std::array<Task, kLines> discarded;
     {
         const std::lock_guard lock(work_->mutex);
         work_->ending = true;

@@ -1,27 +1,25 @@
 #pragma once
 
-#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "core/analyzer/RecordPlan.h"
 
-namespace sonavex::measure {
+namespace sonavex {
 
-// The files that `analyze` writes. Each replaces an older file when it is complete. All throw MeasureError.
-
-void WriteText(const std::string& path, const std::string& text);
-
-// One channel of 32-bit floats.
-void WriteFloatWav(const std::string& path, std::span<const double> samples, std::int32_t rateHz);
-
-// The mean of the spectra of all records.
+// The mean of the spectra of records.
 class SpectrumMean {
 public:
+    // The plan must outlive the mean.
     explicit SpectrumMean(const RecordPlan& plan) : plan_(plan) {}
 
+    // samples: as many as the plan's length.
     void Add(std::span<const double> samples);
+
+    std::size_t Records() const noexcept { return records_; }
+    // Mean of RecordPlan::AcPowerSpectrum; empty before the first record.
+    const std::vector<double>& Power() const noexcept { return power_; }
 
     // Frequency and dBFS of each bin, after lines with the conditions that begin with '#'.
     std::string Csv() const;
@@ -32,4 +30,4 @@ private:
     std::vector<double> power_;
 };
 
-}  // namespace sonavex::measure
+}  // namespace sonavex

@@ -8,9 +8,9 @@
 #include <fstream>
 #include <limits>
 #include <random>
+#include <utility>
 
-#include "app/measure/MeasureError.h"
-#include "app/measure/Recording.h"
+#include "platform/sndfile/SndfileRecording.h"
 #include "support/Recordings.h"
 
 namespace sonavex {
@@ -44,7 +44,7 @@ std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> NewFile(const RecordingFile& file, i
 }
 
 // In two parts, so that the position is kept.
-std::vector<double> ReadAll(measure::Recording& recording) {
+std::vector<double> ReadAll(SndfileRecording& recording) {
     std::vector<double> samples(2 * kFineRecordingFrames + 100);
     const std::size_t first = recording.Read(std::span(samples).first(2000));
     const std::size_t rest = recording.Read(std::span(samples).subspan(2000));
@@ -74,7 +74,7 @@ TEST_P(RecordingBits, AreAllRead) {
         const auto output = NewFile(file_, format, 192000, channels);
         ASSERT_EQ(sf_writef_int(output.get(), written.data(), kFineRecordingFrames), kFineRecordingFrames);
     }
-    measure::Recording recording(file_.Path());
+    SndfileRecording recording(file_.Path());
     EXPECT_EQ(recording.Bits(), bits);
     EXPECT_EQ(recording.RateHz(), 192000);
     const std::vector<double> read = ReadAll(recording);
@@ -109,7 +109,7 @@ TEST(RecordingWithLoss, HasTheBitsOfItsFormat) {
           std::pair{SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM, 16},
           std::pair{SF_FORMAT_OGG | SF_FORMAT_VORBIS, 16}}) {
         const RecordingFile file({.format = format, .frames = kRecordedBlockFrames}, Silence());
-        EXPECT_EQ(measure::Recording(file.Path()).Bits(), bits) << std::hex << format;
+        EXPECT_EQ(SndfileRecording(file.Path()).Bits(), bits) << std::hex << format;
     }
 }
 
@@ -129,7 +129,7 @@ TEST(RecordingFloats, AreReadUnchanged) {
             ASSERT_EQ(sf_write_double(output.get(), written.data(), 2 * kFineRecordingFrames),
                       2 * kFineRecordingFrames);
         }
-        measure::Recording recording(file.Path());
+        SndfileRecording recording(file.Path());
         EXPECT_EQ(recording.Bits(), bits);
         std::vector<double> read = ReadAll(recording);
         EXPECT_TRUE(std::isnan(read.at(5)));
@@ -141,9 +141,9 @@ TEST(RecordingFloats, AreReadUnchanged) {
 // The message when the recording is read to its end; empty without one.
 std::string Complaint(const RecordingFile& file) {
     try {
-        measure::Recording recording(file.Path());
+        SndfileRecording recording(file.Path());
         ReadAll(recording);
-    } catch (const measure::MeasureError& error) {
+    } catch (const FileError& error) {
         return error.what();
     }
     return {};
@@ -200,7 +200,7 @@ TEST(RecordingHeader, MayLeaveTheLengthOpen) {
     for (const std::uint32_t bytes : {0x7FFFF000U, 0x80000000U, 0xFFFFFFFFU}) {
         const RecordingFile file({32000, 2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 5000}, Silence());
         Patch(file, kDataBytesAt, bytes);
-        measure::Recording recording(file.Path());
+        SndfileRecording recording(file.Path());
         EXPECT_EQ(ReadAll(recording).size(), 10000U) << bytes;
     }
 }
@@ -231,7 +231,7 @@ TEST(RecordingRates, OutsideTheLimitsAreRefused) {
             const auto output = NewFile(file, SF_FORMAT_WAV | SF_FORMAT_PCM_16, rateHz);
             ASSERT_EQ(sf_write_int(output.get(), silence.data(), 4), 4);
         }
-        EXPECT_THROW(measure::Recording(file.Path()), measure::MeasureError) << rateHz;
+        EXPECT_THROW(SndfileRecording(file.Path()), FileError) << rateHz;
     }
 }
 

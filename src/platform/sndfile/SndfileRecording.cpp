@@ -1,13 +1,9 @@
-#include "app/measure/Recording.h"
+#include "platform/sndfile/SndfileRecording.h"
 
 #include <filesystem>
 #include <string_view>
 
-#include "app/measure/MeasureError.h"
-#include "core/text/Numbers.h"
-
-namespace sonavex::measure {
-
+namespace sonavex {
 namespace {
 
 // Programs that write a WAV file into a pipe state a length between this one and 4 GB.
@@ -75,41 +71,41 @@ std::string ReasonOf(SNDFILE* file) {
     return text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text;
 }
 
-Recording::Recording(const std::string& path)
+SndfileRecording::SndfileRecording(const std::string& path)
     : name_("The recording '" + path + "' "), file_(sf_open(path.c_str(), SFM_READ, &info_), sf_close) {
     std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) throw MeasureError(name_ + "is a folder.");
-    if (!file_) throw MeasureError(name_ + "cannot be read: " + ReasonOf(nullptr));
-    if (info_.frames <= 0) throw MeasureError(name_ + "is empty.");
+    if (std::filesystem::is_directory(path, ignored)) throw FileError(name_ + "is a folder.");
+    if (!file_) throw FileError(name_ + "cannot be read: " + ReasonOf(nullptr));
+    if (info_.frames <= 0) throw FileError(name_ + "is empty.");
     if (info_.samplerate < kLowestRateHz || info_.samplerate > kHighestRateHz)
-        throw MeasureError(name_ + "has a sampling rate of " + CStr(info_.samplerate) +
-                           " Hz, which is outside 4000 to 192000 Hz.");
+        throw FileError(name_ + "has a sampling rate of " + std::to_string(info_.samplerate) +
+                        " Hz, which is outside 4000 to 192000 Hz.");
     RequireAllFrames(info_.frames, DeclaredFrames());
     // Reads floating-point files unscaled, full scale 1.
     sf_command(file_.get(), SFC_SET_NORM_DOUBLE, nullptr, SF_TRUE);
 }
 
-void Recording::RequireAllFrames(std::int64_t present, std::int64_t declared) const {
+void SndfileRecording::RequireAllFrames(std::int64_t present, std::int64_t declared) const {
     if (present < declared)
-        throw MeasureError(name_ + "ends early: " + std::to_string(present) + " of " +
-                           std::to_string(declared) + " frames.");
+        throw FileError(name_ + "ends early: " + std::to_string(present) + " of " + std::to_string(declared) +
+                        " frames.");
 }
 
 // Some formats do not state their length.
-void Recording::RequireEnd() const {
+void SndfileRecording::RequireEnd() const {
     if (sf_error(file_.get()) != SF_ERR_NO_ERROR)
-        throw MeasureError("The recording cannot be read to its end: " + ReasonOf(file_.get()) + ' ' +
-                           std::to_string(readFrames_) + " frames were read.");
+        throw FileError("The recording cannot be read to its end: " + ReasonOf(file_.get()) + ' ' +
+                        std::to_string(readFrames_) + " frames were read.");
     if (info_.frames != SF_COUNT_MAX) RequireAllFrames(readFrames_, info_.frames);
 }
 
 // libsndfile reports the frames found in the file.
-std::int64_t Recording::DeclaredFrames() const {
+std::int64_t SndfileRecording::DeclaredFrames() const {
     const std::int64_t frameBytes = std::int64_t{SampleBytes(info_.format)} * info_.channels;
     return frameBytes == 0 ? info_.frames : DeclaredBytes(file_.get(), info_.format) / frameBytes;
 }
 
-int Recording::Bits() const noexcept {
+int SndfileRecording::Bits() const noexcept {
     switch (info_.format & SF_FORMAT_SUBMASK) {
         case SF_FORMAT_PCM_S8:
         case SF_FORMAT_PCM_U8:
@@ -136,12 +132,24 @@ int Recording::Bits() const noexcept {
     }
 }
 
-bool Recording::FloatingPoint() const noexcept {
+bool SndfileRecording::FloatingPoint() const noexcept {
     const int format = info_.format & SF_FORMAT_SUBMASK;
     return format == SF_FORMAT_FLOAT || format == SF_FORMAT_DOUBLE;
 }
 
-std::size_t Recording::Read(std::span<double> stereo) {
+std::optional<std::int64_t> SndfileRecording::Frames() const noexcept {
+    if (info_.seekable == 0 || info_.frames == SF_COUNT_MAX) return std::nullopt;
+    return info_.frames;
+}
+
+void SndfileRecording::MoveTo(std::int64_t frame) {
+    if (sf_seek(file_.get(), frame, SEEK_SET) != frame)
+        throw FileError(name_ + "cannot be read from frame " + std::to_string(frame) +
+                        " on: " + ReasonOf(file_.get()));
+    readFrames_ = frame;
+}
+
+std::size_t SndfileRecording::Read(std::span<double> stereo) {
     const std::size_t frames = stereo.size() / 2;
     const auto channels = static_cast<std::size_t>(info_.channels);
     samples_.resize(frames * channels);
@@ -155,4 +163,4 @@ std::size_t Recording::Read(std::span<double> stereo) {
     return read;
 }
 
-}  // namespace sonavex::measure
+}  // namespace sonavex
