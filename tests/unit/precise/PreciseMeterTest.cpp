@@ -187,6 +187,37 @@ TEST_F(PreciseMeterTest, FramesMissingInTheStimulusInterrupt) {
     fine.SetSource(nullptr);
 }
 
+TEST_F(PreciseMeterTest, TheSentenceNamesWhatInterruptedTheOutput) {
+    bench.engine.SilentBlocks = 0;
+    StartMeter();
+    CaptureUpTo(kRecord);
+    const auto sentence = [this] {
+        readings.clear();
+        Capture(8);
+        return readings.size() == 1 && !readings[0].Valid() ? readings[0].voids[0].sentence : "";
+    };
+    EXPECT_EQ(sentence(), "");
+    ++bench.sound.underruns;
+    EXPECT_EQ(sentence(), "the output device ran out of samples");
+    ++bench.engine.Overruns;
+    EXPECT_EQ(sentence(), "the output was overrun");
+    ++bench.engine.PlaybackStarts;
+    EXPECT_EQ(sentence(), "playback was started again");
+    EXPECT_EQ(sentence(), "");
+}
+
+// An overrun concerns the block meter's output, which a stimulus replaces.
+TEST_F(PreciseMeterTest, AnOverrunDoesNotInterruptAStimulus) {
+    SilentSource source;
+    fine.SetSource(&source);
+    StartMeter();
+    CaptureUpTo(kRecord);
+    ++bench.engine.Overruns;
+    Capture(8);
+    EXPECT_EQ(readings.size(), 1U);
+    fine.SetSource(nullptr);
+}
+
 // The counts may grow while the background works.
 TEST_F(PreciseMeterTest, AnOutputThatFailedMeanwhileDropsTheResult) {
     SilentSource source;
