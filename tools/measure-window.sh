@@ -14,7 +14,7 @@ build_preset dev sonavex sonavex-start-time
 source "$root/tools/private-sound.sh"
 export userprofile="$work"
 unset QT_QPA_PLATFORM
-start_private_sound
+start_private_sound s16le
 
 Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp 3>"$work/display" 2>"$work/x.log" &
 pids+=($!)

@@ -23,15 +23,15 @@ await() {
     exit 1
 }
 
-# Starts a private PulseAudio with one sink at 48000 Hz, whose monitor returns what is played. Hides the user's
-# configuration from the programs.
+# start_private_sound FORMAT: starts a private PulseAudio with one sink at 48000 Hz, whose monitor returns what is
+# played. FORMAT is that of its samples, for example s24le. Hides the user's configuration from the programs.
 start_private_sound() {
     export HOME="$work" XDG_CONFIG_HOME="$work" XDG_RUNTIME_DIR="$work" LC_ALL=C.UTF-8
     export PULSE_SERVER="unix:$work/native"
     unset SONAVEX_SOUND SONAVEX_OS_MAJOR
     pulseaudio -n --daemonize=no --exit-idle-time=-1 --use-pid-file=no \
         -L "module-native-protocol-unix socket=$work/native auth-anonymous=1" \
-        -L "module-null-sink sink_name=card rate=48000 norewinds=1" >"$work/pulse.log" 2>&1 &
+        -L "module-null-sink sink_name=card rate=48000 format=$1 norewinds=1" >"$work/pulse.log" 2>&1 &
     pids+=($!)
     await "sound server" pactl info
 }

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "support/Files.h"
+#include "support/MachineLoad.h"
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
 #include "support/alsa/LoopCards.h"
@@ -62,23 +63,14 @@ void ExpectDitherOnly(const ordered_json& reading, int bits, double rateHz) {
 }
 
 // A third of a second is long enough for the noise of a digital loop.
-Arguments LoopAnalysis(const std::string& output, const std::string& input, int rateHz) {
-    return {"analyze",
-            "--output",
-            output,
-            "--input",
-            input,
-            "--rate",
-            std::to_string(rateHz),
-            "--length",
-            rateHz > 48000 ? "32768" : "16384",
-            "--stimulus",
-            "sine:997.3",
-            "--average",
-            "0",
-            "--seconds",
-            "2",
-            "--json"};
+Arguments LoopAnalysis(const std::string& output, const std::string& input, int rateHz,
+                       const Arguments& more = {"--average", "0", "--seconds", "2"}) {
+    const std::string length = rateHz > 48000 ? "32768" : "16384";
+    Arguments arguments{
+        "analyze",  "--output", output,       "--input",    input,   "--rate", std::to_string(rateHz),
+        "--length", length,     "--stimulus", "sine:997.3", "--json"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
 }
 
 // -142.3 dBFS in the band.
@@ -108,6 +100,36 @@ TEST(AnalyzeLive, ReadsTheDitherOfCards) {
     MeasureProgram fast(LoopAnalysis("alsa:fast", "alsa:fast", 96000), cards.ForPrograms());
     ExpectDitherOnly(ValidReading(card), 24, 48000);
     ExpectDitherOnly(ValidReading(fast), 24, 96000);
+}
+
+// The tolerance of the noise is six standard deviations of one record.
+void ExpectTrueIfValid(const ordered_json& reading) {
+    if (!reading["valid"]) return;
+    EXPECT_NEAR(reading["frequency_hz"].get<double>(), 997.3, 1e-3);
+    EXPECT_NEAR(reading["level_dbfs"].get<double>(), -1.0, 1e-4);
+    EXPECT_NEAR(reading["noise_dbfs"].get<double>(), DitherDbfs(24, 48000), 0.5);
+    EXPECT_NEAR(reading["thdn_db"].get<double>(), DitherDbfs(24, 48000) + 1.0, 0.5);
+    EXPECT_LT(reading["thd_db"].get<double>(), -150.0);
+}
+
+// The server is stopped for longer than its buffers last.
+TEST(AnalyzeLive, AnOverloadedServerVoidsReadingsAndNeverFalsifiesThem) {
+    PulseServer server({{"card", 48000, "Card", "s24le"}});
+    const MachineLoad load;
+    MeasureProgram program(LoopAnalysis("card", "card.monitor", 48000, {"--seconds", "4"}),
+                           {{"PULSE_SERVER", server.Address()}});
+    ASSERT_TRUE(program.Prints("\"valid\":", 20s));
+    server.Pause();
+    std::this_thread::sleep_for(600ms);
+    server.Continue();
+    const Outcome outcome = program.End(20s);
+    EXPECT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.errors, "");
+    const std::vector<ordered_json> readings = outcome.Json();
+    for (const ordered_json& reading : readings) ExpectTrueIfValid(reading);
+    EXPECT_TRUE(std::any_of(readings.begin(), readings.end(), [](const ordered_json& reading) {
+        return reading["void"] == ordered_json({"disturbed"});
+    })) << outcome.output.substr(0, 2000);
 }
 
 // At least until the first reading.

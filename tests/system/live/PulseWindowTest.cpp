@@ -8,16 +8,15 @@
 #include <QTest>
 #include <QTimer>
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <numbers>
-#include <thread>
 
 #include "platform/pulse/PulseSoundSystem.h"
 #include "platform/qt/QtEventLoop.h"
 #include "support/CaptureTap.h"
+#include "support/MachineLoad.h"
 #include "support/PhaseTrack.h"
 #include "support/PulseServer.h"
 #include "support/QtWait.h"
@@ -203,28 +202,6 @@ TEST_F(PulseWindow, ChangesTheLevelWithoutAJump) {
     EXPECT_GT(quiet, kRateHz / 2);
 }
 
-// Two busy threads per processor.
-class Load {
-public:
-    Load() {
-        for (unsigned i = 0; i < 2 * std::max(1U, std::thread::hardware_concurrency()); ++i)
-            threads_.emplace_back([this] {
-                while (!stop_.load()) work_.fetch_add(1, std::memory_order_relaxed);
-            });
-    }
-    ~Load() {
-        stop_.store(true);
-        for (std::thread& thread : threads_) thread.join();
-    }
-    Load(const Load&) = delete;
-    Load& operator=(const Load&) = delete;
-
-private:
-    std::atomic<bool> stop_{false};
-    std::atomic<std::uint64_t> work_{0};
-    std::vector<std::thread> threads_;
-};
-
 class SweepTime : public PulseWindow {
 protected:
     // Measures a sweep of 2000 ms from the click to its end. Prints the time; docs/dev-log.md has usual
@@ -250,7 +227,7 @@ TEST_F(SweepTime, OnAFreeMachine) {
 }
 
 TEST_F(SweepTime, OnABusyMachine) {
-    const Load load;
+    const MachineLoad load;
     ExpectItsTime("every processor twice busy");
 }
 
