@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <numbers>
+#include <random>
 
 #include "core/analyzer/MeasureTone.h"
 #include "core/analyzer/Weightings.h"
@@ -136,28 +138,77 @@ TEST(MeasureTone, AClippedSineHasTheHarmonicsOfItsFourierSeries) {
     }
 }
 
-class Shape : public testing::TestWithParam<double> {};
+class Shape : public testing::TestWithParam<double> {
+protected:
+    // Harmonics in steps of `step` orders, each at order^-power.
+    static void ExpectHarmonics(int step, double power) {
+        const ExactFrequency f(GetParam(), kToneRateHz);
+        Samples x(kToneLength);
+        double squares = 0.0;
+        for (int k = 1; k * GetParam() < 0.45 * kToneRateHz; k += step) {
+            const double ratio = std::pow(k, -power);
+            signals::AddSine(x, f.Times(static_cast<std::uint64_t>(k)), 0.4 * ratio);
+            if (k >= 2 && k <= 9 && k * GetParam() <= 20000.0) squares += ratio * ratio;
+        }
+        const Reading reading = Read(x);
+        ASSERT_TRUE(reading.Valid());
+        EXPECT_NEAR(*reading.levelDbfs.value, Decibels(0.4), 1e-5);
+        EXPECT_NEAR(*reading.thdDb.value, 10.0 * std::log10(squares), 1e-5);
+        for (int k = 1 + step; k <= 9 && k * GetParam() < 0.45 * kToneRateHz; k += step)
+            EXPECT_NEAR(*HarmonicOf(reading, k).levelDbc.value, -power * Decibels(k), 1e-5) << k;
+    }
+};
 
 TEST_P(Shape, ASawtoothHasItsHarmonicsAtAnyFrequency) {
-    const double hertz = GetParam();
-    Samples x(kToneLength);
-    const ExactFrequency f(hertz, kToneRateHz);
-    int highest = 0;
-    double squares = 0.0;
-    for (int k = 1; k * hertz < 0.45 * kToneRateHz; ++k) {
-        signals::AddSine(x, f.Times(static_cast<std::uint64_t>(k)), 0.4 / k);
-        if (k >= 2 && k <= 9 && k * hertz <= 20000.0) squares += 1.0 / (k * k);
-        highest = std::min(k, 9);
-    }
-    const Reading reading = Read(x);
-    ASSERT_TRUE(reading.Valid());
-    EXPECT_NEAR(*reading.levelDbfs.value, Decibels(0.4), 1e-5);
-    EXPECT_NEAR(*reading.thdDb.value, 10.0 * std::log10(squares), 1e-5);
-    for (int k = 2; k <= highest; ++k)
-        EXPECT_NEAR(*HarmonicOf(reading, k).levelDbc.value, -Decibels(k), 1e-5) << k;
+    ExpectHarmonics(1, 1.0);
+}
+
+TEST_P(Shape, ASquareHasItsHarmonicsAtAnyFrequency) {
+    ExpectHarmonics(2, 1.0);
+}
+
+TEST_P(Shape, ATriangleHasItsHarmonicsAtAnyFrequency) {
+    ExpectHarmonics(2, 2.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Frequencies, Shape, testing::Values(8.6 * kToneBinHz, 41.3, 440.1, 2345.6));
+
+// A tone whose sampling instants vary: its phase in radians.
+Samples JitteredTone(double hertz, const std::function<double(std::size_t)>& phase) {
+    const ExactFrequency f(hertz, kToneRateHz);
+    Samples x(kToneLength);
+    for (std::size_t n = 0; n < x.size(); ++n)
+        x[n] = static_cast<double>(0.5L * std::sin(f.Phase(n) + static_cast<long double>(phase(n))));
+    return x;
+}
+
+TEST(MeasureTone, PeriodicJitterIsAPairOfSpurs) {
+    constexpr double kPeakRadians = 1e-3;
+    const ExactFrequency jitter(1000.7, kToneRateHz);
+    const Reading reading = Read(JitteredTone(5000.3, [&](std::size_t n) {
+        return kPeakRadians * std::sin(static_cast<double>(jitter.Phase(n)));
+    }));
+    ASSERT_TRUE(reading.Valid());
+    ASSERT_GE(reading.spurs.size(), 4U);
+    for (std::size_t i = 0; i < 4; ++i) {
+        // First and second side bands, by Bessel's functions.
+        const double order = i < 2 ? 1.0 : 2.0;
+        const double level = i < 2 ? kPeakRadians / 2.0 : kPeakRadians * kPeakRadians / 8.0;
+        EXPECT_NEAR(std::abs(reading.spurs[i].frequencyHz - 5000.3), order * 1000.7, 0.001);
+        EXPECT_NEAR(reading.spurs[i].levelDbc, Decibels(level), 1e-3);
+    }
+    EXPECT_NEAR(*reading.thdnDb.value, Decibels(kPeakRadians / std::numbers::sqrt2), 1e-3);
+}
+
+TEST(MeasureTone, RandomJitterIsNoise) {
+    constexpr double kRmsRadians = 1e-4;
+    std::mt19937_64 random(5);
+    std::normal_distribution<double> gaussian(0.0, kRmsRadians);
+    const Reading reading = Read(JitteredTone(5000.3, [&](std::size_t) { return gaussian(random); }));
+    ASSERT_TRUE(reading.Valid());
+    EXPECT_NEAR(*reading.thdnDb.value, Decibels(kRmsRadians) + 10.0 * std::log10(19980.0 / 24000.0), 0.2);
+    EXPECT_TRUE(reading.thdDb.atMost);
+}
 
 TEST(MeasureTone, TheNoiseOfDitherIsThatOfTheory) {
     struct Point {
