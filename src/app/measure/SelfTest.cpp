@@ -7,6 +7,7 @@
 #include <numbers>
 #include <string_view>
 
+#include "core/analyzer/MeasureLines.h"
 #include "core/analyzer/MeasureTone.h"
 #include "core/stimulus/ParseStimulus.h"
 #include "core/stimulus/RenderStimulus.h"
@@ -28,6 +29,10 @@ constexpr double kExactDb = 1e-5;
 constexpr double kExactDegrees = 1e-3;
 constexpr double kExactFrequency = 1e-9;  // relative
 constexpr double kExactDc = 1e-9;
+constexpr double kExactPercent = 1e-9;  // of intermodulation
+
+// What the fit leaves of several tones in doubles.
+constexpr double kTonesResidualDb = -220.0;
 
 double Amplitude(double decibels) {
     return std::pow(10.0, decibels / 20.0);
@@ -70,6 +75,11 @@ struct Polynomial {
     double First(double peak) const { return peak + 0.75 * b * peak * peak * peak; }
     double Second(double peak) const { return a * peak * peak / 2.0; }
     double Third(double peak) const { return -b * peak * peak * peak / 4.0; }
+
+    // Of two tones: a tone, the products f1 + f2 and f2 - f1, and f2 + 2 f1 and f2 - 2 f1.
+    double Tone(double peak, double other) const { return First(peak) + 1.5 * b * peak * other * other; }
+    double Sum(double peak1, double peak2) const { return a * peak1 * peak2; }
+    double DoubleSum(double peak1, double peak2) const { return -0.75 * b * peak1 * peak1 * peak2; }
 };
 
 // Peak amplitude of an odd harmonic of a sine of amplitude 1 that is clipped at `limit`.
@@ -93,6 +103,9 @@ public:
         Square();
         Noise();
         Clipping();
+        Modulation();
+        DifferenceTones();
+        for (const int bits : {kDoubleBits, 24}) Multitone(bits);
         Voids();
         return checks_;
     }
@@ -143,10 +156,15 @@ private:
     void Quantisation(int bits) {
         signal_ = WordName(bits) + ", 1000.366 Hz";
         const Reading reading = Measure(Loop(SamplesOf(Stimulate("sine:1000.366", kLevelDbfs)), bits), bits);
-        const double noiseDbfs = 20.0 * std::log10(std::ldexp(1.0, 1 - bits) / std::sqrt(2.0)) + BandDb();
+        const double noiseDbfs = NoiseOfWordDbfs(bits);
         Near("level", "dBFS", kLevelDbfs, reading.levelDbfs, bits == 24 ? 1e-4 : 0.01);
         Near("noise", "dBFS", noiseDbfs, reading.noiseDbfs, 0.2);
         Near("THD+N", "dB", noiseDbfs - kLevelDbfs, reading.thdnDb, 0.2);
+    }
+
+    // Dither and rounding in the band.
+    double NoiseOfWordDbfs(int bits) const {
+        return 20.0 * std::log10(std::ldexp(1.0, 1 - bits) / std::sqrt(2.0)) + BandDb();
     }
 
     // The part of white noise in the band, in dB.
@@ -208,6 +226,67 @@ private:
         for (const int order : {3, 5, 7, 9})
             Harmonic(reading, static_cast<std::size_t>(order),
                      Decibels(std::abs(ClippedHarmonic(order, kLimit) / ClippedHarmonic(1, kLimit))), 1e-4);
+    }
+
+    // The intermodulation of two tones through the polynomial.
+    Intermodulation MeasurePolynomial(const StimulusSignal& signal) {
+        Samples samples = SamplesOf(signal);
+        std::transform(samples.begin(), samples.end(), samples.begin(), Polynomial());
+        return MakePairReading(plan_, MeasurePair(plan_, {samples, kRateHz}, {}, settings_.band),
+                               settings_.band)
+            .intermodulation;
+    }
+    void Ratio(const char* value, double expected, const Value& measured) {
+        Add(value, "%", 100.0 * expected, 100.0 * NumberOf(measured)).tolerance = kExactPercent;
+    }
+
+    // 60 Hz and 7 kHz, 4:1.
+    void Modulation() {
+        signal_ = "double, SMPTE";
+        const StimulusSignal signal = Stimulate("smpte", kLevelDbfs);
+        const double low = signal.Lines().at(0).amplitude;
+        const double high = signal.Lines().at(1).amplitude;
+        const Polynomial device;
+        const Intermodulation measured = MeasurePolynomial(signal);
+        const double d2 = 2.0 * device.Sum(low, high) / device.Tone(high, low);
+        const double d3 = 2.0 * device.DoubleSum(low, high) / device.Tone(high, low);
+        Ratio("mod d2", d2, measured.modD2);
+        Ratio("mod d3", d3, measured.modD3);
+        Ratio("mod", std::hypot(d2, d3), measured.mod);
+    }
+
+    // 19 and 20 kHz of equal level.
+    void DifferenceTones() {
+        signal_ = "double, CCIF";
+        const StimulusSignal signal = Stimulate("ccif", kLevelDbfs);
+        const double peak = signal.Lines().at(0).amplitude;
+        const Polynomial device;
+        const Intermodulation measured = MeasurePolynomial(signal);
+        const double tones = 2.0 * device.Tone(peak, peak);
+        Ratio("dfd d2", device.Sum(peak, peak) / tones, measured.dfdD2);
+        Ratio("dfd d3", 2.0 * device.DoubleSum(peak, peak) / tones, measured.dfdD3);
+    }
+
+    void Multitone(int bits) {
+        signal_ = WordName(bits) + ", multitone";
+        const StimulusSignal signal = Stimulate("multitone:100@0,1000@-10,10000@0", kLevelDbfs);
+        std::vector<double> hertz;
+        double squares = 0.0;
+        for (const StimulusLine& line : signal.Lines()) {
+            hertz.push_back(line.hertz);
+            squares += line.amplitude * line.amplitude;
+        }
+        const Samples samples = Loop(SamplesOf(signal), bits);
+        const Record record{samples, kRateHz, bits, bits == kDoubleBits};
+        const LinesReading reading = MakeMultitoneReading(
+            plan_, MeasureMultitone(plan_, record, hertz, settings_.band), settings_.band);
+        const Value level = reading.tones.empty() ? Value() : reading.tones.front().levelDbfs;
+        Near("first tone", "dBFS", Decibels(signal.Lines().front().amplitude), level,
+             bits == kDoubleBits ? kExactDb : 5e-4);
+        if (bits == kDoubleBits)
+            AtMost("TD+N", "dB", kTonesResidualDb, reading.tdnDb);
+        else
+            Near("TD+N", "dB", NoiseOfWordDbfs(bits) - 10.0 * std::log10(squares), reading.tdnDb, 0.2);
     }
 
     // Readings that must not be shown.

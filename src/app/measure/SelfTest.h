@@ -26,11 +26,8 @@ struct SelfCheck {
 // second.
 std::vector<SelfCheck> RunSelfTest();
 
-// The checks as a table with a line for each, or as one line of JSON, with a line end.
-std::string SelfTestTable(const std::vector<SelfCheck>& checks);
-std::string SelfTestJson(const std::vector<SelfCheck>& checks);
-
-// kMeasured if all checks have passed, else kFailed.
-int StatusOf(const std::vector<SelfCheck>& checks);
+// Prints the checks as a table with a line for each, or as one line of JSON. The exit status: kMeasured if
+// all have passed, else kFailed.
+int ReportSelfTest(const std::vector<SelfCheck>& checks, bool json);
 
 }  // namespace sonavex::measure

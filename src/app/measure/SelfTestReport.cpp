@@ -60,8 +60,6 @@ auto FailedOf(const std::vector<SelfCheck>& checks) {
                          [](const SelfCheck& check) { return !check.Passed(); });
 }
 
-}  // namespace
-
 std::string SelfTestTable(const std::vector<SelfCheck>& checks) {
     std::ostringstream out;
     out << std::left << std::setw(kSignalWidth) << "Signal" << std::setw(kValueWidth) << "Value" << std::right
@@ -83,14 +81,15 @@ std::string SelfTestJson(const std::vector<SelfCheck>& checks) {
     return json.dump() + '\n';
 }
 
-int StatusOf(const std::vector<SelfCheck>& checks) {
+}  // namespace
+
+int ReportSelfTest(const std::vector<SelfCheck>& checks, bool json) {
+    Print(json ? SelfTestJson(checks) : SelfTestTable(checks));
     return FailedOf(checks) == 0 ? kMeasured : kFailed;
 }
 
 int SelfTest(bool json) {
-    const std::vector<SelfCheck> checks = RunSelfTest();
-    Print(json ? SelfTestJson(checks) : SelfTestTable(checks));
-    return StatusOf(checks);
+    return ReportSelfTest(RunSelfTest(), json);
 }
 
 }  // namespace sonavex::measure

@@ -56,8 +56,9 @@ TEST(SelfTest, AllChecksPassOnThisComputer) {
     for (const char* const signal :
          {"double, 1000.366 Hz", "double, 1000 Hz on a bin", "24 bit, 1000.366 Hz", "16 bit, 1000.366 Hz",
           "double, known harmonics", "24 bit, known harmonics", "16 bit, known harmonics",
-          "double, square of 997 Hz", "double, white noise", "double, clipped sine",
-          "24 bit, one sample lost", "16 bit, overloaded input", "double, silence", "double, noise alone"})
+          "double, square of 997 Hz", "double, white noise", "double, clipped sine", "double, SMPTE",
+          "double, CCIF", "double, multitone", "24 bit, multitone", "24 bit, one sample lost",
+          "16 bit, overloaded input", "double, silence", "double, noise alone"})
         EXPECT_GT(signals[signal], 0) << signal;
 }
 
@@ -81,17 +82,35 @@ TEST(SelfTest, ChecksCompareWithTheTolerance) {
     EXPECT_FALSE(CodeCheck("overload", "valid").Passed());
 }
 
-TEST(SelfTest, OneFailedCheckFailsTheTest) {
-    std::vector<SelfCheck> checks{NumberCheck(1.0, 1.0, 0.1), CodeCheck("silence", "silence")};
-    EXPECT_EQ(measure::StatusOf(checks), measure::kMeasured);
-    checks.push_back(NumberCheck(1.0, std::nan(""), 0.1));
-    EXPECT_EQ(measure::StatusOf(checks), measure::kFailed);
-    EXPECT_THAT(measure::SelfTestTable(checks), HasSubstr("no value"));
-    EXPECT_THAT(measure::SelfTestTable(checks), HasSubstr("1 of 3 checks FAILED.\n"));
-    const auto json = ordered_json::parse(measure::SelfTestJson(checks));
+int StatusOfReport(const std::vector<SelfCheck>& checks, bool json, std::string& output) {
+    testing::internal::CaptureStdout();
+    const int status = measure::ReportSelfTest(checks, json);
+    output = testing::internal::GetCapturedStdout();
+    return status;
+}
+
+TEST(SelfTest, OneWrongExpectationEndsWithStatus1) {
+    std::vector<SelfCheck> checks = measure::RunSelfTest();
+    std::string output;
+    EXPECT_EQ(StatusOfReport(checks, false, output), measure::kMeasured);
+    checks.front().expected += 2.0 * checks.front().tolerance;
+    EXPECT_EQ(StatusOfReport(checks, false, output), measure::kFailed);
+    EXPECT_THAT(output, HasSubstr("1 of " + std::to_string(checks.size()) + " checks FAILED.\n"));
+    EXPECT_EQ(StatusOfReport(checks, true, output), measure::kFailed);
+    const auto json = ordered_json::parse(output);
     EXPECT_EQ(json["passed"], false);
-    EXPECT_TRUE(json["checks"][2]["measured"].is_null());
-    EXPECT_EQ(json["checks"][2]["passed"], false);
+    EXPECT_EQ(json["checks"][0]["passed"], false);
+    EXPECT_EQ(json["checks"][1]["passed"], true);
+}
+
+TEST(SelfTest, AMissingValueFails) {
+    std::string output;
+    const std::vector<SelfCheck> checks = {CodeCheck("silence", "silence"),
+                                           NumberCheck(1.0, std::nan(""), 0.1)};
+    EXPECT_EQ(StatusOfReport(checks, false, output), measure::kFailed);
+    EXPECT_THAT(output, HasSubstr("no value"));
+    EXPECT_EQ(StatusOfReport(checks, true, output), measure::kFailed);
+    EXPECT_TRUE(ordered_json::parse(output)["checks"][1]["measured"].is_null());
 }
 
 }  // namespace
