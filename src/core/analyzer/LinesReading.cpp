@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "core/analyzer/MeasureLines.h"
+#include "core/analyzer/RecordOverlap.h"
 #include "core/analyzer/Spurs.h"
 #include "core/analyzer/Square.h"
 #include "core/analyzer/Uncertainty.h"
@@ -30,10 +31,9 @@ double RelativeSigma(const NoisePower& power) {
     return power.mean > 0.0 ? power.sigma / power.mean : 0.0;
 }
 
-// How many independent records have the variance of a mean of records that overlap by 75 %.
-double IndependentOf(std::size_t blocks, double quarter, double half) {
-    const auto n = static_cast<double>(blocks);
-    return n / (1.0 + 2.0 * (quarter * (1.0 - 1.0 / n) + half * std::max(1.0 - 2.0 / n, 0.0)));
+// Welch and Satterthwaite: the degrees of freedom of a sum of variances, in those of one.
+double EqualLines(double variances, double squaredVariances) {
+    return squaredVariances > 0.0 ? variances * variances / squaredVariances : 1.0;
 }
 
 // A sum of products' amplitudes or of their squares, with its standard deviation.
@@ -43,6 +43,7 @@ struct ProductSum {
     double sigma = 0;
     double floor = 0;  // what noise alone makes of it
     double bound = 0;  // added for an upper bound
+    double lines = 1;  // how many equal lines have a sigma as well known as this one
 };
 
 class LinesReadingMaker {
@@ -51,12 +52,10 @@ public:
         : plan_(plan),
           measured_(measurement),
           band_(band.UpTo(0.5 * plan.RateHz())),
-          amplitudeRecords_(IndependentOf(measurement.blocks, Quarter(), Half())),
-          frequencyRecords_(IndependentOf(measurement.blocks,
-                                          plan.Window().FrequencyCorrelation(plan.Length() / 4),
-                                          plan.Window().FrequencyCorrelation(plan.Length() / 2))),
-          powerRecords_(IndependentOf(measurement.blocks, Square(Quarter()), Square(Half()))),
-          noise_(plan, measurement.residualPower, LinePositions(), TonePositions(), powerRecords_),
+          independent_(RecordOverlap(plan.Window()).Of(measurement.blocks, measurement.lastShift)),
+          noise_(plan, measurement.residualPower, LinePositions(), TonePositions(), independent_.power,
+                 measurement.excessKurtosis),
+          widening_(WideningOfLine(independent_.power)),
           uncertainty_(Noiseless()) {
         TakeConditions();
     }
@@ -81,7 +80,9 @@ public:
         double total = rest.mean;
         for (const MeasuredTone& tone : measured_.tones)
             if (band_.Contains(tone.frequencyHz)) total += 0.5 * Square(tone.amplitude);
-        result_.tdnDb = uncertainty_.PowerDb(rest.mean / total, RelativeSigma(rest));
+        // The rest is part of the total.
+        result_.tdnDb =
+            uncertainty_.PowerDb(rest.mean / total, RelativeSigma(rest) * (1.0 - rest.mean / total));
         return result_;
     }
 
@@ -89,17 +90,13 @@ public:
         const NoisePower all = noise_.InBand({0.0, 0.5 * plan_.RateHz()});
         result_.reading.levelDbfs = uncertainty_.PowerDb(2.0 * all.mean, RelativeSigma(all));
         result_.peakDbfs.value = Decibels(measured_.peak);
-        result_.reading.dc =
-            uncertainty_.Absolute(measured_.dc, LineSigma(0.0) / std::numbers::sqrt2, measured_.peak);
+        result_.reading.dc = Dc(measured_.peak);
         AddNoise();
         AddSpurs();
         return result_;
     }
 
 private:
-    double Quarter() const { return plan_.Window().AmplitudeCorrelation(plan_.Length() / 4); }
-    double Half() const { return plan_.Window().AmplitudeCorrelation(plan_.Length() / 2); }
-
     double FrequencyOfProduct(const MeasuredProduct& product) const {
         return product.n1 * measured_.tones[0].frequencyHz + product.n2 * measured_.tones[1].frequencyHz;
     }
@@ -133,11 +130,17 @@ private:
     }
 
     double LineSigma(double hertz) const {
-        return noise_.LineSigma(hertz / plan_.BinHz()) / std::sqrt(amplitudeRecords_);
+        return noise_.LineSigma(hertz / plan_.BinHz()) / std::sqrt(independent_.amplitude);
     }
 
     double ToneRelative(const MeasuredTone& tone) const {
-        return LineSigma(tone.frequencyHz) / tone.amplitude;
+        return widening_ * LineSigma(tone.frequencyHz) / tone.amplitude;
+    }
+
+    // One part of a line whose density counts half.
+    Value Dc(double scale) const {
+        const double widening = WideningAtDc(independent_.power);
+        return uncertainty_.Absolute(measured_.dc, widening * LineSigma(0.0) / std::numbers::sqrt2, scale);
     }
 
     void TakeConditions() {
@@ -151,10 +154,9 @@ private:
         for (const MeasuredTone& tone : measured_.tones)
             result_.tones.push_back(
                 {uncertainty_.Absolute(tone.frequencyHz,
-                                       tone.frequencySigmaHz / std::sqrt(frequencyRecords_)),
+                                       widening_ * tone.frequencySigmaHz / std::sqrt(independent_.frequency)),
                  uncertainty_.AmplitudeDb(tone.amplitude, ToneRelative(tone))});
-        result_.reading.dc =
-            uncertainty_.Absolute(measured_.dc, LineSigma(0.0) / std::numbers::sqrt2, Reference());
+        result_.reading.dc = Dc(Reference());
     }
 
     ProductValues Values(const MeasuredProduct& product) const {
@@ -166,7 +168,8 @@ private:
             values.levelDbfs = Uncertainty::AtMost(
                 Decibels(std::max(amplitude + kSigmasToBound * sigma, kHiddenLineSigmas * sigma)));
         else
-            values.levelDbfs = uncertainty_.AmplitudeDb(amplitude, amplitude > 0.0 ? sigma / amplitude : 0.0);
+            values.levelDbfs =
+                uncertainty_.AmplitudeDb(amplitude, amplitude > 0.0 ? widening_ * sigma / amplitude : 0.0);
         return values;
     }
 
@@ -185,16 +188,19 @@ private:
     ProductSum SumOfAmplitudes(std::initializer_list<Orders> products) const {
         ProductSum sum;
         double variance = 0.0;
+        double squaredVariances = 0.0;
         for (const auto& [n1, n2] : products) {
             const MeasuredProduct* const product = Find(n1, n2);
             if (product == nullptr) return {false};
             const double sigma = LineSigma(FrequencyOfProduct(*product));
             sum.value += std::abs(product->amplitude);
             variance += Square(sigma);
+            squaredVariances += Square(Square(sigma));
             sum.bound += kSigmasToBound * sigma;
         }
         sum.sigma = std::sqrt(variance);
         sum.floor = std::sqrt(2.0 * variance);
+        sum.lines = EqualLines(variance, squaredVariances);
         return sum;
     }
 
@@ -202,18 +208,21 @@ private:
         ProductSum sum;
         double squares = 0.0;
         double variance = 0.0;
+        double squaredVariances = 0.0;
         double floor = 0.0;
         for (const MeasuredProduct* const product : products) {
             if (product == nullptr) return {false};
             const double sigma = LineSigma(FrequencyOfProduct(*product));
             squares += std::norm(product->amplitude);
             variance += std::norm(product->amplitude) * Square(sigma);
+            squaredVariances += Square(std::norm(product->amplitude) * Square(sigma));
             floor += 2.0 * Square(sigma);
             sum.bound = std::max(sum.bound, kSigmasToBound * sigma);
         }
         sum.value = std::sqrt(squares);
         sum.sigma = squares > 0.0 ? std::sqrt(variance / squares) : 0.0;
         sum.floor = std::sqrt(floor);
+        sum.lines = EqualLines(variance, squaredVariances);
         return sum;
     }
 
@@ -222,9 +231,10 @@ private:
         if (!sum.defined) return {};
         if (sum.value < kHiddenSumFloors * sum.floor)
             return Uncertainty::AtMost((sum.value + sum.bound) / reference);
+        const double widening = WideningOfLine(independent_.power * sum.lines);
         const double relative = std::max(ToneRelative(measured_.tones[0]), ToneRelative(measured_.tones[1]));
         return uncertainty_.Absolute(sum.value / reference,
-                                     std::hypot(sum.sigma, relative * sum.value) / reference);
+                                     std::hypot(widening * sum.sigma, relative * sum.value) / reference);
     }
 
     Value InDecibels(const Value& ratio) const {
@@ -255,6 +265,10 @@ private:
         ProductSum sum;
         sum.value = std::hypot(a.value, b.value);
         if (sum.value > 0.0) sum.sigma = std::hypot(a.value * a.sigma, b.value * b.sigma) / sum.value;
+        const double varianceA = Square(a.value * a.sigma);
+        const double varianceB = Square(b.value * b.sigma);
+        sum.lines =
+            EqualLines(varianceA + varianceB, Square(varianceA) / a.lines + Square(varianceB) / b.lines);
         sum.floor = std::hypot(a.floor, b.floor);
         sum.bound = std::hypot(a.bound, b.bound);
         return sum;
@@ -299,10 +313,9 @@ private:
     const RecordPlan& plan_;
     const LinesMeasurement& measured_;
     Band band_;
-    double amplitudeRecords_;
-    double frequencyRecords_;
-    double powerRecords_;
+    IndependentRecords independent_;
     NoiseSpectrum noise_;
+    double widening_;  // of intervals from sigmas of lines
     Uncertainty uncertainty_;
     LinesReading result_;
 };

@@ -33,19 +33,6 @@ constexpr double kLeastSpur = 1e-14;
 constexpr double kLeastSkirt = 1e-15;
 constexpr double kSkirtOverThdn = 4.0;
 
-// A density is the median of 80 bins that vary together in groups, so a sigma from it is as uncertain as the
-// standard deviation of 21 numbers (10 at 0 Hz, which has neighbours on one side). Student's distribution
-// widens the intervals by 1 + 1.21 / degrees of freedom.
-constexpr double kFreedom = 21.0;
-constexpr double kFreedomAtDc = 10.0;
-constexpr double kStudent = 1.21;
-
-// With a larger share of lines in the residual its kurtosis says nothing about the noise.
-constexpr double kLargestLineShare = 0.01;
-
-// The least part of the Gaussian variance that noise power may have; noise of two values alone has less.
-constexpr double kLeastVariance = 0.1;
-
 // The CCIR-RMS weighting lowers the 468 weighting by 5.63 dB.
 constexpr double kCcirRmsDb = -5.63;
 
@@ -78,11 +65,11 @@ public:
           band_(settings.band.UpTo(0.5 * plan.RateHz())),
           highestOrder_(settings.highestOrder),
           position_(tone_.frequencyHz / plan.BinHz()),
-          noise_(plan, tone_.residualPower, LinePositions(plan, tone_), {position_}, tone_.powerRecords),
+          noise_(plan, tone_.residualPower, LinePositions(plan, tone_), {position_}, tone_.powerRecords,
+                 tone_.excessKurtosis),
           fundamentalPower_(0.5 * Square(tone_.amplitude)),
           fundamentalSigma_(LineSigma(position_)),
-          kurtosis_(noise_.LineShare() < kLargestLineShare ? tone_.excessKurtosis : 0.0),
-          widening_(1.0 + kStudent / (kFreedom * tone_.powerRecords)),
+          widening_(WideningOfLine(tone_.powerRecords)),
           uncertainty_(SampleNoise() < kRoundingOnly * tone_.amplitude) {}
 
     Reading Make() {
@@ -125,8 +112,7 @@ private:
             tone_.frequencyHz, widening_ * tone_.frequencySigmaHz / std::sqrt(tone_.frequencyRecords));
         reading_.levelDbfs = uncertainty_.AmplitudeDb(tone_.amplitude, FundamentalRelative());
         // dc is one part of a line whose density counts half.
-        const double widening = 1.0 + kStudent / (kFreedomAtDc * tone_.powerRecords);
-        const double dcSigma = widening * LineSigma(0.0) / std::numbers::sqrt2;
+        const double dcSigma = WideningAtDc(tone_.powerRecords) * LineSigma(0.0) / std::numbers::sqrt2;
         reading_.dc = uncertainty_.Absolute(tone_.dc, dcSigma, tone_.amplitude);
     }
 
@@ -194,17 +180,6 @@ private:
         reading_.thdRPercent = InPercent(thdR, r);
     }
 
-    // The noise power of samples that are not Gaussian varies more or less: the variance of a quadratic form
-    // of independent samples contains their excess kurtosis.
-    NoisePower NoiseInBand(std::span<const double> powerGains = {}) const {
-        NoisePower noise = noise_.InBand(band_, powerGains);
-        const double variance = Square(noise.sigma);
-        const double change = kurtosis_ * plan_.Window().CorrelatedBins() /
-                              static_cast<double>(plan_.Length()) * Square(noise.mean) / tone_.powerRecords;
-        noise.sigma = std::sqrt(std::max(variance + change, kLeastVariance * variance));
-        return noise;
-    }
-
     Value NoiseLevel(const NoisePower& power, double weightDb = 0.0) const {
         Value level = uncertainty_.PowerDb(2.0 * power.mean, Relative(power));
         if (power.mean > 0.0) *level.value += weightDb;
@@ -212,10 +187,10 @@ private:
     }
 
     void AddNoise() {
-        noiseInBand_ = NoiseInBand();
+        noiseInBand_ = noise_.InBand(band_);
         reading_.noiseDbfs = NoiseLevel(noiseInBand_);
-        reading_.noiseADbfs = NoiseLevel(NoiseInBand(plan_.APowerGains()));
-        const NoisePower itu468 = NoiseInBand(plan_.PowerGains468());
+        reading_.noiseADbfs = NoiseLevel(noise_.InBand(band_, plan_.APowerGains()));
+        const NoisePower itu468 = noise_.InBand(band_, plan_.PowerGains468());
         reading_.noise468Dbfs = NoiseLevel(itu468);
         reading_.noiseCcirRmsDbfs = NoiseLevel(itu468, kCcirRmsDb);
         if (noiseInBand_.mean > 0.0)
@@ -260,7 +235,7 @@ private:
         std::vector<double> gains(noise_.BinPowers().size());
         for (std::size_t j = 0; j < gains.size(); ++j)
             gains[j] = NotchPowerGain(static_cast<double>(j) * plan_.BinHz(), f0);
-        const NoisePower noise = NoiseInBand(gains);
+        const NoisePower noise = noise_.InBand(band_, gains);
         const NoisePower harmonics =
             HarmonicPower([f0](double hertz) { return std::sqrt(NotchPowerGain(hertz, f0)); });
         const NoisePower rest = {noise.mean + harmonics.mean, std::hypot(noise.sigma, harmonics.sigma)};
@@ -310,7 +285,6 @@ private:
     NoiseSpectrum noise_;
     double fundamentalPower_;
     double fundamentalSigma_;
-    double kurtosis_;  // excess kurtosis of the noise
     double widening_;  // of intervals from sigmas of lines
     Uncertainty uncertainty_;
     std::vector<double> sigmas_;  // of each harmonic, relative to the fundamental

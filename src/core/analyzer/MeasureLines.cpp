@@ -7,6 +7,7 @@
 #include "core/analyzer/Damage.h"
 #include "core/analyzer/FindTone.h"
 #include "core/analyzer/RecordFaults.h"
+#include "core/analyzer/Square.h"
 #include "core/analyzer/ToneChecks.h"
 
 namespace sonavex {
@@ -129,6 +130,11 @@ double RoughRest(const FittedLines& fit, std::size_t tones, const FittedLine& ca
     return std::sqrt(power / (0.5 * std::norm(carrier.amplitude)));
 }
 
+void TakeDamage(const Damage& damage, LinesMeasurement& measurement) {
+    if (damage.disturbed) measurement.voids.push_back(*damage.disturbed);
+    if (damage.impulsiveNoise) measurement.warnings.push_back(*damage.impulsiveNoise);
+}
+
 // Takes tones, residual and damage from the fit, whose first lines are the tones.
 void TakeFit(const RecordPlan& plan, const Record& record, const FittedLines& fit, std::size_t tones,
              const Band& band, LinesMeasurement& measurement) {
@@ -148,11 +154,11 @@ void TakeFit(const RecordPlan& plan, const Record& record, const FittedLines& fi
                                      FrequencySigmaHz(plan, amplitude, density), amplitude});
     }
     const FittedLine& carrier = DamageCarrier(std::span(fit.lines).first(tones));
-    const Damage damage = FindDamage(fit.residual, carrier, plan.RateHz(),
-                                     RoughRest(fit, tones, carrier, noise, band), record.startSeconds);
-    if (damage.disturbed) measurement.voids.push_back(*damage.disturbed);
-    if (damage.impulsiveNoise) measurement.warnings.push_back(*damage.impulsiveNoise);
+    TakeDamage(FindDamage(fit.residual, carrier, plan.RateHz(), RoughRest(fit, tones, carrier, noise, band),
+                          record.startSeconds),
+               measurement);
     measurement.residualPower = std::move(power);
+    measurement.excessKurtosis = ExcessKurtosis(fit.residual);
 }
 
 void TakeProducts(const FittedLines& fit, const PairLines& pair, LinesMeasurement& measurement) {
@@ -180,6 +186,19 @@ std::optional<double> ClockRatio(const RecordPlan& plan, std::span<const double>
             return *found / expected;
     }
     return std::nullopt;
+}
+
+// All tones of a multitone follow one clock ratio, which is more exact than the frequency of each tone: the
+// mean of their frequency errors, weighted by amplitude^2 frequency^2.
+void ShareClock(std::vector<MeasuredTone>& tones) {
+    double weights = 0.0;
+    double variance = 0.0;
+    for (const MeasuredTone& tone : tones) {
+        const double weight = Square(tone.amplitude * tone.frequencyHz);
+        weights += weight;
+        variance += Square(weight * tone.frequencySigmaHz / tone.frequencyHz);
+    }
+    for (MeasuredTone& tone : tones) tone.frequencySigmaHz = tone.frequencyHz * std::sqrt(variance) / weights;
 }
 
 }  // namespace
@@ -226,6 +245,7 @@ LinesMeasurement MeasureMultitone(const RecordPlan& plan, Record record, std::sp
     FittedLines& fitted = fit == nullptr ? own : *fit;
     fitted = FitLines(plan.Window(), record.samples, lines);
     TakeFit(plan, record, fitted, lines.size(), band, measurement);
+    ShareClock(measurement.tones);
     return measurement;
 }
 
@@ -237,6 +257,7 @@ LinesMeasurement MeasureNoise(const RecordPlan& plan, Record record, FittedLines
     fitted = FitLines(plan.Window(), record.samples, {});
     measurement.dc = fitted.dc;
     measurement.residualPower = plan.PowerSpectrum(fitted.residual);
+    measurement.excessKurtosis = ExcessKurtosis(fitted.residual);
     for (const double sample : record.samples)
         measurement.peak = std::max(measurement.peak, std::abs(sample));
     return measurement;

@@ -38,12 +38,16 @@ struct LinesMeasurement {
     bool floatingPoint = false;
     std::size_t blocks = 1;
 
+    // Samples from the start of the last but one record to the start of the last; 0: a quarter of a record.
+    std::size_t lastShift = 0;
+
     std::vector<MeasuredTone> tones;  // in ascending order of frequency
     std::vector<MeasuredProduct> products;
     std::vector<MeasuredProduct> dropped;  // closer than 6 bins to another line
     double dc = 0;
     double peak = 0;                    // largest sample
     std::vector<double> residualPower;  // RecordPlan::PowerSpectrum of the residual
+    double excessKurtosis = 0;          // of the residual's samples
 };
 
 // Each measures the last samples of a record, as many as the plan's length. `fit`, when not null, receives
@@ -67,8 +71,9 @@ std::optional<std::string> TonesFault(const RecordPlan& plan, std::span<const do
 
 // Adds a record that overlaps the last one by 75 % to a mean of all since the start: products as complex
 // numbers, noise by power. Begins again after a void measurement, or when a tone has changed its frequency
-// (more than 4 sigma and 1e-7) or its level (more than 0.01 dB).
-void AddToMean(std::optional<LinesMeasurement>& mean, LinesMeasurement next);
+// (more than 4 sigma of the change and 1e-7) or its level (more than 0.01 dB). shift: samples from the start
+// of the record before to the start of this one; 0: a quarter of a record.
+void AddToMean(std::optional<LinesMeasurement>& mean, LinesMeasurement next, std::size_t shift = 0);
 
 LinesReading MakePairReading(const RecordPlan& plan, const LinesMeasurement& measurement, const Band& band);
 LinesReading MakeMultitoneReading(const RecordPlan& plan, const LinesMeasurement& measurement,

@@ -7,7 +7,6 @@
 
 #include "core/analyzer/Damage.h"
 #include "core/analyzer/FindTone.h"
-#include "core/analyzer/LineKernels.h"
 #include "core/analyzer/RecordFaults.h"
 #include "core/analyzer/ToneChecks.h"
 
@@ -60,14 +59,6 @@ ToneMeasurement Begin(const RecordPlan& plan, const Record& record) {
     measurement.bits = record.bits;
     measurement.floatingPoint = record.floatingPoint;
     return measurement;
-}
-
-double ExcessKurtosis(const std::vector<double>& x) {
-    const double squares = line_kernels::Dot(x.data(), x.data(), x.size());
-    if (squares == 0.0) return 0.0;
-    return line_kernels::FourthPowers(x.data(), x.size()) * static_cast<double>(x.size()) /
-               (squares * squares) -
-           3.0;
 }
 
 void TakeValues(const RecordPlan& plan, const FittedLines& fit, std::vector<double> residualPower,

@@ -51,9 +51,7 @@ struct ToneMeasurement {
     std::vector<HarmonicRatio> harmonics;
     std::vector<double> residualPower;  // RecordPlan::PowerSpectrum of the residual
 
-    // Of the residual's samples: 0 for Gaussian noise, negative for dither and rounding. It changes how much
-    // the noise power of records varies.
-    double excessKurtosis = 0;
+    double excessKurtosis = 0;  // of the residual's samples
 };
 
 // The fundamental and its harmonics 2 to max(20, highest order), as far as they are below half the rate less

@@ -24,6 +24,12 @@ constexpr std::size_t kRoughGroup = 64;
 // A bin above this multiple of the density (17 dB) is a line, not noise.
 constexpr double kLineOverDensity = 50.0;
 
+// With a larger share of lines in the residual its kurtosis says nothing about the noise.
+constexpr double kLargestLineShare = 0.01;
+
+// The least part of the Gaussian variance that noise power may have; noise of two values alone has less.
+constexpr double kLeastVariance = 0.1;
+
 // Median of the mean of `records` exponentially distributed powers of mean 1: ln 2 for one, tends to 1. The
 // median of the gamma distribution as a series.
 double MedianOfMean(double records) {
@@ -72,13 +78,22 @@ BinSpan SkirtOf(double tone, std::size_t bins) {
 
 }  // namespace
 
+double ExcessKurtosis(std::span<const double> samples) {
+    const double squares = line_kernels::Dot(samples.data(), samples.data(), samples.size());
+    if (squares == 0.0) return 0.0;
+    return line_kernels::FourthPowers(samples.data(), samples.size()) * static_cast<double>(samples.size()) /
+               (squares * squares) -
+           3.0;
+}
+
 NoiseSpectrum::NoiseSpectrum(const RecordPlan& plan, std::vector<double> power, std::vector<double> lines,
-                             std::vector<double> tones, double records)
+                             std::vector<double> tones, double records, double excessKurtosis)
     : enbwBins_(plan.Window().EnbwBins()),
       swallowedBins_(plan.Window().SwallowedBins()),
       correlatedBins_(plan.Window().CorrelatedBins()),
       binHz_(plan.BinHz()),
       records_(records),
+      excessKurtosis_(excessKurtosis),
       power_(std::move(power)),
       lines_(std::move(lines)),
       tones_(std::move(tones)),
@@ -163,6 +178,7 @@ bool NoiseSpectrum::IsLine(std::size_t bin) const {
     return power_[bin] > kLineOverDensity * RoughDensityAt(bin);
 }
 
+// Part of the spectrum's power in bins that are lines: 0 to 1.
 double NoiseSpectrum::LineShare() const {
     double lines = 0.0;
     for (std::size_t bin = 0; bin < power_.size(); ++bin)
@@ -184,6 +200,7 @@ const NoiseSpectrum::CleanBins& NoiseSpectrum::Clean() const {
     clean_.power = power_;
     clean_.variance.resize(power_.size());
     for (std::size_t bin = 0; bin < power_.size(); ++bin) clean_.variance[bin] = Variance(bin);
+    clean_.kurtosis = LineShare() < kLargestLineShare ? excessKurtosis_ : 0.0;
     for (const double tone : tones_) {
         const BinSpan skirt = SkirtOf(tone, power_.size());
         const double density = DensityAt(tone);
@@ -238,7 +255,9 @@ NoisePower NoiseSpectrum::InBand(const Band& band, std::span<const double> power
         variance += SquareWeightedSum(powerGains, clean.variance, from + 1, n);
     }
     for (const double tone : tones_) variance += SkirtVariance(tone, band, powerGains);
-    return {mean, std::sqrt(variance)};
+    // The variance of a quadratic form of independent samples contains their excess kurtosis.
+    const double change = clean.kurtosis * correlatedBins_ / (2.0 * (size - 1.0)) * Square(mean) / records_;
+    return {mean, std::sqrt(std::max(variance + change, kLeastVariance * variance))};
 }
 
 NoisePower NoiseSpectrum::Skirt(double position) const {

@@ -23,6 +23,10 @@ struct NoisePower {
     double sigma = 0;
 };
 
+// 0 for Gaussian noise, negative for dither and rounding. It changes how much the noise power of records
+// varies.
+double ExcessKurtosis(std::span<const double> samples);
+
 // The power spectrum of a residual, and the density of its noise around any frequency. Positions are in bins
 // and need not be whole. Belongs to one thread.
 class NoiseSpectrum {
@@ -30,8 +34,9 @@ public:
     // power: RecordPlan::PowerSpectrum of the residual, or a mean of several. lines: positions of all fitted
     // lines. tones: those of the lines whose neighbours within kGuardBins are not noise, because an unsteady
     // tone leaves its skirt there. records: how many independent spectra `power` is the mean of, at least 1.
+    // excessKurtosis: of the residual's samples, see ExcessKurtosis.
     NoiseSpectrum(const RecordPlan& plan, std::vector<double> power, std::vector<double> lines,
-                  std::vector<double> tones, double records = 1.0);
+                  std::vector<double> tones, double records = 1.0, double excessKurtosis = 0.0);
 
     std::span<const double> BinPowers() const noexcept { return power_; }
     double BinHz() const noexcept { return binHz_; }
@@ -56,9 +61,6 @@ public:
     // Mean square in the bins of the band that are in no tone's skirt.
     double PowerOutsideSkirts(const Band& band) const;
 
-    // Part of the spectrum's power in bins that are lines, not noise: 0 to 1.
-    double LineShare() const;
-
     // Mean square within kGuardBins of a position.
     NoisePower Skirt(double position) const;
 
@@ -70,6 +72,7 @@ private:
     struct CleanBins {
         std::vector<double> power;
         std::vector<double> variance;
+        double kurtosis = 0;  // excess, of the noise alone
     };
 
     void Exclude(double position, double reach);
@@ -77,6 +80,7 @@ private:
     double MedianDensity(std::vector<double>& powers) const;
     const CleanBins& Clean() const;
     bool IsLine(std::size_t bin) const;
+    double LineShare() const;
     double Variance(std::size_t bin) const;
     double SkirtVariance(double tone, const Band& band, std::span<const double> powerGains) const;
     double SwallowedPower(const Band& band, std::span<const double> powerGains) const;
@@ -86,6 +90,7 @@ private:
     double correlatedBins_;
     double binHz_;
     double records_;
+    double excessKurtosis_;
     std::vector<double> power_;
     std::vector<double> lines_;
     std::vector<double> tones_;

@@ -42,20 +42,15 @@ void MixValues(ToneMeasurement& mean, const ToneMeasurement& next, double weight
 }  // namespace
 
 ToneAverage::ToneAverage(const RecordPlan& plan, std::size_t records)
-    : records_(records),
-      amplitude_{plan.Window().AmplitudeCorrelation(plan.Length() / 4),
-                 plan.Window().AmplitudeCorrelation(plan.Length() / 2)},
-      frequency_{plan.Window().FrequencyCorrelation(plan.Length() / 4),
-                 plan.Window().FrequencyCorrelation(plan.Length() / 2)},
-      power_{amplitude_.quarter * amplitude_.quarter, amplitude_.half * amplitude_.half} {}
+    : records_(records), overlap_(plan.Window()) {}
 
-const ToneMeasurement& ToneAverage::Add(ToneMeasurement next) {
+const ToneMeasurement& ToneAverage::Add(ToneMeasurement next, std::size_t shift) {
     if (!Continues(next))
         Begin(std::move(next));
     else if (records_ == 0)
-        AddToAll(next);
+        AddToAll(next, shift);
     else
-        AddToNewest(std::move(next));
+        AddToNewest(std::move(next), shift);
     return *mean_;
 }
 
@@ -70,16 +65,16 @@ void ToneAverage::Begin(ToneMeasurement first) {
     mean_ = std::move(first);
 }
 
-void ToneAverage::AddToAll(const ToneMeasurement& next) {
+void ToneAverage::AddToAll(const ToneMeasurement& next, std::size_t shift) {
     mean_->blocks += 1;
     const double weight = 1.0 / static_cast<double>(mean_->blocks);
     MixValues(*mean_, next, weight);
     for (std::size_t j = 0; j < next.residualPower.size(); ++j)
         MixValue(mean_->residualPower[j], next.residualPower[j], weight);
-    CountRecords();
+    CountRecords(shift);
 }
 
-void ToneAverage::AddToNewest(ToneMeasurement next) {
+void ToneAverage::AddToNewest(ToneMeasurement next, std::size_t shift) {
     if (records_ == 1) {
         mean_ = std::move(next);
         return;
@@ -87,7 +82,7 @@ void ToneAverage::AddToNewest(ToneMeasurement next) {
     Keep(std::move(next));
     if (kept_.size() > records_) kept_.pop_front();
     MeanOfKept();
-    CountRecords();
+    CountRecords(shift);
 }
 
 void ToneAverage::Keep(ToneMeasurement next) {
@@ -113,11 +108,11 @@ void ToneAverage::MeanOfKept() {
     mean_->residualPower = std::move(power);
 }
 
-void ToneAverage::CountRecords() {
-    const auto records = static_cast<double>(mean_->blocks);
-    mean_->amplitudeRecords = IndependentRecords(records, amplitude_);
-    mean_->frequencyRecords = IndependentRecords(records, frequency_);
-    mean_->powerRecords = IndependentRecords(records, power_);
+void ToneAverage::CountRecords(std::size_t lastShift) {
+    const IndependentRecords independent = overlap_.Of(mean_->blocks, lastShift);
+    mean_->amplitudeRecords = independent.amplitude;
+    mean_->frequencyRecords = independent.frequency;
+    mean_->powerRecords = independent.power;
 }
 
 bool ToneAverage::Continues(const ToneMeasurement& next) const {
@@ -129,13 +124,6 @@ bool ToneAverage::Continues(const ToneMeasurement& next) const {
     const bool otherFrequency =
         change > kFrequencySigmas * sigma && change > kFrequencyChange * mean_->frequencyHz;
     return !otherFrequency && std::abs(Decibels(next.amplitude / mean_->amplitude)) <= kLevelChangeDb;
-}
-
-// The variance of a mean contains each pair of overlapping records twice.
-double ToneAverage::IndependentRecords(double records, const Correlations& correlations) {
-    const double pairs =
-        correlations.quarter * (1.0 - 1.0 / records) + correlations.half * std::max(1.0 - 2.0 / records, 0.0);
-    return records / (1.0 + 2.0 * pairs);
 }
 
 }  // namespace sonavex

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/analyzer/MeasureTone.h"
+#include "core/analyzer/RecordOverlap.h"
 
 namespace sonavex {
 
@@ -19,8 +20,9 @@ public:
     // them. The plan must outlive the average.
     ToneAverage(const RecordPlan& plan, std::size_t records);
 
-    // The average including this measurement; a void measurement is returned as it is.
-    const ToneMeasurement& Add(ToneMeasurement next);
+    // The average including this measurement; a void measurement is returned as it is. shift: samples from
+    // the start of the record before to the start of this one; 0: a quarter of a record.
+    const ToneMeasurement& Add(ToneMeasurement next, std::size_t shift = 0);
     // What Add returned last.
     const ToneMeasurement& Mean() const { return mean_.value(); }
 
@@ -28,12 +30,6 @@ public:
     void Restart();
 
 private:
-    // Correlation of a value in records that start a quarter and a half of a record apart.
-    struct Correlations {
-        double quarter;
-        double half;
-    };
-
     // A record whose spectrum is kept in half the memory, scaled into the range of a float.
     struct Kept {
         ToneMeasurement measurement;
@@ -42,17 +38,14 @@ private:
 
     bool Continues(const ToneMeasurement& next) const;
     void Begin(ToneMeasurement first);
-    void AddToAll(const ToneMeasurement& next);
-    void AddToNewest(ToneMeasurement next);
+    void AddToAll(const ToneMeasurement& next, std::size_t shift);
+    void AddToNewest(ToneMeasurement next, std::size_t shift);
     void Keep(ToneMeasurement next);
     void MeanOfKept();
-    void CountRecords();
-    static double IndependentRecords(double records, const Correlations& correlations);
+    void CountRecords(std::size_t lastShift);
 
     std::size_t records_;
-    Correlations amplitude_;
-    Correlations frequency_;
-    Correlations power_;
+    RecordOverlap overlap_;
     std::deque<Kept> kept_;
     std::optional<ToneMeasurement> mean_;
 };

@@ -13,7 +13,22 @@ constexpr double kCoverage = 1.959964;
 // Decibels of a small relative change of an amplitude.
 constexpr double kDecibelsPerPart = 20.0 / std::numbers::ln10;
 
+// A density is the median of 80 bins that vary together in groups, so a sigma from it is as uncertain as the
+// standard deviation of 21 numbers (10 at 0 Hz, which has neighbours on one side). Student's distribution
+// widens the intervals by 1 + 1.21 / degrees of freedom.
+constexpr double kFreedom = 21.0;
+constexpr double kFreedomAtDc = 10.0;
+constexpr double kStudent = 1.21;
+
 }  // namespace
+
+double WideningOfLine(double powerRecords) {
+    return 1.0 + kStudent / (kFreedom * powerRecords);
+}
+
+double WideningAtDc(double powerRecords) {
+    return 1.0 + kStudent / (kFreedomAtDc * powerRecords);
+}
 
 double Uncertainty::Relative(double relativeSigma) const {
     return std::max(kCoverage * relativeSigma, least_);

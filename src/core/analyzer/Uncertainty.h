@@ -4,6 +4,12 @@
 
 namespace sonavex {
 
+// Factors for standard deviations that come from the density of the noise around a line, or at 0 Hz, in a
+// mean of `powerRecords` independent records: such a density is itself uncertain, so that intervals of the
+// normal distribution would contain the truth too rarely.
+double WideningOfLine(double powerRecords);
+double WideningAtDc(double powerRecords);
+
 // Makes values with their 95 % uncertainty from standard deviations.
 class Uncertainty {
 public:

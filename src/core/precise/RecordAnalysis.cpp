@@ -65,11 +65,11 @@ void AddWarning(RecordAnalysis& analysis, const Warning& warning) {
 RecordAverage::RecordAverage(std::shared_ptr<const RecordPlan> plan, PreciseSettings settings)
     : plan_(std::move(plan)), settings_(std::move(settings)), tone_(*plan_, settings_.averages) {}
 
-void RecordAverage::Include(const RecordAnalysis& analysis) {
+void RecordAverage::Include(const RecordAnalysis& analysis, std::size_t shift) {
     if (const auto* const tone = std::get_if<ToneMeasurement>(&analysis.values))
-        tone_.Add(*tone);
+        tone_.Add(*tone, shift);
     else
-        IncludeLines(std::get<LinesMeasurement>(analysis.values));
+        IncludeLines(std::get<LinesMeasurement>(analysis.values), shift);
 }
 
 LinesReading RecordAverage::Values() const {
@@ -87,9 +87,9 @@ void RecordAverage::Restart() {
 
 // A limited average is computed from its records each time, so that a record that drops out leaves nothing
 // behind. A record that does not continue the average is alone in it, and the older ones are dropped.
-void RecordAverage::IncludeLines(LinesMeasurement next) {
+void RecordAverage::IncludeLines(LinesMeasurement next, std::size_t shift) {
     if (settings_.averages == 0) {
-        AddToMean(lines_, std::move(next));
+        AddToMean(lines_, std::move(next), shift);
         return;
     }
     newest_.push_back(std::move(next));

@@ -57,13 +57,14 @@ public:
         return Values();
     }
     // The same in two steps: a reading takes time that an intermediate one does not need.
-    void Include(const RecordAnalysis& analysis);
+    // shift: samples from the start of the record before to the start of this one; 0: a quarter of a record.
+    void Include(const RecordAnalysis& analysis, std::size_t shift = 0);
     // Only after Include.
     LinesReading Values() const;
     void Restart();
 
 private:
-    void IncludeLines(LinesMeasurement next);
+    void IncludeLines(LinesMeasurement next, std::size_t shift);
     LinesReading ReadingOf(const LinesMeasurement& lines) const;
 
     std::shared_ptr<const RecordPlan> plan_;

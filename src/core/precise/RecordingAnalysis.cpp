@@ -61,7 +61,7 @@ void RecordingAnalysis::Include() {
     if (record.samples.size() == plan_->Length()) spectrum_.Add(record.samples);
     AddUnknown(voids_, VoidsOf(newest_));
     AddUnknown(warnings_, WarningsOf(newest_));
-    if (voids_.empty()) average_.Include(newest_);
+    if (voids_.empty()) average_.Include(newest_, records_.Shift());
 }
 
 LinesReading RecordingAnalysis::Values() const {

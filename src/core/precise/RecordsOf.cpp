@@ -27,16 +27,17 @@ bool RecordsOf::Next() {
         return Append(length_) > 0;
     }
     if (samples_.size() < length_) return false;
-    const std::size_t appended = Append(length_ / 4);
-    samples_.erase(samples_.begin(), samples_.begin() + static_cast<std::ptrdiff_t>(appended));
-    start_ += appended;
-    return appended > 0;
+    shift_ = Append(length_ / 4);
+    samples_.erase(samples_.begin(), samples_.begin() + static_cast<std::ptrdiff_t>(shift_));
+    start_ += shift_;
+    return shift_ > 0;
 }
 
 void RecordsOf::MoveTo(std::size_t index) {
     const auto total = static_cast<std::size_t>(recording_.Frames().value());
     start_ = total <= length_ ? 0 : std::min(index * (length_ / 4), total - length_);
     recording_.MoveTo(static_cast<std::int64_t>(start_));
+    shift_ = 0;
     begun_ = true;
     samples_.clear();
     Append(length_);

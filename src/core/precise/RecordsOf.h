@@ -32,6 +32,9 @@ public:
     std::span<const double> Samples() const noexcept { return samples_; }
     double StartSeconds() const noexcept;
 
+    // Samples from the start of the record before to the start of this one; 0 for the first.
+    std::size_t Shift() const noexcept { return shift_; }
+
 private:
     // Appends at most `frames` frames of the channel and returns how many there were.
     std::size_t Append(std::size_t frames);
@@ -40,6 +43,7 @@ private:
     std::size_t channel_;
     std::size_t length_;
     std::size_t start_ = 0;
+    std::size_t shift_ = 0;
     bool begun_ = false;
     std::vector<double> samples_;
     std::vector<double> stereo_;

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "core/analyzer/ToneAverage.h"
+#include "unit/analyzer/Score.h"
 #include "unit/analyzer/Signals.h"
 
 namespace sonavex {
@@ -23,24 +24,6 @@ const RecordPlan& CoveragePlan() {
     static const RecordPlan plan(kCoverageLength, kCoverageRateHz);
     return plan;
 }
-
-// How often a value's interval contained the truth, and how often a bound lay above it.
-struct Score {
-    int hits = 0;
-    int values = 0;
-    int bounds = 0;
-    int boundsAbove = 0;
-
-    void Count(const Value& value, double truth) {
-        if (value.atMost) {
-            ++bounds;
-            boundsAbove += *value.value >= truth;
-        } else if (value.value) {
-            ++values;
-            hits += std::abs(*value.value - truth) <= *value.uncertainty;
-        }
-    }
-};
 
 constexpr int kRuns = 1000;
 constexpr double kAmplitude = 0.5;
@@ -76,13 +59,13 @@ protected:
     void ExpectCovered(const std::string& name) {
         const Score& score = scores_[name];
         ASSERT_GE(score.values, kRuns - 5) << name;
-        EXPECT_NEAR(static_cast<double>(score.hits) / score.values, 0.95, 0.02) << name;
+        EXPECT_NEAR(score.Hits(), 0.95, 0.02) << name;
     }
 
     void ExpectBounds(const std::string& name, int atLeast) {
         const Score& score = scores_[name];
         ASSERT_GE(score.bounds, atLeast) << name;
-        EXPECT_GE(static_cast<double>(score.boundsAbove) / score.bounds, 0.95) << name;
+        EXPECT_GE(score.BoundsAbove(), 0.95) << name;
     }
 
     int restarts_ = 0;
@@ -178,7 +161,7 @@ TEST(CoverageOfBounds, TheBoundOfThdLiesAboveTheTruth) {
         score.Count(AnalyzeTone(CoveragePlan(), {x, kCoverageRateHz}, ToneSettings{}).thdDb, truth);
     }
     ASSERT_GE(score.bounds, 290);
-    EXPECT_GE(static_cast<double>(score.boundsAbove) / score.bounds, 0.95);
+    EXPECT_GE(score.BoundsAbove(), 0.95);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "core/analyzer/MeasureLines.h"
 #include "unit/analyzer/Signals.h"
 

@@ -63,6 +63,21 @@ TEST(ToneAverage, CountsOverlappingRecordsByTheirCorrelation) {
                 n / (1 + 2 * (quarter * quarter * (1 - 1 / n) + half * half * (1 - 2 / n))), 1e-3);
 }
 
+TEST(ToneAverage, ALastRecordThatOverlapsMoreCountsLess) {
+    const ToneMeasurement one = Measured(TwoSecondsOfTone(), 0);
+    const auto independent = [&](std::size_t records, std::size_t lastShift) {
+        ToneAverage average(AveragePlan(), 0);
+        for (std::size_t record = 1; record < records; ++record) average.Add(one);
+        return average.Add(one, lastShift).amplitudeRecords;
+    };
+    // Nearly the same samples again.
+    EXPECT_NEAR(independent(2, 1), 1.0, 1e-3);
+    // The weights of the records are then 1/3 and 2/3.
+    EXPECT_NEAR(independent(3, 1), 1.0 / (1.0 / 9 + 4.0 / 9 + 2 * 0.2572 * 2.0 / 9), 1e-3);
+    EXPECT_DOUBLE_EQ(independent(3, kAverageLength / 4), independent(3, 0));
+    EXPECT_LT(independent(8, kAverageLength / 8), independent(8, 0));
+}
+
 TEST(ToneAverage, TheOldestRecordDropsOut) {
     signals::Samples x = TwoSecondsOfTone();
     signals::AddWhiteNoise(x, 1e-3, 2);
