@@ -154,6 +154,17 @@ Bursts FindBursts(const CarrierError& error, double amplitude, double periodSamp
                       kLeastBurst * amplitude);
 }
 
+Damage DamageOf(const Bursts& bursts, double rateHz, double startSeconds) {
+    Damage damage;
+    if (bursts.events > kMostBursts)
+        damage.impulsiveNoise = {WarningCode::kImpulsiveNoise, "The noise contains bursts that recur."};
+    else if (bursts.events > 0)
+        damage.disturbed = {
+            VoidCode::kDisturbed,
+            "Burst at " + Seconds(startSeconds + static_cast<double>(bursts.firstSample) / rateHz) + '.'};
+    return damage;
+}
+
 }  // namespace
 
 Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, double rateHz, double thdn,
@@ -163,21 +174,19 @@ Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, d
     const Step step = StepSearch(error.Segments(), thdn).Largest();
     const Bursts bursts = FindBursts(error, std::abs(carrier.amplitude), 1.0 / turnsPerSample);
     const bool broken = step.overThreshold > 1.0;
-    const bool burst = bursts.events > 0 && bursts.events <= kMostBursts;
     const long samples = SamplesOf(step, 2.0 * std::numbers::pi * turnsPerSample);
-    Damage damage;
+    Damage damage = DamageOf(bursts, rateHz, startSeconds);
     // A click moves the carrier too, but turns it by less than a sample.
-    if (broken && (samples > 0 || !burst))
+    if (broken && (samples > 0 || !damage.disturbed))
         damage.disturbed = {
             VoidCode::kDisturbed,
             BreakSentence(startSeconds + error.BoundaryBefore(step.segment) / rateHz, samples)};
-    else if (burst)
-        damage.disturbed = {
-            VoidCode::kDisturbed,
-            "Burst at " + Seconds(startSeconds + static_cast<double>(bursts.firstSample) / rateHz) + '.'};
-    if (bursts.events > kMostBursts)
-        damage.impulsiveNoise = {WarningCode::kImpulsiveNoise, "The noise contains bursts that recur."};
     return damage;
+}
+
+Damage FindDamageOfNoise(std::span<const double> noise, int bits, double rateHz, double startSeconds) {
+    const auto pieceLength = static_cast<std::size_t>(kShortestPiece);
+    return DamageOf(FindBursts(noise, 0, pieceLength, std::ldexp(1.0, 1 - bits)), rateHz, startSeconds);
 }
 
 const FittedLine& DamageCarrier(std::span<const FittedLine> lines) {

@@ -23,6 +23,10 @@ struct Damage {
 Damage FindDamage(std::span<const double> residual, const FittedLine& carrier, double rateHz, double thdn,
                   double startSeconds = 0.0);
 
+// The same for noise without a carrier: bursts alone. bits: of a sample; a burst is at least as loud as one
+// code, because single codes flicker in quiet noise.
+Damage FindDamageOfNoise(std::span<const double> noise, int bits, double rateHz, double startSeconds = 0.0);
+
 // A carrier for FindDamage. lines: the tones of the record, at least one.
 const FittedLine& DamageCarrier(std::span<const FittedLine> lines);
 

@@ -258,6 +258,8 @@ LinesMeasurement MeasureNoise(const RecordPlan& plan, Record record, FittedLines
     measurement.dc = fitted.dc;
     measurement.residualPower = plan.PowerSpectrum(fitted.residual);
     measurement.excessKurtosis = ExcessKurtosis(fitted.residual);
+    TakeDamage(FindDamageOfNoise(fitted.residual, record.bits, plan.RateHz(), record.startSeconds),
+               measurement);
     for (const double sample : record.samples)
         measurement.peak = std::max(measurement.peak, std::abs(sample));
     return measurement;

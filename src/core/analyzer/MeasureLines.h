@@ -62,7 +62,8 @@ LinesMeasurement MeasurePair(const RecordPlan& plan, Record record, std::span<co
 LinesMeasurement MeasureMultitone(const RecordPlan& plan, Record record, std::span<const double> tonesHz,
                                   const Band& band, FittedLines* fit = nullptr);
 
-// Dc alone. The residual is the noise.
+// Dc alone. The residual is the noise. It is searched for bursts; samples that were lost, repeated or zeroed
+// are found only where noise of low frequencies makes a step of them. In white noise they change nothing.
 LinesMeasurement MeasureNoise(const RecordPlan& plan, Record record, FittedLines* fit = nullptr);
 
 // Why these tones cannot be measured together, as a sentence; empty if they can: at least 8 bins, below half

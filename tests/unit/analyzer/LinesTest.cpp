@@ -215,6 +215,29 @@ TEST(MultitoneTest, MissingToneIsVoid) {
     EXPECT_EQ(reading.reading.voids.front().code, VoidCode::kNoTone);
 }
 
+TEST(MultitoneTest, OneDamagedSampleIsFound) {
+    const LineSamples sound = Multitone();
+    const auto place = std::find_if(sound.begin() + 12345, sound.end(), [](double x) { return x > 0.2; });
+    const std::ptrdiff_t at = place - sound.begin();
+    LineSamples lost = sound;
+    lost.erase(lost.begin() + at);
+    lost.push_back(sound.back());
+    LineSamples repeated = sound;
+    repeated.insert(repeated.begin() + at, *place);
+    repeated.pop_back();
+    LineSamples zeroed = sound;
+    zeroed[static_cast<std::size_t>(at)] = 0.0;
+    for (LineSamples x : {lost, repeated, zeroed}) {
+        signals::AddWhiteNoise(x, 1e-4, 2);
+        const LinesReading reading = MultitoneReading(x);
+        ASSERT_FALSE(reading.reading.Valid());
+        EXPECT_EQ(reading.reading.voids.front().code, VoidCode::kDisturbed);
+    }
+    LineSamples steady = sound;
+    signals::AddWhiteNoise(steady, 1e-4, 2);
+    EXPECT_TRUE(MultitoneReading(steady).reading.Valid());
+}
+
 TEST(MultitoneTest, TonesThatCannotBeFitted) {
     EXPECT_FALSE(TonesFault(LinesPlan(), kMultitoneHz).has_value());
     EXPECT_TRUE(TonesFault(LinesPlan(), std::vector{5.0, 1000.0}).has_value());
@@ -258,6 +281,45 @@ TEST(NoiseModeTest, SilenceIsValid) {
     LineSamples notFinite(kLinesLength);
     notFinite[5] = NAN;
     EXPECT_FALSE(NoiseReading(notFinite).reading.Valid());
+}
+
+TEST(NoiseModeTest, ClicksAreDamageAndManyAreAWarning) {
+    LineSamples x(kLinesLength);
+    signals::AddWhiteNoise(x, 1e-4, 4);
+    x[20000] += 0.01;
+    const LinesReading one = NoiseReading(x);
+    ASSERT_EQ(one.reading.voids.size(), 1U);
+    EXPECT_EQ(one.reading.voids.front().sentence, "Burst at 0.42 s.");
+    for (std::size_t n = 100; n < x.size(); n += 960) x[n] += 0.01;
+    const LinesReading many = NoiseReading(x);
+    ASSERT_TRUE(many.reading.Valid());
+    ASSERT_EQ(many.reading.warnings.size(), 1U);
+    EXPECT_EQ(many.reading.warnings.front().code, WarningCode::kImpulsiveNoise);
+}
+
+TEST(NoiseModeTest, ALostSampleIsFoundInHumAndNotInWhiteNoise) {
+    LineSamples hum(kLinesLength + 1);
+    signals::AddSine(hum, {50.0, kLinesRateHz}, 0.01);
+    signals::AddWhiteNoise(hum, 1e-7, 4);
+    LineSamples white(kLinesLength + 1);
+    signals::AddWhiteNoise(white, 1e-4, 4);
+    for (LineSamples* const x : {&hum, &white}) x->erase(x->begin() + 12005);
+    EXPECT_FALSE(NoiseReading(hum).reading.Valid());
+    EXPECT_TRUE(NoiseReading(white).reading.Valid());
+}
+
+// Faint noise in words of 16 bits flickers by one code now and then.
+TEST(NoiseModeTest, FlickerOfTheLastBitIsNoDamage) {
+    for (const double codes : {0.1, 0.15, 0.2, 0.3, 0.5}) {
+        for (std::uint32_t seed = 0; seed < 10; ++seed) {
+            LineSamples x(kLinesLength);
+            signals::AddWhiteNoise(x, codes / 32768.0, seed);
+            signals::Quantise(x, 16);
+            const LinesReading reading = MakeNoiseReading(
+                LinesPlan(), MeasureNoise(LinesPlan(), {x, kLinesRateHz, 16, false}), kLinesBand);
+            EXPECT_TRUE(reading.reading.Valid()) << codes << ' ' << seed;
+        }
+    }
 }
 
 // Records that overlap by 75 %, as they are averaged.
