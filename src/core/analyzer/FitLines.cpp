@@ -16,8 +16,8 @@ using Complex = std::complex<double>;
 constexpr int kRounds = 4;
 
 // exp(2 pi i f m) of a sample is the product of its block's start phasor and its phasor within the block: two
-// short tables in place of a sine for each sample.
-constexpr std::size_t kBlock = 256;
+// short tables in place of a sine for each sample. The second tables of 20 lines fit into the fastest cache.
+constexpr std::size_t kBlock = 128;
 
 using BlockValues = std::array<double, kBlock>;
 

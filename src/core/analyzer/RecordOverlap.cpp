@@ -18,9 +18,9 @@ RecordOverlap::Correlations RecordOverlap::At(std::size_t shift) const {
 // of a record apart are not correlated.
 IndependentRecords RecordOverlap::Of(std::size_t records, std::size_t lastShift) const {
     if (records < 2) return {};
-    const std::size_t shift = lastShift == 0 ? window_.Length() / 4 : lastShift;
-    const Correlations last = At(shift);
-    const Correlations lastButOne = At(shift + window_.Length() / 4);
+    const bool ordinary = lastShift == 0 || lastShift == window_.Length() / 4;
+    const Correlations last = ordinary ? quarter_ : At(lastShift);
+    const Correlations lastButOne = ordinary ? half_ : At(lastShift + window_.Length() / 4);
     const auto n = static_cast<double>(records);
     const auto count = [&](double Correlations::*of) {
         const double pairs = (n - 2.0) * quarter_.*of + std::max(n - 3.0, 0.0) * half_.*of + last.*of +
