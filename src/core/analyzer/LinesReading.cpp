@@ -6,7 +6,6 @@
 #include <numbers>
 
 #include "core/analyzer/MeasureLines.h"
-#include "core/analyzer/RecordOverlap.h"
 #include "core/analyzer/Spurs.h"
 #include "core/analyzer/Square.h"
 #include "core/analyzer/Uncertainty.h"
@@ -52,7 +51,7 @@ public:
         : plan_(plan),
           measured_(measurement),
           band_(band.UpTo(0.5 * plan.RateHz())),
-          independent_(RecordOverlap(plan.Window()).Of(measurement.blocks, measurement.lastShift)),
+          independent_(plan.Overlap().Of(measurement.blocks, measurement.lastShift)),
           noise_(plan, measurement.residualPower, LinePositions(), TonePositions(), independent_.power,
                  measurement.excessKurtosis),
           widening_(WideningOfLine(independent_.power)),

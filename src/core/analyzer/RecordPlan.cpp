@@ -32,7 +32,11 @@ fftw_complex* AsComplex(const RealArray& array) {
 
 struct RecordPlan::Plan {
     Plan(std::size_t length, double rate)
-        : window(length), rateHz(rate), a(PowerGains(AWeighting)), itu468(PowerGains(Weighting468)) {
+        : window(length),
+          overlap(window),
+          rateHz(rate),
+          a(PowerGains(AWeighting)),
+          itu468(PowerGains(Weighting468)) {
         const RealArray array = MakeRealArray(SpectrumReals(length));
         transform =
             fftw_plan_dft_r2c_1d(static_cast<int>(length), array.get(), AsComplex(array), FFTW_ESTIMATE);
@@ -53,6 +57,7 @@ struct RecordPlan::Plan {
     }
 
     AnalysisWindow window;
+    RecordOverlap overlap;
     double rateHz;
     std::vector<double> a;
     std::vector<double> itu468;
@@ -66,6 +71,10 @@ RecordPlan& RecordPlan::operator=(RecordPlan&&) noexcept = default;
 
 const AnalysisWindow& RecordPlan::Window() const noexcept {
     return plan_->window;
+}
+
+const RecordOverlap& RecordPlan::Overlap() const noexcept {
+    return plan_->overlap;
 }
 
 double RecordPlan::RateHz() const noexcept {

@@ -6,10 +6,12 @@
 #include <vector>
 
 #include "core/analyzer/AnalysisWindow.h"
+#include "core/analyzer/RecordOverlap.h"
 
 namespace sonavex {
 
-// What is prepared once for all records of one length and rate: window, Fourier transform, weightings.
+// What is prepared once for all records of one length and rate: window, correlation of overlapping records,
+// Fourier transform, weightings.
 // Construct it on the user-interface thread, because making FFTW plans is not thread-safe. All members may
 // then be called from any thread.
 class RecordPlan {
@@ -22,6 +24,7 @@ public:
 
     const AnalysisWindow& Window() const noexcept;
     std::size_t Length() const noexcept { return Window().Length(); }
+    const RecordOverlap& Overlap() const noexcept;
     double RateHz() const noexcept;
     double BinHz() const noexcept { return RateHz() / static_cast<double>(Length()); }
 

@@ -42,7 +42,7 @@ void MixValues(ToneMeasurement& mean, const ToneMeasurement& next, double weight
 }  // namespace
 
 ToneAverage::ToneAverage(const RecordPlan& plan, std::size_t records)
-    : records_(records), overlap_(plan.Window()) {}
+    : records_(records), overlap_(plan.Overlap()) {}
 
 const ToneMeasurement& ToneAverage::Add(ToneMeasurement next, std::size_t shift) {
     if (!Continues(next))

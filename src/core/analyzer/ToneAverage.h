@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "core/analyzer/MeasureTone.h"
-#include "core/analyzer/RecordOverlap.h"
 
 namespace sonavex {
 
@@ -45,7 +44,7 @@ private:
     void CountRecords(std::size_t lastShift);
 
     std::size_t records_;
-    RecordOverlap overlap_;
+    const RecordOverlap& overlap_;
     std::deque<Kept> kept_;
     std::optional<ToneMeasurement> mean_;
 };

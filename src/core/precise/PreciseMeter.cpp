@@ -21,16 +21,17 @@ constexpr int kBlockBits = 16;
 constexpr std::uint64_t kSilentBlocks = 8;
 constexpr std::int32_t kFrameBytes = 4;
 
-bool Contains(const std::vector<Void>& voids, VoidCode code) {
-    return std::any_of(voids.begin(), voids.end(), [code](const Void& fault) { return fault.code == code; });
+template <typename Fault, typename Code>
+bool Contains(const std::vector<Fault>& faults, Code code) {
+    return std::any_of(faults.begin(), faults.end(),
+                       [code](const Fault& fault) { return fault.code == code; });
 }
 
 PreciseState StateOf(const Reading& reading) {
     if (Contains(reading.voids, VoidCode::kOverload)) return PreciseState::kOverload;
     if (!reading.Valid()) return PreciseState::kVoid;
-    for (const Warning& warning : reading.warnings)
-        if (warning.code == WarningCode::kUnsteadyTone) return PreciseState::kUnsteady;
-    return PreciseState::kValid;
+    return Contains(reading.warnings, WarningCode::kUnsteadyTone) ? PreciseState::kUnsteady
+                                                                  : PreciseState::kValid;
 }
 
 // Frames that the device holds: it has taken them and not played.
@@ -55,7 +56,6 @@ void PreciseMeter::Start(const PreciseSettings& settings) {
     }
     settings_ = settings;
     records_.emplace(length);
-    average_.emplace(plan_, settings);
     search_.reset();
     BeginAgain(0);
     awaitingFirstBlock_ = true;
@@ -118,19 +118,20 @@ void PreciseMeter::EndSearch() {
 
 void PreciseMeter::Submit() {
     RecordCollection::Channels channels = records_->Take();
-    needs_.background.Run(Background::Line::kAnalysis,
-                          [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_,
-                           conditions = RecordConditions(), restarts = records_->Restarts(),
-                           samples = std::move(channels[settings_.channel])]() -> Background::Result {
-                              Record record = conditions;
-                              record.samples = samples;
-                              auto analysis =
-                                  std::make_shared<RecordAnalysis>(AnalyzeRecord(*plan, settings, record));
-                              return [this, alive, plan, analysis, restarts] {
-                                  if (!alive.expired() && plan == plan_)
-                                      Receive(std::move(*analysis), restarts);
-                              };
-                          });
+    needs_.background.Run(
+        Background::Line::kAnalysis,
+        [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_, average = average_,
+         conditions = RecordConditions(), restarts = records_->Restarts(),
+         samples = std::move(channels[settings_.channel])]() -> Background::Result {
+            Record record = conditions;
+            record.samples = samples;
+            auto analysis = std::make_shared<RecordAnalysis>(AnalyzeRecord(*plan, settings, record));
+            auto reading = std::make_shared<LinesReading>(average->Add(*analysis));
+            return [this, alive, plan, analysis, reading, restarts] {
+                if (!alive.expired() && plan == plan_)
+                    Receive(std::move(*analysis), std::move(*reading), restarts);
+            };
+        });
 }
 
 Record PreciseMeter::RecordConditions() const {
@@ -143,20 +144,21 @@ Record PreciseMeter::RecordConditions() const {
 
 // A record that was complete before an interruption is not reported after it: the counts of the output may
 // be late.
-void PreciseMeter::Receive(RecordAnalysis analysis, std::uint64_t restarts) {
+void PreciseMeter::Receive(RecordAnalysis analysis, LinesReading reading, std::uint64_t restarts) {
     NoticeOutput();
     if (!records_ || records_->Restarts() != restarts) return;
-    if (VoidsOf(analysis).empty() && LimitedBy16Bit())
-        AddWarning(analysis, {WarningCode::kLimitedBy16Bit, "The sound path delivers no more than 16 bits."});
-    Report(std::move(analysis));
+    if (reading.reading.Valid() && !Contains(reading.reading.warnings, WarningCode::kLimitedBy16Bit) &&
+        LimitedBy16Bit())
+        reading.reading.warnings.push_back(
+            {WarningCode::kLimitedBy16Bit, "The sound path delivers no more than 16 bits."});
+    Report(std::move(analysis), reading);
 }
 
 bool PreciseMeter::LimitedBy16Bit() const {
     return (Playing() && needs_.engine.OutputBits() <= kBlockBits) || needs_.usedBits.Only16();
 }
 
-void PreciseMeter::Report(RecordAnalysis analysis) {
-    const LinesReading reading = average_->Add(analysis);
+void PreciseMeter::Report(RecordAnalysis analysis, const LinesReading& reading) {
     newest_ = std::move(analysis);
     if (!reading.reading.Valid()) newest_.samples.clear();
     if (!reading.reading.Valid()) newest_.residual.clear();
@@ -167,8 +169,16 @@ void PreciseMeter::Report(RecordAnalysis analysis) {
 LinesReading PreciseMeter::Unfinished() {
     std::string sentence = "settling " + std::to_string(Collected()) + " of " + std::to_string(Length());
     if (!interruption_.empty()) sentence += ", " + interruption_;
-    return RecordAverage(plan_, settings_)
-        .Add(VoidRecord(settings_, needs_.engine.InputBits(), {VoidCode::kTooShort, sentence}));
+    return VoidReading(VoidCode::kTooShort, sentence);
+}
+
+LinesReading PreciseMeter::VoidReading(VoidCode code, const std::string& sentence) const {
+    return ReadingOfVoid(*plan_, settings_, needs_.engine.InputBits(), {code, sentence});
+}
+
+// A new one, because the background may be adding a record to the old one.
+void PreciseMeter::BeginAverage() {
+    average_ = std::make_shared<RecordAverage>(plan_, settings_);
 }
 
 bool PreciseMeter::Playing() const {
@@ -217,7 +227,7 @@ void PreciseMeter::NoticeOutput() {
 
 void PreciseMeter::BeginAgain(std::uint64_t frame) {
     records_->BeginAt(frame, "");
-    average_->Restart();
+    BeginAverage();
     output_ = CountOutput();
     interruption_.clear();
     state_ = PreciseState::kSettling;
@@ -232,8 +242,9 @@ void PreciseMeter::Interrupt(std::uint64_t frame, std::string cause) {
 // The first record after a start or a change settles however often it is interrupted.
 void PreciseMeter::NoteInterruption() {
     interruption_ = records_->Cause();
+    BeginAverage();
     if (state_ == PreciseState::kSettling) return;
-    Report(VoidRecord(settings_, needs_.engine.InputBits(), {VoidCode::kDisturbed, interruption_}));
+    Report({}, VoidReading(VoidCode::kDisturbed, interruption_));
 }
 
 }  // namespace sonavex

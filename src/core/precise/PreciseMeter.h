@@ -96,9 +96,11 @@ private:
     void ListenForBurst(const FineFrames& block);
     void EndSearch();
     void Submit();
-    void Receive(RecordAnalysis analysis, std::uint64_t restarts);
-    void Report(RecordAnalysis analysis);
+    void Receive(RecordAnalysis analysis, LinesReading reading, std::uint64_t restarts);
+    void Report(RecordAnalysis analysis, const LinesReading& reading);
     bool LimitedBy16Bit() const;
+    LinesReading VoidReading(VoidCode code, const std::string& sentence) const;
+    void BeginAverage();
 
     bool Playing() const;
     OutputCounts CountOutput() const;
@@ -116,7 +118,7 @@ private:
     PreciseSettings settings_;
     std::shared_ptr<const RecordPlan> plan_;
     std::optional<RecordCollection> records_;
-    std::optional<RecordAverage> average_;
+    std::shared_ptr<RecordAverage> average_;  // used by the background alone
     RecordAnalysis newest_;
     PreciseState state_ = PreciseState::kSettling;
     std::string interruption_;

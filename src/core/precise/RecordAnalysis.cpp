@@ -15,6 +15,14 @@ LinesMeasurement MeasureLines(const RecordPlan& plan, const PreciseSettings& set
     return MeasureNoise(plan, record, &fit);
 }
 
+LinesReading ReadingOf(const RecordPlan& plan, const PreciseSettings& settings,
+                       const LinesMeasurement& lines) {
+    const Band& band = settings.tone.band;
+    if (settings.mode == PreciseMode::kMultitone) return MakeMultitoneReading(plan, lines, band);
+    if (settings.mode == PreciseMode::kNoise) return MakeNoiseReading(plan, lines, band);
+    return MakePairReading(plan, lines, band);
+}
+
 }  // namespace
 
 RecordAnalysis AnalyzeRecord(const RecordPlan& plan, const PreciseSettings& settings, const Record& record) {
@@ -29,17 +37,17 @@ RecordAnalysis AnalyzeRecord(const RecordPlan& plan, const PreciseSettings& sett
     return analysis;
 }
 
-RecordAnalysis VoidRecord(const PreciseSettings& settings, int bits, Void reason) {
-    RecordAnalysis analysis;
-    if (settings.mode != PreciseMode::kTone) analysis.values = LinesMeasurement();
-    std::visit(
-        [&](auto& values) {
-            values.voids.push_back(std::move(reason));
-            values.bits = bits;
-            values.blocks = 0;
-        },
-        analysis.values);
-    return analysis;
+LinesReading ReadingOfVoid(const RecordPlan& plan, const PreciseSettings& settings, int bits, Void reason) {
+    const auto fill = [&](auto measurement) {
+        measurement.voids.push_back(std::move(reason));
+        measurement.bits = bits;
+        measurement.blocks = 0;
+        return measurement;
+    };
+    if (settings.mode != PreciseMode::kTone) return ReadingOf(plan, settings, fill(LinesMeasurement()));
+    LinesReading reading;
+    reading.reading = MakeReading(plan, fill(ToneMeasurement()), settings.tone);
+    return reading;
 }
 
 const std::vector<Void>& VoidsOf(const RecordAnalysis& analysis) {
@@ -50,16 +58,6 @@ const std::vector<Void>& VoidsOf(const RecordAnalysis& analysis) {
 const std::vector<Warning>& WarningsOf(const RecordAnalysis& analysis) {
     return std::visit([](const auto& values) -> const std::vector<Warning>& { return values.warnings; },
                       analysis.values);
-}
-
-void AddWarning(RecordAnalysis& analysis, const Warning& warning) {
-    std::visit(
-        [&](auto& values) {
-            for (const Warning& known : values.warnings)
-                if (known.code == warning.code) return;
-            values.warnings.push_back(warning);
-        },
-        analysis.values);
 }
 
 RecordAverage::RecordAverage(std::shared_ptr<const RecordPlan> plan, PreciseSettings settings)
@@ -73,16 +71,10 @@ void RecordAverage::Include(const RecordAnalysis& analysis, std::size_t shift) {
 }
 
 LinesReading RecordAverage::Values() const {
-    if (settings_.mode != PreciseMode::kTone) return ReadingOf(lines_.value());
+    if (settings_.mode != PreciseMode::kTone) return ReadingOf(*plan_, settings_, lines_.value());
     LinesReading reading;
     reading.reading = MakeReading(*plan_, tone_.Mean(), settings_.tone);
     return reading;
-}
-
-void RecordAverage::Restart() {
-    tone_.Restart();
-    newest_.clear();
-    lines_.reset();
 }
 
 // A limited average is computed from its records each time, so that a record that drops out leaves nothing
@@ -97,13 +89,6 @@ void RecordAverage::IncludeLines(LinesMeasurement next, std::size_t shift) {
     lines_.reset();
     for (const LinesMeasurement& record : newest_) AddToMean(lines_, record);
     while (newest_.size() > std::max<std::size_t>(lines_->blocks, 1)) newest_.pop_front();
-}
-
-LinesReading RecordAverage::ReadingOf(const LinesMeasurement& lines) const {
-    const Band& band = settings_.tone.band;
-    if (settings_.mode == PreciseMode::kPair) return MakePairReading(*plan_, lines, band);
-    if (settings_.mode == PreciseMode::kMultitone) return MakeMultitoneReading(*plan_, lines, band);
-    return MakeNoiseReading(*plan_, lines, band);
 }
 
 }  // namespace sonavex

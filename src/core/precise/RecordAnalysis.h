@@ -39,33 +39,32 @@ struct RecordAnalysis {
 
 // Pure; any thread.
 RecordAnalysis AnalyzeRecord(const RecordPlan& plan, const PreciseSettings& settings, const Record& record);
-// A record that cannot be analysed.
-RecordAnalysis VoidRecord(const PreciseSettings& settings, int bits, Void reason);
+
+// The reading of a record that cannot be analysed.
+LinesReading ReadingOfVoid(const RecordPlan& plan, const PreciseSettings& settings, int bits, Void reason);
 
 const std::vector<Void>& VoidsOf(const RecordAnalysis& analysis);
 const std::vector<Warning>& WarningsOf(const RecordAnalysis& analysis);
-void AddWarning(RecordAnalysis& analysis, const Warning& warning);
 
-// The rolling average of records, in any mode.
+// The rolling average of records, in any mode. Belongs to one thread.
 class RecordAverage {
 public:
     RecordAverage(std::shared_ptr<const RecordPlan> plan, PreciseSettings settings);
 
-    // The reading that includes this record.
+    // The reading that includes this record. Takes time in proportion to the length and to the number of
+    // averaged records.
     LinesReading Add(const RecordAnalysis& analysis) {
         Include(analysis);
         return Values();
     }
-    // The same in two steps: a reading takes time that an intermediate one does not need.
-    // shift: samples from the start of the record before to the start of this one; 0: a quarter of a record.
+    // The same in two steps: a reading takes time that an intermediate one does not need. shift: samples from
+    // the start of the record before to the start of this one; 0: a quarter of a record.
     void Include(const RecordAnalysis& analysis, std::size_t shift = 0);
     // Only after Include.
     LinesReading Values() const;
-    void Restart();
 
 private:
     void IncludeLines(LinesMeasurement next, std::size_t shift);
-    LinesReading ReadingOf(const LinesMeasurement& lines) const;
 
     std::shared_ptr<const RecordPlan> plan_;
     PreciseSettings settings_;

@@ -151,7 +151,7 @@ TEST_F(PreciseMeterTest, ARestartOfTheCaptureIsAnInterruption) {
 
 // What the background is busy with is not reported after an interruption.
 TEST_F(PreciseMeterTest, ALateResultOfAnInterruptedRecordIsDropped) {
-    StartMeter();
+    StartMeter(4);
     completing = false;
     CaptureUpTo(kRecord);
     EXPECT_EQ(background.tasks, 1);
@@ -160,6 +160,11 @@ TEST_F(PreciseMeterTest, ALateResultOfAnInterruptedRecordIsDropped) {
     background.Complete();
     EXPECT_TRUE(readings.empty());
     EXPECT_EQ(meter.State(), PreciseState::kSettling);
+    // The average does not contain it either.
+    completing = true;
+    CaptureUpTo(captured + kRecord);
+    ASSERT_EQ(readings.size(), 1U);
+    EXPECT_EQ(readings[0].blocks, 1U);
 }
 
 class SilentSource : public FineSource {
