@@ -5,11 +5,9 @@
 // band, bit 5 a fundamental, bit 6 output files, bit 7 a long record. The second byte gives a number of
 // blocks that are appended by repeating the end of the file. The third selects order and tones.
 
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 
 #include "app/measure/Commands.h"
@@ -17,6 +15,7 @@
 #include "core/ports/MeasurementFiles.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MemoryFile.h"
+#include "fuzz/RecordingInput.h"
 #include "support/ChildProcess.h"
 
 namespace sonavex {
@@ -25,32 +24,7 @@ namespace {
 using fuzz::Input;
 using fuzz::Require;
 
-constexpr std::size_t kAppendedBytes = 2048;
-constexpr std::size_t kRepeatedBytes = 256;
 constexpr unsigned kMostAppended = 64;
-
-// Captures standard output during its lifetime.
-class CapturedOutput {
-public:
-    CapturedOutput() : own_(std::cout.rdbuf(text_.rdbuf())) {}
-    ~CapturedOutput() { std::cout.rdbuf(own_); }
-    CapturedOutput(const CapturedOutput&) = delete;
-    CapturedOutput& operator=(const CapturedOutput&) = delete;
-    std::string Text() const { return text_.str(); }
-
-private:
-    std::ostringstream text_;
-    std::streambuf* own_;
-};
-
-std::string AnyRecording(Input& input, unsigned blocks) {
-    std::string content(input.Rest());
-    const std::string end = content.substr(content.size() - std::min(content.size(), kRepeatedBytes));
-    if (end.empty()) return content;
-    const std::size_t wanted = content.size() + blocks * kAppendedBytes;
-    while (content.size() < wanted) content += end;
-    return content;
-}
 
 std::string AnyOutput(const char* name) {
     static const PrivateFolder kFolder;
@@ -96,7 +70,7 @@ void CheckReading(const std::string& line, int status) {
 }
 
 void Analyze(const measure::AnalyzeOptions& options) {
-    const CapturedOutput out;
+    const fuzz::CapturedStream out(std::cout);
     int status = 0;
     try {
         status = measure::AnalyzeFile(options);
@@ -124,7 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned head = input.Byte();
     const unsigned blocks = input.Byte() % kMostAppended;
     const unsigned detail = input.Byte();
-    const fuzz::MemoryFile recording(AnyRecording(input, blocks));
+    const fuzz::MemoryFile recording(fuzz::RecordingOf(input, blocks));
     measure::AnalyzeOptions options = AnyOptions(head, detail);
     options.input = recording.Path();
     Analyze(options);

@@ -4,7 +4,6 @@
 // byte gives a number of blocks that are appended by repeating the end of the file, so that a short input can
 // be long enough to measure.
 
-#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <iostream>
@@ -19,6 +18,7 @@
 #include "core/text/Numbers.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MemoryFile.h"
+#include "fuzz/RecordingInput.h"
 #include "support/ChildProcess.h"
 
 namespace sonavex {
@@ -28,33 +28,7 @@ using fuzz::Input;
 using fuzz::MemoryFile;
 using fuzz::Require;
 
-constexpr std::size_t kBlockBytes = 2048;
-constexpr std::size_t kRepeated = 256;
 constexpr unsigned kMostBlocks = 64;
-
-// Captures the output of a stream during its lifetime.
-class Captured {
-public:
-    explicit Captured(std::ostream& stream) : stream_(stream), own_(stream.rdbuf(text_.rdbuf())) {}
-    ~Captured() { stream_.rdbuf(own_); }
-    Captured(const Captured&) = delete;
-    Captured& operator=(const Captured&) = delete;
-    std::string Text() const { return text_.str(); }
-
-private:
-    std::ostringstream text_;
-    std::ostream& stream_;
-    std::streambuf* own_;
-};
-
-std::string Recording(Input& input, unsigned blocks) {
-    std::string content(input.Rest());
-    const std::string end = content.substr(content.size() - std::min(content.size(), kRepeated));
-    if (end.empty()) return content;
-    const std::size_t wanted = content.size() + blocks * kBlockBytes;
-    while (content.size() < wanted) content += end;
-    return content;
-}
 
 void CheckJson(const std::string& output) {
     std::istringstream lines(output);
@@ -85,8 +59,8 @@ void CheckOutput(const std::filesystem::path& path) {
 }
 
 void Measure(const measure::FileOptions& options) {
-    const Captured out(std::cout);
-    const Captured complaints(std::cerr);
+    const fuzz::CapturedStream out(std::cout);
+    const fuzz::CapturedStream complaints(std::cerr);
     int status = 0;
     try {
         status = measure::MeasureFile(options);
@@ -115,7 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Input input(data, size);
     const unsigned head = input.Byte();
     const unsigned blocks = input.Byte() % kMostBlocks;
-    const fuzz::MemoryFile recording(Recording(input, blocks));
+    const fuzz::MemoryFile recording(fuzz::RecordingOf(input, blocks));
     measure::FileOptions options;
     options.input = recording.Path();
     if ((head & 1U) != 0) options.tones = {"sine:440", "square:1000:1500:300:loop"};
