@@ -14,4 +14,12 @@ std::string WithDecimals(double value, int decimals) {
     return zero && number.front() == '-' ? number.substr(1) : number;
 }
 
+std::string WithoutTrailingZeros(double value, int mostDecimals) {
+    std::string text = WithDecimals(value, mostDecimals);
+    if (mostDecimals == 0) return text;
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+    return text;
+}
+
 }  // namespace sonavex

@@ -8,4 +8,7 @@ namespace sonavex {
 // to zero has no sign: "0.0".
 std::string WithDecimals(double value, int decimals);
 
+// With at most this many decimals: "1", "1.05".
+std::string WithoutTrailingZeros(double value, int mostDecimals);
+
 }  // namespace sonavex

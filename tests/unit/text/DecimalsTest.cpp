@@ -18,5 +18,12 @@ TEST(Decimals, AZeroHasNoSign) {
     EXPECT_EQ(WithDecimals(-0.05000001, 1), "-0.1");
 }
 
+TEST(Decimals, DropsTrailingZeros) {
+    EXPECT_EQ(WithoutTrailingZeros(1, 4), "1");
+    EXPECT_EQ(WithoutTrailingZeros(1.05, 4), "1.05");
+    EXPECT_EQ(WithoutTrailingZeros(-20, 2), "-20");
+    EXPECT_EQ(WithoutTrailingZeros(100, 0), "100");
+}
+
 }  // namespace
 }  // namespace sonavex
