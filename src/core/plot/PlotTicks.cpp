@@ -13,10 +13,7 @@ constexpr double kLeastLabelGap = 3.0;  // pixels
 // "20", "1k", "1.05k".
 std::string HertzLabel(double hertz) {
     const bool kilo = hertz > 999.9;
-    std::string text = WithDecimals(kilo ? hertz / 1000.0 : hertz, 4);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
-    return text + (kilo ? "k" : "");
+    return WithoutTrailingZeros(kilo ? hertz / 1000.0 : hertz, 4) + (kilo ? "k" : "");
 }
 
 // The ticks in the order in which they get labels: powers of ten, fives, twos. The others have none.
@@ -117,6 +114,21 @@ std::vector<PlotTick> LevelTicks(PlotRange decibels, double heightPixels, double
         const double level = i * step + 0.0;
         const bool hidden = flag && std::fabs(level - *flag) * pixelsPerDb < 1.2 * labelHeight;
         ticks.push_back({level, hidden ? "" : WithDecimals(level, 0), false});
+    }
+    return ticks;
+}
+
+std::vector<PlotTick> TimeTicks(double seconds) {
+    const bool milli = seconds >= 1e-3;
+    const double unit = milli ? 1e-3 : 1e-6;
+    const double step = RoundStep(seconds / unit / 4.2);
+    const auto last = static_cast<int>(seconds / unit / step + 1e-6);
+    std::vector<PlotTick> ticks;
+    for (int i = 0; i <= last; ++i) {
+        const bool labelled = i % 2 == 0;
+        const std::string suffix = i + 2 > last ? (milli ? " ms" : " µs") : "";
+        ticks.push_back(
+            {i * step * unit, labelled ? WithoutTrailingZeros(i * step, 3) + suffix : "", !labelled});
     }
     return ticks;
 }

@@ -11,7 +11,7 @@ namespace sonavex {
 
 // A grid line of an axis. A minor one is drawn weaker.
 struct PlotTick {
-    double value = 0;   // Hz or dB
+    double value = 0;   // Hz, dB or seconds
     std::string label;  // empty: none
     bool minor = false;
 };
@@ -27,5 +27,8 @@ std::vector<PlotTick> FrequencyTicks(PlotRange decades, double widthPixels, cons
 // labels.
 std::vector<PlotTick> LevelTicks(PlotRange decibels, double heightPixels, double labelHeight,
                                  std::optional<double> flag = std::nullopt);
+
+// Grid lines and labels of a time axis from 0; the last label has the unit: "0", "1", "2 ms".
+std::vector<PlotTick> TimeTicks(double seconds);
 
 }  // namespace sonavex

@@ -80,5 +80,18 @@ TEST(PlotTicks, AFlagReplacesTheLabelThatItCovers) {
     EXPECT_EQ(LabelsOf(LevelTicks({-180, 0}, 346, 13, -150)), "-180 -160 -140 -120 -100 -80 -60 -40 -20 0");
 }
 
+TEST(PlotTicks, Times) {
+    EXPECT_EQ(LabelsOf(TimeTicks(0.002)), "0 1 2 ms");
+    EXPECT_EQ(LabelsOf(TimeTicks(0.0020005)), "0 1 2 ms");
+    EXPECT_EQ(TimeTicks(0.0020005).size(), 5U);
+    EXPECT_EQ(LabelsOf(TimeTicks(5.0 / 6.1)), "0 400 800 ms");
+    EXPECT_EQ(LabelsOf(TimeTicks(1.0 / 20000)), "0 40 µs");
+    for (double seconds = 4e-5; seconds < 2; seconds *= 1.07) {
+        const std::string labels = LabelsOf(TimeTicks(seconds));
+        EXPECT_EQ(labels.substr(labels.size() - 1), "s") << seconds;
+        EXPECT_LT(labels.size(), 18U) << labels;
+    }
+}
+
 }  // namespace
 }  // namespace sonavex
