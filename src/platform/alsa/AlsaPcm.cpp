@@ -89,9 +89,10 @@ std::span<const AlsaFormat> AlsaPcm::NativeFormats() const noexcept {
 }
 
 void AlsaPcm::FindExtendedRates() {
-    const std::span<const AlsaFormat> formats = NativeFormats();
+    // A rate plugin resamples even where that is forbidden, so that it seems to have every rate.
+    if (device_.converting) return;
     for (const std::int32_t rateHz : kExtendedRates)
-        if (std::any_of(formats.begin(), formats.end(), [&](const AlsaFormat& format) {
+        if (std::any_of(kAllFormats.begin(), kAllFormats.end(), [&](const AlsaFormat& format) {
                 return !Missing(Resampling::kForbidden, format, static_cast<std::uint32_t>(rateHz)).Any();
             }))
             extendedRates_.push_back(rateHz);

@@ -35,7 +35,8 @@ public:
 
     snd_pcm_t* Handle() const noexcept { return pcm_.get(); }
     std::uint32_t RateHz() const noexcept { return rateHz_; }
-    // Those of kExtendedRates that the device has itself.
+    // Those of kExtendedRates that the device has itself. None with conversions of the user's configuration,
+    // because they hide its rates.
     const RateList& ExtendedRates() const noexcept { return extendedRates_; }
     const AlsaFormat& Format() const noexcept { return format_; }
     // Significant bits of a sample: those that the device reports, of its format, at most 24.

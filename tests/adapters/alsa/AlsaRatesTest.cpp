@@ -130,6 +130,34 @@ TEST(AlsaExtendedRates, OfACardInUseAreRemembered) {
     EXPECT_EQ(other.system.ExtendedCaptureRates("alsa:card"), RateList());
 }
 
+// As cards do whose directions share a clock: while one is open, the other has its rate only.
+TEST(AlsaExtendedRates, ReportedOnceStayKnown) {
+    std::optional<LoopCards> cards(CardList{{"card", "Test card", {48000, 96000}}});
+    AlsaSession session;
+    const auto expectRates = [&](const RateList& rates) {
+        EXPECT_EQ(session.system.ExtendedPlaybackRates("alsa:card"), rates);
+        EXPECT_EQ(session.system.ExtendedCaptureRates("alsa:card"), rates);
+    };
+    expectRates({96000});
+    cards.emplace(CardList{{"card", "Test card", {48000, 192000}}});
+    expectRates({96000, 192000});
+    cards.emplace(CardList{{"card", "Test card", {48000, 88200}}});
+    session.Open("alsa:card", 48000);
+    expectRates({88200, 96000, 192000});
+}
+
+TEST(AlsaExtendedRates, OfTheUsersConversionsAreUnknown) {
+    const LoopCards cards(
+        CardList{{"card", "Test card", {48000, 96000}}},
+        "pcm.plugged { type plug slave.pcm \"card\" hint { show on description \"Plug\" } }\n"
+        "pcm.rated { type rate slave { pcm \"card\" rate 48000 } hint { show on description \"Rate\" } }");
+    AlsaSession session;
+    for (const char* device : {"alsa:plugged", "alsa:rated"}) {
+        EXPECT_EQ(session.system.ExtendedPlaybackRates(device), RateList()) << device;
+        EXPECT_EQ(session.system.ExtendedCaptureRates(device), RateList()) << device;
+    }
+}
+
 TEST(AlsaExtendedRates, OfACardThatIsConvertedAreStillItsOwn) {
     const LoopCards cards(CardList{{kHardware, "Test card", {48000, 176400}}});
     AlsaSession session;
