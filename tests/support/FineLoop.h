@@ -18,16 +18,16 @@ namespace sonavex {
 // Random fine samples on their way through a device and back, by the queues of fine frames.
 class FineLoop {
 public:
-    // The samples have this many bits; the lower ones are 0.
+    // The samples have this many bits; the lower ones are 0. At most 1.5 s.
     FineLoop(SoundSystem& system, const std::string& output, const std::string& input, std::int32_t rateHz,
-             int bits)
+             int bits, std::chrono::milliseconds duration = std::chrono::milliseconds(250))
         : output_(system.CreatePlaybackDevice(output)),
           input_(system.CreateCaptureDevice(input)),
           capture(input_->CreateBuffer(Stereo(kCaptureBytes, rateHz))),
           playback(output_->CreateBuffer(Stereo(kPlaybackBytes, rateHz))) {
         std::mt19937 random(static_cast<std::uint32_t>(rateHz + bits));
         const auto step = std::int32_t{1} << (32 - bits);
-        for (std::int32_t i = 0; i < rateHz / 2; ++i)  // a quarter of a second
+        for (std::int64_t i = 0; i < 2 * duration.count() * rateHz / 1000; ++i)
             played_.push_back(static_cast<std::int32_t>(random() | static_cast<std::uint32_t>(step)) & -step);
         playback->SetVolume(0);
         playback->PlayFine(true);

@@ -1,12 +1,36 @@
 // Samples of more than 16 bits on cards without a server.
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 #include "adapters/alsa/AlsaSession.h"
 #include "platform/alsa/AlsaFormats.h"
+#include "support/AllocationCounter.h"
 #include "support/FineLoop.h"
 #include "support/alsa/LoopCards.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Significant bits that every card reports, or an error; 0 for those that libasound reports.
+int reportedBits = 0;
+
+}  // namespace
+}  // namespace sonavex
+
+// In place of the function of libasound, because an external plugin cannot report significant bits.
+extern "C" int snd_pcm_hw_params_get_sbits(const snd_pcm_hw_params_t* parameters) {
+    if (sonavex::reportedBits != 0) return sonavex::reportedBits;
+    using Function = int (*)(const snd_pcm_hw_params_t*);
+    static const auto kNext = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "snd_pcm_hw_params_get_sbits"));
+    return kNext(parameters);
+}
 
 namespace sonavex {
 namespace {
@@ -34,6 +58,55 @@ TEST_P(AlsaFine, ReturnsEveryBitOfTheCard) {
         EXPECT_EQ(fine.playback->PathNote() + fine.capture->PathNote(), "");
         fine.ExpectExact(on.loop);
     }
+}
+
+TEST_P(AlsaFine, TheAudioThreadsAllocateNothing) {
+    const LoopCards cards(CardList{{kFineCard, "Fine card", {48000}, 2, GetParam().format}});
+    SystemOnLoop<AlsaSoundSystem> on;
+    FineLoop fine(on.system, kFineId, kFineId, 48000, GetParam().bits, 1s);
+    EXPECT_TRUE(WaitUntil([&] { return fine.capture->Statistics().framesCaptured > 0; }, 3s));
+    const std::size_t waiting = fine.playback->FineFramesWaiting();
+    const AllocationCounter counter;
+    std::this_thread::sleep_for(200ms);
+    EXPECT_EQ(counter.OfOtherThreads(), 0U);
+    EXPECT_LT(fine.playback->FineFramesWaiting(), waiting);
+}
+
+TEST(AlsaFineRates, OfFamiliesOf44100HzAreExact) {
+    for (const std::int32_t rateHz : {88200, 176400}) {
+        const LoopCards cards(CardList{{kFineCard, "Fine card", {rateHz}, 2, "S24_3LE"}});
+        SystemOnLoop<AlsaSoundSystem> on;
+        FineLoop(on.system, kFineId, kFineId, rateHz, 24).ExpectExact(on.loop);
+    }
+}
+
+// No event is delivered meanwhile.
+TEST(AlsaFineRates, ABlockedThreadLosesAndMissesNothing) {
+    const LoopCards cards(CardList{{kFineCard, "Fine card", {96000}, 2, "S32_LE"}});
+    SystemOnLoop<AlsaSoundSystem> on;
+    FineLoop fine(on.system, kFineId, kFineId, 96000, 24, 1300ms);
+    std::this_thread::sleep_for(1s);
+    EXPECT_GE(fine.capture->Statistics().framesCaptured, 86400U);
+    fine.ExpectExact(on.loop);
+}
+
+TEST(AlsaSignificantBits, LimitThoseOfTheFormat) {
+    struct Case {
+        const char* format;
+        int reported;
+        int bits;
+    };
+    for (const Case& with :
+         {Case{"S32_LE", 20, 20}, Case{"S32_LE", 16, 16}, Case{"S32_LE", 32, 24}, Case{"S24_LE", 32, 24},
+          Case{"S24_3LE", 20, 20}, Case{"S16_LE", 24, 16}, Case{"S32_LE", -EINVAL, 24}}) {
+        const LoopCards cards(CardList{{kFineCard, "Fine card", {48000}, 2, with.format}});
+        reportedBits = with.reported;
+        SystemOnLoop<AlsaSoundSystem> on;
+        const FineLoop fine(on.system, kFineId, kFineId, 48000, 8);
+        EXPECT_EQ(fine.playback->Bits(), with.bits) << with.format << with.reported;
+        EXPECT_EQ(fine.capture->Bits(), with.bits) << with.format << with.reported;
+    }
+    reportedBits = 0;
 }
 
 // USB cards lack the bandwidth for a wide format at some rates; a refusal comes with any error.
@@ -84,6 +157,7 @@ TEST(AlsaFormat, ConvertsInPlace) {
     for (const AlsaFormat& format : kAlsaFormats) {
         if (format.bits == 16) continue;
         std::vector<std::int32_t> converted = samples;
+        const AllocationCounter counter;
         ToCard(format, converted.data(), converted.size());
         EXPECT_EQ(converted == samples, format.bits == 32) << format.name;
         FromCard(format, converted.data(), converted.size());

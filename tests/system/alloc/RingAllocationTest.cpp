@@ -10,8 +10,10 @@
 #include <thread>
 #include <vector>
 
+#include "platform/plain/PlainEventLoop.h"
 #include "platform/ring/CaptureRing.h"
 #include "platform/ring/PlaybackRing.h"
+#include "platform/ring/RingBuffers.h"
 #include "support/AllocationCounter.h"
 
 namespace sonavex {
@@ -60,6 +62,58 @@ TEST(RingAllocation, AudioThreadsAllocateNothing) {
         ExpectNoAllocation<std::int16_t>(fine);
         ExpectNoAllocation<std::int32_t>(fine);
     }
+}
+
+class DeviceOf24Bits : public RingDevice {
+public:
+    void RequireDevice() const override {}
+    int Bits() const noexcept override { return 24; }
+};
+
+class PlaybackOf24Bits : public RingPlaybackBuffer {
+public:
+    explicit PlaybackOf24Bits(const BufferDescription& description) : RingPlaybackBuffer(description) {}
+    using RingPlaybackBuffer::Pull;
+
+private:
+    const RingDevice& Device() const noexcept override { return device_; }
+    DeviceOf24Bits device_;
+};
+
+class CaptureOf24Bits : public RingCaptureBuffer {
+public:
+    using RingCaptureBuffer::Push;
+    CaptureOf24Bits(const NotificationHub& hub, const BufferDescription& description)
+        : RingCaptureBuffer(hub, description) {}
+
+private:
+    const RingDevice& Device() const noexcept override { return device_; }
+    DeviceOf24Bits device_;
+};
+
+// What a sound server's callback runs outside the server's library.
+TEST(RingAllocation, BuffersOfDevicesAllocateNothing) {
+    constexpr std::size_t kFrames = 500;
+    PlainEventLoop loop;
+    const NotificationHub hub(loop);
+    const BufferDescription description{0, 65536, WaveFormat::Stereo16(96000)};
+    PlaybackOf24Bits out(description);
+    CaptureOf24Bits in(hub, description);
+    out.PlayFine(true);
+    out.PlayLooping();
+    in.CaptureFine(true);
+    in.StartLooping();
+    std::vector<std::int32_t> period(2 * kFrames, 256);
+    out.QueueFine(period);
+    const AllocationCounter counter;
+    for (int round = 0; round < 10; ++round) {
+        out.Pull(period.data(), kFrames, 1000);
+        in.Push(period.data(), kFrames);
+    }
+    EXPECT_EQ(counter.Count(), 0U);
+    EXPECT_EQ(counter.Locks(), 0U);
+    EXPECT_EQ(out.FineFramesMissing(), 9 * kFrames);
+    EXPECT_EQ(in.Statistics().framesCaptured, 10 * kFrames);
 }
 
 // The user-interface thread's part of the block path and of the fine path.
