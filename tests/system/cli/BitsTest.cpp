@@ -26,11 +26,12 @@ struct BitsCase {
 };
 
 // All at the same time, each on a pair of its own.
-void ExpectReportedBits(const std::vector<BitsCase>& cases, const Environment& environment) {
+void ExpectReportedBits(const std::vector<BitsCase>& cases, const Environment& environment,
+                        const std::string& rateHz = "48000") {
     std::vector<std::unique_ptr<MeasureProgram>> programs;
     for (const BitsCase& with : cases)
         programs.push_back(std::make_unique<MeasureProgram>(
-            Arguments{"run", "--output", with.output, "--input", with.input, "--rate", "48000", "--tone",
+            Arguments{"run", "--output", with.output, "--input", with.input, "--rate", rateHz, "--tone",
                       "sine:1125", "--seconds", "0", "--json"},
             environment));
     for (std::size_t i = 0; i < cases.size(); ++i) {
@@ -73,6 +74,11 @@ TEST(Bits, OfACardReachedDirectlyAreThoseOfItsWidestFormat) {
                         {"alsa:narrow", "alsa:padded", 24, 16},
                         {"alsa:padded", "alsa:narrow", 16, 24}},
                        cards.ForPrograms());
+}
+
+TEST(Bits, AreReportedAtAnExtendedRate) {
+    const LoopCards cards(CardList{{"fast", "Fast card", {96000}, 2, "S24_3LE"}});
+    ExpectReportedBits({{"alsa:fast", "alsa:fast", 24, 24}}, cards.ForPrograms(), "96000");
 }
 
 TEST(Bits, OfTheSimulatedCardAre16) {
