@@ -1,11 +1,13 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <ostream>
 
+#include "core/report/Report.h"
 #include "core/text/Numbers.h"
+#include "support/RecordingPrinter.h"
 #include "system/loop/LoopRig.h"
 
 namespace sonavex {
@@ -56,7 +58,8 @@ TEST_P(HarmonicLoop, CaptionsMatchTheDevicesHarmonics) {
 INSTANTIATE_TEST_SUITE_P(Rates, HarmonicLoop,
                          testing::Values(Case{32000, 128, 9}, Case{48000, 96, 9}, Case{44100, 94, 9},
                                          Case{22050, 186, 9}, Case{16000, 64, 9}, Case{8000, 130, 9},
-                                         Case{4000, 100, 9}, Case{32000, 300, 6}, Case{48000, 480, 3}));
+                                         Case{4000, 100, 9}, Case{32000, 300, 6}, Case{48000, 480, 3},
+                                         Case{96000, 64, 9}, Case{192000, 32, 9}, Case{192000, 640, 3}));
 
 TEST(Loop, AWireAddsOnlyTheRoundingTo16Bit) {
     LoopRig rig(32000);
@@ -67,6 +70,24 @@ TEST(Loop, AWireAddsOnlyTheRoundingTo16Bit) {
     EXPECT_EQ(rig.meter.Controls.prgADC.Value(), 8192.0F);
     EXPECT_EQ(rig.meter.Controls.LblLevel.Caption(), "25");
     EXPECT_EQ(rig.meter.Controls.lblDACLevel.Caption(), "Muted");
+}
+
+TEST(Loop, TheReportPrintsAReadingAbove48kHz) {
+    LoopRig rig(192000);
+    DeviceUnderTestModel model;
+    model.harmonicAmplitudes = {0.01, 0.02};
+    rig.Connect(model);
+    rig.PlaySine(30000.0);
+    rig.Settle();
+    CallLog log;
+    RecordingPrinter printer(log);
+    PrintInformation(rig.meter.Controls, {2026, 11, 21}, printer);
+    EXPECT_THAT(printer.items,
+                testing::IsSupersetOf({std::string("0.80 0.88 Frequency : 30000 Hz"),
+                                       "0.80 1.83 " + rig.PercentText(2) + ' ', "0.80 2.21 " + rig.DbText(2),
+                                       "7.41 1.83 " + rig.PercentText(3)}));
+    EXPECT_NEAR(rig.Percent(2), 1.0, kRoundingPercent);
+    EXPECT_NEAR(rig.Db(3), 20.0 * std::log10(0.02), 0.1);
 }
 
 TEST(Loop, APolynomialMakesTheHarmonicsOfItsPowers) {

@@ -97,5 +97,21 @@ TEST_F(ShortSweepOnTheForm, PlaysEveryTimeInBothDirections) {
     }
 }
 
+TEST_F(ShortSweepOnTheForm, ReachesAnEndThatOnlyExtendedRatesHave) {
+    bench.shared.SampleRate = 192000;
+    Init();
+    // As the form does when the rate changes.
+    for (Slider* const slider : {&signal.sldStartFreq, &signal.sldEndFreq}) slider->SetRange(20, 96000);
+    SetSweep(20, 48000, 50);
+    signal.Command1.Press();
+    loop.Advance(std::chrono::milliseconds(50));
+    EXPECT_NEAR(Tone().Frequency, 48000.0, 1e-3);
+    bench.Fill();
+    // A quarter of the rate: every sample is the opposite of the last but one.
+    const std::vector<double> samples = bench.Fill();
+    for (std::size_t i = 2; i < samples.size(); ++i) ASSERT_NEAR(samples[i], -samples[i - 2], 1.0) << i;
+    EXPECT_GT(std::hypot(samples[0], samples[1]), 4000.0);
+}
+
 }  // namespace
 }  // namespace sonavex

@@ -58,6 +58,19 @@ TEST(MixersInTheMainForm, AreOpenedCapturedAndSetByTheStart) {
     EXPECT_NE(world.journal.text, "");
 }
 
+TEST(MixersInTheMainForm, OpenWithTheirStateAtAnExtendedRate) {
+    MixedForm world(10);
+    world.sound.extendedRates = {{"out-a", {192000}}, {"in-a", {192000}}};
+    world.store.Save("Face", "ExtendedSampleRate", "192000");
+    world.form.Form_Load();
+    ASSERT_EQ(world.form.Instrument.Shared.SampleRate, 192000);
+    world.form.mnuSoundCard.UserChooses();
+    EXPECT_TRUE(world.mixers.SoundVista.Loaded());
+    EXPECT_EQ(world.Line(), kSavedVistaLine);
+    EXPECT_EQ(world.mixers.SoundVista.sldMaster.Value(), 11);
+    EXPECT_EQ(world.mixers.SoundVista.sldLinePlay.Value(), 12);
+}
+
 TEST(MixersInTheMainForm, AreSavedAndRestoredByTheShutdown) {
     MixedForm world(10);
     world.form.Form_Load();
