@@ -157,11 +157,21 @@ TEST(AlsaFormat, ConvertsInPlace) {
     for (const AlsaFormat& format : kAlsaFormats) {
         if (format.bits == 16) continue;
         std::vector<std::int32_t> converted = samples;
-        const AllocationCounter counter;
         ToCard(format, converted.data(), converted.size());
         EXPECT_EQ(converted == samples, format.bits == 32) << format.name;
         FromCard(format, converted.data(), converted.size());
         EXPECT_EQ(converted, samples) << format.name;
+    }
+}
+
+TEST(AlsaFormat, IsConvertedWithoutMemoryAndLocks) {
+    std::vector<std::int32_t> samples(2000, 0x12345600);
+    for (const AlsaFormat& format : kAlsaFormats) {
+        if (format.bits == 16) continue;
+        const AllocationCounter counter;
+        ToCard(format, samples.data(), samples.size());
+        FromCard(format, samples.data(), samples.size());
+        EXPECT_EQ(counter.Count() + counter.Locks(), 0U) << format.name;
     }
 }
 
