@@ -101,6 +101,11 @@ void SpectrumPlot::UserClicks(double x, double reach) {
     Change.Raise();
 }
 
+void SpectrumPlot::UserRemovesCursor() {
+    PlaceCursor(std::nullopt);
+    Change.Raise();
+}
+
 void SpectrumPlot::UserSteps(int bins) {
     const SpectrumTrace* const trace = CursorTrace();
     if (trace == nullptr) return;

@@ -87,7 +87,7 @@ public:
     // fundamental.
     void UserSteps(int bins);
     void UserStepsByHarmonic(int direction);
-    void RemoveCursor() { Assign(cursorHz_, std::nullopt); }
+    void UserRemovesCursor();
 
     // After every user action.
     UserEvent Change;

@@ -37,7 +37,8 @@ std::vector<ColumnSpan> PenSpans(std::span<const ColumnSpan> curve, double width
         const auto distance = static_cast<float>(offset);
         const float height = std::sqrt(radius * radius - distance * distance);
         const auto begin = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, -offset));
-        const std::size_t end = curve.size() - static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, offset));
+        const auto ahead = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, offset));
+        const std::size_t end = curve.size() - std::min(curve.size(), ahead);
         for (std::size_t i = begin; i < end; ++i) {
             const ColumnSpan from = curve[static_cast<std::size_t>(static_cast<std::ptrdiff_t>(i) + offset)];
             if (NoCurve(from)) continue;

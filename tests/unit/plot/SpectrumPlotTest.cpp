@@ -120,7 +120,7 @@ TEST(SpectrumPlot, TheReadoutAgreesWithBothTraces) {
     EXPECT_EQ(readout.kept, "-111.9");
     EXPECT_EQ(readout.dbfs, "-119.2 dBFS");
     EXPECT_NEAR(readout.plotted.value(), -118.2, 1e-5);
-    rig.plot.RemoveCursor();
+    rig.plot.UserRemovesCursor();
     EXPECT_FALSE(rig.plot.CursorReadout());
 }
 
@@ -209,10 +209,11 @@ TEST(SpectrumPlot, EveryUserActionRaisesChange) {
     rig.plot.UserZoomsAtCursor(1);
     rig.plot.UserZoomsLevel(0.5, 1);
     rig.plot.UserDrags(0.1, 0);
-    EXPECT_EQ(changes, 6);
+    rig.plot.UserRemovesCursor();
+    EXPECT_EQ(changes, 7);
     rig.plot.Show(rig.data);
     rig.plot.Fit();
-    EXPECT_EQ(changes, 6);
+    EXPECT_EQ(changes, 7);
 }
 
 }  // namespace

@@ -88,6 +88,17 @@ TEST(TraceImage, ColoursArePremultiplied) {
     EXPECT_NEAR(pixel & 255U, 140, 1);
 }
 
+TEST(TraceImage, ATraceMayBeNarrowerThanItsLine) {
+    for (const std::size_t columns : {0U, 1U, 2U}) {
+        TraceImage image;
+        image.Begin(columns, 20);
+        DrawTrace(image, FlatTrace(columns, -50), {-100, 0}, {kAnyColour, 5.0, 0.3});
+        if (columns > 0) {
+            EXPECT_NEAR(Covered(image, 0), 5, 0.02);
+        }
+    }
+}
+
 TEST(TraceImage, ClipsAndLeavesGaps) {
     auto columns = FlatTrace(6, 30);
     columns[3] = {-400, -400, -400};
