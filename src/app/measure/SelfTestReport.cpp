@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kSignalWidth = 26;
 constexpr int kValueWidth = 13;
-constexpr int kNumberWidth = 16;
+constexpr int kNumberWidth = 18;
 constexpr int kDigits = 11;
 
 std::string NumberText(double number) {
