@@ -158,7 +158,7 @@ protected:
     // The loop returns the numbered frames of the fine source.
     void ExpectFineLoop() {
         constexpr std::uint64_t kFrames = 4096;
-        fine_->ExpectReturn(true);
+        fine_->ExpectReturn(true, wire);
         EXPECT_TRUE(WaitInQt(kLimit, [&] { return fine_->Returned() >= kFrames; })) << fine_->Returned();
         fine_->ExpectReturn(false);
         EXPECT_EQ(fine_->Fault(), "");
@@ -188,6 +188,7 @@ protected:
     std::function<void(QDialog&)> onSelection;
     std::function<void()> afterRun;
     int fineBits = 16;  // of the frames of the fine source
+    FineUser::Wire wire = FineUser::Wire::kExact;
 
     QLabel& Note() {
         return *program_->Window().findChild<QLabel*>(QStringLiteral("streamNote"));

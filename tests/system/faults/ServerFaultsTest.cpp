@@ -19,6 +19,8 @@ constexpr const char* kOnBoth = "[SoundCard]\nInput=other.monitor\nOutput=card\n
 
 class ServerFaults : public FaultRig {
 protected:
+    ServerFaults() { wire = FineUser::Wire::kMaySkip; }
+
     static void Use(const SoundServer& server) { setenv("PULSE_SERVER", server.Address().c_str(), 1); }
 
     // The protocol server dies and returns after a while. Only the loss is reported.
