@@ -31,6 +31,13 @@ public:
         session_.loop.Yield();
         return recorder_->Order().size() >= 10;
     }
+    // A busy machine starves the threads that serve the cards, or this one.
+    bool Disturbed() const {
+        const CaptureStatistics statistics = session_.capture->Statistics();
+        return statistics.framesMissing > 0 || statistics.segmentsLost > 0 ||
+               session_.playback->Underruns() > 0;
+    }
+    std::int32_t RateHz() const { return rateHz_; }
     // All samples came back bit for bit.
     void Expect() {
         session_.playback->Stop();
@@ -84,19 +91,24 @@ TEST(AlsaRates, AreAllExactOnTheUsersPcm) {
     for (const std::int32_t rateHz : SampleRateTable) list.push_back({name(rateHz), "Test card"});
     const LoopCards cards(list);
     for (const std::int32_t rateHz : SampleRateTable) ExpectNotes("alsa:" + name(rateHz), rateHz, "");
+    // Nothing is read before all loops are open. At the highest rate the capture buffer lasts 0.17 s, so it
+    // is opened last.
     std::vector<std::unique_ptr<ExactLoop>> loops;
-    for (const std::int32_t rateHz : SampleRateTable)
-        loops.push_back(std::make_unique<ExactLoop>("alsa:" + name(rateHz), rateHz));
+    for (auto rate = SampleRateTable.rbegin(); rate != SampleRateTable.rend(); ++rate)
+        loops.push_back(std::make_unique<ExactLoop>("alsa:" + name(*rate), *rate));
+    std::vector<std::int32_t> disturbed;
     EXPECT_TRUE(WaitUntil(
         [&] {
-            std::erase_if(loops, [](const auto& loop) {
+            std::erase_if(loops, [&](const auto& loop) {
                 if (!loop->Complete()) return false;
-                loop->Expect();
+                loop->Disturbed() ? disturbed.push_back(loop->RateHz()) : loop->Expect();
                 return true;
             });
             return loops.empty();
         },
         kLoopLimit));
+    // A counted loss excuses one repetition.
+    for (const std::int32_t rateHz : disturbed) ExpectExactLoop("alsa:" + name(rateHz), rateHz);
 }
 
 TEST(AlsaExtendedRates, AreThoseOfTheCard) {
