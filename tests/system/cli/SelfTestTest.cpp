@@ -65,7 +65,7 @@ TEST(SelfTest, AllChecksPassOnThisComputer) {
 TEST(SelfTest, ATableWithoutJson) {
     const Outcome outcome = Measure({"selftest"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, HasSubstr("double, 1000.366 Hz       THD+N                    -280"));
+    EXPECT_THAT(outcome.output, HasSubstr("double, 1000.366 Hz       THD+N                      -280"));
     EXPECT_THAT(outcome.output, HasSubstr("checks passed.\n"));
     EXPECT_THAT(outcome.output, testing::Not(HasSubstr("FAILED")));
 }
