@@ -279,8 +279,8 @@ void AddStimulus(const AddLiveOption& add, LiveOptions& live) {
 // Options that are refused together with a recording.
 void AddLive(CLI::App& command, CLI::Option* recording, LiveOptions& live) {
     const AddLiveOption add = [&](const std::string& option, const char* type, const std::string& help,
-                                  std::function<void(const std::string& text)> set) {
-        return command.add_option_function<std::string>(option, std::move(set), help)
+                                  const std::function<void(const std::string& text)>& set) {
+        return command.add_option_function<std::string>(option, set, help)
             ->type_name(type)
             ->excludes(recording);
     };

@@ -101,6 +101,7 @@ std::vector<PlotTick> FrequencyTicks(PlotRange decades, double widthPixels, cons
         AddLabels(ranked, decades, widthPixels, labelWidth);
     }
     std::vector<PlotTick> ticks;
+    ticks.reserve(ranked.size());
     for (RankedTick& tick : ranked) ticks.push_back(std::move(tick.tick));
     return ticks;
 }

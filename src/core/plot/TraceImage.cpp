@@ -58,7 +58,7 @@ struct TraceImage::Paint {
 
     // Covers a part of a pixel, 0 to 1: the usual "source over destination".
     void Cover(std::uint32_t& pixel, float part) const {
-        const auto alpha = static_cast<std::uint32_t>(static_cast<float>(opacity) * part + 0.5F);
+        const auto alpha = static_cast<std::uint32_t>(std::lrint(static_cast<float>(opacity) * part));
         if (alpha == 256) {
             pixel = 0xff000000U | (std::uint32_t{colour.red} << 16U) | (std::uint32_t{colour.green} << 8U) |
                     colour.blue;

@@ -66,8 +66,8 @@ void KeyButton::paintEvent(QPaintEvent* event) {
     painter.setFont(CapFont());
     painter.setRenderHint(QPainter::Antialiasing);
     const int capHeight = painter.fontMetrics().height() + 2;
-    const QRectF cap(left + textWidth + kCapGap + 0.5, (height() - capHeight) / 2 + 0.5, CapWidth() - 1,
-                     capHeight - 1);
+    const int top = (height() - capHeight) / 2;
+    const QRectF cap(left + textWidth + kCapGap + 0.5, top + 0.5, CapWidth() - 1, capHeight - 1);
     painter.setPen(theme.border);
     painter.setBrush(theme.window);
     painter.drawRoundedRect(cap, 3.0, 3.0);
