@@ -59,9 +59,10 @@ void PrintCommand::Try(const char* failure, const std::function<void()>& action)
 }
 
 void PrintCommand::PrintCopies(const PrintDestination& destination, std::int32_t copies) {
+    const std::vector<std::string> second = SecondBlock ? SecondBlock() : std::vector<std::string>();
     for (std::int32_t number = 1; number <= copies; ++number) {
         needs_.printer.Select(frmPrint::DestinationOfCopy(destination, number));
-        PrintInformation(measurement_, needs_.today(), needs_.printer);
+        PrintInformation(measurement_, needs_.today(), needs_.printer, second);
         needs_.printer.EndDoc();
     }
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "core/controls/Commands.h"
 #include "core/dsp/display/MeasurementControls.h"
@@ -34,6 +36,9 @@ public:
 
     // Shows the loaded dialog and returns when it has closed. If empty, nothing is printed.
     std::function<void(frmPrint&)> ShowPrintDialog;
+
+    // The lines of a second block on the page, of at most 70 characters; may be empty.
+    std::function<std::vector<std::string>()> SecondBlock;
 
     void cmdPrint_Click();
 

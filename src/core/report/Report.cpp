@@ -17,6 +17,7 @@ constexpr std::size_t kRuleCharacters = 70;
 constexpr double kTopInches = 0.5;
 constexpr double kMarginInches = 0.8;
 constexpr double kRowNameInches = 0.3;
+constexpr double kSecondBlockInches = 5.2;
 
 void PrintMeasurement(PagePen& pen, const MeasurementControls& measurement, const CalendarDate& today) {
     pen.At(kMarginInches).Print(kHeading).NewLine();
@@ -48,17 +49,28 @@ void PrintDbRow(PagePen& pen, const MeasurementControls& measurement) {
     pen.NewLine(3);
 }
 
+void PrintSecondBlock(PagePen& pen, const PageSetUp& page, const std::vector<std::string>& lines) {
+    pen.CurrentY = kSecondBlockInches;
+    for (const std::string& line : lines) {
+        if (pen.CurrentY + page.lineHeight > page.height - kTopInches) break;
+        pen.At(kMarginInches).Print(line).NewLine();
+    }
+}
+
 }  // namespace
 
-void PrintInformation(const MeasurementControls& measurement, const CalendarDate& today, Printer& printer) {
+void PrintInformation(const MeasurementControls& measurement, const CalendarDate& today, Printer& printer,
+                      const std::vector<std::string>& second) {
     try {
-        PagePen pen(printer, PageSetUp{});
+        const PageSetUp page;
+        PagePen pen(printer, page);
         pen.CurrentY = kTopInches;
         PrintMeasurement(pen, measurement, today);
         PrintColumnHeader(pen);
         PrintPercentRow(pen, measurement);
         PrintDbRow(pen, measurement);
         pen.At(kMarginInches).Print(kFooter);
+        PrintSecondBlock(pen, page, second);
     } catch (const RuntimeError&) {
         // EndDoc raises the error.
         return;

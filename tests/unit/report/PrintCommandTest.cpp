@@ -49,6 +49,17 @@ TEST_F(PrintCommandTest, PrintsEachCopyAsADocument) {
     EXPECT_EQ(printer.documents[0], printer.documents[2]);
 }
 
+TEST_F(PrintCommandTest, PrintsTheSecondBlockOnEachCopy) {
+    command.SecondBlock = [] { return std::vector<std::string>{"Analyzer"}; };
+    user = [](frmPrint& dialog) {
+        dialog.txtCopies.UserTypes("2");
+        dialog.cmdOk.Press();
+    };
+    cmdPrint.Press();
+    ASSERT_EQ(printer.documents.size(), 2U);
+    for (const auto& document : printer.documents) EXPECT_EQ(document.back(), "0.80 5.20 Analyzer");
+}
+
 TEST_F(PrintCommandTest, LeavesTheCopiesToThePrinterOnSystemsUpToTheFourth) {
     desktop.majorVersion = 4;
     user = [](frmPrint& dialog) {

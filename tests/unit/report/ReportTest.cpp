@@ -153,5 +153,20 @@ TEST_F(PagePenTest, WritesNoEmptyText) {
     EXPECT_THAT(printer.items, testing::IsEmpty());
 }
 
+TEST_F(ReportTest, PrintsASecondBlockBelowTheFooter) {
+    Show({"", "", "", "", "", "", "", ""}, {"", "", "", "", "", "", "", ""}, "N/A");
+    const std::vector<std::string> first = Print();
+    PrintInformation(measurement, {2026, 11, 21}, printer, {"Analyzer", "", "THD"});
+    ASSERT_EQ(printer.items.size(), first.size() + 2);
+    EXPECT_TRUE(std::equal(first.begin(), first.end(), printer.items.begin()));
+    EXPECT_EQ(printer.items[first.size()], "0.80 5.20 Analyzer");
+    EXPECT_EQ(printer.items[first.size() + 1], "0.80 5.58 THD");
+}
+
+TEST_F(ReportTest, LeavesOutWhatDoesNotFitThePage) {
+    PrintInformation(measurement, {2026, 11, 21}, printer, std::vector<std::string>(40, "line"));
+    EXPECT_EQ(printer.items.back(), "0.80 10.14 line");
+}
+
 }  // namespace
 }  // namespace sonavex
