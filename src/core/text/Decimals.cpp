@@ -22,4 +22,11 @@ std::string WithoutTrailingZeros(double value, int mostDecimals) {
     return text;
 }
 
+std::string WithDigits(double value, int digits) {
+    std::array<char, 40> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits).ptr;
+    return {text.data(), end};
+}
+
 }  // namespace sonavex

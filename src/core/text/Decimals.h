@@ -11,4 +11,8 @@ std::string WithDecimals(double value, int decimals);
 // With at most this many decimals: "1", "1.05".
 std::string WithoutTrailingZeros(double value, int mostDecimals);
 
+// A finite number with at most this many significant digits, 1 to 17, in the "C" locale, without trailing
+// zeros: "999.756", "1e-05".
+std::string WithDigits(double value, int digits);
+
 }  // namespace sonavex

@@ -25,5 +25,12 @@ TEST(Decimals, DropsTrailingZeros) {
     EXPECT_EQ(WithoutTrailingZeros(100, 0), "100");
 }
 
+TEST(Digits, AreSignificantWithoutTrailingZeros) {
+    EXPECT_EQ(WithDigits(999.755859375, 9), "999.755859");
+    EXPECT_EQ(WithDigits(48000.0, 9), "48000");
+    EXPECT_EQ(WithDigits(0.00001234, 2), "1.2e-05");
+    EXPECT_EQ(WithDigits(-0.5, 6), "-0.5");
+}
+
 }  // namespace
 }  // namespace sonavex
