@@ -33,9 +33,8 @@ std::string AnyOutput(const char* name) {
 
 measure::AnalyzeOptions AnyOptions(unsigned head, unsigned detail) {
     measure::AnalyzeOptions options;
-    constexpr measure::AnalyzeMode kModes[] = {measure::AnalyzeMode::kThd, measure::AnalyzeMode::kImd,
-                                               measure::AnalyzeMode::kMultitone,
-                                               measure::AnalyzeMode::kNoise};
+    constexpr PreciseMode kModes[] = {PreciseMode::kTone, PreciseMode::kPair, PreciseMode::kMultitone,
+                                      PreciseMode::kNoise};
     options.mode = kModes[head & 3U];
     options.channel = (head >> 2U) & 1U;
     options.json = (head & 8U) == 0;
@@ -43,7 +42,7 @@ measure::AnalyzeOptions AnyOptions(unsigned head, unsigned detail) {
         options.lowHz = 300.0;
         options.highHz = 3400.0;
     }
-    if ((head & 32U) != 0 && options.mode == measure::AnalyzeMode::kThd) options.fundamentalHz = 1000.0;
+    if ((head & 32U) != 0 && options.mode == PreciseMode::kTone) options.fundamentalHz = 1000.0;
     if ((head & 64U) != 0) {
         options.residual = AnyOutput("residual.wav");
         options.spectrum = AnyOutput("spectrum.csv");
@@ -51,9 +50,9 @@ measure::AnalyzeOptions AnyOptions(unsigned head, unsigned detail) {
     }
     options.length = (head & 128U) != 0 ? 16384 : 4096;
     options.highestOrder = 2 + static_cast<int>(detail % 64U);
-    if (options.mode == measure::AnalyzeMode::kMultitone || (detail & 64U) != 0)
+    if (options.mode == PreciseMode::kMultitone || (detail & 64U) != 0)
         options.tonesHz = {300.0 + detail, 1500.0};
-    if (options.mode != measure::AnalyzeMode::kImd && options.mode != measure::AnalyzeMode::kMultitone)
+    if (options.mode != PreciseMode::kPair && options.mode != PreciseMode::kMultitone)
         options.tonesHz.clear();
     return options;
 }

@@ -4,12 +4,13 @@
 #include <utility>
 
 #include "app/measure/AnalyzeLimits.h"
-#include "app/measure/AnalyzedReading.h"
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
-#include "app/measure/ValidityRules.h"
+#include "app/measure/SavedReadings.h"
 #include "core/precise/RecordingAnalysis.h"
+#include "core/precise/results/AnalyzedReading.h"
+#include "core/precise/results/ExportedMeasurement.h"
 #include "platform/sndfile/SndfileFiles.h"
 
 namespace sonavex::measure {
@@ -29,10 +30,11 @@ std::optional<SavedReading> ReadIfNamed(const std::string& path) {
     return ReadSavedReading(path);
 }
 
-void WriteFiles(const AnalyzeOptions& options, const RecordingAnalysis& analysis,
+void WriteFiles(const AnalyzeOptions& options, const RecordingAnalysis& analysis, const RecordPlan& plan,
                 const AnalyzedReading& reading) {
     const SndfileFiles files;
-    if (!options.spectrum.empty()) files.WriteText(options.spectrum, analysis.Spectrum().Csv());
+    if (!options.spectrum.empty())
+        files.WriteText(options.spectrum, SpectrumCsv({}, ExportedSpectrum::Of(analysis.Spectrum(), plan)));
     if (!options.residual.empty()) {
         if (analysis.Residual().empty())
             throw MeasureError("There is no residual to write: no record could be fitted.");
@@ -62,7 +64,7 @@ int AnalyzeFile(const AnalyzeOptions& options) {
     reading.values = analysis.Values();
     reading.rateHz = rateHz;
     reading.rules = JudgeReading(reading.values.reading, reference, idle);
-    WriteFiles(options, analysis, reading);
+    WriteFiles(options, analysis, *plan, reading);
     Print(options.json ? AnalyzedJson(reading) + '\n' : AnalyzedTable(reading));
     return reading.values.reading.Valid() ? kMeasured : kVoid;
 }

@@ -13,27 +13,13 @@ void RequireBelowHalfRate(const char* option, double hertz, const RecordPlan& pl
 
 void RequireTones(const AnalyzeOptions& options, const RecordPlan& plan) {
     const std::size_t tones = options.tonesHz.size();
-    const bool pair = options.mode == AnalyzeMode::kImd;
-    const bool multitone = options.mode == AnalyzeMode::kMultitone;
+    const bool pair = options.mode == PreciseMode::kPair;
+    const bool multitone = options.mode == PreciseMode::kMultitone;
     if (tones > 0 && !pair && !multitone) throw MeasureError("--tones is for the modes imd and multitone.");
     if (pair && tones != 0 && tones != 2) throw MeasureError("The mode imd takes two tones.");
     if (multitone && tones == 0) throw MeasureError("The mode multitone needs --tones.");
     if (const std::optional<std::string> fault = TonesFault(plan, options.tonesHz))
         throw MeasureError("--tones: " + *fault);
-}
-
-PreciseMode PreciseModeOf(AnalyzeMode mode) {
-    switch (mode) {
-        case AnalyzeMode::kThd:
-            return PreciseMode::kTone;
-        case AnalyzeMode::kImd:
-            return PreciseMode::kPair;
-        case AnalyzeMode::kMultitone:
-            return PreciseMode::kMultitone;
-        case AnalyzeMode::kNoise:
-            break;
-    }
-    return PreciseMode::kNoise;
 }
 
 }  // namespace
@@ -46,7 +32,7 @@ std::size_t RecordLength(const AnalyzeOptions& options, double rateHz) {
 void RequireSuitable(const AnalyzeOptions& options, const RecordPlan& plan) {
     RequireBelowHalfRate("The lower end of --band", options.lowHz, plan);
     if (options.fundamentalHz) RequireBelowHalfRate("--fundamental", *options.fundamentalHz, plan);
-    if (options.fundamentalHz && options.mode != AnalyzeMode::kThd)
+    if (options.fundamentalHz && options.mode != PreciseMode::kTone)
         throw MeasureError("--fundamental is for the mode thd.");
     RequireTones(options, plan);
 }
@@ -56,7 +42,7 @@ PreciseSettings SettingsOf(const AnalyzeOptions& options, double rateHz) {
     settings.rateHz = rateHz;
     settings.length = RecordLength(options, rateHz);
     settings.channel = static_cast<std::size_t>(options.channel);
-    settings.mode = PreciseModeOf(options.mode);
+    settings.mode = options.mode;
     settings.tone.band = {options.lowHz, options.highHz};
     settings.tone.highestOrder = options.highestOrder;
     settings.tone.fundamentalHz = options.fundamentalHz;

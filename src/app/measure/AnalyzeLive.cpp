@@ -8,8 +8,9 @@
 #include "app/measure/LiveAnalysis.h"
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
-#include "app/measure/ValidityRules.h"
+#include "app/measure/SavedReadings.h"
 #include "core/analyzer/SpectrumMean.h"
+#include "core/precise/results/ExportedMeasurement.h"
 #include "platform/sndfile/SndfileFiles.h"
 
 namespace sonavex::measure {
@@ -68,7 +69,9 @@ private:
         if (!options_.residual.empty())
             files.WriteFloatWav(options_.residual, meter_.Residual(), static_cast<std::int32_t>(last_.rateHz),
                                 "");
-        if (!options_.spectrum.empty()) files.WriteText(options_.spectrum, spectrum_->Csv());
+        if (!options_.spectrum.empty())
+            files.WriteText(options_.spectrum,
+                            SpectrumCsv({}, ExportedSpectrum::Of(*spectrum_, meter_.Plan())));
     }
 
     const AnalyzeOptions& options_;

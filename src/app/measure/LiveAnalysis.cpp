@@ -31,11 +31,11 @@ RunOptions DevicesOf(const LiveOptions& live) {
     return options;
 }
 
-AnalyzeMode ModeFor(const Stimulus& stimulus) {
-    if (IsNoise(stimulus.shape)) return AnalyzeMode::kNoise;
-    if (stimulus.shape == StimulusShape::kPair) return AnalyzeMode::kImd;
-    if (stimulus.shape == StimulusShape::kMultitone) return AnalyzeMode::kMultitone;
-    return AnalyzeMode::kThd;
+PreciseMode ModeFor(const Stimulus& stimulus) {
+    if (IsNoise(stimulus.shape)) return PreciseMode::kNoise;
+    if (stimulus.shape == StimulusShape::kPair) return PreciseMode::kPair;
+    if (stimulus.shape == StimulusShape::kMultitone) return PreciseMode::kMultitone;
+    return PreciseMode::kTone;
 }
 
 std::optional<StimulusChoice> ChoiceOf(const LiveOptions& live) {
@@ -72,7 +72,7 @@ void LiveAnalysis::TakeStimulus(const RecordPlan& plan) {
     const StimulusPlan planned = PlanStimulus(
         {stimulus_->stimulus, plan.RateHz(), plan.Length(), stimulus_->levelDbfs, stimulus_->snap});
     if (!options_.modeGiven) options_.mode = ModeFor(stimulus_->stimulus);
-    const bool several = options_.mode == AnalyzeMode::kImd || options_.mode == AnalyzeMode::kMultitone;
+    const bool several = options_.mode == PreciseMode::kPair || options_.mode == PreciseMode::kMultitone;
     if (!several || !options_.tonesHz.empty()) return;
     for (const PlannedTone& tone : planned.tones) options_.tonesHz.push_back(tone.hertz);
 }

@@ -4,11 +4,11 @@
 #include <functional>
 #include <optional>
 
-#include "app/measure/AnalyzedReading.h"
 #include "app/measure/EndRequest.h"
 #include "app/measure/LiveMeasurement.h"
 #include "app/measure/Options.h"
 #include "core/precise/PreciseMeasurement.h"
+#include "core/precise/results/AnalyzedReading.h"
 #include "platform/plain/WorkerThread.h"
 
 namespace sonavex::measure {

@@ -161,11 +161,11 @@ std::int32_t RecordLengthOf(const std::string& text) {
     return length;
 }
 
-AnalyzeMode ModeOf(const std::string& text) {
-    if (text == "thd") return AnalyzeMode::kThd;
-    if (text == "imd") return AnalyzeMode::kImd;
-    if (text == "multitone") return AnalyzeMode::kMultitone;
-    if (text == "noise") return AnalyzeMode::kNoise;
+PreciseMode ModeOf(const std::string& text) {
+    if (text == "thd") return PreciseMode::kTone;
+    if (text == "imd") return PreciseMode::kPair;
+    if (text == "multitone") return PreciseMode::kMultitone;
+    if (text == "noise") return PreciseMode::kNoise;
     Refuse("--mode", "thd, imd, multitone or noise", text);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/precise/RecordAnalysis.h"
 #include "core/stimulus/SampleWord.h"
 
 namespace sonavex::measure {
@@ -31,8 +32,6 @@ struct FileOptions : MeterOptions {
     std::int32_t lowEdgeHz = 25;
 };
 
-enum class AnalyzeMode { kThd, kImd, kMultitone, kNoise };
-
 // Of a precise measurement with sound devices.
 struct LiveOptions {
     std::string input;  // identifier; empty for the primary device
@@ -56,7 +55,7 @@ struct AnalyzeOptions {
     double highHz = 20000.0;
     int highestOrder = 9;                // up to which THD sums
     std::optional<std::int32_t> length;  // of a record; a power of two
-    AnalyzeMode mode = AnalyzeMode::kThd;
+    PreciseMode mode = PreciseMode::kTone;
     bool modeGiven = false;  // if not, a live measurement chooses the mode for its stimulus
     std::vector<double> tonesHz;
     std::optional<double> fundamentalHz;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <span>
-#include <string>
 #include <vector>
 
 #include "core/analyzer/RecordPlan.h"
@@ -20,9 +19,6 @@ public:
     std::size_t Records() const noexcept { return records_; }
     // Mean of RecordPlan::AcPowerSpectrum; empty before the first record.
     const std::vector<double>& Power() const noexcept { return power_; }
-
-    // Frequency and dBFS of each bin, after lines with the conditions that begin with '#'.
-    std::string Csv() const;
 
 private:
     const RecordPlan& plan_;

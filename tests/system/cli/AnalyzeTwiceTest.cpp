@@ -5,9 +5,9 @@
 #include <cmath>
 #include <numbers>
 
-#include "app/measure/AnalyzedReading.h"
-#include "app/measure/ValidityRules.h"
 #include "core/precise/RecordingMeasurement.h"
+#include "core/precise/results/AnalyzedReading.h"
+#include "core/precise/results/ValidityRules.h"
 #include "platform/sndfile/SndfileFiles.h"
 #include "support/InlineBackground.h"
 #include "support/Recordings.h"
@@ -20,20 +20,19 @@ namespace {
 constexpr std::int64_t kComparedFrames = 30000;
 
 // The reading as the command line prints it.
-std::string ReadByWindow(const std::string& path, const PreciseSettings& settings,
-                         measure::AnalyzeMode mode) {
+std::string ReadByWindow(const std::string& path, const PreciseSettings& settings) {
     VirtualEventLoop loop;
     InlineBackground background(loop);
     const SndfileFiles files;
     RecordingMeasurement measurement({files, background});
     std::string json;
     measurement.OnReading = [&](const LinesReading& values, const auto&) {
-        measure::AnalyzedReading reading;
-        reading.mode = mode;
+        AnalyzedReading reading;
+        reading.mode = settings.mode;
         reading.values = values;
         reading.rateHz = measurement.Opened().rateHz;
-        reading.rules = measure::JudgeReading(values.reading, std::nullopt, std::nullopt);
-        json = measure::AnalyzedJson(reading) + '\n';
+        reading.rules = JudgeReading(values.reading, std::nullopt, std::nullopt);
+        json = AnalyzedJson(reading) + '\n';
     };
     measurement.Open(path);
     measurement.MeasureAll(settings);
@@ -46,7 +45,6 @@ struct ComparedRecording {
     const char* name;
     int format;
     PreciseMode mode;
-    measure::AnalyzeMode commandMode;
     double stepAt = 1e9;  // frame from which the level is higher
 };
 
@@ -66,24 +64,20 @@ TEST_P(AnalyzedTwice, IsTheSame) {
     settings.channel = 1;
     settings.mode = compared.mode;
     const Outcome command = Measure({"analyze", file.Path(), "--length", "8192", "--channel", "1", "--mode",
-                                     measure::NameOf(compared.commandMode), "--json"});
-    EXPECT_EQ(command.output, ReadByWindow(file.Path(), settings, compared.commandMode));
+                                     NameOf(compared.mode), "--json"});
+    EXPECT_EQ(command.output, ReadByWindow(file.Path(), settings));
     EXPECT_NE(command.output.find(compared.stepAt < 1e9 ? "disturbed" : "\"valid\":true"), std::string::npos);
 }
 
-INSTANTIATE_TEST_SUITE_P(Recordings, AnalyzedTwice,
-                         testing::Values(ComparedRecording{"Tone24", SF_FORMAT_WAV | SF_FORMAT_PCM_24,
-                                                           PreciseMode::kTone, measure::AnalyzeMode::kThd},
-                                         ComparedRecording{"Flac16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16,
-                                                           PreciseMode::kTone, measure::AnalyzeMode::kThd},
-                                         ComparedRecording{"Noise", SF_FORMAT_WAV | SF_FORMAT_FLOAT,
-                                                           PreciseMode::kNoise, measure::AnalyzeMode::kNoise},
-                                         ComparedRecording{"Pair", SF_FORMAT_WAV | SF_FORMAT_DOUBLE,
-                                                           PreciseMode::kPair, measure::AnalyzeMode::kImd},
-                                         ComparedRecording{"Disturbed", SF_FORMAT_WAV | SF_FORMAT_DOUBLE,
-                                                           PreciseMode::kTone, measure::AnalyzeMode::kThd,
-                                                           15000.0}),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Recordings, AnalyzedTwice,
+    testing::Values(ComparedRecording{"Tone24", SF_FORMAT_WAV | SF_FORMAT_PCM_24, PreciseMode::kTone},
+                    ComparedRecording{"Flac16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, PreciseMode::kTone},
+                    ComparedRecording{"Noise", SF_FORMAT_WAV | SF_FORMAT_FLOAT, PreciseMode::kNoise},
+                    ComparedRecording{"Pair", SF_FORMAT_WAV | SF_FORMAT_DOUBLE, PreciseMode::kPair},
+                    ComparedRecording{"Disturbed", SF_FORMAT_WAV | SF_FORMAT_DOUBLE, PreciseMode::kTone,
+                                      15000.0}),
+    [](const auto& test) { return test.param.name; });
 
 }  // namespace
 }  // namespace sonavex

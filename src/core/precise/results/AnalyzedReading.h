@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "app/measure/Options.h"
-#include "app/measure/Readings.h"
 #include "core/analyzer/LinesReading.h"
+#include "core/precise/RecordAnalysis.h"
+#include "core/precise/results/StreamDetails.h"
 
-namespace sonavex::measure {
+namespace sonavex {
 
 // What a rule says about the validity of a reading.
 struct RuleResult {
@@ -17,9 +17,9 @@ struct RuleResult {
     std::string sentence;
 };
 
-// A reading of any mode with what is printed beside it. In the mode thd only `values.reading` is used.
+// A reading of any mode with what is printed beside it. In the mode tone only `values.reading` is used.
 struct AnalyzedReading {
-    AnalyzeMode mode = AnalyzeMode::kThd;
+    PreciseMode mode = PreciseMode::kTone;
     LinesReading values;
     double rateHz = 0;
     std::vector<RuleResult> rules;
@@ -36,6 +36,19 @@ std::string AnalyzedJson(const AnalyzedReading& reading);
 // Lines with a line end each.
 std::string AnalyzedTable(const AnalyzedReading& reading);
 
-const char* NameOf(AnalyzeMode mode);
+// "thd", "imd", "multitone", "noise"
+const char* NameOf(PreciseMode mode);
 
-}  // namespace sonavex::measure
+// The window of every record.
+inline constexpr const char* kRecordWindow = "7-term minimum side lobe";
+
+struct NamedValue {
+    std::string name;  // as in AnalyzedJson
+    std::string unit;
+    int decimals = 0;
+    Value value;
+};
+// Every value with its name, also those that are not defined.
+std::vector<NamedValue> NamedValuesOf(const AnalyzedReading& reading);
+
+}  // namespace sonavex

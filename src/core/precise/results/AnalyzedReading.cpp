@@ -1,22 +1,21 @@
-#include "app/measure/AnalyzedReading.h"
+#include "core/precise/results/AnalyzedReading.h"
 
-#include <array>
-#include <cstdio>
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
-namespace sonavex::measure {
+#include "core/text/Decimals.h"
+
+namespace sonavex {
 namespace {
 
 using nlohmann::ordered_json;
-
-constexpr const char* kWindowName = "7-term minimum side lobe";
 
 ordered_json NumberOrNull(const std::optional<double>& number) {
     return number ? ordered_json(*number) : ordered_json(nullptr);
 }
 
 // A row of the object and of the table.
-struct Row {
+struct AnalyzedRow {
     const char* name;
     const char* caption;
     const char* unit;
@@ -24,7 +23,7 @@ struct Row {
     const Value& value;
 };
 
-std::vector<Row> ReadingRows(const Reading& r) {
+std::vector<AnalyzedRow> ReadingRows(const Reading& r) {
     return {
         {"dc", "DC", "FS", 9, r.dc},
         {"thd_percent", "THD", "%", 6, r.thdPercent},
@@ -45,7 +44,7 @@ std::vector<Row> ReadingRows(const Reading& r) {
     };
 }
 
-std::vector<Row> ModeRows(const LinesReading& values) {
+std::vector<AnalyzedRow> ModeRows(const LinesReading& values) {
     const Intermodulation& i = values.intermodulation;
     return {
         {"mod_d2", "Modulation, order 2", "", 9, i.modD2},
@@ -79,12 +78,12 @@ public:
     ordered_json Make() {
         AddState();
         AddTones();
-        for (const Row& row : ReadingRows(reading_)) Add(row.name, row.value);
+        for (const AnalyzedRow& row : ReadingRows(reading_)) Add(row.name, row.value);
         object_["thd_floor_db"] =
             reading_.thdDb.value ? ordered_json(reading_.thdFloorDb) : ordered_json(nullptr);
         AddHarmonics();
         AddSpurs();
-        for (const Row& row : ModeRows(values_)) Add(row.name, row.value);
+        for (const AnalyzedRow& row : ModeRows(values_)) Add(row.name, row.value);
         object_["products"] = Products(values_.products);
         object_["dropped"] = Products(values_.dropped);
         object_["uncertainty"] = uncertainty_;
@@ -118,7 +117,7 @@ private:
 
     // Numbers for one tone, lists for several.
     void AddTones() {
-        if (analyzed_.mode == AnalyzeMode::kThd || analyzed_.mode == AnalyzeMode::kNoise) {
+        if (analyzed_.mode == PreciseMode::kTone || analyzed_.mode == PreciseMode::kNoise) {
             Add("frequency_hz", reading_.frequencyHz);
             Add("level_dbfs", reading_.levelDbfs);
             return;
@@ -156,7 +155,7 @@ private:
         auto list = ordered_json::array();
         for (const Spur& spur : reading_.spurs) {
             ordered_json entry{{"frequency_hz", spur.frequencyHz}, {"level_dbc", spur.levelDbc}};
-            if (analyzed_.mode == AnalyzeMode::kNoise) {
+            if (analyzed_.mode == PreciseMode::kNoise) {
                 entry["level_dbc"] = nullptr;
                 entry["level_dbfs"] = spur.levelDbc;
             }
@@ -185,7 +184,7 @@ private:
         object_["blocks"] = reading_.blocks;
         object_["bits"] = reading_.bits;
         object_["float"] = reading_.floatingPoint;
-        object_["window"] = kWindowName;
+        object_["window"] = kRecordWindow;
         object_["band"] = {reading_.band.lowHz, reading_.band.highHz};
         object_["harmonics"] = reading_.highestOrder;
         object_["rate_hz"] = analyzed_.rateHz;
@@ -219,18 +218,18 @@ private:
     ordered_json atMost_ = ordered_json::array();
 };
 
-template <typename... Arguments>
-std::string Text(const char* format, Arguments... arguments) {
-    std::array<char, 200> text{};
-    std::snprintf(text.data(), text.size(), format, arguments...);
-    return text.data();
+// A column of 24 characters.
+std::string Padded24(std::string caption) {
+    constexpr std::size_t kCaptionCharacters = 24;
+    caption.resize(std::max(caption.size(), kCaptionCharacters), ' ');
+    return caption;
 }
 
 std::string RowLine(const std::string& caption, const Value& value, const char* unit, int decimals) {
     if (!value.value) return {};
-    std::string line =
-        Text("%-24s%s%.*f %s", caption.c_str(), value.atMost ? "at most " : "", decimals, *value.value, unit);
-    if (value.uncertainty) line += Text(" ± %.2g", *value.uncertainty);
+    std::string line = Padded24(caption) + (value.atMost ? "at most " : "") +
+                       WithDecimals(*value.value, decimals) + ' ' + unit;
+    if (value.uncertainty) line += " ± " + WithDigits(*value.uncertainty, 2);
     return line + '\n';
 }
 
@@ -240,7 +239,7 @@ std::string HarmonicLines(const Reading& reading) {
         lines += RowLine("H" + std::to_string(harmonic.order), harmonic.levelDbc, "dBc", 3);
         if (!harmonic.phaseDegrees.value) continue;
         lines.pop_back();
-        lines += Text(", %.2f degrees\n", *harmonic.phaseDegrees.value);
+        lines += ", " + WithDecimals(*harmonic.phaseDegrees.value, 2) + " degrees\n";
     }
     return lines;
 }
@@ -248,27 +247,29 @@ std::string HarmonicLines(const Reading& reading) {
 std::string StateLines(const Reading& reading) {
     std::string lines = reading.Valid() ? "VALID\n" : "VOID\n";
     for (const Void& entry : reading.voids)
-        lines += Text("%s: %s\n", Name(entry.code), entry.sentence.c_str());
+        lines += std::string(Name(entry.code)) + ": " + entry.sentence + '\n';
     for (const Warning& entry : reading.warnings)
-        lines += Text("%s: %s\n", Name(entry.code), entry.sentence.c_str());
+        lines += std::string(Name(entry.code)) + ": " + entry.sentence + '\n';
     return lines;
 }
 
 std::string StreamLines(const StreamDetails& stream, const std::vector<double>& playedHz) {
     std::string lines = "Input: " + stream.input + "\nOutput: " + stream.output + '\n';
     for (const std::string& note : stream.notes) lines += "Note: " + note + '\n';
-    for (const double hertz : playedHz) lines += Text("Played: %.9g Hz\n", hertz);
+    for (const double hertz : playedHz) lines += "Played: " + WithDigits(hertz, 9) + " Hz\n";
     if (stream.simulated) lines += "SIMULATED sound card: this reading measures nothing real.\n";
     return lines;
 }
 
 std::string ConditionLines(const AnalyzedReading& analyzed) {
     const Reading& r = analyzed.values.reading;
-    std::string lines = Text("Band %.6g to %.6g Hz; ", r.band.lowHz, r.band.highHz);
-    if (analyzed.mode == AnalyzeMode::kThd) lines += Text("THD to order %d; ", r.highestOrder);
-    lines += Text("%zu lines\n", r.lines);
-    lines += Text("%zu records of %zu samples at %.0f Hz; %d bit%s; window %s\n", r.blocks, r.length,
-                  analyzed.rateHz, r.bits, r.floatingPoint ? " (float)" : "", kWindowName);
+    std::string lines =
+        "Band " + WithDigits(r.band.lowHz, 6) + " to " + WithDigits(r.band.highHz, 6) + " Hz; ";
+    if (analyzed.mode == PreciseMode::kTone) lines += "THD to order " + std::to_string(r.highestOrder) + "; ";
+    lines += std::to_string(r.lines) + " lines\n";
+    lines += std::to_string(r.blocks) + " records of " + std::to_string(r.length) + " samples at " +
+             WithDecimals(analyzed.rateHz, 0) + " Hz; " + std::to_string(r.bits) + " bit" +
+             (r.floatingPoint ? " (float)" : "") + "; window " + kRecordWindow + '\n';
     for (const RuleResult& rule : analyzed.rules)
         lines += (rule.met ? "Met: " : "NOT MET: ") + rule.sentence + '\n';
     return lines;
@@ -276,15 +277,15 @@ std::string ConditionLines(const AnalyzedReading& analyzed) {
 
 }  // namespace
 
-const char* NameOf(AnalyzeMode mode) {
+const char* NameOf(PreciseMode mode) {
     switch (mode) {
-        case AnalyzeMode::kThd:
+        case PreciseMode::kTone:
             return "thd";
-        case AnalyzeMode::kImd:
+        case PreciseMode::kPair:
             return "imd";
-        case AnalyzeMode::kMultitone:
+        case PreciseMode::kMultitone:
             return "multitone";
-        case AnalyzeMode::kNoise:
+        case PreciseMode::kNoise:
             return "noise";
     }
     return "";
@@ -303,16 +304,40 @@ std::string AnalyzedTable(const AnalyzedReading& analyzed) {
         table += RowLine("Tone", tone.frequencyHz, "Hz", 6);
         table += RowLine("", tone.levelDbfs, "dBFS", 4);
     }
-    for (const Row& row : ReadingRows(reading))
+    for (const AnalyzedRow& row : ReadingRows(reading))
         table += RowLine(row.caption, row.value, row.unit, row.decimals);
-    for (const Row& row : ModeRows(analyzed.values))
+    for (const AnalyzedRow& row : ModeRows(analyzed.values))
         table += RowLine(row.caption, row.value, row.unit, row.decimals);
     table += HarmonicLines(reading);
     for (const Spur& spur : reading.spurs)
-        table += Text("Spur at %.3f Hz: %.2f %s\n", spur.frequencyHz, spur.levelDbc,
-                      analyzed.mode == AnalyzeMode::kNoise ? "dBFS" : "dBc");
+        table += "Spur at " + WithDecimals(spur.frequencyHz, 3) + " Hz: " + WithDecimals(spur.levelDbc, 2) +
+                 (analyzed.mode == PreciseMode::kNoise ? " dBFS\n" : " dBc\n");
     if (analyzed.stream) table += StreamLines(*analyzed.stream, analyzed.playedHz);
     return table + ConditionLines(analyzed);
 }
 
-}  // namespace sonavex::measure
+std::vector<NamedValue> NamedValuesOf(const AnalyzedReading& analyzed) {
+    const Reading& reading = analyzed.values.reading;
+    std::vector<NamedValue> values;
+    if (analyzed.values.tones.empty()) {
+        values.push_back({"frequency_hz", "Hz", 6, reading.frequencyHz});
+        values.push_back({"level_dbfs", "dBFS", 4, reading.levelDbfs});
+    }
+    for (const ToneValues& tone : analyzed.values.tones) {
+        values.push_back({"frequency_hz", "Hz", 6, tone.frequencyHz});
+        values.push_back({"level_dbfs", "dBFS", 4, tone.levelDbfs});
+    }
+    for (const AnalyzedRow& row : ReadingRows(reading))
+        values.push_back({row.name, row.unit, row.decimals, row.value});
+    if (analyzed.mode != PreciseMode::kTone)
+        for (const AnalyzedRow& row : ModeRows(analyzed.values))
+            values.push_back({row.name, row.unit, row.decimals, row.value});
+    for (const Harmonic& harmonic : reading.harmonics) {
+        const std::string name = "harmonic." + std::to_string(harmonic.order);
+        values.push_back({name, "dBc", 3, harmonic.levelDbc});
+        values.push_back({name + ".phase_deg", "degrees", 2, harmonic.phaseDegrees});
+    }
+    return values;
+}
+
+}  // namespace sonavex
