@@ -20,6 +20,7 @@ inline constexpr std::string_view kSoundCard = "SoundCard";
 inline constexpr std::string_view kSignalGenerator = "Signal Generator";
 inline constexpr std::string_view kWindows = "Windows";
 inline constexpr std::string_view kFace = "Face";
+inline constexpr std::string_view kAnalyzer = "Analyzer";
 
 // Check boxes of the meter, "1" or "0".
 inline constexpr SettingsKey kAuto{kSettings, "Auto", "1"};
@@ -69,6 +70,28 @@ inline constexpr SettingsKey kMemorySweep{kSignalGenerator, "Memory Signal Sweep
 inline constexpr SettingsKey kMemoryType{kSignalGenerator, "Memory Signal Type", "0"};
 inline constexpr SettingsKey kMemoryLoop{kSignalGenerator, "Memory Signal Loop", "0"};
 inline constexpr SettingsKey kMemorySelected{kSignalGenerator, "Memory Signal Selected", "False"};
+
+// The Analyzer. Choices are indices; the length is relative to the default of the rate, 2 being the default.
+inline constexpr SettingsKey kAnalyzerOpen{kAnalyzer, "Open", "0"};
+inline constexpr SettingsKey kAnalyzerWidth{kAnalyzer, "Width", "1240"};
+inline constexpr SettingsKey kAnalyzerHeight{kAnalyzer, "Height", "800"};
+inline constexpr SettingsKey kAnalyzerLength{kAnalyzer, "Length", "2"};
+inline constexpr SettingsKey kAnalyzerAverages{kAnalyzer, "Averages", "8"};
+inline constexpr SettingsKey kAnalyzerBand{kAnalyzer, "Band", "0"};
+inline constexpr SettingsKey kAnalyzerWeighting{kAnalyzer, "Weighting", "0"};
+inline constexpr SettingsKey kAnalyzerChannel{kAnalyzer, "Channel", "0"};
+inline constexpr SettingsKey kAnalyzerHarmonics{kAnalyzer, "Harmonics", "9"};
+inline constexpr SettingsKey kAnalyzerShape{kAnalyzer, "Shape", "0"};
+inline constexpr SettingsKey kAnalyzerPair{kAnalyzer, "Pair", "0"};
+inline constexpr SettingsKey kAnalyzerNoise{kAnalyzer, "Noise", "0"};
+inline constexpr SettingsKey kAnalyzerSide{kAnalyzer, "Side", "2"};
+inline constexpr SettingsKey kAnalyzerSnap{kAnalyzer, "Snap", "1"};
+inline constexpr SettingsKey kAnalyzerDither{kAnalyzer, "Dither", "0"};
+inline constexpr SettingsKey kAnalyzerFrequency{kAnalyzer, "Frequency", "1000"};
+inline constexpr SettingsKey kAnalyzerFrequency2{kAnalyzer, "Frequency 2", "7000"};
+inline constexpr SettingsKey kAnalyzerRatio{kAnalyzer, "Ratio", "4"};
+inline constexpr SettingsKey kAnalyzerLevel{kAnalyzer, "Level", "-1"};
+inline constexpr SettingsKey kAnalyzerTones{kAnalyzer, "Tones", "3/oct"};
 
 inline constexpr SettingsKey kLastTab{kWindows, "LastTab", "0"};
 inline constexpr std::string_view kNeverPlaced = "-1";

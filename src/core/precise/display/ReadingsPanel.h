@@ -1,0 +1,64 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+
+#include "core/analyzer/LinesReading.h"
+#include "core/precise/RecordAnalysis.h"
+#include "core/precise/display/AnalysisPanel.h"
+#include "core/precise/display/AnalyzerControls.h"
+
+namespace sonavex {
+
+// The figures of a reading.
+class ReadingsPanel {
+public:
+    enum Row { kThdn, kNotch, kSinad, kSnr, kEnob, kNoise, kFrequency, kLevel, kRows };
+
+    ReadingsPanel();
+    ReadingsPanel(const ReadingsPanel&) = delete;
+    ReadingsPanel& operator=(const ReadingsPanel&) = delete;
+
+    struct Conditions {
+        PreciseMode mode = PreciseMode::kTone;
+        sonavex::Weighting weighting = Weighting::kNone;
+        std::string band = {};
+        bool settling = false;  // more records follow until the average is complete
+        bool quiet = false;     // the reading is not valid, or not yet
+    };
+    // A reading without voids.
+    void Show(const LinesReading& reading, const Conditions& conditions);
+    // No figures; a line takes the place of the main figure's uncertainty.
+    void Clear(const std::string& line);
+    // Exchanges dB and percent of the main figure.
+    void ToggleUnit();
+
+    Label lblThdTitle;  // what the main figure is
+    ReadingLabel lblThd;
+    Label lblThdSpread;
+    Label lblThdOther;      // in the other unit
+    Label lblThdReference;  // "H2-H9 re fundamental"
+    ComboBox cmbThdUnit;    // dB, %
+    std::array<ReadingRow, kRows> Rows;
+    Label lblNoiseBand;  // "20 Hz to 20 kHz, unweighted"
+    HarmonicsTable Harmonics;
+
+private:
+    void Refresh();
+    void ShowFigures();
+    void ShowMain(const Value& decibels, const std::string& title, const std::string& reference);
+    void ShowRow(Row row, const char* name, const Value& value, int decimals, int spreadDecimals);
+    void ShowRatio(Row row, const char* name, const Value& decibels);
+    void ShowTone();
+    void ShowLines();
+    void ShowNoise();
+    void ShowHarmonics();
+    const Value& WeightedNoise() const;
+
+    bool shown_ = false;
+    LinesReading reading_;
+    Conditions conditions_;
+};
+
+}  // namespace sonavex

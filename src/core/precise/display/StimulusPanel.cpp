@@ -1,0 +1,227 @@
+#include "core/precise/display/StimulusPanel.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+#include "core/precise/display/ReadingTexts.h"
+#include "core/stimulus/ParseStimulus.h"
+#include "core/stimulus/StimulusPlan.h"
+#include "core/text/Decimals.h"
+
+namespace sonavex {
+namespace {
+
+struct StandardPair {
+    const char* caption;
+    const char* notation;
+};
+
+constexpr std::array<StandardPair, 5> kStandardPairs{{{"SMPTE 60 Hz, 7 kHz", "smpte"},
+                                                      {"DIN 250 Hz, 8 kHz", "din"},
+                                                      {"CCIF 19 kHz, 20 kHz", "ccif"},
+                                                      {"AES17 41 Hz, 7993 Hz", "aes17-mod"},
+                                                      {"AES17 18 kHz, 20 kHz", "aes17-dfd"}}};
+constexpr int kOwnPair = 5;
+constexpr std::array<const char*, 6> kToneNotations{"sine:", "", "", "square:", "triangle:", "sawtooth:"};
+constexpr double kLowestDbfs = -150.0;
+// A frequency closer to a bin than this part of a bin is on it.
+constexpr double kOnBin = 1e-6;
+
+std::vector<std::string> PairCaptions() {
+    std::vector<std::string> captions;
+    for (const StandardPair& pair : kStandardPairs) captions.emplace_back(pair.caption);
+    captions.emplace_back("Own");
+    return captions;
+}
+
+// Without an output device its bits are not known.
+std::vector<std::string> DitherCaptions(int outputBits) {
+    const std::string bits = outputBits > 0 ? ", " + std::to_string(outputBits) + " bit" : "";
+    return {"TPDF" + bits, "Off"};
+}
+
+// The shortest text that reads as the same number: "1000", "997.5".
+std::string NumberText(double number) {
+    for (int decimals = 0; decimals < 9; ++decimals) {
+        const std::string text = WithDecimals(number, decimals);
+        if (QuantityIn(text, "") == number) return text;
+    }
+    return WithDecimals(number, 9);
+}
+
+int StoredChoice(const Settings& settings, const SettingsKey& key, int count) {
+    const std::optional<double> number = QuantityIn(settings.Text(key), "");
+    if (!number || *number != std::floor(*number) || *number < 0 || *number >= count)
+        return static_cast<int>(QuantityIn(key.fallback, "").value_or(0.0));
+    return static_cast<int>(*number);
+}
+
+double StoredNumber(const Settings& settings, const SettingsKey& key, double least, double most) {
+    const std::optional<double> number = QuantityIn(settings.Text(key), "");
+    if (!number || *number < least || *number > most) return QuantityIn(key.fallback, "").value_or(least);
+    return *number;
+}
+
+// Takes the text if it is a number in the limits, and shows what counts.
+void TakeNumber(TextBox& box, double& number, const char* unit, double least, double most) {
+    const std::optional<double> typed = QuantityIn(box.Text(), unit);
+    if (typed && *typed >= least && *typed <= most) number = *typed;
+    box.SetText(NumberText(number));
+}
+
+}  // namespace
+
+StimulusPanel::StimulusPanel(Settings& settings, Events events)
+    : settings_(settings), events_(std::move(events)) {
+    cmbShape.SetItems({"Sine", "Two tones", "Multitone", "Square", "Triangle", "Sawtooth", "Noise"});
+    cmbPair.SetItems(PairCaptions());
+    cmbNoise.SetItems({"White", "Pink"});
+    cmbLevelUnit.SetItems({"dBFS"});
+    cmbLevelUnit.SetListIndex(0);
+    cmbSide.SetItems({"Left", "Right", "Both"});
+    cmbDither.SetItems(DitherCaptions(0));
+    for (ComboBox* const box : {&cmbShape, &cmbPair, &cmbNoise, &cmbDither, &cmbSide}) box->SetListIndex(0);
+    cmdCalibrate.SetCaption("Calibrate\u2026");
+    lblLevelNote.SetCaption("not calibrated");
+    for (ComboBox* const box : {&cmbShape, &cmbPair, &cmbNoise, &cmbDither, &cmbSide})
+        box->Click.Handle([this] { TakeChange(); });
+    chkSnap.Click.Handle([this] { TakeChange(); });
+    for (TextBox* const box : {&txtFrequency, &txtFrequency2, &txtRatio, &txtTones, &txtLevel})
+        box->Leave.Handle([this] { TakeTexts(); });
+    cmdStart.Click.Handle([this] { playing_ ? events_.stop() : events_.start(); });
+    ShowPlaying(StimulusPlayer::State::kOff);
+}
+
+void StimulusPanel::Load() {
+    cmbShape.SetListIndex(StoredChoice(settings_, keys::kAnalyzerShape, cmbShape.Count()));
+    cmbPair.SetListIndex(StoredChoice(settings_, keys::kAnalyzerPair, cmbPair.Count()));
+    cmbNoise.SetListIndex(StoredChoice(settings_, keys::kAnalyzerNoise, cmbNoise.Count()));
+    cmbSide.SetListIndex(StoredChoice(settings_, keys::kAnalyzerSide, cmbSide.Count()));
+    chkSnap.SetValue(static_cast<std::int16_t>(StoredChoice(settings_, keys::kAnalyzerSnap, 2)));
+    cmbDither.SetListIndex(StoredChoice(settings_, keys::kAnalyzerDither, 2));
+    hertz_ = StoredNumber(settings_, keys::kAnalyzerFrequency, 0, 1e6);
+    hertz2_ = StoredNumber(settings_, keys::kAnalyzerFrequency2, 0, 1e6);
+    ratio_ = StoredNumber(settings_, keys::kAnalyzerRatio, 0.001, 1000);
+    levelDbfs_ = StoredNumber(settings_, keys::kAnalyzerLevel, kLowestDbfs, 0);
+    tones_ = settings_.Text(keys::kAnalyzerTones);
+    txtTones.SetText(tones_);
+    txtFrequency.SetText(NumberText(hertz_));
+    txtFrequency2.SetText(NumberText(hertz2_));
+    txtRatio.SetText(NumberText(ratio_));
+    txtLevel.SetText(WithDecimals(levelDbfs_, 2));
+    ShowPlayed();
+}
+
+void StimulusPanel::SetConditions(double rateHz, std::size_t recordLength, int outputBits) {
+    rateHz_ = rateHz;
+    recordLength_ = recordLength;
+    if (outputBits != outputBits_) {
+        const std::int32_t selected = cmbDither.ListIndex();
+        cmbDither.SetItems(DitherCaptions(outputBits));
+        cmbDither.SetListIndex(selected);
+    }
+    outputBits_ = outputBits;
+    ShowPlayed();
+}
+
+bool StimulusPanel::HasOwnPair() const {
+    return HasPair() && cmbPair.ListIndex() == kOwnPair;
+}
+
+std::string StimulusPanel::Notation() const {
+    if (HasNoise()) return cmbNoise.ListIndex() == 0 ? "white" : "pink";
+    if (HasTones()) return "multitone:" + tones_;
+    if (HasPair() && !HasOwnPair())
+        return kStandardPairs[static_cast<std::size_t>(cmbPair.ListIndex())].notation;
+    const std::string hertz = NumberText(hertz_);
+    if (HasPair()) return "pair:" + hertz + ',' + NumberText(hertz2_) + ',' + NumberText(ratio_);
+    return kToneNotations[static_cast<std::size_t>(cmbShape.ListIndex())] + hertz;
+}
+
+StimulusChoice StimulusPanel::Chosen() const {
+    constexpr std::array<StimulusSide, 3> kSides{StimulusSide::kLeft, StimulusSide::kRight,
+                                                 StimulusSide::kBoth};
+    StimulusChoice choice;
+    choice.stimulus = ParseStimulus(Notation());
+    choice.side = kSides[static_cast<std::size_t>(cmbSide.ListIndex())];
+    choice.levelDbfs = levelDbfs_;
+    choice.snap = chkSnap.Checked();
+    choice.dither = cmbDither.ListIndex() == 0;
+    choice.recordLength = recordLength_;
+    return choice;
+}
+
+PreciseMode StimulusPanel::Mode() const {
+    if (HasNoise()) return PreciseMode::kNoise;
+    if (HasTones()) return PreciseMode::kMultitone;
+    return HasPair() ? PreciseMode::kPair : PreciseMode::kTone;
+}
+
+void StimulusPanel::ShowPlaying(StimulusPlayer::State state) {
+    playing_ = state != StimulusPlayer::State::kOff && state != StimulusPlayer::State::kEnding;
+    cmdStart.SetCaption(playing_ ? "Stop" : "Start");
+    lblPlaying.SetCaption(playing_ ? "playing" : "silent");
+    shpPlaying.SetBackColor(playing_ ? kLightGreen : Colour{});
+}
+
+void StimulusPanel::ShowTrouble(const std::string& sentence) {
+    lblTrouble.SetCaption(sentence);
+}
+
+// "on bin 1365: 999.756 Hz"; several tones are listed without their bins.
+void StimulusPanel::ShowPlayed() {
+    try {
+        const StimulusPlan plan =
+            PlanStimulus({Chosen().stimulus, rateHz_, recordLength_, levelDbfs_, chkSnap.Checked()});
+        if (HasNoise() || plan.tones.empty()) return lblPlayed.SetCaption("");
+        if (plan.tones.size() > 2) return lblPlayed.SetCaption(std::to_string(plan.tones.size()) + " tones");
+        const std::string first = WithDecimals(plan.tones.front().hertz, 3);
+        if (plan.tones.size() == 2)
+            return lblPlayed.SetCaption(first + " Hz, " + WithDecimals(plan.tones.back().hertz, 3) + " Hz");
+        const double bin = plan.tones.front().hertz * static_cast<double>(recordLength_) / rateHz_;
+        const bool onBin = std::abs(bin - std::round(bin)) < kOnBin;
+        lblPlayed.SetCaption((onBin ? "on bin " + WithDecimals(bin, 0) : "between bins") + ": " + first +
+                             " Hz");
+    } catch (const StimulusError& error) {
+        lblPlayed.SetCaption(error.what());
+    }
+}
+
+void StimulusPanel::TakeChange() {
+    ShowTrouble("");
+    ShowPlayed();
+    Store();
+    if (events_.changed) events_.changed();
+}
+
+void StimulusPanel::TakeTexts() {
+    const std::string before = Notation();
+    const double level = levelDbfs_;
+    TakeNumber(txtFrequency, hertz_, "Hz", 0, 1e6);
+    TakeNumber(txtFrequency2, hertz2_, "Hz", 0, 1e6);
+    TakeNumber(txtRatio, ratio_, "", 0.001, 1000);
+    TakeNumber(txtLevel, levelDbfs_, "dBFS", kLowestDbfs, 0);
+    txtLevel.SetText(WithDecimals(levelDbfs_, 2));
+    tones_ = txtTones.Text();
+    if (level == levelDbfs_ && Notation() == before) return;
+    TakeChange();
+}
+
+void StimulusPanel::Store() {
+    settings_.Save(keys::kAnalyzerShape, std::to_string(cmbShape.ListIndex()));
+    settings_.Save(keys::kAnalyzerPair, std::to_string(cmbPair.ListIndex()));
+    settings_.Save(keys::kAnalyzerNoise, std::to_string(cmbNoise.ListIndex()));
+    settings_.Save(keys::kAnalyzerSide, std::to_string(cmbSide.ListIndex()));
+    settings_.Save(keys::kAnalyzerSnap, chkSnap.Checked() ? "1" : "0");
+    settings_.Save(keys::kAnalyzerDither, std::to_string(cmbDither.ListIndex()));
+    settings_.Save(keys::kAnalyzerFrequency, NumberText(hertz_));
+    settings_.Save(keys::kAnalyzerFrequency2, NumberText(hertz2_));
+    settings_.Save(keys::kAnalyzerRatio, NumberText(ratio_));
+    settings_.Save(keys::kAnalyzerLevel, NumberText(levelDbfs_));
+    settings_.Save(keys::kAnalyzerTones, tones_);
+}
+
+}  // namespace sonavex

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/controls/Choices.h"
+#include "core/controls/Commands.h"
+#include "core/controls/Controls.h"
+#include "core/precise/RecordAnalysis.h"
+#include "core/precise/StimulusPlayer.h"
+#include "core/settings/Settings.h"
+
+namespace sonavex {
+
+// What the Analyzer plays. The values are stored with every change.
+class StimulusPanel {
+public:
+    enum Shape { kSine, kTwoTones, kMultitone, kSquare, kTriangle, kSawtooth, kNoise };
+
+    struct Events {
+        std::function<void()> start;
+        std::function<void()> stop;
+        // The choice has changed; while it plays, it should be played from now on.
+        std::function<void()> changed;
+    };
+
+    // The settings must outlive the panel.
+    StimulusPanel(Settings& settings, Events events);
+    StimulusPanel(const StimulusPanel&) = delete;
+    StimulusPanel& operator=(const StimulusPanel&) = delete;
+
+    // Selects the stored values. A stored value that cannot be used counts as the default.
+    void Load();
+    // Conditions on which the frequencies and the dither depend.
+    void SetConditions(double rateHz, std::size_t recordLength, int outputBits);
+
+    // StimulusError if the texts do not make a stimulus.
+    StimulusChoice Chosen() const;
+    PreciseMode Mode() const;
+
+    // Shows what plays, and why nothing does.
+    void ShowPlaying(StimulusPlayer::State state);
+    void ShowTrouble(const std::string& sentence);
+
+    // Which controls belong to the chosen shape.
+    bool HasFrequency() const { return cmbShape.ListIndex() != kNoise && cmbShape.ListIndex() != kMultitone; }
+    bool HasPair() const { return cmbShape.ListIndex() == kTwoTones; }
+    bool HasOwnPair() const;
+    bool HasTones() const { return cmbShape.ListIndex() == kMultitone; }
+    bool HasNoise() const { return cmbShape.ListIndex() == kNoise; }
+
+    ComboBox cmbShape;
+    ComboBox cmbPair;  // the standard pairs, and an own one
+    TextBox txtFrequency;
+    TextBox txtFrequency2;
+    TextBox txtRatio;
+    TextBox txtTones;  // "1000@-6,3000@-6" or "3/oct"
+    Label lblPlayed;   // "on bin 1365: 999.756 Hz"
+    CheckBox chkSnap;
+    ComboBox cmbNoise;
+    TextBox txtLevel;
+    ComboBox cmbLevelUnit;
+    Label lblLevelNote;
+    CommandButton cmdCalibrate;
+    ComboBox cmbDither;
+    ComboBox cmbSide;
+    CommandButton cmdStart;
+    Label lblPlaying;
+    Indicator shpPlaying;
+    Label lblTrouble;
+
+private:
+    std::string Notation() const;
+    void TakeChange();
+    void TakeTexts();
+    void ShowPlayed();
+    void Store();
+
+    Settings& settings_;
+    Events events_;
+    double rateHz_ = 48000;
+    std::size_t recordLength_ = 65536;
+    int outputBits_ = 0;
+    double levelDbfs_ = -1;
+    double hertz_ = 1000;
+    double hertz2_ = 7000;
+    double ratio_ = 4;
+    std::string tones_;  // of a multitone, as typed
+    bool playing_ = false;
+};
+
+}  // namespace sonavex
