@@ -115,4 +115,13 @@ void DrawTrace(TraceImage& image, std::span<const TraceColumn> columns, PlotRang
     image.DrawCurve(line, style.colour, style.width);
 }
 
+void DrawWave(TraceImage& image, std::span<const WaveColumn> columns, double fullScale, Colour colour,
+              double width, double opacity) {
+    const double half = 0.5 * static_cast<double>(image.Height());
+    const auto y = [&](double value) { return static_cast<float>(half * (1.0 - value / fullScale)); };
+    std::vector<ColumnSpan> spans;
+    for (const WaveColumn& column : columns) spans.push_back({y(column.high), y(column.low)});
+    image.DrawCurve(spans, colour, width, opacity);
+}
+
 }  // namespace sonavex

@@ -8,6 +8,7 @@
 
 #include "core/controls/Controls.h"
 #include "core/plot/TraceColumns.h"
+#include "core/plot/WaveColumns.h"
 
 namespace sonavex {
 
@@ -52,5 +53,9 @@ struct TraceStyle {
 // Draws the tint and the line of a trace. decibels: from the lower edge of the image to the upper.
 void DrawTrace(TraceImage& image, std::span<const TraceColumn> columns, PlotRange decibels,
                const TraceStyle& style);
+
+// Draws a waveform. fullScale: the value at the upper edge of the image; its negative is at the lower one.
+void DrawWave(TraceImage& image, std::span<const WaveColumn> columns, double fullScale, Colour colour,
+              double width, double opacity = 1.0);
 
 }  // namespace sonavex

@@ -99,6 +99,17 @@ TEST(TraceImage, ATraceMayBeNarrowerThanItsLine) {
     }
 }
 
+TEST(TraceImage, AWaveIsDrawnAroundTheMiddle) {
+    const std::vector<WaveColumn> columns(10, {0.26, 0.5});
+    TraceImage image;
+    image.Begin(10, 100);
+    DrawWave(image, columns, 1.0, kAnyColour, 2.0);
+    EXPECT_EQ(AlphaAt(image, 5, 23), 0U);
+    EXPECT_EQ(AlphaAt(image, 5, 24), 255U);
+    EXPECT_EQ(AlphaAt(image, 5, 37), 255U);
+    EXPECT_EQ(AlphaAt(image, 5, 38), 0U);
+}
+
 TEST(TraceImage, ClipsAndLeavesGaps) {
     auto columns = FlatTrace(6, 30);
     columns[3] = {-400, -400, -400};
