@@ -23,8 +23,10 @@
 #include "ui/widgets/FrequencySlider.h"
 #include "ui/widgets/LevelBar.h"
 #include "ui/widgets/LockLamp.h"
+#include "ui/widgets/SpectrumView.h"
 #include "ui/widgets/StateDot.h"
 #include "ui/widgets/WaveChoice.h"
+#include "ui/widgets/WaveView.h"
 
 namespace sonavex::ui {
 
@@ -53,6 +55,8 @@ public:
     void Bind(LevelBar& widget, ProgressBar& control);
     void Bind(LockLamp& widget, Indicator& control);
     void Bind(StateDot& widget, Indicator& control);
+    void Bind(SpectrumView& widget, SpectrumPlot& control);
+    void Bind(WaveView& widget, WavePlot& control);
 
     // Passes what the user has typed to the controls. Runs before every user event of a bound widget; call it
     // before an event that reaches the form in another way.

@@ -1,0 +1,169 @@
+#include "ui/widgets/PlotCanvas.h"
+
+#include <QPainter>
+#include <QResizeEvent>
+#include <algorithm>
+#include <utility>
+
+// The header uses Qt's keywords, which this project does not define.
+#define signals Q_SIGNALS
+#define slots Q_SLOTS
+#define foreach Q_FOREACH
+#include <qcustomplot.h>
+#undef signals
+#undef slots
+#undef foreach
+
+namespace sonavex::ui {
+namespace {
+
+// Ticks that are made elsewhere. Minor ticks without label become sub-ticks, whose grid is weaker.
+class GivenTicks : public QCPAxisTicker {
+public:
+    explicit GivenTicks(const PlotCanvas::Axis& axis) : axis_(axis) {}
+
+    void generate(const QCPRange& /*range*/, const QLocale& /*locale*/, QChar /*format*/, int /*precision*/,
+                  QVector<double>& ticks, QVector<double>* subTicks, QVector<QString>* labels) override {
+        ticks.clear();
+        if (subTicks != nullptr) subTicks->clear();
+        if (labels != nullptr) labels->clear();
+        for (const PlotCanvas::Tick& tick : axis_.ticks) {
+            if (tick.minor && tick.label.isEmpty()) {
+                if (subTicks != nullptr) subTicks->append(tick.position);
+                continue;
+            }
+            ticks.append(tick.position);
+            if (labels != nullptr) labels->append(tick.label);
+        }
+    }
+
+private:
+    const PlotCanvas::Axis& axis_;
+};
+
+// A part of the plot that a function paints.
+class PaintedPart : public QCPLayerable {
+public:
+    PaintedPart(QCustomPlot& plot, const QString& layer, const PlotCanvas::Painting& painting)
+        : QCPLayerable(&plot, layer), painting_(painting) {}
+
+protected:
+    void applyDefaultAntialiasingHint(QCPPainter* /*painter*/) const override {}
+    void draw(QCPPainter* painter) override {
+        if (!painting_) return;
+        painter->save();
+        painting_(*painter, parentPlot()->axisRect()->rect());
+        painter->restore();
+    }
+
+private:
+    const PlotCanvas::Painting& painting_;
+};
+
+QColor Weak(QColor colour) {
+    colour.setAlphaF(0.5F);
+    return colour;
+}
+
+}  // namespace
+
+struct PlotCanvas::Plot {
+    explicit Plot(PlotCanvas& canvas) : widget(&canvas) {
+        widget.setAttribute(Qt::WA_TransparentForMouseEvents);
+        widget.setFocusPolicy(Qt::NoFocus);
+        widget.axisRect()->setAutoMargins(QCP::msNone);
+        widget.plotLayout()->setMargins({});
+        widget.axisRect()->setMinimumMargins({});
+        widget.axisRect()->setupFullAxesBox();
+        // Axes do not change with the curves.
+        widget.moveLayer(widget.layer("axes"), widget.layer("main"), QCustomPlot::limBelow);
+        // Each layer above the buffered one would have a buffer, too.
+        for (const char* unused : {"legend", "overlay"}) widget.removeLayer(widget.layer(unused));
+        widget.layer("main")->setMode(QCPLayer::lmBuffered);
+        for (QCPAxis* axis : widget.axisRect()->axes()) {
+            axis->setTickPen(Qt::NoPen);
+            axis->setSubTickPen(Qt::NoPen);
+            axis->setTickLength(0, 0);
+        }
+        horizontal().setTicker(QSharedPointer<GivenTicks>::create(horizontalAxis));
+        vertical().setTicker(QSharedPointer<GivenTicks>::create(verticalAxis));
+        horizontal().setTickLabelPadding(4);
+        vertical().setTickLabelPadding(8);
+        for (QCPAxis* axis : {&horizontal(), &vertical()}) {
+            axis->grid()->setSubGridVisible(true);
+            axis->grid()->setZeroLinePen(Qt::NoPen);
+            axis->grid()->setAntialiased(false);
+            axis->grid()->setAntialiasedSubGrid(false);
+        }
+        new PaintedPart(widget, "background", canvas.PaintGround);
+        new PaintedPart(widget, "main", canvas.PaintCurves);
+    }
+
+    QCPAxis& horizontal() { return *widget.xAxis; }
+    QCPAxis& vertical() { return *widget.yAxis; }
+
+    Axis horizontalAxis;
+    Axis verticalAxis;
+    QCustomPlot widget;
+};
+
+PlotCanvas::PlotCanvas(QWidget* parent) : QWidget(parent) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    plot_ = std::make_unique<Plot>(*this);
+}
+
+PlotCanvas::~PlotCanvas() = default;
+
+void PlotCanvas::SetMargins(const QMargins& margins) {
+    plot_->widget.axisRect()->setMargins(margins);
+}
+
+QRectF PlotCanvas::PlotArea() const {
+    return QRectF(rect()).marginsRemoved(plot_->widget.axisRect()->margins());
+}
+
+bool PlotCanvas::SetAxes(const Axis& horizontal, const Axis& vertical, const QFont& labels) {
+    const bool same = plot_->horizontalAxis == horizontal && plot_->verticalAxis == vertical &&
+                      plot_->horizontal().tickLabelFont() == labels;
+    if (same) return false;
+    plot_->horizontalAxis = horizontal;
+    plot_->verticalAxis = vertical;
+    plot_->horizontal().setRange(horizontal.low, horizontal.high);
+    plot_->vertical().setRange(vertical.low, vertical.high);
+    plot_->horizontal().setTickLabelFont(labels);
+    plot_->vertical().setTickLabelFont(labels);
+    return true;
+}
+
+void PlotCanvas::SetColours(const QColor& around, const QColor& ground, const QColor& frame,
+                            const QColor& grid, const QColor& labels) {
+    plot_->widget.setBackground(QBrush(around));
+    plot_->widget.axisRect()->setBackground(QBrush(ground));
+    for (QCPAxis* axis : plot_->widget.axisRect()->axes()) {
+        axis->setBasePen(frame);
+        axis->setTickLabelColor(labels);
+        axis->grid()->setPen(grid);
+        axis->grid()->setSubGridPen(Weak(grid));
+    }
+}
+
+void PlotCanvas::Repaint(Part part) {
+    if (part == Part::kAll)
+        plot_->widget.replot(QCustomPlot::rpQueuedReplot);
+    else
+        plot_->widget.layer("main")->replot();
+}
+
+void PlotCanvas::PaintOn(QPaintDevice& device, const QSize& size, double scale) {
+    QCPPainter painter(&device);
+    painter.setMode(QCPPainter::pmNoCaching);
+    painter.scale(scale, scale);
+    plot_->widget.toPainter(&painter, size.width(), size.height());
+}
+
+void PlotCanvas::resizeEvent(QResizeEvent* event) {
+    plot_->widget.setGeometry(rect());
+    QWidget::resizeEvent(event);
+}
+
+}  // namespace sonavex::ui

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QMargins>
+#include <vector>
+
+#include "core/plot/SpectrumPlot.h"
+#include "core/plot/TraceColumns.h"
+#include "core/plot/TraceImage.h"
+#include "ui/widgets/PlotCanvas.h"
+#include "ui/widgets/PlotFonts.h"
+
+namespace sonavex::ui {
+
+// Paints what is special to the plot of a spectrum: the ground outside the band, the traces, the noise line,
+// the harmonics, the cursor, and the texts around the plot.
+class SpectrumPainter {
+public:
+    // Margins around the plot that its texts need.
+    static QMargins Margins(const PlotFonts& fonts);
+
+    static PlotCanvas::Axis FrequencyAxis(const SpectrumPlot& plot, double width, const PlotFonts& fonts);
+    static PlotCanvas::Axis LevelAxis(const SpectrumPlot& plot, double height, const PlotFonts& fonts);
+
+    static void PaintGround(QPainter& painter, const QRectF& area, const SpectrumPlot& plot);
+    void PaintTraces(QPainter& painter, const QRectF& area, const SpectrumPlot& plot);
+    // After PaintTraces, from whose columns it takes the height of the curves.
+    void PaintMarks(QPainter& painter, const QRectF& area, const SpectrumPlot& plot,
+                    const PlotFonts& fonts) const;
+
+private:
+    void PaintHarmonics(QPainter& painter, const QRectF& area, const SpectrumPlot& plot,
+                        const PlotFonts& fonts) const;
+
+    TraceImage image_;
+    std::vector<TraceColumn> live_;
+    std::vector<TraceColumn> kept_;
+};
+
+}  // namespace sonavex::ui
