@@ -94,9 +94,7 @@ QSize HarmonicsView::sizeHint() const {
 }
 
 void HarmonicsView::PaintHead(QPainter& painter, const Columns& columns) const {
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * kSmallScale);
-    painter.setFont(small);
+    painter.setFont(QuietFont(font()));
     painter.setPen(Theme::Current().quiet);
     const int height = RowHeight();
     painter.drawText(QRect(kCellIndent, 0, width(), height), Qt::AlignVCenter, tr("Order"));
@@ -121,9 +119,7 @@ void HarmonicsView::PaintRow(QPainter& painter, const Columns& columns, const Ro
     cell(columns.level, row.level);
     if (row.bound) {
         painter.setPen(theme.quiet);
-        QFont small = font();
-        small.setPointSizeF(small.pointSizeF() * kSmallScale);
-        painter.setFont(small);
+        painter.setFont(QuietFont(font()));
         cell(columns.phase, row.boundNote);
     } else {
         painter.setFont(FixedFont(1.0, false));

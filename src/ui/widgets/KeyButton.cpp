@@ -11,7 +11,6 @@ namespace {
 
 constexpr int kCapGap = 8;
 constexpr int kCapPadding = 5;
-constexpr double kCapScale = 0.92;
 
 }  // namespace
 
@@ -30,14 +29,8 @@ void KeyButton::ShowKeyCap(bool shown) {
     update();
 }
 
-QFont KeyButton::CapFont() const {
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * kCapScale);
-    return small;
-}
-
 int KeyButton::CapWidth() const {
-    return QFontMetrics(CapFont()).horizontalAdvance(keyCap_) + 2 * kCapPadding;
+    return QFontMetrics(QuietFont(font())).horizontalAdvance(keyCap_) + 2 * kCapPadding;
 }
 
 QSize KeyButton::sizeHint() const {
@@ -63,7 +56,7 @@ void KeyButton::paintEvent(QPaintEvent* event) {
     const bool filled = isDown() || isChecked();
     painter.setPen(!isEnabled() ? theme.quiet : filled ? theme.onAccent : theme.text);
     painter.drawText(QRect(left, 0, textWidth, height()), Qt::AlignVCenter | Qt::TextShowMnemonic, text());
-    painter.setFont(CapFont());
+    painter.setFont(QuietFont(font()));
     painter.setRenderHint(QPainter::Antialiasing);
     const int capHeight = painter.fontMetrics().height() + 2;
     const int top = (height() - capHeight) / 2;

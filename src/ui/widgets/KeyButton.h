@@ -25,7 +25,6 @@ protected:
 
 private:
     bool HasCap() const { return capShown_ && !keyCap_.isEmpty(); }
-    QFont CapFont() const;
     int CapWidth() const;
 
     QString keyCap_;

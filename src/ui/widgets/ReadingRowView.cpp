@@ -2,7 +2,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QStyle>
 
 #include "ui/widgets/UnitChoice.h"
 
@@ -28,7 +27,7 @@ ReadingRowView::ReadingRowView(bool stripe, QWidget* parent)
     setProperty("stripe", stripe);
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(7, 3, 7, 3);
-    row->setSpacing(8);
+    row->setSpacing(6);
     row->addWidget(name_);
     row->addWidget(value_, 1);
     row->addWidget(unit_);
@@ -38,14 +37,6 @@ ReadingRowView::ReadingRowView(bool stripe, QWidget* parent)
 void ReadingRowView::SetNameWidget(QWidget& widget) {
     delete layout()->replaceWidget(name_, &widget);
     name_->hide();
-}
-
-void ReadingRowView::SetQuiet(bool quiet) {
-    const char* const ink = quiet ? "quiet" : "";
-    if (value_->property("ink") == ink) return;
-    value_->setProperty("ink", ink);
-    value_->style()->unpolish(value_);
-    value_->style()->polish(value_);
 }
 
 void ReadingRowView::AlignColumns() {

@@ -19,9 +19,6 @@ public:
 
     // Takes the place of the label with the name.
     void SetNameWidget(QWidget& widget);
-    // Without emphasis: not yet valid, or an upper limit.
-    void SetQuiet(bool quiet);
-
     QLabel& Name() const { return *name_; }
     QLabel& Value() const { return *value_; }
     QLabel& Spread() const { return *spread_; }

@@ -74,11 +74,11 @@ public:
     ShapeButton(int shape, const QString& name, QWidget* parent) : QAbstractButton(parent), shape_(shape) {
         setText(name);
         setFocusPolicy(Qt::StrongFocus);
-        setProperty("role", "quiet");
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
     QSize sizeHint() const override {
-        return {fontMetrics().horizontalAdvance(text()) + 6, fontMetrics().height() + 26};
+        const QFontMetrics metrics(QuietFont(font()));
+        return {metrics.horizontalAdvance(text()) + 6, metrics.height() + 26};
     }
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -106,6 +106,7 @@ protected:
         const QColor ink = filled ? theme.onAccent : isEnabled() ? theme.text : theme.quiet;
         painter.setPen(QPen(ink, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.setBrush(Qt::NoBrush);
+        painter.setFont(QuietFont(font()));
         painter.drawText(rect().adjusted(0, 0, 0, -4), Qt::AlignHCenter | Qt::AlignBottom, text());
         painter.translate((width() - kPictureSize.width()) / 2.0, 7.0);
         painter.drawPath(Picture(shape_));

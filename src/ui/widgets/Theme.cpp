@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPalette>
+#include <QStyle>
 #include <QVariant>
 #include <QWidget>
 
@@ -19,11 +20,20 @@ struct RoleFont {
     bool bold;
 };
 
+constexpr double kQuietScale = 0.92;
+
 constexpr RoleFont kRoleFonts[] = {
-    {"unit", 2.6, false, false},       {"title", 1.12, false, false},      {"quiet", 0.92, false, false},
-    {"value", 1.15, true, true},       {"figure", 1.3, true, false},       {"boldfigure", 1.3, true, true},
-    {"order", 1.15, false, false},     {"state", 1.0, false, true},        {"rate", 1.0, false, false},
-    {"figureSmall", 1.0, true, false}, {"figureQuiet", 0.92, true, false},
+    {"unit", 2.6, false, false},
+    {"title", 1.12, false, false},
+    {"quiet", kQuietScale, false, false},
+    {"value", 1.15, true, true},
+    {"figure", 1.3, true, false},
+    {"boldfigure", 1.3, true, true},
+    {"order", 1.15, false, false},
+    {"state", 1.0, false, true},
+    {"rate", 1.0, false, false},
+    {"figureSmall", 1.0, true, false},
+    {"figureQuiet", kQuietScale, true, false},
 };
 
 QFont FontOf(const RoleFont& role) {
@@ -229,6 +239,23 @@ void PaintBackground(QPainter& painter, const QWidget& widget) {
 void ApplyTheme(QWidget& window) {
     window.setStyleSheet(StyleSheet(Theme::Current()));
     ApplyFonts(window);
+}
+
+QFont QuietFont(QFont font) {
+    font.setPointSizeF(font.pointSizeF() * kQuietScale);
+    return font;
+}
+
+void Repolish(QWidget& widget) {
+    widget.style()->unpolish(&widget);
+    widget.style()->polish(&widget);
+}
+
+void SetQuietInk(QWidget& label, bool quiet) {
+    const QByteArray ink = quiet ? "quiet" : "";
+    if (label.property("ink").toByteArray() == ink) return;
+    label.setProperty("ink", ink);
+    Repolish(label);
 }
 
 void ThemeChanges::Handle(const QEvent& event, const std::function<void()>& apply) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 #include <QString>
 #include <functional>
 
@@ -45,6 +46,13 @@ struct Theme {
 // quietNote, preset, alarm, segments, flat, small, column, trouble. A label with the property "ink" set to
 // "quiet" is drawn without emphasis.
 void ApplyTheme(QWidget& window);
+
+// The size of captions and units.
+QFont QuietFont(QFont font);
+// Draws a label without emphasis, or as usual.
+void SetQuietInk(QWidget& label, bool quiet);
+// Applies the style sheet again after a change of the widget's role.
+void Repolish(QWidget& widget);
 
 // Follows changes of the desktop's colours and fonts. One for each window.
 class ThemeChanges {

@@ -15,6 +15,7 @@ constexpr int kUnitArrow = 18;
 
 UnitChoice::UnitChoice(QWidget* parent) : ChoiceBox(parent, {kUnitIndent, kUnitArrow}) {
     setProperty("role", "quiet");
+    setAccessibleName(tr("Unit"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
         connect(model(), signal, this, &UnitChoice::FollowCount);

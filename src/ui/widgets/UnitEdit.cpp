@@ -11,7 +11,6 @@ namespace {
 
 constexpr int kUnitMargin = 9;
 constexpr int kUnitGap = 6;
-constexpr double kUnitScale = 0.92;
 
 }  // namespace
 
@@ -25,8 +24,7 @@ void UnitEdit::SetUnit(const QString& unit) {
 }
 
 QFont UnitEdit::UnitFont() const {
-    QFont font = QApplication::font();
-    font.setPointSizeF(font.pointSizeF() * kUnitScale);
+    QFont font = QuietFont(QApplication::font());
     // A painter takes what is not set from the field's font.
     font.setFamilies(font.families());
     font.setBold(false);

@@ -48,11 +48,14 @@ void WaveChoice::focusInEvent(QFocusEvent* event) {
     if (!buttons.isEmpty()) buttons[std::max(Index(), 0)]->setFocus(event->reason());
 }
 
+// The tab key reaches the selected button, arrow keys the others.
 void WaveChoice::SetIndex(int index) {
     // Qt cannot clear the selection of an exclusive group.
     group_.setExclusive(false);
     for (QAbstractButton* button : group_.buttons()) button->setChecked(group_.id(button) == index);
     group_.setExclusive(true);
+    for (QAbstractButton* button : group_.buttons())
+        button->setFocusPolicy(group_.id(button) == std::max(index, 0) ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 }  // namespace sonavex::ui

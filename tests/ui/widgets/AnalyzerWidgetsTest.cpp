@@ -139,9 +139,9 @@ TEST(RowOfAReading, IsQuietUntilItIsValid) {
     row->Value().setText("-97.70");
     ui::ApplyTheme(window);
     row->AlignColumns();
-    row->SetQuiet(true);
+    ui::SetQuietInk(row->Value(), true);
     EXPECT_EQ(row->Value().palette().color(QPalette::WindowText), ui::Theme::Current().quiet);
-    row->SetQuiet(false);
+    ui::SetQuietInk(row->Value(), false);
     EXPECT_EQ(row->Value().palette().color(QPalette::WindowText), ui::Theme::Current().text);
 }
 

@@ -6,6 +6,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
@@ -72,6 +73,15 @@ TYPED_TEST(ButtonsOf, AreReachedByTheLetterOfTheirLabel) {
     label.setBuddy(&this->choice);
     label.show();
     QTest::keyClick(&this->window, Qt::Key_K, Qt::AltModifier);
+    EXPECT_TRUE(this->Button(1).hasFocus());
+}
+
+TYPED_TEST(ButtonsOf, AreReachedByTheTabKeyWhereOneIsSelected) {
+    QLineEdit before(&this->window);
+    QWidget::setTabOrder(&before, &this->Button(0));
+    before.show();
+    before.setFocus();
+    QTest::keyClick(&before, Qt::Key_Tab);
     EXPECT_TRUE(this->Button(1).hasFocus());
 }
 
