@@ -88,13 +88,15 @@ std::vector<Binder::Pair> Binder::Pairs() const {
     return pairs;
 }
 
+// Texts of the core use carriage returns as line breaks.
+void Binder::ShowLabel(QLabel& widget, const Label& control) {
+    widget.setText(Text(control.Caption()).replace(u'\r', u'\n'));
+    widget.setEnabled(control.Enabled());
+    if (widget.isHidden() == control.Visible()) widget.setVisible(control.Visible());
+}
+
 void Binder::Bind(QLabel& widget, Label& control) {
-    Add(widget, control, [&widget, &control] {
-        // Texts of the core use carriage returns as line breaks.
-        widget.setText(Text(control.Caption()).replace(u'\r', u'\n'));
-        widget.setEnabled(control.Enabled());
-        if (widget.isHidden() == control.Visible()) widget.setVisible(control.Visible());
-    });
+    Add(widget, control, [&widget, &control] { ShowLabel(widget, control); });
 }
 
 void Binder::Bind(QLineEdit& widget, TextBox& control) {

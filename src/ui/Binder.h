@@ -28,7 +28,22 @@
 #include "ui/widgets/WaveChoice.h"
 #include "ui/widgets/WaveView.h"
 
+class QProgressBar;
+
+namespace sonavex {
+class HarmonicsTable;
+class NoteLabel;
+class ReadingLabel;
+class StateChip;
+struct LengthEntry;
+}  // namespace sonavex
+
 namespace sonavex::ui {
+
+class ChipView;
+class ElidedLabel;
+class HarmonicsView;
+class LengthChoice;
 
 // Binds widgets to control values, one call per pair. Changes by the core are shown once per event. User
 // input reaches the control's handler through the guard, after every pending text entry. A pair of types that
@@ -57,10 +72,18 @@ public:
     void Bind(StateDot& widget, Indicator& control);
     void Bind(SpectrumView& widget, SpectrumPlot& control);
     void Bind(WaveView& widget, WavePlot& control);
+    void Bind(QLabel& widget, ReadingLabel& control);
+    void Bind(ElidedLabel& widget, NoteLabel& control);
+    void Bind(ChipView& widget, StateChip& control);
+    void Bind(HarmonicsView& widget, HarmonicsTable& control);
+    void Bind(QProgressBar& widget, ProgressBar& control);
+    // The entries' columns belong to the items of the control.
+    void Bind(LengthChoice& widget, ComboBox& control, const std::vector<LengthEntry>& entries);
 
-    // Passes what the user has typed to the controls. Runs before every user event of a bound widget; call it
-    // before an event that reaches the form in another way.
+    // Passes what the user has typed to the controls. Runs before every user event of a bound widget.
     void CompleteEntries();
+    // Runs a user event that reaches the form in another way than through a bound widget.
+    void Handle(const std::function<void()>& handler);
 
     // Shows all changes. Runs automatically after each event; call it once after binding.
     void Flush();
@@ -80,9 +103,9 @@ private:
     };
 
     void Add(QObject& widget, Control& control, std::function<void()> show);
+    static void ShowLabel(QLabel& widget, const Label& control);
     void ShowEntriesBeforeSteps(NotchSlider& slider);
     void Schedule();
-    void Handle(const std::function<void()>& handler);
 
     HandlerGuard& guard_;
     std::function<void()> afterFlush_;

@@ -15,9 +15,16 @@ bool MayOwn(const QWidget& window) {
     return window.windowType() != Qt::SplashScreen && qobject_cast<const HelpWindow*>(&window) == nullptr;
 }
 
-// Owner of a new dialog: an open dialog, else the main window, else the active window.
+// Whether the window claims the dialogs that open while it is active.
+bool OwnsDialogs(const QWidget* window) {
+    return window != nullptr && window->property("ownsDialogs").toBool();
+}
+
+// Owner of a new dialog: an open dialog, else the active window if it says so, else the main window, else the
+// active window.
 QWidget* Owner() {
     if (QWidget* const modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
+    if (QWidget* const active = QApplication::activeWindow(); OwnsDialogs(active)) return active;
     for (QWidget* const window : QApplication::topLevelWidgets())
         if (window->isVisible() && qobject_cast<QMainWindow*>(window) != nullptr) return window;
     QWidget* const active = QApplication::activeWindow();

@@ -25,7 +25,7 @@ void ShowLevel(QWidget& dialog, const char* name, const Slider& level, int perce
 }  // namespace
 
 SoundDialog::SoundDialog(frmSound& form, HandlerGuard& guard, QWidget& parent)
-    : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmSound>()) {
+    : ModelessDialog(form, guard, &parent), form_(form), ui_(std::make_unique<Ui::frmSound>()) {
     ui_->setupUi(this);
     BindControls();
     for (QSlider* slider : findChildren<QSlider*>()) slider->installEventFilter(this);
@@ -59,7 +59,7 @@ void SoundDialog::Decorate() {
 }
 
 SoundVistaDialog::SoundVistaDialog(frmSoundVista& form, HandlerGuard& guard, QWidget& parent)
-    : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmSoundVista>()) {
+    : ModelessDialog(form, guard, &parent), form_(form), ui_(std::make_unique<Ui::frmSoundVista>()) {
     ui_->setupUi(this);
     BindControls();
     Complete();
@@ -83,7 +83,7 @@ void SoundVistaDialog::Decorate() {
 }
 
 VistaToneDialog::VistaToneDialog(frmVistaTone& form, HandlerGuard& guard, QWidget& parent)
-    : ModelessDialog(form, guard, parent), form_(form), ui_(std::make_unique<Ui::frmVistaTone>()) {
+    : ModelessDialog(form, guard, &parent), form_(form), ui_(std::make_unique<Ui::frmVistaTone>()) {
     ui_->setupUi(this);
     KeepsPlace = false;
     BindControls();

@@ -16,8 +16,8 @@ constexpr int kLabelPadding = 4;
 
 }  // namespace
 
-ModelessDialog::ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget& parent)
-    : QDialog(&parent),
+ModelessDialog::ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget* parent)
+    : QDialog(parent, parent == nullptr ? Qt::Window : Qt::WindowFlags()),
       form_(form),
       guard_(guard),
       binder_(guard, [this] { Decorate(); }),
@@ -37,7 +37,7 @@ void ModelessDialog::Complete() {
     ensurePolished();
     for (QWidget* widget : findChildren<QWidget*>()) widget->ensurePolished();
     Decorate();
-    resize(sizeHint().expandedTo(minimumSizeHint()));
+    resize(FirstSize());
     placement_.ReportSize();
 }
 

@@ -15,8 +15,8 @@ class ModelessDialog : public QDialog {
     Q_OBJECT
 
 public:
-    // Both must outlive the dialog.
-    ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget& parent);
+    // Form and guard must outlive the dialog. Without a parent it is a window that other windows can cover.
+    ModelessDialog(ModelessForm& form, HandlerGuard& guard, QWidget* parent);
 
     const Binder& Bindings() const noexcept { return binder_; }
 
@@ -32,6 +32,8 @@ protected:
     virtual void Decorate() {}
     // Runs after the theme has been applied: sets widths that depend on fonts.
     virtual void Align() {}
+    // The size before the form is shown for the first time.
+    virtual QSize FirstSize() const { return sizeHint().expandedTo(minimumSizeHint()); }
     // False for a form without a stored position: it opens next to its parent.
     bool KeepsPlace = true;
 

@@ -43,13 +43,15 @@ private:
     bool needed_;
 };
 
-// The window that a box belongs to: the main window or one of its dialogs. Other windows, such as the help,
-// may close while the box is open.
+// The window that a box belongs to: the main window, one of its dialogs, or an active window that claims its
+// dialogs. Other windows, such as the help, may close while the box is open.
 QWidget* Owner() {
     if (QWidget* const modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
+    QWidget* const active = QApplication::activeWindow();
+    if (active != nullptr && active->property("ownsDialogs").toBool()) return active;
     for (QWidget* const window : QApplication::topLevelWidgets())
         if (window->isVisible() && qobject_cast<QMainWindow*>(window) != nullptr) return window;
-    return QApplication::activeWindow();
+    return active;
 }
 
 }  // namespace

@@ -1,0 +1,223 @@
+#include "ui/AnalyzerWindow.h"
+
+#include <QApplication>
+#include <QHideEvent>
+#include <QIcon>
+#include <QPainter>
+#include <QResizeEvent>
+#include <QScreen>
+#include <QShortcut>
+#include <QStyle>
+#include <algorithm>
+#include <initializer_list>
+
+#include "ui/widgets/ReadingRowView.h"
+#include "ui/widgets/UnitChoice.h"
+#include "ui_frmAnalyzer.h"
+
+namespace sonavex::ui {
+namespace {
+
+// A smaller window is compact.
+constexpr QSize kRoomy(1150, 760);
+constexpr int kSideWidth = 272;
+constexpr int kReadingsWidth = 304;
+// Between a side column and the middle; the column's scroll bar is inside.
+constexpr int kColumnGap = 12;
+constexpr int kFieldPadding = 14;
+// The picture is as wide as high; the rest is a gap before the text.
+constexpr QSize kStartIcon(18, 12);
+
+// Gives the cards of a column the same width. The column is wider by the gap, in which its scroll bar
+// appears.
+void FixColumn(QWidget& column, std::initializer_list<QWidget*> cards, int leastWidth) {
+    int width = leastWidth;
+    for (const QWidget* card : cards) width = std::max(width, card->minimumSizeHint().width());
+    for (QWidget* card : cards) card->setFixedWidth(width);
+    column.setFixedWidth(width + kColumnGap);
+}
+
+template <class Widget>
+void FixHeights(QWidget& parent) {
+    const int height = QFontMetrics(QApplication::font()).height() + kFieldPadding;
+    for (Widget* field : parent.findChildren<Widget*>()) field->setFixedHeight(height);
+}
+
+void ShowRow(std::initializer_list<QWidget*> row, bool shown) {
+    for (QWidget* widget : row) widget->setVisible(shown);
+}
+
+// A square while the stimulus plays, else a triangle.
+QIcon StartIcon(bool playing, const QColor& ink, qreal pixelRatio) {
+    QPixmap picture(kStartIcon * pixelRatio);
+    picture.setDevicePixelRatio(pixelRatio);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ink);
+    if (playing)
+        painter.drawRoundedRect(QRectF(1.0, 1.0, 10.0, 10.0), 1.5, 1.5);
+    else
+        painter.drawPolygon(QPolygonF({{2.0, 0.5}, {11.5, 6.0}, {2.0, 11.5}}));
+    return picture;
+}
+
+}  // namespace
+
+AnalyzerWindow::AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard)
+    : ModelessDialog(form, guard, nullptr), form_(form), ui_(std::make_unique<Ui::frmAnalyzer>()) {
+    ui_->setupUi(this);
+    setProperty("ownsDialogs", true);
+    ui_->cmdStart->setIconSize(kStartIcon);
+    MakeRows();
+    BindControls();
+    for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
+    connect(ui_->cmdFoldWaves, &QPushButton::clicked, this,
+            [this] { ShowWaves(!ui_->cmdFoldWaves->Open()); });
+    ConnectKeys();
+    Complete();
+}
+
+AnalyzerWindow::~AnalyzerWindow() = default;
+
+void AnalyzerWindow::MakeRows() {
+    for (std::size_t i = 0; i < form_.Readings.Rows.size(); ++i) {
+        rows_.push_back(new ReadingRowView(i % 2 == 0, ui_->readingsCard));
+        ui_->readingsCard->layout()->addWidget(rows_.back());
+        if (i == ReadingsPanel::kNoise) ui_->readingsCard->layout()->addWidget(ui_->lblNoiseBand);
+    }
+}
+
+// A letter does not act while a field has the focus: the field then takes the key as text.
+void AnalyzerWindow::ConnectKeys() {
+    const std::pair<QKeySequence, QAbstractButton*> buttons[] = {
+        {Qt::Key_H, ui_->cmdHold},      {Qt::Key_K, ui_->cmdKeep},          {Qt::Key_F, ui_->cmdFit},
+        {Qt::Key_R, ui_->cmdFoldWaves}, {QKeySequence::Copy, ui_->cmdCopy}, {Qt::Key_F5, ui_->cmdStart}};
+    for (const auto& [key, button] : buttons)
+        connect(new QShortcut(key, this), &QShortcut::activated, button, &QAbstractButton::click);
+    auto* const single = new QShortcut(Qt::Key_Space, ui_->Spectrum);
+    single->setContext(Qt::WidgetShortcut);
+    connect(single, &QShortcut::activated, ui_->cmdSingle, &QAbstractButton::click);
+    OnKey(Qt::Key_U, [this] { form_.Readings.ToggleUnit(); });
+    OnKey(Qt::Key_Plus, [this] { form_.Spectrum.UserZoomsAtCursor(1.0); });
+    OnKey(Qt::Key_Minus, [this] { form_.Spectrum.UserZoomsAtCursor(-1.0); });
+    OnKey(QKeySequence::HelpContents, [this] {
+        if (OnHelp) OnHelp();
+    });
+}
+
+void AnalyzerWindow::OnKey(const QKeySequence& key, const std::function<void()>& handler) {
+    connect(new QShortcut(key, this), &QShortcut::activated, this,
+            [this, handler] { Bindings().Handle(handler); });
+}
+
+// Left column, plot, waveforms, right column, buttons.
+void AnalyzerWindow::OrderTabs() {
+    QWidget* const order[] = {ui_->cmbShape,     ui_->cmbPair,       ui_->txtFrequency, ui_->txtFrequency2,
+                              ui_->txtRatio,     ui_->txtTones,      ui_->cmbNoise,     ui_->chkSnap,
+                              ui_->txtLevel,     ui_->cmbLevelUnit,  ui_->cmdCalibrate, ui_->cmbDither,
+                              ui_->cmbSide,      ui_->cmdStart,      ui_->cmbLength,    ui_->txtAverages,
+                              ui_->cmbBand,      ui_->cmbWeighting,  ui_->cmbChannel,   ui_->txtHarmonics,
+                              ui_->Spectrum,     ui_->cmdRemoveKept, ui_->cmbPlotUnit,  ui_->cmdFit,
+                              ui_->cmdFoldWaves, ui_->cmbPeriods,    ui_->cmbThdUnit};
+    QWidget* last = nullptr;
+    const auto append = [&last](QWidget* next) {
+        if (last != nullptr) setTabOrder(last, next);
+        last = next;
+    };
+    const auto appendAll = [&append](QWidget* next) {
+        const auto* const choice = qobject_cast<WaveChoice*>(next);
+        if (choice == nullptr) return append(next);
+        for (QAbstractButton* button : choice->Buttons()) append(button);
+    };
+    for (QWidget* next : order) appendAll(next);
+    for (const ReadingRowView* row : rows_) append(&row->Unit());
+    QWidget* const buttons[] = {ui_->cmdHold, ui_->cmdSingle, ui_->cmdKeep, ui_->cmdCopy};
+    for (QWidget* button : buttons) append(button);
+}
+
+void AnalyzerWindow::Align() {
+    playing_.reset();  // the icon has the theme's colour
+    AlignColumn({ui_->capFrequency, ui_->capPair, ui_->capFrequency2, ui_->capRatio, ui_->capTones,
+                 ui_->capNoise, ui_->capLevel, ui_->capDither, ui_->capTo, ui_->capLength, ui_->capAverages,
+                 ui_->capBand, ui_->capWeighting, ui_->capChannel, ui_->capHarmonics});
+    FixHeights<QLineEdit>(*ui_->leftContents);
+    FixHeights<QComboBox>(*ui_->leftContents);
+    FixHeights<SegmentedChoice>(*ui_->leftContents);
+    for (ReadingRowView* row : rows_) row->AlignColumns();
+    for (QWidget* widget : findChildren<QWidget*>()) widget->ensurePolished();
+    FixColumn(*ui_->leftColumn, {ui_->stimulusCard, ui_->analysisCard}, kSideWidth);
+    FixColumn(*ui_->rightColumn, {ui_->thdCard, ui_->readingsCard, ui_->harmonicsCard}, kReadingsWidth);
+}
+
+QSize AnalyzerWindow::FirstSize() const {
+    const QSize stored(form_.StoredWidth(), form_.StoredHeight());
+    return stored.boundedTo(screen()->availableSize()).expandedTo(minimumSize());
+}
+
+void AnalyzerWindow::hideEvent(QHideEvent* event) {
+    ModelessDialog::hideEvent(event);
+    if (!event->spontaneous()) form_.StoreSize(width(), height());
+}
+
+// The choices make their buttons when the form fills them.
+void AnalyzerWindow::showEvent(QShowEvent* event) {
+    ModelessDialog::showEvent(event);
+    OrderTabs();
+}
+
+void AnalyzerWindow::resizeEvent(QResizeEvent* event) {
+    ModelessDialog::resizeEvent(event);
+    const bool compact = width() < kRoomy.width() || height() < kRoomy.height();
+    if (compact == compact_) return;
+    compact_ = compact;
+    ui_->cmdCopy->ShowKeyCap(!compact);
+    for (QWidget* legend :
+         {static_cast<QWidget*>(ui_->swatchNoise), static_cast<QWidget*>(ui_->capNoisePerBin)})
+        legend->setVisible(!compact);
+    ShowWaves(!compact);
+}
+
+void AnalyzerWindow::ShowWaves(bool open) {
+    ui_->cmdFoldWaves->SetOpen(open);
+    QWidget* const parts[] = {ui_->Waves,           ui_->swatchCaptured,   ui_->capCaptured,
+                              ui_->swatchHarmonics, ui_->capHarmonicsOnly, ui_->capPeriods,
+                              ui_->cmbPeriods};
+    for (QWidget* part : parts) part->setVisible(open);
+}
+
+// A shape shows only its own entries.
+void AnalyzerWindow::DecorateStimulus() {
+    const StimulusPanel& stimulus = form_.Stimulus;
+    const bool ownPair = stimulus.HasOwnPair();
+    ShowRow({ui_->capPair, ui_->cmbPair}, stimulus.HasPair());
+    ShowRow({ui_->capFrequency, ui_->txtFrequency},
+            stimulus.HasFrequency() && (ownPair || !stimulus.HasPair()));
+    ShowRow({ui_->capFrequency2, ui_->txtFrequency2, ui_->capRatio, ui_->txtRatio}, ownPair);
+    ShowRow({ui_->capTones, ui_->txtTones}, stimulus.HasTones());
+    ShowRow({ui_->capNoise, ui_->cmbNoise}, stimulus.HasNoise());
+    ShowRow({ui_->chkSnap, ui_->lblPlayed}, !stimulus.HasNoise());
+    DecorateStart();
+    ui_->lblTrouble->setVisible(!form_.Stimulus.lblTrouble.Caption().empty());
+}
+
+void AnalyzerWindow::DecorateStart() {
+    const bool playing = form_.Stimulus.shpPlaying.BackColor() == kLightGreen;
+    if (playing == playing_) return;
+    playing_ = playing;
+    ui_->cmdStart->setIcon(StartIcon(playing, Theme::Current().onAccent, devicePixelRatio()));
+}
+
+void AnalyzerWindow::Decorate() {
+    DecorateStimulus();
+    ui_->note->setVisible(!form_.note.Caption().empty());
+    const bool kept = !form_.lblLegendKept.Caption().empty();
+    ShowRow({ui_->swatchKept, ui_->lblLegendKept, ui_->cmdRemoveKept}, kept);
+}
+
+void AnalyzerWindow::reject() {
+    if (qobject_cast<QLineEdit*>(focusWidget()) != nullptr) ui_->Spectrum->setFocus();
+}
+
+}  // namespace sonavex::ui

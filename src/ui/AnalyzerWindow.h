@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QKeySequence>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/precise/display/frmAnalyzer.h"
+#include "ui/ModelessDialog.h"
+
+namespace Ui {
+class frmAnalyzer;
+}
+
+namespace sonavex::ui {
+
+class ReadingRowView;
+
+// The Analyzer: a second window with the spectrum, the waveform and the readings of the precise measurement.
+// A small window folds the waveforms and shortens texts.
+class AnalyzerWindow : public ModelessDialog {
+    Q_OBJECT
+
+public:
+    // Both must outlive the window.
+    AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard);
+    ~AnalyzerWindow() override;
+
+    // Shows the help page about the front tab.
+    std::function<void()> OnHelp;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    // Escape leaves an entry; it does not close the window.
+    void reject() override;
+
+private:
+    void MakeRows();
+    void BindControls();
+    void BindPlots();
+    void BindStimulus();
+    void BindAnalysis();
+    void BindReadings();
+    void ConnectKeys();
+    void OnKey(const QKeySequence& key, const std::function<void()>& handler);
+    void OrderTabs();
+    QSize FirstSize() const override;
+    void Align() override;
+    void Decorate() override;
+    void DecorateStimulus();
+    void DecorateStart();
+    void ShowWaves(bool open);
+
+    frmAnalyzer& form_;
+    std::unique_ptr<Ui::frmAnalyzer> ui_;
+    std::vector<ReadingRowView*> rows_;
+    bool compact_ = false;
+    std::optional<bool> playing_;  // as the start button shows
+};
+
+}  // namespace sonavex::ui

@@ -1,0 +1,262 @@
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "support/CreatedControls.h"
+#include "ui/AnalyzerRig.h"
+#include "ui/AnalyzerWindow.h"
+#include "ui/ClippedTexts.h"
+#include "ui/widgets/KeyButton.h"
+#include "ui/widgets/SegmentedChoice.h"
+#include "ui/widgets/UnitChoice.h"
+
+namespace sonavex {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr QSize kUsualSize(1240, 800);
+constexpr QSize kSmallestSize(1000, 640);
+
+using AnalyzerWindowTest = AnalyzerRig;
+
+TEST_F(AnalyzerWindowTest, JoinsEveryControlOfTheForm) {
+    std::optional<frmAnalyzer> again;
+    std::vector<Control*> created = CreatedControls([&] { again.emplace(NeedsOn(rig, background)); });
+    std::erase(created, &again->Frame);  // the window itself
+    const ui::AnalyzerWindow analyzer(*again, guard);
+    std::map<Control*, std::string> joined;
+    for (const auto& pair : analyzer.Bindings().Pairs())
+        joined[pair.control] = pair.widget->objectName().toStdString();
+    std::string before;
+    for (Control* control : created) {
+        EXPECT_EQ(joined.count(control), 1U) << "the control after " << before;
+        if (joined.count(control) != 0) before = joined[control];
+    }
+    EXPECT_EQ(joined.size(), created.size());
+}
+
+TEST_F(AnalyzerWindowTest, GivesEveryWidgetAnAccessibleName) {
+    Open(kUsualSize);
+    for (const auto& pair : std::as_const(window).Bindings().Pairs()) {
+        const auto* widget = qobject_cast<QWidget*>(pair.widget);
+        if (widget == nullptr || widget->objectName() == "Tabs") continue;
+        const bool saysItself = !widget->property("text").toString().isEmpty();
+        EXPECT_TRUE(saysItself || !widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
+    }
+}
+
+TEST_F(AnalyzerWindowTest, ReachesEveryControlByTheTabKey) {
+    Open(kUsualSize);
+    std::set<const QWidget*> unreached;
+    // Arrow keys reach the other buttons of a choice.
+    const auto reachedByArrows = [](const QWidget* widget) {
+        const auto* button = qobject_cast<const QAbstractButton*>(widget);
+        return button != nullptr && button->group() != nullptr && !button->isChecked();
+    };
+    for (const QWidget* widget : window.findChildren<QWidget*>())
+        if (widget->isVisible() && !reachedByArrows(widget) && widget->isEnabled() &&
+            widget->focusProxy() == nullptr && (widget->focusPolicy() & Qt::TabFocus) != 0)
+            unreached.insert(widget);
+    window.activateWindow();
+    for (int i = 0; i < 80; ++i) {
+        QTest::keyClick(QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : &window,
+                        Qt::Key_Tab);
+        unreached.erase(QApplication::focusWidget());
+    }
+    for (const QWidget* widget : unreached)
+        ADD_FAILURE() << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
+}
+
+TEST_F(AnalyzerWindowTest, GoesFromTheLeftColumnToThePlotTheStripTheReadingsAndTheButtons) {
+    Open(kUsualSize);
+    std::vector<std::string> parts;
+    QWidget* widget = &Find<QWidget>("txtFrequency");
+    widget->setFocus();
+    const char* const areas[] = {"leftColumn", "plotCard", "waveCard", "rightColumn", "buttonRow"};
+    for (int i = 0; i < 60 && (parts.empty() || parts.back() != "buttonRow"); ++i) {
+        for (const char* area : areas)
+            if (Find<QWidget>(area).isAncestorOf(QApplication::focusWidget()) &&
+                (parts.empty() || parts.back() != area))
+                parts.emplace_back(area);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_THAT(parts,
+                testing::ElementsAre("leftColumn", "plotCard", "waveCard", "rightColumn", "buttonRow"));
+}
+
+TEST_F(AnalyzerWindowTest, PressesNoButtonByReturnInAnEntry) {
+    Open(kUsualSize);
+    QSignalSpy calibrated(&Find<QPushButton>("cmdCalibrate"), &QPushButton::clicked);
+    QSignalSpy held(&Find<QPushButton>("cmdHold"), &QPushButton::clicked);
+    auto& entry = Find<QLineEdit>("txtFrequency");
+    entry.setFocus();
+    QTest::keyClick(&entry, Qt::Key_Return);
+    EXPECT_EQ(calibrated.count() + held.count(), 0);
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(AnalyzerWindowTest, LeavesAnEntryWithItsOldTextByEscape) {
+    Open(kUsualSize);
+    auto& entry = Find<QLineEdit>("txtFrequency");
+    entry.setFocus();
+    entry.selectAll();
+    QTest::keyClicks(&entry, "440");
+    QTest::keyClick(&entry, Qt::Key_Escape);
+    EXPECT_EQ(entry.text(), "19999.756");
+    EXPECT_FALSE(entry.hasFocus());
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_TRUE(window.isVisible());
+}
+
+// A key and the button that it presses.
+using KeyPress = std::pair<QKeyCombination, const char*>;
+class AnalyzerKeys : public AnalyzerRig, public testing::WithParamInterface<KeyPress> {};
+
+TEST_P(AnalyzerKeys, PressTheirButton) {
+    Open(kUsualSize);
+    QSignalSpy pressed(&Find<QPushButton>(GetParam().second), &QPushButton::clicked);
+    Find<QWidget>("Spectrum").setFocus();
+    QTest::keyClick(QApplication::focusWidget(), GetParam().first.key(),
+                    GetParam().first.keyboardModifiers());
+    EXPECT_EQ(pressed.count(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, AnalyzerKeys,
+                         testing::Values(KeyPress{Qt::Key_Space, "cmdSingle"}, KeyPress{Qt::Key_H, "cmdHold"},
+                                         KeyPress{Qt::Key_K, "cmdKeep"}, KeyPress{Qt::Key_F, "cmdFit"},
+                                         KeyPress{Qt::Key_R, "cmdFoldWaves"},
+                                         KeyPress{Qt::CTRL | Qt::Key_C, "cmdCopy"},
+                                         KeyPress{Qt::Key_F5, "cmdStart"}));
+
+TEST_F(AnalyzerWindowTest, TakesLettersAsTextInAnEntry) {
+    Open(kUsualSize);
+    QSignalSpy held(&Find<QPushButton>("cmdHold"), &QPushButton::clicked);
+    auto& entry = Find<QLineEdit>("txtTones");
+    form.Stimulus.cmbShape.UserSelects(StimulusPanel::kMultitone);
+    Settle();
+    entry.setFocus();
+    entry.clear();
+    QTest::keyClicks(&entry, "hkfru");
+    EXPECT_EQ(entry.text(), "hkfru");
+    EXPECT_EQ(held.count(), 0);
+}
+
+TEST_F(AnalyzerWindowTest, ChangesTheUnitOfThdByU) {
+    Open(kUsualSize);
+    QTest::keyClick(&Find<QWidget>("Spectrum"), Qt::Key_U);
+    EXPECT_EQ(form.Readings.cmbThdUnit.ListIndex(), 1);
+    QTest::keyClick(&Find<QWidget>("Spectrum"), Qt::Key_U);
+    EXPECT_EQ(form.Readings.cmbThdUnit.ListIndex(), 0);
+}
+
+TEST_F(AnalyzerWindowTest, IsAWindowThatOthersCanCover) {
+    EXPECT_EQ(window.windowType(), Qt::Window);
+    EXPECT_EQ(window.parentWidget(), nullptr);
+    EXPECT_TRUE(window.minimumSizeHint().width() <= kSmallestSize.width() &&
+                window.minimumSizeHint().height() <= kSmallestSize.height());
+}
+
+TEST_F(AnalyzerWindowTest, ShowsEverythingAtItsUsualSize) {
+    Open(kUsualSize);
+    EXPECT_TRUE(Find<QWidget>("Waves").isVisible());
+    EXPECT_EQ(Find<QScrollArea>("leftColumn").verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(Find<QScrollArea>("rightColumn").verticalScrollBar()->maximum(), 0);
+}
+
+TEST_F(AnalyzerWindowTest, FoldsAndScrollsWhenItIsSmall) {
+    Open(kSmallestSize);
+    EXPECT_EQ(window.size(), kSmallestSize);
+    EXPECT_FALSE(Find<QWidget>("Waves").isVisible());
+    EXPECT_GT(Find<QScrollArea>("leftColumn").verticalScrollBar()->maximum(), 0);
+    window.resize(kUsualSize);
+    Settle();
+    EXPECT_TRUE(Find<QWidget>("Waves").isVisible());
+}
+
+struct Look {
+    const char* name;
+    QSize size;
+    std::function<void(frmAnalyzer&)> show;
+};
+
+class AnalyzerTexts : public AnalyzerRig, public testing::WithParamInterface<Look> {};
+
+void ShowShape(frmAnalyzer& form, std::int32_t shape) {
+    form.Stimulus.cmbShape.SetListIndex(shape);
+}
+
+TEST_P(AnalyzerTexts, FitIn) {
+    Open(GetParam().size, GetParam().show);
+    EXPECT_THAT(ClippedTexts(window), IsEmpty());
+}
+
+std::vector<Look> Looks() {
+    const std::pair<const char*, std::function<void(frmAnalyzer&)>> states[] = {
+        {"Valid", [](frmAnalyzer&) {}},
+        {"Settling",
+         [](frmAnalyzer& form) {
+             form.Chip.Show(StateChip::Kind::kSettling, "SETTLING 100 of 100", 0.4);
+             form.Readings.lblThdSpread.SetCaption("\u00B1 10.11 dB so far");
+         }},
+        {"Unsteady",
+         [](frmAnalyzer& form) {
+             form.Chip.Show(StateChip::Kind::kUnsteady, "UNSTEADY -60 dBc within 6 Hz");
+         }},
+        {"Void",
+         [](frmAnalyzer& form) {
+             form.Chip.Show(StateChip::Kind::kVoid, "VOID 96000 frames lost");
+             form.lblBits.SetCaption("in 24, 16 used \u00B7 out 16 bit");
+             form.note.SetCaption("limited by 16 bit");
+             form.note.SetEmphasis(true);
+             form.Readings.lblThd.SetCaption("none");
+             form.Readings.lblThdSpread.SetCaption("last valid 10:42:07");
+             form.Readings.lblThdOther.SetCaption("");
+         }},
+        {"Overload", [](frmAnalyzer& form) { form.Chip.Show(StateChip::Kind::kOverload, "OVERLOAD"); }},
+        {"Bound",
+         [](frmAnalyzer& form) {
+             form.Readings.lblThd.SetCaption("\u2264 -141.2");
+             form.Readings.lblThdSpread.SetCaption("in the noise");
+             form.Readings.lblThdOther.SetCaption("\u2264 0.000009 %");
+         }},
+        {"Percent",
+         [](frmAnalyzer& form) {
+             form.Readings.lblThd.SetCaption("0.000744");
+             form.Readings.cmbThdUnit.SetListIndex(1);
+         }},
+        {"Trouble",
+         [](frmAnalyzer& form) {
+             form.Stimulus.lblTrouble.SetCaption(
+                 "The stimulus cannot start while the generator of the main window plays. Stop the generator "
+                 "first.");
+         }},
+        {"TwoTones", [](frmAnalyzer& form) { ShowShape(form, 1); }},
+        {"Multitone", [](frmAnalyzer& form) { ShowShape(form, 2); }},
+        {"Noise", [](frmAnalyzer& form) { ShowShape(form, 6); }},
+    };
+    std::vector<Look> looks;
+    for (const auto& [name, show] : states) {
+        looks.push_back({name, kUsualSize, show});
+        looks.push_back({name, kSmallestSize, show});
+    }
+    return looks;
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryState, AnalyzerTexts, testing::ValuesIn(Looks()), [](const auto& instance) {
+    return std::string(instance.param.name) +
+           (instance.param.size == kUsualSize ? "AtTheUsualSize" : "AtTheSmallestSize");
+});
+
+}  // namespace
+}  // namespace sonavex
