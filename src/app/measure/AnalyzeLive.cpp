@@ -9,7 +9,6 @@
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
 #include "app/measure/SavedReadings.h"
-#include "core/analyzer/SpectrumMean.h"
 #include "core/precise/results/ExportedMeasurement.h"
 #include "platform/sndfile/SndfileFiles.h"
 
@@ -32,7 +31,6 @@ public:
         ClearProgress();
         if (options_.json) Print(AnalyzedJson(reading) + '\n');
         last_ = std::move(reading);
-        if (!options_.spectrum.empty() && Valid()) AddSpectrum();
     }
 
     void ShowProgress() const {
@@ -56,12 +54,6 @@ private:
         if (visible_) std::cerr << kClearLine << std::flush;
     }
 
-    // Of all records since the average began.
-    void AddSpectrum() {
-        if (!spectrum_ || last_.values.reading.blocks == 1) spectrum_.emplace(meter_.Plan());
-        spectrum_->Add(meter_.Samples());
-    }
-
     void WriteFiles() const {
         const SndfileFiles files;
         if (!options_.savedReference.empty())
@@ -71,7 +63,7 @@ private:
                                 "");
         if (!options_.spectrum.empty())
             files.WriteText(options_.spectrum,
-                            SpectrumCsv({}, ExportedSpectrum::Of(*spectrum_, meter_.Plan())));
+                            SpectrumCsv({}, ExportedSpectrum::Of(meter_.Spectrum(), meter_.Plan())));
     }
 
     const AnalyzeOptions& options_;
@@ -80,7 +72,6 @@ private:
     std::optional<SavedReading> reference_;
     std::optional<SavedReading> idle_;
     AnalyzedReading last_;
-    std::optional<SpectrumMean> spectrum_;
 };
 
 }  // namespace

@@ -94,7 +94,9 @@ void LiveAnalysis::WaitForPlayback() {
 
 void LiveAnalysis::Begin() {
     begin_ = sound_.Loop().Now();
-    measurement_.Start(SettingsOf(options_, sound_.Parts().Shared.SampleRate), stimulus_);
+    PreciseSettings settings = SettingsOf(options_, sound_.Parts().Shared.SampleRate);
+    settings.spectrum = !options_.spectrum.empty();
+    measurement_.Start(settings, stimulus_);
 }
 
 void LiveAnalysis::Measure(const std::function<void()>& onProgress) {

@@ -78,21 +78,7 @@ LiveMeasurement::LiveMeasurement(const RunOptions& options)
 }
 
 StreamDetails LiveMeasurement::Details() const {
-    const StreamEngine& engine = instrument_.Engine;
-    const CaptureStatistics counts = engine.CaptureCounts();
-    return {.input = engine.InputDeviceName,
-            .output = engine.OutputDeviceName,
-            .rateHz = rateHz_,
-            .inputBits = engine.InputBits(),
-            .outputBits = engine.OutputBits(),
-            .simulated = sound_->Simulated(),
-            .notes = engine.PathNotes(),
-            .blocksLost = counts.segmentsLost,
-            .framesMissing = counts.framesMissing,
-            .overruns = engine.Overruns,
-            .underruns = engine.Underruns(),
-            .fineFramesLost = counts.fineFramesLost,
-            .fineFramesMissing = engine.FineFramesMissing()};
+    return DetailsOf(instrument_.Engine, rateHz_, sound_->Simulated());
 }
 
 void LiveMeasurement::CheckDevices() const {

@@ -43,6 +43,13 @@ std::uint64_t HeldFrames(PlaybackBuffer& buffer) {
 
 }  // namespace
 
+// What the background has measured.
+struct PreciseMeter::Result {
+    RecordAnalysis analysis;
+    LinesReading reading;
+    MeanSpectrum spectrum;
+};
+
 PreciseMeter::PreciseMeter(const Needs& needs) : needs_(needs) {}
 
 PreciseMeter::~PreciseMeter() {
@@ -125,11 +132,12 @@ void PreciseMeter::Submit() {
          samples = std::move(channels[settings_.channel])]() -> Background::Result {
             Record record = conditions;
             record.samples = samples;
-            auto analysis = std::make_shared<RecordAnalysis>(AnalyzeRecord(*plan, settings, record));
-            auto reading = std::make_shared<LinesReading>(average->Add(*analysis));
-            return [this, alive, plan, analysis, reading, restarts] {
-                if (!alive.expired() && plan == plan_)
-                    Receive(std::move(*analysis), std::move(*reading), restarts);
+            auto result = std::make_shared<Result>();
+            result->analysis = AnalyzeRecord(*plan, settings, record);
+            result->reading = average->Add(result->analysis);
+            result->spectrum = average->Spectrum();
+            return [this, alive, plan, result, restarts] {
+                if (!alive.expired() && plan == plan_) Receive(*result, restarts);
             };
         });
 }
@@ -144,26 +152,26 @@ Record PreciseMeter::RecordConditions() const {
 
 // A record that was complete before an interruption is not reported after it: the counts of the output may
 // be late.
-void PreciseMeter::Receive(RecordAnalysis analysis, LinesReading reading, std::uint64_t restarts) {
+void PreciseMeter::Receive(Result& result, std::uint64_t restarts) {
     NoticeOutput();
     if (!records_ || records_->Restarts() != restarts) return;
-    if (reading.reading.Valid() && !Contains(reading.reading.warnings, WarningCode::kLimitedBy16Bit) &&
-        LimitedBy16Bit())
-        reading.reading.warnings.push_back(
+    Reading& reading = result.reading.reading;
+    if (reading.Valid() && !Contains(reading.warnings, WarningCode::kLimitedBy16Bit) && LimitedBy16Bit())
+        reading.warnings.push_back(
             {WarningCode::kLimitedBy16Bit, "The sound path delivers no more than 16 bits."});
-    Report(std::move(analysis), reading);
+    Report(result);
 }
 
 bool PreciseMeter::LimitedBy16Bit() const {
     return (Playing() && needs_.engine.OutputBits() <= kBlockBits) || needs_.usedBits.Only16();
 }
 
-void PreciseMeter::Report(RecordAnalysis analysis, const LinesReading& reading) {
-    newest_ = std::move(analysis);
-    if (!reading.reading.Valid()) newest_.samples.clear();
-    if (!reading.reading.Valid()) newest_.residual.clear();
-    state_ = StateOf(reading.reading);
-    if (OnReading) OnReading(reading);
+void PreciseMeter::Report(Result& result) {
+    state_ = StateOf(result.reading.reading);
+    const bool shown = state_ != PreciseState::kVoid;
+    newest_ = shown ? std::move(result.analysis) : RecordAnalysis();
+    spectrum_ = shown ? std::move(result.spectrum) : MeanSpectrum();
+    if (OnReading) OnReading(result.reading);
 }
 
 LinesReading PreciseMeter::Unfinished() {
@@ -244,7 +252,9 @@ void PreciseMeter::NoteInterruption() {
     interruption_ = records_->Cause();
     BeginAverage();
     if (state_ == PreciseState::kSettling) return;
-    Report({}, VoidReading(VoidCode::kDisturbed, interruption_));
+    Result result;
+    result.reading = VoidReading(VoidCode::kDisturbed, interruption_);
+    Report(result);
 }
 
 }  // namespace sonavex

@@ -70,9 +70,12 @@ public:
     std::function<void(const LinesReading& reading)> OnReading;
     // Called when the path burst has arrived or cannot arrive any more: the stimulus may follow it.
     std::function<void()> OnBurstEnded;
-    // The newest record of the last reading, and what its fit leaves. Empty in a void reading.
+    // The newest record of the last reading, and what its fit leaves. Empty in a void reading, except for the
+    // record of an overload.
     const std::vector<double>& Samples() const noexcept { return newest_.samples; }
     const std::vector<double>& Residual() const noexcept { return newest_.residual; }
+    // Of the records of the last reading; empty when Samples are and when the settings do not ask for it.
+    const MeanSpectrum& Spectrum() const noexcept { return spectrum_; }
     // A void reading that says how far the present record is.
     LinesReading Unfinished();
     const RecordPlan& Plan() const noexcept { return *plan_; }
@@ -96,8 +99,9 @@ private:
     void ListenForBurst(const FineFrames& block);
     void EndSearch();
     void Submit();
-    void Receive(RecordAnalysis analysis, LinesReading reading, std::uint64_t restarts);
-    void Report(RecordAnalysis analysis, const LinesReading& reading);
+    struct Result;
+    void Receive(Result& result, std::uint64_t restarts);
+    void Report(Result& result);
     bool LimitedBy16Bit() const;
     LinesReading VoidReading(VoidCode code, const std::string& sentence) const;
     void BeginAverage();
@@ -120,6 +124,7 @@ private:
     std::optional<RecordCollection> records_;
     std::shared_ptr<RecordAverage> average_;  // used by the background alone
     RecordAnalysis newest_;
+    MeanSpectrum spectrum_;
     PreciseState state_ = PreciseState::kSettling;
     std::string interruption_;
     bool awaitingFirstBlock_ = false;

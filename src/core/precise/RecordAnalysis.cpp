@@ -61,13 +61,28 @@ const std::vector<Warning>& WarningsOf(const RecordAnalysis& analysis) {
 }
 
 RecordAverage::RecordAverage(std::shared_ptr<const RecordPlan> plan, PreciseSettings settings)
-    : plan_(std::move(plan)), settings_(std::move(settings)), tone_(*plan_, settings_.averages) {}
+    : plan_(std::move(plan)),
+      settings_(std::move(settings)),
+      tone_(*plan_, settings_.averages),
+      spectrum_(*plan_, settings_.averages != 0) {}
 
 void RecordAverage::Include(const RecordAnalysis& analysis, std::size_t shift) {
     if (const auto* const tone = std::get_if<ToneMeasurement>(&analysis.values))
         tone_.Add(*tone, shift);
     else
         IncludeLines(std::get<LinesMeasurement>(analysis.values), shift);
+    if (settings_.spectrum) IncludeSpectrum(analysis);
+}
+
+// The level at an overloaded input is set with its spectrum in view.
+void RecordAverage::IncludeSpectrum(const RecordAnalysis& analysis) {
+    const std::vector<Void>& voids = VoidsOf(analysis);
+    if (voids.empty() || voids.front().code == VoidCode::kOverload)
+        spectrum_.Add(analysis.samples, std::max<std::size_t>(Records(), 1));
+}
+
+std::size_t RecordAverage::Records() const {
+    return settings_.mode == PreciseMode::kTone ? tone_.Mean().blocks : lines_.value().blocks;
 }
 
 LinesReading RecordAverage::Values() const {

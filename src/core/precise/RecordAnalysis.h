@@ -9,6 +9,7 @@
 
 #include "core/analyzer/MeasureLines.h"
 #include "core/analyzer/MeasureTone.h"
+#include "core/analyzer/SpectrumMean.h"
 #include "core/analyzer/ToneAverage.h"
 
 namespace sonavex {
@@ -28,6 +29,7 @@ struct PreciseSettings {
     ToneSettings tone;            // in the other modes only the band counts
     std::vector<double> tonesHz;  // of the modes pair and multitone
     std::size_t averages = 1;     // newest records that count; 0: all since the start or the last change
+    bool spectrum = false;        // whether the spectra of these records are averaged, too
 };
 
 // What one record contains.
@@ -62,15 +64,20 @@ public:
     void Include(const RecordAnalysis& analysis, std::size_t shift = 0);
     // Only after Include.
     LinesReading Values() const;
+    // Of the same records. Without those that are void for another reason than overload.
+    const MeanSpectrum& Spectrum() const noexcept { return spectrum_.Mean(); }
 
 private:
     void IncludeLines(LinesMeasurement next, std::size_t shift);
+    void IncludeSpectrum(const RecordAnalysis& analysis);
+    std::size_t Records() const;
 
     std::shared_ptr<const RecordPlan> plan_;
     PreciseSettings settings_;
     ToneAverage tone_;
     std::deque<LinesMeasurement> newest_;    // only while the number of averages is limited
     std::optional<LinesMeasurement> lines_;  // the average
+    SpectrumMean spectrum_;
 };
 
 }  // namespace sonavex

@@ -38,8 +38,9 @@ public:
     // was none.
     const std::vector<double>& Samples() const noexcept { return newest_.samples; }
     const std::vector<double>& Residual() const noexcept { return residual_; }
+    const RecordPlan& Plan() const noexcept { return *plan_; }
     // Of all complete records included.
-    const SpectrumMean& Spectrum() const noexcept { return spectrum_; }
+    const MeanSpectrum& Spectrum() const noexcept { return spectrum_.Mean(); }
 
 private:
     void Include();

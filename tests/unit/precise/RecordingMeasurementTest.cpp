@@ -77,7 +77,7 @@ TEST_F(RecordingMeasurementTest, MeasuresAllRecordsToTheLastFrame) {
     EXPECT_NEAR(readings[0].levelDbfs.value.value(), 20.0 * std::log10(0.25), 1e-5);
     EXPECT_EQ(last->Samples().back(), files.sounds["r.wav"].sample(6999));
     EXPECT_EQ(last->Samples().size(), last->Residual().size());
-    EXPECT_EQ(last->Spectrum().Records(), 4U);
+    EXPECT_EQ(last->Spectrum().records, 4U);
     EXPECT_THAT(progress, ElementsAre(testing::Pair(1, 4), testing::Pair(2, 4), testing::Pair(3, 4),
                                       testing::Pair(4, 4)));
 }

@@ -6,6 +6,8 @@
 
 namespace sonavex {
 
+class StreamEngine;
+
 // Additional data of a live measurement.
 struct StreamDetails {
     std::string input;  // device names
@@ -23,5 +25,8 @@ struct StreamDetails {
     std::uint64_t fineFramesLost = 0;
     std::uint64_t fineFramesMissing = 0;
 };
+
+// simulated: of the sound system.
+StreamDetails DetailsOf(const StreamEngine& engine, std::int32_t rateHz, bool simulated);
 
 }  // namespace sonavex
