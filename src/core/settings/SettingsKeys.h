@@ -92,6 +92,15 @@ inline constexpr SettingsKey kAnalyzerFrequency2{kAnalyzer, "Frequency 2", "7000
 inline constexpr SettingsKey kAnalyzerRatio{kAnalyzer, "Ratio", "4"};
 inline constexpr SettingsKey kAnalyzerLevel{kAnalyzer, "Level", "-1"};
 inline constexpr SettingsKey kAnalyzerTones{kAnalyzer, "Tones", "3/oct"};
+inline constexpr SettingsKey kAnalyzerLevelUnit{kAnalyzer, "Level Unit", "0"};
+inline constexpr SettingsKey kAnalyzerThdUnit{kAnalyzer, "THD Unit", "0"};
+inline constexpr SettingsKey kAnalyzerThdnUnit{kAnalyzer, "THD+N Unit", "0"};
+inline constexpr SettingsKey kAnalyzerNotchUnit{kAnalyzer, "Notch Unit", "0"};
+inline constexpr SettingsKey kAnalyzerNoiseUnit{kAnalyzer, "Noise Unit", "0"};
+inline constexpr SettingsKey kAnalyzerInputUnit{kAnalyzer, "Input Unit", "0"};
+inline constexpr SettingsKey kAnalyzerPlotUnit{kAnalyzer, "Plot Unit", "0"};
+inline constexpr SettingsKey kAnalyzerPeriods{kAnalyzer, "Periods", "1"};
+inline constexpr SettingsKey kAnalyzerWavesFolded{kAnalyzer, "Waves Folded", "0"};
 
 inline constexpr SettingsKey kLastTab{kWindows, "LastTab", "0"};
 inline constexpr std::string_view kNeverPlaced = "-1";

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/precise/display/LevelUnits.h"
 #include "core/precise/display/ReadingTexts.h"
 #include "core/text/Decimals.h"
 
@@ -13,6 +14,12 @@ constexpr int kPercentUnit = 1;
 // Levels at the ends of a harmonic's bar.
 constexpr double kBarLowestDbc = -150.0;
 constexpr double kBarHighestDbc = -90.0;
+constexpr double kLastUnit = static_cast<int>(LevelUnits::kVolts);
+constexpr std::array<std::pair<ReadingsPanel::Row, SettingsKey>, 4> kStoredUnits{
+    {{ReadingsPanel::kThdn, keys::kAnalyzerThdnUnit},
+     {ReadingsPanel::kNotch, keys::kAnalyzerNotchUnit},
+     {ReadingsPanel::kNoise, keys::kAnalyzerNoiseUnit},
+     {ReadingsPanel::kLevel, keys::kAnalyzerInputUnit}}};
 // The standard pairs of the mod method are at least this far apart.
 constexpr double kFarTones = 4.0;
 
@@ -40,19 +47,50 @@ std::string WeightingName(Weighting weighting) {
 
 }  // namespace
 
-ReadingsPanel::ReadingsPanel() {
+ReadingsPanel::ReadingsPanel(Settings& settings) : settings_(settings) {
     cmbThdUnit.SetItems({"dB", "%"});
     cmbThdUnit.SetListIndex(0);
-    cmbThdUnit.Click.Handle([this] { Refresh(); });
+    cmbThdUnit.Click.Handle([this] { TakeUnit(); });
     constexpr std::array<const char*, kRows> kUnits{"dB", "dB", "dB", "dB", "bit", "dBFS", "Hz", "dBFS"};
     for (std::size_t row = 0; row < kRows; ++row) {
         const bool ratio = row == kThdn || row == kNotch;
         Rows[row].unit.SetItems(ratio ? std::vector<std::string>{"dB", "%"}
                                       : std::vector<std::string>{kUnits[row]});
         Rows[row].unit.SetListIndex(0);
-        Rows[row].unit.Click.Handle([this] { Refresh(); });
+        Rows[row].unit.Click.Handle([this] { TakeUnit(); });
     }
     Clear("");
+}
+
+void ReadingsPanel::Load() {
+    cmbThdUnit.SetListIndex(settings_.Value(keys::kAnalyzerThdUnit) == 1 ? 1 : 0);
+    for (const auto& [row, key] : kStoredUnits)
+        wantedUnits_[row] = static_cast<int>(std::clamp(settings_.Value(key), 0.0, kLastUnit));
+    OfferUnits();
+}
+
+void ReadingsPanel::SetCalibration(const std::optional<Calibration>& calibration) {
+    if (calibration == calibration_) return;
+    calibration_ = calibration;
+    OfferUnits();
+}
+
+void ReadingsPanel::OfferUnits() {
+    for (const Row row : {kNoise, kLevel})
+        Rows[row].unit.SetItems(LevelUnits::Names(calibration_.has_value()));
+    for (const auto& [row, key] : kStoredUnits)
+        Rows[row].unit.SetListIndex(wantedUnits_[row] < Rows[row].unit.Count() ? wantedUnits_[row] : 0);
+    Refresh();
+}
+
+void ReadingsPanel::TakeUnit() {
+    settings_.Save(keys::kAnalyzerThdUnit, std::to_string(cmbThdUnit.ListIndex()));
+    for (const auto& [row, key] : kStoredUnits) {
+        const bool offered = Rows[row].unit.Count() > 1;
+        if (offered) wantedUnits_[row] = Rows[row].unit.ListIndex();
+        settings_.Save(key, std::to_string(wantedUnits_[row]));
+    }
+    Refresh();
 }
 
 void ReadingsPanel::Show(const LinesReading& reading, const Conditions& conditions) {
@@ -124,6 +162,12 @@ void ReadingsPanel::ShowRow(Row row, const char* name, const Value& value, int d
     shown.spread.SetCaption(text.spread);
 }
 
+void ReadingsPanel::ShowLevel(Row row, const char* name, const Value& dbfs, int decimals) {
+    const int unit = Rows[row].unit.ListIndex();
+    const int shown = unit == LevelUnits::kVolts ? LevelUnits::Decimals(unit) : decimals;
+    ShowRow(row, name, LevelUnits::Converted(dbfs, unit, calibration_), shown, shown);
+}
+
 void ReadingsPanel::ShowRatio(Row row, const char* name, const Value& decibels) {
     if (Rows[row].unit.ListIndex() != kPercentUnit) return ShowRow(row, name, decibels, 2, 2);
     const Value percent = PercentOfDecibels(decibels);
@@ -141,7 +185,7 @@ void ReadingsPanel::ShowTone() {
     ShowRow(kSnr, "SNR", reading.snrDb, 2, 2);
     ShowRow(kEnob, "ENOB re FS", reading.enob, 2, 2);
     ShowRow(kFrequency, "Frequency", reading.frequencyHz, 4, 4);
-    ShowRow(kLevel, "Level", reading.levelDbfs, 3, 3);
+    ShowLevel(kLevel, "Level", reading.levelDbfs, 3);
 }
 
 // Pairs, multitones and noise alone have no harmonics of one tone.
@@ -166,7 +210,7 @@ void ReadingsPanel::ShowLines() {
     ShowRow(kSnr, "SNR", reading_.reading.snrDb, 2, 2);
     ShowRow(kEnob, "ENOB re FS", none, 2, 2);
     ShowRow(kFrequency, "Frequency", tones.empty() ? none : tones.front().frequencyHz, 4, 4);
-    ShowRow(kLevel, "Level", tones.empty() ? reading_.reading.levelDbfs : tones.front().levelDbfs, 3, 3);
+    ShowLevel(kLevel, "Level", tones.empty() ? reading_.reading.levelDbfs : tones.front().levelDbfs, 3);
 }
 
 const Value& ReadingsPanel::WeightedNoise() const {
@@ -176,7 +220,7 @@ const Value& ReadingsPanel::WeightedNoise() const {
 }
 
 void ReadingsPanel::ShowNoise() {
-    ShowRow(kNoise, "Noise", WeightedNoise(), 2, 2);
+    ShowLevel(kNoise, "Noise", WeightedNoise(), 2);
     lblNoiseBand.SetCaption(conditions_.band + ", " + WeightingName(conditions_.weighting));
 }
 

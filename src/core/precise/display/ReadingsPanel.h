@@ -1,13 +1,15 @@
 #pragma once
 
 #include <array>
-#include <functional>
+#include <optional>
 #include <string>
 
 #include "core/analyzer/LinesReading.h"
 #include "core/precise/RecordAnalysis.h"
+#include "core/precise/calibration/Calibration.h"
 #include "core/precise/display/AnalysisPanel.h"
 #include "core/precise/display/AnalyzerControls.h"
+#include "core/settings/Settings.h"
 
 namespace sonavex {
 
@@ -16,7 +18,8 @@ class ReadingsPanel {
 public:
     enum Row { kThdn, kNotch, kSinad, kSnr, kEnob, kNoise, kFrequency, kLevel, kRows };
 
-    ReadingsPanel();
+    // The settings must outlive the panel.
+    explicit ReadingsPanel(Settings& settings);
     ReadingsPanel(const ReadingsPanel&) = delete;
     ReadingsPanel& operator=(const ReadingsPanel&) = delete;
 
@@ -31,6 +34,10 @@ public:
     void Show(const LinesReading& reading, const Conditions& conditions);
     // No figures; a line takes the place of the main figure's uncertainty.
     void Clear(const std::string& line);
+    // Selects the stored units.
+    void Load();
+    // The calibration of the input. Without one levels are in dBFS.
+    void SetCalibration(const std::optional<Calibration>& calibration);
     // Exchanges dB and percent of the main figure.
     void ToggleUnit();
 
@@ -45,7 +52,10 @@ public:
     HarmonicsTable Harmonics;
 
 private:
+    void TakeUnit();
+    void OfferUnits();
     void Refresh();
+    void ShowLevel(Row row, const char* name, const Value& dbfs, int decimals);
     void ShowFigures();
     void ShowMain(const Value& decibels, const std::string& title, const std::string& reference);
     void ShowRow(Row row, const char* name, const Value& value, int decimals, int spreadDecimals);
@@ -56,6 +66,9 @@ private:
     void ShowHarmonics();
     const Value& WeightedNoise() const;
 
+    Settings& settings_;
+    std::optional<Calibration> calibration_;
+    std::array<int, kRows> wantedUnits_{};  // also while they are not offered
     bool shown_ = false;
     LinesReading reading_;
     Conditions conditions_;

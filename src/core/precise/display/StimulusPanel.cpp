@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include "core/precise/calibration/Voltage.h"
+#include "core/precise/display/LevelUnits.h"
 #include "core/precise/display/ReadingTexts.h"
 #include "core/stimulus/ParseStimulus.h"
 #include "core/stimulus/StimulusPlan.h"
@@ -79,13 +81,16 @@ StimulusPanel::StimulusPanel(Settings& settings, Events events)
     cmbShape.SetItems({"Sine", "Two tones", "Multitone", "Square", "Triangle", "Sawtooth", "Noise"});
     cmbPair.SetItems(PairCaptions());
     cmbNoise.SetItems({"White", "Pink"});
-    cmbLevelUnit.SetItems({"dBFS"});
-    cmbLevelUnit.SetListIndex(0);
     cmbSide.SetItems({"Left", "Right", "Both"});
     cmbDither.SetItems(DitherCaptions(0));
     for (ComboBox* const box : {&cmbShape, &cmbPair, &cmbNoise, &cmbDither, &cmbSide}) box->SetListIndex(0);
     cmdCalibrate.SetCaption("Calibrate\u2026");
-    lblLevelNote.SetCaption("not calibrated");
+    OfferLevelUnits();
+    cmbLevelUnit.Click.Handle([this] {
+        levelUnit_ = cmbLevelUnit.ListIndex();
+        ShowLevel();
+        Store();
+    });
     for (ComboBox* const box : {&cmbShape, &cmbPair, &cmbNoise, &cmbDither, &cmbSide})
         box->Click.Handle([this] { TakeChange(); });
     chkSnap.Click.Handle([this] { TakeChange(); });
@@ -111,8 +116,49 @@ void StimulusPanel::Load() {
     txtFrequency.SetText(NumberText(hertz_));
     txtFrequency2.SetText(NumberText(hertz2_));
     txtRatio.SetText(NumberText(ratio_));
-    txtLevel.SetText(WithDecimals(levelDbfs_, 2));
+    levelUnit_ = StoredChoice(settings_, keys::kAnalyzerLevelUnit, LevelUnits::kCount);
+    OfferLevelUnits();
     ShowPlayed();
+}
+
+void StimulusPanel::SetCalibration(const std::optional<Calibration>& calibration) {
+    if (calibration == calibration_) return;
+    calibration_ = calibration;
+    OfferLevelUnits();
+}
+
+void StimulusPanel::OfferLevelUnits() {
+    cmbLevelUnit.SetItems(LevelUnits::Names(calibration_.has_value()));
+    cmbLevelUnit.SetListIndex(std::min(levelUnit_, cmbLevelUnit.Count() - 1));
+    if (!calibration_) cmbLevelUnit.SetListIndex(0);
+    ShowLevel();
+}
+
+// The level in the chosen unit, and in the other one below.
+void StimulusPanel::ShowLevel() {
+    const std::string dbfs = WithDecimals(levelDbfs_, 2);
+    const int unit = cmbLevelUnit.ListIndex();
+    const ValueText text =
+        TextOf(LevelUnits::Converted({levelDbfs_, {}}, unit, calibration_), LevelUnits::Decimals(unit));
+    txtLevel.SetText(unit == LevelUnits::kVolts ? VoltageText(calibration_->Volts(levelDbfs_)) : text.value);
+    if (!calibration_) return lblLevelNote.SetCaption("not calibrated");
+    lblLevelNote.SetCaption(
+        (unit == LevelUnits::kDbfs ? VoltageText(calibration_->Volts(levelDbfs_)) + " rms" : dbfs + " dBFS") +
+        ", calibrated");
+}
+
+// A text with a unit is in that unit, another one in the chosen unit.
+std::optional<double> StimulusPanel::TypedDbfs() const {
+    const std::string& text = txtLevel.Text();
+    const int unit = cmbLevelUnit.ListIndex();
+    const std::optional<double> number = QuantityIn(text, LevelUnits::kNames[static_cast<std::size_t>(unit)]);
+    if (!calibration_ || (number && unit == LevelUnits::kDbfs)) return number;
+    if (number && unit == LevelUnits::kDbv) return *number - calibration_->Dbv(0);
+    if (number && unit == LevelUnits::kDbu) return *number - calibration_->Dbu(0);
+    if (const std::optional<double> dbfs = QuantityIn(text, "dBFS"); dbfs && unit != LevelUnits::kVolts)
+        return dbfs;
+    const std::optional<double> volts = ParseVoltage(text);
+    return volts ? std::optional(calibration_->DbfsOfVolts(*volts)) : std::nullopt;
 }
 
 void StimulusPanel::SetConditions(double rateHz, std::size_t recordLength, int outputBits) {
@@ -152,6 +198,22 @@ StimulusChoice StimulusPanel::Chosen() const {
     choice.dither = cmbDither.ListIndex() == 0;
     choice.recordLength = recordLength_;
     return choice;
+}
+
+std::vector<double> StimulusPanel::TonesHz() const {
+    std::vector<double> hertz;
+    try {
+        for (const PlannedTone& tone :
+             PlanStimulus({Chosen().stimulus, rateHz_, recordLength_, levelDbfs_, chkSnap.Checked()}).tones)
+            hertz.push_back(tone.hertz);
+    } catch (const StimulusError&) {
+        // The panel names the fault.
+    }
+    return hertz;
+}
+
+std::string StimulusPanel::Description() const {
+    return Notation() + " at " + WithDecimals(levelDbfs_, 2) + " dBFS";
 }
 
 PreciseMode StimulusPanel::Mode() const {
@@ -203,8 +265,9 @@ void StimulusPanel::TakeTexts() {
     TakeNumber(txtFrequency, hertz_, "Hz", 0, 1e6);
     TakeNumber(txtFrequency2, hertz2_, "Hz", 0, 1e6);
     TakeNumber(txtRatio, ratio_, "", 0.001, 1000);
-    TakeNumber(txtLevel, levelDbfs_, "dBFS", kLowestDbfs, 0);
-    txtLevel.SetText(WithDecimals(levelDbfs_, 2));
+    const std::optional<double> typed = TypedDbfs();
+    if (typed && *typed >= kLowestDbfs && *typed <= 0) levelDbfs_ = *typed;
+    ShowLevel();
     tones_ = txtTones.Text();
     if (level == levelDbfs_ && Notation() == before) return;
     TakeChange();
@@ -222,6 +285,7 @@ void StimulusPanel::Store() {
     settings_.Save(keys::kAnalyzerRatio, NumberText(ratio_));
     settings_.Save(keys::kAnalyzerLevel, NumberText(levelDbfs_));
     settings_.Save(keys::kAnalyzerTones, tones_);
+    settings_.Save(keys::kAnalyzerLevelUnit, std::to_string(levelUnit_));
 }
 
 }  // namespace sonavex

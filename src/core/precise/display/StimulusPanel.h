@@ -1,13 +1,17 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/controls/Choices.h"
 #include "core/controls/Commands.h"
 #include "core/controls/Controls.h"
 #include "core/precise/RecordAnalysis.h"
 #include "core/precise/StimulusPlayer.h"
+#include "core/precise/calibration/Calibration.h"
 #include "core/settings/Settings.h"
 
 namespace sonavex {
@@ -34,9 +38,18 @@ public:
     // Conditions on which the frequencies and the dither depend.
     void SetConditions(double rateHz, std::size_t recordLength, int outputBits);
 
+    // The calibration of the output. Without one levels are in dBFS.
+    void SetCalibration(const std::optional<Calibration>& calibration);
+
     // StimulusError if the texts do not make a stimulus.
     StimulusChoice Chosen() const;
     PreciseMode Mode() const;
+    // The tones under the present conditions; empty for noise and if the texts do not make a stimulus.
+    std::vector<double> TonesHz() const;
+    // "sine:1000 at -1.00 dBFS"
+    std::string Description() const;
+    // The side whose calibration counts: 0 left, 1 right.
+    std::size_t Channel() const noexcept { return cmbSide.ListIndex() == 1 ? 1 : 0; }
 
     // Shows what plays, and why nothing does.
     void ShowPlaying(StimulusPlayer::State state);
@@ -59,7 +72,7 @@ public:
     CheckBox chkSnap;
     ComboBox cmbNoise;
     TextBox txtLevel;
-    ComboBox cmbLevelUnit;
+    ComboBox cmbLevelUnit;  // dBFS; dBV, dBu and V only with a calibration
     Label lblLevelNote;
     CommandButton cmdCalibrate;
     ComboBox cmbDither;
@@ -74,6 +87,9 @@ private:
     void TakeChange();
     void TakeTexts();
     void ShowPlayed();
+    void OfferLevelUnits();
+    void ShowLevel();
+    std::optional<double> TypedDbfs() const;
     void Store();
 
     Settings& settings_;
@@ -86,6 +102,8 @@ private:
     double hertz2_ = 7000;
     double ratio_ = 4;
     std::string tones_;  // of a multitone, as typed
+    std::optional<Calibration> calibration_;
+    int levelUnit_ = 0;  // wanted, also while it is not offered
     bool playing_ = false;
 };
 

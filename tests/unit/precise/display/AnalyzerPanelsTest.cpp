@@ -27,7 +27,7 @@ protected:
     int stops = 0;
     AnalysisPanel analysis{settings, [this] { ++changes; }};
     StimulusPanel stimulus{settings, {[this] { ++starts; }, [this] { ++stops; }, [this] { ++changes; }}};
-    ReadingsPanel readings;
+    ReadingsPanel readings{settings};
 };
 
 TEST_F(AnalyzerPanelsTest, OffersLengthsAroundTheDefault) {

@@ -1,0 +1,523 @@
+#include "core/precise/display/frmAnalyzer.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "core/stimulus/StimulusPlan.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kAnalyzerTick = 200ms;
+// The input is lost when no frame arrives for this time. Devices deliver every 80 ms.
+constexpr auto kLongestPause = 600ms;
+constexpr std::array<int, 3> kPeriodChoices{1, 2, 5};
+constexpr std::array<const char*, 2> kChannelNames{"left", "right"};
+
+constexpr std::int32_t kLeastSize = 100;
+constexpr std::int32_t kMostSize = 20000;
+
+std::int32_t StoredSize(const Settings& settings, const SettingsKey& key) {
+    const double stored = settings.Value(key);
+    if (stored < kLeastSize || stored > kMostSize) return std::stoi(std::string(key.fallback));
+    return static_cast<std::int32_t>(stored);
+}
+
+void LoadChoice(const Settings& settings, const SettingsKey& key, ComboBox& box) {
+    const double stored = settings.Value(key);
+    if (stored >= 0 && stored < box.Count()) box.SetListIndex(static_cast<std::int32_t>(stored));
+}
+
+std::string TimeOfDay(const DateTime& time) {
+    return DateAndTime(time).substr(11);
+}
+
+}  // namespace
+
+frmAnalyzer::frmAnalyzer(const Needs& needs)
+    : ModelessForm("frmAnalyzer", "Analyzer"),
+      Stimulus(needs.instrument.Settings,
+               {[this] { StartStimulus(); }, [this] { measurement_.Player.Stop(); },
+                [this] { TakeChangedStimulus(); }}),
+      Analysis(needs.instrument.Settings, [this] { TakeChangedAnalysis(); }),
+      Readings(needs.instrument.Settings),
+      Recording({needs.files, needs.background, needs.dialogs}),
+      needs_(needs),
+      measurement_({needs.loop, needs.instrument, needs.background, &needs.generatorPanel}),
+      calibrations_(needs.instrument.Settings) {
+    cmbPlotUnit.SetItems({"dBFS", "dBc"});
+    cmbPlotUnit.SetListIndex(0);
+    cmbPeriods.SetItems({"1", "2", "5"});
+    cmbPeriods.SetListIndex(1);
+    HandleControls();
+    HandleRecording();
+    measurement_.Meter.OnReading = [this](const LinesReading& reading) { TakeLive(reading); };
+    measurement_.OnChanged = [this] {
+        Stimulus.ShowPlaying(measurement_.Player.Now());
+        if (!measurement_.Player.Trouble().empty()) Stimulus.ShowTrouble(measurement_.Player.Trouble());
+    };
+    SetHeld(false);
+    ClearFigures();
+}
+
+frmAnalyzer::~frmAnalyzer() = default;
+
+void frmAnalyzer::HandleControls() {
+    cmbPlotUnit.Click.Handle([this] { StoreChoices(); });
+    cmbPeriods.Click.Handle([this] { StoreChoices(); });
+    cmdFit.Click.Handle([this] { Spectrum.Fit(); });
+    cmdRemoveKept.Click.Handle([this] {
+        Spectrum.Keep(nullptr);
+        lblLegendKept.SetCaption("");
+    });
+    cmdHold.Click.Handle([this] {
+        if (held_)
+            Measure(Play::kKeep);
+        else
+            SetHeld(true);
+    });
+    cmdSingle.Click.Handle([this] { Single(); });
+    cmdKeep.Click.Handle([this] { KeepTrace(); });
+    mnuKeepReference.Click.Handle([this] { KeepReading(reference_); });
+    mnuKeepIdle.Click.Handle([this] { KeepReading(idle_); });
+    cmdExport.Click.Handle([this] { Export(); });
+    cmdCopy.Click.Handle([this] {
+        if (OnCopy && result_) OnCopy(CopiedText(Exported()));
+    });
+    Stimulus.cmdCalibrate.Click.Handle([this] { Calibrate(); });
+}
+
+void frmAnalyzer::HandleRecording() {
+    Recording.Settings = [this] { return ChosenSettings(); };
+    Recording.OnChanged = [this] { Measure(Play::kKeep); };
+    Recording.OnStarted = [this] { ClearFigures(); };
+    Recording.OnReading = [this](const LinesReading& reading,
+                                 const std::shared_ptr<const RecordingAnalysis>& analysis) {
+        TakeRecording(reading, *analysis);
+    };
+}
+
+std::int32_t frmAnalyzer::StoredWidth() const {
+    return StoredSize(needs_.instrument.Settings, keys::kAnalyzerWidth);
+}
+
+std::int32_t frmAnalyzer::StoredHeight() const {
+    return StoredSize(needs_.instrument.Settings, keys::kAnalyzerHeight);
+}
+
+void frmAnalyzer::StoreSize(std::int32_t width, std::int32_t height) {
+    needs_.instrument.Settings.Save(keys::kAnalyzerWidth, std::to_string(width));
+    needs_.instrument.Settings.Save(keys::kAnalyzerHeight, std::to_string(height));
+}
+
+bool frmAnalyzer::WavesFolded() const {
+    return needs_.instrument.Settings.Value(keys::kAnalyzerWavesFolded) == 1;
+}
+
+void frmAnalyzer::StoreWavesFolded(bool folded) {
+    needs_.instrument.Settings.Save(keys::kAnalyzerWavesFolded, folded ? "1" : "0");
+}
+
+bool frmAnalyzer::WasOpen() const {
+    return needs_.instrument.Settings.Value(keys::kAnalyzerOpen) == 1;
+}
+
+void frmAnalyzer::UnloadForNextStart() {
+    if (!Loaded()) return;
+    Unload();
+    needs_.instrument.Settings.Save(keys::kAnalyzerOpen, "1");
+}
+
+void frmAnalyzer::OpenRecording(const std::string& path) {
+    Show();
+    Recording.Open(path);
+}
+
+std::vector<std::string> frmAnalyzer::ReportBlock() const {
+    if (!Loaded() || !Complete()) return {};
+    return ReportLines(Exported());
+}
+
+void frmAnalyzer::Form_Load() {
+    needs_.instrument.Settings.Save(keys::kAnalyzerOpen, "1");
+    LoadChoices();
+    Stimulus.Load();
+    Measure(Play::kKeep);
+    timer_ = needs_.loop.StartTimer(kAnalyzerTick, [this] { Tick(); });
+}
+
+void frmAnalyzer::Form_QueryUnload() {
+    needs_.loop.StopTimer(timer_);
+    Recording.OnChanged = {};
+    Recording.Close();
+    HandleRecording();
+    measurement_.Stop();
+    SetHeld(false);
+    ClearFigures();
+    needs_.instrument.Settings.Save(keys::kAnalyzerOpen, "0");
+}
+
+void frmAnalyzer::LoadChoices() {
+    const Settings& settings = needs_.instrument.Settings;
+    LoadChoice(settings, keys::kAnalyzerPlotUnit, cmbPlotUnit);
+    LoadChoice(settings, keys::kAnalyzerPeriods, cmbPeriods);
+    Readings.Load();
+    StoreChoices();
+}
+
+void frmAnalyzer::StoreChoices() {
+    Settings& settings = needs_.instrument.Settings;
+    settings.Save(keys::kAnalyzerPlotUnit, std::to_string(cmbPlotUnit.ListIndex()));
+    settings.Save(keys::kAnalyzerPeriods, std::to_string(cmbPeriods.ListIndex()));
+    Spectrum.SetUnit(cmbPlotUnit.ListIndex() == 0 ? PlotUnit::kDbfs : PlotUnit::kDbc);
+    Waves.SetPeriods(kPeriodChoices[static_cast<std::size_t>(cmbPeriods.ListIndex())]);
+}
+
+// What the controls choose, at the rate of the sound card or of the recording. The shape of the stimulus
+// decides what is measured, also while none is played.
+PreciseSettings frmAnalyzer::ChosenSettings() {
+    PreciseSettings settings = Analysis.Chosen();
+    settings.spectrum = true;
+    settings.mode = playsForCalibration_ ? PreciseMode::kTone : Stimulus.Mode();
+    if (settings.mode == PreciseMode::kMultitone) settings.tonesHz = Stimulus.TonesHz();
+    mode_ = settings.mode;
+    return settings;
+}
+
+// Begins the averages again with the present choices.
+void frmAnalyzer::Measure(Play play) {
+    rateHz_ = Recording.IsOpen() ? Recording.Opened().rateHz : needs_.instrument.Shared.SampleRate;
+    outputBits_ = needs_.instrument.Engine.OutputBits();
+    Analysis.Load(rateHz_);
+    length_ = Analysis.Chosen().length;
+    Stimulus.SetConditions(rateHz_, length_, outputBits_);
+    SetHeld(false);
+    ClearFigures();
+    ShowPath();
+    ShowCalibration();
+    if (Recording.IsOpen())
+        measurement_.Stop();
+    else
+        MeasureLive(ChosenSettings(), play);
+}
+
+void frmAnalyzer::MeasureLive(const PreciseSettings& settings, Play play) {
+    captured_ = 0;
+    capturedAt_ = needs_.loop.Now();
+    try {
+        std::optional<StimulusChoice> stimulus;
+        if (play == Play::kChosen) stimulus = Stimulus.Chosen();
+        measurement_.Start(settings, stimulus);
+        Stimulus.ShowTrouble("");
+    } catch (const StimulusError& error) {
+        Stimulus.ShowTrouble(error.what());
+    }
+}
+
+void frmAnalyzer::StartStimulus() {
+    if (Recording.IsOpen()) Recording.Close();
+    Measure(Play::kChosen);
+}
+
+// A stimulus on bins belongs to the length of the records.
+void frmAnalyzer::TakeChangedAnalysis() {
+    const bool newLength = Analysis.Chosen().length != length_;
+    Measure(newLength && measurement_.Player.Active() ? Play::kChosen : Play::kKeep);
+    Recording.Restart();
+}
+
+void frmAnalyzer::TakeChangedStimulus() {
+    Measure(measurement_.Player.Active() ? Play::kChosen : Play::kKeep);
+    Recording.Restart();
+}
+
+void frmAnalyzer::Tick() {
+    if (!Recording.IsOpen() && rateHz_ != needs_.instrument.Shared.SampleRate) Measure(Play::kKeep);
+    if (outputBits_ != needs_.instrument.Engine.OutputBits()) {
+        outputBits_ = needs_.instrument.Engine.OutputBits();
+        Stimulus.SetConditions(rateHz_, length_, outputBits_);
+    }
+    ShowPath();
+    ShowCalibration();
+    if (Recording.IsOpen() || held_) return;
+    if (const std::optional<std::string> trouble = Trouble())
+        ShowVoid(*trouble);
+    else if (measurement_.Meter.State() == PreciseState::kSettling)
+        ShowSettling(static_cast<double>(measurement_.Meter.Collected()) /
+                     static_cast<double>(std::max<std::size_t>(measurement_.Meter.Length(), 1)));
+}
+
+// Why no reading can be true now; empty while frames arrive.
+std::optional<std::string> frmAnalyzer::Trouble() {
+    const bool stalled = InputStalled();
+    if (!needs_.streamTrouble.Caption().empty()) return needs_.streamTrouble.Caption();
+    if (stalled) return "nothing arrives from the input";
+    return std::nullopt;
+}
+
+bool frmAnalyzer::InputStalled() {
+    const CaptureBuffer* const buffer = needs_.instrument.Engine.InputBuffer();
+    const std::uint64_t captured = buffer != nullptr ? buffer->Statistics().framesCaptured : 0;
+    if (captured != captured_) {
+        captured_ = captured;
+        capturedAt_ = needs_.loop.Now();
+    }
+    return buffer == nullptr || needs_.loop.Now() - capturedAt_ > kLongestPause;
+}
+
+void frmAnalyzer::ShowPath() {
+    const bool recording = Recording.IsOpen();
+    lblInput.SetCaption(recording ? std::string() : needs_.lblInput.Caption());
+    lblOutput.SetCaption(recording ? std::string() : needs_.lblOutput.Caption());
+    lblRecording.SetCaption(recording ? Recording.FileName() : std::string());
+    lblRate.SetCaption(std::to_string(static_cast<std::int32_t>(rateHz_)) + " Hz");
+    lblBits.SetCaption(recording ? std::to_string(Recording.Opened().bits) + " bit"
+                                 : needs_.lblBits.Caption());
+    const std::string limit = result_ ? LimitOf(*result_) : std::string();
+    const std::string path = recording ? Recording.Note() : needs_.pathNote.Caption();
+    const std::string separator = recording && !limit.empty() ? ", " : "";
+    note.SetCaption(recording ? path + separator + limit : limit.empty() ? path : limit);
+    note.SetEmphasis(recording || !note.Caption().empty());
+}
+
+void frmAnalyzer::ShowCalibration() {
+    using Direction = CalibratedChannel::Direction;
+    const StreamEngine& engine = needs_.instrument.Engine;
+    const auto rate = static_cast<std::int32_t>(rateHz_);
+    Stimulus.SetCalibration(
+        calibrations_.Of({Direction::kOutput, engine.ListedOutputId, Stimulus.Channel(), rate}));
+    // The device of a recording is not known.
+    Readings.SetCalibration(Recording.IsOpen() ? std::nullopt
+                                               : calibrations_.Of({Direction::kInput, engine.ListedInputId,
+                                                                   Analysis.Chosen().channel, rate}));
+}
+
+void frmAnalyzer::ShowChip(const ChipState& chip) {
+    Chip.Show(chip.kind, chip.text, chip.progress);
+}
+
+void frmAnalyzer::ShowAverages(std::size_t records) {
+    const std::size_t all = Analysis.Averages();
+    lblAverages.SetCaption(std::to_string(std::min(records, all)) + " of " + std::to_string(all));
+    prgAverages.SetValue(static_cast<float>(records) / static_cast<float>(all));
+}
+
+// records: completed part of the first record.
+void frmAnalyzer::ShowSettling(double records) {
+    if (result_) return;
+    ShowChip(SettlingChip(std::min(records, 0.99), Analysis.Averages()));
+    prgAverages.SetValue(static_cast<float>(records / static_cast<double>(Analysis.Averages())));
+}
+
+void frmAnalyzer::ShowVoid(const std::string& cause) {
+    ClearFigures();
+    ShowChip(VoidChip(cause));
+}
+
+// Without a result there is no figure, and the plots show none either.
+void frmAnalyzer::ClearFigures() {
+    result_.reset();
+    live_.reset();
+    Readings.Clear(lastValid_.empty() ? std::string() : "last valid " + lastValid_);
+    SpectrumPlot::Data data;
+    if (rateHz_ > 0) data.rateHz = rateHz_;
+    Spectrum.Show(data);
+    Waves.Show(nullptr);
+    if (Loaded()) ShowChip(SettlingChip(0, Analysis.Averages()));
+    ShowAverages(0);
+}
+
+void frmAnalyzer::TakeLive(const LinesReading& reading) {
+    if (calibrate_ != nullptr)
+        calibrate_->ShowInputLevel(reading.reading.Valid() ? reading.reading.levelDbfs.value : std::nullopt);
+    if (held_ || Recording.IsOpen()) return;
+    const PreciseMeter& meter = measurement_.Meter;
+    AnalyzerResult result;
+    result.mode = mode_;
+    result.reading = reading;
+    result.spectrum = ExportedSpectrum::Of(meter.Spectrum(), meter.Plan());
+    result.independentSpectra =
+        meter.Plan().Overlap().Of(std::max<std::size_t>(meter.Spectrum().records, 1)).power;
+    result.samples = meter.Samples();
+    result.residual = meter.Residual();
+    for (const StimulusLine& line : measurement_.Player.Lines()) result.playedHz.push_back(line.hertz);
+    Take(std::move(result));
+    if (single_ && Complete()) SetHeld(true);
+}
+
+void frmAnalyzer::TakeRecording(const LinesReading& reading, const RecordingAnalysis& analysis) {
+    AnalyzerResult result;
+    result.mode = mode_;
+    result.recording = true;
+    result.reading = reading;
+    result.spectrum = ExportedSpectrum::Of(analysis.Spectrum(), analysis.Plan());
+    result.independentSpectra =
+        analysis.Plan().Overlap().Of(std::max<std::size_t>(analysis.Spectrum().records, 1)).power;
+    result.samples = analysis.Samples();
+    result.residual = analysis.Residual();
+    Take(std::move(result));
+}
+
+void frmAnalyzer::Take(AnalyzerResult result) {
+    result.rules = JudgeReading(result.reading.reading, reference_, idle_);
+    result_ = std::move(result);
+    resultTime_ = needs_.now();
+    const Reading& reading = result_->reading.reading;
+    const ChipState chip = ChipOf(*result_, Analysis.Averages());
+    if (chip.kind == StateChip::Kind::kValid) lastValid_ = TimeOfDay(resultTime_);
+    if (reading.Valid())
+        Readings.Show(result_->reading, {.mode = result_->mode,
+                                         .weighting = Analysis.Weighting(),
+                                         .band = Analysis.BandText(),
+                                         .settling = chip.kind == StateChip::Kind::kSettling,
+                                         .quiet = chip.kind != StateChip::Kind::kValid});
+    else
+        Readings.Clear(lastValid_.empty() ? std::string() : "last valid " + lastValid_);
+    ShowChip(chip);
+    ShowAverages(result_->recording ? Analysis.Averages() : reading.blocks);
+    ShowPlots();
+    ShowPath();
+}
+
+void frmAnalyzer::ShowPlots() {
+    live_ = PlottedTrace(*result_, LiveName());
+    Spectrum.Show(PlottedSpectrum(*result_, live_));
+    Waves.Show(PlottedWaves(*result_));
+    lblLegendLive.SetCaption(LiveName());
+}
+
+std::string frmAnalyzer::LiveName() const {
+    const std::string side = Analysis.cmbChannel.Text();
+    return side + (Recording.IsOpen() ? ", recording" : ", live");
+}
+
+// While it holds, the last reading stays on the screen with its time.
+void frmAnalyzer::SetHeld(bool held) {
+    held_ = held && result_.has_value() && !Recording.IsOpen();
+    single_ = false;
+    cmdHold.SetCaption(held_ ? "Go on" : "Hold");
+    if (held_ && result_->reading.reading.Valid())
+        Chip.Show(StateChip::Kind::kOff, "HELD " + TimeOfDay(resultTime_));
+}
+
+void frmAnalyzer::Single() {
+    if (Recording.IsOpen()) return;
+    Measure(Play::kKeep);
+    single_ = true;
+}
+
+void frmAnalyzer::KeepTrace() {
+    if (!live_) return;
+    auto kept = std::make_shared<SpectrumTrace>(*live_);
+    kept->name = "A, " + TimeOfDay(resultTime_).substr(0, 5);
+    lblLegendKept.SetCaption(kept->name);
+    Spectrum.Keep(std::move(kept));
+}
+
+// Of the validity rules: a loop-back reading, or one with the generator off.
+void frmAnalyzer::KeepReading(std::optional<SavedReading>& place) {
+    if (!Complete()) {
+        needs_.dialogs.Message("There is no valid reading to keep.", MessageIcon::kInformation);
+        return;
+    }
+    place = SavedReading::Of(result_->reading.reading);
+    result_->rules = JudgeReading(result_->reading.reading, reference_, idle_);
+    ShowPath();
+}
+
+bool frmAnalyzer::Complete() const {
+    return result_ && ChipOf(*result_, Analysis.Averages()).kind == StateChip::Kind::kValid;
+}
+
+ExportedMeasurement frmAnalyzer::Exported() const {
+    ExportedMeasurement exported;
+    exported.version = needs_.version;
+    exported.time = DateAndTime(resultTime_);
+    exported.channel = kChannelNames.at(Analysis.Chosen().channel);
+    exported.reading.mode = result_->mode;
+    exported.reading.values = result_->reading;
+    exported.reading.rateHz = rateHz_;
+    exported.reading.rules = result_->rules;
+    if (result_->recording) {
+        exported.recording = Recording.Opened().path;
+        return exported;
+    }
+    exported.reading.stream =
+        DetailsOf(needs_.instrument.Engine, needs_.instrument.Shared.SampleRate, needs_.simulated);
+    if (!result_->playedHz.empty() || measurement_.Player.Active())
+        exported.reading.stimulus = Stimulus.Description();
+    exported.reading.playedHz = result_->playedHz;
+    return exported;
+}
+
+// The reading of the moment of the click is exported, whatever is measured while the user chooses a file.
+void frmAnalyzer::Export() {
+    if (!result_) {
+        needs_.dialogs.Message("There is no reading to export.", MessageIcon::kInformation);
+        return;
+    }
+    if (!AskForExport) return;
+    const AnalyzerResult result = *result_;
+    const ExportedMeasurement measurement = Exported();
+    const std::optional<ExportTarget> target = AskForExport(measurement);
+    if (!target) return;
+    try {
+        WriteExport(needs_.files, target->path, target->kind,
+                    {measurement, result.spectrum, result.samples, result.residual, DrawPlot});
+    } catch (const FileError& error) {
+        needs_.dialogs.Message(error.what(), MessageIcon::kCritical);
+    }
+}
+
+void frmAnalyzer::Calibrate() {
+    using Direction = CalibratedChannel::Direction;
+    if (!ShowCalibrate || Recording.IsOpen()) return;
+    const StreamEngine& engine = needs_.instrument.Engine;
+    const std::int32_t rate = needs_.instrument.Shared.SampleRate;
+    frmCalibrate form(
+        {needs_.instrument.Settings, needs_.now, [this](bool on) { return PlayForCalibration(on); }});
+    std::vector<frmCalibrate::Entry> entries;
+    for (const std::size_t channel : {0U, 1U})
+        entries.push_back(
+            {{Direction::kOutput, engine.ListedOutputId, channel, rate}, engine.OutputDeviceName});
+    for (const std::size_t channel : {0U, 1U})
+        entries.push_back({{Direction::kInput, engine.ListedInputId, channel, rate}, engine.InputDeviceName});
+    form.OnChanged = [this] { ShowCalibration(); };
+    form.Form_Load(std::move(entries));
+    calibrate_ = &form;
+    form.ShowInputLevel(InputLevel());
+    ShowCalibrate(form);
+    calibrate_ = nullptr;
+    if (playsForCalibration_) PlayForCalibration(false);
+}
+
+// Returns why the tone cannot be played; empty if it plays.
+std::string frmAnalyzer::PlayForCalibration(bool on) {
+    playsForCalibration_ = on;
+    if (!on) {
+        measurement_.Player.Stop();
+        Measure(Play::kKeep);
+        return {};
+    }
+    StimulusChoice tone;
+    tone.stimulus = {StimulusShape::kSine, {{frmCalibrate::kToneHz}}};
+    tone.levelDbfs = frmCalibrate::kToneDbfs;
+    tone.recordLength = length_;
+    try {
+        measurement_.Start(ChosenSettings(), tone);
+    } catch (const StimulusError& error) {
+        playsForCalibration_ = false;
+        return error.what();
+    }
+    return {};
+}
+
+std::optional<double> frmAnalyzer::InputLevel() const {
+    if (!result_ || !result_->reading.reading.Valid()) return std::nullopt;
+    return result_->reading.reading.levelDbfs.value;
+}
+
+}  // namespace sonavex
