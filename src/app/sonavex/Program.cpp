@@ -146,14 +146,23 @@ void Program::Load() {
         RequestEnd({});
     });
     mixerDialogs_ = std::make_unique<ui::MixerDialogs>(mixers_->Mixers(), form_->Guard, *window_);
+    MakeAnalyzer();
     window_->ReportSize();
     form_->Form_Load();
     ending_.ThrowIfRequested();
     CloseSplash();
 }
 
+void Program::MakeAnalyzer() {
+    analyzer_ = std::make_unique<ProgramAnalyzer>(ProgramAnalyzer::Needs{
+        *form_, loop_, dialogs_, *errorLog_, ending_, help_, sound_->Simulated(), VersionNumber(Version())});
+    form_->BeforeShutdown = [this] { analyzer_->Close(); };
+    print_->SecondBlock = [this] { return analyzer_->Form().ReportBlock(); };
+}
+
 void Program::ShowWindow() {
     window_->ShowPlaced();
+    analyzer_->Reopen();
 }
 
 int Program::GiveUp(const std::exception_ptr& error) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "app/sonavex/ProgramAnalyzer.h"
 #include "app/sonavex/ProgramMixers.h"
 #include "core/ports/SoundSystem.h"
 #include "core/report/DesktopErrorLog.h"
@@ -51,12 +52,14 @@ public:
     frmMain& Form() { return *form_; }
     SoundCardMixers& Mixers() { return mixers_->Mixers(); }
     ui::MainWindow& Window() { return *window_; }
+    ProgramAnalyzer& Analyzer() { return *analyzer_; }
 
 private:
     void MakeForm();
     void Load();
     void ConnectDialogs();
     void ConnectMenus();
+    void MakeAnalyzer();
     void ShowAbout();
     void CloseSplash();
     void ShowWindow();
@@ -90,6 +93,7 @@ private:
     std::unique_ptr<ui::MainWindow> window_;
     std::unique_ptr<BlockedClose> blockedClose_;
     std::unique_ptr<ui::MixerDialogs> mixerDialogs_;
+    std::unique_ptr<ProgramAnalyzer> analyzer_;
     std::unique_ptr<TerminationSignals> termination_;
     bool running_ = false;  // from the end of Open to the end of the shutdown
 };

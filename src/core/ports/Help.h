@@ -8,6 +8,7 @@ namespace sonavex {
 namespace help_topic {
 inline constexpr std::int32_t kSoundDevices = 210;
 inline constexpr std::int32_t kSoundDeviceError = 305;
+inline constexpr std::int32_t kAnalyzer = 410;
 }  // namespace help_topic
 
 // The help file.

@@ -12,6 +12,8 @@ struct MenuControls {
     MenuItem mnuemail;
     MenuItem mnuInputControl;
     MenuItem mnuPlayControl;
+    MenuItem mnuAnalyzer;
+    MenuItem mnuOpenRecording;
 };
 
 }  // namespace sonavex

@@ -242,6 +242,7 @@ void frmMain::Form_QueryUnload() {
     if (unloaded_) return;
     unloaded_ = true;
     LeavePath();
+    ShutdownStep(BeforeShutdown != nullptr, BeforeShutdown);
     Instrument.Watch.Stop();
     ShutdownStep(true, [this] { Instrument.HiTimer1.SetEnabled(false); });
     ShutdownStep(Has(Started::kDevices), [this] { Instrument.Engine.Stop(); });
@@ -269,6 +270,7 @@ void frmMain::EndAtOnce() {
     if (unloaded_) return;
     unloaded_ = true;
     LeavePath();
+    ShutdownStep(BeforeShutdown != nullptr, BeforeShutdown);
     Instrument.Watch.Stop();
     ShutdownStep(true, [this] { Instrument.HiTimer1.SetEnabled(false); });
     ShutdownStep(true, [this] { Instrument.Engine.Stop(); });

@@ -67,6 +67,8 @@ public:
     // Form_QueryUnload or EndAtOnce.
     void ShutDown(const EndProgram& end);
     std::function<void(int status)> OnClosed;
+    // Called at the begin of the shutdown, while the devices are open. May be empty.
+    std::function<void()> BeforeShutdown;
 
     void cmdExit_Click();
     void mnuExit_Click();

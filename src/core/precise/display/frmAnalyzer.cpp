@@ -31,6 +31,18 @@ void LoadChoice(const Settings& settings, const SettingsKey& key, ComboBox& box)
     if (stored >= 0 && stored < box.Count()) box.SetListIndex(static_cast<std::int32_t>(stored));
 }
 
+// The lines of a text with carriage returns.
+std::string InOneLine(const std::string& text) {
+    std::string line;
+    for (const char letter : text) {
+        if (letter == '\r')
+            line += "; ";
+        else
+            line += letter;
+    }
+    return line;
+}
+
 std::string TimeOfDay(const DateTime& time) {
     return DateAndTime(time).substr(11);
 }
@@ -277,7 +289,7 @@ void frmAnalyzer::ShowPath() {
     lblBits.SetCaption(recording ? std::to_string(Recording.Opened().bits) + " bit"
                                  : needs_.lblBits.Caption());
     const std::string limit = result_ ? LimitOf(*result_) : std::string();
-    const std::string path = recording ? Recording.Note() : needs_.pathNote.Caption();
+    const std::string path = recording ? Recording.Note() : InOneLine(needs_.pathNote.Caption());
     const std::string separator = recording && !limit.empty() ? ", " : "";
     note.SetCaption(recording ? path + separator + limit : limit.empty() ? path : limit);
     note.SetEmphasis(recording || !note.Caption().empty());

@@ -1,0 +1,51 @@
+#include "app/sonavex/ProgramAnalyzer.h"
+
+#include "platform/plain/LocalTime.h"
+
+namespace sonavex::app {
+namespace {
+
+frmAnalyzer::Needs FormNeeds(const ProgramAnalyzer::Needs& needs, Background& background,
+                             const MeasurementFiles& files) {
+    frmMain& main = needs.main;
+    return {.loop = needs.loop,
+            .instrument = main.Instrument,
+            .background = background,
+            .dialogs = needs.dialogs,
+            .files = files,
+            .generatorPanel = main.GeneratorPanel,
+            .lblInput = main.lblInput,
+            .lblOutput = main.lblOutput,
+            .lblBits = main.lblBits,
+            .pathNote = main.PathNote,
+            .streamTrouble = main.StreamTrouble,
+            .simulated = needs.simulated,
+            .now = LocalDateTime,
+            .version = needs.version};
+}
+
+}  // namespace
+
+ProgramAnalyzer::ProgramAnalyzer(const Needs& needs)
+    : background_(needs.loop),
+      guard_(needs.dialogs, needs.errorLog, needs.ending),
+      form_(FormNeeds(needs, background_, files_)),
+      window_(form_, guard_) {
+    guard_.OnEnd = [&main = needs.main](const EndProgram& end) { main.End(end); };
+    window_.OnHelp = [&help = needs.help] { help.ShowTopic(help_topic::kAnalyzer); };
+    needs.main.Menus.mnuAnalyzer.Click.Handle([this] { form_.Show(); });
+    needs.main.Menus.mnuOpenRecording.Click.Handle([this] {
+        form_.Show();
+        form_.Recording.cmdOpen.Press();
+    });
+}
+
+void ProgramAnalyzer::Reopen() {
+    if (form_.WasOpen()) form_.Show();
+}
+
+void ProgramAnalyzer::Close() {
+    form_.UnloadForNextStart();
+}
+
+}  // namespace sonavex::app
