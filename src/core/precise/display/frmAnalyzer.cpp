@@ -157,18 +157,20 @@ void frmAnalyzer::Form_Load() {
     needs_.instrument.Settings.Save(keys::kAnalyzerOpen, "1");
     LoadChoices();
     Stimulus.Load();
-    Measure(Play::kKeep);
     timer_ = needs_.loop.StartTimer(kAnalyzerTick, [this] { Tick(); });
+    Measure(Play::kKeep);
 }
 
 void frmAnalyzer::Form_QueryUnload() {
     needs_.loop.StopTimer(timer_);
+    timer_ = 0;
     Recording.OnChanged = {};
     Recording.Close();
     HandleRecording();
     measurement_.Stop();
     SetHeld(false);
     ClearFigures();
+    ShowChip({});
     needs_.instrument.Settings.Save(keys::kAnalyzerOpen, "0");
 }
 
@@ -338,7 +340,7 @@ void frmAnalyzer::ClearFigures() {
     if (rateHz_ > 0) data.rateHz = rateHz_;
     Spectrum.Show(data);
     Waves.Show(nullptr);
-    if (Loaded()) ShowChip(SettlingChip(0, Analysis.Averages()));
+    if (timer_ != 0) ShowChip(SettlingChip(0, Analysis.Averages()));
     ShowAverages(0);
 }
 

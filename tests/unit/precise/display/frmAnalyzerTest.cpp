@@ -1,0 +1,299 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "core/precise/display/frmAnalyzer.h"
+#include "support/FormRig.h"
+#include "support/InlineBackground.h"
+#include "support/MemoryFiles.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::StartsWith;
+using Kind = StateChip::Kind;
+
+// The Analyzer next to a running block meter, on a stepped card that loops back.
+class frmAnalyzerTest : public testing::Test {
+protected:
+    frmAnalyzerTest() {
+        Settings(rig.store).Save(keys::kSampleRate, "5");
+        DeviceUnderTestModel model;
+        model.bits = 24;
+        model.delayFrames = 300;
+        rig.card.Card().SetDeviceUnderTest(model);
+        rig.form.Form_Load();
+        Run(2500ms);
+        files.sounds["/tmp/take 3.wav"] = {
+            .rateHz = 8000, .channels = 2, .frames = 40000, .sample = [](std::int64_t frame) {
+                return 0.5 * std::sin(2.0 * std::numbers::pi * 1000.0 / 8000.0 * static_cast<double>(frame));
+            }};
+    }
+
+    std::int32_t Rate() { return rig.form.Instrument.Shared.SampleRate; }
+    void Run(std::chrono::milliseconds time) {
+        for (auto passed = 0ms; passed < time; passed += 20ms) {
+            rig.card.Card().Step(static_cast<std::size_t>(Rate() / 50));
+            rig.loop.Advance(20ms);
+        }
+    }
+    // Advances the time while the card delivers nothing.
+    void Stall(std::chrono::milliseconds time) {
+        for (auto passed = 0ms; passed < time; passed += 20ms) rig.loop.Advance(20ms);
+    }
+    // True when the chip shows the kind in time.
+    bool Becomes(Kind kind, std::chrono::milliseconds limit = 60s) {
+        for (auto passed = 0ms; passed < limit && form.Chip.State() != kind; passed += 100ms) Run(100ms);
+        return form.Chip.State() == kind;
+    }
+    void ExpectNoFigure() {
+        EXPECT_EQ(form.Readings.lblThd.Caption(), "none");
+        for (const ReadingRow& row : form.Readings.Rows) EXPECT_EQ(row.value.Caption(), "");
+        EXPECT_TRUE(form.Readings.Harmonics.Rows().empty());
+        EXPECT_TRUE(form.Spectrum.Shown().markers.empty());
+        EXPECT_FALSE(form.Spectrum.Shown().noisePerBinDbfs);
+    }
+    frmAnalyzer::Needs Needs() {
+        frmMain& main = rig.form;
+        return {.loop = rig.loop,
+                .instrument = main.Instrument,
+                .background = background,
+                .dialogs = rig.dialogs,
+                .files = files,
+                .generatorPanel = main.GeneratorPanel,
+                .lblInput = main.lblInput,
+                .lblOutput = main.lblOutput,
+                .lblBits = main.lblBits,
+                .pathNote = main.PathNote,
+                .streamTrouble = main.StreamTrouble,
+                .simulated = true,
+                .now = [] { return DateTime{2026, 11, 23, 10, 42, 7}; },
+                .version = "2.1.14"};
+    }
+
+    FormRig rig;
+    InlineBackground background{rig.loop};
+    MemoryFiles files;
+    frmAnalyzer form{Needs()};
+};
+
+TEST_F(frmAnalyzerTest, SettlesAndThenShowsAValidReading) {
+    form.Show();
+    EXPECT_EQ(form.Chip.Text(), "SETTLING 0 of 8");
+    ExpectNoFigure();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid)) << form.Chip.Text();
+    EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Stop");
+    EXPECT_EQ(form.lblAverages.Caption(), "8 of 8");
+    EXPECT_EQ(form.Readings.Rows[ReadingsPanel::kLevel].value.Caption(), "-1.000");
+    EXPECT_FALSE(form.Readings.lblThd.Quiet() && !form.Readings.lblThd.Caption().starts_with("\u2264"));
+    ASSERT_NE(form.Spectrum.Shown().live, nullptr);
+    EXPECT_EQ(form.Spectrum.Shown().live->name, "Left, live");
+    EXPECT_NE(form.Waves.Shown(), nullptr);
+    EXPECT_EQ(form.lblRate.Caption(), std::to_string(Rate()) + " Hz");
+}
+
+// The noise line of the plot is where the trace of the noise runs.
+TEST_F(frmAnalyzerTest, TheNoiseLineIsAtTheMeanOfTheTrace) {
+    form.Show();
+    form.Analysis.cmbBand.UserSelects(1);
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    const SpectrumPlot::Data& shown = form.Spectrum.Shown();
+    ASSERT_TRUE(shown.noisePerBinDbfs);
+    double mean = 0;
+    std::size_t bins = 0;
+    const auto& power = shown.live->power;
+    // Between the orders 2 and 3 of 1 kHz.
+    for (auto j = static_cast<std::size_t>(2200 / shown.live->binHz); j * shown.live->binHz < 2800; ++j) {
+        mean += power[j];
+        ++bins;
+    }
+    EXPECT_NEAR(PowerDecibels(mean / static_cast<double>(bins)), *shown.noisePerBinDbfs, 0.5);
+}
+
+TEST_F(frmAnalyzerTest, WhenTheInputStopsNoFigureStays) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    Stall(1000ms);
+    EXPECT_EQ(form.Chip.State(), Kind::kVoid);
+    ExpectNoFigure();
+    EXPECT_EQ(form.Spectrum.Shown().live, nullptr);
+    EXPECT_EQ(form.Waves.Shown(), nullptr);
+    EXPECT_EQ(form.Readings.lblThdSpread.Caption(), "last valid 10:42:07");
+    EXPECT_TRUE(form.ReportBlock().empty());
+}
+
+TEST_F(frmAnalyzerTest, AfterAnInterruptionItRecoversWithoutAClick) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    Stall(1000ms);
+    ASSERT_EQ(form.Chip.State(), Kind::kVoid);
+    EXPECT_TRUE(Becomes(Kind::kSettling, 5s));
+    EXPECT_TRUE(Becomes(Kind::kValid));
+}
+
+TEST_F(frmAnalyzerTest, AnOverloadShowsThePlotsWithoutFigures) {
+    form.Show();
+    DeviceUnderTestModel model;
+    model.bits = 24;
+    model.gain = 2.0;
+    rig.card.Card().SetDeviceUnderTest(model);
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kOverload)) << form.Chip.Text();
+    EXPECT_EQ(form.Chip.Text(), "OVERLOAD");
+    ExpectNoFigure();
+    EXPECT_NE(form.Spectrum.Shown().live, nullptr);
+    EXPECT_NE(form.Waves.Shown(), nullptr);
+}
+
+TEST_F(frmAnalyzerTest, HoldKeepsTheReadingAndGoesOn) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.cmdHold.Press();
+    EXPECT_EQ(form.cmdHold.Caption(), "Go on");
+    EXPECT_EQ(form.Chip.Text(), "HELD 10:42:07");
+    const std::string held = form.Readings.Rows[ReadingsPanel::kNoise].value.Caption();
+    Run(3s);
+    EXPECT_EQ(form.Readings.Rows[ReadingsPanel::kNoise].value.Caption(), held);
+    form.cmdHold.Press();
+    EXPECT_EQ(form.Chip.State(), Kind::kSettling);
+    EXPECT_TRUE(Becomes(Kind::kValid));
+}
+
+TEST_F(frmAnalyzerTest, SingleHoldsAfterOneFullSetOfAverages) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.cmdSingle.Press();
+    EXPECT_EQ(form.Chip.State(), Kind::kSettling);
+    ASSERT_TRUE(Becomes(Kind::kOff));
+    EXPECT_THAT(form.Chip.Text(), StartsWith("HELD"));
+    EXPECT_EQ(form.lblAverages.Caption(), "8 of 8");
+}
+
+TEST_F(frmAnalyzerTest, AChangeOfTheAnalysisBeginsTheAveragesAgain) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.Analysis.cmbChannel.UserSelects(1);
+    EXPECT_EQ(form.Chip.Text(), "SETTLING 0 of 8");
+    ExpectNoFigure();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    EXPECT_EQ(form.lblLegendLive.Caption(), "Right, live");
+}
+
+TEST_F(frmAnalyzerTest, KeepsATraceUntilItIsRemoved) {
+    form.Show();
+    form.cmdKeep.Press();
+    EXPECT_EQ(form.Spectrum.Kept(), nullptr);
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.cmdKeep.Press();
+    ASSERT_NE(form.Spectrum.Kept(), nullptr);
+    EXPECT_EQ(form.lblLegendKept.Caption(), "A, 10:42");
+    form.cmdRemoveKept.Press();
+    EXPECT_EQ(form.Spectrum.Kept(), nullptr);
+    EXPECT_EQ(form.lblLegendKept.Caption(), "");
+}
+
+TEST_F(frmAnalyzerTest, ARecordingTakesThePlaceOfTheDevices) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    form.OpenRecording("/tmp/take 3.wav");
+    Run(200ms);
+    EXPECT_EQ(form.lblRecording.Caption(), "take 3.wav");
+    EXPECT_EQ(form.lblInput.Caption(), "");
+    EXPECT_EQ(form.lblRate.Caption(), "8000 Hz");
+    EXPECT_EQ(form.Chip.Text(), "VALID");
+    EXPECT_THAT(form.note.Caption(), StartsWith("recording, "));
+    EXPECT_EQ(form.Readings.Rows[ReadingsPanel::kLevel].value.Caption(), "-6.021");
+    EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Start");
+    Run(3s);
+    EXPECT_EQ(form.Chip.Text(), "VALID");
+
+    form.Recording.cmdLive.Press();
+    EXPECT_EQ(form.lblRecording.Caption(), "");
+    EXPECT_EQ(form.lblRate.Caption(), std::to_string(Rate()) + " Hz");
+    EXPECT_EQ(form.Chip.State(), Kind::kSettling);
+    ExpectNoFigure();
+}
+
+TEST_F(frmAnalyzerTest, ExportsTheReadingOfTheClick) {
+    form.Show();
+    form.cmdExport.Press();
+    EXPECT_THAT(rig.log.Lines(), testing::Contains(HasSubstr("There is no reading to export.")));
+    form.OpenRecording("/tmp/take 3.wav");
+    Run(200ms);
+    form.AskForExport =
+        [](const ExportedMeasurement& measurement) -> std::optional<frmAnalyzer::ExportTarget> {
+        EXPECT_EQ(measurement.time, "2026-11-23 10:42:07");
+        return frmAnalyzer::ExportTarget{"/tmp/out.csv", ExportKind::kReadingsCsv};
+    };
+    form.cmdExport.Press();
+    EXPECT_THAT(files.texts["/tmp/out.csv"], HasSubstr("take 3.wav"));
+    files.full = true;
+    form.cmdExport.Press();
+    EXPECT_EQ(form.Chip.Text(), "VALID");
+}
+
+TEST_F(frmAnalyzerTest, ThePrintedReportGetsAValidReadingOnly) {
+    EXPECT_TRUE(form.ReportBlock().empty());
+    form.Show();
+    EXPECT_TRUE(form.ReportBlock().empty());
+    form.OpenRecording("/tmp/take 3.wav");
+    Run(200ms);
+    EXPECT_FALSE(form.ReportBlock().empty());
+    form.Unload();
+    EXPECT_TRUE(form.ReportBlock().empty());
+}
+
+TEST_F(frmAnalyzerTest, ClosingEndsTheStimulusAndNotTheBlockMeter) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.Unload();
+    Run(500ms);
+    EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Start");
+    EXPECT_TRUE(rig.form.StreamTrouble.Caption().empty());
+    EXPECT_FALSE(form.WasOpen());
+}
+
+TEST_F(frmAnalyzerTest, OpensAgainAfterTheProgramEndedWithIt) {
+    form.UnloadForNextStart();
+    EXPECT_FALSE(form.WasOpen());
+    form.Show();
+    form.UnloadForNextStart();
+    EXPECT_TRUE(form.WasOpen());
+}
+
+TEST_F(frmAnalyzerTest, LevelsAreInVoltsOnceCalibrated) {
+    form.Show();
+    EXPECT_EQ(form.Stimulus.lblLevelNote.Caption(), "not calibrated");
+    EXPECT_EQ(form.Stimulus.cmbLevelUnit.Count(), 1);
+    form.ShowCalibrate = [this](frmCalibrate& dialog) {
+        dialog.cmdPlay_Click();
+        Run(200ms);
+        EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Stop");
+        dialog.txtVolts.UserTypes("0.5");
+        dialog.cmdStore_Click();
+    };
+    form.Stimulus.cmdCalibrate.Press();
+    Run(400ms);
+    EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Start");
+    EXPECT_EQ(form.Stimulus.cmbLevelUnit.Count(), 4);
+    EXPECT_EQ(form.Stimulus.lblLevelNote.Caption(), "1.409 V rms, calibrated");
+    form.Stimulus.txtLevel.UserTypes("500mV");
+    form.Stimulus.txtLevel.UserLeaves();
+    EXPECT_EQ(form.Stimulus.txtLevel.Text(), "-10.00");
+}
+
+}  // namespace
+}  // namespace sonavex
