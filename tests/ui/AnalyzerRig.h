@@ -8,6 +8,7 @@
 
 #include "support/FormRig.h"
 #include "support/InlineBackground.h"
+#include "support/MemoryFiles.h"
 #include "support/QtWait.h"
 #include "ui/AnalyzerWindow.h"
 
@@ -28,10 +29,11 @@ protected:
     FormRig rig;
     InlineBackground background{rig.loop};
     HandlerGuard guard{rig.dialogs, rig.errorLog, rig.ending};
-    frmAnalyzer form{NeedsOn(rig, background)};
+    MemoryFiles files;
+    frmAnalyzer form{NeedsOn(rig, background, files)};
     ui::AnalyzerWindow window{form, guard};
 
-    static frmAnalyzer::Needs NeedsOn(FormRig& rig, Background& background);
+    static frmAnalyzer::Needs NeedsOn(FormRig& rig, Background& background, const MeasurementFiles& files);
 };
 
 }  // namespace sonavex

@@ -32,7 +32,7 @@ using AnalyzerWindowTest = AnalyzerRig;
 
 TEST_F(AnalyzerWindowTest, JoinsEveryControlOfTheForm) {
     std::optional<frmAnalyzer> again;
-    std::vector<Control*> created = CreatedControls([&] { again.emplace(NeedsOn(rig, background)); });
+    std::vector<Control*> created = CreatedControls([&] { again.emplace(NeedsOn(rig, background, files)); });
     std::erase(created, &again->Frame);  // the window itself
     const ui::AnalyzerWindow analyzer(*again, guard);
     std::map<Control*, std::string> joined;

@@ -23,6 +23,7 @@ PixelArea::PixelArea(const QPainter& painter, const QRectF& area)
 void DrawPixels(QPainter& painter, const PixelArea& area, const TraceImage& image) {
     const auto width = static_cast<int>(image.Width());
     const auto height = static_cast<int>(image.Height());
+    if (width == 0 || height == 0) return;
     const auto* const bytes = reinterpret_cast<const uchar*>(image.Pixels().data());
     painter.save();
     painter.scale(1.0 / area.scale, 1.0 / area.scale);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <algorithm>
 
 #include "core/controls/Controls.h"
 #include "core/plot/TraceImage.h"
@@ -15,8 +16,9 @@ namespace sonavex::ui {
 struct PixelArea {
     PixelArea(const QPainter& painter, const QRectF& area);
 
-    std::size_t Width() const { return static_cast<std::size_t>(pixels.width()); }
-    std::size_t Height() const { return static_cast<std::size_t>(pixels.height()); }
+    // 0 where a plot is smaller than its margins.
+    std::size_t Width() const { return static_cast<std::size_t>(std::max(pixels.width(), 0)); }
+    std::size_t Height() const { return static_cast<std::size_t>(std::max(pixels.height(), 0)); }
 
     QRect pixels;
     double scale = 1;  // pixels for one unit of the painter

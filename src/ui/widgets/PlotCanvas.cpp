@@ -69,6 +69,7 @@ QColor Weak(QColor colour) {
 
 struct PlotCanvas::Plot {
     explicit Plot(PlotCanvas& canvas) : widget(&canvas) {
+        QObject::connect(&widget, &QCustomPlot::afterReplot, &widget, [this] { painted = true; });
         widget.setAttribute(Qt::WA_TransparentForMouseEvents);
         widget.setFocusPolicy(Qt::NoFocus);
         widget.axisRect()->setAutoMargins(QCP::msNone);
@@ -105,6 +106,7 @@ struct PlotCanvas::Plot {
     Axis horizontalAxis;
     Axis verticalAxis;
     QCustomPlot widget;
+    bool painted = false;  // once: the layers have their buffers
 };
 
 PlotCanvas::PlotCanvas(QWidget* parent) : QWidget(parent) {
@@ -148,7 +150,7 @@ void PlotCanvas::SetColours(const QColor& around, const QColor& ground, const QC
 }
 
 void PlotCanvas::Repaint(Part part) {
-    if (part == Part::kAll)
+    if (part == Part::kAll || !plot_->painted)
         plot_->widget.replot(QCustomPlot::rpQueuedReplot);
     else
         plot_->widget.layer("main")->replot();
