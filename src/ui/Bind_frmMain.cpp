@@ -28,6 +28,8 @@ void MainWindow::BindControls() {
     binder_.Bind(*ui_->mnuemail, form_.Menus.mnuemail);
     binder_.Bind(*ui_->mnuInputControl, form_.Menus.mnuInputControl);
     binder_.Bind(*ui_->mnuPlayControl, form_.Menus.mnuPlayControl);
+    binder_.Bind(*ui_->mnuAnalyzer, form_.Menus.mnuAnalyzer);
+    binder_.Bind(*ui_->mnuOpenRecording, form_.Menus.mnuOpenRecording);
     binder_.Bind(*ui_->cmdPrint, form_.cmdPrint);
 
     binder_.Bind(*ui_->lblThd, meter.lblThd);

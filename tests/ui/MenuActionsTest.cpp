@@ -26,6 +26,8 @@ TEST_F(MenuActions, EachPressesItsOwnEntry) {
         {"mnuemail", &menus.mnuemail},
         {"mnuInputControl", &menus.mnuInputControl},
         {"mnuPlayControl", &menus.mnuPlayControl},
+        {"mnuAnalyzer", &menus.mnuAnalyzer},
+        {"mnuOpenRecording", &menus.mnuOpenRecording},
         {"mnuPrint", &rig.form.mnuPrint},
     };
     std::vector<std::string> pressed;
