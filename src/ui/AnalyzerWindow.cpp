@@ -1,13 +1,17 @@
 #include "ui/AnalyzerWindow.h"
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QHideEvent>
 #include <QIcon>
+#include <QMenu>
+#include <QMimeData>
 #include <QPainter>
 #include <QResizeEvent>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
+#include <QUrl>
 #include <algorithm>
 #include <initializer_list>
 
@@ -63,23 +67,64 @@ QIcon StartIcon(bool playing, const QColor& ink, qreal pixelRatio) {
     return picture;
 }
 
+// The dropped file; empty if there is none or more than one.
+std::string DroppedFile(const QMimeData& data) {
+    const QList<QUrl> urls = data.urls();
+    return urls.size() == 1 && urls[0].isLocalFile() ? urls[0].toLocalFile().toStdString() : std::string();
+}
+
 }  // namespace
 
 AnalyzerWindow::AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard)
-    : ModelessDialog(form, guard, nullptr), form_(form), ui_(std::make_unique<Ui::frmAnalyzer>()) {
+    : ModelessDialog(form, guard, nullptr),
+      form_(form),
+      guard_(guard),
+      ui_(std::make_unique<Ui::frmAnalyzer>()) {
     ui_->setupUi(this);
+    setAcceptDrops(true);
     setProperty("ownsDialogs", true);
     ui_->cmdStart->setIconSize(kStartIcon);
     MakeRows();
+    MakeMenus();
     BindControls();
+    ConnectFiles();
     for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
-    connect(ui_->cmdFoldWaves, &QPushButton::clicked, this,
-            [this] { ShowWaves(!ui_->cmdFoldWaves->Open()); });
+    connect(ui_->cmdFoldWaves, &QPushButton::clicked, this, [this] {
+        ShowWaves(!ui_->cmdFoldWaves->Open());
+        if (!compact_) form_.StoreWavesFolded(!ui_->cmdFoldWaves->Open());
+    });
     ConnectKeys();
     Complete();
 }
 
-AnalyzerWindow::~AnalyzerWindow() = default;
+AnalyzerWindow::~AnalyzerWindow() {
+    form_.AskForExport = {};
+    form_.DrawPlot = {};
+    form_.OnCopy = {};
+    form_.ShowCalibrate = {};
+    form_.Recording.AskForFile = {};
+}
+
+void AnalyzerWindow::MakeMenus() {
+    auto* const keep = new QMenu(ui_->keepMenu);
+    keep->setToolTipsVisible(true);
+    keepReference_ = keep->addAction(tr("Keep as &reference"));
+    keepIdle_ = keep->addAction(tr("Keep as &idle"));
+    keepReference_->setToolTip(tr("A reading of the output connected to the input"));
+    keepIdle_->setToolTip(tr("A reading with the generator off"));
+    ui_->keepMenu->setMenu(keep);
+}
+
+void AnalyzerWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!DroppedFile(*event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void AnalyzerWindow::dropEvent(QDropEvent* event) {
+    const std::string file = DroppedFile(*event->mimeData());
+    if (file.empty()) return;
+    event->acceptProposedAction();
+    Bindings().Handle([&] { form_.OpenRecording(file); });
+}
 
 void AnalyzerWindow::MakeRows() {
     for (std::size_t i = 0; i < form_.Readings.Rows.size(); ++i) {
@@ -91,9 +136,14 @@ void AnalyzerWindow::MakeRows() {
 
 // A letter does not act while a field has the focus: the field then takes the key as text.
 void AnalyzerWindow::ConnectKeys() {
-    const std::pair<QKeySequence, QAbstractButton*> buttons[] = {
-        {Qt::Key_H, ui_->cmdHold},      {Qt::Key_K, ui_->cmdKeep},          {Qt::Key_F, ui_->cmdFit},
-        {Qt::Key_R, ui_->cmdFoldWaves}, {QKeySequence::Copy, ui_->cmdCopy}, {Qt::Key_F5, ui_->cmdStart}};
+    const std::pair<QKeySequence, QAbstractButton*> buttons[] = {{Qt::Key_H, ui_->cmdHold},
+                                                                 {Qt::Key_K, ui_->cmdKeep},
+                                                                 {Qt::Key_F, ui_->cmdFit},
+                                                                 {Qt::Key_R, ui_->cmdFoldWaves},
+                                                                 {Qt::CTRL | Qt::Key_E, ui_->cmdExport},
+                                                                 {Qt::CTRL | Qt::Key_O, ui_->cmdOpen},
+                                                                 {QKeySequence::Copy, ui_->cmdCopy},
+                                                                 {Qt::Key_F5, ui_->cmdStart}};
     for (const auto& [key, button] : buttons)
         connect(new QShortcut(key, this), &QShortcut::activated, button, &QAbstractButton::click);
     auto* const single = new QShortcut(Qt::Key_Space, ui_->Spectrum);
@@ -133,7 +183,8 @@ void AnalyzerWindow::OrderTabs() {
     };
     for (QWidget* next : order) appendAll(next);
     for (const ReadingRowView* row : rows_) append(&row->Unit());
-    QWidget* const buttons[] = {ui_->cmdHold, ui_->cmdSingle, ui_->cmdKeep, ui_->cmdCopy};
+    QWidget* const buttons[] = {ui_->cmdOpen, ui_->cmdHold,     ui_->cmdSingle, ui_->cmdKeep,   ui_->keepMenu,
+                                ui_->cmdLive, ui_->chkAveraged, ui_->sldBlock,  ui_->cmdExport, ui_->cmdCopy};
     for (QWidget* button : buttons) append(button);
 }
 
@@ -172,11 +223,11 @@ void AnalyzerWindow::resizeEvent(QResizeEvent* event) {
     const bool compact = width() < kRoomy.width() || height() < kRoomy.height();
     if (compact == compact_) return;
     compact_ = compact;
-    ui_->cmdCopy->ShowKeyCap(!compact);
+    for (KeyButton* button : {ui_->cmdExport, ui_->cmdCopy}) button->ShowKeyCap(!compact);
     for (QWidget* legend :
          {static_cast<QWidget*>(ui_->swatchNoise), static_cast<QWidget*>(ui_->capNoisePerBin)})
         legend->setVisible(!compact);
-    ShowWaves(!compact);
+    ShowWaves(!compact && !form_.WavesFolded());
 }
 
 void AnalyzerWindow::ShowWaves(bool open) {
@@ -212,6 +263,10 @@ void AnalyzerWindow::DecorateStart() {
 void AnalyzerWindow::Decorate() {
     DecorateStimulus();
     ui_->note->setVisible(!form_.note.Caption().empty());
+    const bool recording = !form_.lblRecording.Caption().empty();
+    ShowRow({ui_->lblRecordingCaption, ui_->lblRecording, ui_->recordingPane}, recording);
+    ShowRow({ui_->lblInputCaption, ui_->lblInput, ui_->lblOutputCaption, ui_->lblOutput, ui_->livePane},
+            !recording);
     const bool kept = !form_.lblLegendKept.Caption().empty();
     ShowRow({ui_->swatchKept, ui_->lblLegendKept, ui_->cmdRemoveKept}, kept);
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "core/precise/display/frmAnalyzer.h"
@@ -31,6 +32,8 @@ public:
     std::function<void()> OnHelp;
 
 protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -39,6 +42,11 @@ protected:
 
 private:
     void MakeRows();
+    void MakeMenus();
+    void ConnectFiles();
+    std::string AskForRecording();
+    std::optional<frmAnalyzer::ExportTarget> AskForExport(const ExportedMeasurement& measurement);
+    void Wait(QDialog& dialog);
     void BindControls();
     void BindPlots();
     void BindStimulus();
@@ -55,8 +63,12 @@ private:
     void ShowWaves(bool open);
 
     frmAnalyzer& form_;
+    HandlerGuard& guard_;
     std::unique_ptr<Ui::frmAnalyzer> ui_;
     std::vector<ReadingRowView*> rows_;
+    QAction* keepReference_ = nullptr;
+    QAction* keepIdle_ = nullptr;
+    std::string folder_;  // of the last file that the user chose
     bool compact_ = false;
     std::optional<bool> playing_;  // as the start button shows
 };

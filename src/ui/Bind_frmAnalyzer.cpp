@@ -18,9 +18,18 @@ void AnalyzerWindow::BindControls() {
     binder.Bind(*ui_->cmdHold, form_.cmdHold);
     binder.Bind(*ui_->cmdSingle, form_.cmdSingle);
     binder.Bind(*ui_->cmdKeep, form_.cmdKeep);
+    binder.Bind(*keepReference_, form_.mnuKeepReference);
+    binder.Bind(*keepIdle_, form_.mnuKeepIdle);
+    binder.Bind(*ui_->cmdExport, form_.cmdExport);
     binder.Bind(*ui_->cmdCopy, form_.cmdCopy);
     binder.Bind(*ui_->prgAverages, form_.prgAverages);
     binder.Bind(*ui_->lblAverages, form_.lblAverages);
+    binder.Bind(*ui_->lblRecording, form_.lblRecording);
+    binder.Bind(*ui_->cmdOpen, form_.Recording.cmdOpen);
+    binder.Bind(*ui_->cmdLive, form_.Recording.cmdLive);
+    binder.Bind(*ui_->chkAveraged, form_.Recording.chkAveraged);
+    binder.Bind(*ui_->sldBlock, form_.Recording.sldBlock);
+    binder.Bind(*ui_->lblBlock, form_.Recording.lblBlock);
     BindPlots();
     BindStimulus();
     BindAnalysis();

@@ -62,11 +62,12 @@ void FormDialog::Run() {
 }
 
 void FormDialog::Wait(QDialog& dialog) {
-    guard_.Ending().Wait([&] { dialog.exec(); },
-                         [&] {
-                             CloseOver(dialog);
-                             dialog.done(QDialog::Rejected);
-                         });
+    guard_.Ending().Wait([&] { dialog.exec(); }, [&] { CloseWithChildren(dialog); });
+}
+
+void FormDialog::CloseWithChildren(QDialog& dialog) {
+    CloseOver(dialog);
+    dialog.done(QDialog::Rejected);
 }
 
 void FormDialog::reject() {

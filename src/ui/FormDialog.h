@@ -25,6 +25,9 @@ public:
     // Also called for the Escape key and the window's close button.
     void reject() override;
 
+    // Rejects a dialog that is shown, after everything that is open over it.
+    static void CloseWithChildren(QDialog& dialog);
+
 protected:
     // Frame and guard must outlive the dialog. unload asks the form to close.
     FormDialog(Window& frame, HandlerGuard& guard, std::function<void()> unload);
