@@ -1,6 +1,7 @@
 #include "core/plot/WaveColumns.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <span>
@@ -24,17 +25,35 @@ double BeginOf(const WaveRecord& record, int periods) {
     return period * (std::floor(latest / period + turns) - turns);
 }
 
+// Cosine and sine of the angle of each sample under the window, so that BandLimited needs one of each.
+struct WindowAngles {
+    WindowAngles() {
+        for (int k = 1 - kSincReach; k <= kSincReach; ++k) {
+            const double angle = std::numbers::pi * k / kSincReach;
+            cosine[static_cast<std::size_t>(k + kSincReach - 1)] = std::cos(angle);
+            sine[static_cast<std::size_t>(k + kSincReach - 1)] = std::sin(angle);
+        }
+    }
+    std::array<double, std::size_t{2} * kSincReach> cosine{};
+    std::array<double, std::size_t{2} * kSincReach> sine{};
+};
+
 // Interpolation with a sinc under a Hann window.
 double BandLimited(std::span<const float> samples, double time) {
     const double before = std::floor(time);
     const double fraction = time - before;
     const auto first = static_cast<std::ptrdiff_t>(before);
     if (fraction < 1e-9) return samples[static_cast<std::size_t>(first)];
+    static const WindowAngles kAngles;
     const double sine = std::sin(std::numbers::pi * fraction) / std::numbers::pi;
+    const double cosineOfWindow = 0.5 * std::cos(std::numbers::pi * fraction / kSincReach);
+    const double sineOfWindow = 0.5 * std::sin(std::numbers::pi * fraction / kSincReach);
     double sum = 0;
     for (std::ptrdiff_t k = 1 - kSincReach; k <= kSincReach; ++k) {
         const double distance = fraction - static_cast<double>(k);
-        const double window = 0.5 + 0.5 * std::cos(std::numbers::pi * distance / kSincReach);
+        const auto angle = static_cast<std::size_t>(k + kSincReach - 1);
+        const double window =
+            0.5 + cosineOfWindow * kAngles.cosine[angle] + sineOfWindow * kAngles.sine[angle];
         const double sinc = (k % 2 == 0 ? sine : -sine) / distance;
         const std::ptrdiff_t n = first + k;
         if (n >= 0 && n < std::ssize(samples)) sum += sinc * window * samples[static_cast<std::size_t>(n)];

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace sonavex {
@@ -21,7 +23,7 @@ public:
     // Silence.
     StimulusSignal() = default;
     // The sum of the lines.
-    explicit StimulusSignal(std::vector<StimulusLine> lines) : lines_(std::move(lines)) {}
+    explicit StimulusSignal(std::vector<StimulusLine> lines);
     // A period whose length is a power of two. The lines are what it was made of.
     StimulusSignal(std::vector<StimulusLine> lines, std::vector<double> period)
         : lines_(std::move(lines)), period_(std::make_shared<const std::vector<double>>(std::move(period))) {}
@@ -33,7 +35,19 @@ public:
     const std::vector<StimulusLine>& Lines() const noexcept { return lines_; }
 
 private:
+    // A group of frames begins at a multiple of its length. The samples in it are the one at its begin,
+    // turned by the angles of the line: a sine and a cosine for each group, not for each frame.
+    static constexpr std::uint64_t kGroup = 32;
+    struct Turn {
+        double sine;
+        double cosine;
+    };
+    using Turns = std::array<Turn, kGroup>;
+
+    static Turns TurnsOf(const StimulusLine& line) noexcept;
+
     std::vector<StimulusLine> lines_;
+    std::vector<Turns> turns_;                           // of each line, if there is no period
     std::shared_ptr<const std::vector<double>> period_;  // null: computed from the lines
 };
 

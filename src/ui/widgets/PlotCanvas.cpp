@@ -60,6 +60,20 @@ private:
     const PlotCanvas::Painting& painting_;
 };
 
+// The period of a measured tone differs a little with each reading. Axes that differ by less than a fraction
+// of a pixel are not painted again.
+bool LookAlike(const PlotCanvas::Axis& axis, const PlotCanvas::Axis& other) {
+    constexpr double kInvisible = 1e-4;
+    const double limit = kInvisible * (axis.high - axis.low);
+    const auto near = [limit](double value, double next) { return std::abs(value - next) <= limit; };
+    return near(axis.low, other.low) && near(axis.high, other.high) &&
+           std::equal(axis.ticks.begin(), axis.ticks.end(), other.ticks.begin(), other.ticks.end(),
+                      [&near](const PlotCanvas::Tick& tick, const PlotCanvas::Tick& next) {
+                          return tick.label == next.label && tick.minor == next.minor &&
+                                 near(tick.position, next.position);
+                      });
+}
+
 QColor Weak(QColor colour) {
     colour.setAlphaF(0.5F);
     return colour;
@@ -125,7 +139,8 @@ QRectF PlotCanvas::PlotArea() const {
 }
 
 bool PlotCanvas::SetAxes(const Axis& horizontal, const Axis& vertical, const QFont& labels) {
-    const bool same = plot_->horizontalAxis == horizontal && plot_->verticalAxis == vertical &&
+    const bool same = LookAlike(plot_->horizontalAxis, horizontal) &&
+                      LookAlike(plot_->verticalAxis, vertical) &&
                       plot_->horizontal().tickLabelFont() == labels;
     if (same) return false;
     plot_->horizontalAxis = horizontal;

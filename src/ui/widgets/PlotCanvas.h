@@ -25,13 +25,11 @@ public:
         double position = 0;
         QString label;
         bool minor = false;
-        friend bool operator==(const Tick&, const Tick&) = default;
     };
     struct Axis {
         double low = 0;
         double high = 1;
         std::vector<Tick> ticks;
-        friend bool operator==(const Axis&, const Axis&) = default;
     };
     // The painter's origin is the corner of the canvas; plot: the area inside the axes.
     using Painting = std::function<void(QPainter& painter, const QRectF& plot)>;
@@ -46,7 +44,7 @@ public:
     // Distance of the axes from the edges of the canvas.
     void SetMargins(const QMargins& margins);
     QRectF PlotArea() const;
-    // labels: font of the tick labels. True if this changes anything.
+    // labels: font of the tick labels. True if this changes anything that can be seen.
     bool SetAxes(const Axis& horizontal, const Axis& vertical, const QFont& labels);
     void SetColours(const QColor& around, const QColor& ground, const QColor& frame, const QColor& grid,
                     const QColor& labels);
