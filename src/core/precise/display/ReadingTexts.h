@@ -15,7 +15,10 @@ struct ValueText {
     bool bound = false;
 };
 
-// decimals: of the value and of its spread. A bound has one decimal.
+// An uncertainty, at least one step of its last decimal: no value is exact.
+std::string SpreadText(double uncertainty, int decimals);
+
+// decimals: of the value and of its spread. A bound has one decimal and is rounded up.
 ValueText TextOf(const Value& value, int decimals, int spreadDecimals = 2);
 
 // "0.000744": a percentage with three significant digits. A bound has one: "≤ 0.000009".

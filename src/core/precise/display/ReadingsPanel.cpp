@@ -33,7 +33,7 @@ HarmonicsTable::Row RowOf(const Harmonic& harmonic) {
         row.phase = "in the noise";
         return row;
     }
-    if (harmonic.levelDbc.uncertainty) row.spread = WithDecimals(*harmonic.levelDbc.uncertainty, 2);
+    if (harmonic.levelDbc.uncertainty) row.spread = SpreadText(*harmonic.levelDbc.uncertainty, 2);
     if (harmonic.phaseDegrees.value) row.phase = WithDecimals(*harmonic.phaseDegrees.value, 0) + "\u00b0";
     const double level = harmonic.levelDbc.value.value_or(kBarLowestDbc);
     row.bar = std::clamp((level - kBarLowestDbc) / (kBarHighestDbc - kBarLowestDbc), 0.0, 1.0);

@@ -195,7 +195,7 @@ TEST_F(AnalyzerPanelsTest, ShowsTheHarmonicsOfTheSum) {
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_EQ(rows[0], (HarmonicsTable::Row{"H2", "-104.01", "0.08", "134°", rows[0].bar, false}));
     EXPECT_NEAR(rows[0].bar, (150.0 - 104.01) / 60.0, 1e-12);
-    EXPECT_EQ(rows[1], (HarmonicsTable::Row{"H8", "≤ -140.7", "", "in the noise", 0.0, true}));
+    EXPECT_EQ(rows[1], (HarmonicsTable::Row{"H8", "≤ -140.6", "", "in the noise", 0.0, true}));
 }
 
 TEST_F(AnalyzerPanelsTest, AnUnfinishedAverageIsQuiet) {

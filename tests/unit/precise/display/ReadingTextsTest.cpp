@@ -11,11 +11,14 @@ TEST(ReadingTextsTest, AValueHasItsDecimalsAndItsSpread) {
     EXPECT_EQ(text.spread, "± 0.07");
     EXPECT_FALSE(text.bound);
     EXPECT_EQ(TextOf({999.75586, 0.00012, false}, 4, 4).spread, "± 0.0001");
+    EXPECT_EQ(TextOf({999.75586, 1e-9, false}, 4, 4).spread, "± 0.0001");
 }
 
 TEST(ReadingTextsTest, ABoundHasOneDecimalAndNoSpread) {
     const ValueText text = TextOf({-141.23, std::nullopt, true}, 2);
     EXPECT_EQ(text.value, "≤ -141.2");
+    EXPECT_EQ(TextOf({-141.27, std::nullopt, true}, 2).value, "≤ -141.2");
+    EXPECT_EQ(TextOf({-141.2, std::nullopt, true}, 2).value, "≤ -141.2");
     EXPECT_EQ(text.spread, "");
     EXPECT_TRUE(text.bound);
 }
