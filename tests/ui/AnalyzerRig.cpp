@@ -86,8 +86,7 @@ void FillForm(frmAnalyzer& form) {
 
 }  // namespace
 
-frmAnalyzer::Needs AnalyzerRig::NeedsOn(FormRig& rig, Background& background,
-                                        const MeasurementFiles& files) {
+frmAnalyzer::Needs AnalyzerRig::NeedsOn(FormRig& rig, Background& background, const MeasurementFiles& files) {
     frmMain& main = rig.form;
     return {.loop = rig.loop,
             .instrument = main.Instrument,
