@@ -100,11 +100,11 @@ struct PlotCanvas::Plot {
             axis->setSubTickPen(Qt::NoPen);
             axis->setTickLength(0, 0);
         }
-        horizontal().setTicker(QSharedPointer<GivenTicks>::create(horizontalAxis));
-        vertical().setTicker(QSharedPointer<GivenTicks>::create(verticalAxis));
-        horizontal().setTickLabelPadding(4);
-        vertical().setTickLabelPadding(8);
-        for (QCPAxis* axis : {&horizontal(), &vertical()}) {
+        Horizontal().setTicker(QSharedPointer<GivenTicks>::create(horizontalAxis));
+        Vertical().setTicker(QSharedPointer<GivenTicks>::create(verticalAxis));
+        Horizontal().setTickLabelPadding(4);
+        Vertical().setTickLabelPadding(8);
+        for (QCPAxis* axis : {&Horizontal(), &Vertical()}) {
             axis->grid()->setSubGridVisible(true);
             axis->grid()->setZeroLinePen(Qt::NoPen);
             axis->grid()->setAntialiased(false);
@@ -114,8 +114,8 @@ struct PlotCanvas::Plot {
         new PaintedPart(widget, "main", canvas.PaintCurves);
     }
 
-    QCPAxis& horizontal() { return *widget.xAxis; }
-    QCPAxis& vertical() { return *widget.yAxis; }
+    QCPAxis& Horizontal() { return *widget.xAxis; }
+    QCPAxis& Vertical() { return *widget.yAxis; }
 
     Axis horizontalAxis;
     Axis verticalAxis;
@@ -141,14 +141,14 @@ QRectF PlotCanvas::PlotArea() const {
 bool PlotCanvas::SetAxes(const Axis& horizontal, const Axis& vertical, const QFont& labels) {
     const bool same = LookAlike(plot_->horizontalAxis, horizontal) &&
                       LookAlike(plot_->verticalAxis, vertical) &&
-                      plot_->horizontal().tickLabelFont() == labels;
+                      plot_->Horizontal().tickLabelFont() == labels;
     if (same) return false;
     plot_->horizontalAxis = horizontal;
     plot_->verticalAxis = vertical;
-    plot_->horizontal().setRange(horizontal.low, horizontal.high);
-    plot_->vertical().setRange(vertical.low, vertical.high);
-    plot_->horizontal().setTickLabelFont(labels);
-    plot_->vertical().setTickLabelFont(labels);
+    plot_->Horizontal().setRange(horizontal.low, horizontal.high);
+    plot_->Vertical().setRange(vertical.low, vertical.high);
+    plot_->Horizontal().setTickLabelFont(labels);
+    plot_->Vertical().setTickLabelFont(labels);
     return true;
 }
 

@@ -34,6 +34,7 @@ constexpr double kOnBin = 1e-6;
 
 std::vector<std::string> PairCaptions() {
     std::vector<std::string> captions;
+    captions.reserve(kStandardPairs.size() + 1);
     for (const StandardPair& pair : kStandardPairs) captions.emplace_back(pair.caption);
     captions.emplace_back("Own");
     return captions;
@@ -48,7 +49,7 @@ std::vector<std::string> DitherCaptions(int outputBits) {
 // The shortest text that reads as the same number: "1000", "997.5".
 std::string NumberText(double number) {
     for (int decimals = 0; decimals < 9; ++decimals) {
-        const std::string text = WithDecimals(number, decimals);
+        std::string text = WithDecimals(number, decimals);
         if (QuantityIn(text, "") == number) return text;
     }
     return WithDecimals(number, 9);

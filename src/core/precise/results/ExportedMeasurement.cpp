@@ -243,7 +243,7 @@ std::vector<std::string> ReportLines(const ExportedMeasurement& measurement) {
     const AnalyzedReading& analyzed = measurement.reading;
     if (!analyzed.values.reading.Valid()) return lines;
     lines.emplace_back("Analyzer");
-    lines.push_back(std::string(kReportCharacters, '='));
+    lines.emplace_back(kReportCharacters, '=');
     if (analyzed.mode == PreciseMode::kTone)
         AddToneRows(lines, analyzed.values.reading);
     else
