@@ -81,15 +81,15 @@ void RecordAverage::IncludeSpectrum(const RecordAnalysis& analysis) {
         spectrum_.Add(analysis.samples, std::max<std::size_t>(Records(), 1));
 }
 
-std::size_t RecordAverage::Records() const {
-    return settings_.mode == PreciseMode::kTone ? tone_.Mean().blocks : lines_.value().blocks;
-}
-
 LinesReading RecordAverage::Values() const {
     if (settings_.mode != PreciseMode::kTone) return ReadingOf(*plan_, settings_, lines_.value());
     LinesReading reading;
     reading.reading = MakeReading(*plan_, tone_.Mean(), settings_.tone);
     return reading;
+}
+
+std::size_t RecordAverage::Records() const {
+    return settings_.mode == PreciseMode::kTone ? tone_.Mean().blocks : lines_.value().blocks;
 }
 
 // A limited average is computed from its records each time, so that a record that drops out leaves nothing

@@ -64,13 +64,14 @@ public:
     void Include(const RecordAnalysis& analysis, std::size_t shift = 0);
     // Only after Include.
     LinesReading Values() const;
+    // How many records the average contains: 1 after a change of level or frequency. Only after Include.
+    std::size_t Records() const;
     // Of the same records. Without those that are void for another reason than overload.
     const MeanSpectrum& Spectrum() const noexcept { return spectrum_.Mean(); }
 
 private:
     void IncludeLines(LinesMeasurement next, std::size_t shift);
     void IncludeSpectrum(const RecordAnalysis& analysis);
-    std::size_t Records() const;
 
     std::shared_ptr<const RecordPlan> plan_;
     PreciseSettings settings_;

@@ -1,6 +1,7 @@
 #include "core/precise/RecordingAnalysis.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace sonavex {
@@ -12,6 +13,12 @@ void AddUnknown(std::vector<Fault>& known, const std::vector<Fault>& faults) {
         if (std::none_of(known.begin(), known.end(),
                          [&fault](const Fault& other) { return other.code == fault.code; }))
             known.push_back(fault);
+}
+
+Warning PartOfRecording(std::size_t newest, std::size_t measured) {
+    return {WarningCode::kUnsteadyTone,
+            "The level or the frequency of a tone differs between records: the reading contains the newest " +
+                std::to_string(newest) + " of " + std::to_string(measured) + " records."};
 }
 
 std::unique_ptr<OpenRecording> WithChannel(std::unique_ptr<OpenRecording> recording, std::size_t channel) {
@@ -58,16 +65,23 @@ void RecordingAnalysis::Include() {
     ++measured_;
     newest_ = AnalyzeRecord(*plan_, settings_, record);
     if (!newest_.residual.empty()) residual_ = newest_.residual;
-    if (record.samples.size() == plan_->Length()) spectrum_.Add(record.samples);
     AddUnknown(voids_, VoidsOf(newest_));
     AddUnknown(warnings_, WarningsOf(newest_));
     if (voids_.empty()) average_.Include(newest_, records_.Shift());
+    const bool begins = voids_.empty() && average_.Records() == 1;
+    if (record.samples.size() == plan_->Length()) spectrum_.Add(record.samples, begins ? 1 : 0);
 }
 
 LinesReading RecordingAnalysis::Values() const {
     if (voids_.empty()) {
         LinesReading values = average_.Values();
         values.reading.highestOrder = settings_.tone.highestOrder;
+        std::vector<Warning> warnings;
+        if (average_.Records() < measured_)
+            warnings.push_back(PartOfRecording(average_.Records(), measured_));
+        AddUnknown(warnings, values.reading.warnings);
+        AddUnknown(warnings, warnings_);
+        values.reading.warnings = std::move(warnings);
         return values;
     }
     LinesReading values;

@@ -32,14 +32,16 @@ public:
     // How many records were included.
     std::size_t Measured() const noexcept { return measured_; }
 
-    // Of all records included; one void record voids it. At least one must be included.
+    // Of all records included; one void record voids it. When the level or the frequency of a tone differs
+    // between records, the reading contains the newest ones only and has the warning "unsteady tone".
+    // Warnings are those of all records. At least one must be included.
     LinesReading Values() const;
     // The newest record, and what its fit leaves: of the newest record with something to fit; empty if there
     // was none.
     const std::vector<double>& Samples() const noexcept { return newest_.samples; }
     const std::vector<double>& Residual() const noexcept { return residual_; }
     const RecordPlan& Plan() const noexcept { return *plan_; }
-    // Of all complete records included.
+    // Of the records of the reading; if it is void, of all complete records since a tone last changed.
     const MeanSpectrum& Spectrum() const noexcept { return spectrum_.Mean(); }
 
 private:

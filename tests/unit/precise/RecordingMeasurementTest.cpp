@@ -109,6 +109,27 @@ TEST_F(RecordingMeasurementTest, OneVoidRecordVoidsTheWhole) {
     EXPECT_TRUE(readings.at(1).Valid());
 }
 
+// The level falls by 0.02 dB from record to record, and only the first record reaches full scale.
+TEST_F(RecordingMeasurementTest, ADriftingToneIsMeasuredInPartWithAWarning) {
+    MemoryFiles::Sound sound = Recorded(12000);
+    sound.sample = [steady = sound.sample](std::int64_t frame) {
+        return 4.004 * std::pow(10.0, -0.001 / 1024.0 * static_cast<double>(frame)) * steady(frame);
+    };
+    Open(sound);
+    measurement->MeasureAll(RecordedSettings());
+    Complete();
+    ASSERT_EQ(readings.size(), 1U);
+    ASSERT_TRUE(readings[0].Valid());
+    ASSERT_EQ(progress.size(), 9U);
+    EXPECT_EQ(readings[0].blocks, 1U);
+    EXPECT_EQ(last->Spectrum().records, 1U);
+    ASSERT_EQ(readings[0].warnings.size(), 2U);
+    EXPECT_EQ(readings[0].warnings[0].sentence,
+              "The level or the frequency of a tone differs between records: the reading contains the newest "
+              "1 of 9 records.");
+    EXPECT_EQ(readings[0].warnings[1].code, WarningCode::kClipped);
+}
+
 TEST_F(RecordingMeasurementTest, ShorterThanARecordIsTooShort) {
     Open(Recorded(4095));
     EXPECT_EQ(measurement->RecordsOfLength(kRecordedLength), 1U);
