@@ -45,7 +45,8 @@ struct LinesReading {
 
     Intermodulation intermodulation;
     std::vector<ProductValues> products;
-    std::vector<ProductValues> dropped;  // closer than 6 bins to another line; without level
+    // Without level: closer than 6 bins to another line, or than 8 bins to 0 Hz or half the rate.
+    std::vector<ProductValues> dropped;
 
     Value tdnDb;     // everything in the band but the tones, relative to the total
     Value peakDbfs;  // largest sample, noise mode only

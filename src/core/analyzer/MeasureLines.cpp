@@ -75,7 +75,7 @@ std::vector<Orders> ProductsOfOrder(int order) {
     return products;
 }
 
-bool TooClose(const std::vector<double>& positions, double position) {
+bool TooClose(std::span<const double> positions, double position) {
     return std::any_of(positions.begin(), positions.end(),
                        [position](double other) { return std::abs(other - position) < kLeastDistanceBins; });
 }
@@ -87,30 +87,46 @@ struct PairLines {
     std::vector<Orders> dropped;
 };
 
+struct ProductAt {
+    Orders orders;
+    double position;  // bins
+};
+
+// The products up to half the rate, as positive frequencies.
+std::vector<ProductAt> ProductsOf(const RecordPlan& plan, std::span<const double> tones) {
+    std::vector<ProductAt> products;
+    for (int order = 2; order <= kHighestProduct; ++order)
+        for (const auto& [n1, n2] : ProductsOfOrder(order)) {
+            const double position = n1 * tones[0] + n2 * tones[1];
+            const int sign = position < 0.0 ? -1 : 1;
+            if (std::abs(position) > 0.5 * static_cast<double>(plan.Length())) continue;
+            products.push_back({{sign * n1, sign * n2}, std::abs(position)});
+        }
+    return products;
+}
+
 PairLines LinesOfPair(const RecordPlan& plan, std::span<const double> tones) {
     const TurnsPerSample f1 = FrequencyOf(tones[0] * plan.BinHz(), plan.RateHz());
     const TurnsPerSample f2 = FrequencyOf(tones[1] * plan.BinHz(), plan.RateHz());
     PairLines pair;
     pair.lines = {{f1, {1.0, 0.0}, 0}, {f2, {0.0, 1.0}, 1}};
-    std::vector<double> positions(tones.begin(), tones.end());
-    for (int order = 2; order <= kHighestProduct; ++order)
-        for (Orders product : ProductsOfOrder(order)) {
-            double position = product.n1 * tones[0] + product.n2 * tones[1];
-            if (position < 0.0) {
-                product = {-product.n1, -product.n2};
-                position = -position;
-            }
-            if (position < kGuardBins || position > HighestPosition(plan)) continue;
-            if (TooClose(positions, position)) {
-                pair.dropped.push_back(product);
-                continue;
-            }
-            positions.push_back(position);
-            pair.products.push_back(product);
-            pair.lines.push_back({f1.Times(product.n1).Plus(f2.Times(product.n2)),
-                                  {static_cast<double>(product.n1), static_cast<double>(product.n2)},
-                                  std::nullopt});
+    const std::vector<ProductAt> products = ProductsOf(plan, tones);
+    for (const auto& [product, position] : products) {
+        const bool outside = position < kGuardBins || position > HighestPosition(plan);
+        const auto close = [at = position](const ProductAt& other) {
+            return std::abs(other.position - at) < kLeastDistanceBins;
+        };
+        // Each product is close to itself.
+        if (outside || TooClose(tones, position) ||
+            std::count_if(products.begin(), products.end(), close) > 1) {
+            pair.dropped.push_back(product);
+            continue;
         }
+        pair.products.push_back(product);
+        pair.lines.push_back({f1.Times(product.n1).Plus(f2.Times(product.n2)),
+                              {static_cast<double>(product.n1), static_cast<double>(product.n2)},
+                              std::nullopt});
+    }
     return pair;
 }
 

@@ -43,7 +43,8 @@ struct LinesMeasurement {
 
     std::vector<MeasuredTone> tones;  // in ascending order of frequency
     std::vector<MeasuredProduct> products;
-    std::vector<MeasuredProduct> dropped;  // closer than 6 bins to another line
+    // Closer than 6 bins to another line, or than 8 bins to 0 Hz or half the rate.
+    std::vector<MeasuredProduct> dropped;
     double dc = 0;
     double peak = 0;                    // largest sample
     std::vector<double> residualPower;  // RecordPlan::PowerSpectrum of the residual

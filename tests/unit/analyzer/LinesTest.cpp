@@ -52,6 +52,11 @@ void Near(const Value& value, double expected, double relative) {
     EXPECT_NEAR(*value.value, expected, relative * std::abs(expected));
 }
 
+bool IsDropped(const LinesReading& reading, int n1, int n2) {
+    return std::any_of(reading.dropped.begin(), reading.dropped.end(),
+                       [=](const ProductValues& product) { return product.n1 == n1 && product.n2 == n2; });
+}
+
 // Side bands of known size beside the upper tone.
 TEST(PairTest, ModulationOfSmallUpperTone) {
     for (const auto& [low, high] : {std::pair{60.3, 7000.7}, {250.0, 8000.0}, {41.0, 7993.0}}) {
@@ -125,8 +130,20 @@ TEST(PairTest, CoincidingProductsAreDroppedAndListed) {
     const LinesReading reading = PairReading(Pair({8000.0, 0.4}, {12000.0, 0.4}));
     ASSERT_TRUE(reading.reading.Valid());
     EXPECT_FALSE(reading.intermodulation.dfdD3.value.has_value());
-    EXPECT_TRUE(reading.intermodulation.dfdD2.value.has_value());
-    EXPECT_FALSE(reading.dropped.empty());
+    EXPECT_FALSE(reading.intermodulation.dfdD2.value.has_value());
+    EXPECT_TRUE(IsDropped(reading, -1, 1));
+    EXPECT_TRUE(IsDropped(reading, 2, -1));
+}
+
+TEST(PairTest, ProductsNextToZeroOrHalfTheRateAreDroppedAndListed) {
+    constexpr double kFiveBinsHz = 5.0 * kLinesRateHz / static_cast<double>(kLinesLength);
+    const LinesReading low = PairReading(Pair({1000.0, 0.4}, {3000.0 + kFiveBinsHz, 0.4}));
+    ASSERT_TRUE(low.reading.Valid());
+    EXPECT_TRUE(IsDropped(low, -3, 1));
+    const LinesReading high = PairReading(Pair({5000.0, 0.4}, {12000.0 - 0.5 * kFiveBinsHz, 0.4}));
+    ASSERT_TRUE(high.reading.Valid());
+    EXPECT_TRUE(IsDropped(high, 0, 2));
+    EXPECT_FALSE(IsDropped(high, 0, 3)) << "it is above half the rate";
 }
 
 TEST(PairTest, NoiseHidesProducts) {
