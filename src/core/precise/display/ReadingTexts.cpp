@@ -1,6 +1,7 @@
 #include "core/precise/display/ReadingTexts.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <numbers>
@@ -51,6 +52,13 @@ ValueText TextOf(const Value& value, int decimals, int spreadDecimals) {
     ValueText text{WithDecimals(*value.value, decimals), "", false};
     if (value.uncertainty) text.spread = kSpreadSign + SpreadText(*value.uncertainty, spreadDecimals);
     return text;
+}
+
+std::string ShortSpread(double uncertainty) {
+    std::array<char, 16> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), uncertainty,
+                                   std::chars_format::scientific, 0);
+    return kSpreadSign + std::string(digits.data(), end.ptr);
 }
 
 std::string PercentText(const Value& percent) {

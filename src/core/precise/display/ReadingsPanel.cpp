@@ -11,6 +11,8 @@ namespace sonavex {
 namespace {
 
 constexpr int kPercentUnit = 1;
+constexpr int kPercentDecimals = 6;
+constexpr int kNoiseVoltDecimals = 9;
 // Levels at the ends of a harmonic's bar.
 constexpr double kBarLowestDbc = -150.0;
 constexpr double kBarHighestDbc = -90.0;
@@ -164,14 +166,22 @@ void ReadingsPanel::ShowRow(Row row, const char* name, const Value& value, int d
 
 void ReadingsPanel::ShowLevel(Row row, const char* name, const Value& dbfs, int decimals) {
     const int unit = Rows[row].unit.ListIndex();
-    const int shown = unit == LevelUnits::kVolts ? LevelUnits::Decimals(unit) : decimals;
-    ShowRow(row, name, LevelUnits::Converted(dbfs, unit, calibration_), shown, shown);
+    const Value shown = LevelUnits::Converted(dbfs, unit, calibration_);
+    if (unit != LevelUnits::kVolts) return ShowRow(row, name, shown, decimals, decimals);
+    ShowSmall(row, name, shown, row == kNoise ? kNoiseVoltDecimals : LevelUnits::Decimals(unit));
 }
 
 void ReadingsPanel::ShowRatio(Row row, const char* name, const Value& decibels) {
     if (Rows[row].unit.ListIndex() != kPercentUnit) return ShowRow(row, name, decibels, 2, 2);
     const Value percent = PercentOfDecibels(decibels);
-    ShowRow(row, name, percent, 6, 6);
+    ShowSmall(row, name, percent, kPercentDecimals);
+}
+
+// A spread with as many decimals as the value is too wide.
+void ReadingsPanel::ShowSmall(Row row, const char* name, const Value& value, int decimals) {
+    ShowRow(row, name, value, decimals, 0);
+    const bool hasSpread = value.value && value.uncertainty && !value.atMost;
+    Rows[row].spread.SetCaption(hasSpread ? ShortSpread(*value.uncertainty) : std::string());
 }
 
 void ReadingsPanel::ShowTone() {

@@ -59,6 +59,7 @@ private:
     void ShowFigures();
     void ShowMain(const Value& decibels, const std::string& title, const std::string& reference);
     void ShowRow(Row row, const char* name, const Value& value, int decimals, int spreadDecimals);
+    void ShowSmall(Row row, const char* name, const Value& value, int decimals);
     void ShowRatio(Row row, const char* name, const Value& decibels);
     void ShowTone();
     void ShowLines();

@@ -189,6 +189,17 @@ TEST_F(AnalyzerPanelsTest, ShowsAReading) {
     EXPECT_EQ(readings.lblNoiseBand.Caption(), "20 Hz to 20 kHz, A-weighted");
 }
 
+TEST_F(AnalyzerPanelsTest, ShowsSmallValuesWithAShortSpread) {
+    readings.SetCalibration(Calibration::From(0.0, 2.0, "2026-11-22 17:05:00"));
+    readings.Show(ToneReading(), {});
+    readings.Rows[ReadingsPanel::kThdn].unit.UserSelects(1);
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kThdn].value.Caption(), "0.001303");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kThdn].spread.Caption(), "± 6e-06");
+    readings.Rows[ReadingsPanel::kNoise].unit.UserSelects(LevelUnits::kVolts);
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].value.Caption(), "0.000019077");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].spread.Caption(), "± 7e-08");
+}
+
 TEST_F(AnalyzerPanelsTest, ShowsTheHarmonicsOfTheSum) {
     readings.Show(ToneReading(), {});
     const std::vector<HarmonicsTable::Row>& rows = readings.Harmonics.Rows();
