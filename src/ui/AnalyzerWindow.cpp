@@ -223,7 +223,7 @@ void AnalyzerWindow::resizeEvent(QResizeEvent* event) {
     const bool compact = width() < kRoomy.width() || height() < kRoomy.height();
     if (compact == compact_) return;
     compact_ = compact;
-    for (KeyButton* button : {ui_->cmdExport, ui_->cmdCopy}) button->ShowKeyCap(!compact);
+    for (KeyButton* button : {ui_->cmdExport, ui_->cmdCopy, ui_->cmdFit}) button->ShowKeyCap(!compact);
     for (QWidget* legend :
          {static_cast<QWidget*>(ui_->swatchNoise), static_cast<QWidget*>(ui_->capNoisePerBin)})
         legend->setVisible(!compact);
@@ -262,10 +262,12 @@ void AnalyzerWindow::DecorateStart() {
 
 void AnalyzerWindow::Decorate() {
     DecorateStimulus();
+    SetQuietInk(*ui_->lblThdSpread, form_.Readings.lblThd.Quiet());
     ui_->note->setVisible(!form_.note.Caption().empty());
     const bool recording = !form_.lblRecording.Caption().empty();
     ShowRow({ui_->lblRecordingCaption, ui_->lblRecording, ui_->recordingPane}, recording);
-    ShowRow({ui_->lblInputCaption, ui_->lblInput, ui_->lblOutputCaption, ui_->lblOutput, ui_->livePane},
+    ShowRow({ui_->lblInputCaption, ui_->lblInput, ui_->lblOutputCaption, ui_->lblOutput, ui_->livePane,
+             ui_->cmdHold, ui_->cmdSingle},
             !recording);
     const bool kept = !form_.lblLegendKept.Caption().empty();
     ShowRow({ui_->swatchKept, ui_->lblLegendKept, ui_->cmdRemoveKept}, kept);

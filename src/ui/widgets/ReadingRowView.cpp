@@ -27,7 +27,7 @@ ReadingRowView::ReadingRowView(bool stripe, QWidget* parent)
     setProperty("stripe", stripe);
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(7, 3, 7, 3);
-    row->setSpacing(6);
+    row->setSpacing(2);
     row->addWidget(name_);
     row->addWidget(value_, 1);
     row->addWidget(unit_);
