@@ -1,5 +1,9 @@
 #include "ui/AnalyzerRig.h"
 
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
 namespace sonavex {
 namespace {
 
@@ -84,6 +88,13 @@ void FillForm(frmAnalyzer& form) {
     FillReadings(form.Readings);
 }
 
+constexpr std::chrono::milliseconds kCardStep{20};
+constexpr double kTakeRateHz = 48000;
+
+double SineAt(double hertz, std::int64_t frame) {
+    return std::sin(2.0 * std::numbers::pi * hertz / kTakeRateHz * static_cast<double>(frame));
+}
+
 }  // namespace
 
 frmAnalyzer::Needs AnalyzerRig::NeedsOn(FormRig& rig, Background& background, const MeasurementFiles& files) {
@@ -111,6 +122,63 @@ void AnalyzerRig::Open(QSize size, const std::function<void(frmAnalyzer&)>& chan
     window.resize(size);
     Settle();
     Settle();
+}
+
+DeviceUnderTestModel AnalyzerRig::UsualLoop() {
+    DeviceUnderTestModel model;
+    model.bits = 24;
+    model.delayFrames = 300;
+    model.referencePeak = 29204.5;  // -1 dBFS
+    model.harmonicAmplitudes = {6.3e-6, 3.5e-6, 8.8e-7, 1.4e-6, 2.3e-7, 5.2e-7, 0.0, 2.4e-7};
+    model.noiseRms = 0.22;
+    return model;
+}
+
+void AnalyzerRig::OpenOnCard(QSize size, const DeviceUnderTestModel& model) {
+    using namespace std::chrono_literals;
+    Settings(rig.store).Save(keys::kSampleRate, "0");
+    rig.card.Card().SetDeviceUnderTest(model);
+    rig.form.Form_Load();
+    Play(2500ms);
+    form.Show();
+    window.resize(size);
+    Settle();
+}
+
+void AnalyzerRig::OpenRecording(const std::function<double(std::int64_t frame)>& sample) {
+    files.sounds["/recordings/take 3.wav"] = {
+        .rateHz = static_cast<std::int32_t>(kTakeRateHz),
+        .channels = 2,
+        .frames = 300000,
+        .sample = [sample](std::int64_t frame) { return std::clamp(sample(frame), -1.0, 1.0); }};
+    form.OpenRecording("/recordings/take 3.wav");
+    Play(std::chrono::seconds(2));
+    Settle();
+}
+
+double AnalyzerRig::ClippingSine(std::int64_t frame) {
+    return 1.001 * SineAt(1000, frame);
+}
+
+double AnalyzerRig::UnsteadySine(std::int64_t frame) {
+    return 0.5 * (1.0 + 0.002 * SineAt(3, frame)) * SineAt(1000, frame);
+}
+
+void AnalyzerRig::Calibrate() {
+    using Direction = CalibratedChannel::Direction;
+    const StreamEngine& engine = rig.form.Instrument.Engine;
+    const Calibration calibration = Calibration::From(-1.0, 1.783, "2026-11-22 17:05:00");
+    Calibrations calibrations(rig.form.Instrument.Settings);
+    calibrations.Store({Direction::kOutput, engine.ListedOutputId, 0, 48000}, calibration);
+    calibrations.Store({Direction::kInput, engine.ListedInputId, 0, 48000}, calibration);
+}
+
+void AnalyzerRig::Play(std::chrono::milliseconds time) {
+    const auto frames = static_cast<std::size_t>(rig.form.Instrument.Shared.SampleRate / 50);
+    for (std::chrono::milliseconds passed{0}; passed < time; passed += kCardStep) {
+        rig.card.Card().Step(frames);
+        rig.loop.Advance(kCardStep);
+    }
 }
 
 }  // namespace sonavex

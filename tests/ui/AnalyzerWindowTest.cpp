@@ -1,3 +1,5 @@
+#include <gmock/gmock.h>
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
@@ -12,6 +14,7 @@
 #include <set>
 #include <utility>
 
+#include "core/precise/display/LevelUnits.h"
 #include "support/CreatedControls.h"
 #include "ui/AnalyzerRig.h"
 #include "ui/AnalyzerWindow.h"
@@ -28,7 +31,7 @@ using testing::IsEmpty;
 constexpr QSize kUsualSize(1240, 800);
 constexpr QSize kSmallestSize(1000, 640);
 
-using AnalyzerWindowTest = AnalyzerRig;
+class AnalyzerWindowTest : public testing::Test, public AnalyzerRig {};
 
 TEST_F(AnalyzerWindowTest, JoinsEveryControlOfTheForm) {
     std::optional<frmAnalyzer> again;
@@ -121,10 +124,11 @@ TEST_F(AnalyzerWindowTest, LeavesAnEntryWithItsOldTextByEscape) {
 
 // A key and the button that it presses.
 using KeyPress = std::pair<QKeyCombination, const char*>;
-class AnalyzerKeys : public AnalyzerRig, public testing::WithParamInterface<KeyPress> {};
+class AnalyzerKeys : public testing::TestWithParam<KeyPress>, public AnalyzerRig {};
 
 TEST_P(AnalyzerKeys, PressTheirButton) {
     Open(kUsualSize);
+    form.Recording.AskForFile = [] { return std::string(); };
     QSignalSpy pressed(&Find<QPushButton>(GetParam().second), &QPushButton::clicked);
     Find<QWidget>("Spectrum").setFocus();
     QTest::keyClick(QApplication::focusWidget(), GetParam().first.key(),
@@ -137,6 +141,8 @@ INSTANTIATE_TEST_SUITE_P(All, AnalyzerKeys,
                                          KeyPress{Qt::Key_K, "cmdKeep"}, KeyPress{Qt::Key_F, "cmdFit"},
                                          KeyPress{Qt::Key_R, "cmdFoldWaves"},
                                          KeyPress{Qt::CTRL | Qt::Key_C, "cmdCopy"},
+                                         KeyPress{Qt::CTRL | Qt::Key_E, "cmdExport"},
+                                         KeyPress{Qt::CTRL | Qt::Key_O, "cmdOpen"},
                                          KeyPress{Qt::Key_F5, "cmdStart"}));
 
 TEST_F(AnalyzerWindowTest, TakesLettersAsTextInAnEntry) {
@@ -190,7 +196,7 @@ struct Look {
     std::function<void(frmAnalyzer&)> show;
 };
 
-class AnalyzerTexts : public AnalyzerRig, public testing::WithParamInterface<Look> {};
+class AnalyzerTexts : public testing::TestWithParam<Look>, public AnalyzerRig {};
 
 void ShowShape(frmAnalyzer& form, std::int32_t shape) {
     form.Stimulus.cmbShape.SetListIndex(shape);
@@ -257,6 +263,109 @@ INSTANTIATE_TEST_SUITE_P(EveryState, AnalyzerTexts, testing::ValuesIn(Looks()), 
     return std::string(instance.param.name) +
            (instance.param.size == kUsualSize ? "AtTheUsualSize" : "AtTheSmallestSize");
 });
+
+// The states as the form makes them.
+struct State {
+    const char* name;
+    std::function<void(AnalyzerRig&)> reach;
+    StateChip::Kind chip;
+};
+
+class AnalyzerStates : public testing::TestWithParam<State>, public AnalyzerRig {};
+
+TEST_P(AnalyzerStates, ClipNoText) {
+    OpenOnCard(kUsualSize);
+    form.Stimulus.cmdStart.Press();
+    Play(std::chrono::seconds(5));
+    GetParam().reach(*this);
+    Settle();
+    EXPECT_EQ(form.Chip.State(), GetParam().chip) << form.Chip.Text();
+    EXPECT_THAT(ClippedTexts(window), IsEmpty());
+    window.resize(kSmallestSize);
+    Settle();
+    EXPECT_THAT(ClippedTexts(window), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, AnalyzerStates,
+    testing::Values(State{"Valid", [](AnalyzerRig&) {}, StateChip::Kind::kValid},
+                    State{"Kept", [](AnalyzerRig& rig) { rig.form.cmdKeep.Press(); },
+                          StateChip::Kind::kValid},
+                    State{"Percent",
+                          [](AnalyzerRig& rig) {
+                              rig.form.Readings.ToggleUnit();
+                              for (const auto row : {ReadingsPanel::kThdn, ReadingsPanel::kNotch})
+                                  rig.form.Readings.Rows[row].unit.UserSelects(1);
+                          },
+                          StateChip::Kind::kValid},
+                    State{"Volts",
+                          [](AnalyzerRig& rig) {
+                              rig.Calibrate();
+                              rig.Play(std::chrono::seconds(1));
+                              for (const auto row : {ReadingsPanel::kNoise, ReadingsPanel::kLevel})
+                                  rig.form.Readings.Rows[row].unit.UserSelects(LevelUnits::kVolts);
+                              rig.form.Stimulus.cmbLevelUnit.UserSelects(LevelUnits::kVolts);
+                              rig.Play(std::chrono::seconds(5));
+                          },
+                          StateChip::Kind::kValid},
+                    State{"Bound",
+                          [](AnalyzerRig& rig) {
+                              DeviceUnderTestModel clean = AnalyzerRig::UsualLoop();
+                              clean.harmonicAmplitudes.clear();
+                              rig.rig.card.Card().SetDeviceUnderTest(clean);
+                              rig.Play(std::chrono::seconds(8));
+                          },
+                          StateChip::Kind::kValid},
+                    State{"Held", [](AnalyzerRig& rig) { rig.form.cmdHold.Press(); }, StateChip::Kind::kOff},
+                    State{"Void",
+                          [](AnalyzerRig& rig) {
+                              rig.rig.card.Unplug();
+                              rig.Play(std::chrono::seconds(1));
+                          },
+                          StateChip::Kind::kVoid},
+                    State{"Overload",
+                          [](AnalyzerRig& rig) {
+                              DeviceUnderTestModel loud = AnalyzerRig::UsualLoop();
+                              loud.gain = 1.3;
+                              rig.rig.card.Card().SetDeviceUnderTest(loud);
+                              rig.Play(std::chrono::seconds(5));
+                          },
+                          StateChip::Kind::kOverload},
+                    State{"Recording", [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine); },
+                          StateChip::Kind::kValid},
+                    State{"UnsteadyRecord",
+                          [](AnalyzerRig& rig) {
+                              rig.OpenRecording(AnalyzerRig::UnsteadySine);
+                              rig.form.Recording.chkAveraged.UserSets(false);
+                              rig.Play(std::chrono::seconds(1));
+                          },
+                          StateChip::Kind::kUnsteady}),
+    [](const auto& instance) { return instance.param.name; });
+
+TEST_F(AnalyzerWindowTest, ShowsTheUncertaintyInTheInkOfItsFigure) {
+    OpenOnCard(kUsualSize);
+    form.Stimulus.cmdStart.Press();
+    Play(std::chrono::seconds(2));
+    Settle();
+    ASSERT_EQ(form.Chip.State(), StateChip::Kind::kSettling);
+    EXPECT_EQ(Find<QLabel>("lblThdSpread").property("ink").toByteArray(), "quiet");
+    Play(std::chrono::seconds(4));
+    Settle();
+    EXPECT_EQ(Find<QLabel>("lblThdSpread").property("ink").toByteArray(), "");
+}
+
+TEST_F(AnalyzerWindowTest, TheStripOfARecordingTakesThePlaceOfTheDevices) {
+    OpenOnCard(kUsualSize);
+    EXPECT_TRUE(Find<QWidget>("lblInput").isVisible());
+    EXPECT_FALSE(Find<QWidget>("recordingPane").isVisible());
+    OpenRecording(ClippingSine);
+    EXPECT_FALSE(Find<QWidget>("lblInput").isVisible());
+    EXPECT_TRUE(Find<QWidget>("recordingPane").isVisible());
+    EXPECT_EQ(Find<QLabel>("lblRecording").text(), "take 3.wav");
+    Find<QPushButton>("cmdLive").click();
+    Settle();
+    EXPECT_TRUE(Find<QWidget>("lblInput").isVisible());
+}
 
 }  // namespace
 }  // namespace sonavex

@@ -13,6 +13,7 @@
 #include "ui/MainWindow.h"
 #include "ui/MixerRig.h"
 #include "ui/ProgramStyle.h"
+#include "ui/pictures/AnalyzerPictures.h"
 #include "ui/pictures/DialogPictures.h"
 #include "ui/widgets/Theme.h"
 
@@ -239,6 +240,7 @@ int main(int argc, char** argv) {
         for (const MixerScene& scene : kMixerScenes)
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
         if (!DialogPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
+        if (!AnalyzerPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
     }
     return 0;
 }

@@ -35,7 +35,7 @@ protected:
 
 TEST_P(ThemeColours, AreReadableOnEveryGround) {
     const std::pair<const char*, QColor> grounds[] = {
-        {"window", theme.window}, {"card", theme.card}, {"stripe", theme.stripe}};
+        {"window", theme.window}, {"card", theme.card}, {"stripe", theme.stripe}, {"outside", theme.outside}};
     const std::pair<const char*, QColor> inks[] = {{"text", theme.text},       {"quiet", theme.quiet},
                                                    {"valid", theme.valid},     {"accent", theme.accent},
                                                    {"warning", theme.warning}, {"overload", theme.overload},

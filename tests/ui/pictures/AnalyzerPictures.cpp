@@ -1,0 +1,161 @@
+#include "ui/pictures/AnalyzerPictures.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QMenu>
+#include <QPushButton>
+#include <functional>
+#include <vector>
+
+#include "support/QtWait.h"
+#include "ui/AnalyzerRig.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+// The plots are repainted at most 15 times per second.
+constexpr std::chrono::milliseconds kRepaint{150};
+constexpr QSize kUsual(1240, 800);
+constexpr QSize kSmallest(1000, 640);
+
+struct AnalyzerScene {
+    const char* name;
+    QSize size;
+    std::function<void(AnalyzerRig&)> play;
+};
+
+void PlaySine(AnalyzerRig& rig, std::chrono::milliseconds time) {
+    rig.form.Stimulus.cmdStart.Press();
+    rig.Play(time);
+}
+
+void PlayShape(AnalyzerRig& rig, std::int32_t shape) {
+    rig.form.Stimulus.cmbShape.UserSelects(shape);
+    PlaySine(rig, 5s);
+}
+
+void SetModel(AnalyzerRig& rig, const std::function<void(DeviceUnderTestModel&)>& change) {
+    DeviceUnderTestModel model = AnalyzerRig::UsualLoop();
+    change(model);
+    rig.rig.card.Card().SetDeviceUnderTest(model);
+}
+
+// Kept at a higher noise.
+void KeepNoisyTrace(AnalyzerRig& rig) {
+    SetModel(rig, [](DeviceUnderTestModel& model) { model.noiseRms = 1.0; });
+    PlaySine(rig, 5s);
+    rig.form.cmdKeep.Press();
+    SetModel(rig, [](DeviceUnderTestModel&) {});
+    rig.form.Stimulus.cmdStart.Press();
+    PlaySine(rig, 8s);
+    rig.form.Spectrum.UserClicks(0.68, 0.02);
+}
+
+const AnalyzerScene kAnalyzerScenes[] = {
+    {"idle", kUsual, [](AnalyzerRig& rig) { rig.Play(5s); }},
+    {"valid", kUsual, KeepNoisyTrace},
+    {"valid-small", kSmallest, KeepNoisyTrace},
+    {"settling", kUsual, [](AnalyzerRig& rig) { PlaySine(rig, 2500ms); }},
+    {"settling-small", kSmallest, [](AnalyzerRig& rig) { PlaySine(rig, 2500ms); }},
+    {"void", kUsual,
+     [](AnalyzerRig& rig) {
+         PlaySine(rig, 5s);
+         rig.rig.card.Unplug();
+         rig.Play(1s);
+     }},
+    {"overload", kUsual,
+     [](AnalyzerRig& rig) {
+         PlaySine(rig, 5s);
+         SetModel(rig, [](DeviceUnderTestModel& model) { model.gain = 1.3; });
+         rig.Play(5s);
+     }},
+    {"unsteady", kUsual, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::UnsteadySine); }},
+    {"calibrated", kUsual,
+     [](AnalyzerRig& rig) {
+         rig.Calibrate();
+         PlaySine(rig, 5s);
+         rig.form.Readings.Rows[ReadingsPanel::kLevel].unit.UserSelects(3);
+         rig.form.Readings.Rows[ReadingsPanel::kNoise].unit.UserSelects(3);
+     }},
+    {"bound", kUsual,
+     [](AnalyzerRig& rig) {
+         SetModel(rig, [](DeviceUnderTestModel& model) { model.harmonicAmplitudes.clear(); });
+         PlaySine(rig, 5s);
+     }},
+    {"percent", kUsual,
+     [](AnalyzerRig& rig) {
+         PlaySine(rig, 5s);
+         rig.form.Readings.ToggleUnit();
+         rig.form.Readings.Rows[ReadingsPanel::kThdn].unit.UserSelects(1);
+         rig.form.Readings.Rows[ReadingsPanel::kNotch].unit.UserSelects(1);
+         rig.form.cmbPlotUnit.UserSelects(1);
+     }},
+    {"held", kUsual,
+     [](AnalyzerRig& rig) {
+         PlaySine(rig, 5s);
+         rig.form.cmdHold.Press();
+     }},
+    {"recording", kUsual, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine); }},
+    {"recording-small", kSmallest, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine); }},
+    {"record", kUsual,
+     [](AnalyzerRig& rig) {
+         rig.OpenRecording(AnalyzerRig::ClippingSine);
+         rig.form.Recording.chkAveraged.UserSets(false);
+         rig.Play(1s);
+     }},
+    {"two-tones", kUsual, [](AnalyzerRig& rig) { PlayShape(rig, 1); }},
+    {"multitone", kUsual, [](AnalyzerRig& rig) { PlayShape(rig, 2); }},
+    {"square", kUsual, [](AnalyzerRig& rig) { PlayShape(rig, 3); }},
+    {"noise", kUsual,
+     [](AnalyzerRig& rig) {
+         rig.form.Stimulus.txtLevel.UserTypes("-10");
+         rig.form.Stimulus.txtLevel.UserLeaves();
+         PlayShape(rig, 6);
+     }},
+    {"trouble", kUsual, [](AnalyzerRig& rig) { PlayShape(rig, 6); }},
+};
+
+bool SaveAnalyzer(QWidget& window, const QString& name, bool dark, const QString& folder) {
+    return window.grab().save(QStringLiteral("%1/analyzer-%2-%3-%4.png")
+                                  .arg(folder, name, dark ? "dark" : "light")
+                                  .arg(qRound(window.devicePixelRatio() * 100)));
+}
+
+bool SaveScene(const AnalyzerScene& scene, bool dark, const QString& folder) {
+    AnalyzerRig rig;
+    rig.OpenOnCard(scene.size);
+    scene.play(rig);
+    WaitInQt(kRepaint);
+    return SaveAnalyzer(rig.window, scene.name, dark, folder);
+}
+
+// The open list of lengths.
+bool SaveLengths(bool dark, const QString& folder) {
+    AnalyzerRig rig;
+    rig.OpenOnCard(kUsual);
+    auto& lengths = rig.Find<QComboBox>("cmbLength");
+    lengths.showPopup();
+    Settle();
+    return SaveAnalyzer(*lengths.view()->window(), "lengths", dark, folder);
+}
+
+bool SaveKeepMenu(bool dark, const QString& folder) {
+    AnalyzerRig rig;
+    rig.OpenOnCard(kUsual);
+    QMenu& menu = *rig.Find<QPushButton>("keepMenu").menu();
+    menu.popup({});
+    Settle();
+    return SaveAnalyzer(menu, "keep-menu", dark, folder);
+}
+
+}  // namespace
+
+bool AnalyzerPictures(bool dark, const QString& folder) {
+    for (const AnalyzerScene& scene : kAnalyzerScenes)
+        if (!SaveScene(scene, dark, folder)) return false;
+    return SaveLengths(dark, folder) && SaveKeepMenu(dark, folder);
+}
+
+}  // namespace sonavex
