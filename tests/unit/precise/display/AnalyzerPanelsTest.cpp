@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/precise/display/AnalysisPanel.h"
+#include "core/precise/display/LevelUnits.h"
 #include "core/precise/display/ReadingsPanel.h"
 #include "core/precise/display/StimulusPanel.h"
 #include "platform/plain/MemorySettingsStore.h"
