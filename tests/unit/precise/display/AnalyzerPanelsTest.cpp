@@ -197,7 +197,7 @@ TEST_F(AnalyzerPanelsTest, ShowsSmallValuesWithAShortSpread) {
     EXPECT_EQ(readings.Rows[ReadingsPanel::kThdn].value.Caption(), "0.001303");
     EXPECT_EQ(readings.Rows[ReadingsPanel::kThdn].spread.Caption(), "± 6e-06");
     readings.Rows[ReadingsPanel::kNoise].unit.UserSelects(LevelUnits::kVolts);
-    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].value.Caption(), "0.000019077");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].value.Caption(), "0.000019078");
     EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].spread.Caption(), "± 7e-08");
 }
 
