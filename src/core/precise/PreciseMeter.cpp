@@ -128,7 +128,7 @@ void PreciseMeter::Submit() {
     needs_.background.Run(
         Background::Line::kAnalysis,
         [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_, average = average_,
-         conditions = RecordConditions(), restarts = records_->Restarts(),
+         conditions = RecordConditions(),
          samples = std::move(channels[settings_.channel])]() -> Background::Result {
             Record record = conditions;
             record.samples = samples;
@@ -136,8 +136,8 @@ void PreciseMeter::Submit() {
             result->analysis = AnalyzeRecord(*plan, settings, record);
             result->reading = average->Add(result->analysis);
             result->spectrum = average->Spectrum();
-            return [this, alive, plan, result, restarts] {
-                if (!alive.expired() && plan == plan_) Receive(*result, restarts);
+            return [this, alive, average, result] {
+                if (!alive.expired()) Receive(*result, average);
             };
         });
 }
@@ -150,11 +150,11 @@ Record PreciseMeter::RecordConditions() const {
             .live = true};
 }
 
-// A record that was complete before an interruption is not reported after it: the counts of the output may
-// be late.
-void PreciseMeter::Receive(Result& result, std::uint64_t restarts) {
+// A record that was complete before an interruption or a change is not reported after it: both begin a new
+// average. The counts of the output may be late.
+void PreciseMeter::Receive(Result& result, const std::shared_ptr<RecordAverage>& average) {
     NoticeOutput();
-    if (!records_ || records_->Restarts() != restarts) return;
+    if (!records_ || average != average_) return;
     Reading& reading = result.reading.reading;
     if (reading.Valid() && !Contains(reading.warnings, WarningCode::kLimitedBy16Bit) && LimitedBy16Bit())
         reading.warnings.push_back(

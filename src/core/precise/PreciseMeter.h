@@ -100,7 +100,7 @@ private:
     void EndSearch();
     void Submit();
     struct Result;
-    void Receive(Result& result, std::uint64_t restarts);
+    void Receive(Result& result, const std::shared_ptr<RecordAverage>& average);
     void Report(Result& result);
     bool LimitedBy16Bit() const;
     LinesReading VoidReading(VoidCode code, const std::string& sentence) const;
@@ -122,7 +122,8 @@ private:
     PreciseSettings settings_;
     std::shared_ptr<const RecordPlan> plan_;
     std::optional<RecordCollection> records_;
-    std::shared_ptr<RecordAverage> average_;  // used by the background alone
+    // Used by the background alone. Every start, change and interruption replaces it.
+    std::shared_ptr<RecordAverage> average_;
     RecordAnalysis newest_;
     MeanSpectrum spectrum_;
     PreciseState state_ = PreciseState::kSettling;

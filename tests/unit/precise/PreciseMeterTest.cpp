@@ -167,6 +167,35 @@ TEST_F(PreciseMeterTest, ALateResultOfAnInterruptedRecordIsDropped) {
     EXPECT_EQ(readings[0].blocks, 1U);
 }
 
+// A record that was collected with other settings is not a reading of the new ones.
+TEST_F(PreciseMeterTest, ALateResultOfOlderSettingsIsDropped) {
+    StartMeter();
+    completing = false;
+    CaptureUpTo(kRecord);
+    ASSERT_EQ(background.tasks, 1);
+    PreciseSettings rightChannel;
+    rightChannel.rateHz = kRateHz;
+    rightChannel.channel = 1;
+    meter.Start(rightChannel);
+    background.Complete();
+    EXPECT_TRUE(readings.empty());
+    EXPECT_EQ(meter.State(), PreciseState::kSettling);
+    EXPECT_TRUE(meter.Samples().empty());
+    // The same when the stimulus has changed before and after.
+    meter.StimulusChanged();
+    CaptureUpTo(captured + 2 * kRecord);
+    ASSERT_GT(background.tasks, 1);
+    StartMeter();
+    meter.StimulusChanged();
+    background.Complete();
+    EXPECT_TRUE(readings.empty());
+    EXPECT_EQ(meter.State(), PreciseState::kSettling);
+    completing = true;
+    CaptureUpTo(captured + 2 * kRecord);
+    ASSERT_FALSE(readings.empty());
+    EXPECT_TRUE(readings[0].Valid());
+}
+
 class SilentSource : public FineSource {
 public:
     void FillFine(std::span<std::int32_t> block) override { std::fill(block.begin(), block.end(), 0); }
