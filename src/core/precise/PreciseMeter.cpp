@@ -125,21 +125,20 @@ void PreciseMeter::EndSearch() {
 
 void PreciseMeter::Submit() {
     RecordCollection::Channels channels = records_->Take();
-    needs_.background.Run(
-        Background::Line::kAnalysis,
-        [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_, average = average_,
-         conditions = RecordConditions(),
-         samples = std::move(channels[settings_.channel])]() -> Background::Result {
-            Record record = conditions;
-            record.samples = samples;
-            auto result = std::make_shared<Result>();
-            result->analysis = AnalyzeRecord(*plan, settings, record);
-            result->reading = average->Add(result->analysis);
-            result->spectrum = average->Spectrum();
-            return [this, alive, average, result] {
-                if (!alive.expired()) Receive(*result, average);
-            };
-        });
+    needs_.background.Run(Background::Line::kAnalysis,
+                          [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_,
+                           average = average_, conditions = RecordConditions(),
+                           samples = std::move(channels[settings_.channel])]() -> Background::Result {
+                              Record record = conditions;
+                              record.samples = samples;
+                              auto result = std::make_shared<Result>();
+                              result->analysis = AnalyzeRecord(*plan, settings, record);
+                              result->reading = average->Add(result->analysis);
+                              result->spectrum = average->Spectrum();
+                              return [this, alive, average, result] {
+                                  if (!alive.expired()) Receive(*result, average);
+                              };
+                          });
 }
 
 Record PreciseMeter::RecordConditions() const {
