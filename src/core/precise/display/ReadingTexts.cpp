@@ -15,6 +15,7 @@ constexpr const char* kBoundSign = "\u2264 ";
 constexpr const char* kSpreadSign = "\u00b1 ";
 constexpr int kPercentDigits = 3;
 constexpr int kMostPercentDecimals = 9;
+constexpr double kLeastShortSpread = 1e-9;
 
 std::string_view WithoutBlanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
@@ -56,8 +57,9 @@ ValueText TextOf(const Value& value, int decimals, int spreadDecimals) {
 
 std::string ShortSpread(double uncertainty) {
     std::array<char, 16> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), uncertainty,
-                                   std::chars_format::scientific, 0);
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), std::max(uncertainty, kLeastShortSpread),
+                      std::chars_format::scientific, 0);
     return kSpreadSign + std::string(digits.data(), end.ptr);
 }
 

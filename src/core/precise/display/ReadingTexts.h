@@ -21,7 +21,7 @@ std::string SpreadText(double uncertainty, int decimals);
 // decimals: of the value and of its spread. A bound has one decimal and is rounded up.
 ValueText TextOf(const Value& value, int decimals, int spreadDecimals = 2);
 
-// "± 4e-06": a spread with one digit, for values with many decimals.
+// "± 4e-06": a spread with one digit, for values with many decimals. At least 1e-09.
 std::string ShortSpread(double uncertainty);
 
 // "0.000744": a percentage with three significant digits. A bound has one: "≤ 0.000009".
