@@ -80,6 +80,14 @@ std::string Remark(std::string sentence) {
     return sentence;
 }
 
+// A remark that follows another one. A word in capitals, such as THD, keeps them.
+std::string Continued(std::string remark) {
+    const auto isCapital = [](char letter) { return letter >= 'A' && letter <= 'Z'; };
+    if (remark.size() > 1 && isCapital(remark[0]) && !isCapital(remark[1]))
+        remark[0] = static_cast<char>(remark[0] - 'A' + 'a');
+    return remark;
+}
+
 std::string CauseOf(const Void& reason) {
     return reason.code == VoidCode::kDisturbed ? Remark(reason.sentence) : Name(reason.code);
 }
@@ -161,10 +169,10 @@ std::string LimitOf(const AnalyzerResult& result) {
     for (const Warning& warning : reading.warnings)
         if (warning.code == WarningCode::kClipped || warning.code == WarningCode::kImpulsiveNoise ||
             warning.code == WarningCode::kNoHarmonicInBand)
-            return Remark(warning.sentence);
+            return Continued(Remark(warning.sentence));
     if (HasCode(reading.warnings, WarningCode::kLimitedBy16Bit)) return "limited by 16 bit";
     for (const RuleResult& rule : result.rules)
-        if (!rule.met) return Remark(rule.sentence);
+        if (!rule.met) return Continued(Remark(rule.sentence));
     return {};
 }
 

@@ -212,7 +212,7 @@ void ReadingsPanel::ShowLines() {
     else if (conditions_.mode == PreciseMode::kMultitone)
         ShowMain(reading_.tdnDb, "TD+N", "all but the tones, re total");
     else
-        ShowMain({}, "Noise", "no tone");
+        ShowMain(WeightedNoise(), "Noise", "re full scale");
     const Value none;
     ShowRatio(kThdn, "THD+N", none);
     ShowRatio(kNotch, "THD+N (notch)", none);

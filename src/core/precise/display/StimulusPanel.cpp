@@ -29,6 +29,7 @@ constexpr std::array<StandardPair, 5> kStandardPairs{{{"SMPTE 60 Hz, 7 kHz", "sm
 constexpr int kOwnPair = 5;
 constexpr std::array<const char*, 6> kToneNotations{"sine:", "", "", "square:", "triangle:", "sawtooth:"};
 constexpr double kLowestDbfs = -150.0;
+constexpr double kHighestNoiseDbfs = -12.0;
 // A frequency closer to a bin than this part of a bin is on it.
 constexpr double kOnBin = 1e-6;
 
@@ -92,8 +93,9 @@ StimulusPanel::StimulusPanel(Settings& settings, Events events)
         ShowLevel();
         Store();
     });
-    for (ComboBox* const box : {&cmbShape, &cmbPair, &cmbNoise, &cmbDither, &cmbSide})
+    for (ComboBox* const box : {&cmbPair, &cmbNoise, &cmbDither, &cmbSide})
         box->Click.Handle([this] { TakeChange(); });
+    cmbShape.Click.Handle([this] { TakeShape(); });
     chkSnap.Click.Handle([this] { TakeChange(); });
     for (TextBox* const box : {&txtFrequency, &txtFrequency2, &txtRatio, &txtTones, &txtLevel})
         box->Leave.Handle([this] { TakeTexts(); });
@@ -251,6 +253,15 @@ void StimulusPanel::ShowPlayed() {
     } catch (const StimulusError& error) {
         lblPlayed.SetCaption(error.what());
     }
+}
+
+// Noise needs room for its peaks.
+void StimulusPanel::TakeShape() {
+    if (HasNoise() && levelDbfs_ > kHighestNoiseDbfs) {
+        levelDbfs_ = kHighestNoiseDbfs;
+        ShowLevel();
+    }
+    TakeChange();
 }
 
 void StimulusPanel::TakeChange() {

@@ -85,6 +85,7 @@ public:
 private:
     std::string Notation() const;
     void TakeChange();
+    void TakeShape();
     void TakeTexts();
     void ShowPlayed();
     void OfferLevelUnits();

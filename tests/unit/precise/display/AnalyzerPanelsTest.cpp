@@ -190,6 +190,23 @@ TEST_F(AnalyzerPanelsTest, ShowsAReading) {
     EXPECT_EQ(readings.lblNoiseBand.Caption(), "20 Hz to 20 kHz, A-weighted");
 }
 
+TEST_F(AnalyzerPanelsTest, NoiseGetsRoomForItsPeaks) {
+    stimulus.cmbShape.UserSelects(StimulusPanel::kNoise);
+    EXPECT_EQ(stimulus.txtLevel.Text(), "-12.00");
+    EXPECT_EQ(stimulus.Chosen().levelDbfs, -12.0);
+    Type(stimulus.txtLevel, "-20");
+    stimulus.cmbShape.UserSelects(StimulusPanel::kSine);
+    stimulus.cmbShape.UserSelects(StimulusPanel::kNoise);
+    EXPECT_EQ(stimulus.txtLevel.Text(), "-20.00");
+}
+
+TEST_F(AnalyzerPanelsTest, TheMainFigureOfNoiseIsItsWeightedLevel) {
+    readings.Show(ToneReading(), {.mode = PreciseMode::kNoise, .weighting = Weighting::kA});
+    EXPECT_EQ(readings.lblThdTitle.Caption(), "Noise");
+    EXPECT_EQ(readings.lblThd.Caption(), readings.Rows[ReadingsPanel::kNoise].value.Caption());
+    EXPECT_EQ(readings.lblThdReference.Caption(), "re full scale");
+}
+
 TEST_F(AnalyzerPanelsTest, ShowsSmallValuesWithAShortSpread) {
     readings.SetCalibration(Calibration::From(0.0, 2.0, "2026-11-22 17:05:00"));
     readings.Show(ToneReading(), {});

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -224,6 +225,20 @@ TEST_F(frmAnalyzerTest, ARecordingTakesThePlaceOfTheDevices) {
     EXPECT_EQ(form.lblRate.Caption(), std::to_string(Rate()) + " Hz");
     EXPECT_EQ(form.Chip.State(), Kind::kSettling);
     ExpectNoFigure();
+}
+
+TEST_F(frmAnalyzerTest, TheNoteNamesWhatLimitsARecording) {
+    files.sounds["/tmp/loud.wav"] = files.sounds["/tmp/take 3.wav"];
+    files.sounds["/tmp/loud.wav"].sample = [](std::int64_t frame) {
+        return std::clamp(
+            1.1 * std::sin(2.0 * std::numbers::pi * 1000.0 / 8000.0 * static_cast<double>(frame) + 0.1), -1.0,
+            1.0);
+    };
+    form.OpenRecording("/tmp/loud.wav");
+    Run(200ms);
+    EXPECT_EQ(form.Chip.Text(), "VALID");
+    EXPECT_THAT(form.note.Caption(), testing::EndsWith(", samples reach full scale"));
+    EXPECT_TRUE(form.note.Emphasis());
 }
 
 TEST_F(frmAnalyzerTest, ExportsTheReadingOfTheClick) {
