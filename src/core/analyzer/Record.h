@@ -32,6 +32,9 @@ struct Record {
     // When the record begins, for the sentences that name a time.
     double startSeconds = 0;
 
+    // The signal may have been rounded to 16 bits by this program itself: nothing follows from its words.
+    bool rounded = false;
+
     // Its last samples.
     Record Last(std::size_t length) const;
 };

@@ -1,15 +1,32 @@
 #include "core/analyzer/ToneChecks.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <span>
 
 #include "core/analyzer/RecordFaults.h"
 
 namespace sonavex {
 namespace {
 
+constexpr int kBitsOfNarrowPath = 16;
+
 double HalfRateBins(const RecordPlan& plan) {
     return 0.5 * static_cast<double>(plan.Length());
+}
+
+// Whether words of more bits move only the upper 16. Nothing follows from constant samples.
+bool MovesOnlyUpperBits(const Record& record) {
+    if (record.bits <= kBitsOfNarrowPath || record.floatingPoint || record.rounded) return false;
+    const std::span<const double> samples = record.samples;
+    const auto narrow = [](double sample) {
+        const double code = std::ldexp(sample, kBitsOfNarrowPath - 1);
+        return code == std::floor(code);
+    };
+    const auto moved = [&samples](double sample) { return sample != samples.front(); };
+    return std::all_of(samples.begin(), samples.end(), narrow) &&
+           std::any_of(samples.begin(), samples.end(), moved);
 }
 
 }  // namespace
@@ -40,7 +57,7 @@ bool StandsOut(const RecordPlan& plan, double amplitude, double density) {
 }
 
 void AddLevelFaults(const Record& record, std::vector<Void>& voids, std::vector<Warning>& warnings) {
-    if (record.live && record.bits <= 16)
+    if ((record.live && record.bits <= kBitsOfNarrowPath) || MovesOnlyUpperBits(record))
         warnings.push_back({WarningCode::kLimitedBy16Bit, "The sound path delivers no more than 16 bits."});
     if (!Overloaded(record)) return;
     if (record.live)

@@ -24,7 +24,8 @@ bool StandsOut(const RecordPlan& plan, double amplitude, double density);
 // weighted sum.
 double FrequencySigmaHz(const RecordPlan& plan, double amplitude, double density);
 
-// Overload and word length. An overload voids a live record; in a recording it is a warning.
+// Overload and word length. An overload voids a live record; in a recording it is a warning. A sound path of
+// 16 bits is a warning, and so are wider words, live or recorded, of which only the upper 16 bits move.
 void AddLevelFaults(const Record& record, std::vector<Void>& voids, std::vector<Warning>& warnings);
 
 }  // namespace sonavex

@@ -30,10 +30,10 @@ void UsedBits::Observe() {
         only16_ = true;
 }
 
-bool UsedBits::OutputHidesBits() const {
+bool UsedBits::OutputHidesBits(std::uint64_t blocks) const {
     if (const FineSource* const source = fine_.Source())
         return source->DitherBits() < kOutputBits || engine_.OutputBits() < kOutputBits;
-    return engine_.SilentBlocks < kSilentBlocks;
+    return engine_.SilentBlocks < kSilentBlocks + blocks;
 }
 
 }  // namespace sonavex

@@ -24,10 +24,11 @@ public:
     // True after ten seconds in which only the upper 16 bits moved, until a lower bit moves or the capture
     // starts again.
     bool Only16() const noexcept { return only16_; }
+    // Whether this program's output may have rounded to 16 bits what was captured during the last `blocks`
+    // blocks.
+    bool OutputHidesBits(std::uint64_t blocks = 0) const;
 
 private:
-    bool OutputHidesBits() const;
-
     const EventLoop& loop_;
     StreamEngine& engine_;
     const FineStream& fine_;

@@ -146,7 +146,8 @@ Record PreciseMeter::RecordConditions() const {
             .rateHz = settings_.rateHz,
             .bits = needs_.engine.InputBits(),
             .floatingPoint = false,
-            .live = true};
+            .live = true,
+            .rounded = needs_.usedBits.OutputHidesBits(1 + Length() / kBlockFrames)};
 }
 
 // A record that was complete before an interruption or a change is not reported after it: both begin a new

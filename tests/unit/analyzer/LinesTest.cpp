@@ -300,6 +300,16 @@ TEST(NoiseModeTest, SilenceIsValid) {
     EXPECT_FALSE(NoiseReading(notFinite).reading.Valid());
 }
 
+TEST(NoiseModeTest, ConstantWordsShowNoPathOf16Bits) {
+    LineSamples x(kLinesLength, 0.25);
+    const Record record{x, kLinesRateHz, 24, false};
+    EXPECT_TRUE(MeasureNoise(LinesPlan(), record).warnings.empty());
+    for (std::size_t n = 0; n < x.size(); n += 2) x[n] += 1.0 / 32768.0;
+    const LinesMeasurement flicker = MeasureNoise(LinesPlan(), record);
+    ASSERT_EQ(flicker.warnings.size(), 1U);
+    EXPECT_EQ(flicker.warnings.front().code, WarningCode::kLimitedBy16Bit);
+}
+
 TEST(NoiseModeTest, ClicksAreDamageAndManyAreAWarning) {
     LineSamples x(kLinesLength);
     signals::AddWhiteNoise(x, 1e-4, 4);

@@ -503,6 +503,23 @@ TEST(MeasureTone, ALivePathOf16BitsIsAWarning) {
     EXPECT_FALSE(ReadingWarns(AnalyzeTone(TonePlan(), record, ToneSettings{}), WarningCode::kLimitedBy16Bit));
 }
 
+// A recording of 24 bits that was made through 16 is not what its format promises.
+TEST(MeasureTone, WordsThatMoveOnlyTheUpper16BitsAreAWarning) {
+    const auto warns = [](std::span<const double> samples, int bits, bool floatingPoint = false) {
+        const Record record{samples, kToneRateHz, bits, floatingPoint};
+        return ReadingWarns(AnalyzeTone(TonePlan(), record, ToneSettings{}), WarningCode::kLimitedBy16Bit);
+    };
+    Samples narrow = Tone(997.0);
+    for (double& sample : narrow) sample = std::round(sample * 32768.0) / 32768.0;
+    EXPECT_TRUE(warns(narrow, 24));
+    EXPECT_TRUE(warns(narrow, 17));
+    EXPECT_FALSE(warns(narrow, 16)) << "no more is expected";
+    EXPECT_FALSE(warns(narrow, 24, true));
+    narrow[kToneLength / 2] += 1.0 / 65536.0;
+    EXPECT_FALSE(warns(narrow, 17));
+    EXPECT_FALSE(warns(narrow, 24));
+}
+
 TEST(MeasureTone, GainChangesOnlyTheLevel) {
     Samples x = Tone(997.0);
     AddHarmonic(x, 997.0, 2, 1e-4, 50.0);

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cmath>
 #include <numbers>
@@ -12,10 +12,16 @@ namespace sonavex {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 constexpr std::size_t kRecord = 8192;  // at 8000 Hz
 constexpr double kRateHz = 8000.0;
 constexpr std::size_t kTick = 1024;
+
+auto LimitedBy16Bits() {
+    return testing::Field(&Warning::code, WarningCode::kLimitedBy16Bit);
+}
 
 // On fakes: the test delivers captured frames.
 class PreciseMeterTest : public testing::Test {
@@ -44,7 +50,7 @@ protected:
             const double sample = amplitude * (std::sin(2.0 * std::numbers::pi * turns) +
                                                0.01 * std::sin(4.0 * std::numbers::pi * turns));
             const double codes = std::clamp(sample * 8388608.0, -8388608.0, 8388607.0);
-            const auto word = static_cast<std::int32_t>(std::lround(codes) * 256);
+            const auto word = static_cast<std::int32_t>(std::lround(codes) * 256) & wordMask;
             samples.insert(samples.end(), {word, 0});
         }
         Deliver(std::move(samples));
@@ -71,6 +77,7 @@ protected:
     std::vector<Reading> readings;
     std::uint64_t captured = 0;
     bool completing = true;
+    std::int32_t wordMask = -1;
     int burstsEnded = 0;
 };
 
@@ -198,8 +205,60 @@ TEST_F(PreciseMeterTest, ALateResultOfOlderSettingsIsDropped) {
 
 class SilentSource : public FineSource {
 public:
+    explicit SilentSource(int ditherBits = 0) : ditherBits_(ditherBits) {}
     void FillFine(std::span<std::int32_t> block) override { std::fill(block.begin(), block.end(), 0); }
+    int DitherBits() const override { return ditherBits_; }
+
+private:
+    int ditherBits_;
 };
+
+// A path of 16 bits to an input of 24 bits.
+TEST_F(PreciseMeterTest, WordsWhoseLowerBitsAreZeroWarn) {
+    StartMeter();
+    CaptureUpTo(kRecord);
+    ASSERT_EQ(readings.size(), 1U);
+    EXPECT_THAT(readings[0].warnings, IsEmpty());
+    wordMask = ~0xFFFF;
+    CaptureUpTo(captured + 2 * kRecord);
+    ASSERT_TRUE(readings.back().Valid());
+    EXPECT_THAT(readings.back().warnings, ElementsAre(LimitedBy16Bits()));
+}
+
+TEST_F(PreciseMeterTest, NoWarningFollowsFromWordsThatTheProgramMayHaveRounded) {
+    wordMask = ~0xFFFF;
+    bench.engine.SilentBlocks = 16 + kRecord / kBlockFrames;
+    StartMeter();
+    CaptureUpTo(kRecord);
+    ASSERT_EQ(readings.size(), 1U);
+    EXPECT_THAT(readings[0].warnings, IsEmpty());
+    ++bench.engine.SilentBlocks;
+    CaptureUpTo(kRecord + kRecord / 4);
+    EXPECT_THAT(readings.back().warnings, ElementsAre(LimitedBy16Bits()));
+    SilentSource dithersTo16Bits(16);
+    bench.sound.outputBits = 24;
+    fine.SetSource(&dithersTo16Bits);
+    meter.StimulusChanged();
+    CaptureUpTo(captured + 2 * kRecord);
+    ASSERT_TRUE(readings.back().Valid());
+    EXPECT_THAT(readings.back().warnings, IsEmpty());
+    fine.SetSource(nullptr);
+}
+
+TEST_F(PreciseMeterTest, AnOutputOf16BitsWarnsWhileItPlays) {
+    SilentSource source;
+    fine.SetSource(&source);
+    bench.sound.outputBits = 17;
+    StartMeter();
+    CaptureUpTo(kRecord);
+    ASSERT_EQ(readings.size(), 1U);
+    EXPECT_THAT(readings[0].warnings, IsEmpty());
+    bench.sound.outputBits = 16;
+    CaptureUpTo(kRecord + kRecord / 4);
+    ASSERT_EQ(readings.size(), 2U);
+    EXPECT_THAT(readings[1].warnings, ElementsAre(LimitedBy16Bits()));
+    fine.SetSource(nullptr);
+}
 
 TEST_F(PreciseMeterTest, FramesMissingInTheStimulusInterrupt) {
     SilentSource source;
