@@ -6,8 +6,10 @@
 namespace sonavex {
 namespace {
 
-// Programs that write a WAV file into a pipe state a length between this one and 4 GB.
-constexpr std::int64_t kUnknownBytes = 0x7FFF0000;
+// Programs that write a WAV file into a pipe state a length of nearly or exactly 2 GB, or of nearly 4 GB.
+bool MeansUnknown(std::int64_t wavBytes) {
+    return (wavBytes >= 0x7FFFF000 && wavBytes <= 0x80000000) || wavBytes >= 0xFFFFF000;
+}
 
 // Bytes of a stored sample; 0 where samples are compressed.
 int SampleBytes(int format) {
@@ -50,7 +52,7 @@ std::int64_t DeclaredBytes(SNDFILE* file, int format) {
         case SF_FORMAT_WAV:
         case SF_FORMAT_WAVEX: {
             const std::int64_t bytes = ChunkBytes(file, "data");
-            return bytes < kUnknownBytes ? bytes : 0;
+            return MeansUnknown(bytes) ? 0 : bytes;
         }
         case SF_FORMAT_AIFF:
             return ChunkBytes(file, "SSND") - kHeadOfAiffSamples;

@@ -18,8 +18,8 @@ public:
     static constexpr std::int32_t kLowestRateHz = 4000;
     static constexpr std::int32_t kHighestRateHz = 192000;
 
-    // Throws FileError as MeasurementFiles::Open. Lengths of 2 GB in a WAV header mean that the length was
-    // unknown when it was written.
+    // Throws FileError as MeasurementFiles::Open. Lengths of about 2 or 4 GB in a WAV header mean that the
+    // length was unknown when it was written.
     explicit SndfileRecording(const std::string& path);
 
     std::int32_t RateHz() const noexcept override { return info_.samplerate; }

@@ -197,11 +197,19 @@ constexpr std::streamoff kDataBytesAt = 40;
 
 // A program that records into a pipe cannot know the length.
 TEST(RecordingHeader, MayLeaveTheLengthOpen) {
-    for (const std::uint32_t bytes : {0x7FFFF000U, 0x80000000U, 0xFFFFFFFFU}) {
+    for (const std::uint32_t bytes : {0x7FFFF000U, 0x7FFFFFDBU, 0x80000000U, 0xFFFFFFDBU, 0xFFFFFFFFU}) {
         const RecordingFile file({32000, 2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 5000}, Silence());
         Patch(file, kDataBytesAt, bytes);
         SndfileRecording recording(file.Path());
         EXPECT_EQ(ReadAll(recording).size(), 10000U) << bytes;
+    }
+}
+
+TEST(RecordingHeader, StatesTheLengthOfALongRecordingToo) {
+    for (const std::uint32_t bytes : {0x7FFFEFFCU, 0x80000004U, 0xC0000000U, 0xFFFFEFFCU}) {
+        const RecordingFile file({32000, 2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 5000}, Silence());
+        Patch(file, kDataBytesAt, bytes);
+        EXPECT_THAT(Complaint(file), HasSubstr(" ends early: 5000 of ")) << bytes;
     }
 }
 
