@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <random>
 #include <string>
@@ -27,8 +29,12 @@ public:
           playback(output_->CreateBuffer(Stereo(kPlaybackBytes, rateHz))) {
         std::mt19937 random(static_cast<std::uint32_t>(rateHz + bits));
         const auto step = std::int32_t{1} << (32 - bits);
-        for (std::int64_t i = 0; i < 2 * duration.count() * rateHz / 1000; ++i)
-            played_.push_back(static_cast<std::int32_t>(random() | static_cast<std::uint32_t>(step)) & -step);
+        // Both extremes first. A sample of 0 could not be told from silence.
+        played_ = {std::numeric_limits<std::int32_t>::max() & -step,
+                   std::numeric_limits<std::int32_t>::min()};
+        while (std::ssize(played_) < 2 * duration.count() * rateHz / 1000)
+            if (const auto sample = static_cast<std::int32_t>(random()) & -step; sample != 0)
+                played_.push_back(sample);
         playback->SetVolume(0);
         playback->PlayFine(true);
         EXPECT_EQ(playback->QueueFine(played_), played_.size());
@@ -46,6 +52,11 @@ public:
         for (std::size_t i = 0; i < std::min(played_.size(), returned_.size()); ++i)
             if (returned_[i] != played_[i]) ++different;
         return different;
+    }
+    // The device was served too late, which it has counted.
+    bool Disturbed() const {
+        return playback->Underruns() > 0 || capture->Statistics().framesMissing > 0 ||
+               capture->Statistics().fineFramesLost > 0;
     }
     void ExpectExact(PlainEventLoop& loop) {
         EXPECT_TRUE(Complete(loop));

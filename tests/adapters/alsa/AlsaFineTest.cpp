@@ -48,15 +48,23 @@ INSTANTIATE_TEST_SUITE_P(Formats, AlsaFine,
                                          FormatCase{"S24_LE", 24}, FormatCase{"S16_LE", 16}),
                          [](const auto& test) { return std::string(test.param.format); });
 
+// A busy machine may serve the card too late. A counted loss excuses two repetitions.
+void ExpectExactOnTheCard(std::int32_t rateHz, int bits) {
+    for (int repetitions = 2;; --repetitions) {
+        SystemOnLoop<AlsaSoundSystem> on;
+        FineLoop fine(on.system, kFineId, kFineId, rateHz, bits);
+        EXPECT_EQ(fine.playback->Bits(), bits);
+        EXPECT_EQ(fine.capture->Bits(), bits);
+        EXPECT_EQ(fine.playback->PathNote() + fine.capture->PathNote(), "");
+        EXPECT_TRUE(fine.Complete(on.loop));
+        if (!fine.Disturbed() || repetitions == 0) return fine.ExpectExact(on.loop);
+    }
+}
+
 TEST_P(AlsaFine, ReturnsEveryBitOfTheCard) {
     for (const std::int32_t rateHz : {48000, 96000, 192000}) {
         const LoopCards cards(CardList{{kFineCard, "Fine card", {rateHz}, 2, GetParam().format}});
-        SystemOnLoop<AlsaSoundSystem> on;
-        FineLoop fine(on.system, kFineId, kFineId, rateHz, GetParam().bits);
-        EXPECT_EQ(fine.playback->Bits(), GetParam().bits);
-        EXPECT_EQ(fine.capture->Bits(), GetParam().bits);
-        EXPECT_EQ(fine.playback->PathNote() + fine.capture->PathNote(), "");
-        fine.ExpectExact(on.loop);
+        ExpectExactOnTheCard(rateHz, GetParam().bits);
     }
 }
 
@@ -75,8 +83,7 @@ TEST_P(AlsaFine, TheAudioThreadsAllocateNothing) {
 TEST(AlsaFineRates, OfFamiliesOf44100HzAreExact) {
     for (const std::int32_t rateHz : {88200, 176400}) {
         const LoopCards cards(CardList{{kFineCard, "Fine card", {rateHz}, 2, "S24_3LE"}});
-        SystemOnLoop<AlsaSoundSystem> on;
-        FineLoop(on.system, kFineId, kFineId, rateHz, 24).ExpectExact(on.loop);
+        ExpectExactOnTheCard(rateHz, 24);
     }
 }
 
