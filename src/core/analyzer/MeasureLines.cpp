@@ -36,16 +36,28 @@ bool Begin(const RecordPlan& plan, Record& record, bool silenceIsFault, LinesMea
     return true;
 }
 
+// Distance in bins that a tone of this program may have from where it is expected: the clocks of input and
+// output differ.
+double ReachOfPlayedTone(double expectedBins) {
+    return 1000e-6 * expectedBins + 3.0;
+}
+
+double ReachOfGivenTone(double expectedBins) {
+    return 0.01 * expectedBins + 1.0;
+}
+
 // Positions in bins of the two strongest lines, or of the strongest ones near given frequencies.
 std::vector<double> FindPair(const RecordPlan& plan, std::vector<double> power,
-                             std::span<const double> tonesHz) {
+                             std::span<const double> tonesHz, PairSearch search) {
     std::vector<double> positions;
     for (int i = 0; i < 2; ++i) {
         BinRange range{1.0, static_cast<double>(power.size())};
         if (!tonesHz.empty()) {
             const double expected = tonesHz[static_cast<std::size_t>(i)] / plan.BinHz();
             const double distance = std::abs(tonesHz[1] - tonesHz[0]) / plan.BinHz();
-            const double reach = std::min(0.01 * expected, 0.5 * distance) + 1.0;
+            const double widest =
+                search == PairSearch::kPlayed ? ReachOfPlayedTone(expected) : ReachOfGivenTone(expected);
+            const double reach = std::min(widest, 0.5 * distance + 1.0);
             range = {expected - reach, expected + reach};
         }
         const std::optional<double> position = StrongestPeak(power, range);
@@ -196,7 +208,7 @@ std::optional<double> ClockRatio(const RecordPlan& plan, std::span<const double>
     const double strongest = *std::max_element(power.begin() + 3, power.end());
     for (auto tone = tonesHz.rbegin(); tone != tonesHz.rend(); ++tone) {
         const double expected = *tone / plan.BinHz();
-        const double reach = 1000e-6 * expected + 3.0;
+        const double reach = ReachOfPlayedTone(expected);
         const std::optional<double> found = StrongestPeak(power, {expected - reach, expected + reach});
         if (found && power[static_cast<std::size_t>(std::lround(*found))] > kFaint * strongest)
             return *found / expected;
@@ -220,10 +232,10 @@ void ShareClock(std::vector<MeasuredTone>& tones) {
 }  // namespace
 
 LinesMeasurement MeasurePair(const RecordPlan& plan, Record record, std::span<const double> tonesHz,
-                             const Band& band, FittedLines* fit) {
+                             const Band& band, FittedLines* fit, PairSearch search) {
     LinesMeasurement measurement;
     if (!Begin(plan, record, true, measurement)) return measurement;
-    const std::vector<double> tones = FindPair(plan, plan.AcPowerSpectrum(record.samples), tonesHz);
+    const std::vector<double> tones = FindPair(plan, plan.AcPowerSpectrum(record.samples), tonesHz, search);
     if (tones.size() < 2) {
         measurement.voids.push_back(NoTone("There are no two tones."));
         return measurement;

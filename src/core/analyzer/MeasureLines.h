@@ -54,10 +54,18 @@ struct LinesMeasurement {
 // Each measures the last samples of a record, as many as the plan's length. `fit`, when not null, receives
 // the fitted lines, tones first, and the residual; it is not changed if there is nothing to fit.
 
-// Two tones and their products to order 5. tonesHz: where they are searched, within 1 %; empty: the two
-// strongest lines. band: for the search of damage.
+// How far from the given frequencies the tones of a pair are searched, at most to the middle between them and
+// 1 bin beyond it.
+enum class PairSearch {
+    kGiven,   // within 1 % and 1 bin
+    kPlayed,  // within 1000 ppm and 3 bins: this program plays the tones
+};
+
+// Two tones and their products to order 5. tonesHz: where they are searched; empty: the two strongest lines.
+// band: for the search of damage.
 LinesMeasurement MeasurePair(const RecordPlan& plan, Record record, std::span<const double> tonesHz,
-                             const Band& band, FittedLines* fit = nullptr);
+                             const Band& band, FittedLines* fit = nullptr,
+                             PairSearch search = PairSearch::kGiven);
 
 // Tones with one clock ratio to these frequencies, which are known within 1000 ppm and 3 bins.
 LinesMeasurement MeasureMultitone(const RecordPlan& plan, Record record, std::span<const double> tonesHz,

@@ -1,5 +1,6 @@
 #include "core/precise/PreciseMeasurement.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -16,6 +17,10 @@ StimulusSignal BurstSignal(double rateHz, double levelDbfs) {
     for (double& sample : period) sample *= std::pow(10.0, levelDbfs / 20.0);
     period.resize(std::bit_ceil(static_cast<std::size_t>(kBurstPeriodSeconds * rateHz)));
     return StimulusSignal({}, std::move(period));
+}
+
+bool IsPlayed(double hertz, const StimulusLine& line) {
+    return hertz == line.hertz;
 }
 
 }  // namespace
@@ -66,6 +71,8 @@ void PreciseMeasurement::MeasureStimulus() {
     if (lines.size() == 1 && !settings.tone.fundamentalHz) settings.tone.playedHz = lines.front().hertz;
     if (settings.tonesHz.empty())
         for (const StimulusLine& line : lines) settings.tonesHz.push_back(line.hertz);
+    if (std::equal(settings.tonesHz.begin(), settings.tonesHz.end(), lines.begin(), lines.end(), IsPlayed))
+        settings.pairSearch = PairSearch::kPlayed;
     Meter.Start(settings);
     Meter.StimulusChanged();
 }

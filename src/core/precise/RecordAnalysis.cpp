@@ -9,7 +9,8 @@ namespace {
 LinesMeasurement MeasureLines(const RecordPlan& plan, const PreciseSettings& settings, const Record& record,
                               FittedLines& fit) {
     const Band& band = settings.tone.band;
-    if (settings.mode == PreciseMode::kPair) return MeasurePair(plan, record, settings.tonesHz, band, &fit);
+    if (settings.mode == PreciseMode::kPair)
+        return MeasurePair(plan, record, settings.tonesHz, band, &fit, settings.pairSearch);
     if (settings.mode == PreciseMode::kMultitone)
         return MeasureMultitone(plan, record, settings.tonesHz, band, &fit);
     return MeasureNoise(plan, record, &fit);

@@ -28,8 +28,9 @@ struct PreciseSettings {
     PreciseMode mode = PreciseMode::kTone;
     ToneSettings tone;            // in the other modes only the band counts
     std::vector<double> tonesHz;  // of the modes pair and multitone
-    std::size_t averages = 1;     // newest records that count; 0: all since the start or the last change
-    bool spectrum = false;        // whether the spectra of these records are averaged, too
+    PairSearch pairSearch = PairSearch::kGiven;
+    std::size_t averages = 1;  // newest records that count; 0: all since the start or the last change
+    bool spectrum = false;     // whether the spectra of these records are averaged, too
 };
 
 // What one record contains.

@@ -128,6 +128,20 @@ TEST_F(PreciseMeasurementTest, ThePlayedTonesAreThoseOfThePair) {
     EXPECT_LT(*readings[0].intermodulation.modDb.value, -100.0);
 }
 
+// The device squares: products 10 Hz beside both tones are much stronger than the tones.
+TEST_F(PreciseMeasurementTest, AStrongerLineBesideAPlayedToneIsNotThatTone) {
+    DeviceUnderTestModel squaring;
+    squaring.bits = 24;
+    squaring.polynomial = {0.0, 0.01, 1.0};
+    sound.Card().SetDeviceUnderTest(squaring);
+    Start("pair:1000,2010", PreciseMode::kPair);
+    RunToReading();
+    ASSERT_FALSE(readings.empty());
+    ASSERT_EQ(readings[0].tones.size(), 2U);
+    EXPECT_NEAR(*readings[0].tones[0].frequencyHz.value, 1000.0, 1e-3);
+    EXPECT_NEAR(*readings[0].tones[1].frequencyHz.value, 2010.0, 1e-3);
+}
+
 TEST_F(PreciseMeasurementTest, MeasuresMultitonesAndNoise) {
     Start("multitone:300@0,700@-6,1500@0", PreciseMode::kMultitone);
     RunToReading();
