@@ -259,6 +259,8 @@ void frmAnalyzer::Tick() {
     if (Recording.IsOpen() || held_) return;
     if (const std::optional<std::string> trouble = Trouble())
         ShowVoid(*trouble);
+    else if (!result_ && measurement_.Meter.State() == PreciseState::kVoid)
+        ShowVoid(measurement_.Meter.Interruption());
     else if (measurement_.Meter.State() == PreciseState::kSettling)
         ShowSettling(static_cast<double>(measurement_.Meter.Collected()) /
                      static_cast<double>(std::max<std::size_t>(measurement_.Meter.Length(), 1)));
@@ -501,11 +503,21 @@ void frmAnalyzer::Calibrate() {
         entries.push_back({{Direction::kInput, engine.ListedInputId, channel, rate}, engine.InputDeviceName});
     form.OnChanged = [this] { ShowCalibration(); };
     form.Form_Load(std::move(entries));
-    calibrate_ = &form;
+    // The end of the program leaves ShowCalibrate by an exception.
+    struct Shown {
+        frmAnalyzer& analyzer;
+        Shown(frmAnalyzer& owner, frmCalibrate& dialog) : analyzer(owner) { analyzer.calibrate_ = &dialog; }
+        ~Shown() {
+            analyzer.calibrate_ = nullptr;
+            analyzer.playsForCalibration_ = false;
+        }
+        Shown(const Shown&) = delete;
+        Shown& operator=(const Shown&) = delete;
+    };
+    const Shown shown(*this, form);
     form.ShowInputLevel(InputLevel());
     ShowCalibrate(form);
-    calibrate_ = nullptr;
-    if (playsForCalibration_) PlayForCalibration(false);
+    if (playsForCalibration_ && timer_ != 0) PlayForCalibration(false);
 }
 
 // Returns why the tone cannot be played; empty if it plays.

@@ -289,6 +289,36 @@ TEST_F(frmAnalyzerTest, OpensAgainAfterTheProgramEndedWithIt) {
     EXPECT_TRUE(form.WasOpen());
 }
 
+TEST_F(frmAnalyzerTest, NothingPlaysAfterTheProgramEndedOverTheCalibration) {
+    form.Show();
+    form.ShowCalibrate = [this](frmCalibrate& dialog) {
+        dialog.cmdPlay_Click();
+        Run(200ms);
+        throw EndProgram{};
+    };
+    EXPECT_THROW(form.Stimulus.cmdCalibrate.Press(), EndProgram);
+    Run(3s);
+    form.UnloadForNextStart();
+    Run(500ms);
+    EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Start");
+    EXPECT_EQ(form.Chip.State(), Kind::kOff);
+    ExpectNoFigure();
+}
+
+TEST_F(frmAnalyzerTest, ClosedOverTheCalibrationItStaysClosed) {
+    form.Show();
+    form.ShowCalibrate = [this](frmCalibrate& dialog) {
+        dialog.cmdPlay_Click();
+        Run(200ms);
+        form.Unload();
+    };
+    form.Stimulus.cmdCalibrate.Press();
+    Run(5s);
+    EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Start");
+    EXPECT_EQ(form.Chip.State(), Kind::kOff);
+    ExpectNoFigure();
+}
+
 TEST_F(frmAnalyzerTest, LevelsAreInVoltsOnceCalibrated) {
     form.Show();
     EXPECT_EQ(form.Stimulus.lblLevelNote.Caption(), "not calibrated");
