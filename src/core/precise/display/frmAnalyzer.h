@@ -110,8 +110,8 @@ public:
         std::string path;
         ExportKind kind = ExportKind::kPicture;
     };
-    // Asks for the file of an export; empty if the user cancels. `suggested` gives the name without a
-    // suffix's kind chosen: see SuggestedName.
+    // Asks for file and kind of an export; empty if the user cancels. SuggestedName makes a name of the
+    // measurement.
     std::function<std::optional<ExportTarget>(const ExportedMeasurement& measurement)> AskForExport;
     // Draws the plot with these lines below it: the content of a file of this kind.
     std::function<std::string(ExportKind kind, const std::vector<std::string>& conditions)> DrawPlot;
