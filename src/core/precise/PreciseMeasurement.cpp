@@ -46,6 +46,8 @@ void PreciseMeasurement::Start(const PreciseSettings& settings,
         Player.Start(*stimulus);
     else if (Player.Now() == StimulusPlayer::State::kPlaying)
         MeasureStimulus();
+    else if (Player.Now() == StimulusPlayer::State::kFirstSignal)
+        Player.Continue();  // the meter does not search the burst any more
 }
 
 void PreciseMeasurement::Stop() {

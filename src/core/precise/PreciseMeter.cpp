@@ -5,6 +5,8 @@
 #include <limits>
 #include <utility>
 
+#include "core/support/RuntimeError.h"
+
 namespace sonavex {
 namespace {
 
@@ -34,11 +36,16 @@ PreciseState StateOf(const Reading& reading) {
                                                                   : PreciseState::kValid;
 }
 
-// Frames that the device holds: it has taken them and not played.
+// Frames that the device holds: it has taken them and not played. A lost device plays none.
 std::uint64_t HeldFrames(PlaybackBuffer& buffer) {
-    const BufferCursors cursors = buffer.GetCurrentPosition();
-    const std::int32_t held = cursors.write - cursors.play;
-    return static_cast<std::uint64_t>((held < 0 ? held + StreamEngine::kPlaybackBytes : held) / kFrameBytes);
+    try {
+        const BufferCursors cursors = buffer.GetCurrentPosition();
+        const std::int32_t held = cursors.write - cursors.play;
+        return static_cast<std::uint64_t>((held < 0 ? held + StreamEngine::kPlaybackBytes : held) /
+                                          kFrameBytes);
+    } catch (const RuntimeError&) {
+        return 0;
+    }
 }
 
 }  // namespace

@@ -117,7 +117,7 @@ void StimulusPlayer::Check() {
 void StimulusPlayer::CheckEngine() {
     const StreamEngine& engine = needs_.instrument.Engine;
     const bool runs = needs_.instrument.Shared.EventsReady && !engine.Restarting();
-    if (runs && engine.CaptureStarts == captureStarts_) return;
+    if (runs && !interrupted_ && engine.CaptureStarts == captureStarts_) return;
     if (state_ == State::kEnding) return StopAtOnce();
     if (std::exchange(heard_, false)) needs_.instrument.Fine.SetSource(nullptr);
     interrupted_ = !runs;

@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QResizeEvent>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 // The header uses Qt's keywords, which this project does not define.
@@ -50,9 +51,10 @@ public:
 protected:
     void applyDefaultAntialiasingHint(QCPPainter* /*painter*/) const override {}
     void draw(QCPPainter* painter) override {
-        if (!painting_) return;
+        const QRect area = parentPlot()->axisRect()->rect();
+        if (!painting_ || area.isEmpty()) return;
         painter->save();
-        painting_(*painter, parentPlot()->axisRect()->rect());
+        painting_(*painter, area);
         painter->restore();
     }
 

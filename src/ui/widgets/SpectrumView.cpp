@@ -105,8 +105,9 @@ void SpectrumView::focusOutEvent(QFocusEvent* event) {
 
 void SpectrumView::keyPressEvent(QKeyEvent* event) {
     userActs_ = true;
-    if (!PassKey(event->key(), event->modifiers().testFlag(Qt::ControlModifier)))
-        QWidget::keyPressEvent(event);
+    if (PassKey(event->key(), event->modifiers().testFlag(Qt::ControlModifier))) return;
+    userActs_ = false;
+    QWidget::keyPressEvent(event);
 }
 
 bool SpectrumView::PassKey(int key, bool control) {
@@ -141,7 +142,7 @@ void SpectrumView::wheelEvent(QWheelEvent* event) {
     const double steps = event->angleDelta().y() / kWheelStep;
     const QPointF at = event->position() - area.topLeft();
     event->accept();
-    if (steps == 0) return;
+    if (steps == 0 || area.isEmpty()) return;
     userActs_ = true;
     if (at.x() < 0 || event->modifiers().testFlag(Qt::ControlModifier))
         Q_EMIT LevelZoomed(std::clamp(1.0 - at.y() / area.height(), 0.0, 1.0), steps);

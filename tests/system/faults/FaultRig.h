@@ -100,10 +100,12 @@ protected:
         if (!ended) {
             // Full volume, so that fine frames return bit for bit.
             Form().GeneratorPanel.Controls.sldLevel.UserMoves(0);
-            fine_.emplace(Form().Instrument.Fine, fineBits);
-            fine_->Play(true);
+            if (usesFine) {
+                fine_.emplace(Form().Instrument.Fine, fineBits);
+                fine_->Play(true);
+            }
             story();
-            EXPECT_EQ(fine_->Fault(), "");
+            EXPECT_EQ(fine_ ? fine_->Fault() : "", "");
         }
         EXPECT_LE(attendant_->LongestFreeze(), kHangLimit);
         if (!ended) {
@@ -119,6 +121,9 @@ protected:
 
     frmMain& Form() {
         return program_->Form();
+    }
+    frmAnalyzer& Analyzer() {
+        return program_->Analyzer().Form();
     }
     Attendant& User() {
         return *attendant_;
@@ -187,7 +192,8 @@ protected:
     // These apply to all later runs. `afterRun` is called when the program has ended.
     std::function<void(QDialog&)> onSelection;
     std::function<void()> afterRun;
-    int fineBits = 16;  // of the frames of the fine source
+    bool usesFine = true;  // false: the Analyzer has the fine path
+    int fineBits = 16;     // of the frames of the fine source
     FineUser::Wire wire = FineUser::Wire::kExact;
 
     QLabel& Note() {

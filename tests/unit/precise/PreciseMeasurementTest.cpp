@@ -65,6 +65,20 @@ protected:
     std::vector<LinesReading> readings;
 };
 
+TEST_F(PreciseMeasurementTest, OtherSettingsDuringTheBurstDoNotHoldTheStimulusBack) {
+    Start("sine:997.3");
+    world.loop.DeliverSignals();
+    ASSERT_EQ(measurement.Player.Now(), StimulusPlayer::State::kFirstSignal);
+    PreciseSettings settings;
+    settings.rateHz = kMeasuredRateHz;
+    settings.averages = 4;
+    measurement.Start(settings, std::nullopt);
+    RunToReading();
+    EXPECT_EQ(measurement.Player.Now(), StimulusPlayer::State::kPlaying);
+    ASSERT_FALSE(readings.empty());
+    EXPECT_TRUE(readings[0].reading.Valid());
+}
+
 TEST_F(PreciseMeasurementTest, MeasuresTheDelayBeforeTheFirstStimulusOnly) {
     Start("sine:997.3");
     world.loop.DeliverSignals();

@@ -1,0 +1,159 @@
+// The whole program with an open Analyzer and faults of a private sound server.
+
+#include "support/PulseServer.h"
+#include "system/faults/FaultRig.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+const NullSink kAnalyzed{"card", 32000, "TestCard"};
+const NullSink kUnused{"other", 32000, "OtherCard"};
+
+// Short records and few averages, so that readings come soon.
+constexpr const char* kShortAverages =
+    "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n[Analyzer]\nLength=0\nAverages=2\n";
+
+class AnalyzerFaults : public FaultRig {
+protected:
+    using Kind = StateChip::Kind;
+    // The time of a reading with these settings, and of the polling, with a busy machine.
+    static constexpr auto kNoticeLimit = 2000ms;
+
+    AnalyzerFaults() {
+        usesFine = false;
+        Store(kShortAverages);
+    }
+
+    static void Use(const SoundServer& server) { setenv("PULSE_SERVER", server.Address().c_str(), 1); }
+
+    void StartMeasuring() {
+        Analyzer().Show();
+        Analyzer().Stimulus.cmdStart.Press();
+        ExpectValid();
+    }
+    // Without a click.
+    void ExpectValid() {
+        EXPECT_TRUE(WaitInQt(kLimit, [this] { return Analyzer().Chip.State() == Kind::kValid; }))
+            << Analyzer().Chip.Text() << Analyzer().Stimulus.lblTrouble.Caption();
+        EXPECT_NEAR(std::stod(Analyzer().Readings.Rows[ReadingsPanel::kLevel].value.Caption()), -1.0, 0.01);
+    }
+    // No figure stays on the screen.
+    void ExpectVoid() {
+        EXPECT_TRUE(WaitInQt(kNoticeLimit, [this] { return Analyzer().Chip.State() == Kind::kVoid; }))
+            << Analyzer().Chip.Text();
+        ExpectNoFigure();
+    }
+    void ExpectNoFigure() {
+        EXPECT_EQ(Analyzer().Readings.lblThd.Caption(), "none");
+        for (const ReadingRow& row : Analyzer().Readings.Rows) EXPECT_EQ(row.value.Caption(), "");
+        EXPECT_TRUE(Analyzer().Readings.Harmonics.Rows().empty());
+        EXPECT_EQ(Analyzer().Spectrum.Shown().live, nullptr);
+        EXPECT_TRUE(Analyzer().ReportBlock().empty());
+    }
+    void ExpectReturnOfBoth() {
+        EXPECT_TRUE(WaitInQt(kLimit, [this] { return !Form().Instrument.Watch.Stopped(); }));
+        ExpectValid();
+    }
+};
+
+TEST_F(AnalyzerFaults, ServerKilledAndStartedAgain) {
+    PulseServer server({kAnalyzed});
+    Use(server);
+    Run([&] {
+        StartMeasuring();
+        server.Kill();
+        ExpectVoid();
+        ExpectLoss("The connection to the sound server was lost.");
+        WaitInQt(1s);
+        ExpectNoFigure();
+        server.Restart();
+        ExpectReturnOfBoth();
+    });
+}
+
+TEST_F(AnalyzerFaults, SinkUnloadedAndLoadedAgain) {
+    const PulseServer server({kUnused});
+    Use(server);
+    std::string module = server.LoadNullSink(kAnalyzed);
+    Run([&] {
+        StartMeasuring();
+        server.Control({"unload-module", module});
+        ExpectVoid();
+        ExpectLoss("has been removed");
+        module = server.LoadNullSink(kAnalyzed);
+        ExpectReturnOfBoth();
+    });
+}
+
+// Nothing reports a hung server.
+TEST_F(AnalyzerFaults, ServerPausedAndContinued) {
+    PulseServer server({kAnalyzed});
+    Use(server);
+    Run([&] {
+        StartMeasuring();
+        server.Pause();
+        ExpectVoid();
+        ExpectLoss("has stopped delivering sound");
+        server.Continue();
+        ExpectReturnOfBoth();
+    });
+}
+
+// The selection of devices ends the stimulus for good.
+TEST_F(AnalyzerFaults, SinkSuspendedAndResumed) {
+    const PulseServer server({kAnalyzed});
+    Use(server);
+    onSelection = [&](QDialog&) {
+        ExpectVoid();
+        server.Control({"suspend-sink", "card", "0"});
+    };
+    Run([&] {
+        StartMeasuring();
+        server.Control({"suspend-sink", "card", "1"});
+        ExpectLoss("has been suspended");
+        EXPECT_TRUE(WaitInQt(kLimit, [this] { return !Form().Instrument.Watch.Stopped(); }));
+        EXPECT_EQ(Analyzer().Stimulus.cmdStart.Caption(), "Start");
+        Analyzer().Stimulus.cmdStart.Press();
+        ExpectValid();
+    });
+}
+
+TEST_F(AnalyzerFaults, EngineRestarted) {
+    const PulseServer server({kAnalyzed});
+    Use(server);
+    Run([&] {
+        StartMeasuring();
+        EXPECT_TRUE(Form().Instrument.Engine.ReStart());
+        EXPECT_TRUE(WaitInQt(kNoticeLimit, [this] { return Analyzer().Chip.State() != Kind::kValid; }));
+        ExpectValid();
+    });
+}
+
+// Each run ends in another state. The next one begins with an open Analyzer.
+TEST_F(AnalyzerFaults, TheProgramEndsInEachState) {
+    PulseServer server({kAnalyzed});
+    Use(server);
+    Run([&] {
+        Analyzer().Show();
+        EXPECT_EQ(Analyzer().Chip.State(), Kind::kSettling);
+    });
+    Run([&] {
+        EXPECT_TRUE(Analyzer().Loaded());
+        Analyzer().Stimulus.cmdStart.Press();
+        ExpectValid();
+        Analyzer().cmdHold.Press();
+        EXPECT_EQ(Analyzer().Chip.State(), Kind::kOff);
+    });
+    Run([&] {
+        Analyzer().Stimulus.cmdStart.Press();
+        ExpectValid();
+        server.Kill();
+        ExpectVoid();
+        ExpectLoss("The connection to the sound server was lost.");
+    });
+}
+
+}  // namespace
+}  // namespace sonavex
