@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include "adapters/alsa/AlsaSession.h"
@@ -48,11 +49,14 @@ INSTANTIATE_TEST_SUITE_P(Formats, AlsaFine,
                                          FormatCase{"S24_LE", 24}, FormatCase{"S16_LE", 16}),
                          [](const auto& test) { return std::string(test.param.format); });
 
-// A busy machine may serve the card too late. A counted loss excuses two repetitions.
-void ExpectExactOnTheCard(std::int32_t rateHz, int bits) {
+// A busy machine may serve the card too late. A counted loss excuses two repetitions. meanwhile: what happens
+// while the loop plays.
+void ExpectExactOnTheCard(std::int32_t rateHz, int bits, std::chrono::milliseconds duration = 250ms,
+                          const std::function<void(FineLoop&)>& meanwhile = {}) {
     for (int repetitions = 2;; --repetitions) {
         SystemOnLoop<AlsaSoundSystem> on;
-        FineLoop fine(on.system, kFineId, kFineId, rateHz, bits);
+        FineLoop fine(on.system, kFineId, kFineId, rateHz, bits, duration);
+        if (meanwhile) meanwhile(fine);
         EXPECT_EQ(fine.playback->Bits(), bits);
         EXPECT_EQ(fine.capture->Bits(), bits);
         EXPECT_EQ(fine.playback->PathNote() + fine.capture->PathNote(), "");
@@ -90,11 +94,10 @@ TEST(AlsaFineRates, OfFamiliesOf44100HzAreExact) {
 // No event is delivered meanwhile.
 TEST(AlsaFineRates, ABlockedThreadLosesAndMissesNothing) {
     const LoopCards cards(CardList{{kFineCard, "Fine card", {96000}, 2, "S32_LE"}});
-    SystemOnLoop<AlsaSoundSystem> on;
-    FineLoop fine(on.system, kFineId, kFineId, 96000, 24, 1300ms);
-    std::this_thread::sleep_for(1s);
-    EXPECT_GE(fine.capture->Statistics().framesCaptured, 86400U);
-    fine.ExpectExact(on.loop);
+    ExpectExactOnTheCard(96000, 24, 1300ms, [](FineLoop& fine) {
+        std::this_thread::sleep_for(1s);
+        EXPECT_GE(fine.capture->Statistics().framesCaptured, 86400U);
+    });
 }
 
 TEST(AlsaSignificantBits, LimitThoseOfTheFormat) {

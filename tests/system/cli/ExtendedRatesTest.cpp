@@ -12,9 +12,16 @@ namespace {
 using namespace std::chrono_literals;
 using nlohmann::ordered_json;
 
+// What a run has counted.
+bool CountsLosses(const ordered_json& line) {
+    return line["blocksLost"] != 0 || line["overruns"] != 0 || line["underruns"] != 0 ||
+           line["framesMissing"] != 0;
+}
+
 // The last settled update of a run of this rate. At 192 kHz a busy machine loses blocks, which a settled
-// update excludes.
-ordered_json SettledUpdate(std::int32_t rateHz, const Arguments& more, const Environment& sound) {
+// update excludes. Counted losses excuse two repetitions.
+ordered_json SettledUpdate(std::int32_t rateHz, const Arguments& more, const Environment& sound,
+                           int repetitions = 2) {
     Arguments arguments{"run", "--rate", std::to_string(rateHz), "--seconds", "2", "--json"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     const Outcome outcome = MeasureProgram(arguments, sound).End(20s);
@@ -26,6 +33,9 @@ ordered_json SettledUpdate(std::int32_t rateHz, const Arguments& more, const Env
         EXPECT_EQ(line["rate"], rateHz);
         if (line["settled"] == true) settled = line;
     }
+    if (settled.is_null() && repetitions > 0 && !outcome.Json().empty() &&
+        CountsLosses(outcome.Json().back()))
+        return SettledUpdate(rateHz, more, sound, repetitions - 1);
     EXPECT_FALSE(settled.is_null()) << outcome.output;
     return settled.is_null() ? outcome.Json().back() : settled;
 }
