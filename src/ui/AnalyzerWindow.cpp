@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "ui/widgets/ChevronButton.h"
 #include "ui/widgets/ReadingRowView.h"
 #include "ui/widgets/UnitChoice.h"
 #include "ui_frmAnalyzer.h"
@@ -113,6 +114,16 @@ void AnalyzerWindow::MakeMenus() {
     keepReference_->setToolTip(tr("A reading of the output connected to the input"));
     keepIdle_->setToolTip(tr("A reading with the generator off"));
     ui_->keepMenu->setMenu(keep);
+
+    auto& firstRow = *rows_[ReadingsPanel::kThdn];
+    firstName_ = new ChevronButton(&firstRow);
+    firstName_->setProperty("role", "flat");
+    auto* const first = new QMenu(firstName_);
+    chooseThdn_ = first->addAction(tr("THD+N, re fundamental"));
+    chooseNotch_ = first->addAction(tr("THD+N (notch), re total"));
+    firstName_->setMenu(first);
+    firstName_->setToolTip(tr("The definition in the first line"));
+    firstRow.SetNameWidget(*firstName_);
 }
 
 void AnalyzerWindow::dragEnterEvent(QDragEnterEvent* event) {
@@ -182,6 +193,7 @@ void AnalyzerWindow::OrderTabs() {
         for (QAbstractButton* button : choice->Buttons()) append(button);
     };
     for (QWidget* next : order) appendAll(next);
+    append(firstName_);
     for (const ReadingRowView* row : rows_) append(&row->Unit());
     QWidget* const buttons[] = {ui_->cmdOpen, ui_->cmdHold,     ui_->cmdSingle, ui_->cmdKeep,   ui_->keepMenu,
                                 ui_->cmdLive, ui_->chkAveraged, ui_->sldBlock,  ui_->cmdExport, ui_->cmdCopy};
@@ -198,6 +210,9 @@ void AnalyzerWindow::Align() {
     FixHeights<SegmentedChoice>(*ui_->leftContents);
     for (ReadingRowView* row : rows_) row->AlignColumns();
     for (QWidget* widget : findChildren<QWidget*>()) widget->ensurePolished();
+    const QFontMetrics names = firstName_->fontMetrics();
+    const int arrow = firstName_->sizeHint().width() - names.horizontalAdvance(firstName_->text());
+    firstName_->setMinimumWidth(names.horizontalAdvance("THD+N (notch)") + arrow);
     FixColumn(*ui_->leftColumn, {ui_->stimulusCard, ui_->analysisCard}, kSideWidth);
     FixColumn(*ui_->rightColumn, {ui_->thdCard, ui_->readingsCard, ui_->harmonicsCard}, kReadingsWidth);
 }

@@ -16,6 +16,7 @@ class frmAnalyzer;
 
 namespace sonavex::ui {
 
+class ChevronButton;
 class ReadingRowView;
 
 // The Analyzer: a second window with the spectrum, the waveform and the readings of the precise measurement.
@@ -68,6 +69,9 @@ private:
     std::vector<ReadingRowView*> rows_;
     QAction* keepReference_ = nullptr;
     QAction* keepIdle_ = nullptr;
+    ChevronButton* firstName_ = nullptr;  // of the first line below THD
+    QAction* chooseThdn_ = nullptr;
+    QAction* chooseNotch_ = nullptr;
     std::string folder_;  // of the last file that the user chose
     bool compact_ = false;
     std::optional<bool> playing_;  // as the start button shows

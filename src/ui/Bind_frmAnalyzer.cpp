@@ -1,6 +1,7 @@
 // Binds every control of the Analyzer to its widget.
 
 #include "ui/AnalyzerWindow.h"
+#include "ui/widgets/ChevronButton.h"
 #include "ui/widgets/ReadingRowView.h"
 #include "ui/widgets/UnitChoice.h"
 #include "ui_frmAnalyzer.h"
@@ -96,8 +97,11 @@ void AnalyzerWindow::BindReadings() {
     binder.Bind(*ui_->cmbThdUnit, readings.cmbThdUnit);
     binder.Bind(*ui_->lblNoiseBand, readings.lblNoiseBand);
     binder.Bind(*ui_->Harmonics, readings.Harmonics);
+    binder.Bind(*chooseThdn_, readings.mnuThdn);
+    binder.Bind(*chooseNotch_, readings.mnuNotch);
+    binder.Bind(*firstName_, readings.Rows[ReadingsPanel::kThdn].name);
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-        binder.Bind(rows_[i]->Name(), readings.Rows[i].name);
+        if (i != ReadingsPanel::kThdn) binder.Bind(rows_[i]->Name(), readings.Rows[i].name);
         binder.Bind(rows_[i]->Value(), readings.Rows[i].value);
         binder.Bind(rows_[i]->Unit(), readings.Rows[i].unit);
         binder.Bind(rows_[i]->Spread(), readings.Rows[i].spread);

@@ -4,6 +4,8 @@
 #include <QSignalBlocker>
 #include <utility>
 
+#include "ui/widgets/ChevronButton.h"
+
 namespace sonavex::ui {
 namespace {
 
@@ -169,6 +171,10 @@ void Binder::Bind(QPushButton& widget, CommandButton& control) {
         widget.setEnabled(control.Enabled());
     });
     connect(&widget, &QPushButton::clicked, this, [this, &control] { Handle([&] { control.Press(); }); });
+}
+
+void Binder::Bind(ChevronButton& widget, Label& control) {
+    Add(widget, control, [&widget, &control] { widget.setText(Text(control.Caption())); });
 }
 
 void Binder::Bind(QAction& widget, MenuItem& control) {

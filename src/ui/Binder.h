@@ -40,6 +40,7 @@ struct LengthEntry;
 
 namespace sonavex::ui {
 
+class ChevronButton;
 class ChipView;
 class ElidedLabel;
 class HarmonicsView;
@@ -63,6 +64,7 @@ public:
     void Bind(QRadioButton& widget, OptionButton& control);
     void Bind(QPushButton& widget, CommandButton& control);
     void Bind(QAction& widget, MenuItem& control);
+    void Bind(ChevronButton& widget, Label& control);
     void Bind(QTabWidget& widget, TabStrip& control);
     void Bind(QListWidget& widget, ListBox& control);
     void Bind(QComboBox& widget, ComboBox& control);

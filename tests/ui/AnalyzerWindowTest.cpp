@@ -294,6 +294,7 @@ INSTANTIATE_TEST_SUITE_P(
                     State{"Percent",
                           [](AnalyzerRig& rig) {
                               rig.form.Readings.ToggleUnit();
+                              rig.form.Readings.mnuNotch.UserChooses();
                               for (const auto row : {ReadingsPanel::kThdn, ReadingsPanel::kNotch})
                                   rig.form.Readings.Rows[row].unit.UserSelects(1);
                           },

@@ -95,6 +95,7 @@ inline constexpr SettingsKey kAnalyzerTones{kAnalyzer, "Tones", "3/oct"};
 inline constexpr SettingsKey kAnalyzerLevelUnit{kAnalyzer, "Level Unit", "0"};
 inline constexpr SettingsKey kAnalyzerThdUnit{kAnalyzer, "THD Unit", "0"};
 inline constexpr SettingsKey kAnalyzerThdnUnit{kAnalyzer, "THD+N Unit", "0"};
+inline constexpr SettingsKey kAnalyzerNotchFirst{kAnalyzer, "Notch First", "0"};
 inline constexpr SettingsKey kAnalyzerNotchUnit{kAnalyzer, "Notch Unit", "0"};
 inline constexpr SettingsKey kAnalyzerNoiseUnit{kAnalyzer, "Noise Unit", "0"};
 inline constexpr SettingsKey kAnalyzerInputUnit{kAnalyzer, "Input Unit", "0"};

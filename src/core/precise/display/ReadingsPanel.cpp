@@ -61,14 +61,25 @@ ReadingsPanel::ReadingsPanel(Settings& settings) : settings_(settings) {
         Rows[row].unit.SetListIndex(0);
         Rows[row].unit.Click.Handle([this] { TakeUnit(); });
     }
+    mnuThdn.Click.Handle([this] { PutFirst(false); });
+    mnuNotch.Click.Handle([this] { PutFirst(true); });
     Clear("");
 }
 
 void ReadingsPanel::Load() {
+    notchFirst_ = settings_.Value(keys::kAnalyzerNotchFirst) == 1;
     cmbThdUnit.SetListIndex(settings_.Value(keys::kAnalyzerThdUnit) == 1 ? 1 : 0);
     for (const auto& [row, key] : kStoredUnits)
         wantedUnits_[row] = static_cast<int>(std::clamp(settings_.Value(key), 0.0, kLastUnit));
     OfferUnits();
+}
+
+// A unit belongs to the line, so that the first line keeps its unit.
+void ReadingsPanel::PutFirst(bool notch) {
+    notchFirst_ = notch;
+    settings_.Save(keys::kAnalyzerNotchFirst, notch ? "1" : "0");
+    if (shown_) return Refresh();
+    Clear(std::string(lblThdSpread.Caption()));
 }
 
 void ReadingsPanel::SetCalibration(const std::optional<Calibration>& calibration) {
@@ -184,13 +195,17 @@ void ReadingsPanel::ShowSmall(Row row, const char* name, const Value& value, int
     Rows[row].spread.SetCaption(hasSpread ? ShortSpread(*value.uncertainty) : std::string());
 }
 
+void ReadingsPanel::ShowDistortionAndNoise(const Value& thdn, const Value& notch) {
+    ShowRatio(notchFirst_ ? kNotch : kThdn, "THD+N", thdn);
+    ShowRatio(notchFirst_ ? kThdn : kNotch, "THD+N (notch)", notch);
+}
+
 void ReadingsPanel::ShowTone() {
     const Reading& reading = reading_.reading;
     const std::string orders =
         reading.highestOrder > 2 ? "H2-H" + std::to_string(reading.highestOrder) + ' ' : "";
     ShowMain(reading.thdDb, "THD", orders + "re fundamental");
-    ShowRatio(kThdn, "THD+N", reading.thdnDb);
-    ShowRatio(kNotch, "THD+N (notch)", reading.thdnNotchDb);
+    ShowDistortionAndNoise(reading.thdnDb, reading.thdnNotchDb);
     ShowRow(kSinad, "SINAD", reading.sinadDb, 2, 2);
     ShowRow(kSnr, "SNR", reading.snrDb, 2, 2);
     ShowRow(kEnob, "ENOB re FS", reading.enob, 2, 2);
@@ -214,8 +229,7 @@ void ReadingsPanel::ShowLines() {
     else
         ShowMain(WeightedNoise(), "Noise", "re full scale");
     const Value none;
-    ShowRatio(kThdn, "THD+N", none);
-    ShowRatio(kNotch, "THD+N (notch)", none);
+    ShowDistortionAndNoise(none, none);
     ShowRow(kSinad, "SINAD", none, 2, 2);
     ShowRow(kSnr, "SNR", reading_.reading.snrDb, 2, 2);
     ShowRow(kEnob, "ENOB re FS", none, 2, 2);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/analyzer/LinesReading.h"
+#include "core/controls/Commands.h"
 #include "core/precise/RecordAnalysis.h"
 #include "core/precise/calibration/Calibration.h"
 #include "core/precise/display/AnalysisPanel.h"
@@ -16,6 +17,7 @@ namespace sonavex {
 // The figures of a reading.
 class ReadingsPanel {
 public:
+    // The places of the lines. mnuNotch exchanges the first two.
     enum Row { kThdn, kNotch, kSinad, kSnr, kEnob, kNoise, kFrequency, kLevel, kRows };
 
     // The settings must outlive the panel.
@@ -48,6 +50,8 @@ public:
     Label lblThdReference;  // "H2-H9 re fundamental"
     ComboBox cmbThdUnit;    // dB, %
     std::array<ReadingRow, kRows> Rows;
+    MenuItem mnuThdn;    // puts THD+N into the first line
+    MenuItem mnuNotch;   // puts THD+N (notch) into the first line
     Label lblNoiseBand;  // "20 Hz to 20 kHz, unweighted"
     HarmonicsTable Harmonics;
 
@@ -61,6 +65,8 @@ private:
     void ShowRow(Row row, const char* name, const Value& value, int decimals, int spreadDecimals);
     void ShowSmall(Row row, const char* name, const Value& value, int decimals);
     void ShowRatio(Row row, const char* name, const Value& decibels);
+    void ShowDistortionAndNoise(const Value& thdn, const Value& notch);
+    void PutFirst(bool notch);
     void ShowTone();
     void ShowLines();
     void ShowNoise();
@@ -70,6 +76,7 @@ private:
     Settings& settings_;
     std::optional<Calibration> calibration_;
     std::array<int, kRows> wantedUnits_{};  // also while they are not offered
+    bool notchFirst_ = false;
     bool shown_ = false;
     LinesReading reading_;
     Conditions conditions_;

@@ -190,6 +190,28 @@ TEST_F(AnalyzerPanelsTest, ShowsAReading) {
     EXPECT_EQ(readings.lblNoiseBand.Caption(), "20 Hz to 20 kHz, A-weighted");
 }
 
+TEST_F(AnalyzerPanelsTest, TheNotchTakesTheFirstLine) {
+    LinesReading reading = ToneReading();
+    reading.reading.thdnNotchDb = {-97.93, 0.04, false};
+    readings.Show(reading, {});
+    readings.mnuNotch.UserChooses();
+    EXPECT_EQ(readings.Rows[0].name.Caption(), "THD+N (notch)");
+    EXPECT_EQ(readings.Rows[0].value.Caption(), "-97.93");
+    EXPECT_EQ(readings.Rows[1].name.Caption(), "THD+N");
+    EXPECT_EQ(readings.Rows[1].value.Caption(), "-97.70");
+    readings.Clear("last valid 10:42:07");
+    EXPECT_EQ(readings.Rows[0].name.Caption(), "THD+N (notch)");
+
+    ReadingsPanel nextStart(settings);
+    nextStart.Load();
+    nextStart.Show(reading, {});
+    EXPECT_EQ(nextStart.Rows[0].value.Caption(), "-97.93");
+    readings.mnuThdn.UserChooses();
+    EXPECT_EQ(readings.Rows[0].name.Caption(), "THD+N");
+    EXPECT_EQ(readings.Rows[0].value.Caption(), "");
+    EXPECT_EQ(readings.lblThdSpread.Caption(), "last valid 10:42:07");
+}
+
 TEST_F(AnalyzerPanelsTest, NoiseGetsRoomForItsPeaks) {
     stimulus.cmbShape.UserSelects(StimulusPanel::kNoise);
     EXPECT_EQ(stimulus.txtLevel.Text(), "-12.00");
