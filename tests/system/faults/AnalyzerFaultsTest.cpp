@@ -14,6 +14,8 @@ const NullSink kUnused{"other", 32000, "OtherCard"};
 // Short records and few averages, so that readings come soon.
 constexpr const char* kShortAverages =
     "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n[Analyzer]\nLength=0\nAverages=2\n";
+constexpr const char* kLongAverages =
+    "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n[Analyzer]\nLength=0\nAverages=20\n";
 
 class AnalyzerFaults : public FaultRig {
 protected:
@@ -120,7 +122,9 @@ TEST_F(AnalyzerFaults, SinkSuspendedAndResumed) {
     });
 }
 
+// The averages take longer than any delay of the polling.
 TEST_F(AnalyzerFaults, EngineRestarted) {
+    Store(kLongAverages);
     const PulseServer server({kAnalyzed});
     Use(server);
     Run([&] {
