@@ -9,6 +9,7 @@
 #include "ui/AnalyzerWindow.h"
 #include "ui/CalibrateDialog.h"
 #include "ui/PlotPicture.h"
+#include "ui/widgets/TraceSwatch.h"
 #include "ui_frmAnalyzer.h"
 
 namespace sonavex::ui {
@@ -34,12 +35,24 @@ void AnalyzerWindow::ConnectFiles() {
             [&view](QPaintDevice& device, const QSize& size, double scale) {
                 view.PaintOn(device, size, scale);
             },
-            conditions);
+            Legend(), conditions);
     };
     form_.OnCopy = [](const std::string& text) {
         QApplication::clipboard()->setText(QString::fromStdString(text));
     };
     form_.ShowCalibrate = [this](frmCalibrate& form) { CalibrateDialog(form, guard_).Run(); };
+}
+
+std::vector<PictureLegend> AnalyzerWindow::Legend() const {
+    std::vector<PictureLegend> legend;
+    const auto add = [&legend](const char* trace, const QString& name) {
+        legend.push_back({TraceSwatch::PenOf(trace), name});
+    };
+    add("live", QString::fromStdString(form_.lblLegendLive.Caption()));
+    const std::string& kept = form_.lblLegendKept.Caption();
+    if (!kept.empty()) add("kept", QString::fromStdString(kept));
+    if (form_.Spectrum.Shown().noisePerBinDbfs) add("noise", ui_->capNoisePerBin->text());
+    return legend;
 }
 
 // A request to end the program closes the dialog; EndProgram is then thrown from here. The desktop's own file

@@ -16,6 +16,7 @@ class frmAnalyzer;
 
 namespace sonavex::ui {
 
+struct PictureLegend;
 class ChevronButton;
 class ReadingRowView;
 
@@ -45,6 +46,7 @@ private:
     void MakeRows();
     void MakeMenus();
     void ConnectFiles();
+    std::vector<PictureLegend> Legend() const;
     std::string AskForRecording();
     std::optional<frmAnalyzer::ExportTarget> AskForExport(const ExportedMeasurement& measurement);
     void Wait(QDialog& dialog);

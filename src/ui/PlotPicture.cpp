@@ -19,37 +19,71 @@ constexpr int kPictureText = Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop;
 // The trace inside a PDF file is an image with as many times the pixels of the window.
 constexpr int kPdfScale = 3;
 
+constexpr int kLegendLine = 18;
+constexpr int kLegendGap = 6;       // between a line and its name
+constexpr int kLegendSpacing = 22;  // between entries
+
+// What surrounds the plot.
+struct PictureTexts {
+    QFont font;
+    const std::vector<PictureLegend>& legend;
+    QString text;
+};
+
 // Where plot and text are, in pixels before scaling.
 struct PictureLayout {
+    int plotTop = 0;  // below the legend
     QRect text;
     QSize whole;
 };
 
-PictureLayout LayOut(const QSize& plot, const QFont& font, const QString& text) {
+PictureLayout LayOut(const QSize& plot, const PictureTexts& texts) {
+    const QFontMetrics metrics(texts.font);
+    PictureLayout layout;
+    if (!texts.legend.empty()) layout.plotTop = metrics.height() + kPictureMargin;
     const int width = plot.width() - 2 * kPictureMargin;
-    const QRect bounds = QFontMetrics(font).boundingRect(QRect(0, 0, width, 0), kPictureText, text);
-    const QRect place(kPictureMargin, plot.height() + kPictureMargin, width, bounds.height());
-    return {place, QSize(plot.width(), place.bottom() + 1 + kPictureMargin)};
+    const QRect bounds = metrics.boundingRect(QRect(0, 0, width, 0), kPictureText, texts.text);
+    const int top = layout.plotTop + plot.height() + kPictureMargin;
+    layout.text = QRect(kPictureMargin, top, width, bounds.height());
+    layout.whole = QSize(plot.width(), layout.text.bottom() + 1 + kPictureMargin);
+    return layout;
 }
 
-void PaintPictureText(QPainter& painter, const PictureLayout& layout, const QFont& font,
-                      const QString& text) {
-    painter.setFont(font);
+void PaintLegend(QPainter& painter, const PictureTexts& texts) {
+    const QFontMetrics metrics(texts.font);
+    const int middle = kPictureMargin + metrics.height() / 2;
+    int x = kPictureMargin;
+    for (const PictureLegend& entry : texts.legend) {
+        painter.setPen(entry.line);
+        painter.drawLine(x, middle, x + kLegendLine, middle);
+        x += kLegendLine + kLegendGap;
+        painter.setPen(Theme::Current().text);
+        painter.drawText(x, kPictureMargin + metrics.ascent(), entry.name);
+        x += metrics.horizontalAdvance(entry.name) + kLegendSpacing;
+    }
+}
+
+void PaintTexts(QPainter& painter, const PictureLayout& layout, const PictureTexts& texts) {
+    painter.setFont(texts.font);
+    PaintLegend(painter, texts);
     painter.setPen(Theme::Current().text);
-    painter.drawText(layout.text, kPictureText, text);
+    painter.drawText(layout.text, kPictureText, texts.text);
 }
 
-QByteArray PngContent(const PictureLayout& layout, int scale, const QSize& size, const QFont& font,
-                      const PlotPainting& paint, const QString& text) {
+QByteArray PngContent(const PictureLayout& layout, int scale, const QSize& size, const PlotPainting& paint,
+                      const PictureTexts& texts) {
+    QImage plot(size * scale, QImage::Format_RGB32);
+    plot.fill(Theme::Current().card);
+    paint(plot, size, scale);
     QImage image(layout.whole * scale, QImage::Format_RGB32);
     image.fill(Theme::Current().card);
-    paint(image, size, scale);
     {
         QPainter painter(&image);
+        painter.drawImage(0, layout.plotTop * scale, plot);
         painter.scale(scale, scale);
-        PaintPictureText(painter, layout, font, text);
+        PaintTexts(painter, layout, texts);
     }
-    image.setText("Description", text);
+    image.setText("Description", texts.text);
     QByteArray content;
     QBuffer buffer(&content);
     buffer.open(QIODevice::WriteOnly);
@@ -57,8 +91,8 @@ QByteArray PngContent(const PictureLayout& layout, int scale, const QSize& size,
     return content;
 }
 
-QByteArray PdfContent(const PictureLayout& layout, const QSize& size, const QFont& font,
-                      const PlotPainting& paint, const QString& text) {
+QByteArray PdfContent(const PictureLayout& layout, const QSize& size, const PlotPainting& paint,
+                      const PictureTexts& texts) {
     QPicture plot;
     paint(plot, size, kPdfScale);
     QByteArray content;
@@ -74,7 +108,8 @@ QByteArray PdfContent(const PictureLayout& layout, const QSize& size, const QFon
         const double dotsPerPixel = static_cast<double>(writer.width()) / layout.whole.width();
         painter.scale(dotsPerPixel, dotsPerPixel);
         painter.fillRect(QRect(QPoint(), layout.whole), Theme::Current().card);
-        PaintPictureText(painter, layout, font, text);
+        PaintTexts(painter, layout, texts);
+        painter.translate(0, layout.plotTop);
         painter.scale(1.0 / kPdfScale, 1.0 / kPdfScale);
         plot.play(&painter);
     }
@@ -84,17 +119,16 @@ QByteArray PdfContent(const PictureLayout& layout, const QSize& size, const QFon
 }  // namespace
 
 std::string PlotPicture(ExportKind kind, const QSize& size, const QFont& font, const PlotPainting& paint,
-                        const std::vector<std::string>& lines) {
-    QStringList texts;
-    for (const std::string& line : lines) texts.append(QString::fromStdString(line));
-    const QString text = texts.join('\n');
+                        const std::vector<PictureLegend>& legend, const std::vector<std::string>& lines) {
+    QStringList text;
+    for (const std::string& line : lines) text.append(QString::fromStdString(line));
+    PictureTexts texts{font, legend, text.join('\n')};
     // In pixels, because a file has another resolution than the screen.
-    QFont pixels = font;
-    pixels.setPixelSize(QFontInfo(font).pixelSize());
-    const PictureLayout layout = LayOut(size, pixels, text);
-    if (kind == ExportKind::kPdf) return PdfContent(layout, size, pixels, paint, text).toStdString();
+    texts.font.setPixelSize(QFontInfo(font).pixelSize());
+    const PictureLayout layout = LayOut(size, texts);
+    if (kind == ExportKind::kPdf) return PdfContent(layout, size, paint, texts).toStdString();
     const int scale = kind == ExportKind::kLargePicture ? 2 : 1;
-    return PngContent(layout, scale, size, pixels, paint, text).toStdString();
+    return PngContent(layout, scale, size, paint, texts).toStdString();
 }
 
 }  // namespace sonavex::ui

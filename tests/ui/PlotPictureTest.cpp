@@ -7,6 +7,7 @@
 
 #include "support/ChildProcess.h"
 #include "ui/PlotPicture.h"
+#include "ui/widgets/Theme.h"
 
 namespace sonavex {
 namespace {
@@ -22,6 +23,7 @@ void PaintGreen(QPaintDevice& device, const QSize& size, double scale) {
 
 std::string Picture(ExportKind kind) {
     return ui::PlotPicture(kind, kPlotSize, QApplication::font(), PaintGreen,
+                           {{QPen(Qt::red, 2), "Left, live"}, {QPen(Qt::blue, 2), "A, 10:42"}},
                            {"State: VALID", "Input: " + std::string(30, 'x') + ' ' + std::string(60, 'y')});
 }
 
@@ -29,28 +31,42 @@ QImage ImageOf(ExportKind kind) {
     return QImage::fromData(QByteArray::fromStdString(Picture(kind)), "PNG");
 }
 
-bool AnyInk(const QImage& image, int top) {
-    for (int y = top; y < image.height(); ++y)
+// The first and the last row of the plot.
+std::pair<int, int> PlotRows(const QImage& image) {
+    int first = 0;
+    while (first < image.height() && image.pixelColor(0, first) != Qt::green) ++first;
+    int last = image.height() - 1;
+    while (last > first && image.pixelColor(0, last) != Qt::green) --last;
+    return {first, last};
+}
+
+// In the rows from top to before bottom.
+bool Contains(const QImage& image, int top, int bottom, const QColor& colour) {
+    for (int y = top; y < bottom; ++y)
         for (int x = 0; x < image.width(); ++x)
-            if (image.pixel(x, y) != image.pixel(0, image.height() - 1)) return true;
+            if (image.pixelColor(x, y) == colour) return true;
     return false;
 }
 
 TEST(PlotPicture, HoldsPlotAndConditions) {
     const QImage image = ImageOf(ExportKind::kPicture);
     ASSERT_EQ(image.width(), 400);
-    ASSERT_GT(image.height(), 200);
-    EXPECT_EQ(image.pixelColor(399, 199), Qt::green);
-    EXPECT_NE(image.pixelColor(399, 200), Qt::green);
-    EXPECT_TRUE(AnyInk(image, 201));
+    const auto [first, last] = PlotRows(image);
+    EXPECT_EQ(last - first, 199);
+    EXPECT_EQ(image.pixelColor(399, last), Qt::green);
+    EXPECT_TRUE(Contains(image, 0, first, Qt::red));
+    EXPECT_TRUE(Contains(image, 0, first, Qt::blue));
+    EXPECT_TRUE(Contains(image, last + 1, image.height(), ui::Theme::Current().text));
     EXPECT_TRUE(image.text("Description").startsWith("State: VALID\nInput: xxx"));
 }
 
 TEST(PlotPicture, HasTwiceThePixels) {
     const QImage image = ImageOf(ExportKind::kLargePicture);
     EXPECT_EQ(image.size(), 2 * ImageOf(ExportKind::kPicture).size());
-    EXPECT_EQ(image.pixelColor(799, 399), Qt::green);
-    EXPECT_TRUE(AnyInk(image, 402));
+    const auto [first, last] = PlotRows(image);
+    EXPECT_EQ(last - first, 399);
+    EXPECT_EQ(image.pixelColor(799, last), Qt::green);
+    EXPECT_TRUE(Contains(image, last + 1, image.height(), ui::Theme::Current().text));
 }
 
 TEST(PlotPicture, IsAPdfFileWithText) {
@@ -59,6 +75,7 @@ TEST(PlotPicture, IsAPdfFileWithText) {
     std::ofstream(pdf, std::ios::binary) << Picture(ExportKind::kPdf);
     const std::string text = RunProgram({"pdftotext", "-layout", pdf, "-"}, {}, std::chrono::seconds(30));
     EXPECT_NE(text.find("State: VALID"), std::string::npos) << text;
+    EXPECT_NE(text.find("A, 10:42"), std::string::npos) << text;
 }
 
 }  // namespace

@@ -5,17 +5,13 @@
 #include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
-namespace {
-
-QPen SwatchPen(const QString& trace) {
+QPen TraceSwatch::PenOf(const QString& trace) {
     const Theme& theme = Theme::Current();
     if (trace == "kept") return QPen(theme.second, 2.0);
     if (trace == "noise") return QPen(theme.text, 1.0, Qt::DashLine);
     if (trace == "harmonics") return QPen(theme.text, 2.0);
     return QPen(theme.accent, trace == "captured" ? 1.0 : 2.0);
 }
-
-}  // namespace
 
 TraceSwatch::TraceSwatch(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -28,7 +24,7 @@ void TraceSwatch::SetTrace(const QString& trace) {
 
 void TraceSwatch::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setPen(SwatchPen(trace_));
+    painter.setPen(PenOf(trace_));
     painter.drawLine(QPointF(0.0, height() / 2.0), QPointF(width(), height() / 2.0));
 }
 

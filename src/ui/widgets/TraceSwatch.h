@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPen>
 #include <QString>
 #include <QWidget>
 
@@ -13,6 +14,9 @@ class TraceSwatch : public QWidget {
 
 public:
     explicit TraceSwatch(QWidget* parent = nullptr);
+
+    // The pen that draws such a curve.
+    static QPen PenOf(const QString& trace);
 
     QString Trace() const { return trace_; }
     void SetTrace(const QString& trace);
