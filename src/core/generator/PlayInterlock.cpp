@@ -13,7 +13,7 @@ void PlayInterlock::Show(Playing playing) {
 
 void PlayInterlock::ShowStimulus(bool playing) {
     stimulusPlaying_ = playing;
-    EnableSignal(playing_ != Playing::kMemory);
+    EnableStart();
     ShowSelection();
 }
 
@@ -25,7 +25,7 @@ void PlayInterlock::ShowList() {
 }
 
 void PlayInterlock::EnableSignal(bool enabled) {
-    signal_.Command1.SetEnabled(enabled && !stimulusPlaying_);
+    EnableStart();
     signal_.cmbType.SetEnabled(enabled);
     signal_.sldStartFreq.SetEnabled(enabled);
     signal_.txtGenFreq.SetEnabled(enabled);
@@ -35,6 +35,10 @@ void PlayInterlock::EnableSignal(bool enabled) {
     signal_.sldEndFreq.SetEnabled(sweep);
     signal_.txtGenEndFreq.SetEnabled(sweep);
     signal_.chkLoop.SetEnabled(sweep);
+}
+
+void PlayInterlock::EnableStart() {
+    signal_.Command1.SetEnabled(playing_ != Playing::kMemory && !stimulusPlaying_);
 }
 
 void PlayInterlock::ShowSelection() {

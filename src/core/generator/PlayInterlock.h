@@ -27,6 +27,7 @@ public:
 
 private:
     void EnableSignal(bool enabled);
+    void EnableStart();
     bool AnySelected() const;
 
     SignalControls& signal_;
