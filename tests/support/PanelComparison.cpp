@@ -63,8 +63,9 @@ void ExpectSignal(const SignalControls& signal, const PanelModel& model) {
     EXPECT_EQ(signal.txtSweepTime.Text(), model.sweepText);
     for (const Control* control :
          std::initializer_list<const Control*>{&signal.cmbType, &signal.sldStartFreq, &signal.txtGenFreq,
-                                               &signal.sldSweepTime, &signal.txtSweepTime, &signal.Command1})
+                                               &signal.sldSweepTime, &signal.txtSweepTime})
         EXPECT_EQ(control->Enabled(), usable);
+    EXPECT_EQ(signal.Command1.Enabled(), usable && !model.stimulusPlays);
     EXPECT_EQ(signal.sldEndFreq.Enabled(), model.endUsable);
     EXPECT_EQ(signal.txtGenEndFreq.Enabled(), model.endUsable);
     EXPECT_EQ(signal.chkLoop.Enabled(), model.loopUsable);
@@ -84,7 +85,7 @@ void ExpectList(const MemoryControls& memory, const PanelModel& model) {
     EXPECT_EQ(memory.ToneList.Locked(), model.playing != Playing::kNothing);
     EXPECT_EQ(memory.cmdGenAdd.Enabled(), model.addUsable);
     EXPECT_EQ(memory.cmdRemove.Enabled(), model.removeUsable);
-    EXPECT_EQ(memory.cmdStartMemory.Enabled(), model.memoryUsable);
+    EXPECT_EQ(memory.cmdStartMemory.Enabled(), model.memoryUsable && !model.stimulusPlays);
     EXPECT_EQ(memory.cmdStartMemory.Caption(),
               model.playing == Playing::kMemory ? "Stop Memory" : "Start Memory");
 }

@@ -220,8 +220,8 @@ void PanelModel::Apply(const UserAction& action) {
 void PanelModel::Press(Kind button) {
     if (button == Kind::kAdd && addUsable) Add();
     if (button == Kind::kRemove && removeUsable) Remove();
-    const bool current = button == Kind::kStartCurrent && SignalUsable();
-    const bool memory = button == Kind::kStartMemory && memoryUsable;
+    const bool current = button == Kind::kStartCurrent && SignalUsable() && !stimulusPlays;
+    const bool memory = button == Kind::kStartMemory && memoryUsable && !stimulusPlays;
     if ((current || memory) && sweeping)
         StopPlaying();
     else if (current && EntriesAreValid())

@@ -43,6 +43,7 @@ public:
     std::string startText, endText, sweepText;
     bool endUsable = false, loopUsable = false, addUsable = true, removeUsable = false, memoryUsable = false;
     enum class Playing { kNothing, kCurrent, kMemory } playing = Playing::kNothing;
+    bool stimulusPlays = false;  // of the Analyzer: the buttons that start are disabled
     std::vector<Entry> list;
     // The generator.
     bool running = false, sweeping = false, ticking = false;

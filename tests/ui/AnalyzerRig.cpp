@@ -97,24 +97,6 @@ double SineAt(double hertz, std::int64_t frame) {
 
 }  // namespace
 
-frmAnalyzer::Needs AnalyzerRig::NeedsOn(FormRig& rig, Background& background, const MeasurementFiles& files) {
-    frmMain& main = rig.form;
-    return {.loop = rig.loop,
-            .instrument = main.Instrument,
-            .background = background,
-            .dialogs = rig.dialogs,
-            .files = files,
-            .generatorPanel = main.GeneratorPanel,
-            .lblInput = main.lblInput,
-            .lblOutput = main.lblOutput,
-            .lblBits = main.lblBits,
-            .pathNote = main.PathNote,
-            .streamTrouble = main.StreamTrouble,
-            .simulated = true,
-            .now = [] { return DateTime{2026, 11, 23, 10, 42, 7}; },
-            .version = "2.1.14"};
-}
-
 void AnalyzerRig::Open(QSize size, const std::function<void(frmAnalyzer&)>& change) {
     form.Show();
     FillForm(form);

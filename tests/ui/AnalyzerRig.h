@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/AnalyzerNeeds.h"
 #include "support/FormRig.h"
 #include "support/InlineBackground.h"
 #include "support/MemoryFiles.h"
@@ -41,10 +42,8 @@ public:
     InlineBackground background{rig.loop};
     HandlerGuard guard{rig.dialogs, rig.errorLog, rig.ending};
     MemoryFiles files;
-    frmAnalyzer form{NeedsOn(rig, background, files)};
+    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)};
     ui::AnalyzerWindow window{form, guard};
-
-    static frmAnalyzer::Needs NeedsOn(FormRig& rig, Background& background, const MeasurementFiles& files);
 };
 
 }  // namespace sonavex

@@ -8,6 +8,7 @@
 
 #include "core/precise/display/frmAnalyzer.h"
 #include "platform/sndfile/SndfileFiles.h"
+#include "support/AnalyzerNeeds.h"
 #include "support/FormRig.h"
 #include "support/InlineBackground.h"
 #include "support/Recordings.h"
@@ -38,20 +39,10 @@ class AnalyzeInWindow : public testing::TestWithParam<SameRecording> {
 protected:
     // What the window copies, by name; empty without a reading.
     std::string Copied(const RecordingFile& file) {
-        frmMain& main = rig.form;
-        frmAnalyzer form({.loop = rig.loop,
-                          .instrument = main.Instrument,
-                          .background = background,
-                          .dialogs = rig.dialogs,
-                          .files = files,
-                          .generatorPanel = main.GeneratorPanel,
-                          .lblInput = main.lblInput,
-                          .lblOutput = main.lblOutput,
-                          .lblBits = main.lblBits,
-                          .pathNote = main.PathNote,
-                          .streamTrouble = main.StreamTrouble,
-                          .now = [] { return DateTime{2026, 11, 23, 10, 42, 7}; },
-                          .version = SONAVEX_VERSION});
+        frmAnalyzer::Needs needs = AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files);
+        needs.simulated = false;
+        needs.version = SONAVEX_VERSION;
+        frmAnalyzer form(needs);
         std::string copied;
         form.OnCopy = [&copied](const std::string& text) { copied = text; };
         form.OpenRecording(file.Path());

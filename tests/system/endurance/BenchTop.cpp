@@ -51,6 +51,9 @@ void BenchTop::MakeForm() {
     form_->OnClosed = [this](int) { ended_ = true; };
     form_->ShowDeviceDialog = [this] { ChooseDevices(); };
     UseFinePath(useFine_);
+    if (!useAnalyzer_) return;
+    analyzer_.emplace(AnalyzerNeeds(*form_, loop, background_, dialogs, Recordings));
+    form_->BeforeShutdown = [this] { analyzer_->UnloadForNextStart(); };
 }
 
 void BenchTop::UseFinePath(bool on) {
@@ -63,6 +66,7 @@ void BenchTop::UseFinePath(bool on) {
 void BenchTop::TakeAway() {
     fineBefore_ = FineFramesSeen();
     fine_.reset();
+    analyzer_.reset();
     form_.reset();
     loop.DeliverSignals();
 }

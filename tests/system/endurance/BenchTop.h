@@ -7,7 +7,10 @@
 #include <optional>
 #include <string>
 
+#include "support/AnalyzerNeeds.h"
 #include "support/FineUser.h"
+#include "support/InlineBackground.h"
+#include "support/MemoryFiles.h"
 #include "support/World.h"
 #include "system/endurance/FailingCard.h"
 
@@ -45,6 +48,13 @@ public:
 
     // Follows the fine frames while the program runs; at first on.
     void UseFinePath(bool on);
+    // The program has an Analyzer from its next start on. Its stimulus and the fine path exclude each other.
+    void UseAnalyzer() { useAnalyzer_ = true; }
+    // Null without one, and without a program.
+    frmAnalyzer* Analyzer() noexcept { return analyzer_ ? &*analyzer_ : nullptr; }
+    // What the Analyzer can open.
+    MemoryFiles Recordings;
+
     // Null while off, and without a program.
     FineUser* Fine() noexcept { return fine_ ? &*fine_ : nullptr; }
     // Fine frames since construction.
@@ -69,6 +79,9 @@ private:
 
     FailingCard card_{loop, SimulatedSoundSystem::Pace::kStepped};
     std::unique_ptr<frmMain> form_;
+    bool useAnalyzer_ = false;
+    InlineBackground background_{loop};
+    std::optional<frmAnalyzer> analyzer_;
     bool useFine_ = true;
     std::optional<FineUser> fine_;
     std::uint64_t fineBefore_ = 0;  // of earlier users

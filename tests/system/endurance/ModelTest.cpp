@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <deque>
 
 #include "core/settings/SampleRates.h"
+#include "support/AnalyzerUser.h"
 #include "support/PanelModel.h"
 #include "system/endurance/BenchTop.h"
 
@@ -51,7 +53,19 @@ struct StreamModel {
 
 class ModelRun {
 public:
-    explicit ModelRun(std::uint64_t seed) : random_(seed) {}
+    enum class Analyzer { kNone, kUsed };
+
+    ModelRun(std::uint64_t seed, Analyzer analyzer) : random_(seed) {
+        if (analyzer == Analyzer::kNone) return;
+        Settings(bench_.Store()).Save(keys::kAnalyzerLength, "0");
+        bench_.UseFinePath(false);
+        bench_.UseAnalyzer();
+        bench_.Recordings.sounds["take.wav"] = {
+            .rateHz = 8000, .channels = 2, .frames = 60000, .sample = [](std::int64_t frame) {
+                return 0.5 * std::sin(0.785 * static_cast<double>(frame));
+            }};
+        bench_.Recordings.sounds["empty.wav"] = {};
+    }
 
     void Run(int actions) {
         ASSERT_TRUE(bench_.Start());
@@ -62,6 +76,8 @@ public:
             if (testing::Test::HasFailure()) ReportHistory();
         }
     }
+
+    int Readings() const noexcept { return readings_; }
 
 private:
     frmMain& Form() { return bench_.Form(); }
@@ -79,6 +95,8 @@ private:
             RestartTheProgram();
         else if (kind < 0.04)
             LoseTheCard();
+        else if (bench_.Analyzer() != nullptr && random_.Chance(0.5))
+            UseTheAnalyzer();
         else
             UseTheWindow();
         const int blocks = random_.Pick(4);
@@ -87,9 +105,16 @@ private:
 
     void UseTheWindow() {
         const UserAction action = NextAction(random_, Form().Instrument.Shared.SampleRate);
+        model_->stimulusPlays = Form().GeneratorPanel.StimulusPlaying();
         Note(Describe(action));
         Perform(action, Form(), [this](const auto& event) { bench_.Act(event); });
         model_->Apply(action);
+    }
+
+    void UseTheAnalyzer() {
+        static const std::vector<std::string> names{"take.wav", "empty.wav", "missing.wav"};
+        Note(sonavex::UseAnalyzer(random_, *bench_.Analyzer(), names,
+                                  [this](const auto& event) { bench_.Act(event); }));
     }
 
     void SelectRate() {
@@ -156,6 +181,8 @@ private:
 
     void Compare() {
         Instrument& instrument = Form().Instrument;
+        model_->stimulusPlays = Form().GeneratorPanel.StimulusPlaying();
+        if (bench_.Analyzer() != nullptr) CheckAnalyzer(*bench_.Analyzer());
         ExpectAsModelled(Form().GeneratorPanel, instrument.Meter.Generator, instrument.HiTimer1.Enabled(),
                          *model_);
         EXPECT_EQ(instrument.Engine.PlayBlockIndex, stream_.playBlock);
@@ -164,6 +191,22 @@ private:
         EXPECT_EQ(instrument.Engine.PlaybackStarts, stream_.playbackStarts);
         EXPECT_EQ(instrument.Engine.Overruns, stream_.overruns);
         EXPECT_EQ(instrument.Shared.SampleRate, model_->Rate());
+    }
+
+    // Stimulus and generator never play together. Without a true reading there is no figure.
+    void CheckAnalyzer(frmAnalyzer& analyzer) {
+        const bool stimulus = Form().GeneratorPanel.StimulusPlaying();
+        EXPECT_FALSE(stimulus && Form().Instrument.Meter.Generator.GeneratorRunning);
+        const StateChip::Kind state = analyzer.Chip.State();
+        const std::string& figure = analyzer.Readings.lblThd.Caption();
+        if (state == StateChip::Kind::kVoid || state == StateChip::Kind::kOverload) {
+            EXPECT_EQ(figure, "none") << analyzer.Chip.Text();
+            for (const ReadingRow& row : analyzer.Readings.Rows) EXPECT_EQ(row.value.Caption(), "");
+            EXPECT_TRUE(analyzer.ReportBlock().empty());
+        }
+        readings_ += figure != "none" ? 1 : 0;
+        EXPECT_TRUE(analyzer.Loaded() || figure == "none");
+        EXPECT_TRUE(stimulus || analyzer.Stimulus.cmdStart.Caption() == "Start");
     }
 
     void ReportHistory() {
@@ -175,6 +218,7 @@ private:
     SeededRandomness random_;
     BenchTop bench_;
     std::unique_ptr<PanelModel> model_;
+    int readings_ = 0;  // actions after which the Analyzer showed a figure
     StreamModel stream_;
     std::deque<std::string> history_;
 };
@@ -185,8 +229,21 @@ TEST(Model, AgreesWithTheFormsWhateverTheUserDoes) {
     const std::uint64_t seed = FromEnvironment("SONAVEX_MODEL_SEED", 1);
     for (std::uint64_t i = 0; i < sequences && !HasFailure(); ++i) {
         SCOPED_TRACE("seed " + std::to_string(seed + i));
-        ModelRun(seed + i).Run(400);
+        ModelRun(seed + i, ModelRun::Analyzer::kNone).Run(400);
     }
+}
+
+TEST(Model, AgreesWithTheFormsNextToAnAnalyzer) {
+    const std::uint64_t sequences = FromEnvironment("SONAVEX_MODEL_SEQUENCES", 10);
+    const std::uint64_t seed = FromEnvironment("SONAVEX_MODEL_SEED", 1);
+    int readings = 0;
+    for (std::uint64_t i = 0; i < sequences && !HasFailure(); ++i) {
+        SCOPED_TRACE("seed " + std::to_string(seed + i));
+        ModelRun run(seed + i, ModelRun::Analyzer::kUsed);
+        run.Run(400);
+        readings += run.Readings();
+    }
+    EXPECT_GT(readings, 0);
 }
 
 }  // namespace

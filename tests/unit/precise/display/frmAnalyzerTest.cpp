@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "core/precise/display/frmAnalyzer.h"
+#include "support/AnalyzerNeeds.h"
 #include "support/FormRig.h"
 #include "support/InlineBackground.h"
 #include "support/MemoryFiles.h"
@@ -58,28 +59,10 @@ protected:
         EXPECT_TRUE(form.Spectrum.Shown().markers.empty());
         EXPECT_FALSE(form.Spectrum.Shown().noisePerBinDbfs);
     }
-    frmAnalyzer::Needs Needs() {
-        frmMain& main = rig.form;
-        return {.loop = rig.loop,
-                .instrument = main.Instrument,
-                .background = background,
-                .dialogs = rig.dialogs,
-                .files = files,
-                .generatorPanel = main.GeneratorPanel,
-                .lblInput = main.lblInput,
-                .lblOutput = main.lblOutput,
-                .lblBits = main.lblBits,
-                .pathNote = main.PathNote,
-                .streamTrouble = main.StreamTrouble,
-                .simulated = true,
-                .now = [] { return DateTime{2026, 11, 23, 10, 42, 7}; },
-                .version = "2.1.14"};
-    }
-
     FormRig rig;
     InlineBackground background{rig.loop};
     MemoryFiles files;
-    frmAnalyzer form{Needs()};
+    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)};
 };
 
 TEST_F(frmAnalyzerTest, SettlesAndThenShowsAValidReading) {
