@@ -24,7 +24,8 @@ std::optional<std::size_t> RecordsOf::Count() const {
 bool RecordsOf::Next() {
     if (!begun_) {
         begun_ = true;
-        return Append(length_) > 0;
+        Append(length_);
+        return true;
     }
     if (samples_.size() < length_) return false;
     shift_ = Append(length_ / 4);

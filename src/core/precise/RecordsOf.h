@@ -23,7 +23,8 @@ public:
     // How many there are; empty if the length of the recording is not known.
     std::optional<std::size_t> Count() const;
 
-    // Moves to the next record, first to the first one. False when there is none.
+    // Moves to the next record, first to the first one, which is empty if the recording is. False when there
+    // is none.
     bool Next();
     // Moves to a record, 0 to Count() - 1.
     void MoveTo(std::size_t index);

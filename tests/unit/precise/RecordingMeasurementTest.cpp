@@ -131,11 +131,14 @@ TEST_F(RecordingMeasurementTest, ADriftingToneIsMeasuredInPartWithAWarning) {
 }
 
 TEST_F(RecordingMeasurementTest, ShorterThanARecordIsTooShort) {
-    Open(Recorded(4095));
-    EXPECT_EQ(measurement->RecordsOfLength(kRecordedLength), 1U);
-    measurement->MeasureAll(RecordedSettings());
-    Complete();
-    EXPECT_EQ(readings.at(0).voids.at(0).code, VoidCode::kTooShort);
+    for (const std::int64_t frames : {4095, 0}) {
+        readings.clear();
+        Open(Recorded(frames));
+        EXPECT_EQ(measurement->RecordsOfLength(kRecordedLength), 1U);
+        measurement->MeasureAll(RecordedSettings());
+        Complete();
+        EXPECT_EQ(readings.at(0).voids.at(0).code, VoidCode::kTooShort) << frames;
+    }
 }
 
 TEST_F(RecordingMeasurementTest, OfUnknownLengthIsMeasuredToItsEnd) {
