@@ -1,6 +1,11 @@
-// The whole program with an open Analyzer and faults of a private sound server.
+// The whole program with an open Analyzer and faults of private sound servers and of cards.
 
+#include <QComboBox>
+#include <thread>
+
+#include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
+#include "support/alsa/LoopCards.h"
 #include "system/faults/FaultRig.h"
 
 namespace sonavex {
@@ -14,6 +19,8 @@ const NullSink kUnused{"other", 32000, "OtherCard"};
 // Short records and few averages, so that readings come soon.
 constexpr const char* kShortAverages =
     "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n[Analyzer]\nLength=0\nAverages=2\n";
+constexpr const char* kShortAveragesOnCard =
+    "[SoundCard]\nInput=alsa:card\nOutput=alsa:card\nSampleRate=2\n[Analyzer]\nLength=0\nAverages=2\n";
 constexpr const char* kLongAverages =
     "[SoundCard]\nInput=card.monitor\nOutput=card\nSampleRate=2\n[Analyzer]\nLength=0\nAverages=20\n";
 
@@ -58,48 +65,134 @@ protected:
         EXPECT_TRUE(WaitInQt(kLimit, [this] { return !Form().Instrument.Watch.Stopped(); }));
         ExpectValid();
     }
+    // After the selection of devices, which ends the stimulus for good.
+    void ExpectValidAfterStart() {
+        EXPECT_TRUE(WaitInQt(kLimit, [this] { return !Form().Instrument.Watch.Stopped(); }));
+        EXPECT_EQ(Analyzer().Stimulus.cmdStart.Caption(), "Start");
+        Analyzer().Stimulus.cmdStart.Press();
+        ExpectValid();
+    }
+
+    void CheckDeathOf(SoundServer& server) {
+        Use(server);
+        Run([&] {
+            StartMeasuring();
+            server.Kill();
+            ExpectVoid();
+            ExpectLoss("The connection to the sound server was lost.");
+            WaitInQt(1s);
+            ExpectNoFigure();
+            server.Restart();
+            ExpectReturnOfBoth();
+        });
+    }
+    void CheckUnloadingAt(const SoundServer& server) {
+        Use(server);
+        std::string module = server.LoadNullSink(kAnalyzed);
+        Run([&] {
+            StartMeasuring();
+            server.Control({"unload-module", module});
+            ExpectVoid();
+            ExpectLoss("has been removed");
+            module = server.LoadNullSink(kAnalyzed);
+            ExpectReturnOfBoth();
+        });
+    }
+    // Nothing reports a hung server.
+    void CheckPauseOf(SoundServer& server) {
+        Use(server);
+        Run([&] {
+            StartMeasuring();
+            server.Pause();
+            ExpectVoid();
+            ExpectLoss("has stopped delivering sound");
+            server.Continue();
+            ExpectReturnOfBoth();
+        });
+    }
+    // damage and repair change the state of the card.
+    void CheckCard(const std::function<void(LoopCardState&)>& damage, const std::string& loss,
+                   const std::function<void(LoopCardState&)>& repair) {
+        setenv("PULSE_SERVER", "unix:/nonexistent/sonavex", 1);
+        LoopCards cards(CardList{{"card", "Test card", {32000}, 2, "S32_LE"}});
+        Store(kShortAveragesOnCard);
+        onSelection = [&](QDialog&) {
+            ExpectVoid();
+            repair(cards.State("card"));
+        };
+        Run([&] {
+            StartMeasuring();
+            damage(cards.State("card"));
+            ExpectLoss(loss);
+            ExpectValidAfterStart();
+        });
+    }
 };
 
-TEST_F(AnalyzerFaults, ServerKilledAndStartedAgain) {
+TEST_F(AnalyzerFaults, PulseAudioKilledAndStartedAgain) {
     PulseServer server({kAnalyzed});
+    CheckDeathOf(server);
+}
+
+TEST_F(AnalyzerFaults, PipeWireKilledAndStartedAgain) {
+    PipeWireServer server({kAnalyzed});
+    CheckDeathOf(server);
+}
+
+TEST_F(AnalyzerFaults, SinkOfPulseAudioUnloadedAndLoadedAgain) {
+    CheckUnloadingAt(PulseServer({kUnused}));
+}
+
+TEST_F(AnalyzerFaults, SinkOfPipeWireUnloadedAndLoadedAgain) {
+    CheckUnloadingAt(PipeWireServer({kUnused}));
+}
+
+TEST_F(AnalyzerFaults, PulseAudioPausedAndContinued) {
+    PulseServer server({kAnalyzed});
+    CheckPauseOf(server);
+}
+
+TEST_F(AnalyzerFaults, PipeWirePausedAndContinued) {
+    PipeWireServer server({kAnalyzed});
+    CheckPauseOf(server);
+}
+
+TEST_F(AnalyzerFaults, CardUnpluggedAndPluggedInAgain) {
+    CheckCard([](LoopCardState& card) { card.unplugged = 1; }, "has been removed.",
+              [](LoopCardState& card) { card.unplugged = 0; });
+}
+
+TEST_F(AnalyzerFaults, CardSuspendedAndResumed) {
+    CheckCard([](LoopCardState& card) { card.suspended = 1; }, "has been suspended.",
+              [](LoopCardState& card) { card.suspended = 0; });
+}
+
+// As after the sleep of the system: the time passes and nothing runs.
+TEST_F(AnalyzerFaults, ProgramHeldUp) {
+    const PulseServer server({kAnalyzed});
     Use(server);
+    Store(kLongAverages);
     Run([&] {
         StartMeasuring();
-        server.Kill();
-        ExpectVoid();
-        ExpectLoss("The connection to the sound server was lost.");
-        WaitInQt(1s);
-        ExpectNoFigure();
-        server.Restart();
-        ExpectReturnOfBoth();
+        std::this_thread::sleep_for(2500ms);
+        EXPECT_TRUE(WaitInQt(kNoticeLimit, [this] { return Analyzer().Chip.State() != Kind::kValid; }));
+        ExpectValid();
     });
 }
 
-TEST_F(AnalyzerFaults, SinkUnloadedAndLoadedAgain) {
-    const PulseServer server({kUnused});
+TEST_F(AnalyzerFaults, AnotherRateSelected) {
+    const PulseServer server({kAnalyzed});
     Use(server);
-    std::string module = server.LoadNullSink(kAnalyzed);
+    onSelection = [](QDialog& dialog) {
+        dialog.findChild<QComboBox*>(QStringLiteral("cmbSampleRate"))->setCurrentIndex(0);
+        Q_EMIT dialog.findChild<QComboBox*>(QStringLiteral("cmbSampleRate"))->activated(0);
+    };
     Run([&] {
         StartMeasuring();
-        server.Control({"unload-module", module});
-        ExpectVoid();
-        ExpectLoss("has been removed");
-        module = server.LoadNullSink(kAnalyzed);
-        ExpectReturnOfBoth();
-    });
-}
-
-// Nothing reports a hung server.
-TEST_F(AnalyzerFaults, ServerPausedAndContinued) {
-    PulseServer server({kAnalyzed});
-    Use(server);
-    Run([&] {
-        StartMeasuring();
-        server.Pause();
-        ExpectVoid();
-        ExpectLoss("has stopped delivering sound");
-        server.Continue();
-        ExpectReturnOfBoth();
+        Form().mnuSelectCard.UserChooses();
+        EXPECT_TRUE(WaitInQt(kNoticeLimit, [this] { return Analyzer().Chip.State() != Kind::kValid; }));
+        ExpectValidAfterStart();
+        EXPECT_EQ(Analyzer().lblRate.Caption(), "48000 Hz");
     });
 }
 
@@ -115,10 +208,7 @@ TEST_F(AnalyzerFaults, SinkSuspendedAndResumed) {
         StartMeasuring();
         server.Control({"suspend-sink", "card", "1"});
         ExpectLoss("has been suspended");
-        EXPECT_TRUE(WaitInQt(kLimit, [this] { return !Form().Instrument.Watch.Stopped(); }));
-        EXPECT_EQ(Analyzer().Stimulus.cmdStart.Caption(), "Start");
-        Analyzer().Stimulus.cmdStart.Press();
-        ExpectValid();
+        ExpectValidAfterStart();
     });
 }
 
