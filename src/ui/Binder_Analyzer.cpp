@@ -11,6 +11,7 @@
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/HarmonicsView.h"
 #include "ui/widgets/LengthChoice.h"
+#include "ui/widgets/ProgressValue.h"
 #include "ui/widgets/Theme.h"
 
 namespace sonavex::ui {
@@ -76,7 +77,8 @@ void Binder::Bind(HarmonicsView& widget, HarmonicsTable& control) {
 void Binder::Bind(QProgressBar& widget, ProgressBar& control) {
     Add(widget, control, [&widget, &control] {
         widget.setMaximum(kProgressSteps);
-        widget.setValue(static_cast<int>(control.Value() / std::max(control.Max(), 1e-6F) * kProgressSteps));
+        ShowProgress(widget,
+                     static_cast<int>(control.Value() / std::max(control.Max(), 1e-6F) * kProgressSteps));
     });
 }
 

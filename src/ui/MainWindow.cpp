@@ -10,6 +10,7 @@
 #include "core/generator/GeneratorWords.h"
 #include "ui/widgets/HarmonicBar.h"
 #include "ui/widgets/HertzValidator.h"
+#include "ui/widgets/ProgressValue.h"
 #include "ui_frmMain.h"
 
 namespace sonavex::ui {
@@ -252,7 +253,7 @@ void MainWindow::DecorateMeter() {
     ui_->prgADC->SetSilent(view.noSignal);
     ui_->prgADC->setAccessibleDescription(WordText(display.SpokenInput()));
     ui_->prgDAC->setAccessibleDescription(WordText(display.SpokenOutput()));
-    ui_->cycleBar->setValue(view.cycleBlocks);
+    ShowProgress(*ui_->cycleBar, view.cycleBlocks);
 }
 
 void MainWindow::DecorateHarmonics() {
