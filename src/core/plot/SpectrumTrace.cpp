@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace sonavex {
 
+// The natural logarithm of the C library is several times as fast as the decadic one.
 double PowerDecibels(double power) {
-    return power > 1e-40 ? 10.0 * std::log10(power) : -400.0;
+    return power > 1e-40 ? 10.0 / std::numbers::ln10 * std::log(power) : -400.0;
 }
 
 std::size_t NearestBin(const SpectrumTrace& trace, double hertz) {

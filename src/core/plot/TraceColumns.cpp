@@ -1,10 +1,11 @@
 #include "core/plot/TraceColumns.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <span>
+#include <vector>
 
 namespace sonavex {
 namespace {
@@ -47,32 +48,46 @@ double Interpolated(const SpectrumTrace& trace, double hertz) {
 }
 
 TraceColumn ColumnOf(std::span<const float> bins) {
-    double sum = 0;
-    float low = bins.front();
-    float high = bins.front();
-    for (const float power : bins) {
-        sum += power;
-        low = std::min(low, power);
-        high = std::max(high, power);
-    }
+    const double sum = std::accumulate(bins.begin(), bins.end(), 0.0);
     if (bins.size() == 1) return {PowerDecibels(sum), PowerDecibels(sum), PowerDecibels(sum)};
-    return {PowerDecibels(sum / static_cast<double>(bins.size())), PowerDecibels(low), PowerDecibels(high)};
+    const auto [low, high] = std::minmax_element(bins.begin(), bins.end());
+    return {PowerDecibels(sum / static_cast<double>(bins.size())), PowerDecibels(*low), PowerDecibels(*high)};
 }
 
+// The means of the columns around one, in order.
+class Neighbours {
+public:
+    explicit Neighbours(std::span<const TraceColumn> columns) : columns_(columns) {
+        for (std::size_t i = 0; i < kNeighbourColumns; ++i) Add(i);
+    }
+    // Moves to a column: first to the first one, then each time to the next.
+    void MoveTo(std::size_t column) {
+        Add(column + kNeighbourColumns);
+        if (column > kNeighbourColumns) Remove(column - kNeighbourColumns - 1);
+    }
+    double Median() const { return means_[means_.size() / 2]; }
+
+private:
+    void Add(std::size_t column) {
+        if (column >= columns_.size() || std::isnan(columns_[column].mean)) return;
+        const double mean = columns_[column].mean;
+        means_.insert(std::upper_bound(means_.begin(), means_.end(), mean), mean);
+    }
+    void Remove(std::size_t column) {
+        if (std::isnan(columns_[column].mean)) return;
+        means_.erase(std::lower_bound(means_.begin(), means_.end(), columns_[column].mean));
+    }
+
+    std::span<const TraceColumn> columns_;
+    std::vector<double> means_;
+};
+
 // Mean level of the noise around a column: from the median of the columns' means, which lines hardly change.
-// bins: in a column.
-double NoiseLevel(std::span<const TraceColumn> columns, std::size_t column, double bins, double records) {
-    std::array<double, 2 * kNeighbourColumns + 1> means{};
-    std::size_t count = 0;
-    const std::size_t first = column - std::min(column, kNeighbourColumns);
-    const std::size_t end = std::min(column + kNeighbourColumns + 1, columns.size());
-    for (std::size_t i = first; i < end; ++i)
-        if (!std::isnan(columns[i].mean)) means[count++] = columns[i].mean;
-    const auto middle = means.begin() + static_cast<std::ptrdiff_t>(count / 2);
-    std::nth_element(means.begin(), middle, means.begin() + static_cast<std::ptrdiff_t>(count));
+// bins: in the column.
+double NoiseLevel(double median, double bins, double records) {
     // Median of a gamma distribution relative to its mean (Wilson and Hilferty).
     const double shape = records * std::max(1.0, bins / kBinsPerIndependentBin);
-    return *middle - 30.0 * std::log10(1.0 - 1.0 / (9.0 * shape));
+    return median - 30.0 * std::log10(1.0 - 1.0 / (9.0 * shape));
 }
 
 }  // namespace
@@ -105,11 +120,14 @@ std::vector<TraceColumn> TraceColumns(const SpectrumTrace& trace, PlotRange deca
         }
     }
     const double threshold = OnceInAMillionDb(trace.records);
-    for (std::size_t i = 0; i < columns; ++i)
+    Neighbours neighbours(result);
+    for (std::size_t i = 0; i < columns; ++i) {
+        neighbours.MoveTo(i);
         if (bins[i] > 1 && result[i].high > result[i].mean)
             result[i].outstanding =
                 result[i].high >
-                threshold + NoiseLevel(result, i, static_cast<double>(bins[i]), trace.records);
+                threshold + NoiseLevel(neighbours.Median(), static_cast<double>(bins[i]), trace.records);
+    }
     return result;
 }
 

@@ -48,6 +48,20 @@ struct HarmonicsView::Columns {
     int bar;
 };
 
+// Made once for a painting, because making a font takes longer than drawing a text.
+struct HarmonicsView::Fonts {
+    explicit Fonts(const QFont& base) : names(base), quiet(QuietFont(base)) {}
+
+    int RowHeight() const { return QFontMetrics(level).height() + kRowPadding - 1; }
+
+    QFont names;
+    QFont quiet;
+    QFont level = FixedFont(kLevelScale, true);
+    QFont bound = FixedFont(kLevelScale, false);
+    QFont phase = FixedFont(1.0, false);
+    QFont spread = FixedFont(kSmallScale, false);
+};
+
 HarmonicsView::HarmonicsView(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
@@ -70,33 +84,29 @@ QString HarmonicsView::Spoken() const {
     return lines.join(u'\n');
 }
 
-int HarmonicsView::RowHeight() const {
-    return QFontMetrics(FixedFont(kLevelScale, true)).height() + kRowPadding - 1;
-}
-
-HarmonicsView::Columns HarmonicsView::Places() const {
+HarmonicsView::Columns HarmonicsView::Places(const Fonts& fonts) const {
     Columns columns{};
     columns.bar = width() - kCellIndent - kBarWidth;
     columns.phase = columns.bar - kCellGap - 4;
-    columns.spread = columns.phase -
-                     QFontMetrics(FixedFont(1.0, false)).horizontalAdvance(QStringLiteral("-180°")) -
-                     kCellGap - 6;
-    columns.level = columns.spread - QFontMetrics(FixedFont(kSmallScale, false)).horizontalAdvance("00.00") -
-                    kCellGap - 8;
+    columns.spread =
+        columns.phase - QFontMetrics(fonts.phase).horizontalAdvance(QStringLiteral("-180°")) - kCellGap - 6;
+    columns.level = columns.spread - QFontMetrics(fonts.spread).horizontalAdvance("00.00") - kCellGap - 8;
     return columns;
 }
 
 QSize HarmonicsView::sizeHint() const {
-    const int level = QFontMetrics(FixedFont(kLevelScale, true)).horizontalAdvance("-000.00");
+    const Fonts fonts(font());
+    const int level = QFontMetrics(fonts.level).horizontalAdvance("-000.00");
     const int order = fontMetrics().horizontalAdvance("H99");
-    const int used = width() - Places().level;
-    return {kCellIndent + order + kCellGap + level + used, static_cast<int>(rows_.size() + 1) * RowHeight()};
+    const int used = width() - Places(fonts).level;
+    return {kCellIndent + order + kCellGap + level + used,
+            static_cast<int>(rows_.size() + 1) * fonts.RowHeight()};
 }
 
-void HarmonicsView::PaintHead(QPainter& painter, const Columns& columns) const {
-    painter.setFont(QuietFont(font()));
+void HarmonicsView::PaintHead(QPainter& painter, const Fonts& fonts, const Columns& columns) const {
+    painter.setFont(fonts.quiet);
     painter.setPen(Theme::Current().quiet);
-    const int height = RowHeight();
+    const int height = fonts.RowHeight();
     painter.drawText(QRect(kCellIndent, 0, width(), height), Qt::AlignVCenter, tr("Order"));
     const std::pair<int, QString> heads[] = {
         {columns.level, "dBc"}, {columns.spread, "±"}, {columns.phase, tr("phase")}};
@@ -104,28 +114,29 @@ void HarmonicsView::PaintHead(QPainter& painter, const Columns& columns) const {
         painter.drawText(QRect(0, 0, right, height), Qt::AlignRight | Qt::AlignVCenter, text);
 }
 
-void HarmonicsView::PaintRow(QPainter& painter, const Columns& columns, const Row& row, int top) const {
+void HarmonicsView::PaintRow(QPainter& painter, const Fonts& fonts, const Columns& columns, const Row& row,
+                             int top) const {
     const Theme& theme = Theme::Current();
-    const int height = RowHeight();
+    const int height = fonts.RowHeight();
     const auto cell = [&](int right, const QString& text) {
         painter.drawText(QRect(0, top, right, height), Qt::AlignRight | Qt::AlignVCenter, text);
     };
     const QColor ink = row.bound || row.quiet ? theme.quiet : theme.text;
-    painter.setFont(font());
+    painter.setFont(fonts.names);
     painter.setPen(theme.text);
     painter.drawText(QRect(kCellIndent, top, width(), height), Qt::AlignVCenter, row.order);
-    painter.setFont(FixedFont(kLevelScale, !row.bound));
+    painter.setFont(row.bound ? fonts.bound : fonts.level);
     painter.setPen(ink);
     cell(columns.level, row.level);
     if (row.bound) {
         painter.setPen(theme.quiet);
-        painter.setFont(QuietFont(font()));
+        painter.setFont(fonts.quiet);
         cell(columns.phase, row.boundNote);
     } else {
-        painter.setFont(FixedFont(1.0, false));
+        painter.setFont(fonts.phase);
         cell(columns.phase, row.phase);
         painter.setPen(theme.quiet);
-        painter.setFont(FixedFont(kSmallScale, false));
+        painter.setFont(fonts.spread);
         cell(columns.spread, row.spread);
     }
     PaintBar(painter, QRectF(columns.bar, top + (height - kBarHeight) / 2.0, kBarWidth, kBarHeight),
@@ -135,16 +146,18 @@ void HarmonicsView::PaintRow(QPainter& painter, const Columns& columns, const Ro
 void HarmonicsView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const Columns columns = Places();
-    PaintHead(painter, columns);
-    int top = RowHeight();
-    for (std::size_t i = 0; i < rows_.size(); ++i, top += RowHeight()) {
+    const Fonts fonts(font());
+    const Columns columns = Places(fonts);
+    PaintHead(painter, fonts, columns);
+    const int height = fonts.RowHeight();
+    int top = height;
+    for (std::size_t i = 0; i < rows_.size(); ++i, top += height) {
         if (i % 2 == 0) {
             painter.setPen(Qt::NoPen);
             painter.setBrush(Theme::Current().stripe);
-            painter.drawRoundedRect(QRect(0, top, width(), RowHeight()), 4.0, 4.0);
+            painter.drawRoundedRect(QRect(0, top, width(), height), 4.0, 4.0);
         }
-        PaintRow(painter, columns, rows_[i], top);
+        PaintRow(painter, fonts, columns, rows_[i], top);
     }
 }
 

@@ -38,10 +38,11 @@ protected:
 
 private:
     struct Columns;
-    Columns Places() const;
-    int RowHeight() const;
-    void PaintHead(QPainter& painter, const Columns& columns) const;
-    void PaintRow(QPainter& painter, const Columns& columns, const Row& row, int top) const;
+    struct Fonts;
+    Columns Places(const Fonts& fonts) const;
+    void PaintHead(QPainter& painter, const Fonts& fonts, const Columns& columns) const;
+    void PaintRow(QPainter& painter, const Fonts& fonts, const Columns& columns, const Row& row,
+                  int top) const;
     QString Spoken() const;
 
     std::vector<Row> rows_;

@@ -60,11 +60,23 @@ QSize LevelBar::sizeHint() const {
 
 // The scale is inset by half a figure, so that the outer figures are not cut.
 QRectF LevelBar::Track() const {
+    if (!track_.isNull()) return track_;
     const QFontMetrics figures(FigureFont(font()));
     const double left = figures.horizontalAdvance("-40") / 2.0;
     const double right = figures.horizontalAdvance("0 dBFS") / 2.0;
     const double top = figures.height() + kTick + kGap;
-    return {left, top, width() - left - right, fontMetrics().height() * 0.75};
+    track_ = {left, top, width() - left - right, fontMetrics().height() * 0.75};
+    return track_;
+}
+
+void LevelBar::resizeEvent(QResizeEvent* event) {
+    track_ = {};
+    QWidget::resizeEvent(event);
+}
+
+void LevelBar::changeEvent(QEvent* event) {
+    track_ = {};
+    QWidget::changeEvent(event);
 }
 
 void LevelBar::PaintMark(QPainter& painter, const QRectF& track, double fraction, const QString& text,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRectF>
 #include <QWidget>
 
 namespace sonavex::ui {
@@ -25,6 +26,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void PaintMark(QPainter& painter, const QRectF& track, double fraction, const QString& text,
@@ -32,6 +35,7 @@ private:
     void PaintMarks(QPainter& painter, const QRectF& track) const;
     QRectF Track() const;
 
+    mutable QRectF track_;  // null after a change of size or font
     double fraction_ = 0.0;
     bool overload_ = false;
     bool silent_ = false;

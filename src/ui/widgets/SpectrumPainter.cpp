@@ -221,18 +221,24 @@ void SpectrumPainter::PaintGround(QPainter& painter, const QRectF& area, const S
     painter.fillRect(QRectF(high, area.top(), area.right() - high, area.height()), outside);
 }
 
+void SpectrumPainter::Prepare(Painted& painted, const std::shared_ptr<const SpectrumTrace>& trace,
+                              PlotRange decades, std::size_t width) {
+    if (painted.trace == trace && painted.decades == decades && painted.columns.size() == width) return;
+    painted = {trace, decades, {}};
+    if (trace) painted.columns = TraceColumns(*trace, decades, width);
+}
+
 void SpectrumPainter::PaintTraces(QPainter& painter, const QRectF& area, const SpectrumPlot& plot) {
     const PixelArea pixels(painter, area);
-    const auto columnsOf = [&](const auto& trace) {
-        return trace ? TraceColumns(*trace, plot.View().decades, pixels.Width()) : std::vector<TraceColumn>();
-    };
-    kept_ = columnsOf(plot.Kept());
-    live_ = columnsOf(plot.Shown().live);
+    Prepare(kept_, plot.Kept(), plot.View().decades, pixels.Width());
+    Prepare(live_, plot.Shown().live, plot.View().decades, pixels.Width());
     const Theme& theme = Theme::Current();
     const PlotRange levels = LevelsInDbfs(plot);
     image_.Begin(pixels.Width(), pixels.Height());
-    DrawTrace(image_, kept_, levels, {PixelColour(theme.second), kKeptWidth * pixels.scale, kKeptTint});
-    DrawTrace(image_, live_, levels, {PixelColour(theme.accent), kLiveWidth * pixels.scale, kLiveTint});
+    DrawTrace(image_, kept_.columns, levels,
+              {PixelColour(theme.second), kKeptWidth * pixels.scale, kKeptTint});
+    DrawTrace(image_, live_.columns, levels,
+              {PixelColour(theme.accent), kLiveWidth * pixels.scale, kLiveTint});
     DrawPixels(painter, pixels, image_);
 }
 
@@ -244,7 +250,7 @@ void SpectrumPainter::PaintHarmonics(QPainter& painter, const QRectF& area, cons
     for (const SpectrumMarker& marker : plot.Shown().markers)
         marks.push_back({marker.order, marker.hertz, plot.Plotted(marker.levelDbfs)});
     const PlotSize size{area.width(), area.height(), metrics.horizontalAdvance('0'), metrics.height()};
-    const auto curve = HighestCurve(live_, kept_, LevelsInDbfs(plot), area.height());
+    const auto curve = HighestCurve(live_.columns, kept_.columns, LevelsInDbfs(plot), area.height());
     const auto bound = [&](int order) {
         const auto& all = plot.Shown().markers;
         return std::find_if(all.begin(), all.end(), [&](const auto& m) { return m.order == order; })->bound;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QMargins>
+#include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "core/plot/SpectrumPlot.h"
@@ -31,9 +33,18 @@ private:
     void PaintHarmonics(QPainter& painter, const QRectF& area, const SpectrumPlot& plot,
                         const PlotFonts& fonts) const;
 
+    // The columns of a trace as painted last.
+    struct Painted {
+        std::shared_ptr<const SpectrumTrace> trace;
+        PlotRange decades;
+        std::vector<TraceColumn> columns;
+    };
+    static void Prepare(Painted& painted, const std::shared_ptr<const SpectrumTrace>& trace,
+                        PlotRange decades, std::size_t width);
+
     TraceImage image_;
-    std::vector<TraceColumn> live_;
-    std::vector<TraceColumn> kept_;
+    Painted live_;
+    Painted kept_;
 };
 
 }  // namespace sonavex::ui

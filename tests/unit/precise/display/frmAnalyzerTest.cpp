@@ -81,6 +81,17 @@ TEST_F(frmAnalyzerTest, SettlesAndThenShowsAValidReading) {
     EXPECT_EQ(form.lblRate.Caption(), std::to_string(Rate()) + " Hz");
 }
 
+// Start, the burst that measures the delay of the path, the change at the input, and one record.
+TEST_F(frmAnalyzerTest, TheFirstReadingTakesARecordAnd600Ms) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    const auto record = std::chrono::milliseconds(1000 * form.Analysis.Chosen().length / Rate());
+    auto passed = 0ms;
+    for (; form.Readings.lblThd.Caption() == "none" && passed < 10s; passed += 20ms) Run(20ms);
+    EXPECT_GT(passed, record);
+    EXPECT_LE(passed, record + 600ms);
+}
+
 // The noise line of the plot is where the trace of the noise runs.
 TEST_F(frmAnalyzerTest, TheNoiseLineIsAtTheMeanOfTheTrace) {
     form.Show();
