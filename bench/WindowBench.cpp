@@ -5,12 +5,11 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
-#include <QEvent>
 #include <array>
-#include <ctime>
 #include <functional>
 #include <string>
 
+#include "WindowTimes.h"
 #include "support/FormRig.h"
 #include "ui/MainWindow.h"
 #include "ui/ProgramStyle.h"
@@ -18,25 +17,6 @@
 namespace {
 
 using namespace sonavex;
-
-double ThreadSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-// Counts painted widgets.
-class PaintCounter : public QObject {
-public:
-    PaintCounter() { QApplication::instance()->installEventFilter(this); }
-    int Count = 0;
-
-protected:
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-        if (event->type() == QEvent::Paint) ++Count;
-        return false;
-    }
-};
 
 // The window of a locked instrument that plays a sine through a slightly distorting card.
 class WindowOnDisplay {
@@ -49,12 +29,9 @@ public:
         rig.card.Card().SetDeviceUnderTest(model);
         rig.form.GeneratorPanel.Controls.Command1.Press();
         window.ShowPlaced();
-        Deliver();
+        DeliverEvents();
         rig.Step(60);
-        Deliver();
-    }
-    void Deliver() {
-        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+        DeliverEvents();
     }
 
     FormRig rig;
@@ -68,7 +45,7 @@ void MeasureWindow(benchmark::State& state, const std::function<void(WindowOnDis
     for (auto _ : state) {
         change(display);
         const double begin = ThreadSeconds();
-        display.Deliver();
+        DeliverEvents();
         state.SetIterationTime(ThreadSeconds() - begin);
     }
     state.counters["painted"] =

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """ratios.py FOLDER: what the benchmarks in FOLDER measured, against their targets.
 
-Reads block.json, sse2.json, window.json (Google Benchmark, with repetitions) and *.start; prints tables and
-writes summary.json there. Exit status 1 when a target was missed.
+Reads block.json, sse2.json, window100.json, window200.json (Google Benchmark, with repetitions) and *.start; prints
+tables and writes summary.json there. Exit status 1 when a target was missed.
 """
 
 import json
@@ -14,7 +14,12 @@ RATIO_TARGETS = {"BM_Block/0": 3.0, "BM_Block/1": 3.3, "BM_Block/9": 6.0}
 SSE2_ALLOWANCE = 3.0
 # A reading of 65536 points by the number of lines, in real transforms of that length with an estimated plan.
 ANALYZER_TARGETS = {"BM_AnalyzeTone65536/10": 40.0, "BM_AnalyzeTone65536/20": 70.0}
-METER_UPDATE_US = 1000.0
+# Readings of 65536 points at 48 kHz follow each other after a quarter of a record. Shares of a core in percent: live
+# with 20 lines; a recording, 50 times as fast as it lasts.
+READING_INTERVAL_US = 65536 / 4 / 48000 * 1e6
+SHARE_TARGETS = {"BM_AnalyzeTone65536/20": 4.0, "BM_AnalyzeTone65536/10": 2.0}
+# By scale in percent.
+WINDOW_TARGETS_US = {100: {"BM_SpectrumZoom": 4000.0}, 200: {"BM_SpectrumZoom": 8000.0, "BM_MeterUpdate": 1000.0}}
 # Columns and pixels of the spectrum plot, by scale: half the time of a repaint.
 IMAGE_TARGETS_US = {"BM_SpectrumImage65536/100": 2000.0, "BM_SpectrumImage65536/200": 4000.0}
 START_MS = 300.0
@@ -30,7 +35,8 @@ def medians(file):
             continue
         manual = entry["run_name"].endswith("/manual_time")
         time = entry["real_time" if manual else "cpu_time"]
-        result[entry["run_name"].removesuffix("/manual_time")] = time * MICROSECONDS[entry["time_unit"]]
+        name = entry["run_name"].removesuffix("/manual_time").split("/iterations:")[0]
+        result[name] = time * MICROSECONDS[entry["time_unit"]]
     # The benchmarks ran in shuffled order.
     return dict(sorted(result.items()))
 
@@ -57,6 +63,11 @@ def analyzer_rows(times):
     floor = times["BM_RealFft65536"]
     return [rated(name, times[name] / floor, "x", target) | {"us": round(times[name], 2)}
             for name, target in ANALYZER_TARGETS.items()]
+
+
+def share_rows(times):
+    return [rated(name, 100 * times[name] / READING_INTERVAL_US, "%", target)
+            for name, target in SHARE_TARGETS.items()]
 
 
 def time_rows(times, targets):
@@ -88,9 +99,11 @@ def main(folder):
         "block": ratio_rows(block, 1.0),
         "blockSse2": ratio_rows(sse2, SSE2_ALLOWANCE),
         "analyzer": analyzer_rows(block),
+        "shares": share_rows(block),
         "parts": time_rows({n: t for n, t in block.items() if not n.startswith(("BM_Block", "BM_Analyze"))},
                            IMAGE_TARGETS_US),
-        "window": time_rows(medians(folder / "window.json"), {"BM_MeterUpdate": METER_UPDATE_US}),
+        **{f"window{scale}": time_rows(medians(folder / f"window{scale}.json"), targets)
+           for scale, targets in WINDOW_TARGETS_US.items()},
         "start": start_rows(folder),
     }
     titles = {
@@ -98,7 +111,9 @@ def main(folder):
         "blockSse2": f"The same with SSE2 kernels / (2 x BM_Fft4096 = {2 * sse2['BM_Fft4096']:.2f} us)",
         "analyzer": f"Precise reading / (BM_RealFft65536 = {block['BM_RealFft65536']:.2f} us)",
         "parts": "Parts",
-        "window": "Window at 200 % scale: captions, layout and painting",
+        "shares": "Share of a core that readings of 65536 points take at 48 kHz, with 20 and with 10 lines",
+        **{f"window{scale}": f"Windows at {scale} % scale: captions, layout and painting"
+           for scale in WINDOW_TARGETS_US},
         "start": "Start of the process to the first captured block, simulated card, 48000 Hz",
     }
     print(f"Medians. Load at the beginning: {context['load_avg']}")

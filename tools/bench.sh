@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs all benchmarks: the block path against the bare transform (also with SSE2 only), rings, texts, the window at
-# 200 % scale, and the start of the programs. Prints tables with the targets and writes build/bench/summary.json and
+# Runs all benchmarks: the block path against the bare transform (also with SSE2 only), rings, texts, the windows at
+# 100 % and 200 % scale, and the start of the programs. Prints tables with the targets and writes build/bench/summary.json and
 # one file for each benchmark. Use an idle machine.
 # Argument: repetitions, 9 by default. Exit status 1 when a target was missed.
 set -euo pipefail
@@ -49,7 +49,9 @@ measure block "$bin/sonavex-bench"
 # sonavex-bench-sse2 has vector loops for SSE2 only; this limits the vector functions of the C library as well.
 GLIBC_TUNABLES=glibc.cpu.hwcaps=-SSE4_1,-SSE4_2,-AVX,-AVX2,-FMA,-AVX512F \
     measure sse2 "$bin/sonavex-bench-sse2" --benchmark_filter='BM_(Fft4096|Block)'
-measure window "$bin/sonavex-window-bench"
+for scale in 100 200; do
+    QT_SCALE_FACTOR="$((scale / 100))" measure "window$scale" "$bin/sonavex-window-bench"
+done
 start sonavex "$bin/sonavex"
 start sonavex-measure "$bin/sonavex-measure" run --rate 48000 --tone sine:1000
 python3 "$root/bench/ratios.py" "$out"
