@@ -7,6 +7,16 @@
 #include <cstdlib>
 
 namespace sonavex {
+namespace {
+
+// The folder that an environment variable names. Empty for a relative path, too.
+std::filesystem::path FolderIn(const char* variable) {
+    const char* const value = std::getenv(variable);
+    const std::filesystem::path folder = value != nullptr ? value : "";
+    return folder.is_absolute() ? folder : std::filesystem::path();
+}
+
+}  // namespace
 
 std::error_code CreatePrivateFolder(const std::filesystem::path& folder) {
     std::error_code error;
@@ -29,9 +39,15 @@ bool BelongsToTheUser(const std::filesystem::path& folder) noexcept {
 }
 
 std::filesystem::path RuntimeFolder() {
-    const char* const value = std::getenv("XDG_RUNTIME_DIR");
-    const std::filesystem::path folder = value != nullptr ? value : "";
-    return folder.is_absolute() && BelongsToTheUser(folder) ? folder : std::filesystem::path();
+    const std::filesystem::path folder = FolderIn("XDG_RUNTIME_DIR");
+    return BelongsToTheUser(folder) ? folder : std::filesystem::path();
+}
+
+std::filesystem::path DataFolder() {
+    std::filesystem::path folder = FolderIn("XDG_DATA_HOME");
+    if (!folder.empty()) return folder;
+    const std::filesystem::path home = FolderIn("HOME");
+    return home.empty() ? home : home / ".local" / "share";
 }
 
 void KeepFilesFromEverybody() noexcept {

@@ -16,6 +16,10 @@ bool BelongsToTheUser(const std::filesystem::path& folder) noexcept;
 // or when other users can write to it.
 std::filesystem::path RuntimeFolder();
 
+// The folder for the data of the user's programs: XDG_DATA_HOME, or .local/share in the user's folder. Empty
+// when neither is known.
+std::filesystem::path DataFolder();
+
 // Changes the umask so that new files of this process, and of the programs that it starts, are never writable
 // by everyone.
 void KeepFilesFromEverybody() noexcept;
