@@ -10,7 +10,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::int32_t kCaptureBytes = 32768;
+constexpr std::int32_t kTestedRingBytes = 32768;
 constexpr std::int32_t kSegmentFrames = 2048;
 
 // Counts how often it is raised. `accept` is the result of Raise.
@@ -55,7 +55,7 @@ protected:
     }
 
     std::vector<std::shared_ptr<CountingSignal>> signals_;
-    CaptureRing ring_{kCaptureBytes};
+    CaptureRing ring_{kTestedRingBytes};
 };
 
 using Counts = std::vector<int>;
@@ -159,7 +159,7 @@ TEST_F(CaptureRingTest, PositionsAreForAStoppedRing) {
 }
 
 TEST_F(CaptureRingTest, RefusesPositionsOutsideAndWithoutBell) {
-    for (const std::int32_t offset : {-1, kCaptureBytes, kCaptureBytes + 1})
+    for (const std::int32_t offset : {-1, kTestedRingBytes, kTestedRingBytes + 1})
         EXPECT_EQ(ErrorOf([&] {
                       return ring_.SetPositions({{offset, signals_[0]}}), 0;
                   }),
@@ -173,7 +173,7 @@ TEST_F(CaptureRingTest, RefusesPositionsOutsideAndWithoutBell) {
 
 TEST_F(CaptureRingTest, RefusesBadReads) {
     std::vector<std::int16_t> samples(4);
-    for (const std::int32_t offset : {-4, 2, kCaptureBytes - kFrameBytes, kCaptureBytes})
+    for (const std::int32_t offset : {-4, 2, kTestedRingBytes - kFrameBytes, kTestedRingBytes})
         EXPECT_EQ(ErrorOf([&] { return ring_.Read(offset, samples), 0; }), error_number::kInvalidCall)
             << offset;
     EXPECT_EQ(ErrorOf([&] { return ring_.Read(0, std::span(samples).first(1)), 0; }),
