@@ -15,8 +15,8 @@ public:
     using Task = std::function<Result()>;
 
     // Tasks of one line replace each other.
-    enum class Line { kStimulus, kAnalysis, kRecording };
-    static constexpr std::size_t kLines = 3;
+    enum class Line { kStimulus, kAnalysis, kRecording, kHistory, kHistorySync };
+    static constexpr std::size_t kLines = 5;
 
     // Destruction discards waiting tasks and undelivered results.
     virtual ~Background() = default;
