@@ -8,6 +8,7 @@
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
 #include "app/measure/SavedReadings.h"
+#include "app/measure/StoredReadings.h"
 #include "core/precise/RecordingAnalysis.h"
 #include "core/precise/results/AnalyzedReading.h"
 #include "core/precise/results/ExportedMeasurement.h"
@@ -66,6 +67,7 @@ int AnalyzeFile(const AnalyzeOptions& options) {
     reading.rules = JudgeReading(reading.values.reading, reference, idle);
     WriteFiles(options, analysis, *plan, reading);
     Print(options.json ? AnalyzedJson(reading) + '\n' : AnalyzedTable(reading));
+    if (options.history) StoreReading(reading, options, analysis.Spectrum(), *plan);
     return reading.values.reading.Valid() ? kMeasured : kVoid;
 }
 

@@ -9,6 +9,7 @@
 #include "app/measure/MeasureError.h"
 #include "app/measure/Readings.h"
 #include "app/measure/SavedReadings.h"
+#include "app/measure/StoredReadings.h"
 #include "core/precise/results/ExportedMeasurement.h"
 #include "platform/sndfile/SndfileFiles.h"
 
@@ -44,6 +45,7 @@ public:
         ClearProgress();
         if (!options_.json) Print(AnalyzedTable(last_));
         if (Valid()) WriteFiles();
+        if (options_.history) StoreReading(last_, options_, meter_.Spectrum(), meter_.Plan());
         return Valid() ? kMeasured : kVoid;
     }
 

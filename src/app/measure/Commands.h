@@ -12,6 +12,7 @@ int MeasureFile(const FileOptions& options);
 int AnalyzeFile(const AnalyzeOptions& options);
 int AnalyzeLive(const AnalyzeOptions& options);
 int SelfTest(bool json);
+int ListHistory(const HistoryOptions& options);
 
 // The fixed fundamental in Hz; nothing if automatic. Throws MeasureError if it is not a number from 1 to half
 // the sampling rate, or to 24000 at lower rates.

@@ -95,7 +95,7 @@ void LiveAnalysis::WaitForPlayback() {
 void LiveAnalysis::Begin() {
     begin_ = sound_.Loop().Now();
     PreciseSettings settings = SettingsOf(options_, sound_.Parts().Shared.SampleRate);
-    settings.spectrum = !options_.spectrum.empty();
+    settings.spectrum = !options_.spectrum.empty() || options_.history;
     measurement_.Start(settings, stimulus_);
 }
 

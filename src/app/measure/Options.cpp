@@ -223,6 +223,7 @@ void AddAnalyzedFiles(CLI::App& command, AnalyzeOptions& options) {
     addOutput("--save-reference", options.savedReference, "Save the reading as JSON");
     addOutput("--residual", options.residual, "Write what the fit leaves of the last record as float WAV");
     addOutput("--spectrum", options.spectrum, "Write the spectrum as CSV");
+    command.add_flag("--history", options.history, "Store the reading in the history");
 }
 
 StimulusSide SideOf(const std::string& text) {
@@ -308,6 +309,15 @@ void AddAnalyze(CLI::App& command, AnalyzeOptions& options) {
     command.add_flag("--json", options.json, "One JSON object for each reading; a recording has one");
 }
 
+void AddHistory(CLI::App& command, HistoryOptions& options) {
+    command.add_option("--search", options.search, "Only entries that contain all these words")
+        ->type_name("TEXT");
+    command.add_flag("--valid", options.validOnly, "Only valid readings and complete runs");
+    AddValue(command, "--csv", "FILE", "Write the entries with every value as CSV",
+             [&](const std::string& text) { options.csv = OutputFileOf("--csv", text); });
+    command.add_flag("--json", options.json, "One JSON object for each entry");
+}
+
 }  // namespace
 
 Options ParseOptions(int argc, const char* const* argv) {
@@ -327,6 +337,8 @@ Options ParseOptions(int argc, const char* const* argv) {
     auto* selfTest =
         app.add_subcommand("selftest", "Prove the precise measurement on this computer, in memory");
     selfTest->add_flag("--json", options.selfTestJson, "As JSON");
+    auto* history = app.add_subcommand("history", "List stored readings and runs, newest first");
+    AddHistory(*history, options.history);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& success) {
@@ -343,9 +355,10 @@ Options ParseOptions(int argc, const char* const* argv) {
     if (file->parsed()) options.command = Options::Command::kFile;
     if (analyze->parsed()) options.command = Options::Command::kAnalyze;
     if (selfTest->parsed()) options.command = Options::Command::kSelfTest;
+    if (history->parsed()) options.command = Options::Command::kHistory;
     if (options.command == Options::Command::kNone)
-        throw MeasureError(std::string("A command is needed: devices, run, file, analyze or selftest") +
-                           kSeeHelp);
+        throw MeasureError(
+            std::string("A command is needed: devices, run, file, analyze, selftest or history") + kSeeHelp);
     return options;
 }
 

@@ -65,16 +65,33 @@ struct AnalyzeOptions {
     std::string savedReference;
     std::string residual;
     std::string spectrum;
+    bool history = false;  // store the reading
+    bool json = false;
+};
+
+struct HistoryOptions {
+    std::string search;  // words; empty: everything
+    bool validOnly = false;
+    std::string csv;  // file; empty: none
     bool json = false;
 };
 
 struct Options {
-    enum class Command { kDevices, kRun, kFile, kAnalyze, kSelfTest, kNone } command = Command::kNone;
+    enum class Command {
+        kDevices,
+        kRun,
+        kFile,
+        kAnalyze,
+        kSelfTest,
+        kHistory,
+        kNone
+    } command = Command::kNone;
     bool devicesJson = false;
     bool selfTestJson = false;
     RunOptions run;
     FileOptions file;
     AnalyzeOptions analyze;
+    HistoryOptions history;
     // Text to print for --help or --version; nothing else must then be done.
     std::string answer;
 };

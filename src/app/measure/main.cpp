@@ -31,6 +31,8 @@ int Execute(const measure::Options& options) {
                                                  : measure::AnalyzeFile(options.analyze);
         case measure::Options::Command::kSelfTest:
             return measure::SelfTest(options.selfTestJson);
+        case measure::Options::Command::kHistory:
+            return measure::ListHistory(options.history);
         case measure::Options::Command::kNone:
             break;
     }

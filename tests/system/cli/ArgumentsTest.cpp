@@ -24,12 +24,14 @@ TEST_P(RefusedArguments, GetOneLineOfTheirOwn) {
 }
 
 const Refused kCommands[]{
-    {{}, "A command is needed: devices, run, file, analyze or selftest"},
+    {{}, "A command is needed: devices, run, file, analyze, selftest or history"},
     {{"bogus"}, "not expected: bogus"},
     {{"--bogus"}, "not expected: --bogus"},
     {{"--json", "devices"}, "not expected: --json"},
     {{"devices", "extra"}, "not expected: extra"},
     {{"selftest", "extra"}, "not expected: extra"},
+    {{"history", "extra"}, "not expected: extra"},
+    {{"history", "--csv", "-"}, "--csv takes the name of a file, not '-'"},
     {{"run", "extra"}, "not expected: extra"},
     {{"run", "--bogus"}, "not expected: --bogus"},
     {{"run", "--low-edge", "25"}, "--low-edge"},

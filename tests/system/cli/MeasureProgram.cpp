@@ -34,6 +34,7 @@ Environment PrivateEnvironment(const std::filesystem::path& folder, const Enviro
     const Environment defaults{{"HOME", folder.string()},
                                {"XDG_RUNTIME_DIR", folder.string()},
                                {"XDG_CONFIG_HOME", folder.string()},
+                               {"XDG_DATA_HOME", folder.string()},
                                {"ALSA_CONFIG_PATH", "/dev/null"},
                                {"PULSE_RUNTIME_PATH", folder.string()},
                                {"PULSE_COOKIE", (folder / "cookie").string()},
