@@ -22,6 +22,8 @@ SHARE_TARGETS = {"BM_AnalyzeTone65536/20": 4.0, "BM_AnalyzeTone65536/10": 2.0}
 WINDOW_TARGETS_US = {100: {"BM_SpectrumZoom": 4000.0}, 200: {"BM_SpectrumZoom": 8000.0, "BM_MeterUpdate": 1000.0}}
 # Columns and pixels of the spectrum plot, by scale: half the time of a repaint.
 IMAGE_TARGETS_US = {"BM_SpectrumImage65536/100": 2000.0, "BM_SpectrumImage65536/200": 4000.0}
+# Ten thousand readings with curves; the files come from the disk cache in addition.
+HISTORY_TARGETS_US = {"BM_OpenHistory10000": 1e6}
 START_MS = 300.0
 
 MICROSECONDS = {"ns": 1e-3, "us": 1.0, "ms": 1e3}
@@ -101,7 +103,7 @@ def main(folder):
         "analyzer": analyzer_rows(block),
         "shares": share_rows(block),
         "parts": time_rows({n: t for n, t in block.items() if not n.startswith(("BM_Block", "BM_Analyze"))},
-                           IMAGE_TARGETS_US),
+                           IMAGE_TARGETS_US | HISTORY_TARGETS_US),
         **{f"window{scale}": time_rows(medians(folder / f"window{scale}.json"), targets)
            for scale, targets in WINDOW_TARGETS_US.items()},
         "start": start_rows(folder),
