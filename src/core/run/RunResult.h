@@ -1,0 +1,20 @@
+#pragma once
+
+#include "core/analyzer/Reading.h"
+#include "core/run/RunPlan.h"
+#include "core/run/Settling.h"
+
+namespace sonavex {
+
+// What was measured at a point of a run.
+struct RunPointResult {
+    RunPoint point;
+    Reading reading;   // the average of two settled records; without values in a void point
+    Value gainDb;      // level of the fundamental less that of the stimulus
+    PointFault fault;  // of a void point; its code is empty in a valid one
+    int attempts = 1;
+    bool afterLoss = false;  // a device was lost and has returned since the run began
+    bool Valid() const noexcept { return fault.code.empty(); }
+};
+
+}  // namespace sonavex
