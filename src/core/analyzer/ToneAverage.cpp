@@ -31,7 +31,8 @@ void MixValues(ToneMeasurement& mean, const ToneMeasurement& next, double weight
     MixValue(mean.dc, next.dc, weight);
     MixValue(mean.frequencySigmaHz, next.frequencySigmaHz, weight);
     MixValue(mean.excessKurtosis, next.excessKurtosis, weight);
-    for (std::size_t i = 0; i < next.harmonics.size(); ++i) {
+    mean.harmonics.resize(std::min(mean.harmonics.size(), next.harmonics.size()));
+    for (std::size_t i = 0; i < mean.harmonics.size(); ++i) {
         std::complex<double>& ratio = mean.harmonics[i].ratio;
         ratio += weight * (next.harmonics[i].ratio - ratio);
     }
@@ -124,6 +125,16 @@ bool ToneAverage::Continues(const ToneMeasurement& next) const {
     const bool otherFrequency =
         change > kFrequencySigmas * sigma && change > kFrequencyChange * mean_->frequencyHz;
     return !otherFrequency && std::abs(Decibels(next.amplitude / mean_->amplitude)) <= kLevelChangeDb;
+}
+
+ToneMeasurement MeanOfSeparate(const ToneMeasurement& one, const ToneMeasurement& other) {
+    ToneMeasurement mean = one;
+    MixValues(mean, other, 0.5);
+    for (std::size_t j = 0; j < mean.residualPower.size(); ++j)
+        MixValue(mean.residualPower[j], other.residualPower[j], 0.5);
+    mean.blocks = 2;
+    mean.amplitudeRecords = mean.frequencyRecords = mean.powerRecords = 2.0;
+    return mean;
 }
 
 }  // namespace sonavex

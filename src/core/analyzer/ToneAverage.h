@@ -49,4 +49,7 @@ private:
     std::optional<ToneMeasurement> mean_;
 };
 
+// The average of two valid records that do not overlap, whatever their level and frequency.
+ToneMeasurement MeanOfSeparate(const ToneMeasurement& one, const ToneMeasurement& other);
+
 }  // namespace sonavex

@@ -127,5 +127,19 @@ TEST(ToneAverage, StartsOverAfterAVoidRecordAndOnRequest) {
     EXPECT_EQ(average.Add(first).blocks, 1U);
 }
 
+// A ToneAverage would start over with the second record.
+TEST(ToneAverage, SeparateRecordsOfAnyLevelHaveAMean) {
+    const ToneMeasurement one = Measured(TwoSecondsOfTone(997.3, 0.5), 0);
+    const ToneMeasurement other = Measured(TwoSecondsOfTone(998.3, 0.4), 4);
+    const ToneMeasurement mean = MeanOfSeparate(one, other);
+    EXPECT_NEAR(mean.amplitude, 0.45, 1e-9);
+    EXPECT_NEAR(mean.frequencyHz, 997.8, 1e-6);
+    EXPECT_EQ(mean.blocks, 2U);
+    EXPECT_EQ(mean.amplitudeRecords, 2.0);
+    EXPECT_EQ(mean.powerRecords, 2.0);
+    EXPECT_NEAR(std::abs(mean.harmonics[0].ratio), 1e-3, 1e-9);
+    EXPECT_EQ(mean.residualPower[500], 0.5 * (one.residualPower[500] + other.residualPower[500]));
+}
+
 }  // namespace
 }  // namespace sonavex
