@@ -69,7 +69,7 @@ void PreciseMeter::Start(const PreciseSettings& settings) {
         plan_ = std::make_shared<const RecordPlan>(length, settings.rateHz);
     }
     settings_ = settings;
-    records_.emplace(length);
+    records_.emplace(length, settings.shift);
     search_.reset();
     BeginAgain(0);
     awaitingFirstBlock_ = true;
@@ -140,7 +140,7 @@ void PreciseMeter::Submit() {
                               record.samples = samples;
                               auto result = std::make_shared<Result>();
                               result->analysis = AnalyzeRecord(*plan, settings, record);
-                              result->reading = average->Add(result->analysis);
+                              result->reading = average->Add(result->analysis, settings.shift);
                               result->spectrum = average->Spectrum();
                               return [this, alive, average, result] {
                                   if (!alive.expired()) Receive(*result, average);

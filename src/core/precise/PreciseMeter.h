@@ -27,8 +27,8 @@ enum class PreciseState {
 };
 
 // The live precise measurement: collects records from the fine capture of the engine, measures them in the
-// background, averages, and reports readings. A new reading follows after each quarter of a record; readings
-// that the background cannot keep up with are skipped.
+// background, averages, and reports readings. A new reading follows after each quarter of a record, or after
+// the shift of the settings; readings that the background cannot keep up with are skipped.
 class PreciseMeter {
 public:
     // All must outlive this object.
@@ -74,6 +74,8 @@ public:
     // record of an overload.
     const std::vector<double>& Samples() const noexcept { return newest_.samples; }
     const std::vector<double>& Residual() const noexcept { return newest_.residual; }
+    // What it contains alone; without values when Samples are empty.
+    const RecordAnalysis& Newest() const noexcept { return newest_; }
     // Of the records of the last reading; empty when Samples are and when the settings do not ask for it.
     const MeanSpectrum& Spectrum() const noexcept { return spectrum_; }
     // A void reading that says how far the present record is.

@@ -30,6 +30,7 @@ struct PreciseSettings {
     std::vector<double> tonesHz;  // of the modes pair and multitone
     PairSearch pairSearch = PairSearch::kGiven;
     std::size_t averages = 1;  // newest records that count; 0: all since the start or the last change
+    std::size_t shift = 0;     // samples from the start of a record to that of the next; 0: a quarter
     bool spectrum = false;     // whether the spectra of these records are averaged, too
 };
 
@@ -56,12 +57,12 @@ public:
 
     // The reading that includes this record. Takes time in proportion to the length and to the number of
     // averaged records.
-    LinesReading Add(const RecordAnalysis& analysis) {
-        Include(analysis);
+    // shift: samples from the start of the record before to the start of this one; 0: a quarter of a record.
+    LinesReading Add(const RecordAnalysis& analysis, std::size_t shift = 0) {
+        Include(analysis, shift);
         return Values();
     }
-    // The same in two steps: a reading takes time that an intermediate one does not need. shift: samples from
-    // the start of the record before to the start of this one; 0: a quarter of a record.
+    // The same in two steps: a reading takes time that an intermediate one does not need.
     void Include(const RecordAnalysis& analysis, std::size_t shift = 0);
     // Only after Include.
     LinesReading Values() const;

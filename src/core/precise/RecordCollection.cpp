@@ -8,7 +8,8 @@ std::string FramesSentence(std::uint64_t frames, const char* fate) {
     return std::to_string(frames) + (frames == 1 ? " frame " : " frames ") + fate;
 }
 
-RecordCollection::RecordCollection(std::size_t length) : length_(length) {
+RecordCollection::RecordCollection(std::size_t length, std::size_t shift)
+    : length_(length), shift_(shift != 0 ? shift : length / 4) {
     for (std::vector<double>& channel : ring_) channel.resize(length);
 }
 

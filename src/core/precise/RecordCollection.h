@@ -16,8 +16,8 @@ class RecordCollection {
 public:
     using Channels = std::array<std::vector<double>, 2>;  // left, right; full scale 1
 
-    // length: frames of a record, a multiple of 4.
-    explicit RecordCollection(std::size_t length);
+    // length: frames of a record, a multiple of 4. shift: frames that are new in the next one; 0: a quarter.
+    explicit RecordCollection(std::size_t length, std::size_t shift = 0);
 
     // Starts over with this captured frame, or with the next one if it has passed. The cause is empty after a
     // change that was asked for.
@@ -36,8 +36,8 @@ public:
     // How often it started over.
     std::uint64_t Restarts() const noexcept { return restarts_; }
 
-    // Whether a record is complete of which a quarter is newer than the last one taken.
-    bool Due() const noexcept { return collected_ == length_ && fresh_ >= length_ / 4; }
+    // Whether a record is complete of which so much is newer than the last one taken.
+    bool Due() const noexcept { return collected_ == length_ && fresh_ >= shift_; }
     // The newest record; only when Collected() is Length().
     Channels Take();
 
@@ -46,6 +46,7 @@ private:
     void Append(std::span<const std::int32_t> samples);
 
     std::size_t length_;
+    std::size_t shift_;
     Channels ring_;
     std::size_t next_ = 0;  // place in the ring
     std::size_t collected_ = 0;

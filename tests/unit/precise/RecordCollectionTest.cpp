@@ -107,5 +107,17 @@ TEST(RecordCollectionTest, ALossDoesNotBringTheBeginForward) {
     EXPECT_EQ(records.Collected(), 5U);
 }
 
+TEST(RecordCollectionTest, RecordsShiftedByTheirLengthDoNotOverlap) {
+    RecordCollection records(16, 16);
+    AddNumbered(records, 0, 16);
+    ASSERT_TRUE(records.Due());
+    ExpectRecordFrom(records.Take(), 16, 0);
+    AddNumbered(records, 16, 15);
+    EXPECT_FALSE(records.Due());
+    AddNumbered(records, 31, 3);
+    ASSERT_TRUE(records.Due());
+    ExpectRecordFrom(records.Take(), 16, 18);
+}
+
 }  // namespace
 }  // namespace sonavex
