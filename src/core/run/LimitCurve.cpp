@@ -15,6 +15,9 @@ namespace {
 // A point at the end of a table must not miss it by a rounding error.
 constexpr double kRelativeRounding = 1e-9;
 constexpr std::size_t kMostRows = 100000;
+// Ratios of such frequencies are far from the limits of a double.
+constexpr double kLowestRowHz = 1e-3;
+constexpr double kHighestRowHz = 1e9;
 
 std::vector<std::string_view> SplitAt(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
@@ -90,8 +93,9 @@ private:
 LimitCurve::LimitCurve(std::vector<LimitRow> rows) : rows_(std::move(rows)) {
     if (rows_.size() < 2) throw RunError("A limit table needs at least two rows.");
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-        if (!(rows_[i].hertz > 0.0) || !std::isfinite(rows_[i].hertz) || !std::isfinite(rows_[i].decibels))
-            throw RunError("A limit table needs frequencies above 0 Hz and finite values.");
+        if (!(rows_[i].hertz >= kLowestRowHz && rows_[i].hertz <= kHighestRowHz) ||
+            !std::isfinite(rows_[i].decibels))
+            throw RunError("A limit table needs frequencies of 0.001 to 1000000000 Hz and finite values.");
         if (i > 0 && rows_[i].hertz <= rows_[i - 1].hertz)
             throw RunError("The limit table is not sorted: " + WithDigits(rows_[i].hertz, 9) +
                            " Hz follows " + WithDigits(rows_[i - 1].hertz, 9) + " Hz.");
@@ -108,9 +112,10 @@ double LimitCurve::At(double hertz) const {
     const auto above =
         std::find_if(rows_.begin(), rows_.end(), [hertz](const LimitRow& row) { return row.hertz >= hertz; });
     if (above == rows_.end()) return rows_.back().decibels;
+    if (above->hertz == hertz) return above->decibels;
     const LimitRow& below = *(above - 1);
     const double part = std::log(hertz / below.hertz) / std::log(above->hertz / below.hertz);
-    return below.decibels + part * (above->decibels - below.decibels);
+    return std::lerp(below.decibels, above->decibels, part);
 }
 
 LimitTable ParseLimitTable(std::string_view text) {

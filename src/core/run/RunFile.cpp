@@ -19,6 +19,14 @@ constexpr std::size_t kShownName = 40;
     throw RunError("The run file: " + fault + ".");
 }
 
+// On one line, and never a part of a character.
+std::string ShownName(const std::string& name) {
+    std::string shown = name.substr(0, kShownName);
+    for (char& c : shown)
+        if (c < ' ' || c > '~') c = '?';
+    return shown;
+}
+
 // The members of an object, each of which must be asked for.
 class RunFields {
 public:
@@ -33,8 +41,7 @@ public:
     }
     void RequireNoOthers() const {
         for (const auto& [name, value] : object_.items())
-            if (!known_.contains(name))
-                RefuseRunFile("'" + name.substr(0, kShownName) + "' is not known in " + name_);
+            if (!known_.contains(name)) RefuseRunFile("'" + ShownName(name) + "' is not known in " + name_);
     }
 
 private:

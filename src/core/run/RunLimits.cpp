@@ -140,7 +140,7 @@ void RequireCoverage(std::span<const RunLimit> limits, std::span<const RunPoint>
 const char* NameOf(RunOutcome outcome) {
     switch (outcome) {
         case RunOutcome::kUnjudged:
-            return "UNJUDGED";
+            return "COMPLETE";
         case RunOutcome::kPass:
             return "PASS";
         case RunOutcome::kFail:

@@ -51,7 +51,7 @@ enum class RunOutcome {
     kFail,
     kNotComplete,
 };
-// "UNJUDGED", "PASS", "FAIL", "NOT COMPLETE"
+// "COMPLETE", "PASS", "FAIL", "NOT COMPLETE"
 const char* NameOf(RunOutcome outcome);
 
 struct RunVerdict {

@@ -88,6 +88,8 @@ TEST(RunFile, RefusesWhatIsNoRun) {
     EXPECT_EQ(RunFileRefusal(R"({"over": "time"})"), "The run file: over is not one of frequency, level.");
     EXPECT_EQ(RunFileRefusal(R"({"over": "level", "per_octve": 3})"),
               "The run file: 'per_octve' is not known in the run.");
+    EXPECT_EQ(RunFileRefusal("{\"over\": \"level\", \"a\\n\u00e4\": 3}"),
+              "The run file: 'a\?\?\?' is not known in the run.");
     EXPECT_EQ(RunFileRefusal(std::string(5'000'000, ' ')),
               "The run file: it is longer than 4000000 characters.");
 }

@@ -81,7 +81,8 @@ TEST(LimitTable, RefusesWhatIsUnsortedOrIncomplete) {
     EXPECT_EQ(Refusal("20,-80,-70\n100,-80\n"), "Line 2 of the limit table has 2 values, not 3.");
     EXPECT_EQ(Refusal("20\n30\n"), "Line 1 of the limit table takes a frequency and one or two values.");
     EXPECT_EQ(Refusal("20,-80\nhigh,low\n"), "Line 2 of the limit table has a value that is not a number.");
-    EXPECT_EQ(Refusal("0,-80\n100,-60\n"), "A limit table needs frequencies above 0 Hz and finite values.");
+    EXPECT_EQ(Refusal("0,-80\n100,-60\n"),
+              "A limit table needs frequencies of 0.001 to 1000000000 Hz and finite values.");
 }
 
 TEST(RunLimits, ATableMustCoverAllPoints) {
