@@ -13,13 +13,13 @@ constexpr std::chrono::milliseconds kCheckInterval{20};
 constexpr const char* kGeneratorPlays = "The generator plays. Stop it before a stimulus is started.";
 constexpr const char* kNoOutput = "No output device is open.";
 
+}  // namespace
+
 SampleWord WordOf(const StimulusChoice& choice, int outputBits) {
     SampleWord word{outputBits, std::nullopt};
     if (choice.dither) word.ditherBits = choice.ditherBits.value_or(outputBits);
     return word;
 }
-
-}  // namespace
 
 StimulusPlayer::StimulusPlayer(const Needs& needs)
     : needs_(needs), self_(std::make_shared<StimulusPlayer*>(this)) {

@@ -27,6 +27,9 @@ struct StimulusChoice {
     std::size_t recordLength = 65536;
 };
 
+// The words of a choice on an output of this many bits.
+SampleWord WordOf(const StimulusChoice& choice, int outputBits);
+
 // Plays a stimulus in place of the block meter's output, at a playback volume of 0 dB. The level slider is
 // applied again when the stimulus has ended. The generator cannot start meanwhile. A restart of the engine
 // after a loss starts the stimulus again; the device dialog stops it for good.

@@ -1,0 +1,253 @@
+#include "core/run/RunMeasurement.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds kRunCheckInterval{50};
+// Beyond the records of an attempt: the devices start, the path is measured.
+constexpr std::chrono::nanoseconds kAttemptGrace = 10s;
+// A record that an interruption cut short is collected again.
+constexpr double kRecordsPerRecord = 2.0;
+// Path, ramps and settling of a point on an ordinary device.
+constexpr double kUsualPathSeconds = 0.35;
+// A void or unsteady point is repeated once.
+constexpr int kRunAttempts = 2;
+constexpr const char* kStoppedByOthers = "The stimulus was stopped.";
+
+double RecordSeconds(const RunPlan& plan, double rateHz) {
+    return static_cast<double>(RecordLengthOf(plan, rateHz)) / rateHz;
+}
+
+PreciseSettings RunSettings(const RunPlan& plan, double rateHz) {
+    PreciseSettings settings;
+    settings.rateHz = rateHz;
+    settings.length = RecordLengthOf(plan, rateHz);
+    settings.shift = settings.length;
+    settings.channel = plan.channel;
+    settings.tone.band = plan.band;
+    settings.tone.highestOrder = plan.highestOrder;
+    return settings;
+}
+
+StimulusChoice PointChoice(const RunPlan& plan, const RunPoint& point, std::size_t recordLength) {
+    StimulusChoice choice;
+    choice.stimulus = {StimulusShape::kSine, {{point.playedHz}}};
+    choice.side = plan.side;
+    choice.levelDbfs = point.levelDbfs;
+    choice.snap = plan.snap;
+    choice.dither = plan.dither;
+    choice.ditherBits = plan.ditherBits;
+    choice.recordLength = recordLength;
+    return choice;
+}
+
+bool HasWarning(const std::vector<Warning>& warnings, WarningCode code) {
+    return std::any_of(warnings.begin(), warnings.end(),
+                       [code](const Warning& warning) { return warning.code == code; });
+}
+
+}  // namespace
+
+RunMeasurement::RunMeasurement(const Needs& needs) : needs_(needs) {}
+
+RunMeasurement::~RunMeasurement() {
+    OnChanged = nullptr;
+    Cancel();
+    SetState(State::kIdle);
+}
+
+void RunMeasurement::Start(const RunPlan& plan) {
+    const double rateHz = needs_.instrument.Shared.SampleRate;
+    std::vector<RunPoint> points = PointsOf(plan, rateHz);
+    CheckSound(plan, points);
+    plan_ = plan;
+    settings_ = RunSettings(plan, rateHz);
+    points_ = std::move(points);
+    results_.clear();
+    trouble_.clear();
+    attempt_ = 1;
+    afterLoss_ = false;
+    measured_ = 0ns;
+    captureStarts_ = needs_.instrument.Engine.CaptureStarts;
+    waiting_ = !DevicesRun();
+    if (!waiting_) BeginAttempt();
+    formerOnReading_ = std::exchange(needs_.measurement.Meter.OnReading,
+                                     [this](const LinesReading& values) { Take(values); });
+    SetState(State::kMeasuring);
+}
+
+// Every level that the run plays, before anything is heard.
+void RunMeasurement::CheckSound(const RunPlan& plan, const std::vector<RunPoint>& points) const {
+    const int bits = needs_.instrument.Engine.OutputBits();
+    if (bits == 0) throw StimulusError("No output device is open.");
+    const SampleWord word = WordOf(PointChoice(plan, points.front(), 0), bits);
+    CheckDither(word);
+    for (const RunPoint& point : points) CheckLevel(StimulusShape::kSine, word, point.levelDbfs);
+}
+
+void RunMeasurement::Cancel() {
+    if (state_ == State::kMeasuring || state_ == State::kPaused) End("");
+}
+
+void RunMeasurement::End(const std::string& trouble) {
+    trouble_ = trouble;
+    needs_.measurement.Stop();
+    SetState(State::kEnding);
+}
+
+void RunMeasurement::BeginAttempt() {
+    needs_.measurement.Start(settings_, PointChoice(plan_, points_[results_.size()], settings_.length));
+    waiting_ = false;
+    BeginRecords();
+}
+
+void RunMeasurement::BeginRecords() {
+    settling_ = Settling(plan_.settling);
+    previous_.reset();
+    begin_ = needs_.loop.Now();
+}
+
+// Without devices the point begins when they run again.
+void RunMeasurement::MeasurePoint() {
+    if (results_.size() == points_.size()) return End("");
+    waiting_ = !DevicesRun();
+    if (waiting_) return;
+    try {
+        BeginAttempt();
+    } catch (const StimulusError& error) {
+        End(error.what());
+    }
+}
+
+bool RunMeasurement::DevicesRun() const {
+    const StreamEngine& engine = needs_.instrument.Engine;
+    return needs_.instrument.Shared.EventsReady && !engine.Restarting() && !engine.RestartPending;
+}
+
+// A restart of the engine begins the point again, as soon as playback has started. The stimulus that starts
+// by itself is stopped before: it would be searched at the input before it can be heard.
+bool RunMeasurement::NoticeRestart() {
+    const std::uint64_t starts = needs_.instrument.Engine.CaptureStarts;
+    if (std::exchange(captureStarts_, starts) == starts) return false;
+    afterLoss_ = true;
+    waiting_ = true;
+    needs_.measurement.Player.StopAtOnce();
+    return true;
+}
+
+void RunMeasurement::Take(const LinesReading& values) {
+    if (state_ != State::kMeasuring || NoticeRestart() || waiting_) return;
+    PreciseMeter& meter = needs_.measurement.Meter;
+    if (needs_.measurement.Player.Now() != StimulusPlayer::State::kPlaying) return;
+    const Reading& record = values.reading;
+    const auto* const newest = std::get_if<ToneMeasurement>(&meter.Newest().values);
+    switch (settling_.Add(record, !meter.Interruption().empty())) {
+        case Settling::State::kVoid:
+            return Fail(settling_.Fault());
+        case Settling::State::kSettled:
+            return Settled(record, *newest);
+        case Settling::State::kSettling:
+            break;
+    }
+    previous_.reset();
+    if (record.Valid()) previous_ = *newest;
+}
+
+void RunMeasurement::Settled(const Reading& record, const ToneMeasurement& newest) {
+    const RecordPlan& plan = needs_.measurement.Meter.Plan();
+    Reading mean = MakeReading(plan, MeanOfSeparate(*previous_, newest), settings_.tone);
+    for (const Warning& warning : record.warnings)
+        if (!HasWarning(mean.warnings, warning.code)) mean.warnings.push_back(warning);
+    for (const Warning& warning : mean.warnings)
+        if (warning.code == WarningCode::kUnsteadyTone) return Fail({Name(warning.code), warning.sentence});
+    RunPointResult result = ResultOf(std::move(mean));
+    result.gainDb = result.reading.levelDbfs;
+    if (result.gainDb.value) *result.gainDb.value -= result.point.levelDbfs;
+    Store(std::move(result));
+}
+
+void RunMeasurement::Fail(PointFault fault) {
+    if (attempt_ < kRunAttempts) {
+        ++attempt_;
+        return MeasurePoint();
+    }
+    const PreciseMeter& meter = needs_.measurement.Meter;
+    const Void reason{VoidCode::kDisturbed, fault.sentence};
+    RunPointResult result = ResultOf(
+        ReadingOfVoid(meter.Plan(), settings_, needs_.instrument.Engine.InputBits(), reason).reading);
+    result.fault = std::move(fault);
+    Store(std::move(result));
+}
+
+RunPointResult RunMeasurement::ResultOf(Reading reading) const {
+    RunPointResult result;
+    result.point = points_[results_.size()];
+    result.reading = std::move(reading);
+    result.attempts = attempt_;
+    result.afterLoss = afterLoss_;
+    return result;
+}
+
+void RunMeasurement::Store(RunPointResult result) {
+    measured_ += needs_.loop.Now() - begin_;
+    results_.push_back(std::move(result));
+    attempt_ = 1;
+    if (OnPoint) OnPoint(results_.back());
+    if (state_ == State::kMeasuring) MeasurePoint();
+}
+
+double RunMeasurement::SecondsLeft() const {
+    const std::size_t left = points_.size() - results_.size();
+    if (results_.empty()) return EstimatedSeconds(plan_, left, settings_.rateHz);
+    const double seconds = std::chrono::duration<double>(measured_).count();
+    return seconds / static_cast<double>(results_.size()) * static_cast<double>(left);
+}
+
+void RunMeasurement::Check() {
+    if (state_ != State::kEnding) return CheckRun();
+    if (!needs_.measurement.Player.Active()) SetState(State::kIdle);
+}
+
+void RunMeasurement::CheckRun() {
+    NoticeRestart();
+    SetState(DevicesRun() ? State::kMeasuring : State::kPaused);
+    if (state_ != State::kMeasuring) {
+        begin_ = needs_.loop.Now();
+        return;
+    }
+    if (waiting_) return MeasurePoint();
+    const StimulusPlayer& player = needs_.measurement.Player;
+    if (player.Now() == StimulusPlayer::State::kOff || player.Now() == StimulusPlayer::State::kEnding)
+        return End(player.Trouble().empty() ? kStoppedByOthers : player.Trouble());
+    if (needs_.loop.Now() - begin_ > LongestAttempt())
+        Fail({Name(VoidCode::kTooShort),
+              needs_.measurement.Meter.Unfinished().reading.voids.front().sentence});
+}
+
+std::chrono::nanoseconds RunMeasurement::LongestAttempt() const {
+    const double records = kRecordsPerRecord * plan_.settling.records;
+    const std::chrono::duration<double> seconds(records * RecordSeconds(plan_, settings_.rateHz));
+    return kAttemptGrace + std::chrono::duration_cast<std::chrono::nanoseconds>(seconds);
+}
+
+void RunMeasurement::SetState(State state) {
+    if (std::exchange(state_, state) == state) return;
+    if (!Active()) {
+        needs_.loop.StopTimer(std::exchange(timer_, 0));
+        needs_.measurement.Meter.OnReading = std::exchange(formerOnReading_, nullptr);
+    } else if (timer_ == 0) {
+        timer_ = needs_.loop.StartTimer(kRunCheckInterval, [this] { Check(); });
+    }
+    if (OnChanged) OnChanged();
+}
+
+double EstimatedSeconds(const RunPlan& plan, std::size_t points, double rateHz) {
+    return static_cast<double>(points) * (2.0 * RecordSeconds(plan, rateHz) + kUsualPathSeconds);
+}
+
+}  // namespace sonavex

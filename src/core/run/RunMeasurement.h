@@ -1,0 +1,105 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/audio/Instrument.h"
+#include "core/ports/EventLoop.h"
+#include "core/precise/PreciseMeasurement.h"
+#include "core/run/RunResult.h"
+
+namespace sonavex {
+
+// Measures a run on an instrument: plays each point, waits until the device under test has settled, and
+// stores the average of two records. A point that is void or unsteady is measured once more. While a device
+// is lost the run pauses; after its return it begins the point again. It always ends with a ramp.
+class RunMeasurement {
+public:
+    // All must outlive this object. While a run is active it handles the readings of the measurement.
+    struct Needs {
+        EventLoop& loop;
+        sonavex::Instrument& instrument;
+        PreciseMeasurement& measurement;
+    };
+
+    explicit RunMeasurement(const Needs& needs);
+    // Cancels.
+    ~RunMeasurement();
+    RunMeasurement(const RunMeasurement&) = delete;
+    RunMeasurement& operator=(const RunMeasurement&) = delete;
+
+    // RunError and StimulusError for a run that cannot be played; nothing is heard then, and the results of
+    // the run before are kept. Not while a run is active.
+    void Start(const RunPlan& plan);
+    // Ends the run and keeps what was measured.
+    void Cancel();
+
+    enum class State {
+        kIdle,
+        kMeasuring,
+        kPaused,  // the devices do not run
+        kEnding,  // until the ramp has been played
+    };
+    State Now() const noexcept { return state_; }
+    bool Active() const noexcept { return state_ != State::kIdle; }
+    // Why a run ended before its last point; empty after Cancel.
+    const std::string& Trouble() const noexcept { return trouble_; }
+
+    const std::vector<RunPoint>& Points() const noexcept { return points_; }
+    // In the order of the points, as many as are measured.
+    const std::vector<RunPointResult>& Results() const noexcept { return results_; }
+    // Records of the present point.
+    int Records() const noexcept { return settling_.Records(); }
+    // Estimated from the points that are measured. Without pauses.
+    double SecondsLeft() const;
+
+    // After each point. May be empty.
+    std::function<void(const RunPointResult& result)> OnPoint;
+    // After a change of the state. May be empty.
+    std::function<void()> OnChanged;
+
+private:
+    void CheckSound(const RunPlan& plan, const std::vector<RunPoint>& points) const;
+    bool DevicesRun() const;
+    bool NoticeRestart();
+    void MeasurePoint();
+    void BeginAttempt();
+    void BeginRecords();
+    void Take(const LinesReading& values);
+    void Settled(const Reading& record, const ToneMeasurement& newest);
+    void Fail(PointFault fault);
+    void Store(RunPointResult result);
+    RunPointResult ResultOf(Reading reading) const;
+    void End(const std::string& trouble);
+    void Check();
+    void CheckRun();
+    void SetState(State state);
+    std::chrono::nanoseconds LongestAttempt() const;
+
+    Needs needs_;
+    RunPlan plan_;
+    PreciseSettings settings_;
+    std::vector<RunPoint> points_;
+    std::vector<RunPointResult> results_;
+    State state_ = State::kIdle;
+    std::string trouble_;
+    Settling settling_{{}};
+    std::optional<ToneMeasurement> previous_;  // the record before
+    int attempt_ = 1;
+    bool waiting_ = false;  // the point begins when the devices run
+    bool afterLoss_ = false;
+    std::uint64_t captureStarts_ = 0;
+    std::chrono::nanoseconds begin_{0};     // of the present attempt
+    std::chrono::nanoseconds measured_{0};  // time that the results took
+    std::function<void(const LinesReading&)> formerOnReading_;
+    EventLoop::TimerId timer_ = 0;
+};
+
+// The time that a run takes when every point settles at once.
+double EstimatedSeconds(const RunPlan& plan, std::size_t points, double rateHz);
+
+}  // namespace sonavex

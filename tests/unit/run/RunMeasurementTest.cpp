@@ -1,0 +1,332 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+
+#include "core/run/RunMeasurement.h"
+#include "platform/simulated/SimulatedSoundSystem.h"
+#include "support/InlineBackground.h"
+#include "support/World.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::int32_t kRunRateHz = 8000;
+constexpr std::size_t kRunRecord = 4096;
+constexpr double kRunSecond = 2e-3;
+constexpr double kRunThird = -5e-4;
+
+// A device of 24 bits with harmonics of closed form.
+DeviceUnderTestModel RunDevice() {
+    DeviceUnderTestModel model;
+    model.bits = 24;
+    model.delayFrames = 900;
+    model.polynomial = {0.0, 1.0, kRunSecond, kRunThird};
+    return model;
+}
+
+double RunDb(double ratio) {
+    return 20.0 * std::log10(ratio);
+}
+
+struct PolynomialTruth {
+    explicit PolynomialTruth(double levelDbfs) {
+        const double peak = std::pow(10.0, levelDbfs / 20.0);
+        const double first = peak + 0.75 * kRunThird * std::pow(peak, 3);
+        const double second = 0.5 * kRunSecond * peak * peak;
+        const double third = 0.25 * std::abs(kRunThird) * std::pow(peak, 3);
+        levelDb = RunDb(first);
+        secondDbc = RunDb(second / first);
+        thdDb = RunDb(std::hypot(second, third) / first);
+    }
+    double levelDb;
+    double secondDbc;
+    double thdDb;
+};
+
+// An instrument on the stepped card, whose playback has started.
+class RunMeasurementTest : public testing::Test {
+protected:
+    RunMeasurementTest() {
+        instrument.Shared.SampleRate = kRunRateHz;
+        sound.Card().SetDeviceUnderTest(RunDevice());
+        EXPECT_TRUE(instrument.Engine.CreateDevices());
+        EXPECT_TRUE(instrument.Engine.SetEvents());
+        instrument.Engine.ResetStream();
+        instrument.StartCapture();
+        Run(2500ms);
+        EXPECT_EQ(instrument.Engine.PlaybackStarts, 1U);
+        run.OnPoint = [this](const RunPointResult& result) {
+            notified.push_back(result);
+            if (onPoint) onPoint();
+        };
+    }
+
+    static RunPlan Plan(std::vector<double> frequencies) {
+        RunPlan plan;
+        plan.frequenciesHz = std::move(frequencies);
+        plan.length = kRunRecord;
+        return plan;
+    }
+    static RunPlan LevelPlan(std::vector<double> levels) {
+        RunPlan plan = Plan({997.3});
+        plan.over = RunAxis::kLevel;
+        plan.levelsDbfs = std::move(levels);
+        return plan;
+    }
+
+    void Run(std::chrono::milliseconds time) {
+        for (auto passed = 0ms; passed < time; passed += 20ms) {
+            sound.Card().Step(kRunRateHz / 50);
+            world.loop.Advance(20ms);
+        }
+    }
+    // Returns the time it took.
+    template <class Condition>
+    std::chrono::milliseconds RunUntil(Condition condition, std::chrono::milliseconds limit = 60s) {
+        auto time = 0ms;
+        for (; !condition() && time < limit; time += 20ms) Run(20ms);
+        EXPECT_TRUE(condition());
+        return time;
+    }
+    std::chrono::milliseconds RunToEnd(const RunPlan& plan) {
+        notified.clear();
+        run.Start(plan);
+        return RunUntil([&] { return !run.Active(); });
+    }
+    void SetDevice(const std::function<void(DeviceUnderTestModel&)>& change) {
+        DeviceUnderTestModel model = RunDevice();
+        change(model);
+        sound.Card().SetDeviceUnderTest(model);
+    }
+
+    World world;
+    SimulatedSoundSystem sound{world.loop, SimulatedSoundSystem::Pace::kStepped};
+    Instrument instrument{{world.store, sound, world.loop, world.dialogs, world.errorLog, world.mixers}};
+    InlineBackground background{world.loop};
+    PreciseMeasurement measurement{{world.loop, instrument, background}};
+    RunMeasurement run{{world.loop, instrument, measurement}};
+    std::vector<RunPointResult> notified;
+    std::function<void()> onPoint;
+};
+
+TEST_F(RunMeasurementTest, MeasuresEveryPointOverFrequency) {
+    RunPlan plan = Plan({50, 300, 1000.5});
+    plan.levelsDbfs = std::vector<double>{-1, -20};
+    RunToEnd(plan);
+    EXPECT_EQ(run.Trouble(), "");
+    ASSERT_EQ(run.Results().size(), 6U);
+    EXPECT_EQ(notified.size(), 6U);
+    for (std::size_t i = 0; i < 6; ++i) {
+        const RunPointResult& result = run.Results()[i];
+        ASSERT_TRUE(result.Valid()) << result.fault.code;
+        EXPECT_EQ(result.point.requestedHz, run.Points()[i].requestedHz);
+        EXPECT_EQ(result.attempts, 1);
+        EXPECT_EQ(result.reading.blocks, 2U);
+        EXPECT_GE(result.reading.harmonics.size(), 2U);
+        EXPECT_NEAR(*result.reading.frequencyHz.value, result.point.playedHz, 1e-4);
+        const PolynomialTruth truth(result.point.levelDbfs);
+        EXPECT_NEAR(*result.reading.levelDbfs.value, truth.levelDb, 1e-4);
+        EXPECT_NEAR(*result.gainDb.value, truth.levelDb - result.point.levelDbfs, 1e-4);
+        EXPECT_EQ(result.gainDb.uncertainty, result.reading.levelDbfs.uncertainty);
+        EXPECT_NEAR(*result.reading.harmonics[0].levelDbc.value, truth.secondDbc, 0.02);
+    }
+}
+
+// Two records of 512 ms that do not overlap, the path of 112 ms, what was written before and settling of
+// 50 ms each, and the blocks that the devices deliver.
+TEST_F(RunMeasurementTest, APointTakesTwoRecordsAndThePath) {
+    std::vector<std::chrono::nanoseconds> ends;
+    onPoint = [&] { ends.push_back(world.loop.Now()); };
+    RunToEnd(Plan({300, 500, 700, 900}));
+    ASSERT_EQ(ends.size(), 4U);
+    for (std::size_t i = 1; i < ends.size(); ++i) {
+        EXPECT_GE(ends[i] - ends[i - 1], 1024ms + 112ms);
+        EXPECT_LE(ends[i] - ends[i - 1], 1024ms * 13 / 10 + 112ms);
+    }
+}
+
+TEST_F(RunMeasurementTest, PlaysSnappedFrequenciesAndStoresBoth) {
+    RunPlan plan = Plan({300, 500, 1000});
+    plan.snap = true;
+    RunToEnd(plan);
+    ASSERT_EQ(run.Results().size(), 3U);
+    const double binHz = static_cast<double>(kRunRateHz) / kRunRecord;
+    for (const RunPointResult& result : run.Results()) {
+        const double bins = result.point.playedHz / binHz;
+        EXPECT_EQ(std::fmod(bins, 2.0), 1.0);
+        EXPECT_NEAR(*result.reading.frequencyHz.value, result.point.playedHz, 1e-6);
+    }
+    EXPECT_EQ(run.Results()[1].point.requestedHz, 500.0);
+    EXPECT_EQ(run.Results()[1].point.playedHz, 257 * binHz);
+}
+
+TEST_F(RunMeasurementTest, EndsWithARampAndStopsMeasuring) {
+    run.Start(Plan({300, 500}));
+    RunUntil([&] { return notified.size() == 2; });
+    EXPECT_EQ(run.Now(), RunMeasurement::State::kEnding);
+    EXPECT_EQ(measurement.Player.Now(), StimulusPlayer::State::kEnding);
+    RunUntil([&] { return !run.Active(); }, 2s);
+    EXPECT_FALSE(measurement.Player.Active());
+    EXPECT_FALSE(measurement.Meter.OnReading);
+}
+
+TEST_F(RunMeasurementTest, CancelKeepsWhatWasMeasured) {
+    run.Start(Plan({300, 500, 700}));
+    RunUntil([&] { return notified.size() == 1; });
+    Run(300ms);
+    run.Cancel();
+    EXPECT_EQ(measurement.Player.Now(), StimulusPlayer::State::kEnding);
+    RunUntil([&] { return !run.Active(); }, 2s);
+    EXPECT_EQ(run.Trouble(), "");
+    ASSERT_EQ(run.Results().size(), 1U);
+    EXPECT_TRUE(run.Results()[0].Valid());
+    EXPECT_EQ(run.Points().size(), 3U);
+    // It can start again.
+    RunToEnd(Plan({300}));
+    EXPECT_EQ(run.Results().size(), 1U);
+}
+
+TEST_F(RunMeasurementTest, CancelAtAPointIsPossible) {
+    onPoint = [&] { run.Cancel(); };
+    RunToEnd(Plan({300, 500, 700}));
+    EXPECT_EQ(run.Results().size(), 1U);
+}
+
+TEST_F(RunMeasurementTest, RefusesWhatCannotBePlayedBeforeItSounds) {
+    EXPECT_THROW(run.Start(Plan({300, 3700})), RunError);
+    EXPECT_THROW(run.Start(LevelPlan({-10, 0})), StimulusError);
+    RunPlan dither = Plan({300});
+    dither.ditherBits = 32;
+    EXPECT_THROW(run.Start(dither), StimulusError);
+    EXPECT_FALSE(run.Active());
+    EXPECT_FALSE(measurement.Player.Active());
+    EXPECT_FALSE(measurement.Meter.OnReading);
+}
+
+// Its level falls by 0.2 dB in each record.
+TEST_F(RunMeasurementTest, ADeviceThatNeverSettlesIsRepeatedOnceAndVoid) {
+    RunPlan plan = Plan({500});
+    plan.settling.records = 3;
+    run.Start(plan);
+    double gain = 1.0;
+    RunUntil([&] {
+        gain *= 0.999;
+        SetDevice([&](DeviceUnderTestModel& model) {
+            model.gain = gain;
+            model.delayFrames = 0;
+        });
+        return !run.Active();
+    });
+    ASSERT_EQ(run.Results().size(), 1U);
+    const RunPointResult& result = run.Results()[0];
+    EXPECT_FALSE(result.Valid());
+    EXPECT_EQ(result.attempts, 2);
+    EXPECT_EQ(result.fault.code, "not settled");
+    EXPECT_FALSE(result.reading.thdDb.value);
+    EXPECT_FALSE(result.reading.levelDbfs.value);
+    EXPECT_FALSE(result.gainDb.value);
+}
+
+TEST_F(RunMeasurementTest, AnOverloadedPointIsVoidAndTheNextOneIsNot) {
+    SetDevice([](DeviceUnderTestModel& model) { model.gain = 1.5; });
+    RunToEnd(LevelPlan({-1, -20}));
+    ASSERT_EQ(run.Results().size(), 2U);
+    EXPECT_EQ(run.Results()[0].fault.code, "overload");
+    EXPECT_NE(run.Results()[0].fault.sentence, "");
+    EXPECT_EQ(run.Results()[0].attempts, 2);
+    EXPECT_TRUE(run.Results()[1].Valid());
+    EXPECT_EQ(run.Results()[1].attempts, 1);
+}
+
+TEST_F(RunMeasurementTest, LostFramesRepeatAPoint) {
+    run.Start(Plan({500.3, 700.3}));
+    RunUntil([&] { return run.Records() == 1; });
+    // The queue holds 2 s.
+    sound.Card().Step(2 * kRunRateHz + 800);
+    RunUntil([&] { return !run.Active(); });
+    ASSERT_EQ(run.Results().size(), 2U);
+    EXPECT_TRUE(run.Results()[0].Valid());
+    EXPECT_EQ(run.Results()[0].attempts, 2);
+    EXPECT_FALSE(run.Results()[0].afterLoss);
+    EXPECT_EQ(run.Results()[1].attempts, 1);
+}
+
+TEST_F(RunMeasurementTest, PausesWhileTheDeviceIsLostAndMarksTheLaterPoints) {
+    run.Start(Plan({500.3, 700.3, 900.3}));
+    RunUntil([&] { return notified.size() == 1 && run.Records() == 1; });
+    sound.Unplug();
+    RunUntil([&] { return run.Now() == RunMeasurement::State::kPaused; }, 5s);
+    Run(60s);
+    EXPECT_EQ(run.Now(), RunMeasurement::State::kPaused);
+    EXPECT_EQ(notified.size(), 1U);
+    sound.Plug();
+    RunUntil([&] { return !run.Active(); });
+    EXPECT_EQ(run.Trouble(), "");
+    ASSERT_EQ(run.Results().size(), 3U);
+    for (const RunPointResult& result : run.Results()) EXPECT_TRUE(result.Valid()) << result.fault.code;
+    EXPECT_FALSE(run.Results()[0].afterLoss);
+    EXPECT_TRUE(run.Results()[1].afterLoss);
+    EXPECT_TRUE(run.Results()[2].afterLoss);
+}
+
+TEST_F(RunMeasurementTest, APausedRunCanBeEnded) {
+    run.Start(Plan({500.3, 700.3}));
+    RunUntil([&] { return notified.size() == 1; });
+    sound.Unplug();
+    RunUntil([&] { return run.Now() == RunMeasurement::State::kPaused; }, 5s);
+    run.Cancel();
+    RunUntil([&] { return !run.Active(); }, 2s);
+    EXPECT_EQ(run.Results().size(), 1U);
+}
+
+TEST_F(RunMeasurementTest, AStimulusThatOthersStopEndsTheRun) {
+    run.Start(Plan({500.3, 700.3}));
+    RunUntil([&] { return notified.size() == 1; });
+    measurement.Player.StopAtOnce();
+    RunUntil([&] { return !run.Active(); }, 2s);
+    EXPECT_EQ(run.Trouble(), "The stimulus was stopped.");
+    EXPECT_EQ(run.Results().size(), 1U);
+}
+
+TEST_F(RunMeasurementTest, EstimatesTheTimeThatIsLeft) {
+    const RunPlan plan = Plan({300, 500, 700, 900});
+    EXPECT_NEAR(EstimatedSeconds(plan, 4, kRunRateHz), 4 * 1.4, 0.2);
+    run.Start(plan);
+    EXPECT_NEAR(run.SecondsLeft(), 4 * 1.4, 0.2);
+    RunUntil([&] { return notified.size() == 3; });
+    EXPECT_NEAR(run.SecondsLeft(), 1.4, 0.3);
+}
+
+// THD within its uncertainty of 95 % at 95 +-3 % of the points, and within 0.01 dB.
+TEST_F(RunMeasurementTest, ThdAgreesWithTheClosedFormWithinItsUncertainty) {
+    RunPlan plan;
+    plan.frequenciesHz = RunRange{40, 1000, RunRange::Spacing::kLogarithmicPoints, 20};
+    plan.length = kRunRecord;
+    const PolynomialTruth truth(-1);
+    int within = 0;
+    int points = 0;
+    for (std::uint32_t seed = 1; seed <= 20; ++seed) {
+        SetDevice([seed](DeviceUnderTestModel& model) {
+            model.noiseRms = 0.05;
+            model.noiseSeed = seed;
+        });
+        RunToEnd(plan);
+        for (const RunPointResult& result : run.Results()) {
+            ASSERT_TRUE(result.Valid()) << result.fault.code;
+            const Value& thd = result.reading.thdDb;
+            const double error = std::abs(*thd.value - truth.thdDb);
+            EXPECT_LT(error, 0.01);
+            if (error <= *thd.uncertainty) ++within;
+            ++points;
+        }
+    }
+    EXPECT_EQ(points, 400);
+    EXPECT_GE(within, 0.92 * points);
+    EXPECT_LE(within, 0.98 * points);
+}
+
+}  // namespace
+}  // namespace sonavex
