@@ -11,6 +11,7 @@ int RunMeasurement(const RunOptions& options);
 int MeasureFile(const FileOptions& options);
 int AnalyzeFile(const AnalyzeOptions& options);
 int AnalyzeLive(const AnalyzeOptions& options);
+int Sweep(const SweepOptions& options);
 int SelfTest(bool json);
 int ListHistory(const HistoryOptions& options);
 

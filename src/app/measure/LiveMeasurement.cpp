@@ -19,8 +19,6 @@ using namespace std::chrono_literals;
 
 constexpr int kUpdatesNeeded = 2;
 constexpr auto kPollInterval = 50ms;
-// A script needs an error, not a recovery.
-constexpr StreamWatch::Policy kEndAtLoss{.firstBlock = 2500ms, .recover = false};
 
 std::int32_t OsMajorVersion() {
     const std::string_view text = OsMajorVersionText();
@@ -61,13 +59,13 @@ std::string LiveMeasurement::Console::Line(const std::string& fallback) const {
     return message_.empty() ? fallback : message_;
 }
 
-LiveMeasurement::LiveMeasurement(const RunOptions& options)
+LiveMeasurement::LiveMeasurement(const RunOptions& options, const StreamWatch::Policy& policy)
     : options_(options),
       osMajorVersion_(OsMajorVersion()),
       rateHz_(RateOf(options, osMajorVersion_)),
       tones_(ParseTones(options.tones, rateHz_)),
       sound_(app::CreateSound(app::SoundFromEnvironment(), loop_)),
-      instrument_({store_, *sound_, loop_, console_, console_, console_}, kEndAtLoss) {
+      instrument_({store_, *sound_, loop_, console_, console_, console_}, policy) {
     instrument_.Shared.OsMajorVersion = osMajorVersion_;
     instrument_.Shared.SampleRate = rateHz_;
     instrument_.Settings.Save(keys::kInput, options_.input);

@@ -18,7 +18,12 @@ namespace sonavex::measure {
 // The instrument without its window, for one measurement.
 class LiveMeasurement {
 public:
-    explicit LiveMeasurement(const RunOptions& options);
+    // A script needs an error, not a recovery.
+    static constexpr StreamWatch::Policy kEndAtLoss{.firstBlock = std::chrono::milliseconds(2500),
+                                                    .recover = false};
+
+    // policy: what a loss does after Start.
+    explicit LiveMeasurement(const RunOptions& options, const StreamWatch::Policy& policy = kEndAtLoss);
 
     // Creates devices, starts tones and capture. Throws MeasureError when a device cannot be used.
     void Start();

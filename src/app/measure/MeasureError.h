@@ -15,5 +15,6 @@ inline constexpr int kMeasured = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kNeverLocked = 2;
 inline constexpr int kVoid = 2;
+inline constexpr int kBeyondLimit = 3;
 
 }  // namespace sonavex::measure

@@ -7,6 +7,7 @@
 
 #include "app/measure/Commands.h"
 #include "app/measure/MeasureError.h"
+#include "app/measure/OptionValues.h"
 #include "core/generator/SignalControls.h"
 #include "core/settings/SampleRates.h"
 #include "core/stimulus/ParseStimulus.h"
@@ -18,54 +19,10 @@ namespace {
 constexpr double kLongestRunSeconds = 1e6;
 constexpr const char* kSeeHelp = " (sonavex-measure --help explains the arguments).";
 
-std::string AllRates() {
-    std::string list;
-    for (const std::int32_t rate : SampleRateTable) list += (list.empty() ? "" : ", ") + CStr(rate);
-    for (const std::int32_t rate : kExtendedRates) list += ", " + CStr(rate);
-    return list;
-}
-
-// Refuses the value of an option; `takes` describes the allowed values.
-[[noreturn]] void Refuse(const std::string& option, const std::string& takes, const std::string& text) {
-    throw MeasureError(option + " takes " + takes + ", not '" + text + "'.");
-}
-
-struct Range {
-    double lowest;
-    double highest;
-};
-
-double NumberOf(const std::string& option, const std::string& takes, Range range, const std::string& text) {
-    if (!IsNumeric(text)) Refuse(option, takes, text);
-    const double value = CDbl(text);
-    if (value < range.lowest || value > range.highest) Refuse(option, takes, text);
-    return value;
-}
-
-std::int32_t WholeNumberOf(const std::string& option, const std::string& takes, Range range,
-                           const std::string& text) {
-    const double value = NumberOf(option, takes, range, text);
-    if (value != RoundHalfEven(value)) Refuse(option, takes, text);
-    return CLng(value);
-}
-
-std::int32_t RateOf(const std::string& text) {
-    const std::string takes = "one of " + AllRates();
-    const std::int32_t rateHz = WholeNumberOf("--rate", takes, {0.0, kExtendedRates.back()}, text);
-    if (!IsSampleRate(rateHz)) Refuse("--rate", takes, text);
-    return rateHz;
-}
-
 std::int32_t LowEdgeOf(const std::string& text) {
     const std::int32_t lowEdgeHz = WholeNumberOf("--low-edge", "25 or 20", {20.0, 25.0}, text);
     if (lowEdgeHz != 25 && lowEdgeHz != 20) Refuse("--low-edge", "25 or 20", text);
     return lowEdgeHz;
-}
-
-// libsndfile interprets "-" as standard output, which is used for the readings.
-std::string OutputFileOf(const std::string& option, const std::string& text) {
-    if (text.empty() || text == "-") Refuse(option, "the name of a file", text);
-    return text;
 }
 
 void AddMeterOptions(CLI::App& command, MeterOptions& options) {
@@ -144,23 +101,6 @@ constexpr double kHighestOrder = 1000.0;
 constexpr std::size_t kMostTones = 256;
 constexpr double kMostAverages = 1000.0;
 
-void SetBand(const std::string& text, AnalyzeOptions& options) {
-    const std::string takes = "LOW:HIGH in Hz, 0 to 96000";
-    const std::size_t colon = text.find(':');
-    if (colon == std::string::npos) Refuse("--band", takes, text);
-    const Range range{0.0, kHighestFrequencyHz};
-    options.lowHz = NumberOf("--band", takes, range, text.substr(0, colon));
-    options.highHz = NumberOf("--band", takes, range, text.substr(colon + 1));
-    if (options.lowHz >= options.highHz) Refuse("--band", takes, text);
-}
-
-std::int32_t RecordLengthOf(const std::string& text) {
-    const std::string takes = "a power of two from 4096 to 1048576";
-    const std::int32_t length = WholeNumberOf("--length", takes, {4096.0, 1048576.0}, text);
-    if ((length & (length - 1)) != 0) Refuse("--length", takes, text);
-    return length;
-}
-
 PreciseMode ModeOf(const std::string& text) {
     if (text == "thd") return PreciseMode::kTone;
     if (text == "imd") return PreciseMode::kPair;
@@ -169,13 +109,16 @@ PreciseMode ModeOf(const std::string& text) {
     Refuse("--mode", "thd, imd, multitone or noise", text);
 }
 
+void SetBand(const std::string& text, AnalyzeOptions& options) {
+    const Range band = BandOf(text);
+    options.lowHz = band.lowest;
+    options.highHz = band.highest;
+}
+
 std::vector<double> TonesOf(const std::string& text) {
     const std::string takes = "frequencies of 1 to 96000 Hz, separated by commas";
-    std::vector<double> tones;
-    std::istringstream list(text);
-    for (std::string tone; std::getline(list, tone, ',');)
-        tones.push_back(NumberOf("--tones", takes, {1.0, kHighestFrequencyHz}, tone));
-    if (tones.empty() || tones.size() > kMostTones) Refuse("--tones", takes, text);
+    std::vector<double> tones = NumbersOf("--tones", takes, {1.0, kHighestFrequencyHz}, text);
+    if (tones.size() > kMostTones) Refuse("--tones", takes, text);
     return tones;
 }
 
@@ -226,16 +169,10 @@ void AddAnalyzedFiles(CLI::App& command, AnalyzeOptions& options) {
     command.add_flag("--history", options.history, "Store the reading in the history");
 }
 
-StimulusSide SideOf(const std::string& text) {
-    if (text == "left") return StimulusSide::kLeft;
-    if (text == "right") return StimulusSide::kRight;
-    if (text == "both") return StimulusSide::kBoth;
-    Refuse("--side", "left, right or both", text);
-}
-
 void SetDither(const std::string& text, LiveOptions& live) {
-    live.dither = text != "off";
-    if (live.dither) live.ditherBits = WholeNumberOf("--dither", "8 to 32 bits or off", {8.0, 32.0}, text);
+    const int bits = DitherOf(text);
+    live.dither = bits != 0;
+    if (live.dither) live.ditherBits = bits;
 }
 
 using AddLiveOption =
@@ -334,6 +271,8 @@ Options ParseOptions(int argc, const char* const* argv) {
     auto* analyze =
         app.add_subcommand("analyze", "Measure precisely, at any frequency: a recording, or live");
     AddAnalyze(*analyze, options.analyze);
+    auto* sweep = app.add_subcommand("sweep", "Measure distortion over frequency or level");
+    AddSweep(*sweep, options.sweep);
     auto* selfTest =
         app.add_subcommand("selftest", "Prove the precise measurement on this computer, in memory");
     selfTest->add_flag("--json", options.selfTestJson, "As JSON");
@@ -354,11 +293,12 @@ Options ParseOptions(int argc, const char* const* argv) {
     if (run->parsed()) options.command = Options::Command::kRun;
     if (file->parsed()) options.command = Options::Command::kFile;
     if (analyze->parsed()) options.command = Options::Command::kAnalyze;
+    if (sweep->parsed()) options.command = Options::Command::kSweep;
     if (selfTest->parsed()) options.command = Options::Command::kSelfTest;
     if (history->parsed()) options.command = Options::Command::kHistory;
     if (options.command == Options::Command::kNone)
         throw MeasureError(
-            std::string("A command is needed: devices, run, file, analyze, selftest or history") + kSeeHelp);
+            std::string("A command is needed: devices, run, file, analyze, sweep, selftest or history") + kSeeHelp);
     return options;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/measure/SweepOptions.h"
 #include "core/precise/RecordAnalysis.h"
 #include "core/stimulus/SampleWord.h"
 
@@ -82,6 +83,7 @@ struct Options {
         kRun,
         kFile,
         kAnalyze,
+        kSweep,
         kSelfTest,
         kHistory,
         kNone
@@ -92,6 +94,7 @@ struct Options {
     FileOptions file;
     AnalyzeOptions analyze;
     HistoryOptions history;
+    SweepOptions sweep;
     // Text to print for --help or --version; nothing else must then be done.
     std::string answer;
 };

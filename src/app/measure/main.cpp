@@ -29,6 +29,8 @@ int Execute(const measure::Options& options) {
         case measure::Options::Command::kAnalyze:
             return options.analyze.input.empty() ? measure::AnalyzeLive(options.analyze)
                                                  : measure::AnalyzeFile(options.analyze);
+        case measure::Options::Command::kSweep:
+            return measure::Sweep(options.sweep);
         case measure::Options::Command::kSelfTest:
             return measure::SelfTest(options.selfTestJson);
         case measure::Options::Command::kHistory:

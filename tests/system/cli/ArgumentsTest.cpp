@@ -24,7 +24,7 @@ TEST_P(RefusedArguments, GetOneLineOfTheirOwn) {
 }
 
 const Refused kCommands[]{
-    {{}, "A command is needed: devices, run, file, analyze, selftest or history"},
+    {{}, "A command is needed: devices, run, file, analyze, sweep, selftest or history"},
     {{"bogus"}, "not expected: bogus"},
     {{"--bogus"}, "not expected: --bogus"},
     {{"--json", "devices"}, "not expected: --json"},

@@ -1,0 +1,86 @@
+#include "app/measure/LiveRun.h"
+
+#include <utility>
+
+namespace sonavex::measure {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kRunPoll = 50ms;
+constexpr auto kLongestPause = 60s;
+// A ramp, and what the queues of the devices hold.
+constexpr auto kLongestRamp = 3s;
+
+// A device that is lost during a run may return.
+constexpr StreamWatch::Policy kRecover{.firstBlock = 2500ms, .recover = true};
+
+RunOptions DevicesOf(const SweepOptions& sweep) {
+    RunOptions options;
+    options.input = sweep.input;
+    options.output = sweep.output;
+    options.rateHz = sweep.rateHz;
+    return options;
+}
+
+std::size_t CheckedPoints(const RunFile& run, double rateHz) {
+    const std::vector<RunPoint> points = PointsOf(run.plan, rateHz);
+    RequireCoverage(run.limits, points);
+    return points.size();
+}
+
+}  // namespace
+
+LiveRun::LiveRun(const SweepOptions& options, RunFile run)
+    : run_(std::move(run)),
+      sound_(DevicesOf(options), kRecover),
+      background_(sound_.Loop()),
+      measurement_({sound_.Loop(), sound_.Parts(), background_}),
+      measured_({sound_.Loop(), sound_.Parts(), measurement_}),
+      points_(CheckedPoints(run_, sound_.Parts().Shared.SampleRate)) {}
+
+void LiveRun::Run(const std::function<void(const RunPointResult&)>& onPoint,
+                  const std::function<void()>& onProgress) {
+    sound_.Start();
+    WaitForPlayback();
+    measured_.OnPoint = onPoint;
+    if (!end_.Noted()) measured_.Start(run_.plan);
+    ran_ = sound_.Loop().Now();
+    while (measured_.Active() && measured_.Now() != sonavex::RunMeasurement::State::kEnding) {
+        onProgress();
+        CheckPause();
+        if (end_.Noted()) measured_.Cancel();
+        sound_.Loop().Wait(kRunPoll);
+    }
+    WaitForEnd();
+    if (trouble_.empty()) trouble_ = measured_.Trouble();
+    sound_.Stop();
+}
+
+// A device that fails before the run has begun is an error.
+void LiveRun::WaitForPlayback() {
+    while (sound_.Parts().Engine.PlaybackStarts == 0 && !end_.Noted()) {
+        sound_.CheckAlive();
+        sound_.Loop().Wait(kRunPoll);
+    }
+}
+
+void LiveRun::CheckPause() {
+    const std::chrono::nanoseconds now = sound_.Loop().Now();
+    if (measured_.Now() != sonavex::RunMeasurement::State::kPaused) ran_ = now;
+    if (now - ran_ <= kLongestPause) return;
+    trouble_ = "The sound device did not return within a minute.";
+    measured_.Cancel();
+}
+
+void LiveRun::WaitForEnd() {
+    const std::chrono::nanoseconds limit = sound_.Loop().Now() + kLongestRamp;
+    while (measured_.Active() && sound_.Loop().Now() < limit) sound_.Loop().Wait(kRunPoll);
+}
+
+RunConditions LiveRun::Conditions() const {
+    const StreamDetails details = sound_.Details();
+    return {static_cast<double>(details.rateHz), points_, details};
+}
+
+}  // namespace sonavex::measure

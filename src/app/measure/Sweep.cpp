@@ -1,0 +1,85 @@
+#include <unistd.h>
+
+#include <cmath>
+#include <iostream>
+
+#include "app/measure/Commands.h"
+#include "app/measure/LiveRun.h"
+#include "app/measure/MeasureError.h"
+#include "app/measure/Readings.h"
+#include "app/measure/SweepLimits.h"
+#include "core/text/Decimals.h"
+#include "platform/sndfile/SndfileFiles.h"
+
+namespace sonavex::measure {
+namespace {
+
+constexpr const char* kClearRunLine = "\r\033[K";
+
+RunFile RunOf(const SweepOptions& options) {
+    RunFile run;
+    run.plan = options.plan;
+    if (!options.file.empty()) run = ParseRunFile(TextOfFile("run", options.file));
+    for (const std::string& limit : options.limits) run.limits.push_back(LimitOf(limit));
+    return run;
+}
+
+// Prints the points, and the progress on standard error.
+class RunOutput {
+public:
+    explicit RunOutput(const LiveRun& run) : run_(run), terminal_(isatty(STDERR_FILENO) != 0) {}
+
+    void Take(const RunPointResult& result) const {
+        Clear();
+        Print(RunPointJson(result, run_.Measurement().Results().size(), run_.Conditions()) + '\n');
+        if (!terminal_) std::cerr << Progress() << '\n';
+    }
+
+    // On a terminal only, because the line is replaced.
+    void ShowProgress() const {
+        if (!terminal_) return;
+        Clear();
+        std::cerr << Progress() << std::flush;
+    }
+
+    // The exit status.
+    int Finish(const std::string& csv) const {
+        Clear();
+        const std::vector<RunPointResult>& results = run_.Measurement().Results();
+        const std::size_t points = run_.Conditions().points;
+        const RunVerdict verdict = JudgeRun(run_.File().limits, results, points);
+        if (!run_.Trouble().empty()) std::cerr << run_.Trouble() << '\n';
+        std::cerr << VerdictSentence(verdict, results, points) << '\n';
+        if (!csv.empty()) SndfileFiles().WriteText(csv, RunCsv(run_.File(), results, run_.Conditions()));
+        if (verdict.outcome == RunOutcome::kFail) return kBeyondLimit;
+        return verdict.outcome == RunOutcome::kNotComplete ? kVoid : kMeasured;
+    }
+
+private:
+    std::string Progress() const {
+        const sonavex::RunMeasurement& measurement = run_.Measurement();
+        std::string line = std::to_string(measurement.Results().size()) + " of " +
+                           std::to_string(measurement.Points().size()) + " points, " +
+                           WithDecimals(std::ceil(measurement.SecondsLeft()), 0) + " s left";
+        if (measurement.Now() == sonavex::RunMeasurement::State::kPaused) line += ", paused: no sound device";
+        return line;
+    }
+
+    void Clear() const {
+        if (terminal_) std::cerr << kClearRunLine << std::flush;
+    }
+
+    const LiveRun& run_;
+    bool terminal_;
+};
+
+}  // namespace
+
+int Sweep(const SweepOptions& options) {
+    LiveRun run(options, RunOf(options));
+    const RunOutput output(run);
+    run.Run([&](const RunPointResult& result) { output.Take(result); }, [&] { output.ShowProgress(); });
+    return output.Finish(options.csv);
+}
+
+}  // namespace sonavex::measure

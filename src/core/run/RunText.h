@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+
+#include "core/precise/results/StreamDetails.h"
+#include "core/run/RunFile.h"
+#include "core/run/RunLimits.h"
+
+namespace sonavex {
+
+// What is stated beside the points of a run.
+struct RunConditions {
+    double rateHz = 0;
+    std::size_t points = 0;  // of the whole run
+    std::optional<StreamDetails> stream;
+};
+
+// One line without a line end: `point` (from 1), `points`, `requested_hz`, `played_hz`, `stimulus_dbfs`,
+// `gain_db`, `attempts`, `after_loss`, then the names of AnalyzedJson. The values of a void point are null.
+std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions);
+
+// Lines that begin with '#' state run, devices and verdict. Then one line for each measured point: the value,
+// its uncertainty (95 %) and whether it is a bound. Values of void points and undefined values are empty.
+std::string RunCsv(const RunFile& run, std::span<const RunPointResult> results,
+                   const RunConditions& conditions);
+
+// "FAIL: 2 of 61 points are beyond a limit. Worst: thd -87.10 dB at 20 Hz, limit -90.00 dB."
+std::string VerdictSentence(const RunVerdict& verdict, std::span<const RunPointResult> results,
+                            std::size_t points);
+
+}  // namespace sonavex
