@@ -52,7 +52,7 @@ void BM_OpenHistory10000(benchmark::State& state) {
     std::size_t shown = 0;
     for (auto _ : state) {
         const HistoryDay day = ReadHistoryDay("2026-11-23", text);
-        shown = Shown(day.entries, {}).size();
+        shown = ShownEntries(day.entries, {}).size();
         benchmark::DoNotOptimize(shown);
     }
     if (shown != kEntries) state.SkipWithError("not every entry was read");

@@ -69,7 +69,7 @@ void CheckTable(const std::string& csv, std::size_t rows) {
 void CheckEntries(const HistoryDay& day, const std::string& text) {
     MemoryHistory files;
     files.texts[kFuzzedDay] = text;
-    const std::vector<const HistoryEntry*> shown = Shown(day.entries, {});
+    const std::vector<const HistoryEntry*> shown = ShownEntries(day.entries, {});
     Require(shown.size() == day.entries.size(), "an empty filter shows everything");
     std::vector<NamedValue> before;
     for (const HistoryEntry* const entry : shown) {
@@ -82,7 +82,7 @@ void CheckEntries(const HistoryDay& day, const std::string& text) {
         HistoryFilter filter;
         filter.text = entry->note.substr(0, entry->note.find(' '));
         filter.device = entry->input;
-        const auto hits = Shown(day.entries, filter);
+        const auto hits = ShownEntries(day.entries, filter);
         Require(std::find(hits.begin(), hits.end(), entry) != hits.end(), "an entry is found by its words");
     }
     std::size_t grouped = 0;

@@ -83,7 +83,7 @@ int ListHistory(const HistoryOptions& options) {
     HistoryFilter filter;
     filter.text = options.search;
     filter.validOnly = options.validOnly;
-    const std::vector<const HistoryEntry*> shown = Shown(loaded.entries, filter);
+    const std::vector<const HistoryEntry*> shown = ShownEntries(loaded.entries, filter);
     if (!options.csv.empty()) SndfileFiles().WriteText(options.csv, HistoryCsv(shown, files));
     std::string text;
     for (const HistoryEntry* const entry : shown)

@@ -82,8 +82,8 @@ std::vector<std::string> NamesListed(const std::set<std::string>& names) {
 
 }  // namespace
 
-std::vector<const HistoryEntry*> Shown(const std::vector<HistoryEntry>& entries,
-                                       const HistoryFilter& filter) {
+std::vector<const HistoryEntry*> ShownEntries(const std::vector<HistoryEntry>& entries,
+                                              const HistoryFilter& filter) {
     const std::vector<std::string> words = WordsOf(filter.text);
     std::vector<const HistoryEntry*> shown;
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)

@@ -21,7 +21,8 @@ struct HistoryFilter {
 };
 
 // The entries that pass, newest first. They point into `entries`.
-std::vector<const HistoryEntry*> Shown(const std::vector<HistoryEntry>& entries, const HistoryFilter& filter);
+std::vector<const HistoryEntry*> ShownEntries(const std::vector<HistoryEntry>& entries,
+                                              const HistoryFilter& filter);
 
 // The shown entries of one local day.
 struct HistoryGroup {

@@ -41,7 +41,7 @@ protected:
     std::vector<std::string> Found(const std::string& text) const {
         HistoryFilter filter;
         filter.text = text;
-        return IdsOf(Shown(entries_, filter));
+        return IdsOf(ShownEntries(entries_, filter));
     }
 
     std::vector<HistoryEntry> entries_;
@@ -49,7 +49,7 @@ protected:
 };
 
 TEST_F(HistoryViewTest, ShowsTheNewestFirst) {
-    EXPECT_THAT(IdsOf(Shown(entries_, filter_)), ElementsAre("d", "b", "c", "a"));
+    EXPECT_THAT(IdsOf(ShownEntries(entries_, filter_)), ElementsAre("d", "b", "c", "a"));
 }
 
 TEST_F(HistoryViewTest, FindsWordsWhereverTheyAre) {
@@ -64,16 +64,16 @@ TEST_F(HistoryViewTest, FindsWordsWhereverTheyAre) {
 
 TEST_F(HistoryViewTest, Filters) {
     filter_.kind = HistoryKind::kRun;
-    EXPECT_THAT(IdsOf(Shown(entries_, filter_)), ElementsAre("d"));
+    EXPECT_THAT(IdsOf(ShownEntries(entries_, filter_)), ElementsAre("d"));
     filter_.kind = HistoryKind::kReading;
     filter_.validOnly = true;
-    EXPECT_THAT(IdsOf(Shown(entries_, filter_)), ElementsAre("c", "a"));
+    EXPECT_THAT(IdsOf(ShownEntries(entries_, filter_)), ElementsAre("c", "a"));
     filter_.stimulus = "sine";
-    EXPECT_THAT(IdsOf(Shown(entries_, filter_)), ElementsAre("a"));
+    EXPECT_THAT(IdsOf(ShownEntries(entries_, filter_)), ElementsAre("a"));
     filter_.device = "Line In";
-    EXPECT_THAT(IdsOf(Shown(entries_, filter_)), IsEmpty());
+    EXPECT_THAT(IdsOf(ShownEntries(entries_, filter_)), IsEmpty());
     filter_.device = "Line Out";
-    EXPECT_THAT(IdsOf(Shown(entries_, filter_)), ElementsAre("a"));
+    EXPECT_THAT(IdsOf(ShownEntries(entries_, filter_)), ElementsAre("a"));
 }
 
 TEST_F(HistoryViewTest, OffersWhatOccurs) {
@@ -85,7 +85,7 @@ TEST_F(HistoryViewTest, OffersWhatOccurs) {
 }
 
 TEST_F(HistoryViewTest, GroupsByDay) {
-    const std::vector<HistoryGroup> groups = ByDay(Shown(entries_, filter_));
+    const std::vector<HistoryGroup> groups = ByDay(ShownEntries(entries_, filter_));
     ASSERT_EQ(groups.size(), 2U);
     EXPECT_EQ(groups[0].day, "2026-11-23");
     EXPECT_THAT(IdsOf(groups[0].entries), ElementsAre("d", "b", "c"));
