@@ -298,7 +298,8 @@ Options ParseOptions(int argc, const char* const* argv) {
     if (history->parsed()) options.command = Options::Command::kHistory;
     if (options.command == Options::Command::kNone)
         throw MeasureError(
-            std::string("A command is needed: devices, run, file, analyze, sweep, selftest or history") + kSeeHelp);
+            std::string("A command is needed: devices, run, file, analyze, sweep, selftest or history") +
+            kSeeHelp);
     return options;
 }
 
