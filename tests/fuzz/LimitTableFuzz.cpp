@@ -1,5 +1,6 @@
 // Limit tables. Any text gives limits that rise in frequency and are finite, or a sentence on one line.
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/run/LimitCurve.h"

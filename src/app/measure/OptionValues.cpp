@@ -59,7 +59,7 @@ Range BandOf(const std::string& text) {
     return band;
 }
 
-std::int32_t RateOf(const std::string& text) {
+std::int32_t SampleRateOf(const std::string& text) {
     const std::string takes = "one of " + AllRates();
     const std::int32_t rateHz = WholeNumberOf("--rate", takes, {0.0, kExtendedRates.back()}, text);
     if (!IsSampleRate(rateHz)) Refuse("--rate", takes, text);

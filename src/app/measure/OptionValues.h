@@ -28,7 +28,7 @@ std::vector<double> NumbersOf(const std::string& option, const std::string& take
                               const std::string& text);
 // "LOW:HIGH"
 Range BandOf(const std::string& text);
-std::int32_t RateOf(const std::string& text);
+std::int32_t SampleRateOf(const std::string& text);
 std::int32_t RecordLengthOf(const std::string& text);
 std::string OutputFileOf(const std::string& option, const std::string& text);
 StimulusSide SideOf(const std::string& text);

@@ -45,7 +45,7 @@ void AddRun(CLI::App& command, RunOptions& options) {
     command.add_option("--output", options.output, "Identifier of the playback device")->type_name("ID");
     command
         .add_option_function<std::string>(
-            "--rate", [&](const std::string& text) { options.rateHz = RateOf(text); },
+            "--rate", [&](const std::string& text) { options.rateHz = SampleRateOf(text); },
             "Sampling rate, one of " + AllRates())
         ->type_name("HZ");
     command
@@ -185,7 +185,7 @@ void AddDevices(const AddLiveOption& add, LiveOptions& live) {
     add("--output", "ID", "Identifier of the playback device",
         [&](const std::string& text) { live.output = text; });
     add("--rate", "HZ", "Sampling rate, one of " + AllRates(),
-        [&](const std::string& text) { live.rateHz = RateOf(text); });
+        [&](const std::string& text) { live.rateHz = SampleRateOf(text); });
     add("--average", "N", "Newest records in a reading; 0: all (1)", [&](const std::string& text) {
         live.average =
             static_cast<std::size_t>(WholeNumberOf("--average", "0 to 1000", {0.0, kMostAverages}, text));

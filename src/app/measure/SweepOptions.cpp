@@ -197,7 +197,7 @@ void AddSweep(CLI::App& command, SweepOptions& options) {
           [&options](const std::string& text) { options.output = text; });
     const std::string rates = "Sampling rate, one of " + AllRates();
     addTo("--rate", "HZ", rates.c_str(),
-          [&options](const std::string& text) { options.rateHz = RateOf(text); });
+          [&options](const std::string& text) { options.rateHz = SampleRateOf(text); });
     command.parse_complete_callback([axis, &options] {
         if (!options.file.empty()) return;
         if (!axis->overGiven) throw MeasureError("A run needs --over frequency or --over level, or a file.");

@@ -7,6 +7,8 @@
 
 #include "core/run/RunFile.h"
 
+// The library's name.
+// NOLINTNEXTLINE(readability-identifier-naming)
 namespace CLI {
 class App;
 }
