@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <iostream>
+#include <utility>
 
 #include "app/measure/Commands.h"
 #include "app/measure/LiveRun.h"
@@ -35,11 +36,13 @@ public:
         if (!terminal_) std::cerr << Progress() << '\n';
     }
 
-    // On a terminal only, because the line is replaced.
-    void ShowProgress() const {
-        if (!terminal_) return;
+    // Replaces the line on a terminal. Elsewhere a pause is a line.
+    void ShowProgress() {
+        const bool before = std::exchange(paused_, Paused());
+        const bool pauseBegins = paused_ && !before;
         Clear();
-        std::cerr << Progress() << std::flush;
+        if (terminal_) std::cerr << Progress() << std::flush;
+        if (!terminal_ && pauseBegins) std::cerr << Progress() << '\n';
     }
 
     // The exit status.
@@ -61,9 +64,11 @@ private:
         std::string line = std::to_string(measurement.Results().size()) + " of " +
                            std::to_string(measurement.Points().size()) + " points, " +
                            WithDecimals(std::ceil(measurement.SecondsLeft()), 0) + " s left";
-        if (measurement.Now() == sonavex::RunMeasurement::State::kPaused) line += ", paused: no sound device";
+        if (Paused()) line += ", paused: no sound device";
         return line;
     }
+
+    bool Paused() const { return run_.Measurement().Now() == sonavex::RunMeasurement::State::kPaused; }
 
     void Clear() const {
         if (terminal_) std::cerr << kClearRunLine << std::flush;
@@ -71,13 +76,14 @@ private:
 
     const LiveRun& run_;
     bool terminal_;
+    bool paused_ = false;
 };
 
 }  // namespace
 
 int Sweep(const SweepOptions& options) {
     LiveRun run(options, RunOf(options));
-    const RunOutput output(run);
+    RunOutput output(run);
     run.Run([&](const RunPointResult& result) { output.Take(result); }, [&] { output.ShowProgress(); });
     return output.Finish(options.csv);
 }

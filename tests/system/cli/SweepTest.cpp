@@ -128,6 +128,24 @@ TEST(SweepProgram, ASignalEndsItWithWhatWasMeasured) {
     EXPECT_THAT(LastLine(outcome.errors), StartsWith("NOT COMPLETE: "));
 }
 
+TEST(SweepProgram, WaitsForALostServerUntilItIsEnded) {
+    PulseServer server({{"card", 48000, "Card", "s24le"}});
+    MeasureProgram program(
+        {"sweep", "--rate", "48000", "--length", "4096", "--over", "frequency", "--from", "1000", "--to",
+         "4000", "--points", "500", "--output", "card", "--input", "card.monitor"},
+        {{"PULSE_SERVER", server.Address()}});
+    ASSERT_TRUE(program.Prints("\"point\":1", 20s));
+    server.Kill();
+    EXPECT_FALSE(program.End(3s).ended);
+    program.Send(SIGTERM);
+    const Outcome outcome = program.End(10s);
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_GE(outcome.Json().size(), 1U);
+    EXPECT_THAT(outcome.errors, HasSubstr(", paused: no sound device\n"));
+    EXPECT_THAT(LastLine(outcome.errors), StartsWith("NOT COMPLETE: "));
+}
+
 TEST(SweepProgram, RefusesWhatIsNoRunBeforeItPlays) {
     const PrivateFolder folder;
     const auto refused = [](const Arguments& more, const std::string& text) {
