@@ -244,6 +244,31 @@ TEST_F(NoRoomForOutput, OwnDiskAlmostFullHoldsTheCompleteFileOrNone) {
     EXPECT_THAT(NamesIn(account_.Documents()), ElementsAre("output.wav"));
 }
 
+// A reading that cannot be stored is printed, and what was stored stays.
+class NoRoomForHistory : public NoRoomForOutput, public testing::WithParamInterface<Disk> {};
+
+TEST_P(NoRoomForHistory, KeepsWhatWasStored) {
+    const Disk disk = GetParam();
+    const fs::path folder = account_.Home() / ".local/share/Sonavex/history";
+    const Arguments store{SONAVEX_MEASURE, "analyze", Input(), "--history"};
+    ASSERT_EQ(Ended(store).status, 0);
+    const fs::path file = folder / NamesIn(folder).at(0);
+    const std::string stored = FileText(file);
+    if (disk == Disk::kRights) fs::permissions(file, fs::perms::owner_read);
+    const RunOutcome ending = Run(disk, store);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_THAT(ending.output, HasSubstr("THD+N "));
+    EXPECT_THAT(ending.output, HasSubstr("sonavex-measure: The history '" + file.string() +
+                                         "' cannot be written: " + Refusal(disk) + "\n"));
+    EXPECT_EQ(FileText(file), stored);
+    ASSERT_EQ(Ended(store).status, 0);
+    EXPECT_THAT(FileText(file), AllOf(StartsWith(stored), EndsWith("\"}\n")));
+    EXPECT_GT(fs::file_size(file), stored.size());
+}
+
+INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForHistory, kDisks, NameOfDisk);
+
 // A journal that cannot be written must not stop the instrument.
 TEST_F(NoRoom, ForTheJournalDoesNotKeepTheProgramFromRunning) {
     WriteFile(account_.SettingsFile(), "");

@@ -1,9 +1,14 @@
 #include "system/safety/Writers.h"
 
+#include <unistd.h>
+
 #include <QGuiApplication>
+#include <deque>
 #include <iostream>
 
+#include "core/history/LoadHistory.h"
 #include "platform/plain/FileMixerJournal.h"
+#include "platform/plain/HistoryFolder.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "support/Files.h"
@@ -14,6 +19,7 @@ namespace {
 constexpr const char* kSettings = "--write-settings";
 constexpr const char* kJournal = "--write-journal";
 constexpr const char* kReportCommand = "--write-report";
+constexpr const char* kHistoryCommand = "--write-history";
 constexpr int kUnwritten = 3;
 
 constexpr int kKeys = 150;         // per section
@@ -71,6 +77,32 @@ int WriteReports(const std::filesystem::path& file) {
     }
 }
 
+constexpr const char* kWrittenDay = "2026-11-23";
+
+void Say(const char* word, const std::string& id) {
+    std::cout << word << ' ' << id << std::endl;
+}
+
+void DeleteEntry(HistoryFolder& files, const std::string& id) {
+    Say("deleting", id);
+    files.Append(kWrittenDay, DeletionLine(id));
+    Say("deleted", id);
+}
+
+int WriteHistory(const std::filesystem::path& folder) {
+    constexpr std::size_t kKeptEntries = 4;
+    HistoryFolder files(folder);
+    std::deque<std::string> ids;
+    for (const HistoryEntry& entry : LoadAndCompactHistory(files).entries) ids.push_back(entry.id);
+    for (unsigned long number = 0;; ++number) {
+        const std::string id = std::to_string(getpid()) + '-' + std::to_string(number);
+        files.Append(kWrittenDay, EntryLine(WrittenEntry(id), kWrittenDetails, WrittenCurve()));
+        Say("stored", id);
+        for (ids.push_back(id); ids.size() > kKeptEntries; ids.pop_front()) DeleteEntry(files, ids.front());
+        if (number % 16 == 0) files.Sync(kWrittenDay);
+    }
+}
+
 Arguments Command(const char* command, const std::filesystem::path& file) {
     return {ThisProgram(), command, file.string()};
 }
@@ -110,10 +142,30 @@ Arguments ReportWriter(const std::filesystem::path& file) {
     return Command(kReportCommand, file);
 }
 
+Arguments HistoryWriter(const std::filesystem::path& folder) {
+    return Command(kHistoryCommand, folder);
+}
+
+HistoryEntry WrittenEntry(const std::string& id) {
+    HistoryEntry entry;
+    entry.id = id;
+    entry.time = "2026-11-23 10:58:21";
+    entry.input = "Line In of " + id;
+    return entry;
+}
+
+HistoryCurve WrittenCurve() {
+    HistoryCurve curve;
+    for (std::size_t i = 0; i < HistoryCurve::kMostColumns; ++i)
+        curve.levelsDbfs.push_back(-0.25 * static_cast<double>(i));
+    return curve;
+}
+
 std::optional<int> RunWriter(int argc, char** argv) {
     if (argc != 3) return std::nullopt;
     const std::string command = argv[1];
     if (command == kJournal) return WriteJournal(argv[2]);
+    if (command == kHistoryCommand) return WriteHistory(argv[2]);
     if (command == kSettings) {
         const QCoreApplication application(argc, argv);
         return WriteSettings(argv[2]);

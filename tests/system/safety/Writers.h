@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "core/history/HistoryEntry.h"
 #include "platform/plain/IniText.h"
 #include "support/ChildProcess.h"
 
@@ -23,6 +24,14 @@ Arguments JournalWriter(const std::filesystem::path& file);
 
 // The first line of the report identifies the set.
 Arguments ReportWriter(const std::filesystem::path& file);
+
+// Stores entries in a history and deletes all but the newest. Starts with a compaction. Prints "stored ID",
+// "deleting ID" and "deleted ID". Two may run at the same time.
+Arguments HistoryWriter(const std::filesystem::path& folder);
+// The entry, details and curve that it stores.
+HistoryEntry WrittenEntry(const std::string& id);
+inline constexpr const char* kWrittenDetails = R"({"a":[1,2,3]})";
+HistoryCurve WrittenCurve();
 
 // Runs the writer in the command line and returns its exit status; nothing if there is none.
 std::optional<int> RunWriter(int argc, char** argv);
