@@ -13,6 +13,8 @@ namespace {
 constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr double kHundredths = 100.0;
 constexpr double kMostDb = 320.0;
+// Of a trace that is made from a curve.
+constexpr std::size_t kTraceBins = 32768;
 // Of a column without a level.
 constexpr std::uint16_t kNoStoredLevel = 0x8000;
 
@@ -44,6 +46,22 @@ HistoryCurve HistoryCurve::Of(const ExportedSpectrum& spectrum, double independe
     for (const TraceColumn& column : TraceColumns(trace, decades, kMostColumns))
         curve.levelsDbfs.push_back(column.Line());
     return curve;
+}
+
+SpectrumTrace TraceOf(const HistoryCurve& curve, const std::string& name) {
+    SpectrumTrace trace{name, {}, 1, 1};
+    if (curve.levelsDbfs.empty() || curve.lowHz <= 0 || curve.highHz <= curve.lowHz) return trace;
+    trace.power.assign(kTraceBins + 1, 0.0F);
+    trace.binHz = curve.highHz / kTraceBins;
+    const auto columns = static_cast<double>(curve.levelsDbfs.size());
+    const double columnsPerNeper = columns / std::log(curve.highHz / curve.lowHz);
+    for (std::size_t bin = 1; bin < trace.power.size(); ++bin) {
+        const double hertz = static_cast<double>(bin) * trace.binHz;
+        const double column = std::clamp(std::log(hertz / curve.lowHz) * columnsPerNeper, 0.0, columns - 1);
+        const double level = curve.levelsDbfs[static_cast<std::size_t>(column)];
+        if (!std::isnan(level)) trace.power[bin] = static_cast<float>(std::pow(10.0, level / 10.0));
+    }
+    return trace;
 }
 
 std::string EncodedLevels(const std::vector<double>& levelsDbfs) {

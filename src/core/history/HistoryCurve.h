@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/plot/SpectrumTrace.h"
 #include "core/precise/results/ExportedMeasurement.h"
 
 namespace sonavex {
@@ -23,6 +24,10 @@ struct HistoryCurve {
     // Of a mean of this many independent spectra. No columns without power.
     static HistoryCurve Of(const ExportedSpectrum& spectrum, double independentSpectra);
 };
+
+// The curve as a trace that looks the same in a plot: each bin has the level of its column. Without bins for
+// a curve without columns.
+SpectrumTrace TraceOf(const HistoryCurve& curve, const std::string& name);
 
 // Three digits of base 64 for each level: hundredths of a decibel as a 16-bit number in two's complement.
 std::string EncodedLevels(const std::vector<double>& levelsDbfs);

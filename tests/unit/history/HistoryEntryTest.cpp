@@ -5,6 +5,7 @@
 
 #include "core/history/HistoryEntry.h"
 #include "core/history/HistoryLine.h"
+#include "core/plot/TraceColumns.h"
 #include "unit/history/StoredEntries.h"
 
 namespace sonavex {
@@ -256,6 +257,22 @@ TEST(HistoryCurve, IsTheLineOfThePlot) {
     ASSERT_EQ(stored.curve.levelsDbfs.size(), HistoryCurve::kMostColumns);
     EXPECT_NEAR(stored.curve.levelsDbfs[1190], -140, 0.01);
     EXPECT_THAT(HistoryCurve::Of({48000, 65536, 2.6, 0, {}}, 1).levelsDbfs, IsEmpty());
+}
+
+TEST(HistoryCurve, LooksTheSameAsATrace) {
+    ExportedSpectrum spectrum{48000, 65536, 2.6, 8, std::vector<double>(32769, 1e-14)};
+    for (const std::size_t bin : {1365, 2730, 4095, 20000}) spectrum.power[bin] = 1e-3;
+    const HistoryCurve curve = HistoryCurve::Of(spectrum, 8);
+    const SpectrumTrace trace = TraceOf(curve, "10:51:17");
+    EXPECT_EQ(trace.name, "10:51:17");
+    EXPECT_DOUBLE_EQ(trace.LastHz(), 24000);
+    const PlotRange decades{std::log10(curve.lowHz), std::log10(curve.highHz)};
+    const std::vector<TraceColumn> columns = TraceColumns(trace, decades, HistoryCurve::kMostColumns);
+    for (const double hertz : {999.8, 1999.5, 2999.3, 14648.4, 12000.0}) {
+        const auto column = static_cast<std::size_t>(1200 * decades.FractionOf(std::log10(hertz)));
+        EXPECT_NEAR(columns[column].Line(), curve.levelsDbfs[column], 0.5) << hertz;
+    }
+    EXPECT_TRUE(TraceOf(HistoryCurve(), "").power.empty());
 }
 
 }  // namespace
