@@ -74,7 +74,9 @@ void CheckEntries(const HistoryDay& day, const std::string& text) {
     std::vector<NamedValue> before;
     for (const HistoryEntry* const entry : shown) {
         const std::optional<HistoryDetails> details = ReadDetails(LineOf(entry->id, text));
-        Require(details.has_value(), "every entry has details");
+        Require(ReadDetails(EntryLine(*entry, "{}", {})).has_value(), "what is stored has details");
+        // Only a forged checksum allows that they are no JSON.
+        if (!details) continue;
         for (const ComparedRow& row : Compare(details->values, before))
             Require(fuzz::IsUtf8(row.name + row.first + row.second), "texts are UTF-8");
         before = details->values;

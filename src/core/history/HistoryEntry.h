@@ -69,7 +69,7 @@ struct HistoryRecord {
 };
 // Empty for a damaged line, and for one of a kind that this version does not know.
 std::optional<HistoryRecord> ReadLine(std::string_view line);
-// Of a line with an entry.
+// Of a line with an entry. Empty for a damaged line.
 std::optional<HistoryDetails> ReadDetails(std::string_view line);
 
 }  // namespace sonavex

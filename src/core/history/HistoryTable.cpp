@@ -62,6 +62,16 @@ std::string ConditionFields(const HistoryEntry& entry) {
     return line;
 }
 
+// The headings of a value, as ValueFields fills them.
+std::string ValueColumns(const std::string& name, const std::string& unit) {
+    std::string heading = name;
+    if (!unit.empty()) heading.append(" (").append(unit).append(")");
+    std::string columns;
+    for (const std::string& column : {heading, name + " uncertainty", name + " bound"})
+        columns.append(",").append(CsvField(column));
+    return columns;
+}
+
 std::string ValueFields(const NamedValue* value) {
     if (value == nullptr) return ",,,";
     return ',' + NumberField(value->value.value, 12) + ',' + NumberField(value->value.uncertainty, 3) +
@@ -120,9 +130,7 @@ std::string HistoryCsv(const std::vector<const HistoryEntry*>& shown, const Hist
         }
     }
     std::string csv = kConditionColumns;
-    for (const auto& [name, unit] : columns)
-        csv += ',' + CsvField(unit.empty() ? name : name + " (" + unit + ')') + ',' +
-               CsvField(name + " uncertainty") + ',' + CsvField(name + " bound");
+    for (const auto& [name, unit] : columns) csv += ValueColumns(name, unit);
     csv += '\n';
     for (std::size_t row = 0; row < shown.size(); ++row) {
         csv += ConditionFields(*shown[row]);
