@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace sonavex {
 
@@ -12,6 +13,12 @@ std::string WithDecimals(double value, int decimals) {
     const std::string number(text.data(), end);
     const bool zero = number.find_first_not_of("-0.") == std::string::npos;
     return zero && number.front() == '-' ? number.substr(1) : number;
+}
+
+std::string RoundedUp(double value, int decimals) {
+    constexpr double kMargin = 1e-9;  // of the error of a computation, as a part of the value
+    const double steps = std::pow(10.0, decimals);
+    return WithDecimals(std::ceil(value * steps * (1.0 - std::copysign(kMargin, value))) / steps, decimals);
 }
 
 std::string WithoutTrailingZeros(double value, int mostDecimals) {

@@ -8,6 +8,10 @@ namespace sonavex {
 // to zero has no sign: "0.0".
 std::string WithDecimals(double value, int decimals);
 
+// The same, rounded away from minus infinity: an upper limit must not become lower. A value that has at most
+// these decimals but for the error of its computation stays as it is.
+std::string RoundedUp(double value, int decimals);
+
 // With at most this many decimals: "1", "1.05".
 std::string WithoutTrailingZeros(double value, int mostDecimals);
 

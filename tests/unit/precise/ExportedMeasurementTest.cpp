@@ -73,6 +73,15 @@ TEST(ExportedConditions, NameTheRecordingOrTheSimulation) {
     EXPECT_THAT(lines, Not(Contains(StartsWith("Stimulus"))));
 }
 
+TEST(ExportedConditions, NameTheStateOfAReadingThatIsNotComplete) {
+    ExportedMeasurement measurement = AnyMeasurement();
+    measurement.state = "SETTLING 3 of 8";
+    EXPECT_THAT(ConditionsOf(measurement), Contains("State: SETTLING 3 of 8"));
+    EXPECT_THAT(CopiedText(measurement), HasSubstr("State: SETTLING 3 of 8\n"));
+    const auto object = nlohmann::ordered_json::parse(ExportedJson(measurement, AnySpectrum()));
+    EXPECT_EQ(object.at("state"), "SETTLING 3 of 8");
+}
+
 TEST(ExportedConditions, NameTheCauseOfAVoidReading) {
     ExportedMeasurement measurement = AnyMeasurement();
     measurement.reading.values = {};
@@ -91,6 +100,7 @@ TEST(ExportedJson, HasTheNamesOfTheCommandLineAndTheSpectrum) {
     const auto object = nlohmann::ordered_json::parse(ExportedJson(measurement, AnySpectrum()));
     EXPECT_EQ(object.at("program"), "Sonavex");
     EXPECT_EQ(object.at("version"), "2.1.14");
+    EXPECT_EQ(object.at("state"), "VALID");
     EXPECT_EQ(object.at("time"), "2026-11-22 17:05:00");
     EXPECT_TRUE(object.at("recording").is_null());
     const auto reading = nlohmann::ordered_json::parse(AnalyzedJson(measurement.reading));
@@ -122,6 +132,9 @@ TEST(CopiedReading, HasNumbersThatCanBePasted) {
     const std::string text = CopiedText(AnyMeasurement());
     EXPECT_THAT(text, HasSubstr("thd_db\t-141.250\tdB\n"));
     EXPECT_THAT(text, HasSubstr("harmonic.2\tat most -150.040\tdBc\n"));
+    ExportedMeasurement measurement = AnyMeasurement();
+    measurement.reading.values.reading.harmonics.front().levelDbc.value = -150.0406;
+    EXPECT_THAT(CopiedText(measurement), HasSubstr("harmonic.2\tat most -150.040\tdBc\n"));
     EXPECT_THAT(text, HasSubstr("State: VALID\n"));
 }
 
@@ -132,6 +145,8 @@ TEST(ReportOfTheAnalyzer, FitsThePage) {
     measurement.reading.stream->input = std::string(100, 'x');
     const std::vector<std::string> lines = ReportLines(measurement);
     EXPECT_THAT(lines, Contains("THD                 -141.25 dB ± 0.07 re fundamental"));
+    measurement.reading.values.reading.harmonics.front().levelDbc.value = -149.96;
+    EXPECT_THAT(ReportLines(measurement), Contains(StartsWith("H2 at most -149.9 dBc ")));
     EXPECT_THAT(lines, Contains("H2 at most -150.0 dBc    H3 -145.5 dBc            H4 -150.0 dBc"));
     EXPECT_THAT(lines, Not(Contains(HasSubstr("H10"))));
     EXPECT_THAT(lines, Contains("Time: 2026-11-22 17:05:00"));

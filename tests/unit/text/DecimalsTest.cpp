@@ -18,6 +18,14 @@ TEST(Decimals, AZeroHasNoSign) {
     EXPECT_EQ(WithDecimals(-0.05000001, 1), "-0.1");
 }
 
+TEST(Decimals, RoundUpwards) {
+    EXPECT_EQ(RoundedUp(-140.66, 1), "-140.6");
+    EXPECT_EQ(RoundedUp(-140.7, 1), "-140.7");
+    EXPECT_EQ(RoundedUp(0.1 + 0.2, 1), "0.3");
+    EXPECT_EQ(RoundedUp(0.31, 1), "0.4");
+    EXPECT_EQ(RoundedUp(-0.04, 1), "0.0");
+}
+
 TEST(Decimals, DropsTrailingZeros) {
     EXPECT_EQ(WithoutTrailingZeros(1, 4), "1");
     EXPECT_EQ(WithoutTrailingZeros(1.05, 4), "1.05");

@@ -34,13 +34,6 @@ std::optional<double> FactorOf(std::string_view suffix, std::string_view unit) {
     return std::nullopt;
 }
 
-// A bound that is rounded must not become lower. The margin ignores the error of the multiplication.
-double RoundedUp(double value, int decimals) {
-    constexpr double kMargin = 1e-9;
-    const double steps = std::pow(10.0, decimals);
-    return std::ceil(value * steps * (1.0 - std::copysign(kMargin, value))) / steps;
-}
-
 }  // namespace
 
 std::string SpreadText(double uncertainty, int decimals) {
@@ -49,7 +42,7 @@ std::string SpreadText(double uncertainty, int decimals) {
 
 ValueText TextOf(const Value& value, int decimals, int spreadDecimals) {
     if (!value.value) return {};
-    if (value.atMost) return {kBoundSign + WithDecimals(RoundedUp(*value.value, 1), 1), "", true};
+    if (value.atMost) return {kBoundSign + RoundedUp(*value.value, 1), "", true};
     ValueText text{WithDecimals(*value.value, decimals), "", false};
     if (value.uncertainty) text.spread = kSpreadSign + SpreadText(*value.uncertainty, spreadDecimals);
     return text;
@@ -69,7 +62,7 @@ std::string PercentText(const Value& percent) {
     const int digits = size > 0.0 ? static_cast<int>(std::floor(std::log10(size))) : 0;
     const int shown = percent.atMost ? 1 : kPercentDigits;
     const int decimals = std::clamp(shown - 1 - digits, 0, kMostPercentDecimals);
-    if (percent.atMost) return kBoundSign + WithDecimals(RoundedUp(*percent.value, decimals), decimals);
+    if (percent.atMost) return kBoundSign + RoundedUp(*percent.value, decimals);
     return WithDecimals(*percent.value, decimals);
 }
 

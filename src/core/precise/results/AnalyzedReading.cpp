@@ -227,8 +227,7 @@ std::string Padded24(std::string caption) {
 
 std::string RowLine(const std::string& caption, const Value& value, const char* unit, int decimals) {
     if (!value.value) return {};
-    std::string line = Padded24(caption) + (value.atMost ? "at most " : "") +
-                       WithDecimals(*value.value, decimals) + ' ' + unit;
+    std::string line = Padded24(caption) + FigureText(value, decimals) + ' ' + unit;
     if (value.uncertainty) line += " ± " + WithDigits(*value.uncertainty, 2);
     return line + '\n';
 }
@@ -276,6 +275,11 @@ std::string ConditionLines(const AnalyzedReading& analyzed) {
 }
 
 }  // namespace
+
+std::string FigureText(const Value& value, int decimals) {
+    return value.atMost ? "at most " + RoundedUp(*value.value, decimals)
+                        : WithDecimals(*value.value, decimals);
+}
 
 const char* NameOf(PreciseMode mode) {
     switch (mode) {

@@ -36,6 +36,9 @@ std::string AnalyzedJson(const AnalyzedReading& reading);
 // Lines with a line end each.
 std::string AnalyzedTable(const AnalyzedReading& reading);
 
+// A defined value, "-102.57", or as a bound, "at most -140.6", which is rounded up.
+std::string FigureText(const Value& value, int decimals);
+
 // "thd", "imd", "multitone", "noise"
 const char* NameOf(PreciseMode mode);
 

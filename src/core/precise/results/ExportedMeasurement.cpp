@@ -35,8 +35,9 @@ std::string AnalysisText(const ExportedMeasurement& measurement) {
     return text;
 }
 
-std::string StateText(const Reading& reading) {
-    if (reading.Valid()) return "VALID";
+std::string StateText(const ExportedMeasurement& measurement) {
+    const Reading& reading = measurement.reading.values.reading;
+    if (reading.Valid()) return measurement.state.empty() ? "VALID" : measurement.state;
     std::string text = "VOID";
     for (const Void& entry : reading.voids)
         text += std::string(", ") + Name(entry.code) + ": " + entry.sentence;
@@ -96,9 +97,8 @@ std::string CsvRow(const NamedValue& row) {
 // The value with its spread, or as a bound.
 std::string ReportValue(const Value& value, const char* unit, int decimals) {
     if (!value.value) return "not defined";
-    if (value.atMost) return "at most " + WithDecimals(*value.value, 1) + ' ' + unit;
-    std::string text = WithDecimals(*value.value, decimals) + ' ' + unit;
-    if (value.uncertainty) text += " ± " + WithDigits(*value.uncertainty, 2);
+    std::string text = FigureText(value, value.atMost ? 1 : decimals) + ' ' + unit;
+    if (value.uncertainty && !value.atMost) text += " ± " + WithDigits(*value.uncertainty, 2);
     return text;
 }
 
@@ -117,7 +117,7 @@ void AddHarmonicRows(std::vector<std::string>& lines, const Reading& reading) {
         if (harmonic.order > kReportHarmonics) break;
         const Value& level = harmonic.levelDbc;
         std::string text = "H" + std::to_string(harmonic.order) + ' ';
-        text += level.value ? (level.atMost ? "at most " : "") + WithDecimals(*level.value, 1) + " dBc" : "-";
+        text += level.value ? FigureText(level, 1) + " dBc" : "-";
         if (++count % 3 != 0) text.resize(std::max(text.size(), kHarmonicCharacters), ' ');
         line += text;
         if (count % 3 == 0) lines.push_back(std::exchange(line, {}));
@@ -187,7 +187,7 @@ std::vector<std::string> ConditionsOf(const ExportedMeasurement& measurement) {
     AddStimulus(analyzed, lines);
     lines.push_back("Channel: " + measurement.channel);
     lines.push_back("Analysis: " + AnalysisText(measurement));
-    lines.push_back("State: " + StateText(reading));
+    lines.push_back("State: " + StateText(measurement));
     for (const Warning& entry : reading.warnings)
         lines.push_back(std::string("Warning: ") + Name(entry.code) + ": " + entry.sentence);
     if (analyzed.stream)
@@ -200,11 +200,9 @@ std::vector<std::string> ConditionsOf(const ExportedMeasurement& measurement) {
 
 std::string ExportedJson(const ExportedMeasurement& measurement, const ExportedSpectrum& spectrum) {
     using nlohmann::ordered_json;
-    ordered_json object{{"program", kProgramName},
-                        {"version", measurement.version},
-                        {"time", measurement.time},
-                        {"recording", nullptr},
-                        {"channel", measurement.channel}};
+    ordered_json object{{"program", kProgramName},        {"version", measurement.version},
+                        {"time", measurement.time},       {"recording", nullptr},
+                        {"channel", measurement.channel}, {"state", StateText(measurement)}};
     if (!measurement.recording.empty()) object["recording"] = measurement.recording;
     object.update(ordered_json::parse(AnalyzedJson(measurement.reading)));
     auto levels = ordered_json::array();
@@ -232,8 +230,7 @@ std::string CopiedText(const ExportedMeasurement& measurement) {
     std::string text;
     for (const NamedValue& row : NamedValuesOf(measurement.reading))
         if (row.value.value)
-            text += row.name + '\t' + (row.value.atMost ? "at most " : "") +
-                    WithDecimals(*row.value.value, row.decimals) + '\t' + row.unit + '\n';
+            text += row.name + '\t' + FigureText(row.value, row.decimals) + '\t' + row.unit + '\n';
     for (const std::string& line : ConditionsOf(measurement)) text += line + '\n';
     return text;
 }

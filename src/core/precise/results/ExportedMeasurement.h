@@ -15,6 +15,8 @@ struct ExportedMeasurement {
     std::string time;       // local time of the reading: "2026-11-22 17:05:00"
     std::string recording;  // file; empty for a live measurement
     std::string channel;    // "left", "right"
+    // Of a reading without voids, for example "SETTLING 3 of 8"; empty for VALID.
+    std::string state = {};
     AnalyzedReading reading;
 };
 
@@ -38,8 +40,8 @@ struct ExportedSpectrum {
 // stimulus, analysis, state, path notes, rules.
 std::vector<std::string> ConditionsOf(const ExportedMeasurement& measurement);
 
-// One object: the names of AnalyzedJson, `program`, `version`, `time`, `recording`, `channel`, and `spectrum`
-// with `bin_hz`, `records` and the levels `level_dbfs` of the bins.
+// One object: the names of AnalyzedJson, `program`, `version`, `time`, `recording`, `channel`, `state`, and
+// `spectrum` with `bin_hz`, `records` and the levels `level_dbfs` of the bins.
 std::string ExportedJson(const ExportedMeasurement& measurement, const ExportedSpectrum& spectrum);
 
 // A line for each value, after lines with the conditions that begin with '#': name, value, unit, uncertainty
