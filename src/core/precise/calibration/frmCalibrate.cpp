@@ -90,6 +90,11 @@ void frmCalibrate::ShowInputLevel(std::optional<double> dbfs) {
     if (!entries_.empty()) Show();
 }
 
+void frmCalibrate::ShowToneEnded() {
+    playing_ = false;
+    if (!entries_.empty()) Show();
+}
+
 void frmCalibrate::Play(bool on) {
     const std::string trouble = needs_.play(on);
     lblTrouble.SetCaption(trouble);

@@ -40,6 +40,8 @@ public:
     void Form_Load(std::vector<Entry> entries);
     // The level at the input; empty while there is no valid reading. Call for each reading.
     void ShowInputLevel(std::optional<double> dbfs);
+    // Call when the tone has ended or no longer arrives, without a press of cmdPlay.
+    void ShowToneEnded();
 
     Window Frame{"frmCalibrate"};
     ComboBox cmbChannel;

@@ -146,8 +146,10 @@ ChipState ChipOf(const AnalyzerResult& result, std::size_t averages) {
     const Reading& reading = result.reading.reading;
     if (HasCode(reading.voids, VoidCode::kOverload)) return {Kind::kOverload, "OVERLOAD"};
     if (!reading.Valid()) return VoidChip(CauseOf(reading.voids.front()));
-    if (HasCode(reading.warnings, WarningCode::kUnsteadyTone))
-        return {Kind::kUnsteady, "UNSTEADY " + SkirtText(result)};
+    if (HasCode(reading.warnings, WarningCode::kUnsteadyTone)) {
+        const std::string skirt = SkirtText(result);
+        return {Kind::kUnsteady, skirt.empty() ? "UNSTEADY" : "UNSTEADY " + skirt};
+    }
     if (!result.recording && reading.blocks < averages)
         return SettlingChip(static_cast<double>(reading.blocks), averages);
     return {Kind::kValid, "VALID"};
@@ -168,7 +170,8 @@ std::string LimitOf(const AnalyzerResult& result) {
     const Reading& reading = result.reading.reading;
     for (const Warning& warning : reading.warnings)
         if (warning.code == WarningCode::kClipped || warning.code == WarningCode::kImpulsiveNoise ||
-            warning.code == WarningCode::kNoHarmonicInBand)
+            warning.code == WarningCode::kNoHarmonicInBand ||
+            (result.recording && warning.code == WarningCode::kUnsteadyTone))
             return Continued(Remark(warning.sentence));
     if (HasCode(reading.warnings, WarningCode::kLimitedBy16Bit)) return "limited by 16 bit";
     for (const RuleResult& rule : result.rules)

@@ -143,7 +143,8 @@ void StimulusPanel::ShowLevel() {
     const int unit = cmbLevelUnit.ListIndex();
     const ValueText text =
         TextOf(LevelUnits::Converted({levelDbfs_, {}}, unit, calibration_), LevelUnits::Decimals(unit));
-    txtLevel.SetText(unit == LevelUnits::kVolts ? VoltageText(calibration_->Volts(levelDbfs_)) : text.value);
+    shownLevel_ = unit == LevelUnits::kVolts ? VoltageText(calibration_->Volts(levelDbfs_)) : text.value;
+    txtLevel.SetText(shownLevel_);
     if (!calibration_) return lblLevelNote.SetCaption("not calibrated");
     lblLevelNote.SetCaption(
         (unit == LevelUnits::kDbfs ? VoltageText(calibration_->Volts(levelDbfs_)) + " rms" : dbfs + " dBFS") +
@@ -216,7 +217,10 @@ std::vector<double> StimulusPanel::TonesHz() const {
 }
 
 std::string StimulusPanel::Description() const {
-    return Notation() + " at " + WithDecimals(levelDbfs_, 2) + " dBFS";
+    constexpr std::array<const char*, 3> kSides{"left", "right", "both sides"};
+    return Notation() + " at " + WithDecimals(levelDbfs_, 2) + " dBFS, " +
+           kSides.at(static_cast<std::size_t>(cmbSide.ListIndex())) + ", dither " + cmbDither.Text() +
+           (chkSnap.Checked() && !HasNoise() ? ", on an odd bin" : "");
 }
 
 PreciseMode StimulusPanel::Mode() const {
@@ -277,7 +281,8 @@ void StimulusPanel::TakeTexts() {
     TakeNumber(txtFrequency, hertz_, "Hz", 0, 1e6);
     TakeNumber(txtFrequency2, hertz2_, "Hz", 0, 1e6);
     TakeNumber(txtRatio, ratio_, "", 0.001, 1000);
-    const std::optional<double> typed = TypedDbfs();
+    // The shown level is rounded, so it is not read again.
+    const std::optional<double> typed = txtLevel.Text() == shownLevel_ ? std::nullopt : TypedDbfs();
     if (typed && *typed >= kLowestDbfs && *typed <= 0) levelDbfs_ = *typed;
     ShowLevel();
     tones_ = txtTones.Text();

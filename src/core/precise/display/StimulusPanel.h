@@ -46,7 +46,7 @@ public:
     PreciseMode Mode() const;
     // The tones under the present conditions; empty for noise and if the texts do not make a stimulus.
     std::vector<double> TonesHz() const;
-    // "sine:1000 at -1.00 dBFS"
+    // "sine:1000 at -1.00 dBFS, left, dither TPDF, 24 bit"
     std::string Description() const;
     // The side whose calibration counts: 0 left, 1 right.
     std::size_t Channel() const noexcept { return cmbSide.ListIndex() == 1 ? 1 : 0; }
@@ -99,6 +99,7 @@ private:
     std::size_t recordLength_ = 65536;
     int outputBits_ = 0;
     double levelDbfs_ = -1;
+    std::string shownLevel_;  // as txtLevel shows it
     double hertz_ = 1000;
     double hertz2_ = 7000;
     double ratio_ = 4;

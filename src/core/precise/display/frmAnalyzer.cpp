@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/stimulus/StimulusPlan.h"
+#include "core/text/Decimals.h"
 
 namespace sonavex {
 namespace {
@@ -67,10 +68,7 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
     HandleControls();
     HandleRecording();
     measurement_.Meter.OnReading = [this](const LinesReading& reading) { TakeLive(reading); };
-    measurement_.OnChanged = [this] {
-        Stimulus.ShowPlaying(measurement_.Player.Now());
-        if (!measurement_.Player.Trouble().empty()) Stimulus.ShowTrouble(measurement_.Player.Trouble());
-    };
+    measurement_.OnChanged = [this] { TakePlayer(); };
     SetHeld(false);
     ClearFigures();
 }
@@ -201,8 +199,27 @@ PreciseSettings frmAnalyzer::ChosenSettings() {
     return settings;
 }
 
+// When the stimulus ends, the meter begins again, and the figures of the stimulus are over.
+void frmAnalyzer::TakePlayer() {
+    using State = StimulusPlayer::State;
+    const State state = measurement_.Player.Now();
+    Stimulus.ShowPlaying(state);
+    if (!measurement_.Player.Trouble().empty()) Stimulus.ShowTrouble(measurement_.Player.Trouble());
+    const bool ended = heard_ && (state == State::kEnding || state == State::kOff);
+    heard_ = state == State::kPlaying;
+    if (ended && calibrate_ != nullptr) calibrate_->ShowToneEnded();
+    if (ended && timer_ != 0 && !held_ && !Recording.IsOpen()) ClearFigures();
+}
+
+frmAnalyzer::Source frmAnalyzer::PresentSource() const {
+    const StreamEngine& engine = needs_.instrument.Engine;
+    return {static_cast<double>(needs_.instrument.Shared.SampleRate), engine.ListedInputId,
+            engine.ListedOutputId};
+}
+
 // Begins the averages again with the present choices.
 void frmAnalyzer::Measure(Play play) {
+    source_ = PresentSource();
     rateHz_ = Recording.IsOpen() ? Recording.Opened().rateHz : needs_.instrument.Shared.SampleRate;
     outputBits_ = needs_.instrument.Engine.OutputBits();
     Analysis.Load(rateHz_);
@@ -225,6 +242,7 @@ void frmAnalyzer::MeasureLive(const PreciseSettings& settings, Play play) {
         std::optional<StimulusChoice> stimulus;
         if (play == Play::kChosen) stimulus = Stimulus.Chosen();
         measurement_.Start(settings, stimulus);
+        if (stimulus) played_ = Stimulus.Description();
         Stimulus.ShowTrouble("");
     } catch (const StimulusError& error) {
         Stimulus.ShowTrouble(error.what());
@@ -249,7 +267,7 @@ void frmAnalyzer::TakeChangedStimulus() {
 }
 
 void frmAnalyzer::Tick() {
-    if (!Recording.IsOpen() && rateHz_ != needs_.instrument.Shared.SampleRate) Measure(Play::kKeep);
+    if (!Recording.IsOpen() && source_ != PresentSource()) Measure(Play::kKeep);
     if (outputBits_ != needs_.instrument.Engine.OutputBits()) {
         outputBits_ = needs_.instrument.Engine.OutputBits();
         Stimulus.SetConditions(rateHz_, length_, outputBits_);
@@ -294,8 +312,8 @@ void frmAnalyzer::ShowPath() {
                                  : needs_.lblBits.Caption());
     const std::string limit = result_ ? LimitOf(*result_) : std::string();
     const std::string path = recording ? Recording.Note() : InOneLine(needs_.pathNote.Caption());
-    const std::string separator = recording && !limit.empty() ? ", " : "";
-    note.SetCaption(recording ? path + separator + limit : limit.empty() ? path : limit);
+    const std::string separator = path.empty() || limit.empty() ? "" : recording ? ", " : "; ";
+    note.SetCaption(path + separator + limit);
     note.SetEmphasis(recording || !note.Caption().empty());
 }
 
@@ -329,6 +347,7 @@ void frmAnalyzer::ShowSettling(double records) {
 }
 
 void frmAnalyzer::ShowVoid(const std::string& cause) {
+    if (calibrate_ != nullptr) calibrate_->ShowToneEnded();
     ClearFigures();
     ShowChip(VoidChip(cause));
 }
@@ -337,6 +356,7 @@ void frmAnalyzer::ShowVoid(const std::string& cause) {
 void frmAnalyzer::ClearFigures() {
     result_.reset();
     live_.reset();
+    if (calibrate_ != nullptr) calibrate_->ShowInputLevel(std::nullopt);
     Readings.Clear(lastValid_.empty() ? std::string() : "last valid " + lastValid_);
     SpectrumPlot::Data data;
     if (rateHz_ > 0) data.rateHz = rateHz_;
@@ -349,7 +369,7 @@ void frmAnalyzer::ClearFigures() {
 void frmAnalyzer::TakeLive(const LinesReading& reading) {
     if (calibrate_ != nullptr)
         calibrate_->ShowInputLevel(reading.reading.Valid() ? reading.reading.levelDbfs.value : std::nullopt);
-    if (held_ || Recording.IsOpen()) return;
+    if (held_ || Recording.IsOpen() || source_ != PresentSource()) return;
     const PreciseMeter& meter = measurement_.Meter;
     AnalyzerResult result;
     result.mode = mode_;
@@ -361,7 +381,7 @@ void frmAnalyzer::TakeLive(const LinesReading& reading) {
     result.residual = meter.Residual();
     for (const StimulusLine& line : measurement_.Player.Lines()) result.playedHz.push_back(line.hertz);
     Take(std::move(result));
-    if (single_ && Complete()) SetHeld(true);
+    if (single_ && reading.reading.Valid() && reading.reading.blocks >= Analysis.Averages()) SetHeld(true);
 }
 
 void frmAnalyzer::TakeRecording(const LinesReading& reading, const RecordingAnalysis& analysis) {
@@ -378,12 +398,12 @@ void frmAnalyzer::TakeRecording(const LinesReading& reading, const RecordingAnal
 }
 
 void frmAnalyzer::Take(AnalyzerResult result) {
-    result.rules = JudgeReading(result.reading.reading, reference_, idle_);
+    result.rules = JudgeReading(result.reading.reading, Comparable(reference_), Comparable(idle_));
     result_ = std::move(result);
     resultTime_ = needs_.now();
     const Reading& reading = result_->reading.reading;
     const ChipState chip = ChipOf(*result_, Analysis.Averages());
-    if (chip.kind == StateChip::Kind::kValid) lastValid_ = TimeOfDay(resultTime_);
+    if (chip.kind == StateChip::Kind::kValid && !result_->recording) lastValid_ = TimeOfDay(resultTime_);
     if (reading.Valid())
         Readings.Show(result_->reading, {.mode = result_->mode,
                                          .weighting = Analysis.Weighting(),
@@ -415,8 +435,12 @@ void frmAnalyzer::SetHeld(bool held) {
     held_ = held && result_.has_value() && !Recording.IsOpen();
     single_ = false;
     cmdHold.SetCaption(held_ ? "Go on" : "Hold");
-    if (held_ && result_->reading.reading.Valid())
-        Chip.Show(StateChip::Kind::kOff, "HELD " + TimeOfDay(resultTime_));
+    if (!held_ || !result_->reading.reading.Valid()) return;
+    const ChipState chip = ChipOf(*result_, Analysis.Averages());
+    if (chip.kind == StateChip::Kind::kValid)
+        ShowChip({StateChip::Kind::kOff, "HELD " + TimeOfDay(resultTime_)});
+    else
+        ShowChip({chip.kind, chip.text + ", held " + TimeOfDay(resultTime_), chip.progress});
 }
 
 void frmAnalyzer::Single() {
@@ -434,14 +458,27 @@ void frmAnalyzer::KeepTrace() {
 }
 
 // Of the validity rules: a loop-back reading, or one with the generator off.
-void frmAnalyzer::KeepReading(std::optional<SavedReading>& place) {
+void frmAnalyzer::KeepReading(std::optional<KeptReading>& place) {
     if (!Complete()) {
         needs_.dialogs.Message("There is no valid reading to keep.", MessageIcon::kInformation);
         return;
     }
-    place = SavedReading::Of(result_->reading.reading);
-    result_->rules = JudgeReading(result_->reading.reading, reference_, idle_);
+    place = KeptReading{SavedReading::Of(result_->reading.reading), RuleConditions()};
+    result_->rules = JudgeReading(result_->reading.reading, Comparable(reference_), Comparable(idle_));
     ShowPath();
+}
+
+// Readings of another source, rate, channel, band or sum of harmonics say nothing about each other.
+std::string frmAnalyzer::RuleConditions() const {
+    const PreciseSettings chosen = Analysis.Chosen();
+    const std::string source = Recording.IsOpen() ? Recording.Opened().path : source_.input;
+    return source + '|' + WithDecimals(rateHz_, 0) + '|' + std::to_string(chosen.channel) + '|' +
+           Analysis.BandText() + '|' + std::to_string(chosen.tone.highestOrder);
+}
+
+std::optional<SavedReading> frmAnalyzer::Comparable(const std::optional<KeptReading>& kept) const {
+    if (!kept || kept->conditions != RuleConditions()) return std::nullopt;
+    return kept->reading;
 }
 
 bool frmAnalyzer::Complete() const {
@@ -453,6 +490,7 @@ ExportedMeasurement frmAnalyzer::Exported() const {
     exported.version = needs_.version;
     exported.time = DateAndTime(resultTime_);
     exported.channel = kChannelNames.at(Analysis.Chosen().channel);
+    exported.state = ChipOf(*result_, Analysis.Averages()).text;
     exported.reading.mode = result_->mode;
     exported.reading.values = result_->reading;
     exported.reading.rateHz = rateHz_;
@@ -463,8 +501,7 @@ ExportedMeasurement frmAnalyzer::Exported() const {
     }
     exported.reading.stream =
         DetailsOf(needs_.instrument.Engine, needs_.instrument.Shared.SampleRate, needs_.simulated);
-    if (!result_->playedHz.empty() || measurement_.Player.Active())
-        exported.reading.stimulus = Stimulus.Description();
+    if (!result_->playedHz.empty() || measurement_.Player.Active()) exported.reading.stimulus = played_;
     exported.reading.playedHz = result_->playedHz;
     return exported;
 }
@@ -478,8 +515,21 @@ void frmAnalyzer::Export() {
     if (!AskForExport) return;
     const AnalyzerResult result = *result_;
     const ExportedMeasurement measurement = Exported();
+    const SpectrumPlot::Data plotted = Spectrum.Shown();
     const std::optional<ExportTarget> target = AskForExport(measurement);
     if (!target) return;
+    // DrawPlot draws what the plot shows.
+    struct Plotted {
+        SpectrumPlot& plot;
+        SpectrumPlot::Data present;
+        Plotted(SpectrumPlot& drawn, const SpectrumPlot::Data& data) : plot(drawn), present(drawn.Shown()) {
+            plot.Show(data);
+        }
+        ~Plotted() { plot.Show(present); }
+        Plotted(const Plotted&) = delete;
+        Plotted& operator=(const Plotted&) = delete;
+    };
+    const Plotted shown(Spectrum, plotted);
     try {
         WriteExport(needs_.files, target->path, target->kind,
                     {measurement, result.spectrum, result.samples, result.residual, DrawPlot});
@@ -534,6 +584,8 @@ std::string frmAnalyzer::PlayForCalibration(bool on) {
     tone.recordLength = length_;
     try {
         measurement_.Start(ChosenSettings(), tone);
+        played_ = "sine:" + WithDigits(frmCalibrate::kToneHz, 6) + " at " +
+                  WithDecimals(frmCalibrate::kToneDbfs, 2) + " dBFS, both sides, for the calibration";
     } catch (const StimulusError& error) {
         playsForCalibration_ = false;
         return error.what();

@@ -140,6 +140,14 @@ private:
     void Tick();
     bool InputStalled();
     std::optional<std::string> Trouble();
+    // The rate and the devices that a live reading belongs to.
+    struct Source {
+        double rateHz = 0;
+        std::string input;
+        std::string output;
+        bool operator==(const Source&) const = default;
+    };
+    Source PresentSource() const;
 
     void ShowPath();
     void ShowCalibration();
@@ -157,7 +165,15 @@ private:
     void SetHeld(bool held);
     void Single();
     void KeepTrace();
-    void KeepReading(std::optional<SavedReading>& place);
+    // A reading that is kept for the rules of validity, with the conditions under which they compare it.
+    struct KeptReading {
+        SavedReading reading;
+        std::string conditions;
+    };
+    void KeepReading(std::optional<KeptReading>& place);
+    std::string RuleConditions() const;
+    std::optional<SavedReading> Comparable(const std::optional<KeptReading>& kept) const;
+    void TakePlayer();
     bool Complete() const;
     void Export();
     void Calibrate();
@@ -170,6 +186,9 @@ private:
     Calibrations calibrations_;
     EventLoop::TimerId timer_ = 0;
     double rateHz_ = 0;
+    Source source_;       // that is measured
+    bool heard_ = false;  // the stimulus plays
+    std::string played_;  // the stimulus that was started last
     std::size_t length_ = 0;
     int outputBits_ = 0;
     bool held_ = false;
@@ -183,8 +202,8 @@ private:
     DateTime resultTime_;
     std::string lastValid_;  // time of day
     std::shared_ptr<const SpectrumTrace> live_;
-    std::optional<SavedReading> reference_;
-    std::optional<SavedReading> idle_;
+    std::optional<KeptReading> reference_;
+    std::optional<KeptReading> idle_;
 };
 
 }  // namespace sonavex

@@ -59,6 +59,26 @@ protected:
         EXPECT_TRUE(form.Spectrum.Shown().markers.empty());
         EXPECT_FALSE(form.Spectrum.Shown().noisePerBinDbfs);
     }
+    void Play() {
+        form.Show();
+        form.Stimulus.cmdStart.Press();
+        ASSERT_TRUE(Becomes(Kind::kValid)) << form.Chip.Text();
+    }
+    // What an export of the present reading records.
+    ExportedMeasurement Exported() {
+        ExportedMeasurement exported;
+        form.AskForExport = [&](const ExportedMeasurement& measurement) {
+            exported = measurement;
+            return std::optional<frmAnalyzer::ExportTarget>();
+        };
+        form.cmdExport.Press();
+        return exported;
+    }
+    std::vector<std::string> RulesOfExport() {
+        std::vector<std::string> names;
+        for (const RuleResult& rule : Exported().reading.rules) names.push_back(rule.rule);
+        return names;
+    }
     FormRig rig;
     InlineBackground background{rig.loop};
     MemoryFiles files;
@@ -313,6 +333,122 @@ TEST_F(frmAnalyzerTest, ClosedOverTheCalibrationItStaysClosed) {
     ExpectNoFigure();
 }
 
+// The figures of a tone are over when the tone is.
+TEST_F(frmAnalyzerTest, NoFigureStaysWhenTheStimulusStops) {
+    Play();
+    form.Stimulus.cmdStart.Press();
+    Run(100ms);
+    EXPECT_EQ(form.Chip.State(), Kind::kSettling) << form.Chip.Text();
+    ExpectNoFigure();
+}
+
+TEST_F(frmAnalyzerTest, AHeldReadingKeepsItsState) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    for (auto passed = 0ms; form.lblAverages.Caption() != "3 of 8" && passed < 20s; passed += 20ms) Run(20ms);
+    form.cmdHold.Press();
+    EXPECT_EQ(form.Chip.Text(), "SETTLING 3 of 8, held 10:42:07");
+    EXPECT_EQ(form.Chip.State(), Kind::kSettling);
+    EXPECT_EQ(Exported().state, "SETTLING 3 of 8");
+    Run(2s);
+    EXPECT_EQ(form.Chip.Text(), "SETTLING 3 of 8, held 10:42:07");
+}
+
+// Its figures would appear under the name of another device, with the calibration of that device.
+TEST_F(frmAnalyzerTest, AChangeOfTheDeviceEndsTheHold) {
+    Play();
+    form.cmdHold.Press();
+    rig.form.Instrument.Engine.ListedInputId = "another";
+    Run(200ms);
+    EXPECT_EQ(form.cmdHold.Caption(), "Hold");
+    EXPECT_EQ(form.Chip.State(), Kind::kSettling) << form.Chip.Text();
+    ExpectNoFigure();
+}
+
+TEST_F(frmAnalyzerTest, TheNoteNamesThePathAndTheLimit) {
+    form.Show();
+    form.Stimulus.txtFrequency.UserTypes("3000");
+    form.Stimulus.txtFrequency.UserLeaves();
+    Play();
+    rig.form.PathNote.SetCaption("the output is resampled");
+    Run(200ms);
+    EXPECT_THAT(form.note.Caption(), StartsWith("the output is resampled; no harmonic lies in the band"));
+}
+
+TEST_F(frmAnalyzerTest, AnExportNamesTheStimulusThatPlays) {
+    Play();
+    const std::string playing = "sine:1000 at -1.00 dBFS, both sides, dither TPDF, 24 bit, on an odd bin";
+    EXPECT_EQ(Exported().reading.stimulus, playing);
+    form.Stimulus.cmbShape.UserSelects(StimulusPanel::kMultitone);
+    form.Stimulus.txtTones.UserTypes("tones");
+    form.Stimulus.txtTones.UserLeaves();
+    Run(200ms);
+    form.Stimulus.cmbShape.UserSelects(StimulusPanel::kSine);
+    ASSERT_TRUE(Becomes(Kind::kValid)) << form.Chip.Text();
+    EXPECT_EQ(Exported().reading.stimulus, playing);
+}
+
+// The live reading goes on while the user chooses the file.
+TEST_F(frmAnalyzerTest, ThePictureShowsTheSpectrumOfTheClick) {
+    Play();
+    const SpectrumTrace* const clicked = form.Spectrum.Shown().live.get();
+    form.AskForExport = [this](const ExportedMeasurement&) {
+        Stall(1s);
+        EXPECT_EQ(form.Spectrum.Shown().live, nullptr);
+        return frmAnalyzer::ExportTarget{"/tmp/out.png", ExportKind::kPicture};
+    };
+    const SpectrumTrace* drawn = nullptr;
+    form.DrawPlot = [&](ExportKind, const std::vector<std::string>&) {
+        drawn = form.Spectrum.Shown().live.get();
+        return std::string("picture");
+    };
+    form.cmdExport.Press();
+    EXPECT_EQ(drawn, clicked);
+    EXPECT_EQ(form.Spectrum.Shown().live, nullptr);
+    EXPECT_EQ(files.texts["/tmp/out.png"], "picture");
+}
+
+TEST_F(frmAnalyzerTest, AReferenceOfOtherConditionsIsNotCompared) {
+    Play();
+    form.mnuKeepReference.UserChooses();
+    form.mnuKeepIdle.UserChooses();
+    EXPECT_THAT(RulesOfExport(), testing::ElementsAre("source", "source", "idle", "fundamental"));
+    form.Analysis.cmbChannel.UserSelects(1);
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    EXPECT_THAT(RulesOfExport(), testing::ElementsAre("fundamental"));
+    form.Analysis.cmbChannel.UserSelects(0);
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    EXPECT_THAT(RulesOfExport(), testing::ElementsAre("source", "source", "idle", "fundamental"));
+}
+
+TEST_F(frmAnalyzerTest, NothingIsCalibratedAfterALoss) {
+    Play();
+    form.ShowCalibrate = [this](frmCalibrate& dialog) {
+        dialog.cmdPlay.Press();
+        Run(6s);
+        EXPECT_EQ(dialog.cmdPlay.Caption(), "Stop");
+        Stall(1s);
+        EXPECT_EQ(dialog.cmdPlay.Caption(), "Play 1 kHz");
+        dialog.txtVolts.UserTypes("0.5");
+        dialog.cmdStore.Press();
+        EXPECT_EQ(dialog.lblTrouble.Caption(), "Play the tone first.");
+        dialog.cmbChannel.UserSelects(dialog.cmbChannel.Count() - 1);
+        EXPECT_EQ(dialog.lblLevel.Caption(), "no valid reading");
+    };
+    form.Stimulus.cmdCalibrate.Press();
+    Run(500ms);
+    EXPECT_EQ(form.Stimulus.cmdStart.Caption(), "Start");
+}
+
+TEST_F(frmAnalyzerTest, AfterARecordingNoLiveReadingWasTheLast) {
+    form.Show();
+    form.OpenRecording("/tmp/take 3.wav");
+    Run(200ms);
+    ASSERT_EQ(form.Chip.Text(), "VALID");
+    form.Recording.cmdLive.Press();
+    EXPECT_EQ(form.Readings.lblThdSpread.Caption(), "");
+}
+
 TEST_F(frmAnalyzerTest, LevelsAreInVoltsOnceCalibrated) {
     form.Show();
     EXPECT_EQ(form.Stimulus.lblLevelNote.Caption(), "not calibrated");
@@ -332,6 +468,13 @@ TEST_F(frmAnalyzerTest, LevelsAreInVoltsOnceCalibrated) {
     form.Stimulus.txtLevel.UserTypes("500mV");
     form.Stimulus.txtLevel.UserLeaves();
     EXPECT_EQ(form.Stimulus.txtLevel.Text(), "-10.00");
+    form.Stimulus.cmbLevelUnit.UserSelects(LevelUnits::kVolts);
+    form.Stimulus.txtLevel.UserTypes("123.4567 mV");
+    form.Stimulus.txtLevel.UserLeaves();
+    const double dbfs = form.Stimulus.Chosen().levelDbfs;
+    form.Stimulus.txtFrequency.UserTypes("2000");
+    form.Stimulus.txtFrequency.UserLeaves();
+    EXPECT_EQ(form.Stimulus.Chosen().levelDbfs, dbfs);
 }
 
 }  // namespace
