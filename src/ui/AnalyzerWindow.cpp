@@ -4,6 +4,7 @@
 #include <QDropEvent>
 #include <QHideEvent>
 #include <QIcon>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
@@ -17,6 +18,7 @@
 
 #include "ui/widgets/ChevronButton.h"
 #include "ui/widgets/ReadingRowView.h"
+#include "ui/widgets/Theme.h"
 #include "ui/widgets/UnitChoice.h"
 #include "ui_frmAnalyzer.h"
 
@@ -82,7 +84,9 @@ AnalyzerWindow::AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard)
       guard_(guard),
       ui_(std::make_unique<Ui::frmAnalyzer>()) {
     ui_->setupUi(this);
+    // A file may be dropped anywhere; an entry would take its name as text.
     setAcceptDrops(true);
+    for (QLineEdit* entry : findChildren<QLineEdit*>()) entry->setAcceptDrops(false);
     setProperty("ownsDialogs", true);
     ui_->cmdStart->setIconSize(kStartIcon);
     MakeRows();
@@ -95,6 +99,7 @@ AnalyzerWindow::AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard)
         if (!compact_) form_.StoreWavesFolded(!ui_->cmdFoldWaves->Open());
     });
     ConnectKeys();
+    PaintOwnBackgrounds();
     Complete();
 }
 
@@ -143,6 +148,17 @@ void AnalyzerWindow::MakeRows() {
         ui_->readingsCard->layout()->addWidget(rows_.back());
         if (i == ReadingsPanel::kNoise) ui_->readingsCard->layout()->addWidget(ui_->lblNoiseBand);
     }
+}
+
+// Widgets that change with every reading paint their own background, so that no card behind them is
+// repainted.
+void AnalyzerWindow::PaintOwnBackgrounds() {
+    for (ReadingRowView* row : rows_)
+        for (QLabel* label : {&row->Value(), &row->Spread()}) PaintOwnBackground(*label);
+    for (QLabel* label : {static_cast<QLabel*>(ui_->lblThd), ui_->lblThdSpread, ui_->lblThdOther,
+                          ui_->lblNoiseBand, ui_->lblAverages})
+        PaintOwnBackground(*label);
+    PaintOwnBackground(*ui_->Harmonics);
 }
 
 // A letter does not act while a field has the focus: the field then takes the key as text.

@@ -45,6 +45,7 @@ protected:
 private:
     void MakeRows();
     void MakeMenus();
+    void PaintOwnBackgrounds();
     void ConnectFiles();
     std::vector<PictureLegend> Legend() const;
     std::string AskForRecording();

@@ -145,6 +145,7 @@ void HarmonicsView::PaintRow(QPainter& painter, const Fonts& fonts, const Column
 
 void HarmonicsView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    PaintBackground(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Fonts fonts(font());
     const Columns columns = Places(fonts);

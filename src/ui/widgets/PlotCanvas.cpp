@@ -62,6 +62,20 @@ private:
     const PlotCanvas::Painting& painting_;
 };
 
+// Fills the whole plot below everything else. As a part of the first buffer it is not painted with every
+// reading.
+class FilledPart : public QCPLayerable {
+public:
+    explicit FilledPart(QCustomPlot& plot) : QCPLayerable(&plot, "background") { moveToLayer(layer(), true); }
+    QColor Colour;
+
+protected:
+    void applyDefaultAntialiasingHint(QCPPainter* /*painter*/) const override {}
+    // The library moves the clipping upwards by one pixel.
+    QRect clipRect() const override { return parentPlot()->viewport().adjusted(0, 0, 0, 1); }
+    void draw(QCPPainter* painter) override { painter->fillRect(parentPlot()->viewport(), Colour); }
+};
+
 // The period of a measured tone differs a little with each reading. Axes that differ by less than a fraction
 // of a pixel are not painted again.
 bool LookAlike(const PlotCanvas::Axis& axis, const PlotCanvas::Axis& other) {
@@ -85,7 +99,10 @@ QColor Weak(QColor colour) {
 
 struct PlotCanvas::Plot {
     explicit Plot(PlotCanvas& canvas) : widget(&canvas) {
-        QObject::connect(&widget, &QCustomPlot::afterReplot, &widget, [this] { painted = true; });
+        QObject::connect(&widget, &QCustomPlot::afterReplot, &widget, [this] {
+            painted = true;
+            widget.setBackground(Qt::NoBrush);
+        });
         widget.setAttribute(Qt::WA_TransparentForMouseEvents);
         widget.setFocusPolicy(Qt::NoFocus);
         widget.axisRect()->setAutoMargins(QCP::msNone);
@@ -112,17 +129,21 @@ struct PlotCanvas::Plot {
             axis->grid()->setAntialiased(false);
             axis->grid()->setAntialiasedSubGrid(false);
         }
+        around = new FilledPart(widget);
         new PaintedPart(widget, "background", canvas.PaintGround);
         new PaintedPart(widget, "main", canvas.PaintCurves);
     }
 
+    // Until the next replot the buffers do not fill the plot.
+    void FillUntilReplot() { widget.setBackground(QBrush(around->Colour)); }
     QCPAxis& Horizontal() { return *widget.xAxis; }
     QCPAxis& Vertical() { return *widget.yAxis; }
 
     Axis horizontalAxis;
     Axis verticalAxis;
     QCustomPlot widget;
-    bool painted = false;  // once: the layers have their buffers
+    FilledPart* around = nullptr;  // owned by the plot
+    bool painted = false;          // once: the layers have their buffers
 };
 
 PlotCanvas::PlotCanvas(QWidget* parent) : QWidget(parent) {
@@ -156,7 +177,8 @@ bool PlotCanvas::SetAxes(const Axis& horizontal, const Axis& vertical, const QFo
 
 void PlotCanvas::SetColours(const QColor& around, const QColor& ground, const QColor& frame,
                             const QColor& grid, const QColor& labels) {
-    plot_->widget.setBackground(QBrush(around));
+    plot_->around->Colour = around;
+    plot_->FillUntilReplot();
     plot_->widget.axisRect()->setBackground(QBrush(ground));
     for (QCPAxis* axis : plot_->widget.axisRect()->axes()) {
         axis->setBasePen(frame);
@@ -181,6 +203,7 @@ void PlotCanvas::PaintOn(QPaintDevice& device, const QSize& size, double scale) 
 }
 
 void PlotCanvas::resizeEvent(QResizeEvent* event) {
+    plot_->FillUntilReplot();
     plot_->widget.setGeometry(rect());
     QWidget::resizeEvent(event);
 }
