@@ -2,13 +2,16 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QUrl>
 #include <map>
 #include <optional>
 #include <set>
@@ -21,12 +24,14 @@
 #include "ui/ClippedTexts.h"
 #include "ui/widgets/KeyButton.h"
 #include "ui/widgets/SegmentedChoice.h"
+#include "ui/widgets/SpectrumView.h"
 #include "ui/widgets/UnitChoice.h"
 
 namespace sonavex {
 namespace {
 
 using testing::IsEmpty;
+using namespace std::chrono_literals;
 
 constexpr QSize kUsualSize(1240, 800);
 constexpr QSize kSmallestSize(1000, 640);
@@ -354,6 +359,33 @@ TEST_F(AnalyzerWindowTest, ShowsTheUncertaintyInTheInkOfItsFigure) {
     Play(std::chrono::seconds(4));
     Settle();
     EXPECT_EQ(Find<QLabel>("lblThdSpread").property("ink").toByteArray(), "");
+}
+
+// An entry would take the name of the file as its text.
+TEST_F(AnalyzerWindowTest, OpensAFileThatIsDroppedAnywhere) {
+    Open(kUsualSize);
+    files.sounds["/recordings/dropped.wav"] = {
+        .rateHz = 48000, .channels = 2, .frames = 100000, .sample = UnsteadySine};
+    for (QWidget* target : {static_cast<QWidget*>(&Find<ui::SpectrumView>("Spectrum")),
+                            static_cast<QWidget*>(&Find<QLineEdit>("txtFrequency"))}) {
+        form.lblRecording.SetCaption("");
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile("/recordings/dropped.wav")});
+        const QPoint place = target->rect().center();
+        QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &enter);
+        EXPECT_TRUE(enter.isAccepted()) << target->objectName().toStdString();
+        QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &drop);
+        Play(200ms);
+        EXPECT_EQ(form.lblRecording.Caption(), "dropped.wav") << target->objectName().toStdString();
+        EXPECT_EQ(form.Stimulus.txtFrequency.Text(), "19999.756");
+    }
+    QMimeData text;
+    text.setText("440");
+    QDragEnterEvent enter({0, 0}, Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &enter);
+    EXPECT_FALSE(enter.isAccepted());
 }
 
 TEST_F(AnalyzerWindowTest, TheStripOfARecordingTakesThePlaceOfTheDevices) {

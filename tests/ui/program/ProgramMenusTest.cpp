@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QComboBox>
 #include <QLabel>
@@ -8,11 +9,14 @@
 #include "app/sonavex/Program.h"
 #include "support/ChildProcess.h"
 #include "support/DialogUser.h"
+#include "support/QtWait.h"
 #include "support/ScopedVariable.h"
 #include "ui/HelpWindow.h"
 
 namespace sonavex {
 namespace {
+
+using namespace std::chrono_literals;
 
 // The menus of the whole program on the simulated card, in a private account.
 class ProgramMenus : public testing::Test {
@@ -63,6 +67,26 @@ TEST_F(ProgramMenus, ClosingTheWindowClosesAnOpenDialogFirst) {
     });
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_EQ(program.Form().Instrument.Engine.SecondaryBuffer(), nullptr);
+}
+
+// The block meter and the record of the Analyzer go on below a message of the Analyzer.
+TEST_F(ProgramMenus, AMessageOfTheAnalyzerInterruptsNothing) {
+    Trigger("mnuAnalyzer");
+    const StreamEngine& engine = program.Form().Instrument.Engine;
+    ASSERT_TRUE(WaitInQt(5s, [&] { return engine.Blocks > 0; }));
+    bool shown = false;
+    const DialogSteps driver({[&](QDialog& dialog) {
+        shown = true;
+        auto& box = dynamic_cast<QMessageBox&>(dialog);
+        EXPECT_THAT(box.text().toStdString(), testing::HasSubstr("no reading to export"));
+        const std::uint64_t before = engine.Blocks;
+        EXPECT_TRUE(WaitInQt(5s, [&] { return engine.Blocks > before + 2; }));
+        EXPECT_EQ(engine.Restarting(), false);
+        box.buttons().front()->click();
+    }});
+    program.Analyzer().Form().cmdExport.Press();
+    EXPECT_TRUE(shown);
+    program.Analyzer().Form().Unload();
 }
 
 TEST_F(ProgramMenus, PrintingAsksFirst) {
