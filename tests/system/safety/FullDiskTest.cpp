@@ -29,7 +29,7 @@ using testing::StartsWith;
 namespace fs = std::filesystem;
 
 // Exit status and output of a program.
-struct RunOutcome {
+struct ProgramOutcome {
     int status = -1;
     std::string output;
 };
@@ -75,7 +75,7 @@ protected:
     }
 
     // File permissions apply on every disk.
-    RunOutcome Run(Disk disk, const Arguments& command) {
+    ProgramOutcome Run(Disk disk, const Arguments& command) {
         Confinement confinement;
         if (disk == Disk::kLimited) confinement.fileBytes = kLittle;
         const Arguments confined = Confined(confinement, command);
@@ -83,7 +83,7 @@ protected:
         if (disk == Disk::kReadOnly) return Ended(OnReadOnlyDisk(account_.Home(), confined));
         return Ended(confined);
     }
-    RunOutcome Ended(const Arguments& command) {
+    ProgramOutcome Ended(const Arguments& command) {
         fs::remove(account_.Output());
         ChildProcess process(command, account_.Variables(), account_.Output());
         EXPECT_TRUE(process.WaitForEnd(60s)) << FileText(account_.Output());
@@ -100,7 +100,7 @@ class NoRoomForSettings : public NoRoom, public testing::WithParamInterface<Disk
 TEST_P(NoRoomForSettings, IsSaidOnceAndKeepsTheOldOnes) {
     const Disk disk = GetParam();
     if (disk == Disk::kRights) MakeReadOnly(account_.SettingsFolder());
-    const RunOutcome ending = Run(disk, Session({"measure", "settings"}));
+    const ProgramOutcome ending = Run(disk, Session({"measure", "settings"}));
     EXPECT_EQ(ending.status, 0) << ending.output;
     const std::string message = "message: The settings cannot be stored in " +
                                 account_.SettingsFile().string() + ": " +
@@ -124,7 +124,7 @@ TEST_P(NoRoomForReports, IsSaidAndKeepsTheOldOne) {
     for (const char* const old : {"old", ""}) {
         if (*old != '\0') WriteFile(Report(), old);
         if (disk == Disk::kRights) MakeReadOnly(account_.Documents());
-        const RunOutcome ending = Run(disk, Session({"file=" + Report().string()}));
+        const ProgramOutcome ending = Run(disk, Session({"file=" + Report().string()}));
         fs::permissions(account_.Documents(), fs::perms::owner_all);
         EXPECT_EQ(ending.status, 0) << ending.output;
         // The question whether to replace the old report came first.
@@ -152,7 +152,7 @@ TEST_P(NoRoomForTheErrorLog, IsSaidInTheErrorItself) {
     const std::string old(4000, 'o');
     WriteFile(log, old);
     if (disk == Disk::kRights) fs::permissions(log, fs::perms::owner_read);
-    const RunOutcome ending = Run(disk, Session({}));
+    const ProgramOutcome ending = Run(disk, Session({}));
     EXPECT_EQ(ending.status, 1) << ending.output;
     EXPECT_THAT(ending.output, HasSubstr("The file 'Quenby Error.txt' cannot be written on your desktop:"));
     EXPECT_THAT(ending.output, HasSubstr(Refusal(disk)));
@@ -176,7 +176,7 @@ protected:
     fs::path Output() const { return account_.Documents() / "output.wav"; }
 
     void ExpectRefusal(Disk disk, const std::string& why) {
-        const RunOutcome ending = Run(disk, {SONAVEX_MEASURE, "file", Input(), "--write", Output()});
+        const ProgramOutcome ending = Run(disk, {SONAVEX_MEASURE, "file", Input(), "--write", Output()});
         EXPECT_EQ(ending.status, 1);
         EXPECT_EQ(ending.output, "sonavex-measure: The output file '" + Output().string() +
                                      "' cannot be written: " + why + "\n");
@@ -233,7 +233,7 @@ INSTANTIATE_TEST_SUITE_P(Disk, NoRoomForOutputOnDisk,
 TEST_F(NoRoomForOutput, OwnDiskAlmostFullHoldsTheCompleteFileOrNone) {
     constexpr std::uint32_t kBlocks = (kAll + 4095) / 4096;
     for (const std::uint32_t room : {1U, 2U, kBlocks / 2, kBlocks - 1, kBlocks}) {
-        const RunOutcome ending = Ended(
+        const ProgramOutcome ending = Ended(
             OnDiskWithRoom(account_.Home(), room, {SONAVEX_MEASURE, "file", Input(), "--write", Output()}));
         const std::string refusal = "cannot be written: " + Refusal(Disk::kFull);
         EXPECT_EQ(ending.output.find(refusal) == std::string::npos, room == kBlocks) << ending.output;
@@ -255,7 +255,7 @@ TEST_P(NoRoomForHistory, KeepsWhatWasStored) {
     const fs::path file = folder / NamesIn(folder).at(0);
     const std::string stored = FileText(file);
     if (disk == Disk::kRights) fs::permissions(file, fs::perms::owner_read);
-    const RunOutcome ending = Run(disk, store);
+    const ProgramOutcome ending = Run(disk, store);
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(ending.status, 1);
     EXPECT_THAT(ending.output, HasSubstr("THD+N "));
@@ -274,7 +274,7 @@ TEST_F(NoRoom, ForTheJournalDoesNotKeepTheProgramFromRunning) {
     WriteFile(account_.SettingsFile(), "");
     fs::create_directory(account_.Journal());
     fs::create_directory(account_.Journal().string() + ".new");
-    const RunOutcome ending = Ended(Confined({}, Session({"measure"})));
+    const ProgramOutcome ending = Ended(Confined({}, Session({"measure"})));
     EXPECT_EQ(ending.status, 0) << ending.output;
     EXPECT_THAT(ending.output, AllOf(EndsWith("done\n"), Not(HasSubstr("message"))));
 }
