@@ -68,20 +68,21 @@ std::optional<double> ParseVoltage(std::string_view text) {
     return volts;
 }
 
-std::string VoltageText(double volts) {
-    struct Unit {
-        double factor;
-        const char* name;
-    };
+VoltageUnit UnitOfVoltage(double volts) {
     // A voltage that rounds to 1000 of a unit is written in the next one.
     constexpr double kNearlyOne = 0.99995;
-    constexpr std::array kUnits{Unit{1.0, "V"}, Unit{1e-3, "mV"}, Unit{1e-6, "µV"}};
-    const auto* unit = std::find_if(kUnits.begin(), kUnits.end(),
-                                    [volts](const Unit& one) { return volts >= kNearlyOne * one.factor; });
-    if (unit == kUnits.end()) --unit;
-    const double shown = volts / unit->factor;
+    constexpr std::array kUnits{VoltageUnit{1.0, "V"}, VoltageUnit{1e-3, "mV"}, VoltageUnit{1e-6, "µV"}};
+    const auto* const unit = std::find_if(kUnits.begin(), kUnits.end(), [volts](const VoltageUnit& one) {
+        return volts >= kNearlyOne * one.volts;
+    });
+    return unit == kUnits.end() ? kUnits.back() : *unit;
+}
+
+std::string VoltageText(double volts) {
+    const VoltageUnit unit = UnitOfVoltage(volts);
+    const double shown = volts / unit.volts;
     const int decimals = shown >= 999.95 ? 0 : shown >= 99.995 ? 1 : shown >= 9.9995 ? 2 : 3;
-    return WithDecimals(shown, decimals) + ' ' + unit->name;
+    return WithDecimals(shown, decimals) + ' ' + unit.name;
 }
 
 }  // namespace sonavex

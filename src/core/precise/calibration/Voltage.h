@@ -18,6 +18,14 @@ double VoltsOfDbu(double dbu);
 // comma. Without a unit it is in volts. Empty for anything else, and for voltages outside 1 nV to 10 kV.
 std::optional<double> ParseVoltage(std::string_view text);
 
+struct VoltageUnit {
+    double volts;
+    const char* name;  // "V", "mV", "µV"
+};
+
+// The unit in which a voltage, in V, is at least 1 where possible.
+VoltageUnit UnitOfVoltage(double volts);
+
 // With four significant digits and a suitable unit, in the "C" locale: "1.234 V", "775.0 mV", "12.50 µV".
 // volts: above 0.
 std::string VoltageText(double volts);

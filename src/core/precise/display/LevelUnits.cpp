@@ -4,8 +4,9 @@
 
 namespace sonavex {
 
-std::vector<std::string> LevelUnits::Names(bool calibrated) {
-    return {kNames.begin(), calibrated ? kNames.end() : kNames.begin() + 1};
+std::vector<std::string> LevelUnits::Names(bool calibrated, const char* volts) {
+    if (!calibrated) return {kNames[kDbfs]};
+    return {kNames[kDbfs], kNames[kDbv], kNames[kDbu], volts};
 }
 
 Value LevelUnits::Converted(const Value& dbfs, int unit, const std::optional<Calibration>& calibration) {

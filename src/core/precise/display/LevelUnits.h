@@ -16,7 +16,7 @@ struct LevelUnits {
     static constexpr std::array<const char*, kCount> kNames{"dBFS", "dBV", "dBu", "V"};
 
     // Volts need a calibration.
-    static std::vector<std::string> Names(bool calibrated);
+    static std::vector<std::string> Names(bool calibrated, const char* volts = kNames[kVolts]);
     // A level in dBFS in another unit, with its uncertainty.
     static Value Converted(const Value& dbfs, int unit, const std::optional<Calibration>& calibration);
     static int Decimals(int unit) { return unit == kVolts ? 6 : 2; }

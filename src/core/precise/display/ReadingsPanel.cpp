@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/precise/calibration/Voltage.h"
 #include "core/precise/display/LevelUnits.h"
 #include "core/precise/display/ReadingTexts.h"
 #include "core/text/Decimals.h"
@@ -12,7 +13,7 @@ namespace {
 
 constexpr int kPercentUnit = 1;
 constexpr int kPercentDecimals = 6;
-constexpr int kNoiseVoltDecimals = 9;
+constexpr int kVoltDecimals = 3;
 // Levels at the ends of a harmonic's bar.
 constexpr double kBarLowestDbc = -150.0;
 constexpr double kBarHighestDbc = -90.0;
@@ -177,9 +178,21 @@ void ReadingsPanel::ShowRow(Row row, const char* name, const Value& value, int d
 
 void ReadingsPanel::ShowLevel(Row row, const char* name, const Value& dbfs, int decimals) {
     const int unit = Rows[row].unit.ListIndex();
-    const Value shown = LevelUnits::Converted(dbfs, unit, calibration_);
+    Value shown = LevelUnits::Converted(dbfs, unit, calibration_);
     if (unit != LevelUnits::kVolts) return ShowRow(row, name, shown, decimals, decimals);
-    ShowSmall(row, name, shown, row == kNoise ? kNoiseVoltDecimals : LevelUnits::Decimals(unit));
+    const VoltageUnit volts = UnitOfVoltage(shown.value.value_or(1.0));
+    OfferVolts(row, volts.name);
+    if (shown.value) *shown.value /= volts.volts;
+    if (shown.uncertainty) *shown.uncertainty /= volts.volts;
+    ShowRow(row, name, shown, kVoltDecimals, kVoltDecimals);
+}
+
+// The unit of the value is a part of its name in the list.
+void ReadingsPanel::OfferVolts(Row row, const char* volts) {
+    ComboBox& choice = Rows[row].unit;
+    if (choice.Text() == volts) return;
+    choice.SetItems(LevelUnits::Names(true, volts));
+    choice.SetListIndex(LevelUnits::kVolts);
 }
 
 void ReadingsPanel::ShowRatio(Row row, const char* name, const Value& decibels) {

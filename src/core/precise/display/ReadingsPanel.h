@@ -60,6 +60,7 @@ private:
     void OfferUnits();
     void Refresh();
     void ShowLevel(Row row, const char* name, const Value& dbfs, int decimals);
+    void OfferVolts(Row row, const char* volts);
     void ShowFigures();
     void ShowMain(const Value& decibels, const std::string& title, const std::string& reference);
     void ShowRow(Row row, const char* name, const Value& value, int decimals, int spreadDecimals);

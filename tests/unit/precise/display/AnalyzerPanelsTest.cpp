@@ -236,8 +236,15 @@ TEST_F(AnalyzerPanelsTest, ShowsSmallValuesWithAShortSpread) {
     EXPECT_EQ(readings.Rows[ReadingsPanel::kThdn].value.Caption(), "0.001303");
     EXPECT_EQ(readings.Rows[ReadingsPanel::kThdn].spread.Caption(), "± 6e-06");
     readings.Rows[ReadingsPanel::kNoise].unit.UserSelects(LevelUnits::kVolts);
-    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].value.Caption(), "0.000019078");
-    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].spread.Caption(), "± 7e-08");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].value.Caption(), "19.078");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].unit.Text(), "µV");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].spread.Caption(), "± 0.066");
+    LinesReading louder = ToneReading();
+    louder.reading.noiseDbfs.value = -20.0;
+    readings.Show(louder, {});
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].value.Caption(), "200.000");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].unit.Text(), "mV");
+    EXPECT_EQ(readings.Rows[ReadingsPanel::kNoise].unit.ListIndex(), LevelUnits::kVolts);
 }
 
 TEST_F(AnalyzerPanelsTest, ShowsTheHarmonicsOfTheSum) {
