@@ -92,8 +92,7 @@ std::optional<frmAnalyzer::ExportTarget> AnalyzerWindow::AskForExport(
     Wait(dialog);
     if (dialog.result() != QDialog::Accepted) return std::nullopt;
     folder_ = dialog.directory().path().toStdString();
-    return frmAnalyzer::ExportTarget{WithSuffix(dialog.selectedFiles().value(0).toStdString(), kind()),
-                                     kind()};
+    return frmAnalyzer::ExportTarget{dialog.selectedFiles().value(0).toStdString(), kind()};
 }
 
 }  // namespace sonavex::ui

@@ -73,10 +73,6 @@ TEST_F(ExportedFiles, ThatDoNotFitAreReported) {
 
 TEST_F(ExportedFiles, HaveNamesWithATime) {
     EXPECT_EQ(SuggestedName(content_.measurement, ExportKind::kJson), "Sonavex 2026-11-22 17-05-00.json");
-    EXPECT_EQ(WithSuffix("a", ExportKind::kPdf), "a.pdf");
-    EXPECT_EQ(WithSuffix("a.PDF", ExportKind::kPdf), "a.PDF");
-    EXPECT_EQ(WithSuffix("a.png", ExportKind::kPdf), "a.png.pdf");
-    EXPECT_EQ(WithSuffix(".pdf", ExportKind::kPdf), ".pdf.pdf");
 }
 
 }  // namespace

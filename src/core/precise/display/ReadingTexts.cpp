@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <numbers>
@@ -23,10 +24,16 @@ std::string_view WithoutBlanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+bool EndsWithUnit(std::string_view text, std::string_view unit) {
+    const auto small = [](char letter) { return std::tolower(static_cast<unsigned char>(letter)); };
+    const auto same = [&small](char one, char other) { return small(one) == small(other); };
+    return text.size() >= unit.size() && std::equal(unit.rbegin(), unit.rend(), text.rbegin(), same);
+}
+
 // The factor of what follows the number; empty if it is neither suffix nor unit.
 std::optional<double> FactorOf(std::string_view suffix, std::string_view unit) {
     suffix = WithoutBlanks(suffix);
-    if (suffix.ends_with(unit)) suffix = WithoutBlanks(suffix.substr(0, suffix.size() - unit.size()));
+    if (EndsWithUnit(suffix, unit)) suffix = WithoutBlanks(suffix.substr(0, suffix.size() - unit.size()));
     if (suffix.empty()) return 1.0;
     if (suffix == "k" || suffix == "K") return 1e3;
     if (suffix == "M") return 1e6;
@@ -76,6 +83,7 @@ Value PercentOfDecibels(const Value& decibels) {
 
 std::optional<double> QuantityIn(std::string_view text, std::string_view unit) {
     text = WithoutBlanks(text);
+    if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
     double number = 0.0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || !std::isfinite(number)) return std::nullopt;

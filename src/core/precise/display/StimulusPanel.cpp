@@ -159,8 +159,7 @@ std::optional<double> StimulusPanel::TypedDbfs() const {
     if (!calibration_ || (number && unit == LevelUnits::kDbfs)) return number;
     if (number && unit == LevelUnits::kDbv) return *number - calibration_->Dbv(0);
     if (number && unit == LevelUnits::kDbu) return *number - calibration_->Dbu(0);
-    if (const std::optional<double> dbfs = QuantityIn(text, "dBFS"); dbfs && unit != LevelUnits::kVolts)
-        return dbfs;
+    if (const std::optional<double> dbfs = QuantityIn(text, "dBFS"); dbfs && !number) return dbfs;
     const std::optional<double> volts = ParseVoltage(text);
     return volts ? std::optional(calibration_->DbfsOfVolts(*volts)) : std::nullopt;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cmath>
 
 namespace sonavex {
@@ -36,10 +35,6 @@ std::string TextOfExport(ExportKind kind, const ExportContent& content) {
     return content.draw(kind, conditions);
 }
 
-char LowerCase(char c) {
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-}
-
 }  // namespace
 
 std::span<const ExportFormat> ExportFormats() {
@@ -55,14 +50,6 @@ std::string SuggestedName(const ExportedMeasurement& measurement, ExportKind kin
     std::string name = "Sonavex " + measurement.time;
     std::replace(name.begin(), name.end(), ':', '-');
     return name + FormatOf(kind).suffix;
-}
-
-std::string WithSuffix(const std::string& path, ExportKind kind) {
-    const std::string suffix = FormatOf(kind).suffix;
-    const bool present =
-        path.size() > suffix.size() && std::equal(suffix.rbegin(), suffix.rend(), path.rbegin(),
-                                                  [](char a, char b) { return a == LowerCase(b); });
-    return present ? path : path + suffix;
 }
 
 void WriteExport(const MeasurementFiles& files, const std::string& path, ExportKind kind,

@@ -44,8 +44,6 @@ struct ExportContent {
 
 // A name without a folder: "Sonavex 2026-11-22 17-05-00.csv".
 std::string SuggestedName(const ExportedMeasurement& measurement, ExportKind kind);
-// The path with the suffix of the kind, unless it has it in any letter case.
-std::string WithSuffix(const std::string& path, ExportKind kind);
 
 // Replaces the file. Throws FileError, and then leaves an older file as it was.
 void WriteExport(const MeasurementFiles& files, const std::string& path, ExportKind kind,

@@ -45,10 +45,12 @@ TEST(ReadingTextsTest, QuantitiesHaveSuffixesAndUnits) {
     EXPECT_EQ(QuantityIn("1.5 kHz", "Hz"), 1500.0);
     EXPECT_EQ(QuantityIn("20 Hz", "Hz"), 20.0);
     EXPECT_EQ(QuantityIn("1 k Hz", "Hz"), 1000.0);
+    EXPECT_EQ(QuantityIn("1 khz", "Hz"), 1000.0);
+    EXPECT_EQ(QuantityIn("+3 dbfs", "dBFS"), 3.0);
     EXPECT_EQ(QuantityIn("775mV", "V"), 0.775);
     EXPECT_EQ(QuantityIn("-1.00 dBFS", "dBFS"), -1.0);
     for (const char* const text :
-         {"", " ", "k", "1q", "1kk", "1,5", "Hz", "1 V", "inf", "nan", "1e999", "--1"})
+         {"", " ", "k", "1q", "1kk", "1,5", "Hz", "1 V", "inf", "nan", "1e999", "--1", "+-1", "+"})
         EXPECT_FALSE(QuantityIn(text, "Hz")) << text;
 }
 

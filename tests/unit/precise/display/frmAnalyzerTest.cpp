@@ -475,6 +475,9 @@ TEST_F(frmAnalyzerTest, LevelsAreInVoltsOnceCalibrated) {
     form.Stimulus.txtFrequency.UserTypes("2000");
     form.Stimulus.txtFrequency.UserLeaves();
     EXPECT_EQ(form.Stimulus.Chosen().levelDbfs, dbfs);
+    form.Stimulus.txtLevel.UserTypes("-20 dBFS");
+    form.Stimulus.txtLevel.UserLeaves();
+    EXPECT_EQ(form.Stimulus.Chosen().levelDbfs, -20.0);
 }
 
 }  // namespace
