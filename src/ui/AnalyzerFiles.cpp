@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 
@@ -18,6 +19,8 @@ namespace {
 // Also the formats that the library reads under other names.
 constexpr const char* kRecordingFilter =
     "Recordings (*.wav *.flac *.aiff *.aif *.w64 *.rf64 *.caf *.au);;All files (*)";
+
+constexpr qint64 kMostLimitBytes = 1 << 20;
 
 QString FilterOf(const ExportFormat& format) {
     return QString("%1 (*%2)").arg(format.name, format.suffix);
@@ -37,6 +40,8 @@ void AnalyzerWindow::ConnectFiles() {
             },
             Legend(), conditions);
     };
+    form_.Sweep.AskForExport = [this] { return AskForRunFile(); };
+    form_.Sweep.Setup.AskForTable = [this] { return AskForLimit(); };
     form_.OnCopy = [](const std::string& text) {
         QApplication::clipboard()->setText(QString::fromStdString(text));
     };
@@ -69,6 +74,35 @@ std::string AnalyzerWindow::AskForRecording() {
     if (dialog.result() != QDialog::Accepted) return {};
     folder_ = dialog.directory().path().toStdString();
     return dialog.selectedFiles().value(0).toStdString();
+}
+
+std::string AnalyzerWindow::AskForRunFile() {
+    QFileDialog dialog(this, tr("Export"), QString::fromStdString(folder_));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setNameFilters({tr("Run as CSV (*.csv)"), tr("Run as JSON lines (*.jsonl)")});
+    dialog.setDefaultSuffix("csv");
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& filter) {
+        dialog.setDefaultSuffix(filter.contains("*.csv") ? "csv" : "jsonl");
+    });
+    Wait(dialog);
+    if (dialog.result() != QDialog::Accepted) return {};
+    folder_ = dialog.directory().path().toStdString();
+    return dialog.selectedFiles().value(0).toStdString();
+}
+
+std::optional<SweepSetup::NamedText> AnalyzerWindow::AskForLimit() {
+    QFileDialog dialog(this, tr("Load Limit"), QString::fromStdString(folder_),
+                       tr("CSV tables (*.csv);;All files (*)"));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    Wait(dialog);
+    if (dialog.result() != QDialog::Accepted) return std::nullopt;
+    folder_ = dialog.directory().path().toStdString();
+    QFile file(dialog.selectedFiles().value(0));
+    // A file that cannot be read counts as an empty table, which is refused.
+    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.read(kMostLimitBytes) : QByteArray();
+    return SweepSetup::NamedText{QFileInfo(file).fileName().toStdString(), text.toStdString()};
 }
 
 std::optional<frmAnalyzer::ExportTarget> AnalyzerWindow::AskForExport(

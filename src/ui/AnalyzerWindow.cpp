@@ -16,8 +16,10 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "ui/SweepPage.h"
 #include "ui/widgets/ChevronButton.h"
 #include "ui/widgets/ReadingRowView.h"
+#include "ui/widgets/RunView.h"
 #include "ui/widgets/Theme.h"
 #include "ui/widgets/UnitChoice.h"
 #include "ui_frmAnalyzer.h"
@@ -92,6 +94,7 @@ AnalyzerWindow::AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard)
     MakeRows();
     MakeMenus();
     BindControls();
+    MakeSweep();
     ConnectFiles();
     for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
     connect(ui_->cmdFoldWaves, &QPushButton::clicked, this, [this] {
@@ -109,6 +112,8 @@ AnalyzerWindow::~AnalyzerWindow() {
     form_.OnCopy = {};
     form_.ShowCalibrate = {};
     form_.Recording.AskForFile = {};
+    form_.Sweep.AskForExport = {};
+    form_.Sweep.Setup.AskForTable = {};
 }
 
 void AnalyzerWindow::MakeMenus() {
@@ -171,8 +176,21 @@ void AnalyzerWindow::ConnectKeys() {
                                                                  {Qt::CTRL | Qt::Key_O, ui_->cmdOpen},
                                                                  {QKeySequence::Copy, ui_->cmdCopy},
                                                                  {Qt::Key_F5, ui_->cmdStart}};
-    for (const auto& [key, button] : buttons)
-        connect(new QShortcut(key, this), &QShortcut::activated, button, &QAbstractButton::click);
+    const std::pair<QAbstractButton*, QAbstractButton*> ofSweep[] = {
+        {ui_->cmdStart, sweep_->Start}, {ui_->cmdExport, sweep_->Export}, {ui_->cmdCopy, sweep_->Copy}};
+    for (const auto& [key, spectrumButton] : buttons) {
+        QAbstractButton* const button = spectrumButton;
+        QAbstractButton* sweepButton = button == ui_->cmdOpen ? button : nullptr;
+        for (const auto& [ofSpectrum, own] : ofSweep)
+            if (ofSpectrum == button) sweepButton = own;
+        connect(new QShortcut(key, this), &QShortcut::activated, this, [this, button, sweepButton] {
+            QAbstractButton* const pressed = SweepShown() ? sweepButton : button;
+            if (pressed != nullptr) pressed->click();
+        });
+    }
+    for (int tab = 0; tab < ui_->Tabs->count(); ++tab)
+        connect(new QShortcut(QKeySequence(Qt::CTRL | (Qt::Key_1 + tab)), this), &QShortcut::activated, this,
+                [this, tab] { ui_->Tabs->setCurrentIndex(tab); });
     auto* const single = new QShortcut(Qt::Key_Space, ui_->Spectrum);
     single->setContext(Qt::WidgetShortcut);
     connect(single, &QShortcut::activated, ui_->cmdSingle, &QAbstractButton::click);
@@ -181,6 +199,23 @@ void AnalyzerWindow::ConnectKeys() {
     OnKey(Qt::Key_Minus, [this] { form_.Spectrum.UserZoomsAtCursor(-1.0); });
     OnKey(QKeySequence::HelpContents, [this] {
         if (OnHelp) OnHelp();
+    });
+}
+
+bool AnalyzerWindow::SweepShown() const {
+    return ui_->Tabs->currentWidget() == sweep_;
+}
+
+void AnalyzerWindow::MakeSweep() {
+    sweep_ = new SweepPage(form_.Sweep, Bindings(), ui_->Tabs);
+    ui_->Tabs->addTab(sweep_, tr("S&weep"));
+    connect(sweep_->Export, &QPushButton::clicked, this,
+            [this] { Bindings().Handle([this] { form_.Sweep.Export(); }); });
+    connect(sweep_->Copy, &QPushButton::clicked, this, [this] {
+        Bindings().Handle([this] {
+            const std::string text = form_.Sweep.CopiedText();
+            if (form_.OnCopy && !text.empty()) form_.OnCopy(text);
+        });
     });
 }
 
@@ -218,6 +253,7 @@ void AnalyzerWindow::OrderTabs() {
 
 void AnalyzerWindow::Align() {
     playing_.reset();  // the icon has the theme's colour
+    sweep_->Align();
     AlignColumn({ui_->capFrequency, ui_->capPair, ui_->capFrequency2, ui_->capRatio, ui_->capTones,
                  ui_->capNoise, ui_->capLevel, ui_->capDither, ui_->capTo, ui_->capLength, ui_->capAverages,
                  ui_->capBand, ui_->capWeighting, ui_->capChannel, ui_->capHarmonics});
@@ -293,6 +329,7 @@ void AnalyzerWindow::DecorateStart() {
 
 void AnalyzerWindow::Decorate() {
     DecorateStimulus();
+    sweep_->Decorate();
     SetQuietInk(*ui_->lblThdSpread, form_.Readings.lblThd.Quiet());
     ui_->note->setVisible(!form_.note.Caption().empty());
     const bool recording = !form_.lblRecording.Caption().empty();
@@ -305,7 +342,10 @@ void AnalyzerWindow::Decorate() {
 }
 
 void AnalyzerWindow::reject() {
-    if (qobject_cast<QLineEdit*>(focusWidget()) != nullptr) ui_->Spectrum->setFocus();
+    if (qobject_cast<QLineEdit*>(focusWidget()) != nullptr)
+        SweepShown() ? sweep_->View->setFocus() : ui_->Spectrum->setFocus();
+    else if (SweepShown())
+        Bindings().Handle([this] { form_.Sweep.Cancel(); });
 }
 
 }  // namespace sonavex::ui

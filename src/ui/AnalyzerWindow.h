@@ -19,6 +19,7 @@ namespace sonavex::ui {
 struct PictureLegend;
 class ChevronButton;
 class ReadingRowView;
+class SweepPage;
 
 // The Analyzer: a second window with the spectrum, the waveform and the readings of the precise measurement.
 // A small window folds the waveforms and shortens texts.
@@ -49,6 +50,8 @@ private:
     void ConnectFiles();
     std::vector<PictureLegend> Legend() const;
     std::string AskForRecording();
+    std::string AskForRunFile();
+    std::optional<SweepSetup::NamedText> AskForLimit();
     std::optional<frmAnalyzer::ExportTarget> AskForExport(const ExportedMeasurement& measurement);
     void Wait(QDialog& dialog);
     void BindControls();
@@ -56,7 +59,9 @@ private:
     void BindStimulus();
     void BindAnalysis();
     void BindReadings();
+    void MakeSweep();
     void ConnectKeys();
+    bool SweepShown() const;
     void OnKey(const QKeySequence& key, const std::function<void()>& handler);
     void OrderTabs();
     QSize FirstSize() const override;
@@ -70,6 +75,7 @@ private:
     HandlerGuard& guard_;
     std::unique_ptr<Ui::frmAnalyzer> ui_;
     std::vector<ReadingRowView*> rows_;
+    SweepPage* sweep_ = nullptr;
     QAction* keepReference_ = nullptr;
     QAction* keepIdle_ = nullptr;
     ChevronButton* firstName_ = nullptr;  // of the first line below THD

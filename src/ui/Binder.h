@@ -34,6 +34,7 @@ namespace sonavex {
 class HarmonicsTable;
 class NoteLabel;
 class ReadingLabel;
+class RunPlot;
 class StateChip;
 struct LengthEntry;
 }  // namespace sonavex
@@ -45,6 +46,7 @@ class ChipView;
 class ElidedLabel;
 class HarmonicsView;
 class LengthChoice;
+class RunView;
 
 // Binds widgets to control values, one call per pair. Changes by the core are shown once per event. User
 // input reaches the control's handler through the guard, after every pending text entry. A pair of types that
@@ -74,6 +76,7 @@ public:
     void Bind(StateDot& widget, Indicator& control);
     void Bind(SpectrumView& widget, SpectrumPlot& control);
     void Bind(WaveView& widget, WavePlot& control);
+    void Bind(RunView& widget, RunPlot& control);
     void Bind(QLabel& widget, ReadingLabel& control);
     void Bind(ElidedLabel& widget, NoteLabel& control);
     void Bind(ChipView& widget, StateChip& control);

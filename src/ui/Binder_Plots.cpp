@@ -1,6 +1,8 @@
 #include "core/plot/SpectrumPlot.h"
 #include "core/plot/WavePlot.h"
+#include "core/run/display/RunPlot.h"
 #include "ui/Binder.h"
+#include "ui/widgets/RunView.h"
 
 namespace sonavex::ui {
 
@@ -24,6 +26,14 @@ void Binder::Bind(SpectrumView& widget, SpectrumPlot& control) {
             [this, &control](int direction) { Handle([&] { control.UserStepsByHarmonic(direction); }); });
     connect(&widget, &View::CursorRemoved, this,
             [this, &control] { Handle([&] { control.UserRemovesCursor(); }); });
+}
+
+void Binder::Bind(RunView& widget, RunPlot& control) {
+    Add(widget, control, [&widget, &control] { widget.Show(control); });
+    connect(&widget, &RunView::Clicked, this,
+            [this, &control](double x) { Handle([&] { control.UserPlacesCursor(x); }); });
+    connect(&widget, &RunView::Stepped, this,
+            [this, &control](int points) { Handle([&] { control.UserStepsCursor(points); }); });
 }
 
 void Binder::Bind(WaveView& widget, WavePlot& control) {

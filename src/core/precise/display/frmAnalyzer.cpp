@@ -58,6 +58,16 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
       Analysis(needs.instrument.Settings, [this] { TakeChangedAnalysis(); }),
       Readings(needs.instrument.Settings),
       Recording({needs.files, needs.background, needs.dialogs}),
+      Sweep({needs.loop, needs.instrument, measurement_, needs.dialogs, needs.files, needs.simulated},
+            {[this] { return SweepConditions(); },
+             [this] {
+                 Recording.Close();
+                 SetHeld(false);
+                 ClearFigures();
+             },
+             [this] {
+                 if (timer_ != 0) Measure(Play::kKeep);
+             }}),
       needs_(needs),
       measurement_({needs.loop, needs.instrument, needs.background, &needs.generatorPanel}),
       calibrations_(needs.instrument.Settings) {
@@ -73,7 +83,9 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
     ClearFigures();
 }
 
-frmAnalyzer::~frmAnalyzer() = default;
+frmAnalyzer::~frmAnalyzer() {
+    Sweep.Close();
+}
 
 void frmAnalyzer::HandleControls() {
     cmbPlotUnit.Click.Handle([this] { StoreChoices(); });
@@ -102,7 +114,10 @@ void frmAnalyzer::HandleControls() {
 
 void frmAnalyzer::HandleRecording() {
     Recording.Settings = [this] { return ChosenSettings(); };
-    Recording.OnChanged = [this] { Measure(Play::kKeep); };
+    Recording.OnChanged = [this] {
+        if (Recording.IsOpen()) Sweep.Cancel();
+        Measure(Play::kKeep);
+    };
     Recording.OnStarted = [this] { ClearFigures(); };
     Recording.OnReading = [this](const LinesReading& reading,
                                  const std::shared_ptr<const RecordingAnalysis>& analysis) {
@@ -165,6 +180,7 @@ void frmAnalyzer::Form_QueryUnload() {
     Recording.OnChanged = {};
     Recording.Close();
     HandleRecording();
+    Sweep.Cancel();
     measurement_.Stop();
     SetHeld(false);
     ClearFigures();
@@ -217,8 +233,9 @@ frmAnalyzer::Source frmAnalyzer::PresentSource() const {
             engine.ListedOutputId};
 }
 
-// Begins the averages again with the present choices.
+// Begins the averages again with the present choices. A run has the measurement until it has ended.
 void frmAnalyzer::Measure(Play play) {
+    if (Sweep.Active()) return;
     source_ = PresentSource();
     rateHz_ = Recording.IsOpen() ? Recording.Opened().rateHz : needs_.instrument.Shared.SampleRate;
     outputBits_ = needs_.instrument.Engine.OutputBits();
@@ -266,7 +283,31 @@ void frmAnalyzer::TakeChangedStimulus() {
     Recording.Restart();
 }
 
+// Side, dither, snap and the settings of the analysis are those of the spectrum.
+RunPlan frmAnalyzer::SweepConditions() const {
+    constexpr std::array<StimulusSide, 3> kSides{StimulusSide::kLeft, StimulusSide::kRight,
+                                                 StimulusSide::kBoth};
+    const PreciseSettings settings = Analysis.Chosen();
+    RunPlan plan;
+    plan.side = kSides[static_cast<std::size_t>(Stimulus.cmbSide.ListIndex())];
+    plan.dither = Stimulus.cmbDither.ListIndex() == 0;
+    plan.snap = Stimulus.chkSnap.Checked();
+    plan.length = settings.length;
+    plan.channel = settings.channel;
+    plan.band = settings.tone.band;
+    plan.highestOrder = settings.tone.highestOrder;
+    return plan;
+}
+
+void frmAnalyzer::TickSweep() {
+    ShowPath();
+    Sweep.Tick(needs_.streamTrouble.Caption());
+    if (Sweep.Active()) ShowChip(Sweep.Chip());
+}
+
 void frmAnalyzer::Tick() {
+    TickSweep();
+    if (Sweep.Active()) return;
     if (!Recording.IsOpen() && source_ != PresentSource()) Measure(Play::kKeep);
     if (outputBits_ != needs_.instrument.Engine.OutputBits()) {
         outputBits_ = needs_.instrument.Engine.OutputBits();
@@ -540,7 +581,7 @@ void frmAnalyzer::Export() {
 
 void frmAnalyzer::Calibrate() {
     using Direction = CalibratedChannel::Direction;
-    if (!ShowCalibrate || Recording.IsOpen()) return;
+    if (!ShowCalibrate || Recording.IsOpen() || Sweep.Active()) return;
     const StreamEngine& engine = needs_.instrument.Engine;
     const std::int32_t rate = needs_.instrument.Shared.SampleRate;
     frmCalibrate form(

@@ -26,6 +26,7 @@
 #include "core/precise/display/AnalyzerResult.h"
 #include "core/precise/display/ReadingsPanel.h"
 #include "core/precise/display/StimulusPanel.h"
+#include "core/precise/display/SweepPanel.h"
 #include "core/precise/recordings/RecordingPanel.h"
 #include "core/precise/results/ExportFiles.h"
 #include "core/precise/results/ValidityRules.h"
@@ -88,6 +89,7 @@ public:
     AnalysisPanel Analysis;
     ReadingsPanel Readings;
     RecordingPanel Recording;
+    SweepPanel Sweep;
     SpectrumPlot Spectrum;
     WavePlot Waves;
     Label lblLegendLive;
@@ -138,6 +140,8 @@ private:
     void TakeChangedAnalysis();
     void TakeChangedStimulus();
     void Tick();
+    void TickSweep();
+    RunPlan SweepConditions() const;
     bool InputStalled();
     std::optional<std::string> Trouble();
     // The rate and the devices that a live reading belongs to.

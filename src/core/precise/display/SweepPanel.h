@@ -1,0 +1,106 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/audio/Instrument.h"
+#include "core/ports/Dialogs.h"
+#include "core/ports/EventLoop.h"
+#include "core/ports/MeasurementFiles.h"
+#include "core/precise/display/AnalyzerControls.h"
+#include "core/precise/display/AnalyzerResult.h"
+#include "core/precise/display/SweepSetup.h"
+#include "core/run/RunMeasurement.h"
+#include "core/run/RunText.h"
+#include "core/run/display/RunPlot.h"
+
+namespace sonavex {
+
+// The tab with runs: setup, progress, plot, verdict and the values at the cursor. It measures with the
+// measurement of the form, whose readings it handles while a run is active.
+class SweepPanel {
+public:
+    // All must outlive the run. Close() ends it.
+    struct Needs {
+        EventLoop& loop;
+        sonavex::Instrument& instrument;
+        PreciseMeasurement& measurement;
+        Dialogs& dialogs;
+        const MeasurementFiles& files;
+        bool simulated = false;  // the sound card
+    };
+    struct Events {
+        std::function<RunPlan()> conditions;  // what the settings of the spectrum choose
+        std::function<void()> begins;         // before the run takes the measurement
+        std::function<void()> ended;          // the measurement is free
+    };
+
+    SweepPanel(const Needs& needs, Events events);
+    SweepPanel(const SweepPanel&) = delete;
+    SweepPanel& operator=(const SweepPanel&) = delete;
+
+    // Shows plan and progress; call it several times per second while the form is loaded. trouble: why
+    // nothing is measured; empty while frames arrive.
+    void Tick(const std::string& trouble);
+    bool Active() const { return run_ && run_->Active(); }
+    // The state of the run, while one is active.
+    ChipState Chip() const;
+    // Ends a run and keeps what was measured.
+    void Cancel();
+    // Ends a run for good: the measurement is not used any more.
+    void Close() { run_.reset(); }
+    void UserMovesCursor(int points) { Plot.UserStepsCursor(points); }
+    // CSV by a name that ends with ".csv", else one JSON line for each point.
+    void Export();
+    // The CSV table of the run; empty without one.
+    std::string CopiedText() const;
+
+    // Asks for the file of an export; empty if the user cancels.
+    std::function<std::string()> AskForExport;
+
+    SweepSetup Setup;
+    CommandButton cmdStart;  // "Start sweep" or "Cancel"
+    CommandButton cmdClear;
+    RunPlot Plot;
+    std::array<CheckBox, kRunSeriesCount> chkSeries;
+    StateChip Verdict;  // valid: PASS; void: FAIL; unsteady: NOT COMPLETE; off: none
+    ProgressBar prgRun{1.0F};
+    Label lblProgress;
+    Label lblLeft;     // "1 min 9 s left"
+    Label lblTrouble;  // why a run did not start or has ended
+    Label lblAt;       // "At 320.00 Hz"; empty without a cursor
+    Label lblPlayed;   // "played 320.068 Hz"
+    std::array<ReadingRow, kRunSeriesCount> Rows;
+    Label lblReason;        // of a void point
+    Label lblInvalidCount;  // "2 of 61"
+    Label lblInvalid;       // a line for each void point
+
+private:
+    void Start();
+    void TakeState();
+    void TakeChange();
+    void Clear();
+    void ShowRun();
+    void ShowVerdict();
+    void ShowProgress();
+    void ShowPoint();
+    void ShowInvalid();
+    const std::vector<RunPointResult>& Results() const;
+    const std::vector<RunPoint>& Points() const;
+    RunConditions Conditions() const;
+
+    Needs needs_;
+    Events events_;
+    std::unique_ptr<RunMeasurement> run_;
+    RunFile file_;  // of the present run
+    double rateHz_ = 0;
+    std::optional<StreamDetails> stream_;
+    std::chrono::nanoseconds started_{0};
+    double seconds_ = 0;  // that the run took
+};
+
+}  // namespace sonavex

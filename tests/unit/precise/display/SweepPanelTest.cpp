@@ -1,0 +1,194 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/precise/display/SweepPanel.h"
+#include "core/precise/display/frmAnalyzer.h"
+#include "support/AnalyzerNeeds.h"
+#include "support/FormRig.h"
+#include "support/InlineBackground.h"
+#include "support/MemoryFiles.h"
+
+namespace sonavex {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::SizeIs;
+using testing::StartsWith;
+
+// The tab of runs in the Analyzer, on a stepped card that loops back.
+class SweepPanels : public testing::Test {
+protected:
+    SweepPanels() {
+        Settings(rig.store).Save(keys::kSampleRate, "5");
+        DeviceUnderTestModel model;
+        model.bits = 24;
+        model.delayFrames = 300;
+        model.referencePeak = 29204.5;
+        model.harmonicAmplitudes = {6.3e-6, 3.5e-6};
+        model.noiseRms = 0.22;
+        rig.card.Card().SetDeviceUnderTest(model);
+        rig.form.Form_Load();
+        RunFor(2500ms);
+        form.Show();
+        Enter(sweep.Setup.txtFrom, "250");
+        Enter(sweep.Setup.txtTo, "1k");
+        Enter(sweep.Setup.txtAmount, "1");
+        RunFor(400ms);
+    }
+
+    static void Enter(TextBox& box, const char* text) {
+        box.UserTypes(text);
+        box.UserLeaves();
+    }
+    void RunFor(std::chrono::milliseconds time) {
+        const auto frames = static_cast<std::size_t>(rig.form.Instrument.Shared.SampleRate / 50);
+        for (auto passed = 0ms; passed < time; passed += 20ms) {
+            rig.card.Card().Step(frames);
+            rig.loop.Advance(20ms);
+        }
+    }
+    bool Ends(std::chrono::milliseconds limit = 60s) {
+        for (auto passed = 0ms; passed < limit && sweep.Active(); passed += 100ms) RunFor(100ms);
+        return !sweep.Active();
+    }
+
+    FormRig rig;
+    InlineBackground background{rig.loop};
+    MemoryFiles files;
+    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)};
+    SweepPanel& sweep = form.Sweep;
+};
+
+TEST_F(SweepPanels, ShowsThePlanBeforeTheStart) {
+    EXPECT_THAT(sweep.Setup.lblPlan.Caption(), StartsWith("3 points, 2 records each: about "));
+    Enter(sweep.Setup.txtTo, "30000");
+    EXPECT_THAT(sweep.Setup.lblPlan.Caption(), StartsWith("The frequency 4000 Hz is above 3600 Hz"));
+    sweep.cmdStart.Press();
+    EXPECT_FALSE(sweep.Active());
+    EXPECT_EQ(sweep.lblTrouble.Caption(), sweep.Setup.lblPlan.Caption());
+    EXPECT_EQ(sweep.cmdStart.Caption(), "Start sweep");
+}
+
+TEST_F(SweepPanels, MeasuresAllPointsAndJudgesThem) {
+    sweep.Setup.chkLimit.UserSets(true);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(sweep.Active());
+    EXPECT_EQ(sweep.cmdStart.Caption(), "Cancel");
+    EXPECT_EQ(sweep.lblProgress.Caption(), "Point 1 of 3: 250 Hz");
+    EXPECT_THAT(sweep.lblLeft.Caption(), HasSubstr(" s left"));
+    RunFor(1000ms);
+    EXPECT_THAT(form.Chip.Text(), StartsWith("SETTLING "));
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(sweep.Verdict.Text(), "PASS");
+    EXPECT_THAT(sweep.lblProgress.Caption(), StartsWith("3 points in "));
+    EXPECT_EQ(sweep.lblInvalidCount.Caption(), "0 of 3");
+    ASSERT_THAT(sweep.Plot.Curves(RunSeries::kThd), SizeIs(1));
+    EXPECT_THAT(sweep.Plot.Curves(RunSeries::kThd)[0], SizeIs(3));
+    sweep.UserMovesCursor(1);
+    EXPECT_EQ(sweep.lblAt.Caption(), "At 250 Hz");
+    EXPECT_THAT(sweep.lblPlayed.Caption(), StartsWith("played "));
+    EXPECT_THAT(sweep.Rows[0].value.Caption(), StartsWith("-"));
+    EXPECT_THAT(sweep.Rows[4].value.Caption(), StartsWith("-1.0"));
+}
+
+TEST_F(SweepPanels, JudgesAKeptRunAgainWhenTheLimitChanges) {
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(sweep.Verdict.Text(), "");
+    sweep.Setup.chkLimit.UserSets(true);
+    EXPECT_EQ(sweep.Verdict.Text(), "PASS");
+    Enter(sweep.Setup.txtLimit, "-140");
+    EXPECT_EQ(sweep.Verdict.Text(), "FAIL");
+    EXPECT_THAT(sweep.Plot.Conditions(), StartsWith("THD at most -140 dB, 250 Hz to 1000 Hz: 3 points over"));
+    EXPECT_TRUE(sweep.Plot.Alarm());
+}
+
+TEST_F(SweepPanels, CancelKeepsWhatWasMeasured) {
+    sweep.Setup.chkLimit.UserSets(true);
+    sweep.cmdStart.Press();
+    for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
+    EXPECT_EQ(sweep.Verdict.Text(), "PASS so far");
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends(5s));
+    EXPECT_EQ(sweep.Verdict.Text(), "NOT COMPLETE");
+    EXPECT_THAT(sweep.lblProgress.Caption(), StartsWith("1 of 3 points in "));
+}
+
+TEST_F(SweepPanels, TheSpectrumIsMeasuredAgainAfterTheRun) {
+    sweep.cmdStart.Press();
+    form.Analysis.cmbChannel.UserSelects(1);
+    EXPECT_TRUE(sweep.Active());
+    RunFor(3s);
+    EXPECT_EQ(form.Readings.lblThd.Caption(), "none");
+    sweep.Cancel();
+    ASSERT_TRUE(Ends(5s));
+    form.Stimulus.cmdStart.Press();
+    for (int i = 0; i < 300 && form.Chip.State() != StateChip::Kind::kValid; ++i) RunFor(100ms);
+    EXPECT_EQ(form.Chip.State(), StateChip::Kind::kValid);
+}
+
+TEST_F(SweepPanels, ClosingTheWindowEndsTheRun) {
+    sweep.cmdStart.Press();
+    RunFor(1000ms);
+    form.Unload();
+    ASSERT_TRUE(Ends(5s));
+    form.Show();
+    sweep.cmdStart.Press();
+    EXPECT_TRUE(sweep.Active());
+}
+
+TEST_F(SweepPanels, ExportsTheRunAsCsvOrJson) {
+    sweep.Export();
+    EXPECT_EQ(sweep.CopiedText(), "");
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(sweep.CopiedText(), HasSubstr("COMPLETE: 3 of 3 points measured."));
+    sweep.AskForExport = [] { return std::string("/tmp/run.csv"); };
+    sweep.Export();
+    EXPECT_EQ(files.texts.at("/tmp/run.csv"), sweep.CopiedText());
+    sweep.AskForExport = [] { return std::string("/tmp/run.jsonl"); };
+    sweep.Export();
+    EXPECT_THAT(files.texts.at("/tmp/run.jsonl"), StartsWith("{\"point\":1,\"points\":3,"));
+}
+
+TEST_F(SweepPanels, StepsTheLevel) {
+    sweep.Setup.cmbOver.UserSelects(1);
+    EXPECT_STREQ(sweep.Setup.AxisUnit(), "dBFS");
+    EXPECT_STREQ(sweep.Setup.OtherUnit(), "Hz");
+    Enter(sweep.Setup.txtFrom, "-10");
+    Enter(sweep.Setup.txtAmount, "9");
+    sweep.cmdStart.Press();
+    EXPECT_EQ(sweep.lblProgress.Caption(), "Point 1 of 2: -10 dBFS");
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(sweep.Plot.Curves(RunSeries::kLevel)[0].back().position, -1);
+}
+
+TEST_F(SweepPanels, StoresItsEntries) {
+    Enter(sweep.Setup.txtOther, "-1, -10 dBFS,-20");
+    EXPECT_EQ(sweep.Setup.txtOther.Text(), "-1, -10, -20");
+    Enter(sweep.Setup.txtOther, "loud");
+    EXPECT_EQ(sweep.Setup.txtOther.Text(), "-1, -10, -20");
+    SweepSetup again(rig.form.Instrument.Settings, {});
+    EXPECT_EQ(again.txtFrom.Text(), "250");
+    EXPECT_EQ(again.txtTo.Text(), "1000");
+    EXPECT_EQ(again.txtOther.Text(), "-1, -10, -20");
+}
+
+TEST_F(SweepPanels, TakesALimitTable) {
+    std::optional<SweepSetup::NamedText> table{{"mask.csv", "20,-80\n100,\n"}};
+    sweep.Setup.AskForTable = [&table] { return table; };
+    sweep.Setup.cmdLoadLimit.Press();
+    EXPECT_EQ(sweep.Setup.lblLimit.Caption(), "Line 2 of the limit table has a value that is not a number.");
+    table = {"mask.csv", "600,-80\n20000,-70\n"};
+    sweep.Setup.cmdLoadLimit.Press();
+    EXPECT_EQ(sweep.Setup.lblLimit.Caption(), "mask.csv");
+    sweep.cmdStart.Press();
+    EXPECT_FALSE(sweep.Active());
+    EXPECT_THAT(sweep.lblTrouble.Caption(), StartsWith("The limit table of thd is incomplete"));
+    Enter(sweep.Setup.txtLimit, "-80");
+    EXPECT_EQ(sweep.Setup.lblLimit.Caption(), "");
+}
+
+}  // namespace
+}  // namespace sonavex
