@@ -25,6 +25,8 @@ namespace {
 constexpr int kSweepSideWidth = 272;
 constexpr int kSweepPointWidth = 304;
 constexpr int kSweepGap = 12;
+constexpr int kSweepScrollRoom = 8;
+constexpr int kPointsWidth = 48;
 constexpr int kLegendColumns = 3;  // two rows, the verdict in the last place
 constexpr QSize kSweepSwatch(20, 8);
 constexpr std::array<const char*, kRunSeriesCount> kSeriesNames{"chkThd", "chkThdn", "chkSecond", "chkThird",
@@ -41,6 +43,22 @@ QIcon SeriesIcon(RunSeries series, qreal pixelRatio) {
     return picture;
 }
 
+// Moves the second widget into the row of the first.
+void JoinRows(QGridLayout& grid, QWidget& first, QWidget& second) {
+    int row = 0;
+    int column = 0;
+    int rows = 0;
+    int columns = 0;
+    grid.getItemPosition(grid.indexOf(&first), &row, &column, &rows, &columns);
+    auto* const joined = new QHBoxLayout;
+    joined->setSpacing(6);
+    for (QWidget* const widget : {&first, &second}) {
+        grid.removeWidget(widget);
+        joined->addWidget(widget);
+    }
+    grid.addLayout(joined, row, column);
+}
+
 }  // namespace
 
 SweepPage::SweepPage(SweepPanel& panel, Binder& binder, QWidget* parent)
@@ -48,7 +66,8 @@ SweepPage::SweepPage(SweepPanel& panel, Binder& binder, QWidget* parent)
     setObjectName("sweepPage");
     setProperty("page", true);
     auto* const page = new QVBoxLayout(this);
-    page->setContentsMargins(20, 14, 20, 14);
+    // The right column ends with the room of its scroll bar.
+    page->setContentsMargins(20, 14, 20 - kSweepScrollRoom, 14);
     page->setSpacing(kSweepGap);
     auto* const columns = new QHBoxLayout;
     columns->setSpacing(kSweepGap);
@@ -57,6 +76,9 @@ SweepPage::SweepPage(SweepPanel& panel, Binder& binder, QWidget* parent)
     QWidget* const left = MakeColumn(kSweepSideWidth);
     MakeSetup(static_cast<QBoxLayout&>(*left->layout()));
     MakeLimit(static_cast<QBoxLayout&>(*left->layout()));
+    auto& conditions = static_cast<QBoxLayout&>(
+        *MakeCard(tr("Measured as on Spectrum"), static_cast<QBoxLayout&>(*left->layout()))->layout());
+    AddLabel(conditions, "lblConditions", "quiet", panel_.lblConditions);
     auto* const middle = new QVBoxLayout;
     middle->setSpacing(kSweepGap);
     MakeMiddle(*middle);
@@ -77,11 +99,11 @@ QWidget* SweepPage::MakeColumn(int width) {
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setWidgetResizable(true);
     area->setFocusPolicy(Qt::NoFocus);
-    area->setFixedWidth(width + 8);
+    area->setFixedWidth(width + kSweepScrollRoom);
     auto* const contents = new QWidget;
     contents->setProperty("scrolled", true);
     auto* const layout = new QVBoxLayout(contents);
-    layout->setContentsMargins(0, 0, 8, 0);
+    layout->setContentsMargins(0, 0, kSweepScrollRoom, 0);
     layout->setSpacing(kSweepGap);
     area->setWidget(contents);
     return contents;
@@ -154,17 +176,19 @@ void SweepPage::MakeSetup(QBoxLayout& column) {
     AddChoice(*grid, tr("&Over"), "cmbOver", setup.cmbOver);
     axisEntries_ = {AddEntry(*grid, tr("S&tart"), "txtFrom", setup.txtFrom),
                     AddEntry(*grid, tr("Sto&p"), "txtTo", setup.txtTo)};
-    AddEntry(*grid, tr("Po&ints"), "txtAmount", setup.txtAmount);
-    auto* const spacing = new ChoiceBox(this);
-    spacing->setObjectName("cmbSpacing");
-    spacing->setAccessibleName(tr("Spacing of the points"));
-    grid->addWidget(spacing, grid->rowCount(), 1);
-    binder_.Bind(static_cast<QComboBox&>(*spacing), setup.cmbSpacing);
+    MakePoints(*grid);
     otherEntry_ = AddEntry(*grid, tr("&Levels"), "txtOther", setup.txtOther);
     otherEntry_->setToolTip(tr("Several values are separated by commas"));
     otherCaption_ = qobject_cast<QLabel*>(grid->itemAtPosition(grid->rowCount() - 1, 0)->widget());
-    AddEntry(*grid, tr("Settled, level"), "txtSettleLevel", setup.txtSettleLevel)->SetUnit("dB");
-    AddEntry(*grid, tr("Settled, THD+N"), "txtSettleThdn", setup.txtSettleThdn)->SetUnit("dB");
+    UnitEdit* const level = AddEntry(*grid, tr("Settled"), "txtSettleLevel", setup.txtSettleLevel);
+    UnitEdit* const thdn = AddEntry(*grid, "", "txtSettleThdn", setup.txtSettleThdn);
+    level->setToolTip(tr("Two records agree when their levels differ by at most this much"));
+    thdn->setToolTip(tr("Two records agree when their THD+N differs by at most this much"));
+    thdn->setAccessibleName(tr("Settled, THD+N"));
+    level->setAccessibleName(tr("Settled, level"));
+    for (UnitEdit* const entry : {level, thdn}) entry->SetUnit("dB");
+    JoinRows(*grid, *level, *thdn);
+    delete grid->itemAtPosition(grid->rowCount() - 1, 0)->widget();  // the caption of the second entry
     AddLabel(layout, "lblPlan", "quiet", setup.lblPlan);
     Start = new QPushButton(this);
     Start->setObjectName("cmdSweep");
@@ -172,7 +196,19 @@ void SweepPage::MakeSetup(QBoxLayout& column) {
     Start->setMinimumHeight(36);
     layout.addWidget(Start);
     binder_.Bind(*Start, panel_.cmdStart);
-    AddLabel(layout, "lblSweepTrouble", "trouble", panel_.lblTrouble);
+    optional_.push_back(AddLabel(layout, "lblSweepTrouble", "trouble", panel_.lblTrouble));
+}
+
+// The number of points and what it counts, in one row.
+void SweepPage::MakePoints(QGridLayout& grid) {
+    UnitEdit* const amount = AddEntry(grid, tr("Po&ints"), "txtAmount", panel_.Setup.txtAmount);
+    auto* const spacing = new ChoiceBox(this);
+    spacing->setObjectName("cmbSpacing");
+    spacing->setAccessibleName(tr("Spacing of the points"));
+    binder_.Bind(static_cast<QComboBox&>(*spacing), panel_.Setup.cmbSpacing);
+    amount->setFixedWidth(kPointsWidth);
+    grid.addWidget(spacing, grid.rowCount(), 1);
+    JoinRows(grid, *amount, *spacing);
 }
 
 void SweepPage::MakeLimit(QBoxLayout& column) {
@@ -187,7 +223,7 @@ void SweepPage::MakeLimit(QBoxLayout& column) {
     layout.addLayout(grid);
     AddChoice(*grid, tr("O&f"), "cmbLimitOf", setup.cmbLimitOf);
     AddEntry(*grid, tr("At &most"), "txtLimit", setup.txtLimit)->SetUnit("dB");
-    AddLabel(layout, "lblLimit", "quiet", setup.lblLimit);
+    optional_.push_back(AddLabel(layout, "lblLimit", "quiet", setup.lblLimit));
     auto* const load = new QPushButton(this);
     load->setObjectName("cmdLoadLimit");
     layout.addWidget(load);
@@ -228,7 +264,7 @@ void SweepPage::MakeMiddle(QBoxLayout& column) {
 void SweepPage::MakeProgress(QBoxLayout& column) {
     auto* const texts = new QHBoxLayout;
     column.addLayout(texts);
-    AddLabel(*texts, "lblProgress", "", panel_.lblProgress);
+    AddLabel(*texts, "lblProgress", "", panel_.lblProgress)->setWordWrap(false);
     texts->addStretch(1);
     AddLabel(*texts, "lblLeft", "", panel_.lblLeft)->setWordWrap(false);
     progress_ = new QProgressBar(this);
@@ -255,15 +291,16 @@ void SweepPage::MakePoint(QBoxLayout& column) {
         binder_.Bind(rows_[i]->Unit(), panel_.Rows[i].unit);
         binder_.Bind(rows_[i]->Spread(), panel_.Rows[i].spread);
     }
-    AddLabel(point, "lblReason", "trouble", panel_.lblReason);
+    optional_.push_back(AddLabel(point, "lblReason", "trouble", panel_.lblReason));
     auto& invalid = static_cast<QBoxLayout&>(*MakeCard(tr("Invalid points"), column)->layout());
     AddLabel(invalid, "lblInvalidCount", "quiet", panel_.lblInvalidCount);
-    AddLabel(invalid, "lblInvalid", "", panel_.lblInvalid);
+    optional_.push_back(AddLabel(invalid, "lblInvalid", "", panel_.lblInvalid));
 }
 
 void SweepPage::MakeButtons(QBoxLayout& column) {
     auto* const row = new QHBoxLayout;
     row->setSpacing(8);
+    row->setContentsMargins(0, 0, kSweepScrollRoom, 0);
     column.addLayout(row);
     auto* const clear = new QPushButton(this);
     clear->setObjectName("cmdClearRun");
@@ -296,6 +333,7 @@ void SweepPage::Decorate() {
     otherEntry_->SetUnit(setup.OtherUnit());
     otherCaption_->setText(setup.OverFrequency() ? tr("&Levels") : tr("&Tones"));
     verdict_->setVisible(!panel_.Verdict.Text().empty());
+    for (QLabel* const label : optional_) label->setVisible(!label->text().isEmpty());
 }
 
 }  // namespace sonavex::ui

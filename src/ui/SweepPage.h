@@ -42,6 +42,7 @@ private:
     QFrame* MakeCard(const QString& title, QBoxLayout& column);
     QWidget* MakeColumn(int width);
     void MakeSetup(QBoxLayout& column);
+    void MakePoints(QGridLayout& grid);
     void MakeLimit(QBoxLayout& column);
     void MakeMiddle(QBoxLayout& column);
     void MakeLegend(QBoxLayout& column);
@@ -57,6 +58,7 @@ private:
     Binder& binder_;
     std::array<QCheckBox*, kRunSeriesCount> series_{};
     std::vector<ReadingRowView*> rows_;
+    std::vector<QLabel*> optional_;  // hidden without a text
     QLabel* otherCaption_ = nullptr;
     std::vector<UnitEdit*> axisEntries_;
     UnitEdit* otherEntry_ = nullptr;

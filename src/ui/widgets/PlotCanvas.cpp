@@ -204,7 +204,8 @@ void PlotCanvas::PaintOn(QPaintDevice& device, const QSize& size, double scale) 
 
 void PlotCanvas::resizeEvent(QResizeEvent* event) {
     plot_->FillUntilReplot();
-    plot_->widget.setGeometry(rect());
+    // In a hidden tab the canvas may have no size; the library cannot paint on that.
+    if (!rect().isEmpty()) plot_->widget.setGeometry(rect());
     QWidget::resizeEvent(event);
 }
 

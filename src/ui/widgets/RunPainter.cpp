@@ -175,9 +175,11 @@ void PaintFoot(QPainter& painter, const QRectF& area, const RunPlot& plot, const
     const double unitWidth = metrics.horizontalAdvance(plot.AcrossUnit());
     painter.drawText(QPointF(area.right() - unitWidth, baseline), plot.AcrossUnit());
     painter.setPen(plot.Alarm() ? theme.overload : theme.quiet);
-    painter.drawText(QPointF(area.left(), baseline),
-                     metrics.elidedText(RunLabel(plot.Conditions()), Qt::ElideRight,
-                                        area.width() - unitWidth - kRunTextGap));
+    // A long text begins below the labels of the axis.
+    const QString conditions = RunLabel(plot.Conditions());
+    const double end = area.right() - unitWidth - kRunTextGap;
+    const double begin = std::clamp(end - metrics.horizontalAdvance(conditions) - 1, 2.0, area.left());
+    painter.drawText(QPointF(begin, baseline), metrics.elidedText(conditions, Qt::ElideRight, end - begin));
 }
 
 }  // namespace

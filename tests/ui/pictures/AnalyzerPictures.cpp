@@ -4,7 +4,9 @@
 #include <QComboBox>
 #include <QMenu>
 #include <QPushButton>
+#include <QTabWidget>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "support/QtWait.h"
@@ -53,7 +55,37 @@ void KeepNoisyTrace(AnalyzerRig& rig) {
     rig.form.Spectrum.UserClicks(0.68, 0.02);
 }
 
+// A run of a few points whose distortion rises with the level of the noise. The limit is judged at its end.
+void RunSweep(AnalyzerRig& rig, const char* limit, std::chrono::milliseconds time) {
+    rig.Find<QTabWidget>("Tabs").setCurrentIndex(1);
+    SweepSetup& setup = rig.form.Sweep.Setup;
+    for (const auto& [box, text] : {std::pair{&setup.txtFrom, "100"}, std::pair{&setup.txtAmount, "2"},
+                                    std::pair{&setup.txtLimit, limit}}) {
+        box->UserTypes(text);
+        box->UserLeaves();
+    }
+    setup.chkLimit.UserSets(true);
+    rig.form.Sweep.cmdStart.Press();
+    for (auto passed = 0ms; passed < time && rig.form.Sweep.Active(); passed += 1000ms) rig.Play(1000ms);
+    rig.form.Sweep.UserMovesCursor(1);
+}
+
+// The noise of the device hides the tone's steadiness at some points: they become void.
+void RunWithLoss(AnalyzerRig& rig) {
+    RunSweep(rig, "-90", 15s);
+    SetModel(rig, [](DeviceUnderTestModel& model) { model.gain = 0; });
+    rig.Play(40s);
+    SetModel(rig, [](DeviceUnderTestModel&) {});
+    for (auto passed = 0ms; passed < 200s && rig.form.Sweep.Active(); passed += 1000ms) rig.Play(1000ms);
+    rig.form.Sweep.UserMovesCursor(1);
+}
+
 const AnalyzerScene kAnalyzerScenes[] = {
+    {"sweep-running", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 20s); }},
+    {"sweep-passed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 200s); }},
+    {"sweep-failed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-103", 200s); }},
+    {"sweep-failed-small", kSmallest, [](AnalyzerRig& rig) { RunSweep(rig, "-103", 200s); }},
+    {"sweep-not-complete", kUsual, RunWithLoss},
     {"idle", kUsual, [](AnalyzerRig& rig) { rig.Play(5s); }},
     {"valid", kUsual, KeepNoisyTrace},
     {"valid-small", kSmallest, KeepNoisyTrace},

@@ -85,8 +85,8 @@ void SweepPanel::Cancel() {
 void SweepPanel::TakeChange() {
     Setup.ShowPlan(events_.conditions(), needs_.instrument.Shared.SampleRate);
     if (Points().empty()) return;
-    const std::vector<RunLimit> limits = Setup.Chosen(file_.plan).limits;
     try {
+        const std::vector<RunLimit> limits = Setup.Chosen(file_.plan).limits;
         RequireCoverage(limits, Points());
         file_.limits = limits;
         ShowRun();

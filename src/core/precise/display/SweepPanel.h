@@ -70,10 +70,11 @@ public:
     StateChip Verdict;  // valid: PASS; void: FAIL; unsteady: NOT COMPLETE; off: none
     ProgressBar prgRun{1.0F};
     Label lblProgress;
-    Label lblLeft;     // "1 min 9 s left"
-    Label lblTrouble;  // why a run did not start or has ended
-    Label lblAt;       // "At 320.00 Hz"; empty without a cursor
-    Label lblPlayed;   // "played 320.068 Hz"
+    Label lblLeft;        // "1 min 9 s left"
+    Label lblConditions;  // what the tab Spectrum chooses
+    Label lblTrouble;     // why a run did not start or has ended
+    Label lblAt;          // "At 320.00 Hz"; empty without a cursor
+    Label lblPlayed;      // "played 320.068 Hz"
     std::array<ReadingRow, kRunSeriesCount> Rows;
     Label lblReason;        // of a void point
     Label lblInvalidCount;  // "2 of 61"

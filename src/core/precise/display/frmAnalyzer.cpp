@@ -61,6 +61,7 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
       Sweep({needs.loop, needs.instrument, measurement_, needs.dialogs, needs.files, needs.simulated},
             {[this] { return SweepConditions(); },
              [this] {
+                 ShowSweepConditions();
                  Recording.Close();
                  SetHeld(false);
                  ClearFigures();
@@ -299,8 +300,16 @@ RunPlan frmAnalyzer::SweepConditions() const {
     return plan;
 }
 
+void frmAnalyzer::ShowSweepConditions() {
+    const std::string channel = kChannelNames.at(Analysis.Chosen().channel);
+    Sweep.lblConditions.SetCaption(Analysis.cmbLength.Text() + "\n" + Analysis.BandText() + "\n" + channel +
+                                   " channel, " + Analysis.lblHarmonics.Caption() +
+                                   (Stimulus.chkSnap.Checked() ? ", on bins" : ""));
+}
+
 void frmAnalyzer::TickSweep() {
     ShowPath();
+    if (!Sweep.Active()) ShowSweepConditions();
     Sweep.Tick(needs_.streamTrouble.Caption());
     if (Sweep.Active()) ShowChip(Sweep.Chip());
 }

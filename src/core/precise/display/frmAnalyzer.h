@@ -141,6 +141,7 @@ private:
     void TakeChangedStimulus();
     void Tick();
     void TickSweep();
+    void ShowSweepConditions();
     RunPlan SweepConditions() const;
     bool InputStalled();
     std::optional<std::string> Trouble();

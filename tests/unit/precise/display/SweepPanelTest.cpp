@@ -70,6 +70,47 @@ TEST_F(SweepPanels, ShowsThePlanBeforeTheStart) {
     EXPECT_EQ(sweep.cmdStart.Caption(), "Start sweep");
 }
 
+TEST_F(SweepPanels, ShowsTheConditionsOfTheSpectrum) {
+    EXPECT_EQ(sweep.lblConditions.Caption(), "8k points\n20 Hz to 4.0 kHz\nleft channel, H2 to H9, on bins");
+}
+
+TEST_F(SweepPanels, PausesWhileTheDeviceIsLost) {
+    sweep.cmdStart.Press();
+    for (auto passed = 0ms; sweep.lblProgress.Caption() != "Point 2 of 3: 500 Hz" && passed < 30s;
+         passed += 100ms)
+        RunFor(100ms);
+    rig.card.Unplug();
+    RunFor(2s);
+    EXPECT_EQ(form.Chip.Text(), "PAUSED");
+    EXPECT_THAT(sweep.lblTrouble.Caption(), HasSubstr("The run continues when they do."));
+    rig.card.Plug();
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(sweep.lblTrouble.Caption(), "");
+    EXPECT_EQ(sweep.lblInvalidCount.Caption(), "0 of 3");
+    EXPECT_THAT(sweep.CopiedText(), HasSubstr("after_loss"));
+}
+
+TEST_F(SweepPanels, APausedRunCanBeEnded) {
+    sweep.cmdStart.Press();
+    RunFor(2s);
+    rig.card.Unplug();
+    RunFor(2s);
+    ASSERT_EQ(form.Chip.Text(), "PAUSED");
+    sweep.cmdStart.Press();
+    RunFor(1s);
+    EXPECT_FALSE(sweep.Active());
+    EXPECT_EQ(form.Chip.State(), StateChip::Kind::kVoid) << form.Chip.Text();
+}
+
+TEST_F(SweepPanels, ATextThatMakesNoRunKeepsTheVerdict) {
+    sweep.Setup.chkLimit.UserSets(true);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    Enter(sweep.Setup.txtFrom, "1");
+    EXPECT_EQ(sweep.Verdict.Text(), "PASS");
+    EXPECT_THAT(rig.log.Lines(), testing::Not(testing::Contains(HasSubstr("frequency"))));
+}
+
 TEST_F(SweepPanels, MeasuresAllPointsAndJudgesThem) {
     sweep.Setup.chkLimit.UserSets(true);
     sweep.cmdStart.Press();
