@@ -19,11 +19,13 @@ constexpr int kMostRatioRows = 10;
 constexpr int kFewestRatioRows = 8;
 constexpr double kLevelRoom = 0.5;  // steps above the highest level
 constexpr int kRowLabelDecimals = 1;
+constexpr double kMostShown = 1000.0;  // in dB; limits can be any number
 
-// The lowest and the highest of values, if there are any.
+// The lowest and the highest of values that an axis can show, if there are any.
 class RunExtent {
 public:
-    void Add(double value) {
+    void Add(double any) {
+        const double value = std::clamp(any, -kMostShown, kMostShown);
         low_ = std::min(low_.value_or(value), value);
         high_ = std::max(high_.value_or(value), value);
     }

@@ -133,6 +133,14 @@ TEST(RunPlot, CoversWideRanges) {
     EXPECT_GE(axes.levels.high, -1.5);
 }
 
+TEST(RunPlot, StaysFiniteWithAnyLimit) {
+    PlottedRun run;
+    run.limits.push_back(ThdAtMost(LimitCurve(1e300)));
+    run.Show();
+    EXPECT_LT(run.plot.Shown().rows, 100);
+    EXPECT_EQ(run.plot.RowTicks(run.plot.Shown().ratios).back().label, "1020");
+}
+
 TEST(RunPlot, LeavesHiddenSeriesOutOfTheAxes) {
     PlottedRun run;
     run.results[0].reading.harmonics[0].levelDbc = {-150, 0.1};
