@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
 
 #include "ui/AnalyzerWindow.h"
 #include "ui/CalibrateDialog.h"
@@ -42,6 +43,7 @@ void AnalyzerWindow::ConnectFiles() {
     };
     form_.Sweep.AskForExport = [this] { return AskForRunFile(); };
     form_.Sweep.Setup.AskForTable = [this] { return AskForLimit(); };
+    form_.Sweep.Setup.AskForLine = [this](const std::string& table) { return AskForLine(table); };
     form_.OnCopy = [](const std::string& text) {
         QApplication::clipboard()->setText(QString::fromStdString(text));
     };
@@ -76,19 +78,20 @@ std::string AnalyzerWindow::AskForRecording() {
     return dialog.selectedFiles().value(0).toStdString();
 }
 
-std::string AnalyzerWindow::AskForRunFile() {
+std::optional<SweepPanel::ExportTarget> AnalyzerWindow::AskForRunFile() {
+    const QString csv = tr("Run as CSV (*.csv)");
     QFileDialog dialog(this, tr("Export"), QString::fromStdString(folder_));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setNameFilters({tr("Run as CSV (*.csv)"), tr("Run as JSON lines (*.jsonl)")});
-    dialog.setDefaultSuffix("csv");
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& filter) {
-        dialog.setDefaultSuffix(filter.contains("*.csv") ? "csv" : "jsonl");
-    });
+    dialog.setNameFilters({csv, tr("Run as JSON lines (*.jsonl)")});
+    const auto asCsv = [&] { return dialog.selectedNameFilter() == csv; };
+    const auto follow = [&] { dialog.setDefaultSuffix(asCsv() ? "csv" : "jsonl"); };
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
+    follow();
     Wait(dialog);
-    if (dialog.result() != QDialog::Accepted) return {};
+    if (dialog.result() != QDialog::Accepted) return std::nullopt;
     folder_ = dialog.directory().path().toStdString();
-    return dialog.selectedFiles().value(0).toStdString();
+    return SweepPanel::ExportTarget{dialog.selectedFiles().value(0).toStdString(), asCsv()};
 }
 
 std::optional<SweepSetup::NamedText> AnalyzerWindow::AskForLimit() {
@@ -100,9 +103,24 @@ std::optional<SweepSetup::NamedText> AnalyzerWindow::AskForLimit() {
     if (dialog.result() != QDialog::Accepted) return std::nullopt;
     folder_ = dialog.directory().path().toStdString();
     QFile file(dialog.selectedFiles().value(0));
-    // A file that cannot be read counts as an empty table, which is refused.
-    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.read(kMostLimitBytes) : QByteArray();
-    return SweepSetup::NamedText{QFileInfo(file).fileName().toStdString(), text.toStdString()};
+    const std::string name = QFileInfo(file).fileName().toStdString();
+    if (!file.open(QIODevice::ReadOnly)) throw RunError(name + " cannot be read.");
+    const QByteArray text = file.read(kMostLimitBytes + 1);
+    if (text.size() > kMostLimitBytes) throw RunError(name + " is too large for a limit table.");
+    return SweepSetup::NamedText{name, text.toStdString()};
+}
+
+std::optional<std::string> AnalyzerWindow::AskForLine(const std::string& table) {
+    QInputDialog dialog(this);
+    dialog.setWindowTitle(tr("Edit Limit Line"));
+    dialog.setLabelText(
+        tr("Frequency in Hz and highest value in dB in each line,\n"
+           "or frequency, lowest and highest value:"));
+    dialog.setOption(QInputDialog::UsePlainTextEditForTextInput);
+    dialog.setTextValue(QString::fromStdString(table));
+    Wait(dialog);
+    if (dialog.result() != QDialog::Accepted) return std::nullopt;
+    return dialog.textValue().toStdString();
 }
 
 std::optional<frmAnalyzer::ExportTarget> AnalyzerWindow::AskForExport(

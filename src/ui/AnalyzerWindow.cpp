@@ -86,15 +86,15 @@ AnalyzerWindow::AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard)
       guard_(guard),
       ui_(std::make_unique<Ui::frmAnalyzer>()) {
     ui_->setupUi(this);
-    // A file may be dropped anywhere; an entry would take its name as text.
-    setAcceptDrops(true);
-    for (QLineEdit* entry : findChildren<QLineEdit*>()) entry->setAcceptDrops(false);
     setProperty("ownsDialogs", true);
     ui_->cmdStart->setIconSize(kStartIcon);
     MakeRows();
     MakeMenus();
     BindControls();
     MakeSweep();
+    // A file may be dropped anywhere; an entry would take its name as text.
+    setAcceptDrops(true);
+    for (QLineEdit* entry : findChildren<QLineEdit*>()) entry->setAcceptDrops(false);
     ConnectFiles();
     for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
     connect(ui_->cmdFoldWaves, &QPushButton::clicked, this, [this] {
@@ -114,6 +114,7 @@ AnalyzerWindow::~AnalyzerWindow() {
     form_.Recording.AskForFile = {};
     form_.Sweep.AskForExport = {};
     form_.Sweep.Setup.AskForTable = {};
+    form_.Sweep.Setup.AskForLine = {};
 }
 
 void AnalyzerWindow::MakeMenus() {
@@ -168,35 +169,35 @@ void AnalyzerWindow::PaintOwnBackgrounds() {
 
 // A letter does not act while a field has the focus: the field then takes the key as text.
 void AnalyzerWindow::ConnectKeys() {
-    const std::pair<QKeySequence, QAbstractButton*> buttons[] = {{Qt::Key_H, ui_->cmdHold},
-                                                                 {Qt::Key_K, ui_->cmdKeep},
-                                                                 {Qt::Key_F, ui_->cmdFit},
-                                                                 {Qt::Key_R, ui_->cmdFoldWaves},
-                                                                 {Qt::CTRL | Qt::Key_E, ui_->cmdExport},
-                                                                 {Qt::CTRL | Qt::Key_O, ui_->cmdOpen},
-                                                                 {QKeySequence::Copy, ui_->cmdCopy},
-                                                                 {Qt::Key_F5, ui_->cmdStart}};
-    const std::pair<QAbstractButton*, QAbstractButton*> ofSweep[] = {
-        {ui_->cmdStart, sweep_->Start}, {ui_->cmdExport, sweep_->Export}, {ui_->cmdCopy, sweep_->Copy}};
-    for (const auto& [key, spectrumButton] : buttons) {
-        QAbstractButton* const button = spectrumButton;
-        QAbstractButton* sweepButton = button == ui_->cmdOpen ? button : nullptr;
-        for (const auto& [ofSpectrum, own] : ofSweep)
-            if (ofSpectrum == button) sweepButton = own;
-        connect(new QShortcut(key, this), &QShortcut::activated, this, [this, button, sweepButton] {
-            QAbstractButton* const pressed = SweepShown() ? sweepButton : button;
+    struct KeyOfButtons {
+        QKeySequence key;
+        QAbstractButton* spectrum;  // that it presses in this tab; null for none
+        QAbstractButton* sweep;
+    };
+    const KeyOfButtons keys[] = {
+        {Qt::Key_H, ui_->cmdHold, nullptr},
+        {Qt::Key_K, ui_->cmdKeep, sweep_->Keep},
+        {Qt::Key_F, ui_->cmdFit, nullptr},
+        {Qt::Key_R, ui_->cmdFoldWaves, nullptr},
+        {Qt::CTRL | Qt::Key_E, ui_->cmdExport, sweep_->Export},
+        {Qt::CTRL | Qt::Key_O, ui_->cmdOpen, ui_->cmdOpen},
+        {QKeySequence::Copy, ui_->cmdCopy, sweep_->Copy},
+        {Qt::Key_F5, ui_->cmdStart, sweep_->Start},
+    };
+    for (const KeyOfButtons& key : keys)
+        connect(new QShortcut(key.key, this), &QShortcut::activated, this, [this, key] {
+            QAbstractButton* const pressed = SweepShown() ? key.sweep : key.spectrum;
             if (pressed != nullptr) pressed->click();
         });
-    }
     for (int tab = 0; tab < ui_->Tabs->count(); ++tab)
         connect(new QShortcut(QKeySequence(Qt::CTRL | (Qt::Key_1 + tab)), this), &QShortcut::activated, this,
                 [this, tab] { ui_->Tabs->setCurrentIndex(tab); });
     auto* const single = new QShortcut(Qt::Key_Space, ui_->Spectrum);
     single->setContext(Qt::WidgetShortcut);
     connect(single, &QShortcut::activated, ui_->cmdSingle, &QAbstractButton::click);
-    OnKey(Qt::Key_U, [this] { form_.Readings.ToggleUnit(); });
-    OnKey(Qt::Key_Plus, [this] { form_.Spectrum.UserZoomsAtCursor(1.0); });
-    OnKey(Qt::Key_Minus, [this] { form_.Spectrum.UserZoomsAtCursor(-1.0); });
+    OnSpectrumKey(Qt::Key_U, [this] { form_.Readings.ToggleUnit(); });
+    OnSpectrumKey(Qt::Key_Plus, [this] { form_.Spectrum.UserZoomsAtCursor(1.0); });
+    OnSpectrumKey(Qt::Key_Minus, [this] { form_.Spectrum.UserZoomsAtCursor(-1.0); });
     OnKey(QKeySequence::HelpContents, [this] {
         if (OnHelp) OnHelp();
     });
@@ -222,6 +223,12 @@ void AnalyzerWindow::MakeSweep() {
 void AnalyzerWindow::OnKey(const QKeySequence& key, const std::function<void()>& handler) {
     connect(new QShortcut(key, this), &QShortcut::activated, this,
             [this, handler] { Bindings().Handle(handler); });
+}
+
+void AnalyzerWindow::OnSpectrumKey(const QKeySequence& key, const std::function<void()>& handler) {
+    OnKey(key, [this, handler] {
+        if (ui_->Tabs->currentIndex() == 0) handler();
+    });
 }
 
 // Left column, plot, waveforms, right column, buttons.

@@ -50,8 +50,9 @@ private:
     void ConnectFiles();
     std::vector<PictureLegend> Legend() const;
     std::string AskForRecording();
-    std::string AskForRunFile();
+    std::optional<SweepPanel::ExportTarget> AskForRunFile();
     std::optional<SweepSetup::NamedText> AskForLimit();
+    std::optional<std::string> AskForLine(const std::string& table);
     std::optional<frmAnalyzer::ExportTarget> AskForExport(const ExportedMeasurement& measurement);
     void Wait(QDialog& dialog);
     void BindControls();
@@ -63,6 +64,7 @@ private:
     void ConnectKeys();
     bool SweepShown() const;
     void OnKey(const QKeySequence& key, const std::function<void()>& handler);
+    void OnSpectrumKey(const QKeySequence& key, const std::function<void()>& handler);
     void OrderTabs();
     QSize FirstSize() const override;
     void Align() override;

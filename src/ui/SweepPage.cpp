@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "ui/KeptRunsCard.h"
 #include "ui/widgets/ChipView.h"
 #include "ui/widgets/ChoiceBox.h"
 #include "ui/widgets/KeyButton.h"
@@ -84,6 +85,8 @@ SweepPage::SweepPage(SweepPanel& panel, Binder& binder, QWidget* parent)
     MakeMiddle(*middle);
     QWidget* const right = MakeColumn(kSweepPointWidth);
     MakePoint(static_cast<QBoxLayout&>(*right->layout()));
+    kept_ = new KeptRunsCard(panel_.Kept, binder_, this);
+    static_cast<QBoxLayout&>(*right->layout()).addWidget(kept_);
     for (QWidget* const side : {left, right}) static_cast<QBoxLayout*>(side->layout())->addStretch(1);
     columns->addWidget(left->parentWidget()->parentWidget());
     columns->addLayout(middle, 1);
@@ -224,10 +227,17 @@ void SweepPage::MakeLimit(QBoxLayout& column) {
     AddChoice(*grid, tr("O&f"), "cmbLimitOf", setup.cmbLimitOf);
     AddEntry(*grid, tr("At &most"), "txtLimit", setup.txtLimit)->SetUnit("dB");
     optional_.push_back(AddLabel(layout, "lblLimit", "quiet", setup.lblLimit));
-    auto* const load = new QPushButton(this);
-    load->setObjectName("cmdLoadLimit");
-    layout.addWidget(load);
-    binder_.Bind(*load, setup.cmdLoadLimit);
+    auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    layout.addLayout(buttons);
+    for (auto& [name, control] :
+         {std::pair<const char*, CommandButton&>{"cmdEditLimit", setup.cmdEditLimit},
+          std::pair<const char*, CommandButton&>{"cmdLoadLimit", setup.cmdLoadLimit}}) {
+        auto* const button = new QPushButton(this);
+        button->setObjectName(name);
+        buttons->addWidget(button);
+        binder_.Bind(*button, control);
+    }
 }
 
 void SweepPage::MakeLegend(QBoxLayout& column) {
@@ -245,6 +255,7 @@ void SweepPage::MakeLegend(QBoxLayout& column) {
     verdict_ = new ChipView(this);
     verdict_->setObjectName("Verdict");
     verdict_->setAccessibleName(tr("Verdict"));
+    verdict_->SetFilled(true);
     legend->addWidget(verdict_, 1, kLegendColumns - 1, Qt::AlignRight);
     binder_.Bind(*verdict_, panel_.Verdict);
     column.addLayout(legend);
@@ -267,6 +278,10 @@ void SweepPage::MakeProgress(QBoxLayout& column) {
     AddLabel(*texts, "lblProgress", "", panel_.lblProgress)->setWordWrap(false);
     texts->addStretch(1);
     AddLabel(*texts, "lblLeft", "", panel_.lblLeft)->setWordWrap(false);
+    repeat_ = new QPushButton(this);
+    repeat_->setObjectName("cmdRepeat");
+    texts->addWidget(repeat_);
+    binder_.Bind(*repeat_, panel_.cmdRepeat);
     progress_ = new QProgressBar(this);
     progress_->setObjectName("prgRun");
     progress_->setTextVisible(false);
@@ -302,6 +317,12 @@ void SweepPage::MakeButtons(QBoxLayout& column) {
     row->setSpacing(8);
     row->setContentsMargins(0, 0, kSweepScrollRoom, 0);
     column.addLayout(row);
+    auto* const keep = new KeyButton(this);
+    keep->SetKeyCap("K");
+    keep->setObjectName("cmdKeepRun");
+    row->addWidget(keep);
+    binder_.Bind(static_cast<QPushButton&>(*keep), panel_.cmdKeep);
+    Keep = keep;
     auto* const clear = new QPushButton(this);
     clear->setObjectName("cmdClearRun");
     row->addWidget(clear);
@@ -333,6 +354,9 @@ void SweepPage::Decorate() {
     otherEntry_->SetUnit(setup.OtherUnit());
     otherCaption_->setText(setup.OverFrequency() ? tr("&Levels") : tr("&Tones"));
     verdict_->setVisible(!panel_.Verdict.Text().empty());
+    repeat_->setVisible(panel_.cmdRepeat.Enabled());
+    progress_->setVisible(!panel_.cmdRepeat.Enabled());
+    kept_->Decorate();
     for (QLabel* const label : optional_) label->setVisible(!label->text().isEmpty());
 }
 

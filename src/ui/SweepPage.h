@@ -15,6 +15,7 @@ class QProgressBar;
 namespace sonavex::ui {
 
 class ChipView;
+class KeptRunsCard;
 class ReadingRowView;
 class RunView;
 class SegmentedChoice;
@@ -34,6 +35,7 @@ public:
     void Decorate();
 
     QPushButton* Start = nullptr;
+    QPushButton* Keep = nullptr;
     QPushButton* Export = nullptr;
     QPushButton* Copy = nullptr;
     RunView* View = nullptr;
@@ -63,6 +65,8 @@ private:
     std::vector<UnitEdit*> axisEntries_;
     UnitEdit* otherEntry_ = nullptr;
     ChipView* verdict_ = nullptr;
+    KeptRunsCard* kept_ = nullptr;
+    QPushButton* repeat_ = nullptr;
     QProgressBar* progress_ = nullptr;
 };
 

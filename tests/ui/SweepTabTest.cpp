@@ -71,12 +71,38 @@ TEST_F(SweepTab, ExportsTheRunAndNotTheReading) {
     };
     form.Sweep.AskForExport = [&] {
         asked += "run";
-        return std::string();
+        return std::nullopt;
     };
     QTest::keyClick(&window, Qt::Key_F5);
     PlayToTheEnd();
     QTest::keyClick(&window, Qt::Key_E, Qt::ControlModifier);
     EXPECT_EQ(asked, "run");
+}
+
+TEST_F(SweepTab, KeepsRunsByKAndRenamesThem) {
+    QTest::keyClick(&window, Qt::Key_F5);
+    PlayToTheEnd();
+    Find<ui::RunView>("Run").setFocus();
+    QTest::keyClick(&window, Qt::Key_K);
+    Settle();
+    auto& name = Find<QLineEdit>("txtKept1");
+    ASSERT_TRUE(name.isVisible());
+    EXPECT_FALSE(Find<QLineEdit>("txtKept2").isVisible());
+    EXPECT_EQ(name.text(), "10:42, -1 dBFS");
+    QTest::mouseClick(&Find<QPushButton>("cmdRenameRun"), Qt::LeftButton);
+    Settle();
+    EXPECT_TRUE(name.hasFocus());
+    Type("txtKept1", "new caps");
+    EXPECT_EQ(form.Sweep.Kept.Rows[0].txtName.Text(), "new caps");
+}
+
+TEST_F(SweepTab, KeysOfTheSpectrumDoNotActThere) {
+    const PlotView view = form.Spectrum.View();
+    Find<ui::RunView>("Run").setFocus();
+    for (const auto key : {Qt::Key_U, Qt::Key_Plus, Qt::Key_Minus, Qt::Key_H}) QTest::keyClick(&window, key);
+    Settle();
+    EXPECT_TRUE(form.Spectrum.View() == view);
+    EXPECT_EQ(form.cmdHold.Caption(), "Hold");
 }
 
 }  // namespace

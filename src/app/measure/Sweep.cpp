@@ -61,7 +61,7 @@ public:
 private:
     std::string Progress() const {
         const sonavex::RunMeasurement& measurement = run_.Measurement();
-        std::string line = std::to_string(measurement.Results().size()) + " of " +
+        std::string line = std::to_string(measurement.Points().size() - measurement.PointsLeft()) + " of " +
                            std::to_string(measurement.Points().size()) + " points, " +
                            WithDecimals(std::ceil(measurement.SecondsLeft()), 0) + " s left";
         if (Paused()) line += ", paused: no sound device";

@@ -12,6 +12,8 @@
 namespace sonavex {
 namespace {
 
+constexpr int kTableDigits = 9;
+
 // A point at the end of a table must not miss it by a rounding error.
 constexpr double kRelativeRounding = 1e-9;
 constexpr std::size_t kMostRows = 100000;
@@ -120,6 +122,23 @@ double LimitCurve::At(double hertz) const {
 
 LimitTable ParseLimitTable(std::string_view text) {
     return LimitTableParser().Parse(text);
+}
+
+std::string LimitTableText(const LimitTable& table, const std::array<double, 2>& endsHz) {
+    const LimitCurve& first = table.atMost ? *table.atMost : table.atLeast.value();
+    std::vector<double> frequencies(endsHz.begin(), endsHz.end());
+    if (!first.Constant()) {
+        frequencies.clear();
+        for (const LimitRow& row : first.Rows()) frequencies.push_back(row.hertz);
+    }
+    std::string text;
+    for (const double hertz : frequencies) {
+        text += WithDigits(hertz, kTableDigits);
+        for (const auto& curve : {table.atLeast, table.atMost})
+            if (curve) text += ", " + WithDigits(curve->At(hertz), kTableDigits);
+        text += '\n';
+    }
+    return text;
 }
 
 }  // namespace sonavex

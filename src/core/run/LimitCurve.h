@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -37,5 +39,9 @@ struct LimitTable {
 // Lines that are empty or begin with '#' do not count, nor does a first line of titles. RunError for an
 // incomplete or unsorted table.
 LimitTable ParseLimitTable(std::string_view text);
+
+// The same table as text, a line for each row, numbers of up to 9 digits. A constant limit becomes two rows
+// at `endsHz`. Both curves, if there are two, have rows at the same frequencies.
+std::string LimitTableText(const LimitTable& table, const std::array<double, 2>& endsHz);
 
 }  // namespace sonavex

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/text/Decimals.h"
+
 namespace sonavex {
 namespace {
 
@@ -18,6 +20,10 @@ constexpr double kUsualPathSeconds = 0.35;
 // A void or unsteady point is repeated once.
 constexpr int kRunAttempts = 2;
 constexpr const char* kStoppedByOthers = "The stimulus was stopped.";
+
+bool SamePoint(const RunPoint& point, const RunPoint& other) {
+    return point.requestedHz == other.requestedHz && point.levelDbfs == other.levelDbfs;
+}
 
 double RecordSeconds(const RunPlan& plan, double rateHz) {
     return static_cast<double>(RecordLengthOf(plan, rateHz)) / rateHz;
@@ -62,17 +68,42 @@ RunMeasurement::~RunMeasurement() {
 }
 
 void RunMeasurement::Start(const RunPlan& plan) {
+    Play(plan, PointsOf(plan, needs_.instrument.Shared.SampleRate), {}, false);
+}
+
+void RunMeasurement::Continue(const MeasuredRun& run) {
     const double rateHz = needs_.instrument.Shared.SampleRate;
-    std::vector<RunPoint> points = PointsOf(plan, rateHz);
+    if (run.conditions.rateHz != rateHz)
+        throw RunError("The run was measured at " + WithDecimals(run.conditions.rateHz, 0) +
+                       " Hz and cannot be continued at " + WithDecimals(rateHz, 0) + " Hz.");
+    std::vector<RunPoint> points = PointsOf(run.file.plan, rateHz);
+    const bool fits = run.results.size() <= points.size() &&
+                      std::equal(run.results.begin(), run.results.end(), points.begin(),
+                                 [](const RunPointResult& result, const RunPoint& point) {
+                                     return SamePoint(result.point, point);
+                                 });
+    if (!fits) throw RunError("The measured points do not belong to this run.");
+    const bool sameDevices = !points_.empty() && captureStarts_ == needs_.instrument.Engine.CaptureStarts;
+    Play(run.file.plan, std::move(points), run.results, afterLoss_ || !sameDevices);
+}
+
+// `results` are kept where they are valid.
+void RunMeasurement::Play(const RunPlan& plan, std::vector<RunPoint> points,
+                          std::vector<RunPointResult> results, bool afterLoss) {
     CheckSound(plan, points);
     plan_ = plan;
-    settings_ = RunSettings(plan, rateHz);
+    settings_ = RunSettings(plan, needs_.instrument.Shared.SampleRate);
     points_ = std::move(points);
-    results_.clear();
+    results_ = std::move(results);
+    todo_.clear();
+    for (std::size_t i = points_.size(); i-- > 0;)
+        if (i >= results_.size() || !results_[i].Valid()) todo_.push_back(i);
     trouble_.clear();
     attempt_ = 1;
-    afterLoss_ = false;
+    afterLoss_ = afterLoss;
     measured_ = 0ns;
+    timed_ = 0;
+    if (todo_.empty()) return;
     captureStarts_ = needs_.instrument.Engine.CaptureStarts;
     waiting_ = !DevicesRun();
     if (!waiting_) BeginAttempt();
@@ -101,7 +132,7 @@ void RunMeasurement::End(const std::string& trouble) {
 }
 
 void RunMeasurement::BeginAttempt() {
-    needs_.measurement.Start(settings_, PointChoice(plan_, points_[results_.size()], settings_.length));
+    needs_.measurement.Start(settings_, PointChoice(plan_, points_[todo_.back()], settings_.length));
     waiting_ = false;
     BeginRecords();
 }
@@ -114,7 +145,7 @@ void RunMeasurement::BeginRecords() {
 
 // Without devices the point begins when they run again.
 void RunMeasurement::MeasurePoint() {
-    if (results_.size() == points_.size()) return End("");
+    if (todo_.empty()) return End("");
     waiting_ = !DevicesRun();
     if (waiting_) return;
     try {
@@ -186,7 +217,7 @@ void RunMeasurement::Fail(PointFault fault) {
 
 RunPointResult RunMeasurement::ResultOf(Reading reading) const {
     RunPointResult result;
-    result.point = points_[results_.size()];
+    result.point = points_[todo_.back()];
     result.reading = std::move(reading);
     result.attempts = attempt_;
     result.afterLoss = afterLoss_;
@@ -195,17 +226,20 @@ RunPointResult RunMeasurement::ResultOf(Reading reading) const {
 
 void RunMeasurement::Store(RunPointResult result) {
     measured_ += needs_.loop.Now() - begin_;
-    results_.push_back(std::move(result));
+    ++timed_;
+    const std::size_t point = todo_.back();
+    todo_.pop_back();
+    if (point == results_.size()) results_.emplace_back();
+    results_[point] = std::move(result);
     attempt_ = 1;
-    if (OnPoint) OnPoint(results_.back());
+    if (OnPoint) OnPoint(results_[point]);
     if (state_ == State::kMeasuring) MeasurePoint();
 }
 
 double RunMeasurement::SecondsLeft() const {
-    const std::size_t left = points_.size() - results_.size();
-    if (results_.empty()) return EstimatedSeconds(plan_, left, settings_.rateHz);
+    if (timed_ == 0) return EstimatedSeconds(plan_, todo_.size(), settings_.rateHz);
     const double seconds = std::chrono::duration<double>(measured_).count();
-    return seconds / static_cast<double>(results_.size()) * static_cast<double>(left);
+    return seconds / static_cast<double>(timed_) * static_cast<double>(todo_.size());
 }
 
 void RunMeasurement::Check() {

@@ -10,6 +10,7 @@
 #include "core/audio/Instrument.h"
 #include "core/ports/EventLoop.h"
 #include "core/precise/PreciseMeasurement.h"
+#include "core/run/MeasuredRun.h"
 #include "core/run/RunResult.h"
 
 namespace sonavex {
@@ -35,6 +36,10 @@ public:
     // RunError and StimulusError for a run that cannot be played; nothing is heard then, and the results of
     // the run before are kept. Not while a run is active.
     void Start(const RunPlan& plan);
+    // Measures the void and the missing points of `run` and keeps the others. Otherwise like Start; also
+    // RunError for a run at another rate and for results of other points. The new points count as measured
+    // after a loss if a device was lost since the last run of this object, or if there was none.
+    void Continue(const MeasuredRun& run);
     // Ends the run and keeps what was measured.
     void Cancel();
 
@@ -50,8 +55,12 @@ public:
     const std::string& Trouble() const noexcept { return trouble_; }
 
     const std::vector<RunPoint>& Points() const noexcept { return points_; }
-    // In the order of the points, as many as are measured.
+    // In the order of the points, as many as are measured. A void point keeps its result until it has been
+    // measured again.
     const std::vector<RunPointResult>& Results() const noexcept { return results_; }
+    // The point that is measured now or next, from 0; the number of points at the end of a run.
+    std::size_t Current() const noexcept { return todo_.empty() ? points_.size() : todo_.back(); }
+    std::size_t PointsLeft() const noexcept { return todo_.size(); }
     // Records of the present point.
     int Records() const noexcept { return settling_.Records(); }
     // Estimated from the points that are measured. Without pauses.
@@ -67,6 +76,8 @@ private:
     bool DevicesRun() const;
     bool NoticeRestart();
     void MeasurePoint();
+    void Play(const RunPlan& plan, std::vector<RunPoint> points, std::vector<RunPointResult> results,
+              bool afterLoss);
     void BeginAttempt();
     void BeginRecords();
     void Take(const LinesReading& values);
@@ -85,6 +96,7 @@ private:
     PreciseSettings settings_;
     std::vector<RunPoint> points_;
     std::vector<RunPointResult> results_;
+    std::vector<std::size_t> todo_;  // points, the next one at the end
     State state_ = State::kIdle;
     std::string trouble_;
     Settling settling_{{}};
@@ -94,7 +106,8 @@ private:
     bool afterLoss_ = false;
     std::uint64_t captureStarts_ = 0;
     std::chrono::nanoseconds begin_{0};     // of the present attempt
-    std::chrono::nanoseconds measured_{0};  // time that the results took
+    std::chrono::nanoseconds measured_{0};  // time that `timed_` points took
+    std::size_t timed_ = 0;
     std::function<void(const LinesReading&)> formerOnReading_;
     EventLoop::TimerId timer_ = 0;
 };

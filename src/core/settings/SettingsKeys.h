@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -102,6 +103,27 @@ inline constexpr SettingsKey kAnalyzerInputUnit{kAnalyzer, "Input Unit", "0"};
 inline constexpr SettingsKey kAnalyzerPlotUnit{kAnalyzer, "Plot Unit", "0"};
 inline constexpr SettingsKey kAnalyzerPeriods{kAnalyzer, "Periods", "1"};
 inline constexpr SettingsKey kAnalyzerWavesFolded{kAnalyzer, "Waves Folded", "0"};
+
+// The tab with runs; pairs belong to runs over frequency and over level.
+inline constexpr std::array<SettingsKey, 2> kSweepFrom{
+    {{kAnalyzer, "Sweep From", "20"}, {kAnalyzer, "Sweep Lowest Level", "-60"}}};
+inline constexpr std::array<SettingsKey, 2> kSweepTo{
+    {{kAnalyzer, "Sweep To", "20000"}, {kAnalyzer, "Sweep Highest Level", "-1"}}};
+inline constexpr std::array<SettingsKey, 2> kSweepAmount{
+    {{kAnalyzer, "Sweep Points", "6"}, {kAnalyzer, "Sweep Level Points", "2"}}};
+inline constexpr std::array<SettingsKey, 2> kSweepSpacing{
+    {{kAnalyzer, "Sweep Spacing", "0"}, {kAnalyzer, "Sweep Level Spacing", "0"}}};
+inline constexpr std::array<SettingsKey, 2> kSweepOther{
+    {{kAnalyzer, "Sweep Levels", "-1"}, {kAnalyzer, "Sweep Tones", "1000"}}};
+inline constexpr SettingsKey kSweepOver{kAnalyzer, "Sweep Over", "0"};
+inline constexpr SettingsKey kSweepSettleLevel{kAnalyzer, "Sweep Settling Level", "0.01"};
+inline constexpr SettingsKey kSweepSettleThdn{kAnalyzer, "Sweep Settling THD+N", "0.3"};
+inline constexpr SettingsKey kSweepLimited{kAnalyzer, "Sweep Limited", "0"};
+inline constexpr SettingsKey kSweepLimitOf{kAnalyzer, "Sweep Limit Of", "0"};
+inline constexpr SettingsKey kSweepLimit{kAnalyzer, "Sweep Limit", "-90"};
+// The table with semicolons in place of line ends; empty without one.
+inline constexpr SettingsKey kSweepLimitTable{kAnalyzer, "Sweep Limit Table", ""};
+inline constexpr SettingsKey kSweepLimitName{kAnalyzer, "Sweep Limit Name", ""};
 
 inline constexpr SettingsKey kLastTab{kWindows, "LastTab", "0"};
 inline constexpr std::string_view kNeverPlaced = "-1";

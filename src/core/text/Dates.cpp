@@ -25,4 +25,8 @@ std::string DateAndTime(const DateTime& time) {
            Padded(time.hour, 2) + ':' + Padded(time.minute, 2) + ':' + Padded(time.second, 2);
 }
 
+std::string TimeOfDay(const DateTime& time) {
+    return DateAndTime(time).substr(std::string("2024-03-09 ").size());
+}
+
 }  // namespace sonavex

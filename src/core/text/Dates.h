@@ -28,4 +28,7 @@ std::string FormatDate(const CalendarDate& date);
 // "2024-03-09 17:05:00".
 std::string DateAndTime(const DateTime& time);
 
+// "17:05:00".
+std::string TimeOfDay(const DateTime& time);
+
 }  // namespace sonavex

@@ -88,10 +88,9 @@ QSize ChipView::sizeHint() const {
     return {words + kChipShapeWidth + kChipGap + 2 * kChipMargin, fontMetrics().height() + 6};
 }
 
-void ChipView::PaintShape(QPainter& painter) const {
-    const QColor colour = ChipColour(kind_);
+void ChipView::PaintShape(QPainter& painter, const QColor& ink) const {
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(colour, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(ink, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     if (kind_ != Kind::kSettling) {
         painter.drawPath(ChipShape(kind_));
         return;
@@ -100,22 +99,26 @@ void ChipView::PaintShape(QPainter& painter) const {
     painter.setPen(QPen(Theme::Current().border, 2.4));
     painter.drawEllipse(ring);
     // Qt's angles are sixteenths of a degree, counterclockwise from the right.
-    painter.setPen(QPen(colour, 2.4, Qt::SolidLine, Qt::FlatCap));
+    painter.setPen(QPen(ink, 2.4, Qt::SolidLine, Qt::FlatCap));
     painter.drawArc(ring, 90 * 16, -static_cast<int>(progress_ * 360.0 * 16.0));
 }
 
 void ChipView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    const Theme& theme = Theme::Current();
     const QColor colour = ChipColour(kind_);
+    const bool filled = filled_ && kind_ == Kind::kVoid;
+    const QColor ink = filled ? theme.card : colour;
     painter.setPen(colour);
-    painter.setBrush(Theme::Current().window);
+    painter.setBrush(filled ? colour : theme.window);
     const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     painter.drawRoundedRect(frame, frame.height() / 2.0, frame.height() / 2.0);
+    painter.setPen(ink);
     painter.drawText(rect().adjusted(kChipMargin + kChipShapeWidth + kChipGap, 0, 0, 0),
                      Qt::AlignLeft | Qt::AlignVCenter, text_);
     painter.translate(kChipMargin + kChipShapeWidth / 2.0, height() / 2.0);
-    PaintShape(painter);
+    PaintShape(painter, ink);
 }
 
 }  // namespace sonavex::ui

@@ -18,6 +18,8 @@ public:
 
     // progress: how far a settling measurement is, 0 to 1.
     void Show(Kind kind, const QString& text, double progress);
+    // A filled chip has no frame but its whole ground in its colour, if it is a failure.
+    void SetFilled(bool filled) { filled_ = filled; }
     QString Text() const { return text_; }
     Kind Shown() const noexcept { return kind_; }
 
@@ -28,11 +30,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void PaintShape(QPainter& painter) const;
+    void PaintShape(QPainter& painter, const QColor& ink) const;
 
     Kind kind_ = Kind::kOff;
     QString text_;
     double progress_ = 0.0;
+    bool filled_ = false;
 };
 
 }  // namespace sonavex::ui

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "ui/widgets/Theme.h"
@@ -17,6 +18,7 @@ constexpr double kRunFlagPadding = 5.0;
 constexpr double kRunMark = 2.4;      // radius of a measured point
 constexpr double kRunVoidMark = 4.0;  // radius of a void point
 constexpr double kRunCursorArrow = 5.0;
+constexpr double kKeptSwatch = 20.0;
 
 QString RunLabel(const std::string& text) {
     return QString::fromStdString(text);
@@ -68,6 +70,27 @@ void PaintSeries(QPainter& painter, const RunPixels& pixels, const RunPlot& plot
         for (std::size_t i = 0; i < curve.size(); ++i)
             if (!curve[i].bound) painter.drawEllipse(line[static_cast<qsizetype>(i)], kRunMark, kRunMark);
     }
+}
+
+// Thin and dashed: the colour shows the quantity, the line the run.
+void PaintKept(QPainter& painter, const RunPixels& pixels, const RunPlot& plot, RunSeries series) {
+    QPen pen(RunPainter::LineOf(series).color(), 1.0);
+    pen.setDashPattern({6, 4});
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    for (const RunPlot::BesideCurves& kept : plot.Kept())
+        for (const RunCurve& curve : kept.curves[static_cast<std::size_t>(series)])
+            painter.drawPolyline(pixels.Line(curve, series == RunSeries::kLevel));
+}
+
+// "kept run B", "kept runs B, C"
+QString KeptText(const RunPlot& plot) {
+    QString text = plot.Kept().size() == 1 ? "kept run " : "kept runs ";
+    for (std::size_t i = 0; i < plot.Kept().size(); ++i) {
+        if (i > 0) text += ", ";
+        text += QChar(plot.Kept()[i].letter);
+    }
+    return text;
 }
 
 void PaintFlag(QPainter& painter, const QRectF& area, double y, const QString& text, const PlotFonts& fonts) {
@@ -146,7 +169,7 @@ void PaintLevelAxis(QPainter& painter, const QRectF& area, const RunPlot& plot, 
             RunLabel(tick.label));
 }
 
-// Units of both axes, and what a hollow mark is.
+// Units of both axes, what a hollow mark is, and which runs are drawn beside the present one.
 void PaintHeads(QPainter& painter, const QRectF& area, const RunPlot& plot, const PlotFonts& fonts) {
     const Theme& theme = Theme::Current();
     const QFontMetricsF metrics(fonts.quiet);
@@ -155,13 +178,27 @@ void PaintHeads(QPainter& painter, const QRectF& area, const RunPlot& plot, cons
     painter.setPen(theme.quiet);
     painter.drawText(QPointF(area.left() - kRunTextGap - metrics.horizontalAdvance("dB"), baseline), "dB");
     painter.drawText(QPointF(area.right() + kRunTextGap, baseline), "dBFS");
-    if (plot.VoidPositions().empty()) return;
-    const double left = area.right() - metrics.horizontalAdvance("invalid");
+    double right = area.right();
     painter.setPen(theme.text);
-    painter.drawText(QPointF(left, baseline), "invalid");
+    if (!plot.Kept().empty()) {
+        const QString text = KeptText(plot);
+        right -= metrics.horizontalAdvance(text);
+        painter.drawText(QPointF(right, baseline), text);
+        QPen pen(theme.text, 1.0);
+        pen.setDashPattern({6, 4});
+        painter.setPen(pen);
+        const double y = baseline - metrics.ascent() / 2 + 1;
+        right -= kRunTextGap;
+        painter.drawLine(QPointF(right - kKeptSwatch, y), QPointF(right, y));
+        right -= kKeptSwatch + 2 * kRunTextGap;
+    }
+    if (plot.VoidPositions().empty()) return;
+    right -= metrics.horizontalAdvance("invalid");
+    painter.setPen(theme.text);
+    painter.drawText(QPointF(right, baseline), "invalid");
     painter.setPen(QPen(theme.text, 1.6));
     painter.setBrush(theme.card);
-    painter.drawEllipse(QPointF(left - 2 * kRunTextGap + kRunVoidMark, baseline - metrics.ascent() / 2 + 1),
+    painter.drawEllipse(QPointF(right - 2 * kRunTextGap + kRunVoidMark, baseline - metrics.ascent() / 2 + 1),
                         kRunVoidMark, kRunVoidMark);
 }
 
@@ -262,8 +299,11 @@ void RunPainter::PaintCurves(QPainter& painter, const QRectF& area, const RunPlo
     painter.save();
     painter.setClipRect(area);
     PaintLimits(painter, pixels, plot);
-    for (const RunSeries series :
-         {RunSeries::kLevel, RunSeries::kThird, RunSeries::kSecond, RunSeries::kThdn, RunSeries::kThd})
+    constexpr std::array kBackToFront{RunSeries::kLevel, RunSeries::kThird, RunSeries::kSecond,
+                                      RunSeries::kThdn, RunSeries::kThd};
+    for (const RunSeries series : kBackToFront)
+        if (plot.Visible(series)) PaintKept(painter, pixels, plot, series);
+    for (const RunSeries series : kBackToFront)
         if (plot.Visible(series)) PaintSeries(painter, pixels, plot, series);
     painter.restore();
     PaintVerticals(painter, area, plot);

@@ -80,7 +80,24 @@ void RunWithLoss(AnalyzerRig& rig) {
     rig.form.Sweep.UserMovesCursor(1);
 }
 
+// A kept run with more distortion, a renamed one that is not shown, and the present run.
+void KeepRuns(AnalyzerRig& rig) {
+    SetModel(rig, [](DeviceUnderTestModel& model) {
+        model.noiseRms = 1.0;
+        model.gain = 0.9;
+    });
+    RunSweep(rig, "-95", 200s);
+    KeptRuns& kept = rig.form.Sweep.Kept;
+    for (int i = 0; i < 2; ++i) rig.form.Sweep.cmdKeep.Press();
+    kept.Rows[1].txtName.UserTypes("before the new capacitors of the output");
+    kept.Rows[1].txtName.UserLeaves();
+    kept.Rows[1].chkShown.UserSets(false);
+    SetModel(rig, [](DeviceUnderTestModel&) {});
+    RunSweep(rig, "-95", 200s);
+}
+
 const AnalyzerScene kAnalyzerScenes[] = {
+    {"sweep-kept", kUsual, KeepRuns},
     {"sweep-running", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 20s); }},
     {"sweep-passed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 200s); }},
     {"sweep-failed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-103", 200s); }},
@@ -184,9 +201,9 @@ bool SaveKeepMenu(bool dark, const QString& folder) {
 
 }  // namespace
 
-bool AnalyzerPictures(bool dark, const QString& folder) {
+bool AnalyzerPictures(bool dark, const QString& folder, const QString& scenes) {
     for (const AnalyzerScene& scene : kAnalyzerScenes)
-        if (!SaveScene(scene, dark, folder)) return false;
+        if (QString(scene.name).startsWith(scenes) && !SaveScene(scene, dark, folder)) return false;
     return SaveLengths(dark, folder) && SaveKeepMenu(dark, folder);
 }
 

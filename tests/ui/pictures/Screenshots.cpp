@@ -229,18 +229,22 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     QApplication::setStyle(new ui::ProgramStyle);
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: sonavex-screenshots FOLDER\n");
+    if (argc != 2 && argc != 3) {
+        std::fprintf(stderr,
+                     "usage: sonavex-screenshots FOLDER [SCENES]\n"
+                     "SCENES: only those of the Analyzer whose names begin so\n");
         return 2;
     }
+    const QString scenes = argc == 3 ? QString::fromLocal8Bit(argv[2]) : QString();
     for (const bool dark : {false, true}) {
         QApplication::setPalette(PaletteOf(dark));
+        if (!AnalyzerPictures(dark, QString::fromLocal8Bit(argv[1]), scenes)) return 1;
+        if (argc == 3) continue;
         for (const Scene& scene : kScenes)
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
         for (const MixerScene& scene : kMixerScenes)
             if (!Picture(scene, dark, QString::fromLocal8Bit(argv[1]))) return 1;
         if (!DialogPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
-        if (!AnalyzerPictures(dark, QString::fromLocal8Bit(argv[1]))) return 1;
     }
     return 0;
 }

@@ -35,7 +35,7 @@ protected:
         results[2].fault = {"not settled", ""};
         for (const RunPointResult& result : results) points.push_back(result.point);
         limits = {{{RunQuantity::Kind::kThd}, std::nullopt, LimitCurve(-90.0)}};
-        plot.Show({RunAxis::kFrequency, points, results, limits, 20000, false});
+        plot.Show({RunAxis::kFrequency, points, results, limits, 20000, {}, {}});
         view.Show(plot);
         view.show();
     }

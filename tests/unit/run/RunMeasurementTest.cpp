@@ -300,6 +300,60 @@ TEST_F(RunMeasurementTest, EstimatesTheTimeThatIsLeft) {
     EXPECT_NEAR(run.SecondsLeft(), 1.4, 0.3);
 }
 
+// The second point is void at first.
+TEST_F(RunMeasurementTest, ContinuesWithVoidAndMissingPoints) {
+    const RunPlan plan = LevelPlan({-20, -1, -10, -15});
+    SetDevice([](DeviceUnderTestModel& model) { model.gain = 1.5; });
+    onPoint = [&] {
+        if (notified.size() == 3) run.Cancel();
+    };
+    RunToEnd(plan);
+    onPoint = {};
+    ASSERT_EQ(run.Results().size(), 3U);
+    ASSERT_FALSE(run.Results()[1].Valid());
+    const double first = *run.Results()[0].reading.levelDbfs.value;
+
+    SetDevice([](DeviceUnderTestModel&) {});
+    notified.clear();
+    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, 0});
+    EXPECT_EQ(run.Current(), 1U);
+    EXPECT_EQ(run.PointsLeft(), 2U);
+    EXPECT_EQ(run.Results().size(), 3U);
+    RunUntil([&] { return !run.Active(); });
+    ASSERT_EQ(notified.size(), 2U);
+    EXPECT_EQ(notified[0].point.levelDbfs, -1);
+    EXPECT_EQ(notified[1].point.levelDbfs, -15);
+    ASSERT_EQ(run.Results().size(), 4U);
+    EXPECT_EQ(run.Current(), 4U);
+    EXPECT_EQ(*run.Results()[0].reading.levelDbfs.value, first);
+    for (const RunPointResult& result : run.Results()) {
+        EXPECT_TRUE(result.Valid()) << result.fault.code;
+        EXPECT_FALSE(result.afterLoss);
+    }
+    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, 0});
+    EXPECT_FALSE(run.Active());
+}
+
+TEST_F(RunMeasurementTest, MarksThePointsThatContinueAnotherProgramsRun) {
+    const RunPlan plan = Plan({300, 500});
+    RunPointResult measured;
+    measured.point = PointsOf(plan, kRunRateHz)[0];
+    run.Continue({{plan, {}}, {}, {measured}, {kRunRateHz, 2, {}}, 0});
+    RunUntil([&] { return !run.Active(); });
+    ASSERT_EQ(run.Results().size(), 2U);
+    EXPECT_FALSE(run.Results()[0].afterLoss);
+    EXPECT_TRUE(run.Results()[1].afterLoss);
+}
+
+TEST_F(RunMeasurementTest, RefusesToContinueAnotherRun) {
+    const RunPlan plan = Plan({300, 500});
+    RunPointResult other;
+    other.point = PointsOf(Plan({400}), kRunRateHz)[0];
+    EXPECT_THROW(run.Continue({{plan, {}}, {}, {other}, {kRunRateHz, 2, {}}, 0}), RunError);
+    EXPECT_THROW(run.Continue({{plan, {}}, {}, {}, {48000, 2, {}}, 0}), RunError);
+    EXPECT_FALSE(run.Active());
+}
+
 // THD within its uncertainty of 95 % at 95 +-3 % of the points, and within 0.01 dB.
 TEST_F(RunMeasurementTest, ThdAgreesWithTheClosedFormWithinItsUncertainty) {
     RunPlan plan;

@@ -15,6 +15,7 @@ constexpr int kLevelDecimals = 3;
 constexpr int kPlayedDigits = 6;
 constexpr std::size_t kMostInvalidLines = 8;
 constexpr int kRecordsOfAPoint = 2;
+constexpr std::size_t kHoursAndMinutes = 5;  // letters
 
 RunSeries SeriesOf(std::size_t index) {
     return static_cast<RunSeries>(index);
@@ -28,9 +29,15 @@ std::string PositionText(const RunPoint& point, RunAxis over) {
 }  // namespace
 
 SweepPanel::SweepPanel(const Needs& needs, Events events)
-    : Setup(needs.instrument.Settings, [this] { TakeChange(); }), needs_(needs), events_(std::move(events)) {
+    : Setup(needs.instrument.Settings, [this] { TakeChange(); }),
+      Kept([this] { ShowPlot(); }),
+      needs_(needs),
+      events_(std::move(events)) {
     cmdClear.SetCaption("Clear");
+    cmdKeep.SetCaption("Keep run");
     cmdStart.Click.Handle([this] { Active() ? Cancel() : Start(); });
+    cmdRepeat.Click.Handle([this] { Repeat(); });
+    cmdKeep.Click.Handle([this] { Keep(); });
     cmdClear.Click.Handle([this] { Clear(); });
     Plot.CursorMoved.Handle([this] { ShowPoint(); });
     for (std::size_t i = 0; i < chkSeries.size(); ++i) {
@@ -43,30 +50,77 @@ SweepPanel::SweepPanel(const Needs& needs, Events events)
     ShowRun();
 }
 
-// The run before stays on the screen when the new one cannot be played.
-void SweepPanel::Start() {
+bool SweepPanel::Begin(const std::function<void()>& begin) {
     lblTrouble.SetCaption("");
+    if (!run_) {
+        run_ = std::make_unique<RunMeasurement>(
+            RunMeasurement::Needs{needs_.loop, needs_.instrument, needs_.measurement});
+        run_->OnPoint = [this](const RunPointResult&) { TakeResults(); };
+    }
     try {
-        const double rateHz = needs_.instrument.Shared.SampleRate;
-        RunFile file = Setup.Chosen(events_.conditions());
-        RequireCoverage(file.limits, PointsOf(file.plan, rateHz));
-        if (!run_) {
-            run_ = std::make_unique<RunMeasurement>(
-                RunMeasurement::Needs{needs_.loop, needs_.instrument, needs_.measurement});
-            run_->OnPoint = [this](const RunPointResult&) { ShowRun(); };
-        }
-        events_.begins();
-        run_->Start(file.plan);
-        file_ = std::move(file);
-        rateHz_ = rateHz;
-        stream_ = DetailsOf(needs_.instrument.Engine, needs_.instrument.Shared.SampleRate, needs_.simulated);
-        started_ = needs_.loop.Now();
-        ShowRun();
+        begin();
     } catch (const std::runtime_error& error) {
         lblTrouble.SetCaption(error.what());
-        return;
+        return false;
     }
+    started_ = needs_.loop.Now();
     run_->OnChanged = [this] { TakeState(); };
+    return true;
+}
+
+// The run before stays on the screen when the new one cannot be played.
+void SweepPanel::Start() {
+    const double rateHz = needs_.instrument.Shared.SampleRate;
+    RunFile file;
+    const bool begun = Begin([&] {
+        file = Setup.Chosen(events_.conditions());
+        RequireCoverage(file.limits, PointsOf(file.plan, rateHz));
+        events_.begins();
+        run_->Start(file.plan);
+    });
+    if (!begun) return;
+    const StreamDetails stream =
+        DetailsOf(needs_.instrument.Engine, needs_.instrument.Shared.SampleRate, needs_.simulated);
+    present_ = {std::move(file), run_->Points(), {}, {rateHz, run_->Points().size(), stream}, 0};
+    time_ = TimeOfDay(needs_.now()).substr(0, kHoursAndMinutes);
+    secondsBefore_ = 0;
+    ShowRun();
+}
+
+// Measures the void and the missing points of the present run.
+void SweepPanel::Repeat() {
+    if (Active() || PointsDone() == present_.points.size()) return;
+    const bool begun = Begin([&] {
+        events_.begins();
+        run_->Continue(present_);
+    });
+    if (!begun) return;
+    secondsBefore_ = present_.seconds;
+    ShowRun();
+}
+
+void SweepPanel::Keep() {
+    if (present_.results.empty()) return;
+    const std::string others = OtherValuesText(present_.file.plan, present_.points);
+    const std::string name = time_.empty() ? others : time_ + ", " + others;
+    if (events_.kept) events_.kept(present_, name);
+    Kept.Add(present_, name);
+}
+
+void SweepPanel::Open(MeasuredRun run, const std::string& name) {
+    if (Active() || !present_.points.empty()) return Kept.Add(std::move(run), name);
+    run_.reset();
+    run.file.limits = present_.file.limits;
+    present_ = std::move(run);
+    time_.clear();
+    lblTrouble.SetCaption("");
+    TakeChange();
+    ShowRun();
+}
+
+void SweepPanel::TakeResults() {
+    present_.results = run_->Results();
+    ShowRun();
 }
 
 void SweepPanel::TakeState() {
@@ -81,14 +135,14 @@ void SweepPanel::Cancel() {
     if (run_) run_->Cancel();
 }
 
-// A new limit judges the run again.
+// A new limit judges the present and the kept runs again.
 void SweepPanel::TakeChange() {
     Setup.ShowPlan(events_.conditions(), needs_.instrument.Shared.SampleRate);
-    if (Points().empty()) return;
     try {
-        const std::vector<RunLimit> limits = Setup.Chosen(file_.plan).limits;
-        RequireCoverage(limits, Points());
-        file_.limits = limits;
+        const std::vector<RunLimit> limits = Setup.Chosen(present_.file.plan).limits;
+        Kept.Judge(limits);
+        RequireCoverage(limits, present_.points);
+        present_.file.limits = limits;
         ShowRun();
     } catch (const RunError& error) {
         lblTrouble.SetCaption(error.what());
@@ -98,14 +152,14 @@ void SweepPanel::TakeChange() {
 void SweepPanel::Clear() {
     if (Active()) return;
     run_.reset();
-    file_ = {};
+    present_ = {};
     lblTrouble.SetCaption("");
     ShowRun();
 }
 
 void SweepPanel::Tick(const std::string& trouble) {
     if (!Active()) return Setup.ShowPlan(events_.conditions(), needs_.instrument.Shared.SampleRate);
-    seconds_ = std::chrono::duration<double>(needs_.loop.Now() - started_).count();
+    present_.seconds = secondsBefore_ + std::chrono::duration<double>(needs_.loop.Now() - started_).count();
     ShowProgress();
     if (run_->Now() == RunMeasurement::State::kPaused)
         lblTrouble.SetCaption((trouble.empty() ? std::string("The devices do not run.") : trouble) +
@@ -114,66 +168,68 @@ void SweepPanel::Tick(const std::string& trouble) {
         lblTrouble.SetCaption("");
 }
 
-const std::vector<RunPointResult>& SweepPanel::Results() const {
-    static const std::vector<RunPointResult> none;
-    return run_ ? run_->Results() : none;
-}
-
-const std::vector<RunPoint>& SweepPanel::Points() const {
-    static const std::vector<RunPoint> none;
-    return run_ ? run_->Points() : none;
+// Points of the present run that are not measured again.
+std::size_t SweepPanel::PointsDone() const {
+    if (Active()) return present_.points.size() - run_->PointsLeft();
+    return static_cast<std::size_t>(std::count_if(present_.results.begin(), present_.results.end(),
+                                                  [](const RunPointResult& r) { return r.Valid(); }));
 }
 
 // Shows everything after a point or a change of the state.
 void SweepPanel::ShowRun() {
     const bool active = Active();
+    const bool some = !present_.results.empty();
     cmdStart.SetCaption(active ? "Cancel" : "Start sweep");
     cmdStart.SetEnabled(!active || run_->Now() != RunMeasurement::State::kEnding);
-    cmdClear.SetEnabled(!active && !Points().empty());
+    cmdRepeat.SetCaption(present_.results.size() < present_.points.size() ? "Continue" : "Repeat invalid");
+    cmdRepeat.SetEnabled(!active && PointsDone() < present_.points.size());
+    cmdKeep.SetEnabled(!active && some);
+    cmdClear.SetEnabled(!active && !present_.points.empty());
     Setup.SetLocked(active);
-    Plot.Show({file_.plan.over, Points(), Results(), file_.limits, file_.plan.band.highHz, active});
-    ShowVerdict();
+    ShowVerdict(Verdict, present_.file.limits, present_.results, present_.points.size(), active);
+    ShowPlot();
     ShowProgress();
     ShowPoint();
     ShowInvalid();
 }
 
-void SweepPanel::ShowVerdict() {
-    using Kind = RunVerdictChip::Kind;
-    const RunVerdictChip chip = VerdictChipOf(file_.limits, Results(), Points().size(), Active());
-    switch (chip.kind) {
-        case Kind::kPass:
-            Verdict.Show(StateChip::Kind::kValid, chip.text);
-            break;
-        case Kind::kFail:
-            Verdict.Show(StateChip::Kind::kVoid, chip.text);
-            break;
-        case Kind::kNotComplete:
-            Verdict.Show(StateChip::Kind::kUnsteady, chip.text);
-            break;
-        case Kind::kNone:
-            Verdict.Show(StateChip::Kind::kOff, "");
-            break;
-    }
-    Plot.SetConditions(LimitsText(file_.limits, Points(), Results()), chip.kind == Kind::kFail);
+// Without a present run the plot has the axis of the first kept one.
+void SweepPanel::ShowPlot() {
+    const std::vector<KeptRuns::Shown> shown = Kept.ShownRuns();
+    RunPlot::Data data{present_.file.plan.over,
+                       present_.points,
+                       present_.results,
+                       present_.file.limits,
+                       present_.file.plan.band.highHz,
+                       {},
+                       {}};
+    if (Active()) data.running = run_->Current();
+    if (present_.points.empty() && !shown.empty()) data.over = shown.front().run->file.plan.over;
+    for (const KeptRuns::Shown& kept : shown)
+        if (kept.run->file.plan.over == data.over)
+            data.kept.push_back({kept.letter, kept.run->points, kept.run->results});
+    Plot.Show(data);
+    Plot.SetConditions(LimitsText(present_.file.limits, present_.points, present_.results),
+                       Verdict.State() == StateChip::Kind::kVoid);
 }
 
 void SweepPanel::ShowProgress() {
-    const std::size_t points = Points().size();
-    const std::size_t done = Results().size();
+    const std::size_t points = present_.points.size();
+    const std::size_t done = Active() ? PointsDone() : present_.results.size();
     prgRun.SetValue(points == 0 ? 0.0F : static_cast<float>(done) / static_cast<float>(points));
     if (Active()) {
-        lblProgress.SetCaption(RunningPointText(Points(), done, file_.plan.over));
+        lblProgress.SetCaption(RunningPointText(present_.points, run_->Current(), present_.file.plan.over));
         lblLeft.SetCaption(DurationText(run_->SecondsLeft()) + " left");
     } else {
-        lblProgress.SetCaption(points == 0 ? std::string() : FinishedText(Results(), points, seconds_));
+        lblProgress.SetCaption(points == 0 ? std::string()
+                                           : FinishedText(present_.results, points, present_.seconds));
         lblLeft.SetCaption("");
     }
 }
 
 void SweepPanel::ShowPoint() {
     const auto cursor = Plot.Cursor();
-    const RunPointResult* const result = cursor ? &Results()[*cursor] : nullptr;
+    const RunPointResult* const result = cursor ? &present_.results[*cursor] : nullptr;
     for (std::size_t i = 0; i < Rows.size(); ++i) {
         const Value value = result != nullptr ? ValueOf(*result, SeriesOf(i)) : Value();
         const ValueText text =
@@ -182,7 +238,7 @@ void SweepPanel::ShowPoint() {
         Rows[i].value.SetQuiet(value.atMost);
         Rows[i].spread.SetCaption(value.value ? text.spread : std::string());
     }
-    lblAt.SetCaption(result != nullptr ? "At " + PositionText(result->point, file_.plan.over)
+    lblAt.SetCaption(result != nullptr ? "At " + PositionText(result->point, present_.file.plan.over)
                                        : std::string());
     lblPlayed.SetCaption(result != nullptr
                              ? "played " + WithDigits(result->point.playedHz, kPlayedDigits) + " Hz"
@@ -193,31 +249,30 @@ void SweepPanel::ShowPoint() {
 void SweepPanel::ShowInvalid() {
     std::string lines;
     std::size_t count = 0;
-    for (const RunPointResult& result : Results()) {
+    for (const RunPointResult& result : present_.results) {
         if (result.Valid() || ++count > kMostInvalidLines) continue;
-        lines += (lines.empty() ? "" : "\n") + PositionText(result.point, file_.plan.over) + ": " +
+        lines += (lines.empty() ? "" : "\n") + PositionText(result.point, present_.file.plan.over) + ": " +
                  result.fault.code;
     }
     if (count > kMostInvalidLines) lines += "\nand " + std::to_string(count - kMostInvalidLines) + " more";
     lblInvalid.SetCaption(lines);
-    lblInvalidCount.SetCaption(
-        Points().empty() ? std::string() : std::to_string(count) + " of " + std::to_string(Points().size()));
+    lblInvalidCount.SetCaption(present_.points.empty()
+                                   ? std::string()
+                                   : std::to_string(count) + " of " + std::to_string(present_.points.size()));
 }
 
 ChipState SweepPanel::Chip() const {
     if (run_->Now() == RunMeasurement::State::kPaused) return {StateChip::Kind::kVoid, "PAUSED", 0};
-    const int all = run_->Records() > kRecordsOfAPoint ? file_.plan.settling.records : kRecordsOfAPoint;
+    const int all =
+        run_->Records() > kRecordsOfAPoint ? present_.file.plan.settling.records : kRecordsOfAPoint;
     return {StateChip::Kind::kSettling,
             "SETTLING " + std::to_string(run_->Records()) + " of " + std::to_string(all),
             static_cast<double>(run_->Records()) / all};
 }
 
-RunConditions SweepPanel::Conditions() const {
-    return {rateHz_, Points().size(), stream_};
-}
-
 std::string SweepPanel::CopiedText() const {
-    return Results().empty() ? std::string() : RunCsv(file_, Results(), Conditions());
+    return present_.results.empty() ? std::string()
+                                    : RunCsv(present_.file, present_.results, present_.conditions);
 }
 
 // The points of the moment of the click are exported, whatever is measured while the user chooses a file.
@@ -228,12 +283,12 @@ void SweepPanel::Export() {
         return;
     }
     std::string json;
-    for (std::size_t i = 0; i < Results().size(); ++i)
-        json += RunPointJson(Results()[i], i + 1, Conditions()) + '\n';
-    const std::string path = AskForExport ? AskForExport() : std::string();
-    if (path.empty()) return;
+    for (std::size_t i = 0; i < present_.results.size(); ++i)
+        json += RunPointJson(present_.results[i], i + 1, present_.conditions) + '\n';
+    const std::optional<ExportTarget> target = AskForExport ? AskForExport() : std::nullopt;
+    if (!target) return;
     try {
-        needs_.files.WriteText(path, path.ends_with(".csv") ? csv : json);
+        needs_.files.WriteText(target->path, target->csv ? csv : json);
     } catch (const FileError& error) {
         needs_.dialogs.Message(error.what(), MessageIcon::kCritical);
     }

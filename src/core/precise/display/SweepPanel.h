@@ -13,10 +13,12 @@
 #include "core/ports/MeasurementFiles.h"
 #include "core/precise/display/AnalyzerControls.h"
 #include "core/precise/display/AnalyzerResult.h"
+#include "core/precise/display/KeptRuns.h"
 #include "core/precise/display/SweepSetup.h"
+#include "core/run/MeasuredRun.h"
 #include "core/run/RunMeasurement.h"
-#include "core/run/RunText.h"
 #include "core/run/display/RunPlot.h"
+#include "core/text/Dates.h"
 
 namespace sonavex {
 
@@ -32,11 +34,14 @@ public:
         Dialogs& dialogs;
         const MeasurementFiles& files;
         bool simulated = false;  // the sound card
+        std::function<DateTime()> now;
     };
     struct Events {
         std::function<RunPlan()> conditions;  // what the settings of the spectrum choose
         std::function<void()> begins;         // before the run takes the measurement
         std::function<void()> ended;          // the measurement is free
+        // A run to be stored, and its name. May be empty.
+        std::function<void(const MeasuredRun& run, const std::string& name)> kept;
     };
 
     SweepPanel(const Needs& needs, Events events);
@@ -53,18 +58,28 @@ public:
     void Cancel();
     // Ends a run for good: the measurement is not used any more.
     void Close() { run_.reset(); }
+    // The run to which verdict, values and exports belong; without points if there is none.
+    const MeasuredRun& Present() const noexcept { return present_; }
+    // Shows a stored run: as the present one, which can be continued, or beside it.
+    void Open(MeasuredRun run, const std::string& name);
     void UserMovesCursor(int points) { Plot.UserStepsCursor(points); }
-    // CSV by a name that ends with ".csv", else one JSON line for each point.
     void Export();
     // The CSV table of the run; empty without one.
     std::string CopiedText() const;
 
-    // Asks for the file of an export; empty if the user cancels.
-    std::function<std::string()> AskForExport;
+    struct ExportTarget {
+        std::string path;
+        bool csv = true;  // otherwise one JSON line for each point
+    };
+    // Asks for file and format of an export; empty if the user cancels.
+    std::function<std::optional<ExportTarget>()> AskForExport;
 
     SweepSetup Setup;
-    CommandButton cmdStart;  // "Start sweep" or "Cancel"
+    CommandButton cmdStart;   // "Start sweep" or "Cancel"
+    CommandButton cmdRepeat;  // "Repeat invalid" or "Continue"
+    CommandButton cmdKeep;
     CommandButton cmdClear;
+    KeptRuns Kept;
     RunPlot Plot;
     std::array<CheckBox, kRunSeriesCount> chkSeries;
     StateChip Verdict;  // valid: PASS; void: FAIL; unsteady: NOT COMPLETE; off: none
@@ -82,26 +97,28 @@ public:
 
 private:
     void Start();
+    void Repeat();
+    void Keep();
+    // Takes the measurement and calls `begin`; false if the run cannot be played.
+    bool Begin(const std::function<void()>& begin);
+    void TakeResults();
     void TakeState();
     void TakeChange();
     void Clear();
     void ShowRun();
-    void ShowVerdict();
+    void ShowPlot();
     void ShowProgress();
     void ShowPoint();
     void ShowInvalid();
-    const std::vector<RunPointResult>& Results() const;
-    const std::vector<RunPoint>& Points() const;
-    RunConditions Conditions() const;
+    std::size_t PointsDone() const;
 
     Needs needs_;
     Events events_;
     std::unique_ptr<RunMeasurement> run_;
-    RunFile file_;  // of the present run
-    double rateHz_ = 0;
-    std::optional<StreamDetails> stream_;
+    MeasuredRun present_;
+    std::string time_;  // of day, when the present run began; empty of a stored run
     std::chrono::nanoseconds started_{0};
-    double seconds_ = 0;  // that the run took
+    double secondsBefore_ = 0;  // that the present run had taken when it was continued
 };
 
 }  // namespace sonavex

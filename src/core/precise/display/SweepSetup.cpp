@@ -15,24 +15,10 @@ namespace {
 
 constexpr int kSweepDigits = 9;
 constexpr double kLargestEntry = 1e6;
-
-// Of each axis: frequency, level.
-constexpr std::array<SettingsKey, 2> kSweepFrom{
-    {{keys::kAnalyzer, "Sweep From", "20"}, {keys::kAnalyzer, "Sweep Lowest Level", "-60"}}};
-constexpr std::array<SettingsKey, 2> kSweepTo{
-    {{keys::kAnalyzer, "Sweep To", "20000"}, {keys::kAnalyzer, "Sweep Highest Level", "-1"}}};
-constexpr std::array<SettingsKey, 2> kSweepAmount{
-    {{keys::kAnalyzer, "Sweep Points", "6"}, {keys::kAnalyzer, "Sweep Level Points", "2"}}};
-constexpr std::array<SettingsKey, 2> kSweepSpacing{
-    {{keys::kAnalyzer, "Sweep Spacing", "0"}, {keys::kAnalyzer, "Sweep Level Spacing", "0"}}};
-constexpr std::array<SettingsKey, 2> kSweepOther{
-    {{keys::kAnalyzer, "Sweep Levels", "-1"}, {keys::kAnalyzer, "Sweep Tones", "1000"}}};
-constexpr SettingsKey kSweepOver{keys::kAnalyzer, "Sweep Over", "0"};
-constexpr SettingsKey kSweepSettleLevel{keys::kAnalyzer, "Sweep Settling Level", "0.01"};
-constexpr SettingsKey kSweepSettleThdn{keys::kAnalyzer, "Sweep Settling THD+N", "0.3"};
-constexpr SettingsKey kSweepLimited{keys::kAnalyzer, "Sweep Limited", "0"};
-constexpr SettingsKey kSweepLimitOf{keys::kAnalyzer, "Sweep Limit Of", "0"};
-constexpr SettingsKey kSweepLimit{keys::kAnalyzer, "Sweep Limit", "-90"};
+constexpr double kLineFromHz = 20.0;
+constexpr double kLineToHz = 20000.0;
+constexpr const char* kOwnLine = "own line";
+constexpr char kStoredLineEnd = ';';
 
 std::string EntryText(double number) {
     return WithDigits(number, kSweepDigits);
@@ -85,6 +71,7 @@ SweepSetup::SweepSetup(Settings& settings, std::function<void()> onChanged)
     cmbLimitOf.SetItems({"THD", "THD+N"});
     cmbOver.SetListIndex(0);
     cmbLimitOf.SetListIndex(0);
+    cmdEditLimit.SetCaption("Edit line\u2026");
     cmdLoadLimit.SetCaption("Load CSV\u2026");
     cmbOver.Click.Handle([this] {
         ShowAxis();
@@ -99,24 +86,27 @@ SweepSetup::SweepSetup(Settings& settings, std::function<void()> onChanged)
     chkLimit.Click.Handle([this] { Change(); });
     cmbLimitOf.Click.Handle([this] { Change(); });
     txtLimit.Leave.Handle([this] { TakeLimit(); });
+    cmdEditLimit.Click.Handle([this] { EditTable(); });
     cmdLoadLimit.Click.Handle([this] { LoadTable(); });
     Load();
 }
 
 void SweepSetup::Load() {
     for (std::size_t i = 0; i < axes_.size(); ++i) {
-        axes_[i] = {StoredEntry(settings_, kSweepFrom[i]), StoredEntry(settings_, kSweepTo[i]),
-                    StoredEntry(settings_, kSweepAmount[i]), StoredIndex(settings_, kSweepSpacing[i]),
-                    ListIn(settings_.Text(kSweepOther[i]), "")};
-        if (axes_[i].other.empty()) axes_[i].other = ListIn(kSweepOther[i].fallback, "");
+        axes_[i] = {StoredEntry(settings_, keys::kSweepFrom[i]), StoredEntry(settings_, keys::kSweepTo[i]),
+                    StoredEntry(settings_, keys::kSweepAmount[i]),
+                    StoredIndex(settings_, keys::kSweepSpacing[i]),
+                    ListIn(settings_.Text(keys::kSweepOther[i]), "")};
+        if (axes_[i].other.empty()) axes_[i].other = ListIn(keys::kSweepOther[i].fallback, "");
     }
-    settleLevelDb_ = StoredEntry(settings_, kSweepSettleLevel);
-    settleThdnDb_ = StoredEntry(settings_, kSweepSettleThdn);
-    limitDb_ = StoredEntry(settings_, kSweepLimit);
-    cmbOver.SetListIndex(StoredIndex(settings_, kSweepOver));
-    chkLimit.SetValue(static_cast<std::int16_t>(StoredIndex(settings_, kSweepLimited)));
-    cmbLimitOf.SetListIndex(StoredIndex(settings_, kSweepLimitOf));
+    settleLevelDb_ = StoredEntry(settings_, keys::kSweepSettleLevel);
+    settleThdnDb_ = StoredEntry(settings_, keys::kSweepSettleThdn);
+    limitDb_ = StoredEntry(settings_, keys::kSweepLimit);
+    cmbOver.SetListIndex(StoredIndex(settings_, keys::kSweepOver));
+    chkLimit.SetValue(static_cast<std::int16_t>(StoredIndex(settings_, keys::kSweepLimited)));
+    cmbLimitOf.SetListIndex(StoredIndex(settings_, keys::kSweepLimitOf));
     txtLimit.SetText(EntryText(limitDb_));
+    LoadStoredTable();
     ShowAxis();
 }
 
@@ -151,22 +141,62 @@ void SweepSetup::TakeLimit() {
     const double before = limitDb_;
     TakeEntry(txtLimit, limitDb_, "dB");
     if (limitDb_ == before) return;
-    table_.reset();
-    lblLimit.SetCaption("");
+    SetTable("", std::nullopt);
     Change();
 }
 
+void SweepSetup::SetTable(const std::string& name, std::optional<LimitTable> table) {
+    table_ = std::move(table);
+    tableName_ = name;
+    lblLimit.SetCaption(name);
+}
+
+// A table that cannot be used leaves no line: the one before would judge in its place.
 void SweepSetup::LoadTable() {
     if (!AskForTable) return;
-    const std::optional<NamedText> chosen = AskForTable();
-    if (!chosen) return;
     try {
-        table_ = ParseLimitTable(chosen->text);
-        lblLimit.SetCaption(chosen->name);
-        chkLimit.SetValue(1);
+        if (const std::optional<NamedText> chosen = AskForTable()) TakeTable(*chosen);
+    } catch (const RunError& error) {
+        SetTable("", std::nullopt);
+        chkLimit.SetValue(0);
+        lblLimit.SetCaption(error.what());
         Change();
+    }
+}
+
+// A line that cannot be used leaves the one before.
+void SweepSetup::EditTable() {
+    if (!AskForLine) return;
+    const LimitTable present = table_ ? *table_ : LimitTable{std::nullopt, LimitCurve(limitDb_)};
+    try {
+        if (const std::optional<std::string> text = AskForLine(LimitTableText(present, LineEnds())))
+            TakeTable({kOwnLine, *text});
     } catch (const RunError& error) {
         lblLimit.SetCaption(error.what());
+    }
+}
+
+void SweepSetup::TakeTable(const NamedText& table) {
+    SetTable(table.name, ParseLimitTable(table.text));
+    chkLimit.SetValue(1);
+    Change();
+}
+
+// The frequencies at which a constant limit becomes a line of two rows.
+std::array<double, 2> SweepSetup::LineEnds() const {
+    const Axis& axis = axes_[0];
+    const auto [low, high] = std::minmax(axis.from, axis.to);
+    return low < high ? std::array{low, high} : std::array{kLineFromHz, kLineToHz};
+}
+
+void SweepSetup::LoadStoredTable() {
+    std::string text = settings_.Text(keys::kSweepLimitTable);
+    if (text.empty()) return;
+    std::replace(text.begin(), text.end(), kStoredLineEnd, '\n');
+    try {
+        SetTable(settings_.Text(keys::kSweepLimitName), ParseLimitTable(text));
+    } catch (const RunError&) {
+        SetTable("", std::nullopt);
     }
 }
 
@@ -220,18 +250,22 @@ void SweepSetup::Change() {
 
 void SweepSetup::Store() {
     for (std::size_t i = 0; i < axes_.size(); ++i) {
-        settings_.Save(kSweepFrom[i], EntryText(axes_[i].from));
-        settings_.Save(kSweepTo[i], EntryText(axes_[i].to));
-        settings_.Save(kSweepAmount[i], EntryText(axes_[i].amount));
-        settings_.Save(kSweepSpacing[i], std::to_string(axes_[i].spacing));
-        settings_.Save(kSweepOther[i], ListText(axes_[i].other));
+        settings_.Save(keys::kSweepFrom[i], EntryText(axes_[i].from));
+        settings_.Save(keys::kSweepTo[i], EntryText(axes_[i].to));
+        settings_.Save(keys::kSweepAmount[i], EntryText(axes_[i].amount));
+        settings_.Save(keys::kSweepSpacing[i], std::to_string(axes_[i].spacing));
+        settings_.Save(keys::kSweepOther[i], ListText(axes_[i].other));
     }
-    settings_.Save(kSweepOver, std::to_string(cmbOver.ListIndex()));
-    settings_.Save(kSweepSettleLevel, EntryText(settleLevelDb_));
-    settings_.Save(kSweepSettleThdn, EntryText(settleThdnDb_));
-    settings_.Save(kSweepLimited, chkLimit.Checked() ? "1" : "0");
-    settings_.Save(kSweepLimitOf, std::to_string(cmbLimitOf.ListIndex()));
-    settings_.Save(kSweepLimit, EntryText(limitDb_));
+    settings_.Save(keys::kSweepOver, std::to_string(cmbOver.ListIndex()));
+    settings_.Save(keys::kSweepSettleLevel, EntryText(settleLevelDb_));
+    settings_.Save(keys::kSweepSettleThdn, EntryText(settleThdnDb_));
+    settings_.Save(keys::kSweepLimited, chkLimit.Checked() ? "1" : "0");
+    settings_.Save(keys::kSweepLimitOf, std::to_string(cmbLimitOf.ListIndex()));
+    settings_.Save(keys::kSweepLimit, EntryText(limitDb_));
+    std::string table = table_ ? LimitTableText(*table_, LineEnds()) : std::string();
+    std::replace(table.begin(), table.end(), '\n', kStoredLineEnd);
+    settings_.Save(keys::kSweepLimitTable, table);
+    settings_.Save(keys::kSweepLimitName, tableName_);
 }
 
 }  // namespace sonavex

@@ -39,12 +39,15 @@ public:
     // While a run is active nothing can be changed but the limit.
     void SetLocked(bool locked);
 
-    // A limit table from the user: its name and text; empty if the user cancels.
+    // A limit table from the user: its name and text; empty if the user cancels. RunError for a file that
+    // cannot be read.
     struct NamedText {
         std::string name;
         std::string text;
     };
     std::function<std::optional<NamedText>()> AskForTable;
+    // Lets the user edit a limit table; empty if the user cancels.
+    std::function<std::optional<std::string>(const std::string& table)> AskForLine;
 
     ComboBox cmbOver;  // Frequency, Level
     TextBox txtFrom;
@@ -58,6 +61,7 @@ public:
     CheckBox chkLimit;
     ComboBox cmbLimitOf;  // THD, THD+N
     TextBox txtLimit;
+    CommandButton cmdEditLimit;
     CommandButton cmdLoadLimit;
     Label lblLimit;  // name of the table, or why it cannot be used
 
@@ -77,6 +81,11 @@ private:
     void TakeTexts();
     void TakeLimit();
     void LoadTable();
+    void EditTable();
+    void TakeTable(const NamedText& table);
+    void SetTable(const std::string& name, std::optional<LimitTable> table);
+    void LoadStoredTable();
+    std::array<double, 2> LineEnds() const;
     void Store();
     void Change();
 
@@ -87,6 +96,7 @@ private:
     double settleThdnDb_ = 0.3;
     double limitDb_ = -90;
     std::optional<LimitTable> table_;
+    std::string tableName_;
 };
 
 }  // namespace sonavex

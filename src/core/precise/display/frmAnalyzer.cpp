@@ -44,10 +44,6 @@ std::string InOneLine(const std::string& text) {
     return line;
 }
 
-std::string TimeOfDay(const DateTime& time) {
-    return DateAndTime(time).substr(11);
-}
-
 }  // namespace
 
 frmAnalyzer::frmAnalyzer(const Needs& needs)
@@ -58,7 +54,8 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
       Analysis(needs.instrument.Settings, [this] { TakeChangedAnalysis(); }),
       Readings(needs.instrument.Settings),
       Recording({needs.files, needs.background, needs.dialogs}),
-      Sweep({needs.loop, needs.instrument, measurement_, needs.dialogs, needs.files, needs.simulated},
+      Sweep({needs.loop, needs.instrument, measurement_, needs.dialogs, needs.files, needs.simulated,
+             needs.now},
             {[this] { return SweepConditions(); },
              [this] {
                  ShowSweepConditions();
@@ -68,7 +65,8 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
              },
              [this] {
                  if (timer_ != 0) Measure(Play::kKeep);
-             }}),
+             },
+             {}}),
       needs_(needs),
       measurement_({needs.loop, needs.instrument, needs.background, &needs.generatorPanel}),
       calibrations_(needs.instrument.Settings) {

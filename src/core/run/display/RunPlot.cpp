@@ -43,11 +43,25 @@ private:
     std::optional<double> high_;
 };
 
+std::array<std::vector<RunCurve>, kRunSeriesCount> SeriesOf(std::span<const RunPointResult> results,
+                                                            RunAxis over) {
+    std::array<std::vector<RunCurve>, kRunSeriesCount> series;
+    for (std::size_t i = 0; i < series.size(); ++i)
+        series[i] = CurvesOf(results, over, static_cast<RunSeries>(i));
+    return series;
+}
+
+// Of the present and the kept runs.
+void AddAll(RunExtent& extent, const RunPlot& plot, RunSeries series) {
+    extent.Add(plot.Curves(series));
+    for (const RunPlot::BesideCurves& kept : plot.Kept())
+        extent.Add(kept.curves[static_cast<std::size_t>(series)]);
+}
+
 }  // namespace
 
 void RunPlot::Show(const Data& data) {
-    for (int i = 0; i < kRunSeriesCount; ++i)
-        curves_[static_cast<std::size_t>(i)] = CurvesOf(data.results, data.over, static_cast<RunSeries>(i));
+    curves_ = SeriesOf(data.results, data.over);
     limits_ = LimitLinesOf(data.limits, data.points, data.over);
     positions_.clear();
     voids_.clear();
@@ -55,9 +69,11 @@ void RunPlot::Show(const Data& data) {
         positions_.push_back(PositionOf(result.point, data.over));
         if (!result.Valid()) voids_.push_back(positions_.back());
     }
+    kept_.clear();
+    for (const Beside& run : data.kept) kept_.push_back({run.letter, SeriesOf(run.results, data.over)});
     running_.reset();
-    if (data.running && data.results.size() < data.points.size())
-        running_ = PositionOf(data.points[data.results.size()], data.over);
+    if (data.running && *data.running < data.points.size())
+        running_ = PositionOf(data.points[*data.running], data.over);
     if (cursor_ && *cursor_ >= positions_.size()) cursor_.reset();
     FitAcross(data);
     FitAxes();
@@ -68,12 +84,14 @@ void RunPlot::FitAcross(const Data& data) {
     const Axes former = std::exchange(axes_, Axes{});
     axes_.over = data.over;
     withoutHarmonics_.reset();
-    if (data.points.empty()) {
+    RunExtent extent;
+    for (const RunPoint& point : data.points) extent.Add(PositionOf(point, data.over));
+    for (const Beside& run : data.kept)
+        for (const RunPoint& point : run.points) extent.Add(PositionOf(point, data.over));
+    if (extent.Empty()) {
         if (former.over == data.over) axes_.across = former.across;
         return;
     }
-    RunExtent extent;
-    for (const RunPoint& point : data.points) extent.Add(PositionOf(point, data.over));
     PlotRange range = extent.Or({});
     const double room = std::max(kEdgePart * range.Span(), range.Span() == 0 ? kLeastAcross : 0.0);
     range = {range.low - room, range.high + room};
@@ -92,7 +110,7 @@ void RunPlot::FitAxes() {
 void RunPlot::FitRatios() {
     RunExtent extent;
     for (const RunSeries series : {RunSeries::kThd, RunSeries::kThdn, RunSeries::kSecond, RunSeries::kThird})
-        if (Visible(series)) extent.Add(Curves(series));
+        if (Visible(series)) AddAll(extent, *this, series);
     for (const RunLimitLine& line : limits_)
         if (!line.atLevelAxis) extent.Add(line.curve);
     PlotRange range = kEmptyRatios;
@@ -113,7 +131,7 @@ void RunPlot::FitRatios() {
 // The finest step with which the rows of the left axis reach from the highest to the lowest level.
 void RunPlot::FitLevels() {
     RunExtent extent;
-    if (Visible(RunSeries::kLevel)) extent.Add(Curves(RunSeries::kLevel));
+    if (Visible(RunSeries::kLevel)) AddAll(extent, *this, RunSeries::kLevel);
     for (const RunLimitLine& line : limits_)
         if (line.atLevelAxis) extent.Add(line.curve);
     const PlotRange values = extent.Or(kEmptyLevels);

@@ -25,14 +25,21 @@ public:
         int rows = 8;                  // distances between grid lines of both axes
         friend bool operator==(const Axes&, const Axes&) = default;
     };
+    // A run over the same axis, drawn thinner, without marks.
+    struct Beside {
+        char letter = 'B';
+        std::span<const RunPoint> points;
+        std::span<const RunPointResult> results;
+    };
     // A run or a part of it.
     struct Data {
         RunAxis over = RunAxis::kFrequency;
         std::span<const RunPoint> points;         // of the whole run
         std::span<const RunPointResult> results;  // as many as are measured
         std::span<const RunLimit> limits;
-        double bandHighHz = 20000;  // a harmonic ends here
-        bool running = false;       // a line marks the point that is being measured
+        double bandHighHz = 20000;           // a harmonic ends here
+        std::optional<std::size_t> running;  // a line marks this point, from 0
+        std::vector<Beside> kept;
     };
 
     // Keeps curves, not the results. The cursor stays at its point while it is measured.
@@ -47,6 +54,11 @@ public:
     const std::vector<RunCurve>& Curves(RunSeries series) const noexcept {
         return curves_[static_cast<std::size_t>(series)];
     }
+    struct BesideCurves {
+        char letter = 'B';
+        std::array<std::vector<RunCurve>, kRunSeriesCount> curves;
+    };
+    const std::vector<BesideCurves>& Kept() const noexcept { return kept_; }
     const std::vector<RunLimitLine>& Limits() const noexcept { return limits_; }
     // Positions of void points: hollow marks on the axis.
     const std::vector<double>& VoidPositions() const noexcept { return voids_; }
@@ -85,6 +97,7 @@ private:
 
     Axes axes_;
     std::array<std::vector<RunCurve>, kRunSeriesCount> curves_;
+    std::vector<BesideCurves> kept_;
     std::array<bool, kRunSeriesCount> visible_{true, true, true, true, true};
     std::vector<RunLimitLine> limits_;
     std::vector<double> positions_;  // of all measured points, in the order of the run

@@ -185,12 +185,12 @@ TEST_F(SweepPanels, ExportsTheRunAsCsvOrJson) {
     sweep.cmdStart.Press();
     ASSERT_TRUE(Ends());
     EXPECT_THAT(sweep.CopiedText(), HasSubstr("COMPLETE: 3 of 3 points measured."));
-    sweep.AskForExport = [] { return std::string("/tmp/run.csv"); };
+    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.csv", true}; };
     sweep.Export();
     EXPECT_EQ(files.texts.at("/tmp/run.csv"), sweep.CopiedText());
-    sweep.AskForExport = [] { return std::string("/tmp/run.jsonl"); };
+    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.txt", false}; };
     sweep.Export();
-    EXPECT_THAT(files.texts.at("/tmp/run.jsonl"), StartsWith("{\"point\":1,\"points\":3,"));
+    EXPECT_THAT(files.texts.at("/tmp/run.txt"), StartsWith("{\"point\":1,\"points\":3,"));
 }
 
 TEST_F(SweepPanels, StepsTheLevel) {
@@ -227,8 +227,129 @@ TEST_F(SweepPanels, TakesALimitTable) {
     sweep.cmdStart.Press();
     EXPECT_FALSE(sweep.Active());
     EXPECT_THAT(sweep.lblTrouble.Caption(), StartsWith("The limit table of thd is incomplete"));
+    SweepSetup again(rig.form.Instrument.Settings, {});
+    EXPECT_EQ(again.lblLimit.Caption(), "mask.csv");
     Enter(sweep.Setup.txtLimit, "-80");
     EXPECT_EQ(sweep.Setup.lblLimit.Caption(), "");
+}
+
+TEST_F(SweepPanels, AnUnusableTableLeavesNoLine) {
+    sweep.Setup.AskForTable = [] { return SweepSetup::NamedText{"mask.csv", "20,-80\n20000,-70\n"}; };
+    sweep.Setup.cmdLoadLimit.Press();
+    sweep.Setup.AskForTable = []() -> std::optional<SweepSetup::NamedText> {
+        throw RunError("mask.csv cannot be read.");
+    };
+    sweep.Setup.cmdLoadLimit.Press();
+    EXPECT_EQ(sweep.Setup.lblLimit.Caption(), "mask.csv cannot be read.");
+    EXPECT_FALSE(sweep.Setup.chkLimit.Checked());
+}
+
+TEST_F(SweepPanels, EditsTheLimitLine) {
+    std::string shown;
+    std::optional<std::string> typed = "20,-70\n20000,-60\n";
+    sweep.Setup.AskForLine = [&](const std::string& table) {
+        shown = table;
+        return typed;
+    };
+    sweep.Setup.cmdEditLimit.Press();
+    EXPECT_EQ(shown, "250, -90\n1000, -90\n");
+    EXPECT_EQ(sweep.Setup.lblLimit.Caption(), "own line");
+    EXPECT_TRUE(sweep.Setup.chkLimit.Checked());
+    typed = "20000,-60\n20,-70\n";
+    sweep.Setup.cmdEditLimit.Press();
+    EXPECT_EQ(shown, "20, -70\n20000, -60\n");
+    EXPECT_THAT(sweep.Setup.lblLimit.Caption(), StartsWith("The limit table is not sorted"));
+    typed.reset();
+    sweep.Setup.cmdEditLimit.Press();
+    EXPECT_EQ(shown, "20, -70\n20000, -60\n");
+}
+
+TEST_F(SweepPanels, KeepsRunsAndJudgesThemByTheNewLimit) {
+    EXPECT_FALSE(sweep.cmdKeep.Enabled());
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    sweep.cmdKeep.Press();
+    auto& rows = sweep.Kept.Rows;
+    EXPECT_EQ(rows[0].lblLetter.Caption(), "B");
+    EXPECT_EQ(rows[0].txtName.Text(), "10:42, -1 dBFS");
+    EXPECT_THAT(rows[0].lblConditions.Caption(), HasSubstr("Hz, 24 bit"));
+    EXPECT_THAT(sweep.Plot.Kept(), SizeIs(1));
+    sweep.Setup.chkLimit.UserSets(true);
+    EXPECT_EQ(rows[0].Verdict.Text(), "PASS");
+    Enter(sweep.Setup.txtLimit, "-140");
+    EXPECT_EQ(rows[0].Verdict.Text(), "FAIL");
+    sweep.cmdKeep.Press();
+    EXPECT_EQ(rows[0].lblLetter.Caption(), "C");
+    EXPECT_EQ(rows[1].lblLetter.Caption(), "B");
+    rows[0].chkShown.UserSets(false);
+    EXPECT_THAT(sweep.Plot.Kept(), SizeIs(1));
+    sweep.cmdClear.Press();
+    EXPECT_THAT(sweep.Plot.Kept(), SizeIs(1));
+    rows[1].optSelect.UserSelects();
+    EXPECT_FALSE(rows[0].optSelect.Value());
+    sweep.Kept.cmdRemove.Press();
+    EXPECT_EQ(sweep.Kept.Count(), 1U);
+    EXPECT_THAT(sweep.Plot.Kept(), testing::IsEmpty());
+    Enter(rows[0].txtName, "");
+    EXPECT_EQ(rows[0].txtName.Text(), "10:42, -1 dBFS");
+}
+
+TEST_F(SweepPanels, TheOldestOfManyKeptRunsIsRemoved) {
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    for (std::size_t i = 0; i <= KeptRuns::kMost; ++i) sweep.cmdKeep.Press();
+    EXPECT_EQ(sweep.Kept.Count(), KeptRuns::kMost);
+    EXPECT_EQ(sweep.Kept.Rows[0].lblLetter.Caption(), "B");
+    EXPECT_EQ(sweep.Kept.Rows[KeptRuns::kMost - 1].lblLetter.Caption(), "C");
+}
+
+TEST_F(SweepPanels, ContinuesACancelledRun) {
+    EXPECT_FALSE(sweep.cmdRepeat.Enabled());
+    sweep.cmdStart.Press();
+    for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends(5s));
+    EXPECT_EQ(sweep.cmdRepeat.Caption(), "Continue");
+    sweep.cmdRepeat.Press();
+    ASSERT_TRUE(sweep.Active());
+    EXPECT_EQ(sweep.lblProgress.Caption(), "Point 2 of 3: 500 Hz");
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(sweep.Plot.Curves(RunSeries::kThd)[0], SizeIs(3));
+    EXPECT_FALSE(sweep.cmdRepeat.Enabled());
+}
+
+TEST_F(SweepPanels, RepeatsInvalidPoints) {
+    DeviceUnderTestModel model;
+    model.bits = 24;
+    model.gain = 1.5;
+    rig.card.Card().SetDeviceUnderTest(model);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(sweep.lblInvalidCount.Caption(), "3 of 3");
+    model.gain = 1.0;
+    rig.card.Card().SetDeviceUnderTest(model);
+    EXPECT_EQ(sweep.cmdRepeat.Caption(), "Repeat invalid");
+    sweep.cmdRepeat.Press();
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(sweep.lblInvalidCount.Caption(), "0 of 3");
+    EXPECT_EQ(sweep.lblTrouble.Caption(), "");
+}
+
+TEST_F(SweepPanels, OpensAStoredRunThatCanBeContinued) {
+    sweep.cmdStart.Press();
+    for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
+    sweep.Cancel();
+    ASSERT_TRUE(Ends(5s));
+    const MeasuredRun stored = sweep.Present();
+    sweep.Open(stored, "yesterday");
+    EXPECT_EQ(sweep.Kept.Rows[0].txtName.Text(), "yesterday");
+    sweep.cmdClear.Press();
+    sweep.Open(stored, "yesterday");
+    EXPECT_EQ(sweep.cmdRepeat.Caption(), "Continue");
+    sweep.cmdRepeat.Press();
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(sweep.Present().results.size(), 3U);
+    EXPECT_TRUE(sweep.Present().results[2].afterLoss);
 }
 
 }  // namespace

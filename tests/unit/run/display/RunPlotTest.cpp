@@ -41,13 +41,16 @@ struct PlottedRun {
                                         PlottedPoint(2000, -1, -102), PlottedPoint(20000, -1, -98)};
     std::vector<RunPoint> points;
     std::vector<RunLimit> limits;
+    std::vector<RunPlot::Beside> kept;
     RunPlot plot;
 
     PlottedRun() {
         for (const RunPointResult& result : results) points.push_back(result.point);
     }
     void Show(std::size_t measured = 4, bool running = false) {
-        plot.Show({RunAxis::kFrequency, points, std::span(results).first(measured), limits, 20000, running});
+        const auto point = running ? std::optional(measured) : std::nullopt;
+        plot.Show(
+            {RunAxis::kFrequency, points, std::span(results).first(measured), limits, 20000, point, kept});
     }
 };
 
@@ -63,6 +66,20 @@ TEST(RunPlot, DrawsNoValueAtAVoidPoint) {
     EXPECT_EQ(curves[1][1].value, -98);
     EXPECT_THAT(run.plot.VoidPositions(), ElementsAre(std::log10(200.0)));
     EXPECT_EQ(run.plot.Description(), "4 points measured, 1 of them void.");
+}
+
+TEST(RunPlot, ShowsKeptRunsBesideThePresentOne) {
+    const std::vector<RunPointResult> others{PlottedPoint(10, -1, -60), PlottedPoint(20000, -1, -70)};
+    const std::vector<RunPoint> points{others[0].point, others[1].point};
+    PlottedRun run;
+    run.kept = {{'C', points, others}};
+    run.Show();
+    ASSERT_THAT(run.plot.Kept(), SizeIs(1));
+    EXPECT_EQ(run.plot.Kept()[0].letter, 'C');
+    EXPECT_EQ(run.plot.Kept()[0].curves[0][0][0].value, -60);
+    EXPECT_GE(run.plot.Shown().ratios.high, -60);
+    EXPECT_LE(run.plot.Shown().across.low, 1.0);
+    EXPECT_THAT(run.plot.VoidPositions(), SizeIs(1));
 }
 
 TEST(RunPlot, MarksBounds) {
