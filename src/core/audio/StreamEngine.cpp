@@ -21,6 +21,7 @@ constexpr std::size_t kNotifications = 4;
 constexpr std::int32_t kSettlingBlocks = 8;
 
 constexpr int kBlockBits = 16;
+constexpr std::uint64_t kPlayedFrameBytes = 4;
 
 bool Silent(std::span<const std::int16_t> block) noexcept {
     return std::all_of(block.begin(), block.end(), [](std::int16_t sample) { return sample == 0; });
@@ -52,6 +53,17 @@ PlaybackBuffer& StreamEngine::Playback() const {
 CaptureBuffer& StreamEngine::Capture() const {
     if (!captureBuffer_) throw RuntimeError(error_number::kObjectMissing);
     return *captureBuffer_;
+}
+
+std::uint64_t StreamEngine::HeldFrames() {
+    if (!playbackBuffer_) return 0;
+    try {
+        const BufferCursors cursors = playbackBuffer_->GetCurrentPosition();
+        const std::int32_t bytes = cursors.write - cursors.play;
+        return static_cast<std::uint64_t>(bytes < 0 ? bytes + kPlaybackBytes : bytes) / kPlayedFrameBytes;
+    } catch (const RuntimeError&) {
+        return 0;
+    }
 }
 
 CaptureStatistics StreamEngine::CaptureCounts() const {

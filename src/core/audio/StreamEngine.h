@@ -92,6 +92,9 @@ public:
     // Bits of a sample that the devices deliver and take; 0 without a buffer.
     int InputBits() const { return captureBuffer_ ? captureBuffer_->Bits() : 0; }
     int OutputBits() const { return playbackBuffer_ ? playbackBuffer_->Bits() : 0; }
+    // Frames that the output device has taken and not played, as far as its cursors tell. A lost device
+    // plays none.
+    std::uint64_t HeldFrames();
     // Counts of all capture buffers since construction.
     CaptureStatistics CaptureCounts() const;
     // Underruns of all playback buffers since construction.

@@ -5,8 +5,6 @@
 #include <limits>
 #include <utility>
 
-#include "core/support/RuntimeError.h"
-
 namespace sonavex {
 namespace {
 
@@ -21,7 +19,6 @@ constexpr double kLongestDelaySeconds = 1.0;
 
 constexpr int kBlockBits = 16;
 constexpr std::uint64_t kSilentBlocks = 8;
-constexpr std::int32_t kFrameBytes = 4;
 
 template <typename Fault, typename Code>
 bool Contains(const std::vector<Fault>& faults, Code code) {
@@ -34,18 +31,6 @@ PreciseState StateOf(const Reading& reading) {
     if (!reading.Valid()) return PreciseState::kVoid;
     return Contains(reading.warnings, WarningCode::kUnsteadyTone) ? PreciseState::kUnsteady
                                                                   : PreciseState::kValid;
-}
-
-// Frames that the device holds: it has taken them and not played. A lost device plays none.
-std::uint64_t HeldFrames(PlaybackBuffer& buffer) {
-    try {
-        const BufferCursors cursors = buffer.GetCurrentPosition();
-        const std::int32_t held = cursors.write - cursors.play;
-        return static_cast<std::uint64_t>((held < 0 ? held + StreamEngine::kPlaybackBytes : held) /
-                                          kFrameBytes);
-    } catch (const RuntimeError&) {
-        return 0;
-    }
 }
 
 }  // namespace
@@ -222,8 +207,7 @@ std::uint64_t PreciseMeter::Frames(double seconds) const {
 
 std::uint64_t PreciseMeter::DelayFrames() const {
     if (DelayKnown()) return *delayFrames_;
-    PlaybackBuffer* const buffer = needs_.engine.SecondaryBuffer();
-    return (buffer != nullptr ? HeldFrames(*buffer) : 0) + Frames(kUnknownDelaySeconds);
+    return needs_.engine.HeldFrames() + Frames(kUnknownDelaySeconds);
 }
 
 // What is missing in the output arrives at the input after the delay of the path.

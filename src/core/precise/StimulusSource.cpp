@@ -33,9 +33,9 @@ void StimulusSource::End() {
     changed_ = true;
 }
 
-bool StimulusSource::Ended(std::uint64_t framesAhead) const noexcept {
+bool StimulusSource::Ended(std::uint64_t unplayed) const noexcept {
     if (changed_) return false;
-    return parts_.empty() || (parts_.back().end <= frame_ && frame_ - parts_.back().end >= framesAhead);
+    return parts_.empty() || (parts_.back().end <= frame_ && frame_ - parts_.back().end >= unplayed);
 }
 
 void StimulusSource::Rewind(std::uint64_t frames) {
