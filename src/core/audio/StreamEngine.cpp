@@ -86,6 +86,12 @@ std::uint64_t StreamEngine::FineFramesMissing() const {
     return fineMissingBefore_ + (playbackBuffer_ ? playbackBuffer_->FineFramesMissing() : 0);
 }
 
+bool StreamEngine::OneClock() const {
+    if (!captureBuffer_ || !playbackBuffer_) return false;
+    const std::string clock = captureBuffer_->ClockName();
+    return !clock.empty() && clock == playbackBuffer_->ClockName();
+}
+
 std::vector<std::string> StreamEngine::PathNotes() const {
     std::vector<std::string> notes;
     const int bitsWanted = std::max({InputBits(), OutputBits(), kBlockBits});

@@ -102,6 +102,8 @@ public:
     // Frames of silence that all playback buffers played since construction because fine frames came too
     // late.
     std::uint64_t FineFramesMissing() const;
+    // Whether input and output are known to run on the same clock.
+    bool OneClock() const;
     // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and "Clocks:
     // ...". The direction with fewer bits is named, and any below 16. Empty if nothing is known.
     std::vector<std::string> PathNotes() const;

@@ -79,12 +79,24 @@ void PreciseMeter::BurstStarted() {
     BeginAgain(std::numeric_limits<std::uint64_t>::max());
     burstWritten_ = CapturedFrames();
     delayStarts_ = PresentStarts();
+    arrivedFrame_.reset();
+    arrivalGaps_ = PresentGaps();
     const std::uint64_t most = DelayFrames() + Frames(kLongestDelaySeconds);
     search_.emplace(settings_.rateHz, settings_.channel, static_cast<std::size_t>(most));
 }
 
 bool PreciseMeter::DelayKnown() const {
     return delayFrames_ && delayStarts_ == PresentStarts();
+}
+
+void PreciseMeter::ForgetDelay() {
+    delayFrames_.reset();
+    arrivedFrame_.reset();
+}
+
+std::optional<PreciseMeter::StimulusArrival> PreciseMeter::Arrival() const {
+    if (!arrivedFrame_ || !DelayKnown() || arrivalGaps_ != PresentGaps()) return std::nullopt;
+    return StimulusArrival{*arrivedFrame_, static_cast<double>(*delayFrames_) / settings_.rateHz};
 }
 
 void PreciseMeter::Take(const FineFrames& block) {
@@ -112,19 +124,22 @@ void PreciseMeter::EndSearch() {
     const std::optional<std::uint64_t> burst = search_->Found();
     search_.reset();
     if (burst) delayFrames_ = *burst > burstWritten_ ? *burst - burstWritten_ : 0;
+    arrivedFrame_ = burst;
     if (OnBurstEnded) OnBurstEnded();
 }
 
 void PreciseMeter::Submit() {
+    const std::uint64_t firstFrame = records_->NextFrame() - records_->Length();
     RecordCollection::Channels channels = records_->Take();
     needs_.background.Run(Background::Line::kAnalysis,
                           [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_,
-                           average = average_, conditions = RecordConditions(),
+                           average = average_, conditions = RecordConditions(), firstFrame,
                            samples = std::move(channels[settings_.channel])]() -> Background::Result {
                               Record record = conditions;
                               record.samples = samples;
                               auto result = std::make_shared<Result>();
                               result->analysis = AnalyzeRecord(*plan, settings, record);
+                              result->analysis.firstFrame = firstFrame;
                               result->reading = average->Add(result->analysis, settings.shift);
                               result->spectrum = average->Spectrum();
                               return [this, alive, average, result] {
@@ -194,6 +209,10 @@ PreciseMeter::OutputCounts PreciseMeter::CountOutput() const {
 
 PreciseMeter::Starts PreciseMeter::PresentStarts() const {
     return {needs_.engine.PlaybackStarts, needs_.engine.CaptureStarts};
+}
+
+PreciseMeter::Gaps PreciseMeter::PresentGaps() const {
+    return {CountOutput(), needs_.engine.CaptureCounts().framesMissing};
 }
 
 std::uint64_t PreciseMeter::CapturedFrames() const {

@@ -42,6 +42,11 @@ void StimulusSource::Rewind(std::uint64_t frames) {
     frame_ -= std::min(frames, frame_);
 }
 
+std::optional<std::uint64_t> StimulusSource::Begin() const noexcept {
+    if (changed_ || parts_.empty()) return std::nullopt;
+    return parts_.back().begin;
+}
+
 // A change waits for the first frame after it, because the source may be rewound in between.
 void StimulusSource::Schedule() {
     changed_ = false;
