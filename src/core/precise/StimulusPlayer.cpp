@@ -9,7 +9,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::chrono::milliseconds kCheckInterval{20};
+constexpr std::chrono::milliseconds kCheckInterval{50};
 constexpr const char* kGeneratorPlays = "The generator plays. Stop it before a stimulus is started.";
 constexpr const char* kNoOutput = "No output device is open.";
 
