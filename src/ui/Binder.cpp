@@ -1,7 +1,7 @@
 #include "ui/Binder.h"
 
-#include <QMetaObject>
 #include <QSignalBlocker>
+#include <algorithm>
 #include <utility>
 
 #include "ui/widgets/ChevronButton.h"
@@ -35,27 +35,32 @@ void GiveFocus(QWidget& widget) {
 }  // namespace
 
 Binder::Binder(HandlerGuard& guard, std::function<void()> afterFlush, QObject* parent)
-    : QObject(parent), guard_(guard), afterFlush_(std::move(afterFlush)) {}
+    : QObject(parent), guard_(guard), afterFlush_(std::move(afterFlush)) {
+    timer_.setSingleShot(true);
+    timer_.setTimerType(Qt::PreciseTimer);
+    timer_.callOnTimeout([this] { Flush(); });
+}
 
 void Binder::Add(QObject& widget, Control& control, std::function<void()> show) {
     entries_.push_back({&widget, &control, std::move(show), false});
-    control.OnDirty = [this] { Schedule(); };
+    control.OnDirty = [this] { Schedule(interval_); };
     entries_.back().show();
     control.Clean();
 }
 
-void Binder::Schedule() {
-    if (scheduled_) return;
-    scheduled_ = true;
-    QMetaObject::invokeMethod(
-        this, [this] { Flush(); }, Qt::QueuedConnection);
+// Never in the event itself, which may change more.
+void Binder::Schedule(std::chrono::milliseconds interval) {
+    const auto passed = std::chrono::milliseconds(sinceFlush_.isValid() ? sinceFlush_.elapsed() : 0);
+    const auto wait = std::max(interval - passed, std::chrono::milliseconds::zero());
+    if (!timer_.isActive() || timer_.remainingTimeAsDuration() > wait) timer_.start(wait);
 }
 
 // Two widgets may show the same control. Controls are cleaned before anything is shown, because a widget that
 // loses the focus then completes its entry, and the changes by that are shown by the next flush. A flush
 // inside this one shows what this one has not shown yet.
 void Binder::Flush() {
-    scheduled_ = false;
+    timer_.stop();
+    sinceFlush_.start();
     for (Entry& entry : entries_) entry.due = entry.due || entry.control->Dirty();
     for (Entry& entry : entries_) entry.control->Clean();
     for (Entry& entry : entries_) {
@@ -69,7 +74,7 @@ void Binder::Flush() {
 void Binder::Handle(const std::function<void()>& handler) {
     CompleteEntries();
     guard_.Run(handler);
-    Schedule();
+    Schedule(std::chrono::milliseconds::zero());
 }
 
 void Binder::CompleteEntries() {
@@ -80,7 +85,7 @@ void Binder::CompleteEntries() {
 void Binder::ShowEntriesBeforeSteps(NotchSlider& slider) {
     connect(&slider, &NotchSlider::AboutToStep, this, [this] {
         CompleteEntries();
-        if (scheduled_) Flush();
+        if (timer_.isActive()) Flush();
     });
 }
 

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -11,6 +12,8 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QTabWidget>
+#include <QTimer>
+#include <chrono>
 #include <functional>
 #include <vector>
 
@@ -85,6 +88,10 @@ public:
     // The entries' columns belong to the items of the control.
     void Bind(LengthChoice& widget, ComboBox& control, const std::vector<LengthEntry>& entries);
 
+    // Changes by the core are shown at most once in this time, those by the user at once. Without it both are
+    // shown at once.
+    void SetInterval(std::chrono::milliseconds interval) { interval_ = interval; }
+
     // Passes what the user has typed to the controls. Runs before every user event of a bound widget.
     void CompleteEntries();
     // Runs a user event that reaches the form in another way than through a bound widget.
@@ -110,13 +117,15 @@ private:
     void Add(QObject& widget, Control& control, std::function<void()> show);
     static void ShowLabel(QLabel& widget, const Label& control);
     void ShowEntriesBeforeSteps(NotchSlider& slider);
-    void Schedule();
+    void Schedule(std::chrono::milliseconds interval);
 
     HandlerGuard& guard_;
     std::function<void()> afterFlush_;
     std::vector<Entry> entries_;
     std::vector<TextEntry*> texts_;
-    bool scheduled_ = false;
+    std::chrono::milliseconds interval_{0};
+    QElapsedTimer sinceFlush_;
+    QTimer timer_;
 };
 
 }  // namespace sonavex::ui

@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QTimer>
 #include <array>
+#include <chrono>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -39,6 +40,9 @@ public:
     // Passes what the user has typed to the form. Call before ending the program in another way than by
     // closing the window.
     void CompleteEntries() { binder_.CompleteEntries(); }
+
+    // Shows changes by the core, above all readings of blocks, at most once in this time.
+    void SetInterval(std::chrono::milliseconds interval) { binder_.SetInterval(interval); }
 
     const Binder& Bindings() const noexcept { return binder_; }
 

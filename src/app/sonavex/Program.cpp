@@ -20,6 +20,8 @@ namespace sonavex::app {
 namespace {
 
 constexpr const char* kJournalName = "sonavex-mixer-levels";
+// 23 blocks are measured per second at 48 kHz.
+constexpr std::chrono::milliseconds kReadingsShown{66};
 constexpr const char* kComment = "Distortion meter and function generator";
 
 ApplicationVersion Version() {
@@ -141,6 +143,7 @@ void Program::Load() {
     splash_.Form_Load(Version());
     ending_.ThrowIfRequested();
     window_ = std::make_unique<ui::MainWindow>(*form_, SimulatedName());
+    window_->SetInterval(kReadingsShown);
     blockedClose_ = std::make_unique<BlockedClose>(*window_, BlockedClose::AtomsOfTheServer(), [this] {
         window_->CompleteEntries();
         RequestEnd({});

@@ -10,8 +10,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Short compared to the queues of the buffers.
-constexpr std::chrono::milliseconds kInterval{20};
+// Short compared to the queues of the buffers, which hold 1.5 s. What was captured is delivered soon; what is
+// played has been queued long before.
+constexpr std::chrono::milliseconds kSupplyInterval{100};
+constexpr std::chrono::milliseconds kDrainInterval{40};
 
 // What a change of the source leaves in the queue: enough to fill the rest again in time.
 constexpr std::chrono::milliseconds kKept{50};
@@ -38,7 +40,7 @@ void FineStream::SetSource(FineSource* source) {
     queued_ = supplied_.size();
     replaced_ = true;
     source_ = source;
-    Repeat(supplyTimer_, source != nullptr, &FineStream::Supply);
+    Repeat(supplyTimer_, source != nullptr, kSupplyInterval, &FineStream::Supply);
 }
 
 void FineStream::Refill() {
@@ -59,14 +61,15 @@ void FineStream::SetSink(Sink sink) {
     if (CaptureBuffer* const buffer = engine_.InputBuffer()) buffer->CaptureFine(false);
     sink_ = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
     restarted_ = true;
-    Repeat(drainTimer_, sink_ != nullptr, &FineStream::Drain);
+    Repeat(drainTimer_, sink_ != nullptr, kDrainInterval, &FineStream::Drain);
 }
 
 // Each direction has a timer, because a loop does not call a handler that is running: the output is supplied
 // while a sink waits.
-void FineStream::Repeat(EventLoop::TimerId& timer, bool needed, void (FineStream::*step)()) {
+void FineStream::Repeat(EventLoop::TimerId& timer, bool needed, std::chrono::milliseconds interval,
+                        void (FineStream::*step)()) {
     if (!needed) return loop_.StopTimer(std::exchange(timer, 0));
-    if (timer == 0) timer = loop_.StartTimer(kInterval, [this, step] { (this->*step)(); });
+    if (timer == 0) timer = loop_.StartTimer(interval, [this, step] { (this->*step)(); });
     (this->*step)();
 }
 

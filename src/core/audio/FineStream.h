@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -65,7 +66,8 @@ public:
     void SetSink(Sink sink);
 
 private:
-    void Repeat(EventLoop::TimerId& timer, bool needed, void (FineStream::*step)());
+    void Repeat(EventLoop::TimerId& timer, bool needed, std::chrono::milliseconds interval,
+                void (FineStream::*step)());
     void Drain();
     void Deliver(std::span<const std::int32_t> samples, std::uint64_t firstFrame);
     void Supply();

@@ -9,7 +9,7 @@
 namespace sonavex {
 namespace {
 
-constexpr std::chrono::milliseconds kCheckInterval{20};
+constexpr std::chrono::milliseconds kCheckInterval{50};
 // At rates above 48 kHz a device holds up to this part of a second more than its cursors say.
 constexpr int kBeyondCursorPerSecond = 15;
 constexpr const char* kGeneratorPlays = "The generator plays. Stop it before a stimulus is started.";

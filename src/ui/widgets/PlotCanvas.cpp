@@ -42,6 +42,27 @@ private:
     const PlotCanvas::Axis& axis_;
 };
 
+// The curves are painted over the buffer of everything else. In a buffer of their own they would be copied
+// once more with every reading.
+class PlotWithCurves : public QCustomPlot {
+public:
+    explicit PlotWithCurves(const PlotCanvas::Painting& paintCurves) : paintCurves_(paintCurves) {}
+
+    bool Painted = false;  // once: the buffer is filled
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QCustomPlot::paintEvent(event);
+        const QRect area = axisRect()->rect();
+        if (!Painted || !paintCurves_ || area.isEmpty()) return;
+        QPainter painter(this);
+        paintCurves_(painter, area);
+    }
+
+private:
+    const PlotCanvas::Painting& paintCurves_;
+};
+
 // A part of the plot that a function paints.
 class PaintedPart : public QCPLayerable {
 public:
@@ -98,9 +119,10 @@ QColor Weak(QColor colour) {
 }  // namespace
 
 struct PlotCanvas::Plot {
-    explicit Plot(PlotCanvas& canvas) : widget(&canvas) {
+    explicit Plot(PlotCanvas& canvas) : widget(canvas.PaintCurves) {
+        widget.setParent(&canvas);
         QObject::connect(&widget, &QCustomPlot::afterReplot, &widget, [this] {
-            painted = true;
+            widget.Painted = true;
             widget.setBackground(Qt::NoBrush);
         });
         widget.setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -109,11 +131,8 @@ struct PlotCanvas::Plot {
         widget.plotLayout()->setMargins({});
         widget.axisRect()->setMinimumMargins({});
         widget.axisRect()->setupFullAxesBox();
-        // Axes do not change with the curves.
-        widget.moveLayer(widget.layer("axes"), widget.layer("main"), QCustomPlot::limBelow);
-        // Each layer above the buffered one would have a buffer, too.
+        // Its layer "overlay" would have a buffer.
         for (const char* unused : {"legend", "overlay"}) widget.removeLayer(widget.layer(unused));
-        widget.layer("main")->setMode(QCPLayer::lmBuffered);
         for (QCPAxis* axis : widget.axisRect()->axes()) {
             axis->setTickPen(Qt::NoPen);
             axis->setSubTickPen(Qt::NoPen);
@@ -131,7 +150,6 @@ struct PlotCanvas::Plot {
         }
         around = new FilledPart(widget);
         new PaintedPart(widget, "background", canvas.PaintGround);
-        new PaintedPart(widget, "main", canvas.PaintCurves);
     }
 
     // Until the next replot the buffers do not fill the plot.
@@ -141,9 +159,8 @@ struct PlotCanvas::Plot {
 
     Axis horizontalAxis;
     Axis verticalAxis;
-    QCustomPlot widget;
+    PlotWithCurves widget;
     FilledPart* around = nullptr;  // owned by the plot
-    bool painted = false;          // once: the layers have their buffers
 };
 
 PlotCanvas::PlotCanvas(QWidget* parent) : QWidget(parent) {
@@ -189,10 +206,10 @@ void PlotCanvas::SetColours(const QColor& around, const QColor& ground, const QC
 }
 
 void PlotCanvas::Repaint(Part part) {
-    if (part == Part::kAll || !plot_->painted)
+    if (part == Part::kAll || !plot_->widget.Painted)
         plot_->widget.replot(QCustomPlot::rpQueuedReplot);
     else
-        plot_->widget.layer("main")->replot();
+        plot_->widget.update();
 }
 
 void PlotCanvas::PaintOn(QPaintDevice& device, const QSize& size, double scale) {
@@ -200,6 +217,8 @@ void PlotCanvas::PaintOn(QPaintDevice& device, const QSize& size, double scale) 
     painter.setMode(QCPPainter::pmNoCaching);
     painter.scale(scale, scale);
     plot_->widget.toPainter(&painter, size.width(), size.height());
+    const QRectF all{QPointF(0, 0), QSizeF(size)};
+    if (PaintCurves) PaintCurves(painter, all.marginsRemoved(plot_->widget.axisRect()->margins()));
 }
 
 void PlotCanvas::resizeEvent(QResizeEvent* event) {

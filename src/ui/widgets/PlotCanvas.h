@@ -16,7 +16,7 @@ namespace sonavex::ui {
 
 // One plot with axes, grid and tick labels, drawn by QCustomPlot; no other source includes its header. What
 // is special to a plot is painted by two functions: the ground below the grid, and the curves with their
-// marks above the axes. The curves are buffered: they can be painted alone. The canvas takes no input.
+// marks above the axes, which are buffered: the curves can be painted alone. The canvas takes no input.
 class PlotCanvas : public QWidget {
     Q_OBJECT
 

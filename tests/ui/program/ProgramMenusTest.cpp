@@ -91,7 +91,8 @@ TEST_F(ProgramMenus, AMessageOfTheAnalyzerInterruptsNothing) {
 
 TEST_F(ProgramMenus, PrintingAsksFirst) {
     program.Form().mnuPrint.SetEnabled(true);
-    QApplication::processEvents();
+    const auto& entry = *program.Window().findChild<QAction*>("mnuPrint");
+    ASSERT_TRUE(WaitInQt(std::chrono::seconds(2), [&] { return entry.isEnabled(); }));
     Choose("mnuPrint", [&](QDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Print");
         EXPECT_EQ(

@@ -48,7 +48,7 @@ protected:
         blocks.clear();
         bench.sound.fineFirstFrame = firstFrame;
         bench.sound.fineCaptured = FineList(2 * frames);
-        bench.loop.Advance(20ms);
+        bench.loop.Advance(100ms);
         return blocks;
     }
     std::vector<Place> blocks;
@@ -71,7 +71,7 @@ TEST_F(FineStreamTest, SuppliesAsMuchAsTheQueueTakes) {
     EXPECT_EQ(bench.sound.fineQueued, CountedUp(10000));
     for (const std::size_t room : {0U, 2U, 5000U, 8192U}) {
         bench.sound.fineRoom = room;
-        bench.loop.Advance(20ms);
+        bench.loop.Advance(100ms);
     }
     EXPECT_EQ(bench.sound.fineQueued, CountedUp(10000 + 2 + 5000 + 8192));
     fine.SetSource(nullptr);
@@ -152,7 +152,7 @@ TEST_F(FineStreamTest, ASourceMayReplaceItselfAndReleaseTheDevices) {
     } releasing(bench.engine);
     bench.sound.fineQueued.clear();
     fine.SetSource(&releasing);
-    bench.loop.Advance(20ms);
+    bench.loop.Advance(100ms);
     EXPECT_EQ(bench.sound.fineQueued, FineList{});
 }
 
@@ -167,7 +167,7 @@ TEST_F(FineStreamTest, ATickEndsInAnyCase) {
         bench.sound.fineCaptured.resize(4096);
     });
     bench.sound.fineCaptured.resize(4096);
-    bench.loop.Advance(20ms);
+    bench.loop.Advance(40ms);
     EXPECT_EQ(delivered, 200);
 }
 
@@ -193,7 +193,7 @@ TEST_F(FineStreamTest, SaysWhenTheCaptureStartsAgain) {
 TEST_F(FineStreamTest, ASinkThatThrowsIsRemoved) {
     fine.SetSink([](const FineFrames&) { throw RuntimeError(7); });
     bench.sound.fineCaptured.resize(9000);
-    EXPECT_THROW(bench.loop.Advance(20ms), RuntimeError);
+    EXPECT_THROW(bench.loop.Advance(100ms), RuntimeError);
     EXPECT_FALSE(bench.sound.fineCaptureOn);
     EXPECT_EQ(bench.loop.Timers(), 0U);
     bench.loop.Advance(1s);
@@ -217,7 +217,7 @@ TEST_F(FineStreamTest, TheOutputIsSuppliedWhileASinkWaits) {
     fine.SetSink([this](const FineFrames& block) {
         noting(block);
         bench.sound.fineRoom = 10;
-        bench.loop.Advance(20ms);
+        bench.loop.Advance(100ms);
     });
     EXPECT_EQ(Deliver(0, 3000).size(), 2U);
     EXPECT_EQ(bench.sound.fineQueued, CountedUp(20));
@@ -232,7 +232,7 @@ TEST_F(FineStreamTest, DrainsWhileNotificationsAreHeld) {
     EXPECT_TRUE(bench.sound.fineCaptureOn);
     bench.engine.HoldNotifications = true;
     bench.sound.fineCaptured = CountedUp(50000);
-    bench.loop.Advance(20ms);
+    bench.loop.Advance(100ms);
     EXPECT_EQ(taken, CountedUp(50000));
     fine.SetSink({});
     EXPECT_FALSE(bench.sound.fineCaptureOn);
@@ -244,11 +244,11 @@ TEST_F(FineStreamTest, FollowsTheEngineToNewBuffers) {
     fine.SetSink([](const FineFrames&) {});
     ASSERT_TRUE(bench.engine.ReStart());
     bench.sound.fineOn = bench.sound.fineCaptureOn = false;
-    bench.loop.Advance(20ms);
+    bench.loop.Advance(100ms);
     EXPECT_TRUE(bench.sound.fineOn);
     EXPECT_TRUE(bench.sound.fineCaptureOn);
     bench.engine.Release();
-    bench.loop.Advance(20ms);
+    bench.loop.Advance(100ms);
 }
 
 // The whole way, on a card of 24 bits.

@@ -60,10 +60,10 @@ protected:
         captured += samples.size() / 2;
         bench.sound.statistics.framesCaptured = captured;
         bench.sound.fineCaptured = std::move(samples);
-        bench.loop.Advance(20ms);
+        bench.loop.Advance(40ms);
         if (completing) background.Complete();
     }
-    // In blocks of a 20 ms tick or more, as far as the frame.
+    // In blocks of kTick frames or more, as far as the frame.
     void CaptureUpTo(std::uint64_t frame) {
         while (captured < frame) Capture(std::min<std::uint64_t>(kTick, frame - captured));
     }
