@@ -284,7 +284,9 @@ void SweepPanel::Export() {
     }
     std::string json;
     for (std::size_t i = 0; i < present_.results.size(); ++i)
-        json += RunPointJson(present_.results[i], i + 1, present_.conditions) + '\n';
+        json +=
+            RunPointJson(present_.results[i], i + 1, present_.conditions, i == 0 ? &present_.file : nullptr) +
+            '\n';
     const std::optional<ExportTarget> target = AskForExport ? AskForExport() : std::nullopt;
     if (!target) return;
     try {
