@@ -18,7 +18,8 @@ struct RunConditions {
 };
 
 // One line without a line end: `point` (from 1), `points`, `requested_hz`, `played_hz`, `stimulus_dbfs`,
-// `gain_db`, `attempts`, `after_loss`, then the names of AnalyzedJson. The values of a void point are null.
+// `gain_db`, `phase_deg`, `path_delay_ms`, `attempts`, `after_loss`, then the names of AnalyzedJson. The
+// values of a void point are null.
 std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions);
 
 // Lines that begin with '#' state run, devices and verdict. Then one line for each measured point: the value,

@@ -49,6 +49,7 @@ TEST(SweepProgram, PrintsALineForEachPointAndTheVerdict) {
         EXPECT_NEAR(points[i]["frequency_hz"].get<double>(), hertz, 0.01);
         EXPECT_EQ(points[i]["stimulus_dbfs"], -1.0);
         EXPECT_NEAR(points[i]["gain_db"].get<double>(), 0.0, 0.001);
+        EXPECT_NEAR(points[i]["phase_deg"].get<double>(), 0.0, 0.01);
         EXPECT_LT(points[i]["thdn_db"].get<double>(), -90.0);
         EXPECT_EQ(points[i]["blocks"], 2);
         EXPECT_EQ(points[i]["harmonic"].size(), points[i]["lines"].get<std::size_t>() - 1);
