@@ -9,8 +9,7 @@ namespace sonavex {
 
 // A run read from the lines of RunPointJson.
 struct RunLines {
-    // Points that no line holds are void with the code "not measured" where later ones are measured. Of each
-    // reading only what is judged and written to a table: the named levels and the harmonics.
+    // Points that no line holds are void with the code "not measured" where later ones are measured.
     MeasuredRun run;
     std::size_t skipped = 0;  // lines that are incomplete or hold no point of the run
 };

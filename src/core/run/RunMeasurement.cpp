@@ -21,10 +21,6 @@ constexpr double kUsualPathSeconds = 0.35;
 constexpr int kRunAttempts = 2;
 constexpr const char* kStoppedByOthers = "The stimulus was stopped.";
 
-bool SamePoint(const RunPoint& point, const RunPoint& other) {
-    return point.requestedHz == other.requestedHz && point.levelDbfs == other.levelDbfs;
-}
-
 double RecordSeconds(const RunPlan& plan, double rateHz) {
     return static_cast<double>(RecordLengthOf(plan, rateHz)) / rateHz;
 }

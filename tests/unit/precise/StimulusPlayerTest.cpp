@@ -39,7 +39,7 @@ protected:
     // The device takes this many samples.
     void Take(std::size_t samples) {
         sound.fineRoom = samples;
-        loop.Advance(20ms);
+        loop.Advance(100ms);
     }
     std::vector<std::string> Volumes() const { return log.Of("playbackBuffer.SetVolume"); }
     std::string RefusalOf(const StimulusChoice& choice) {

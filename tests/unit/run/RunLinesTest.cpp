@@ -128,11 +128,14 @@ TEST(RunLines, PointsOfAnotherRunAreSkipped) {
 TEST(RunLines, AreRefusedWithoutARunOrAPoint) {
     EXPECT_EQ(RefusalOfLines(""), "It holds no line with a run.");
     EXPECT_EQ(RefusalOfLines(LaterLine(ReadPoint(2), 2)), "It holds no line with a run.");
-    EXPECT_EQ(RefusalOfLines("{\"run\": 3}"), "It holds no line with a run.");
-    EXPECT_THAT(RefusalOfLines("{\"run\": {\"over\": \"time\"}}"), HasSubstr("The run file"));
-    EXPECT_THAT(RefusalOfLines("{\"rate_hz\": 48000, \"run\": {\"over\": \"frequency\"}}"),
-                HasSubstr("It holds no point of its run."));
-    EXPECT_NE(RefusalOfLines("{\"run\": {\"over\": \"frequency\"}}"), "read");  // no rate
+    EXPECT_EQ(RefusalOfLines("{\"run\": {\"over\": \"frequency\"}}"), "It holds no line with a run.");
+    const auto changed = [](const std::string& from, const std::string& to) {
+        std::string text = FirstLine();
+        return text.replace(text.find(from), from.size(), to);
+    };
+    EXPECT_THAT(RefusalOfLines(changed("\"over\":\"frequency\"", "\"over\":\"time\"")), HasSubstr("over"));
+    EXPECT_EQ(RefusalOfLines(changed("\"point\":1", "\"point\":2")), "It holds no point of its run.");
+    EXPECT_EQ(RefusalOfLines(changed("\"run\":{", "\"former\":{")), "It holds no line with a run.");
 }
 
 }  // namespace
