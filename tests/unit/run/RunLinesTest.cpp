@@ -116,7 +116,7 @@ TEST(RunLines, TheLastLineOfAPointCounts) {
 
 TEST(RunLines, PointsOfAnotherRunAreSkipped) {
     RunPointResult other = ReadPoint(2);
-    other.point.playedHz += 1.0;
+    other.point.requestedHz += 1.0;
     RunConditions otherRate = ReadConditions();
     otherRate.rateHz = 44100;
     const RunLines read = ReadRunLines(FirstLine() + LaterLine(other, 2) + LaterLine(ReadPoint(2), 4) +
