@@ -1,8 +1,10 @@
-// Run files. Any text gives a run whose points can be played and judged, or a sentence on one line.
+// Run files, and lines of interrupted runs. Any text gives a run whose points can be played and judged, or a
+// sentence on one line.
 
 #include <cmath>
 
 #include "core/run/RunFile.h"
+#include "core/run/RunLines.h"
 #include "fuzz/FuzzTarget.h"
 
 namespace sonavex {
@@ -43,13 +45,33 @@ void CheckVerdict(const RunFile& run, const std::vector<RunPoint>& points) {
             "a run that is not complete never passes");
 }
 
+void RequireSentence(std::string_view sentence) {
+    Require(sentence.find_first_of("\r\n") == std::string_view::npos, "one line", sentence);
+    Require(sentence.ends_with('.'), "a sentence", sentence);
+}
+
+// The same bytes as the lines of an interrupted run.
+void CheckLines(std::string_view text) {
+    try {
+        const MeasuredRun run = ReadRunLines(text).run;
+        Require(!run.results.empty() && run.results.size() <= run.points.size(), "points of the run");
+        for (std::size_t i = 0; i < run.results.size(); ++i)
+            Require(SamePoint(run.results[i].point, run.points[i]), "in the order of the points");
+        JudgeRun(run.file.limits, run.results, run.points.size());
+    } catch (const RunError& error) {
+        RequireSentence(error.what());
+    }
+}
+
 }  // namespace
 }  // namespace sonavex
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace sonavex;
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    CheckLines(input);
     try {
-        const RunFile run = ParseRunFile({reinterpret_cast<const char*>(data), size});
+        const RunFile run = ParseRunFile(input);
         const std::string text = RunFileText(run);
         Require(RunFileText(ParseRunFile(text)) == text, "the written run is the same", text);
         const std::vector<RunPoint> points = PointsOf(run.plan, kFuzzedRateHz);
@@ -57,9 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         RequireCoverage(run.limits, points);
         CheckVerdict(run, points);
     } catch (const RunError& error) {
-        const std::string_view sentence = error.what();
-        Require(sentence.find_first_of("\r\n") == std::string_view::npos, "one line", sentence);
-        Require(sentence.ends_with('.'), "a sentence", sentence);
+        RequireSentence(error.what());
     }
     return 0;
 }
