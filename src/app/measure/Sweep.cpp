@@ -1,7 +1,10 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <utility>
 
 #include "app/measure/Commands.h"
@@ -10,6 +13,7 @@
 #include "app/measure/PlotProgram.h"
 #include "app/measure/Readings.h"
 #include "app/measure/SweepLimits.h"
+#include "core/run/RunLines.h"
 #include "core/run/StoredRun.h"
 #include "core/text/Dates.h"
 #include "core/text/Decimals.h"
@@ -21,12 +25,42 @@ namespace {
 
 constexpr const char* kClearRunLine = "\r\033[K";
 
-RunFile RunOf(const SweepOptions& options) {
-    RunFile run;
-    run.plan = options.plan;
-    if (!options.file.empty()) run = ParseRunFile(TextOfFile("run", options.file));
-    for (const std::string& limit : options.limits) run.limits.push_back(LimitOf(limit));
+// The lines of an earlier program, with a note about those that it could not finish.
+MeasuredRun ContinuedRun(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (!file.is_open() || file.bad() || text.empty())
+        throw MeasureError("The run '" + path + "' cannot be read.");
+    RunLines lines;
+    try {
+        lines = ReadRunLines(text);
+    } catch (const RunError& error) {
+        throw MeasureError("The run '" + path + "' cannot be continued: " + error.what());
+    }
+    if (lines.skipped > 0)
+        std::cerr << lines.skipped << (lines.skipped == 1 ? " line" : " lines") << " of '" << path
+                  << "' skipped: incomplete, or no point of the run.\n";
+    return std::move(lines.run);
+}
+
+MeasuredRun RunOf(const SweepOptions& options) {
+    MeasuredRun run;
+    run.file.plan = options.plan;
+    if (!options.file.empty()) run.file = ParseRunFile(TextOfFile("run", options.file));
+    if (!options.continued.empty()) run = ContinuedRun(options.continued);
+    for (const std::string& limit : options.limits) run.file.limits.push_back(LimitOf(limit));
     return run;
+}
+
+// Whether the standard output goes to the end of a line that was not finished.
+bool AppendsToBrokenLine(const std::string& path) {
+    struct stat file {};
+    struct stat output {};
+    if (stat(path.c_str(), &file) != 0 || fstat(STDOUT_FILENO, &output) != 0) return false;
+    if (file.st_dev != output.st_dev || file.st_ino != output.st_ino || file.st_size == 0) return false;
+    std::ifstream lines(path, std::ios::binary);
+    lines.seekg(-1, std::ios::end);
+    return lines.get() != '\n';
 }
 
 // Prints the points, and the progress on standard error.
@@ -34,9 +68,11 @@ class RunOutput {
 public:
     explicit RunOutput(const LiveRun& run) : run_(run), terminal_(isatty(STDERR_FILENO) != 0) {}
 
-    void Take(const RunPointResult& result) const {
+    void Take(const RunPointResult& result) {
         Clear();
-        Print(RunPointJson(result, run_.Measurement().Results().size(), run_.Conditions()) + '\n');
+        const bool first = !std::exchange(printed_, true);
+        Print(RunPointJson(result, NumberOf(result), run_.Conditions(), first ? &run_.File() : nullptr) +
+              '\n');
         if (!terminal_) std::cerr << Progress() << '\n';
     }
 
@@ -68,6 +104,11 @@ public:
     }
 
 private:
+    // The result is one of those of the measurement.
+    std::size_t NumberOf(const RunPointResult& result) const {
+        return static_cast<std::size_t>(&result - run_.Measurement().Results().data()) + 1;
+    }
+
     std::string Progress() const {
         const sonavex::RunMeasurement& measurement = run_.Measurement();
         std::string line = std::to_string(measurement.Points().size() - measurement.PointsLeft()) + " of " +
@@ -86,6 +127,7 @@ private:
     const LiveRun& run_;
     bool terminal_;
     bool paused_ = false;
+    bool printed_ = false;
 };
 
 }  // namespace
@@ -93,6 +135,7 @@ private:
 int Sweep(const SweepOptions& options) {
     const std::string plotProgram = options.png.empty() ? std::string() : PlotProgram();
     LiveRun run(options, RunOf(options));
+    if (AppendsToBrokenLine(options.continued)) Print("\n");
     RunOutput output(run);
     const std::string time = DateAndTime(LocalDateTime());
     run.Run([&](const RunPointResult& result) { output.Take(result); }, [&] { output.ShowProgress(); });

@@ -17,7 +17,8 @@ namespace sonavex::measure {
 
 // Of a run over frequency or level.
 struct SweepOptions {
-    std::string file;  // with the run; empty: `plan`
+    std::string file;       // with the run; empty: `plan`
+    std::string continued;  // file with the lines of a run that was interrupted; empty: a new run
     RunPlan plan;
     std::vector<std::string> limits;  // QUANTITY:[LOW:]HIGH or QUANTITY:FILE
     std::string input;                // identifier; empty for the primary device

@@ -1,10 +1,19 @@
 #include "app/sonavex/ProgramAnalyzer.h"
 
+#include <chrono>
+#include <thread>
+
 #include "core/report/RunReport.h"
 #include "platform/plain/LocalTime.h"
 
 namespace sonavex::app {
 namespace {
+
+using namespace std::chrono_literals;
+
+// A device that has stopped plays no ramp.
+constexpr auto kLongestRampWait = 1s;
+constexpr auto kRampPoll = 5ms;
 
 frmAnalyzer::Needs FormNeeds(const ProgramAnalyzer::Needs& needs, Background& background,
                              const MeasurementFiles& files) {
@@ -28,7 +37,8 @@ frmAnalyzer::Needs FormNeeds(const ProgramAnalyzer::Needs& needs, Background& ba
 }  // namespace
 
 ProgramAnalyzer::ProgramAnalyzer(const Needs& needs)
-    : background_(needs.loop),
+    : loop_(needs.loop),
+      background_(needs.loop),
       guard_(needs.dialogs, needs.errorLog, needs.ending),
       form_(FormNeeds(needs, background_, files_)),
       window_(form_, guard_) {
@@ -51,6 +61,11 @@ void ProgramAnalyzer::Reopen() {
 
 void ProgramAnalyzer::Close() {
     form_.UnloadForNextStart();
+    const std::chrono::nanoseconds limit = loop_.Now() + kLongestRampWait;
+    while (form_.StimulusHeard() && loop_.Now() < limit) {
+        std::this_thread::sleep_for(kRampPoll);
+        loop_.YieldWithoutInput();
+    }
 }
 
 }  // namespace sonavex::app

@@ -38,13 +38,14 @@ public:
 
     // Opens the window if it was open when the program ended.
     void Reopen();
-    // Call at the begin of the shutdown.
+    // Call at the begin of the shutdown. Waits, a second at most, for the ramp that ends a stimulus.
     void Close();
 
     frmAnalyzer& Form() noexcept { return form_; }
     ui::AnalyzerWindow& Window() noexcept { return window_; }
 
 private:
+    EventLoop& loop_;
     WorkerThread background_;
     SndfileFiles files_;
     // Without OnMessageOpen: a message of the Analyzer holds no notifications of the block meter.

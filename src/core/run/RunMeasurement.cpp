@@ -48,7 +48,7 @@ StimulusChoice PointChoice(const RunPlan& plan, const RunPoint& point, std::size
     return choice;
 }
 
-double HighestHz(const std::vector<RunPoint>& points) {
+double HighestPlayedHz(const std::vector<RunPoint>& points) {
     double highest = 0.0;
     for (const RunPoint& point : points) highest = std::max(highest, point.playedHz);
     return highest;
@@ -108,7 +108,7 @@ void RunMeasurement::Play(const RunPlan& plan, std::vector<RunPoint> points,
     timed_ = 0;
     if (todo_.empty()) return;
     captureStarts_ = needs_.instrument.Engine.CaptureStarts;
-    phase_.Start(HighestHz(points_));
+    phase_.Start(HighestPlayedHz(points_));
     if (!needs_.measurement.Player.Active()) needs_.measurement.Meter.ForgetDelay();
     waiting_ = !DevicesRun();
     if (!waiting_) BeginAttempt();

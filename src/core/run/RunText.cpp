@@ -108,7 +108,8 @@ std::string WorstSentence(const RunMargin& worst, const RunPointResult& result) 
 
 }  // namespace
 
-std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions) {
+std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions,
+                         const RunFile* run) {
     PointJson json{{"point", number},
                    {"points", conditions.points},
                    {"requested_hz", result.point.requestedHz},
@@ -128,6 +129,7 @@ std::string RunPointJson(const RunPointResult& result, std::size_t number, const
     }
     json["uncertainty"]["gain_db"] = NullOr(result.gainDb.uncertainty);
     json["uncertainty"]["phase_deg"] = NullOr(result.phaseDegrees.uncertainty);
+    if (run != nullptr) json["run"] = PointJson::parse(RunFileText(*run));
     return json.dump(-1, ' ', false, PointJson::error_handler_t::replace);
 }
 

@@ -3,9 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <array>
-#include <atomic>
 #include <cmath>
 #include <csignal>
 
@@ -13,6 +11,7 @@
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
 #include "support/alsa/LoopCards.h"
+#include "support/alsa/PlayedEnd.h"
 #include "system/cli/MeasureProgram.h"
 
 namespace sonavex {
@@ -103,23 +102,6 @@ TEST(SweepOnDevices, MeasuresALoopOfACard) {
     ExpectLoopRun("alsa:card", "alsa:card", cards.ForPrograms());
 }
 
-// The left channel that the card has played, full scale 1, up to its newest frame. The card keeps 5 s.
-std::vector<double> Played(const LoopCardState& card) {
-    const auto tagOf = [](std::uint64_t word) { return word >> 48U; };
-    std::vector<std::uint64_t> words;
-    for (const std::atomic<std::uint64_t>& frame : card.frames) words.push_back(frame.load());
-    const std::uint64_t newestTag = tagOf(*std::max_element(words.begin(), words.end()));
-    const auto older = std::find_if(words.begin(), words.end(),
-                                    [&](std::uint64_t word) { return tagOf(word) != newestTag; });
-    std::rotate(words.begin(), older, words.end());
-    std::vector<double> samples;
-    for (const std::uint64_t word : words) {
-        const auto bits = static_cast<std::int32_t>(static_cast<std::uint32_t>(word) << 8U);
-        samples.push_back(tagOf(word) + 1 < newestTag ? 0.0 : std::ldexp(bits, -31));
-    }
-    return samples;
-}
-
 TEST(SweepOnDevices, ASignalEndsTheToneWithARampAndNothingIsLouderThanTheRun) {
     LoopCards cards(CardList{{.name = "card", .description = "Test card", .format = "S32_LE"}});
     MeasureProgram program(
@@ -129,23 +111,14 @@ TEST(SweepOnDevices, ASignalEndsTheToneWithARampAndNothingIsLouderThanTheRun) {
     ASSERT_TRUE(program.Prints("\"point\":1", 20s));
     program.Send(SIGTERM);
     ASSERT_TRUE(program.End(10s).ended);
-    const std::vector<double> played = Played(cards.State("card"));
+    const std::vector<double> played = PlayedBy(cards.State("card"));
     const double peak = std::pow(10.0, -6.0 / 20.0);
-    constexpr double kDither = 4e-7;
-    for (const double sample : played) ASSERT_LE(std::abs(sample), peak + kDither);
-    const auto loud = [](double sample) { return std::abs(sample) > kDither; };
-    const auto last = std::find_if(played.rbegin(), played.rend(), loud);
-    // Silence follows, and a quarter of a second before it contains the tone and the ramp of 5 ms. Their
-    // slopes limit the steps.
-    ASSERT_NE(last, played.rbegin());
-    ASSERT_GT(played.rend() - last, 12000);
-    const double steepest = peak * (2.0 * M_PI * 160.0 / 48000 + 0.5 * M_PI / 240);
-    double loudest = 0.0;
-    for (auto sample = last - 1; sample != last + 12000; ++sample) {
-        loudest = std::max(loudest, std::abs(*sample));
-        ASSERT_LE(std::abs(*sample - *(sample + 1)), steepest);
-    }
-    EXPECT_NEAR(loudest, peak, 1e-3);
+    for (const double sample : played) ASSERT_LE(std::abs(sample), peak + 4e-7);
+    const PlayedEnd end = EndOf(played);
+    EXPECT_TRUE(end.silent);
+    EXPECT_NEAR(end.loudest, peak, 1e-3);
+    // The slopes of the tone and of its ramp of 5 ms.
+    EXPECT_LE(end.largestStep, peak * (2.0 * M_PI * 160.0 / 48000 + 0.5 * M_PI / 240));
 }
 
 }  // namespace

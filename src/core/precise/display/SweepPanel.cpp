@@ -291,7 +291,8 @@ std::string SweepPanel::Exported(const MeasuredRun& run, Format format) const {
             return RunCsv(run.file, run.results, run.conditions);
         case Format::kLines:
             for (std::size_t i = 0; i < run.results.size(); ++i)
-                lines += RunPointJson(run.results[i], i + 1, run.conditions) + '\n';
+                lines +=
+                    RunPointJson(run.results[i], i + 1, run.conditions, i == 0 ? &run.file : nullptr) + '\n';
             return lines;
         case Format::kRun:
             return StoredRunText(run) + '\n';
