@@ -113,6 +113,7 @@ AnalyzerWindow::~AnalyzerWindow() {
     form_.ShowCalibrate = {};
     form_.Recording.AskForFile = {};
     form_.Sweep.AskForExport = {};
+    form_.Sweep.DrawRun = {};
     form_.Sweep.Setup.AskForTable = {};
     form_.Sweep.Setup.AskForLine = {};
 }

@@ -10,10 +10,14 @@
 #include "app/measure/Commands.h"
 #include "app/measure/LiveRun.h"
 #include "app/measure/MeasureError.h"
+#include "app/measure/PlotProgram.h"
 #include "app/measure/Readings.h"
 #include "app/measure/SweepLimits.h"
 #include "core/run/RunLines.h"
+#include "core/run/StoredRun.h"
+#include "core/text/Dates.h"
 #include "core/text/Decimals.h"
+#include "platform/plain/LocalTime.h"
 #include "platform/sndfile/SndfileFiles.h"
 
 namespace sonavex::measure {
@@ -82,14 +86,19 @@ public:
     }
 
     // The exit status.
-    int Finish(const std::string& csv) const {
+    int Finish(const SweepOptions& options, const std::string& plotProgram, const std::string& time) const {
         Clear();
         const std::vector<RunPointResult>& results = run_.Measurement().Results();
         const std::size_t points = run_.Conditions().points;
         const RunVerdict verdict = JudgeRun(run_.File().limits, results, points);
         if (!run_.Trouble().empty()) std::cerr << run_.Trouble() << '\n';
         std::cerr << VerdictSentence(verdict, results, points) << '\n';
-        if (!csv.empty()) SndfileFiles().WriteText(csv, RunCsv(run_.File(), results, run_.Conditions()));
+        if (!options.csv.empty())
+            SndfileFiles().WriteText(options.csv, RunCsv(run_.File(), results, run_.Conditions()));
+        const std::string stored =
+            StoredRunText({run_.File(), run_.Measurement().Points(), results, run_.Conditions(), time, 0});
+        if (!options.save.empty()) SndfileFiles().WriteText(options.save, stored + '\n');
+        if (!options.png.empty()) DrawRun(plotProgram, stored, options.png);
         if (verdict.outcome == RunOutcome::kFail) return kBeyondLimit;
         return verdict.outcome == RunOutcome::kNotComplete ? kVoid : kMeasured;
     }
@@ -124,11 +133,13 @@ private:
 }  // namespace
 
 int Sweep(const SweepOptions& options) {
+    const std::string plotProgram = options.png.empty() ? std::string() : PlotProgram();
     LiveRun run(options, RunOf(options));
     if (AppendsToBrokenLine(options.continued)) Print("\n");
     RunOutput output(run);
+    const std::string time = DateAndTime(LocalDateTime());
     run.Run([&](const RunPointResult& result) { output.Take(result); }, [&] { output.ShowProgress(); });
-    return output.Finish(options.csv);
+    return output.Finish(options, plotProgram, time);
 }
 
 }  // namespace sonavex::measure

@@ -202,6 +202,14 @@ void AddSweep(CLI::App& command, SweepOptions& options) {
         ->allow_extra_args(false);
     addTo("--csv", "FILE", "Write the points as CSV",
           [&options](const std::string& text) { options.csv = OutputFileOf("--csv", text); });
+    addTo("--png", "FILE", "Draw the run with its conditions; needs sonavex-plot",
+          [&options](const std::string& text) {
+              options.png = OutputFileOf("--png", text);
+              if (!options.png.ends_with(".png"))
+                  throw MeasureError("The name of --png must end with .png: '" + text + "'.");
+          });
+    addTo("--save", "FILE", "Write the run with its results as JSON, which sonavex-plot draws",
+          [&options](const std::string& text) { options.save = OutputFileOf("--save", text); });
     addTo("--input", "ID", "Identifier of the capture device",
           [&options](const std::string& text) { options.input = text; });
     addTo("--output", "ID", "Identifier of the playback device",

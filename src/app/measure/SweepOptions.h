@@ -24,7 +24,9 @@ struct SweepOptions {
     std::string input;                // identifier; empty for the primary device
     std::string output;
     std::optional<std::int32_t> rateHz;
-    std::string csv;  // file; empty: none
+    std::string csv;   // file; empty: none
+    std::string png;   // the same
+    std::string save;  // the same
 };
 
 // The options write into `options` when the command line is parsed, and throw MeasureError.

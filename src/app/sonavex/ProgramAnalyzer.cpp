@@ -3,6 +3,7 @@
 #include <chrono>
 #include <thread>
 
+#include "core/report/RunReport.h"
 #include "platform/plain/LocalTime.h"
 
 namespace sonavex::app {
@@ -43,6 +44,10 @@ ProgramAnalyzer::ProgramAnalyzer(const Needs& needs)
       window_(form_, guard_) {
     guard_.OnEnd = [&main = needs.main](const EndProgram& end) { main.End(end); };
     window_.OnHelp = [&help = needs.help] { help.ShowTopic(help_topic::kAnalyzer); };
+    form_.Sweep.Print = [&print = needs.print](const std::string& png,
+                                               const std::vector<std::string>& lines) {
+        print.Print([&](Printer& printer) { PrintRun(png, lines, printer); });
+    };
     needs.main.Menus.mnuAnalyzer.Click.Handle([this] { form_.Show(); });
     needs.main.Menus.mnuOpenRecording.Click.Handle([this] {
         form_.Show();

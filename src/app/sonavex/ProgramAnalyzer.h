@@ -7,6 +7,7 @@
 #include "core/ports/Help.h"
 #include "core/precise/display/frmAnalyzer.h"
 #include "core/report/HandlerGuard.h"
+#include "core/report/PrintCommand.h"
 #include "core/shell/frmMain.h"
 #include "platform/plain/WorkerThread.h"
 #include "platform/sndfile/SndfileFiles.h"
@@ -25,6 +26,7 @@ public:
         ErrorLog& errorLog;
         Ending& ending;
         Help& help;
+        PrintCommand& print;
         bool simulated = false;
         std::string version;
     };

@@ -125,6 +125,7 @@ MeasuredRun StoredRunIn(const StoredJson& json) {
     run.conditions.rateHz = StoredNumber(json, "rate_hz", std::numeric_limits<std::int32_t>::max());
     run.points = PointsOf(run.file.plan, run.conditions.rateHz);
     run.conditions.points = StoredCount(json, "points", kMostRunPoints);
+    run.time = StoredWords(json, "time");
     run.seconds = StoredNumber(json, "seconds", kMostSeconds);
     const StoredJson& results = StoredMember(json, "results");
     if (!results.is_array() || results.size() > run.points.size() ||
@@ -156,6 +157,7 @@ std::string StoredRunText(const MeasuredRun& run) {
     StoredJson json{{"run", StoredJson::parse(RunFileText(run.file))},
                     {"rate_hz", run.conditions.rateHz},
                     {"points", run.points.size()},
+                    {"time", run.time},
                     {"seconds", run.seconds},
                     {"results", StoredJson::array()}};
     RunConditions conditions = run.conditions;

@@ -7,7 +7,8 @@
 
 namespace sonavex {
 
-// The run as one JSON object on one line: `run` (RunFileText), `rate_hz`, `points`, `seconds` and `results`
+// The run as one JSON object on one line: `run` (RunFileText), `rate_hz`, `points`, `time`, `seconds` and
+// `results`
 // (RunPointJson of each point).
 std::string StoredRunText(const MeasuredRun& run);
 

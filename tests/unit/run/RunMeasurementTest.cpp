@@ -315,7 +315,7 @@ TEST_F(RunMeasurementTest, ContinuesWithVoidAndMissingPoints) {
 
     SetDevice([](DeviceUnderTestModel&) {});
     notified.clear();
-    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, 0});
+    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, "", 0});
     EXPECT_EQ(run.Current(), 1U);
     EXPECT_EQ(run.PointsLeft(), 2U);
     EXPECT_EQ(run.Results().size(), 3U);
@@ -330,7 +330,7 @@ TEST_F(RunMeasurementTest, ContinuesWithVoidAndMissingPoints) {
         EXPECT_TRUE(result.Valid()) << result.fault.code;
         EXPECT_FALSE(result.afterLoss);
     }
-    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, 0});
+    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, "", 0});
     EXPECT_FALSE(run.Active());
 }
 
@@ -338,7 +338,7 @@ TEST_F(RunMeasurementTest, MarksThePointsThatContinueAnotherProgramsRun) {
     const RunPlan plan = Plan({300, 500});
     RunPointResult measured;
     measured.point = PointsOf(plan, kRunRateHz)[0];
-    run.Continue({{plan, {}}, {}, {measured}, {kRunRateHz, 2, {}}, 0});
+    run.Continue({{plan, {}}, {}, {measured}, {kRunRateHz, 2, {}}, "", 0});
     RunUntil([&] { return !run.Active(); });
     ASSERT_EQ(run.Results().size(), 2U);
     EXPECT_FALSE(run.Results()[0].afterLoss);
@@ -349,8 +349,8 @@ TEST_F(RunMeasurementTest, RefusesToContinueAnotherRun) {
     const RunPlan plan = Plan({300, 500});
     RunPointResult other;
     other.point = PointsOf(Plan({400}), kRunRateHz)[0];
-    EXPECT_THROW(run.Continue({{plan, {}}, {}, {other}, {kRunRateHz, 2, {}}, 0}), RunError);
-    EXPECT_THROW(run.Continue({{plan, {}}, {}, {}, {48000, 2, {}}, 0}), RunError);
+    EXPECT_THROW(run.Continue({{plan, {}}, {}, {other}, {kRunRateHz, 2, {}}, "", 0}), RunError);
+    EXPECT_THROW(run.Continue({{plan, {}}, {}, {}, {48000, 2, {}}, "", 0}), RunError);
     EXPECT_FALSE(run.Active());
 }
 

@@ -63,6 +63,7 @@ MeasuredRun RunToStore() {
     stream.outputBits = 16;
     stream.notes = {"output volume -3.0 dB"};
     run.conditions = {kStoredRateHz, 3, stream};
+    run.time = "2026-11-23 10:42:07";
     run.seconds = 12.5;
     return run;
 }
@@ -91,6 +92,7 @@ TEST(StoredRun, IsReadAsItWasWritten) {
     EXPECT_EQ(StoredRunText(read), text);
     EXPECT_EQ(RunCsv(read.file, read.results, read.conditions),
               RunCsv(run.file, run.results, run.conditions));
+    EXPECT_EQ(read.time, run.time);
     EXPECT_EQ(read.seconds, 12.5);
     ASSERT_EQ(read.results.size(), 2U);
     EXPECT_EQ(read.points.size(), 3U);
