@@ -20,7 +20,7 @@ public:
         std::string time;   // "10:58:21"
         std::string path;
         std::string rate;  // "48000"
-        std::string bits;  // "24", or "24 / 16" of input and output
+        std::string bits;  // "24", or "24/16" of input and output
         std::string stimulus;
         std::string thd;  // "-102.57", "IMD -98.40"; "none" of a void reading
         std::string thdn;

@@ -64,7 +64,7 @@ bool TotalIsBound(const HistoryEntry& entry) {
 std::string ListedBits(const HistoryEntry& entry) {
     const std::string input = std::to_string(entry.inputBits);
     if (entry.outputBits == 0 || entry.outputBits == entry.inputBits) return input;
-    return input + " / " + std::to_string(entry.outputBits);
+    return input + '/' + std::to_string(entry.outputBits);
 }
 
 HistoryList::Row ListRowOf(const HistoryEntry& entry) {
@@ -107,7 +107,7 @@ std::string BandText(const json& object) {
 
 std::string StoredText(const Value& value, int decimals) {
     if (!value.value) return {};
-    if (value.atMost) return "≤ " + WithDecimals(*value.value, 1);
+    if (value.atMost) return "≤ " + RoundedUp(*value.value, 1);
     return WithDecimals(*value.value, decimals);
 }
 

@@ -82,7 +82,7 @@ TEST_F(HistoryPanelTest, ListsEntriesNewestFirstByDay) {
     const HistoryList::Row& row = panel.List.Rows()[1];
     EXPECT_EQ(row.path, "Line In → Line Out");
     EXPECT_EQ(row.rate, "48000");
-    EXPECT_EQ(row.bits, "24 / 16");
+    EXPECT_EQ(row.bits, "24/16");
     EXPECT_EQ(row.stimulus, "sine:1000, played 999.756 Hz");
     EXPECT_EQ(row.thd, "-102.57");
     EXPECT_EQ(row.thdn, "-97.70");
@@ -233,7 +233,7 @@ TEST_F(HistoryPanelTest, CopiesTheSelectedRows) {
     panel.cmdCopy.Press();
     EXPECT_EQ(copied,
               "Time\tInput → output\tRate, Hz\tBits\tStimulus\tTHD, dB\tTHD+N, dB\tState\tNotes\n"
-              "2026-11-23 10:58:21\tLine In → Line Out\t48000\t24 / 16\tsine:1000, played 999.756 Hz\t"
+              "2026-11-23 10:58:21\tLine In → Line Out\t48000\t24/16\tsine:1000, played 999.756 Hz\t"
               "-102.57\t-97.70\tVALID\ta b\n");
 }
 

@@ -56,7 +56,8 @@ protected:
     FormRig rig;
     InlineBackground background{rig.loop};
     MemoryFiles files;
-    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)};
+    HistoryInMemory history{background};
+    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files, history.history)};
     SweepPanel& sweep = form.Sweep;
 };
 
