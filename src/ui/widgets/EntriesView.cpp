@@ -230,7 +230,8 @@ void EntriesView::AlignColumns() {
     int rest = viewport()->width();
     const auto fix = [&](int column, const char* widest) {
         const QString heading = model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-        const int width = std::max(metrics.horizontalAdvance(widest) + 2 * kCellPadding,
+        // The advance of a text is rounded down.
+        const int width = std::max(metrics.horizontalAdvance(widest) + 1 + 2 * kCellPadding,
                                    headings.horizontalAdvance(heading) + 2 * kHeadingPadding);
         setColumnWidth(column, width);
         rest -= width;

@@ -62,7 +62,7 @@ bool TotalIsBound(const HistoryEntry& entry) {
 }
 
 std::string ListedBits(const HistoryEntry& entry) {
-    const std::string input = std::to_string(entry.inputBits);
+    std::string input = std::to_string(entry.inputBits);
     if (entry.outputBits == 0 || entry.outputBits == entry.inputBits) return input;
     return input + '/' + std::to_string(entry.outputBits);
 }
