@@ -46,6 +46,7 @@ void AnalyzerWindow::ConnectFiles() {
     form_.Sweep.DrawRun = [](ExportKind kind, const MeasuredRun& run, const std::vector<std::string>& lines) {
         return RunPicture(kind, run, lines);
     };
+    form_.History.AskForExport = [this] { return AskForHistoryFile(); };
     form_.Sweep.Setup.AskForTable = [this] { return AskForLimit(); };
     form_.Sweep.Setup.AskForLine = [this](const std::string& table) { return AskForLine(table); };
     form_.OnCopy = [](const std::string& text) {
@@ -62,6 +63,8 @@ std::vector<PictureLegend> AnalyzerWindow::Legend() const {
     add("live", QString::fromStdString(form_.lblLegendLive.Caption()));
     const std::string& kept = form_.lblLegendKept.Caption();
     if (!kept.empty()) add("kept", QString::fromStdString(kept));
+    const std::string& second = form_.lblLegendKeptSecond.Caption();
+    if (!second.empty()) add("keptSecond", QString::fromStdString(second));
     if (form_.Spectrum.Shown().noisePerBinDbfs) add("noise", ui_->capNoisePerBin->text());
     return legend;
 }
@@ -110,6 +113,18 @@ std::optional<SweepPanel::ExportTarget> AnalyzerWindow::AskForRunFile() {
     if (dialog.result() != QDialog::Accepted) return std::nullopt;
     folder_ = dialog.directory().path().toStdString();
     return SweepPanel::ExportTarget{dialog.selectedFiles().value(0).toStdString(), chosen().format};
+}
+
+std::string AnalyzerWindow::AskForHistoryFile() {
+    QFileDialog dialog(this, tr("Export"), QString::fromStdString(folder_), tr("Entries as CSV (*.csv)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setDefaultSuffix("csv");
+    dialog.selectFile("history.csv");
+    Wait(dialog);
+    if (dialog.result() != QDialog::Accepted) return {};
+    folder_ = dialog.directory().path().toStdString();
+    return dialog.selectedFiles().value(0).toStdString();
 }
 
 std::optional<SweepSetup::NamedText> AnalyzerWindow::AskForLimit() {

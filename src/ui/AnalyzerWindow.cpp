@@ -12,12 +12,15 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
+#include <QTabBar>
 #include <QUrl>
 #include <algorithm>
 #include <initializer_list>
 
+#include "ui/HistoryPage.h"
 #include "ui/SweepPage.h"
 #include "ui/widgets/ChevronButton.h"
+#include "ui/widgets/EntriesView.h"
 #include "ui/widgets/ReadingRowView.h"
 #include "ui/widgets/RunView.h"
 #include "ui/widgets/Theme.h"
@@ -92,6 +95,7 @@ AnalyzerWindow::AnalyzerWindow(frmAnalyzer& form, HandlerGuard& guard)
     MakeMenus();
     BindControls();
     MakeSweep();
+    MakeHistory();
     // A file may be dropped anywhere; an entry would take its name as text.
     setAcceptDrops(true);
     for (QLineEdit* entry : findChildren<QLineEdit*>()) entry->setAcceptDrops(false);
@@ -114,6 +118,8 @@ AnalyzerWindow::~AnalyzerWindow() {
     form_.Recording.AskForFile = {};
     form_.Sweep.AskForExport = {};
     form_.Sweep.DrawRun = {};
+    form_.History.AskForExport = {};
+    form_.ShowTab = {};
     form_.Sweep.Setup.AskForTable = {};
     form_.Sweep.Setup.AskForLine = {};
 }
@@ -125,6 +131,14 @@ void AnalyzerWindow::MakeMenus() {
     keepIdle_ = keep->addAction(tr("Keep as &idle"));
     keepReference_->setToolTip(tr("A reading of the output connected to the input"));
     keepIdle_->setToolTip(tr("A reading with the generator off"));
+    storeReading_ = keep->addAction(tr("&Store in History"));
+    storeReading_->setToolTip(tr("Stores the reading without keeping the trace"));
+    storeReading_->setShortcut(QKeySequence::Save);
+    addAction(storeReading_);
+    // A note that is being typed is stored before the list changes.
+    connect(storeReading_, &QAction::triggered, this, [this] {
+        if (HistoryShown()) history_->View->setFocus();
+    });
     ui_->keepMenu->setMenu(keep);
 
     auto& firstRow = *rows_[ReadingsPanel::kThdn];
@@ -174,20 +188,23 @@ void AnalyzerWindow::ConnectKeys() {
         QKeySequence key;
         QAbstractButton* spectrum;  // that it presses in this tab; null for none
         QAbstractButton* sweep;
+        QAbstractButton* history;
     };
     const KeyOfButtons keys[] = {
-        {Qt::Key_H, ui_->cmdHold, nullptr},
-        {Qt::Key_K, ui_->cmdKeep, sweep_->Keep},
-        {Qt::Key_F, ui_->cmdFit, nullptr},
-        {Qt::Key_R, ui_->cmdFoldWaves, nullptr},
-        {Qt::CTRL | Qt::Key_E, ui_->cmdExport, sweep_->Export},
-        {Qt::CTRL | Qt::Key_O, ui_->cmdOpen, ui_->cmdOpen},
-        {QKeySequence::Copy, ui_->cmdCopy, sweep_->Copy},
-        {Qt::Key_F5, ui_->cmdStart, sweep_->Start},
+        {Qt::Key_H, ui_->cmdHold, nullptr, nullptr},
+        {Qt::Key_K, ui_->cmdKeep, sweep_->Keep, nullptr},
+        {Qt::Key_F, ui_->cmdFit, nullptr, nullptr},
+        {Qt::Key_R, ui_->cmdFoldWaves, nullptr, nullptr},
+        {Qt::CTRL | Qt::Key_E, ui_->cmdExport, sweep_->Export, history_->Export},
+        {Qt::CTRL | Qt::Key_O, ui_->cmdOpen, ui_->cmdOpen, ui_->cmdOpen},
+        {QKeySequence::Copy, ui_->cmdCopy, sweep_->Copy, history_->Copy},
+        {Qt::Key_F5, ui_->cmdStart, sweep_->Start, nullptr},
     };
     for (const KeyOfButtons& key : keys)
         connect(new QShortcut(key.key, this), &QShortcut::activated, this, [this, key] {
-            QAbstractButton* const pressed = SweepShown() ? key.sweep : key.spectrum;
+            QAbstractButton* const pressed = HistoryShown() ? key.history
+                                             : SweepShown() ? key.sweep
+                                                            : key.spectrum;
             if (pressed != nullptr) pressed->click();
         });
     for (int tab = 0; tab < ui_->Tabs->count(); ++tab)
@@ -200,12 +217,28 @@ void AnalyzerWindow::ConnectKeys() {
     OnSpectrumKey(Qt::Key_Plus, [this] { form_.Spectrum.UserZoomsAtCursor(1.0); });
     OnSpectrumKey(Qt::Key_Minus, [this] { form_.Spectrum.UserZoomsAtCursor(-1.0); });
     OnKey(QKeySequence::HelpContents, [this] {
-        if (OnHelp) OnHelp();
+        if (OnHelp) OnHelp(static_cast<frmAnalyzer::Tab>(ui_->Tabs->currentIndex()));
     });
 }
 
 bool AnalyzerWindow::SweepShown() const {
     return ui_->Tabs->currentWidget() == sweep_;
+}
+
+bool AnalyzerWindow::HistoryShown() const {
+    return ui_->Tabs->currentWidget() == history_;
+}
+
+// The list also shows what other programs have stored since it was read.
+void AnalyzerWindow::MakeHistory() {
+    history_ = new HistoryPage(form_.History, Bindings(), ui_->Tabs);
+    ui_->Tabs->addTab(history_, tr("&History"));
+    connect(ui_->Tabs, &QTabWidget::currentChanged, this, [this] {
+        if (!HistoryShown()) return;
+        Bindings().Handle([this] { form_.History.Refresh(); });
+        if (!ui_->Tabs->tabBar()->hasFocus()) history_->View->setFocus();
+    });
+    form_.ShowTab = [this](frmAnalyzer::Tab tab) { ui_->Tabs->setCurrentIndex(static_cast<int>(tab)); };
 }
 
 void AnalyzerWindow::MakeSweep() {
@@ -262,6 +295,7 @@ void AnalyzerWindow::OrderTabs() {
 void AnalyzerWindow::Align() {
     playing_.reset();  // the icon has the theme's colour
     sweep_->Align();
+    history_->Align();
     AlignColumn({ui_->capFrequency, ui_->capPair, ui_->capFrequency2, ui_->capRatio, ui_->capTones,
                  ui_->capNoise, ui_->capLevel, ui_->capDither, ui_->capTo, ui_->capLength, ui_->capAverages,
                  ui_->capBand, ui_->capWeighting, ui_->capChannel, ui_->capHarmonics});
@@ -299,6 +333,7 @@ void AnalyzerWindow::resizeEvent(QResizeEvent* event) {
     if (compact == compact_) return;
     compact_ = compact;
     for (KeyButton* button : {ui_->cmdExport, ui_->cmdCopy, ui_->cmdFit}) button->ShowKeyCap(!compact);
+    history_->ShowKeyCaps(!compact);
     for (QWidget* legend :
          {static_cast<QWidget*>(ui_->swatchNoise), static_cast<QWidget*>(ui_->capNoisePerBin)})
         legend->setVisible(!compact);
@@ -338,6 +373,7 @@ void AnalyzerWindow::DecorateStart() {
 void AnalyzerWindow::Decorate() {
     DecorateStimulus();
     sweep_->Decorate();
+    history_->Decorate();
     SetQuietInk(*ui_->lblThdSpread, form_.Readings.lblThd.Quiet());
     ui_->note->setVisible(!form_.note.Caption().empty());
     const bool recording = !form_.lblRecording.Caption().empty();
@@ -347,12 +383,19 @@ void AnalyzerWindow::Decorate() {
             !recording);
     const bool kept = !form_.lblLegendKept.Caption().empty();
     ShowRow({ui_->swatchKept, ui_->lblLegendKept, ui_->cmdRemoveKept}, kept);
+    const bool second = !form_.lblLegendKeptSecond.Caption().empty();
+    ShowRow({ui_->swatchKeptSecond, ui_->lblLegendKeptSecond}, second);
+    // A compact legend has no room for three names; the live trace has the same colour everywhere.
+    ShowRow({ui_->swatchLive, ui_->lblLegendLive}, !(compact_ && second));
 }
 
 void AnalyzerWindow::reject() {
-    if (qobject_cast<QLineEdit*>(focusWidget()) != nullptr)
-        SweepShown() ? sweep_->View->setFocus() : ui_->Spectrum->setFocus();
-    else if (SweepShown())
+    if (qobject_cast<QLineEdit*>(focusWidget()) != nullptr) {
+        QWidget* const front = HistoryShown() ? static_cast<QWidget*>(history_->View)
+                               : SweepShown() ? static_cast<QWidget*>(sweep_->View)
+                                              : ui_->Spectrum;
+        front->setFocus();
+    } else if (SweepShown())
         Bindings().Handle([this] { form_.Sweep.Cancel(); });
 }
 

@@ -19,6 +19,7 @@ namespace sonavex::ui {
 struct PictureLegend;
 class ChevronButton;
 class ReadingRowView;
+class HistoryPage;
 class SweepPage;
 
 // The Analyzer: a second window with the spectrum, the waveform and the readings of the precise measurement.
@@ -32,7 +33,7 @@ public:
     ~AnalyzerWindow() override;
 
     // Shows the help page about the front tab.
-    std::function<void()> OnHelp;
+    std::function<void(frmAnalyzer::Tab front)> OnHelp;
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -51,6 +52,7 @@ private:
     std::vector<PictureLegend> Legend() const;
     std::string AskForRecording();
     std::optional<SweepPanel::ExportTarget> AskForRunFile();
+    std::string AskForHistoryFile();
     std::optional<SweepSetup::NamedText> AskForLimit();
     std::optional<std::string> AskForLine(const std::string& table);
     std::optional<frmAnalyzer::ExportTarget> AskForExport(const ExportedMeasurement& measurement);
@@ -61,8 +63,10 @@ private:
     void BindAnalysis();
     void BindReadings();
     void MakeSweep();
+    void MakeHistory();
     void ConnectKeys();
     bool SweepShown() const;
+    bool HistoryShown() const;
     void OnKey(const QKeySequence& key, const std::function<void()>& handler);
     void OnSpectrumKey(const QKeySequence& key, const std::function<void()>& handler);
     void OrderTabs();
@@ -78,8 +82,10 @@ private:
     std::unique_ptr<Ui::frmAnalyzer> ui_;
     std::vector<ReadingRowView*> rows_;
     SweepPage* sweep_ = nullptr;
+    HistoryPage* history_ = nullptr;
     QAction* keepReference_ = nullptr;
     QAction* keepIdle_ = nullptr;
+    QAction* storeReading_ = nullptr;
     ChevronButton* firstName_ = nullptr;  // of the first line below THD
     QAction* chooseThdn_ = nullptr;
     QAction* chooseNotch_ = nullptr;

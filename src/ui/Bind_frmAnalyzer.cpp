@@ -21,6 +21,7 @@ void AnalyzerWindow::BindControls() {
     binder.Bind(*ui_->cmdKeep, form_.cmdKeep);
     binder.Bind(*keepReference_, form_.mnuKeepReference);
     binder.Bind(*keepIdle_, form_.mnuKeepIdle);
+    binder.Bind(*storeReading_, form_.mnuStoreReading);
     binder.Bind(*ui_->cmdExport, form_.cmdExport);
     binder.Bind(*ui_->cmdCopy, form_.cmdCopy);
     binder.Bind(*ui_->prgAverages, form_.prgAverages);
@@ -43,6 +44,7 @@ void AnalyzerWindow::BindPlots() {
     binder.Bind(*ui_->Waves, form_.Waves);
     binder.Bind(*ui_->lblLegendLive, form_.lblLegendLive);
     binder.Bind(*ui_->lblLegendKept, form_.lblLegendKept);
+    binder.Bind(*ui_->lblLegendKeptSecond, form_.lblLegendKeptSecond);
     binder.Bind(*ui_->cmdFit, form_.cmdFit);
     binder.Bind(*ui_->cmdRemoveKept, form_.cmdRemoveKept);
     binder.Bind(*ui_->cmbPlotUnit, form_.cmbPlotUnit);

@@ -35,6 +35,8 @@ class QProgressBar;
 
 namespace sonavex {
 class HarmonicsTable;
+class HistoryList;
+class HistoryTableView;
 class NoteLabel;
 class ReadingLabel;
 class RunPlot;
@@ -47,9 +49,11 @@ namespace sonavex::ui {
 class ChevronButton;
 class ChipView;
 class ElidedLabel;
+class EntriesView;
 class HarmonicsView;
 class LengthChoice;
 class RunView;
+class ValuesTable;
 
 // Binds widgets to control values, one call per pair. Changes by the core are shown once per event. User
 // input reaches the control's handler through the guard, after every pending text entry. A pair of types that
@@ -84,6 +88,8 @@ public:
     void Bind(ElidedLabel& widget, NoteLabel& control);
     void Bind(ChipView& widget, StateChip& control);
     void Bind(HarmonicsView& widget, HarmonicsTable& control);
+    void Bind(EntriesView& widget, HistoryList& control);
+    void Bind(ValuesTable& widget, HistoryTableView& control);
     void Bind(QProgressBar& widget, ProgressBar& control);
     // The entries' columns belong to the items of the control.
     void Bind(LengthChoice& widget, ComboBox& control, const std::vector<LengthEntry>& entries);

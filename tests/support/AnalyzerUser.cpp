@@ -16,7 +16,7 @@ public:
         : random_(randomness), form_(form), run_(run) {}
 
     std::string UseAny(const std::vector<std::string>& recordings) {
-        switch (random_.Pick(12)) {
+        switch (random_.Pick(13)) {
             case 0:
             case 1:
             case 2:
@@ -33,6 +33,8 @@ public:
             case 9:
             case 10:
                 return UsePlot();
+            case 11:
+                return UseHistory();
             default:
                 return OpenOrClose(recordings);
         }
@@ -100,6 +102,30 @@ private:
         const std::int32_t which = random_.Pick(std::size(acts));
         run_(acts[which]);
         return "Analyzer: plot " + std::to_string(which);
+    }
+    // Selects a few of the newest entries.
+    std::string UseHistory() {
+        HistoryPanel& panel = form_.History;
+        const auto select = [&] {
+            std::vector<std::string> ids;
+            for (const HistoryList::Row& row : panel.List.Rows())
+                if (ids.size() < static_cast<std::size_t>(random_.Pick(4)) && !row.id.empty())
+                    ids.push_back(row.id);
+            panel.List.UserSelects(ids);
+        };
+        const std::function<void()> acts[] = {
+            [&] { form_.mnuStoreReading.UserChooses(); },
+            select,
+            select,
+            [&] { panel.cmdCompare.Press(); },
+            [&] { panel.cmdDelete.Press(); },
+            [&] { panel.cmdCopy.Press(); },
+            [&] { panel.chkValid.UserSets(random_.Pick(2) == 1); },
+            [&] { panel.Refresh(); },
+        };
+        const std::int32_t which = random_.Pick(std::size(acts));
+        run_(acts[which]);
+        return "Analyzer: history " + std::to_string(which);
     }
     std::string OpenOrClose(const std::vector<std::string>& recordings) {
         switch (random_.Pick(3)) {

@@ -42,7 +42,8 @@ public:
     InlineBackground background{rig.loop};
     HandlerGuard guard{rig.dialogs, rig.errorLog, rig.ending};
     MemoryFiles files;
-    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)};
+    HistoryInMemory stored{background};
+    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files, stored.history)};
     ui::AnalyzerWindow window{form, guard};
 };
 

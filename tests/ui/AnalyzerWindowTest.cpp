@@ -40,8 +40,9 @@ class AnalyzerWindowTest : public testing::Test, public AnalyzerRig {};
 
 TEST_F(AnalyzerWindowTest, JoinsEveryControlOfTheForm) {
     std::optional<frmAnalyzer> again;
-    std::vector<Control*> created = CreatedControls(
-        [&] { again.emplace(AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)); });
+    std::vector<Control*> created = CreatedControls([&] {
+        again.emplace(AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files, stored.history));
+    });
     std::erase(created, &again->Frame);  // the window itself
     const ui::AnalyzerWindow analyzer(*again, guard);
     std::map<Control*, std::string> joined;

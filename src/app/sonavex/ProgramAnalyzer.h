@@ -1,10 +1,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "core/history/History.h"
 #include "core/ports/Help.h"
+#include "core/ports/HistoryFiles.h"
 #include "core/precise/display/frmAnalyzer.h"
 #include "core/report/HandlerGuard.h"
 #include "core/report/PrintCommand.h"
@@ -50,6 +53,10 @@ private:
     SndfileFiles files_;
     // Without OnMessageOpen: a message of the Analyzer holds no notifications of the block meter.
     HandlerGuard guard_;
+    std::unique_ptr<HistoryFiles> historyFiles_;
+    // A disk that answers late must not delay the analysis.
+    WorkerThread historyBackground_;
+    History history_;
     frmAnalyzer form_;
     ui::AnalyzerWindow window_;
 };

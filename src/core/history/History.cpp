@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/history/HistoryLine.h"
+#include "core/history/HistoryTable.h"
 
 namespace sonavex {
 namespace {
@@ -66,6 +67,10 @@ std::optional<HistoryDetails> History::Details(const std::string& id) const {
     const HistoryEntry* const entry = Find(id);
     if (entry == nullptr) return std::nullopt;
     return DetailsOf(*entry, needs_.files);
+}
+
+std::string History::Csv(const std::vector<const HistoryEntry*>& shown) const {
+    return HistoryCsv(shown, needs_.files);
 }
 
 std::string History::Add(HistoryEntry entry, std::string_view details, const HistoryCurve& curve) {

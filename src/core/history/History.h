@@ -43,6 +43,8 @@ public:
     const HistoryEntry* Find(const std::string& id) const noexcept;
     // Empty if another process has deleted it. Throws FileError.
     std::optional<HistoryDetails> Details(const std::string& id) const;
+    // HistoryCsv of some of the entries. Throws FileError.
+    std::string Csv(const std::vector<const HistoryEntry*>& shown) const;
 
     // Stores an entry and returns its identifier. Its time decides the file. The three throw FileError and
     // then leave files and entries as they were. SetNote and Delete do nothing for an unknown entry.

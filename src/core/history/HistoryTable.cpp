@@ -19,7 +19,7 @@ const NamedValue* DefinedValue(const std::vector<NamedValue>& values, const std:
 
 std::string ComparedText(const NamedValue* value) {
     if (value == nullptr) return {};
-    if (value->value.atMost) return "≤ " + WithDecimals(*value->value.value, 1);
+    if (value->value.atMost) return "≤ " + RoundedUp(*value->value.value, 1);
     return WithDecimals(*value->value.value, value->decimals);
 }
 

@@ -131,7 +131,7 @@ std::string StateOf(const HistoryEntry& entry) {
 std::string FigureOf(const HistoryEntry& entry, const std::string& name, int decimals) {
     for (const NamedValue& figure : entry.figures) {
         if (figure.name != name || !figure.value.value) continue;
-        if (figure.value.atMost) return "≤ " + WithDecimals(*figure.value.value, 1);
+        if (figure.value.atMost) return "≤ " + RoundedUp(*figure.value.value, 1);
         return WithDecimals(*figure.value.value, decimals);
     }
     return {};

@@ -139,14 +139,20 @@ std::optional<SpectrumPlot::Readout> SpectrumPlot::CursorReadout() const {
         readout.dbfs = WithDecimals(level, 1) + " dBFS";
         if (data_.fundamental) readout.dbc = WithDecimals(level - data_.fundamental->levelDbfs, 1) + " dBc";
     }
-    if (kept_ && *cursorHz_ <= kept_->LastHz()) readout.kept = WithDecimals(LevelAt(*kept_, *cursorHz_), 1);
+    const auto levelOf = [this](const std::shared_ptr<const SpectrumTrace>& trace) {
+        return trace && *cursorHz_ <= trace->LastHz() ? WithDecimals(LevelAt(*trace, *cursorHz_), 1)
+                                                      : std::string();
+    };
+    readout.kept = levelOf(kept_);
+    readout.keptSecond = levelOf(keptSecond_);
     return readout;
 }
 
 std::string SpectrumPlot::Description() const {
     std::string text = "Spectrum in " + UnitText() + ".";
     if (data_.live) text += " " + data_.live->name + ".";
-    if (kept_) text += " Kept trace: " + kept_->name + ".";
+    for (const auto& kept : {kept_, keptSecond_})
+        if (kept) text += " Kept trace: " + kept->name + ".";
     for (const SpectrumMarker& marker : data_.markers)
         text += " H" + std::to_string(marker.order) + (marker.bound ? " at most " : " ") +
                 WithDecimals(Plotted(marker.levelDbfs), 1) + ".";
@@ -156,7 +162,8 @@ std::string SpectrumPlot::Description() const {
         text += " Cursor " + cursor->hertz;
         for (const std::string* part : {&cursor->dbfs, &cursor->dbc})
             if (!part->empty()) text += ", " + *part;
-        if (!cursor->kept.empty()) text += ", kept trace " + cursor->kept + " dBFS";
+        for (const std::string* level : {&cursor->kept, &cursor->keptSecond})
+            if (!level->empty()) text += ", kept trace " + *level + " dBFS";
         text += ".";
     }
     return text;

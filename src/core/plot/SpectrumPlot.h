@@ -46,9 +46,14 @@ public:
 
     void Show(Data data);
     const Data& Shown() const noexcept { return data_; }
-    // A trace to compare with; null removes it.
-    void Keep(std::shared_ptr<const SpectrumTrace> trace) { Assign(kept_, std::move(trace)); }
+    // Traces to compare with; null removes them. A second one needs a first one.
+    void Keep(std::shared_ptr<const SpectrumTrace> trace,
+              std::shared_ptr<const SpectrumTrace> second = nullptr) {
+        Assign(kept_, std::move(trace));
+        Assign(keptSecond_, std::move(second));
+    }
     const std::shared_ptr<const SpectrumTrace>& Kept() const noexcept { return kept_; }
+    const std::shared_ptr<const SpectrumTrace>& KeptSecond() const noexcept { return keptSecond_; }
 
     // The unit of the level axis. dBc without a fundamental is shown as dBFS.
     void SetUnit(PlotUnit unit) { Assign(unit_, unit); }
@@ -69,6 +74,7 @@ public:
         std::string dbc;                     // "-118.2 dBc"; empty without a fundamental
         std::string kept;                    // "-111.9" in dBFS; empty without a kept trace
         std::optional<double> plotted = {};  // level of the live trace at the plot
+        std::string keptSecond = {};         // the same of the second kept trace
     };
     // Empty without a cursor.
     std::optional<Readout> CursorReadout() const;
@@ -101,6 +107,7 @@ private:
 
     Data data_;
     std::shared_ptr<const SpectrumTrace> kept_;
+    std::shared_ptr<const SpectrumTrace> keptSecond_;
     PlotUnit unit_ = PlotUnit::kDbfs;
     PlotView view_;
     std::optional<double> cursorHz_;

@@ -9,6 +9,7 @@ namespace help_topic {
 inline constexpr std::int32_t kSoundDevices = 210;
 inline constexpr std::int32_t kSoundDeviceError = 305;
 inline constexpr std::int32_t kAnalyzer = 410;
+inline constexpr std::int32_t kHistory = 420;
 }  // namespace help_topic
 
 // The help file.

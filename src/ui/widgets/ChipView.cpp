@@ -88,13 +88,15 @@ QSize ChipView::sizeHint() const {
     return {words + kChipShapeWidth + kChipGap + 2 * kChipMargin, fontMetrics().height() + 6};
 }
 
-void ChipView::PaintShape(QPainter& painter, const QColor& ink) const {
+void ChipView::PaintShape(QPainter& painter, Kind kind, const QColor& ink) {
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(ink, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    if (kind_ != Kind::kSettling) {
-        painter.drawPath(ChipShape(kind_));
-        return;
-    }
+    painter.drawPath(ChipShape(kind));
+}
+
+void ChipView::PaintShape(QPainter& painter, const QColor& ink) const {
+    if (kind_ != Kind::kSettling) return PaintShape(painter, kind_, ink);
+    painter.setBrush(Qt::NoBrush);
     const QRectF ring(-5.0, -5.0, 10.0, 10.0);
     painter.setPen(QPen(Theme::Current().border, 2.4));
     painter.drawEllipse(ring);

@@ -20,6 +20,8 @@ public:
     void Show(Kind kind, const QString& text, double progress);
     // A filled chip has no frame but its whole ground in its colour, if it is a failure.
     void SetFilled(bool filled) { filled_ = filled; }
+    // Draws the shape of a state other than settling in a field of 12 x 12 around the origin.
+    static void PaintShape(QPainter& painter, Kind kind, const QColor& ink);
     QString Text() const { return text_; }
     Kind Shown() const noexcept { return kind_; }
 

@@ -53,7 +53,7 @@ void KeyButton::paintEvent(QPaintEvent* event) {
     const int textWidth = fontMetrics().size(Qt::TextShowMnemonic, text()).width();
     const int all = textWidth + kCapGap + CapWidth();
     const int left = (width() - all) / 2;
-    const bool filled = isDown() || isChecked();
+    const bool filled = isDown() || isChecked() || property("role") == "primary";
     painter.setPen(!isEnabled() ? theme.quiet : filled ? theme.onAccent : theme.text);
     painter.drawText(QRect(left, 0, textWidth, height()), Qt::AlignVCenter | Qt::TextShowMnemonic, text());
     painter.setFont(QuietFont(font()));

@@ -167,11 +167,16 @@ void PaintReadout(QPainter& painter, const QRectF& area, const SpectrumPlot& plo
     row.Add(TextOf(readout->hertz), fonts.figure, theme.text, kReadoutGap);
     row.Add(TextOf(readout->dbfs), fonts.figure, theme.text, kReadoutGap);
     row.Add(TextOf(readout->dbc), fonts.figure, theme.text, kReadoutGap);
-    if (readout->kept.empty()) return;
     QFont name = fonts.plain;
     name.setBold(true);
-    row.Add(TextOf(plot.Kept()->name).section(',', 0, 0), name, theme.second, kTextGap);
-    row.Add(TextOf(readout->kept), fonts.figure, theme.second, 0);
+    const auto add = [&](const std::shared_ptr<const SpectrumTrace>& trace, const std::string& level,
+                         const QColor& colour) {
+        if (level.empty()) return;
+        row.Add(TextOf(trace->name).section(',', 0, 0), name, colour, kTextGap);
+        row.Add(TextOf(level), fonts.figure, colour, kReadoutGap);
+    };
+    add(plot.Kept(), readout->kept, theme.second);
+    add(plot.KeptSecond(), readout->keptSecond, theme.third);
 }
 
 void PaintConditions(QPainter& painter, const QRectF& area, const SpectrumPlot& plot,
@@ -231,10 +236,13 @@ void SpectrumPainter::Prepare(Painted& painted, const std::shared_ptr<const Spec
 void SpectrumPainter::PaintTraces(QPainter& painter, const QRectF& area, const SpectrumPlot& plot) {
     const PixelArea pixels(painter, area);
     Prepare(kept_, plot.Kept(), plot.View().decades, pixels.Width());
+    Prepare(keptSecond_, plot.KeptSecond(), plot.View().decades, pixels.Width());
     Prepare(live_, plot.Shown().live, plot.View().decades, pixels.Width());
     const Theme& theme = Theme::Current();
     const PlotRange levels = LevelsInDbfs(plot);
     image_.Begin(pixels.Width(), pixels.Height());
+    DrawTrace(image_, keptSecond_.columns, levels,
+              {PixelColour(theme.third), kKeptWidth * pixels.scale, kKeptTint});
     DrawTrace(image_, kept_.columns, levels,
               {PixelColour(theme.second), kKeptWidth * pixels.scale, kKeptTint});
     DrawTrace(image_, live_.columns, levels,
@@ -250,7 +258,10 @@ void SpectrumPainter::PaintHarmonics(QPainter& painter, const QRectF& area, cons
     for (const SpectrumMarker& marker : plot.Shown().markers)
         marks.push_back({marker.order, marker.hertz, plot.Plotted(marker.levelDbfs)});
     const PlotSize size{area.width(), area.height(), metrics.horizontalAdvance('0'), metrics.height()};
-    const auto curve = HighestCurve(live_.columns, kept_.columns, LevelsInDbfs(plot), area.height());
+    std::vector<double> curve = HighestCurve(live_.columns, kept_.columns, LevelsInDbfs(plot), area.height());
+    const auto second = HighestCurve(keptSecond_.columns, {}, LevelsInDbfs(plot), area.height());
+    if (curve.size() < second.size()) curve.resize(second.size(), std::nan(""));
+    for (std::size_t i = 0; i < second.size(); ++i) curve[i] = std::fmin(curve[i], second[i]);
     const auto bound = [&](int order) {
         const auto& all = plot.Shown().markers;
         return std::find_if(all.begin(), all.end(), [&](const auto& m) { return m.order == order; })->bound;

@@ -45,6 +45,7 @@ private:
     TraceImage image_;
     Painted live_;
     Painted kept_;
+    Painted keptSecond_;
 };
 
 }  // namespace sonavex::ui

@@ -118,6 +118,19 @@ QListWidget { background: @card; color: @text; border: none; outline: none; }
 QListWidget::item { background: @stripe; border-radius: 4px; padding: 7px 5px; margin: 2px 0; }
 QListWidget::item:selected { background: @accent; color: @onAccent; }
 QListWidget:focus { border: 1px solid @accent; border-radius: 4px; }
+QTreeView, QTableWidget { background: @card; color: @text; border: none; outline: none; }
+QTreeView QLineEdit { padding: 1px 7px; }
+QTreeView QLineEdit:focus { padding: 0px 6px; }
+QHeaderView, QTreeView QHeaderView::section, QTableWidget QHeaderView::section, QTableWidget QTableCornerButton::section { background: @card; color: @quiet; border: none; }
+QTreeView QHeaderView::section { padding: 5px 10px; }
+QTableWidget QHeaderView::section { padding: 0 8px 0 0; }
+QTableWidget:focus { border: 1px solid @accent; }
+QTreeView QScrollBar:vertical { background: @card; width: 9px; margin: 0; border: none; }
+QTreeView QScrollBar::handle:vertical { background: @faint; border-radius: 4px; min-height: 24px; }
+QTreeView QScrollBar::add-line:vertical, QTreeView QScrollBar::sub-line:vertical { height: 0; }
+QTableWidget QScrollBar:horizontal { background: @card; height: 7px; margin: 0; border: none; }
+QTableWidget QScrollBar::handle:horizontal { background: @faint; border-radius: 3px; min-width: 24px; }
+QTableWidget QScrollBar::add-line:horizontal, QTableWidget QScrollBar::sub-line:horizontal { width: 0; }
 QSlider::groove:horizontal { background: @track; height: 6px; border-radius: 3px; }
 QSlider::sub-page:horizontal { background: @accent; border-radius: 3px; }
 QSlider::handle:horizontal { background: @accent; width: 14px; margin: -5px 0; border-radius: 8px; border: 1px solid @card; }

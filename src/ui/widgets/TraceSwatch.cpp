@@ -8,6 +8,7 @@ namespace sonavex::ui {
 QPen TraceSwatch::PenOf(const QString& trace) {
     const Theme& theme = Theme::Current();
     if (trace == "kept") return QPen(theme.second, 2.0);
+    if (trace == "keptSecond") return QPen(theme.third, 2.0);
     if (trace == "noise") return QPen(theme.text, 1.0, Qt::DashLine);
     if (trace == "harmonics") return QPen(theme.text, 2.0);
     return QPen(theme.accent, trace == "captured" ? 1.0 : 2.0);

@@ -39,7 +39,8 @@ class AnalyzeInWindow : public testing::TestWithParam<SameRecording> {
 protected:
     // What the window copies, by name; empty without a reading.
     std::string Copied(const RecordingFile& file) {
-        frmAnalyzer::Needs needs = AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files);
+        frmAnalyzer::Needs needs =
+            AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files, stored.history);
         needs.simulated = false;
         needs.version = SONAVEX_VERSION;
         frmAnalyzer form(needs);
@@ -57,6 +58,7 @@ protected:
     FormRig rig;
     InlineBackground background{rig.loop};
     SndfileFiles files;
+    HistoryInMemory stored{background};
     StateChip::Kind chip = StateChip::Kind::kOff;
     std::string mainFigure;
 };

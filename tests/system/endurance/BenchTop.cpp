@@ -52,7 +52,7 @@ void BenchTop::MakeForm() {
     form_->ShowDeviceDialog = [this] { ChooseDevices(); };
     UseFinePath(useFine_);
     if (!useAnalyzer_) return;
-    analyzer_.emplace(AnalyzerNeeds(*form_, loop, background_, dialogs, Recordings));
+    analyzer_.emplace(AnalyzerNeeds(*form_, loop, background_, dialogs, Recordings, history_.history));
     form_->BeforeShutdown = [this] { analyzer_->UnloadForNextStart(); };
 }
 

@@ -81,6 +81,7 @@ private:
     std::unique_ptr<frmMain> form_;
     bool useAnalyzer_ = false;
     InlineBackground background_{loop};
+    HistoryInMemory history_{background_};
     std::optional<frmAnalyzer> analyzer_;
     bool useFine_ = true;
     std::optional<FineUser> fine_;

@@ -11,6 +11,7 @@
 
 #include "support/QtWait.h"
 #include "ui/AnalyzerRig.h"
+#include "ui/StoredExamples.h"
 
 namespace sonavex {
 namespace {
@@ -96,7 +97,42 @@ void KeepRuns(AnalyzerRig& rig) {
     RunSweep(rig, "-95", 200s);
 }
 
+// The tab with the newest reading and an older one selected.
+void ShowHistory(AnalyzerRig& rig) {
+    rig.Play(1s);
+    StoreExamples(rig);
+    rig.Find<QTabWidget>("Tabs").setCurrentIndex(2);
+    rig.Play(100ms);
+    HistoryList& list = rig.form.History.List;
+    list.UserSelects({list.Rows()[1].id});
+    Settle();
+}
+
+void CompareInHistory(AnalyzerRig& rig) {
+    ShowHistory(rig);
+    HistoryList& list = rig.form.History.List;
+    list.UserSelects({list.Rows()[1].id, list.Rows()[4].id});
+    Settle();
+}
+
+void ShowTwoTraces(AnalyzerRig& rig) {
+    CompareInHistory(rig);
+    rig.form.History.cmdCompare.Press();
+    PlaySine(rig, 8s);
+    rig.form.Spectrum.UserClicks(0.68, 0.02);
+}
+
 const AnalyzerScene kAnalyzerScenes[] = {
+    {"history", kUsual, ShowHistory},
+    {"history-empty", kUsual,
+     [](AnalyzerRig& rig) {
+         rig.Find<QTabWidget>("Tabs").setCurrentIndex(2);
+         rig.Play(100ms);
+     }},
+    {"history-compared", kUsual, CompareInHistory},
+    {"history-compared-small", kSmallest, CompareInHistory},
+    {"history-traces", kUsual, ShowTwoTraces},
+    {"history-traces-small", kSmallest, ShowTwoTraces},
     {"sweep-kept", kUsual, KeepRuns},
     {"sweep-running", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 20s); }},
     {"sweep-passed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 200s); }},

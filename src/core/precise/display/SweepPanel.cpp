@@ -107,7 +107,7 @@ void SweepPanel::Keep() {
     if (present_.results.empty()) return;
     const std::string others = OtherValuesText(present_.file.plan, present_.points);
     const std::string name = name_ + ", " + others;
-    if (events_.kept) events_.kept(present_, name);
+    if (events_.kept) events_.kept(present_);
     Kept.Add(present_, name);
 }
 
@@ -137,6 +137,12 @@ void SweepPanel::TakeState() {
 
 void SweepPanel::Cancel() {
     if (run_) run_->Cancel();
+}
+
+void SweepPanel::Interrupt() {
+    if (!Active()) return;
+    Cancel();
+    if (events_.kept && !present_.results.empty()) events_.kept(present_);
 }
 
 // A new limit judges the present and the kept runs again.

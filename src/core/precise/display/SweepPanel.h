@@ -42,8 +42,8 @@ public:
         std::function<RunPlan()> conditions;  // what the settings of the spectrum choose
         std::function<void()> begins;         // before the run takes the measurement
         std::function<void()> ended;          // the measurement is free
-        // A run to be stored, and its name. May be empty.
-        std::function<void(const MeasuredRun& run, const std::string& name)> kept;
+        // A run to be stored: that the user keeps, or that the end of the form interrupts. May be empty.
+        std::function<void(const MeasuredRun& run)> kept;
     };
 
     SweepPanel(const Needs& needs, Events events);
@@ -58,6 +58,8 @@ public:
     ChipState Chip() const;
     // Ends a run and keeps what was measured.
     void Cancel();
+    // The same, and stores it: it can be continued from there.
+    void Interrupt();
     // Ends a run for good: the measurement is not used any more.
     void Close() { run_.reset(); }
     // The run to which verdict, values and exports belong; without points if there is none.

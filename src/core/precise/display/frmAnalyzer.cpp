@@ -4,6 +4,9 @@
 #include <array>
 #include <utility>
 
+#include "core/history/ReadingValues.h"
+#include "core/precise/display/RunEntry.h"
+#include "core/run/StoredRun.h"
 #include "core/stimulus/StimulusPlan.h"
 #include "core/text/Decimals.h"
 
@@ -66,7 +69,8 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
              [this] {
                  if (timer_ != 0) Measure(Play::kKeep);
              },
-             {}}),
+             [this](const MeasuredRun& run) { StoreRun(run); }}),
+      History({needs.history, needs.dialogs, needs.files, needs.now}),
       needs_(needs),
       measurement_({needs.loop, needs.instrument, needs.background, &needs.generatorPanel}),
       calibrations_(needs.instrument.Settings) {
@@ -93,6 +97,7 @@ void frmAnalyzer::HandleControls() {
     cmdRemoveKept.Click.Handle([this] {
         Spectrum.Keep(nullptr);
         lblLegendKept.SetCaption("");
+        lblLegendKeptSecond.SetCaption("");
     });
     cmdHold.Click.Handle([this] {
         if (held_)
@@ -104,6 +109,16 @@ void frmAnalyzer::HandleControls() {
     cmdKeep.Click.Handle([this] { KeepTrace(); });
     mnuKeepReference.Click.Handle([this] { KeepReading(reference_); });
     mnuKeepIdle.Click.Handle([this] { KeepReading(idle_); });
+    mnuStoreReading.Click.Handle([this] { StoreReading(); });
+    History.OnShowTraces = [this](const std::vector<std::shared_ptr<const SpectrumTrace>>& traces) {
+        ShowTraces(traces);
+    };
+    History.OnOpenRun = [this](const std::string& details, const HistoryEntry& entry) {
+        OpenRun(details, entry);
+    };
+    History.OnCopy = [this](const std::string& text) {
+        if (OnCopy) OnCopy(text);
+    };
     cmdExport.Click.Handle([this] { Export(); });
     cmdCopy.Click.Handle([this] {
         if (OnCopy && result_) OnCopy(CopiedText(Exported()));
@@ -179,7 +194,7 @@ void frmAnalyzer::Form_QueryUnload() {
     Recording.OnChanged = {};
     Recording.Close();
     HandleRecording();
-    Sweep.Cancel();
+    Sweep.Interrupt();
     measurement_.Stop();
     SetHeld(false);
     ClearFigures();
@@ -405,7 +420,7 @@ void frmAnalyzer::ClearFigures() {
     result_.reset();
     live_.reset();
     if (calibrate_ != nullptr) calibrate_->ShowInputLevel(std::nullopt);
-    Readings.Clear(lastValid_.empty() ? std::string() : "last valid " + lastValid_);
+    Readings.Clear(LastValidText());
     SpectrumPlot::Data data;
     if (rateHz_ > 0) data.rateHz = rateHz_;
     Spectrum.Show(data);
@@ -451,7 +466,10 @@ void frmAnalyzer::Take(AnalyzerResult result) {
     resultTime_ = needs_.now();
     const Reading& reading = result_->reading.reading;
     const ChipState chip = ChipOf(*result_, Analysis.Averages());
-    if (chip.kind == StateChip::Kind::kValid && !result_->recording) lastValid_ = TimeOfDay(resultTime_);
+    if (chip.kind == StateChip::Kind::kValid && !result_->recording) {
+        lastValid_ = TimeOfDay(resultTime_);
+        lastValidId_.clear();
+    }
     if (reading.Valid())
         Readings.Show(result_->reading, {.mode = result_->mode,
                                          .weighting = Analysis.Weighting(),
@@ -459,7 +477,7 @@ void frmAnalyzer::Take(AnalyzerResult result) {
                                          .settling = chip.kind == StateChip::Kind::kSettling,
                                          .quiet = chip.kind != StateChip::Kind::kValid});
     else
-        Readings.Clear(lastValid_.empty() ? std::string() : "last valid " + lastValid_);
+        Readings.Clear(LastValidText());
     ShowChip(chip);
     ShowAverages(result_->recording ? Analysis.Averages() : reading.blocks);
     ShowPlots();
@@ -502,7 +520,55 @@ void frmAnalyzer::KeepTrace() {
     auto kept = std::make_shared<SpectrumTrace>(*live_);
     kept->name = "A, " + TimeOfDay(resultTime_).substr(0, 5);
     lblLegendKept.SetCaption(kept->name);
+    lblLegendKeptSecond.SetCaption("");
     Spectrum.Keep(std::move(kept));
+    StoreReading();
+}
+
+// A void reading is stored without figures and without a curve.
+void frmAnalyzer::StoreReading() {
+    if (!result_) {
+        needs_.dialogs.Message("There is no reading to store.", MessageIcon::kInformation);
+        return;
+    }
+    const ExportedMeasurement measurement = Exported();
+    const Reading& reading = result_->reading.reading;
+    const StateChip::Kind state = ChipOf(*result_, Analysis.Averages()).kind;
+    HistoryEntry entry = EntryOf(measurement);
+    if (state == StateChip::Kind::kSettling)
+        entry.reason = std::to_string(reading.blocks) + " of " + std::to_string(Analysis.Averages()) +
+                       " averages" + (entry.reason.empty() ? "" : "; " + entry.reason);
+    const HistoryCurve curve =
+        reading.Valid() ? HistoryCurve::Of(result_->spectrum, result_->independentSpectra) : HistoryCurve();
+    const std::string id = History.Store(entry, DetailsOf(measurement.reading), curve);
+    if (state == StateChip::Kind::kValid && !result_->recording) lastValidId_ = id;
+}
+
+void frmAnalyzer::StoreRun(const MeasuredRun& run) {
+    History.Store(EntryOf(run, DateAndTime(needs_.now())), StoredRunText(run), {});
+}
+
+void frmAnalyzer::OpenRun(const std::string& details, const HistoryEntry& entry) {
+    try {
+        Sweep.Open(ParseStoredRun(details), entry.note.empty() ? entry.time : entry.note);
+    } catch (const RunError& error) {
+        needs_.dialogs.Message(error.what(), MessageIcon::kCritical);
+        return;
+    }
+    if (ShowTab) ShowTab(Tab::kSweep);
+}
+
+std::string frmAnalyzer::LastValidText() const {
+    if (lastValid_.empty()) return {};
+    return "last valid " + lastValid_ + (History.Contains(lastValidId_) ? ", in History" : "");
+}
+
+void frmAnalyzer::ShowTraces(const std::vector<std::shared_ptr<const SpectrumTrace>>& traces) {
+    const std::shared_ptr<const SpectrumTrace> second = traces.size() > 1 ? traces[1] : nullptr;
+    lblLegendKept.SetCaption(traces.front()->name);
+    lblLegendKeptSecond.SetCaption(second ? second->name : std::string());
+    Spectrum.Keep(traces.front(), second);
+    if (ShowTab) ShowTab(Tab::kSpectrum);
 }
 
 // Of the validity rules: a loop-back reading, or one with the generator off.

@@ -14,6 +14,8 @@
 #include "core/controls/Controls.h"
 #include "core/controls/ModelessForm.h"
 #include "core/generator/GeneratorPanel.h"
+#include "core/history/History.h"
+#include "core/history/display/HistoryPanel.h"
 #include "core/plot/SpectrumPlot.h"
 #include "core/plot/WavePlot.h"
 #include "core/ports/Background.h"
@@ -47,6 +49,7 @@ public:
         Dialogs& dialogs;
         const MeasurementFiles& files;
         GeneratorPanel& generatorPanel;
+        sonavex::History& history;
         // Of the main form: the devices, their bits, a note on the path, and why nothing is being measured.
         const Label& lblInput;
         const Label& lblOutput;
@@ -92,10 +95,12 @@ public:
     ReadingsPanel Readings;
     RecordingPanel Recording;
     SweepPanel Sweep;
+    HistoryPanel History;
     SpectrumPlot Spectrum;
     WavePlot Waves;
     Label lblLegendLive;
     Label lblLegendKept;  // empty without a kept trace
+    Label lblLegendKeptSecond;
     CommandButton cmdFit;
     CommandButton cmdRemoveKept;
     ComboBox cmbPlotUnit;   // dBFS, dBc
@@ -105,6 +110,7 @@ public:
     CommandButton cmdKeep;
     MenuItem mnuKeepReference;
     MenuItem mnuKeepIdle;
+    MenuItem mnuStoreReading;  // in the history, without keeping the trace
     CommandButton cmdExport;
     CommandButton cmdCopy;
     ProgressBar prgAverages{1.0F};
@@ -119,6 +125,9 @@ public:
     std::function<std::optional<ExportTarget>(const ExportedMeasurement& measurement)> AskForExport;
     // Draws the plot with these lines below it: the content of a file of this kind.
     std::function<std::string(ExportKind kind, const std::vector<std::string>& conditions)> DrawPlot;
+    enum class Tab { kSpectrum, kSweep, kHistory };
+    // Brings a tab to the front.
+    std::function<void(Tab tab)> ShowTab;
     // What Copy puts on the clipboard.
     std::function<void(const std::string& text)> OnCopy;
     // Shows the loaded dialog and returns when it has closed.
@@ -172,6 +181,11 @@ private:
     void SetHeld(bool held);
     void Single();
     void KeepTrace();
+    void StoreReading();
+    void StoreRun(const MeasuredRun& run);
+    void OpenRun(const std::string& details, const HistoryEntry& entry);
+    void ShowTraces(const std::vector<std::shared_ptr<const SpectrumTrace>>& traces);
+    std::string LastValidText() const;
     // A reading that is kept for the rules of validity, with the conditions under which they compare it.
     struct KeptReading {
         SavedReading reading;
@@ -207,7 +221,8 @@ private:
     PreciseMode mode_ = PreciseMode::kTone;
     std::optional<AnalyzerResult> result_;  // empty after a change and while nothing arrives
     DateTime resultTime_;
-    std::string lastValid_;  // time of day
+    std::string lastValid_;    // time of day
+    std::string lastValidId_;  // in the history; empty unless it was stored
     std::shared_ptr<const SpectrumTrace> live_;
     std::optional<KeptReading> reference_;
     std::optional<KeptReading> idle_;

@@ -57,7 +57,8 @@ protected:
     FormRig rig;
     InlineBackground background{rig.loop};
     MemoryFiles files;
-    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)};
+    HistoryInMemory history{background};
+    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files, history.history)};
     SweepPanel& sweep = form.Sweep;
 };
 
@@ -376,6 +377,37 @@ TEST_F(SweepPanels, OpensAStoredRunThatCanBeContinued) {
     ASSERT_TRUE(Ends());
     EXPECT_EQ(sweep.Present().results.size(), 3U);
     EXPECT_TRUE(sweep.Present().results[2].afterLoss);
+}
+
+TEST_F(SweepPanels, AKeptRunIsStoredAndOpensAgain) {
+    sweep.Setup.chkLimit.UserSets(true);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    sweep.cmdKeep.Press();
+    ASSERT_THAT(form.History.List.Rows(), testing::Not(testing::IsEmpty()));
+    ASSERT_EQ(history.history.Entries().size(), 1U);
+    const HistoryEntry& entry = history.history.Entries()[0];
+    EXPECT_EQ(entry.kind, HistoryKind::kRun);
+    EXPECT_EQ(entry.state, HistoryState::kPass);
+    EXPECT_EQ(entry.time, "2026-11-23 10:42:07");
+    ASSERT_EQ(entry.figures.size(), 2U);
+    EXPECT_NEAR(*entry.figures[0].value.value, -102.5, 1.0);
+    sweep.cmdClear.Press();
+    form.History.OnOpenRun(history.history.Details(entry.id)->json, entry);
+    EXPECT_EQ(sweep.Present().results.size(), 3U);
+    EXPECT_EQ(sweep.Verdict.Text(), "PASS");
+    form.History.OnOpenRun("{}", entry);
+    EXPECT_THAT(rig.log.Lines(), testing::Contains(HasSubstr("The stored run: run is missing.")));
+}
+
+TEST_F(SweepPanels, TheEndOfTheFormStoresAnInterruptedRun) {
+    sweep.cmdStart.Press();
+    for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
+    form.Unload();
+    ASSERT_EQ(history.history.Entries().size(), 1U);
+    EXPECT_EQ(history.history.Entries()[0].state, HistoryState::kNotComplete);
+    EXPECT_EQ(ParseStoredRun(history.history.Details(history.history.Entries()[0].id)->json).results.size(),
+              1U);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "core/history/HistoryView.h"
 #include "core/precise/display/frmAnalyzer.h"
 #include "support/AnalyzerNeeds.h"
 #include "support/FormRig.h"
@@ -82,7 +83,8 @@ protected:
     FormRig rig;
     InlineBackground background{rig.loop};
     MemoryFiles files;
-    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files)};
+    HistoryInMemory stored{background};
+    frmAnalyzer form{AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files, stored.history)};
 };
 
 TEST_F(frmAnalyzerTest, SettlesAndThenShowsAValidReading) {
@@ -217,6 +219,59 @@ TEST_F(frmAnalyzerTest, KeepsATraceUntilItIsRemoved) {
     form.cmdRemoveKept.Press();
     EXPECT_EQ(form.Spectrum.Kept(), nullptr);
     EXPECT_EQ(form.lblLegendKept.Caption(), "");
+}
+
+TEST_F(frmAnalyzerTest, StoresTheReadingWithTheKeptTrace) {
+    form.Show();
+    form.mnuStoreReading.UserChooses();
+    EXPECT_EQ(rig.log.Count("Message"), 1U) << "there is no reading yet";
+    EXPECT_TRUE(stored.history.Entries().empty());
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.cmdKeep.Press();
+    form.mnuStoreReading.UserChooses();
+    ASSERT_EQ(stored.history.Entries().size(), 2U);
+    const HistoryEntry& entry = stored.history.Entries().front();
+    EXPECT_EQ(entry.state, HistoryState::kValid);
+    EXPECT_EQ(entry.time, "2026-11-23 10:42:07");
+    EXPECT_EQ(FigureOf(entry, "thd_db", 2), form.Readings.lblThd.Caption());
+    const auto details = stored.history.Details(entry.id);
+    ASSERT_TRUE(details);
+    EXPECT_GT(details->curve.levelsDbfs.size(), 600U);
+    EXPECT_LE(details->curve.levelsDbfs.size(), HistoryCurve::kMostColumns);
+}
+
+TEST_F(frmAnalyzerTest, NamesTheLastValidReadingWithTheHistoryOnlyIfItIsStored) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.cmdHold.Press();
+    form.mnuStoreReading.UserChooses();
+    form.cmdHold.Press();
+    EXPECT_EQ(form.Readings.lblThdSpread.Caption(), "last valid 10:42:07, in History");
+    stored.history.Delete(stored.history.Entries().front().id);
+    form.Stimulus.cmdStart.Press();
+    EXPECT_EQ(form.Readings.lblThdSpread.Caption(), "last valid 10:42:07");
+}
+
+TEST_F(frmAnalyzerTest, ShowsTwoStoredReadingsAsKeptTraces) {
+    form.Show();
+    form.Stimulus.cmdStart.Press();
+    ASSERT_TRUE(Becomes(Kind::kValid));
+    form.mnuStoreReading.UserChooses();
+    form.mnuStoreReading.UserChooses();
+    std::optional<frmAnalyzer::Tab> front;
+    form.ShowTab = [&front](frmAnalyzer::Tab tab) { front = tab; };
+    const auto& rows = form.History.List.Rows();
+    ASSERT_EQ(rows.size(), 3U);
+    form.History.List.UserSelects({rows[1].id, rows[2].id});
+    form.History.cmdCompare.Press();
+    EXPECT_EQ(front, frmAnalyzer::Tab::kSpectrum);
+    ASSERT_NE(form.Spectrum.KeptSecond(), nullptr);
+    EXPECT_EQ(form.lblLegendKeptSecond.Caption(), "10:42:07");
+    form.cmdKeep.Press();
+    EXPECT_EQ(form.Spectrum.KeptSecond(), nullptr);
+    EXPECT_EQ(form.lblLegendKeptSecond.Caption(), "");
 }
 
 TEST_F(frmAnalyzerTest, ARecordingTakesThePlaceOfTheDevices) {
