@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "app/measure/MeasureError.h"
+#include "core/ports/SoundErrors.h"
+#include "core/support/RuntimeError.h"
 
 namespace sonavex::measure {
 namespace {
@@ -60,7 +62,7 @@ void LiveRun::Run(const std::function<void(const RunPointResult&)>& onPoint,
         onProgress();
         CheckPause();
         if (end_.Noted()) measured_.Cancel();
-        sound_.Loop().Wait(kRunPoll);
+        Wait();
     }
     WaitForEnd();
     if (trouble_.empty()) trouble_ = measured_.Trouble();
@@ -83,7 +85,17 @@ void LiveRun::RequireSameDevices() const {
 void LiveRun::WaitForPlayback() {
     while (sound_.Parts().Engine.PlaybackStarts == 0 && !end_.Noted()) {
         sound_.CheckAlive();
+        Wait();
+    }
+}
+
+// A block that arrives before the loss of its device is reported finds the device lost.
+void LiveRun::Wait() {
+    try {
         sound_.Loop().Wait(kRunPoll);
+    } catch (const RuntimeError& error) {
+        if (error.Number() != sound_error::kBufferLost) throw;
+        sound_.Parts().Watch.DeviceLost(error);
     }
 }
 
@@ -97,7 +109,7 @@ void LiveRun::CheckPause() {
 
 void LiveRun::WaitForEnd() {
     const std::chrono::nanoseconds limit = sound_.Loop().Now() + kLongestRamp;
-    while (measured_.Active() && sound_.Loop().Now() < limit) sound_.Loop().Wait(kRunPoll);
+    while (measured_.Active() && sound_.Loop().Now() < limit) Wait();
 }
 
 RunConditions LiveRun::Conditions() const {

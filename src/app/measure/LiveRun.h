@@ -38,6 +38,7 @@ private:
     void WaitForPlayback();
     void Begin();
     void RequireSameDevices() const;
+    void Wait();
     void CheckPause();
     void WaitForEnd();
 
