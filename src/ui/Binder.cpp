@@ -85,7 +85,7 @@ void Binder::CompleteEntries() {
 void Binder::ShowEntriesBeforeSteps(NotchSlider& slider) {
     connect(&slider, &NotchSlider::AboutToStep, this, [this] {
         CompleteEntries();
-        if (timer_.isActive()) Flush();
+        FlushPending();
     });
 }
 

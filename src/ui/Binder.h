@@ -105,6 +105,10 @@ public:
 
     // Shows all changes. Runs automatically after each event; call it once after binding.
     void Flush();
+    // Shows changes that wait for the end of the interval.
+    void FlushPending() {
+        if (timer_.isActive()) Flush();
+    }
 
     struct Pair {
         QObject* widget;

@@ -180,6 +180,11 @@ void MainWindow::ShowPlaced() {
     show();
 }
 
+bool MainWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowBlocked) binder_.FlushPending();
+    return QMainWindow::event(event);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
     // The form ends the program when its shutdown is complete.
     event->ignore();

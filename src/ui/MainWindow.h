@@ -47,6 +47,8 @@ public:
     const Binder& Bindings() const noexcept { return binder_; }
 
 protected:
+    // A dialog must not stay in front of readings that are not true any more.
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
 
