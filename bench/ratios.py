@@ -25,6 +25,8 @@ IMAGE_TARGETS_US = {"BM_SpectrumImage65536/100": 2000.0, "BM_SpectrumImage65536/
 # Ten thousand readings with curves; the files come from the disk cache in addition.
 HISTORY_TARGETS_US = {"BM_OpenHistory10000": 1e6}
 START_MS = 300.0
+# A point of a run by the length of a record, in virtual time: its time without the path, relative to two records.
+RUN_TARGETS = {"BM_RunPoint/32768": 1.3, "BM_RunPoint/65536": 1.3}
 
 MICROSECONDS = {"ns": 1e-3, "us": 1.0, "ms": 1e3}
 
@@ -41,6 +43,13 @@ def medians(file):
         result[name] = time * MICROSECONDS[entry["time_unit"]]
     # The benchmarks ran in shuffled order.
     return dict(sorted(result.items()))
+
+
+def run_rows(file):
+    found = {entry["run_name"].split("/iterations:")[0]: entry["ratio"]
+             for entry in json.loads(file.read_text())["benchmarks"] if entry.get("aggregate_name") == "median"
+             if "ratio" in entry}
+    return [rated(name, found[name], "x", target) for name, target in RUN_TARGETS.items()]
 
 
 def rated(name, value, unit, target):
@@ -102,7 +111,8 @@ def main(folder):
         "blockSse2": ratio_rows(sse2, SSE2_ALLOWANCE),
         "analyzer": analyzer_rows(block),
         "shares": share_rows(block),
-        "parts": time_rows({n: t for n, t in block.items() if not n.startswith(("BM_Block", "BM_Analyze"))},
+        "run": run_rows(folder / "block.json"),
+        "parts": time_rows({n: t for n, t in block.items() if not n.startswith(("BM_Block", "BM_Analyze", "BM_Run"))},
                            IMAGE_TARGETS_US | HISTORY_TARGETS_US),
         **{f"window{scale}": time_rows(medians(folder / f"window{scale}.json"), targets)
            for scale, targets in WINDOW_TARGETS_US.items()},
@@ -112,6 +122,7 @@ def main(folder):
         "block": f"Block path / (2 x BM_Fft4096 = {2 * block['BM_Fft4096']:.2f} us)",
         "blockSse2": f"The same with SSE2 kernels / (2 x BM_Fft4096 = {2 * sse2['BM_Fft4096']:.2f} us)",
         "analyzer": f"Precise reading / (BM_RealFft65536 = {block['BM_RealFft65536']:.2f} us)",
+        "run": "Point of a run without the path, in virtual time / two records",
         "parts": "Parts",
         "shares": "Share of a core that readings of 65536 points take at 48 kHz, with 20 and with 10 lines",
         **{f"window{scale}": f"Windows at {scale} % scale: captions, layout and painting"

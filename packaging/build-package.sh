@@ -6,7 +6,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/../tools/build.sh"
 cd "$root"
 
 tools/install-dependencies.sh
-build_preset release sonavex sonavex-measure sonavex-help sonavex-packaging
+build_preset release sonavex sonavex-measure sonavex-plot sonavex-help sonavex-packaging
 rm -f build/release/*.deb
 if ! cpack --config build/release/CPackConfig.cmake -B build/release >build/package.log 2>&1; then
     cat build/package.log >&2

@@ -12,7 +12,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
 
 # Limits for one input, the largest number of merged inputs, and the exit status of an interrupted libFuzzer.
 readonly input_seconds=60 memory_mb=2048 kept_inputs=60 interrupted=72
-declare -A longest=([tone-line]=256 [stimulus]=256 [run]=2048 [limit-table]=512 [mixer-state]=1024 [settings]=2048 [typing]=600 [wav]=8192 [analyze]=12288 [help]=16384 [history]=8192)
+declare -A longest=([tone-line]=256 [stimulus]=256 [run]=2048 [limit-table]=512 [mixer-state]=1024 [settings]=2048 [typing]=600 [wav]=8192 [analyze]=12288 [help]=16384 [history]=8192 [stored-run]=8192)
 work="$root/build/fuzz/work"
 findings="$root/build/fuzz/findings"
 merge=
@@ -27,7 +27,7 @@ if [[ ! $seconds =~ ^[0-9]+$ ]]; then
     exit 2
 fi
 targets=("${@:2}")
-((${#targets[@]})) || targets=(tone-line stimulus run limit-table mixer-state settings typing wav analyze help history)
+((${#targets[@]})) || targets=(tone-line stimulus run limit-table mixer-state settings typing wav analyze help history stored-run)
 seed="${SEED:-$((RANDOM * 32768 + RANDOM + 1))}"
 
 for target in "${targets[@]}"; do

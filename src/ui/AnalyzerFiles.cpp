@@ -11,6 +11,7 @@
 #include "ui/AnalyzerWindow.h"
 #include "ui/CalibrateDialog.h"
 #include "ui/PlotPicture.h"
+#include "ui/RunPicture.h"
 #include "ui/widgets/TraceSwatch.h"
 #include "ui_frmAnalyzer.h"
 
@@ -43,6 +44,9 @@ void AnalyzerWindow::ConnectFiles() {
     };
     form_.Sweep.AskForExport = [this] { return AskForRunFile(); };
     form_.History.AskForExport = [this] { return AskForHistoryFile(); };
+    form_.Sweep.DrawRun = [](ExportKind kind, const MeasuredRun& run, const std::vector<std::string>& lines) {
+        return RunPicture(kind, run, lines);
+    };
     form_.Sweep.Setup.AskForTable = [this] { return AskForLimit(); };
     form_.Sweep.Setup.AskForLine = [this](const std::string& table) { return AskForLine(table); };
     form_.OnCopy = [](const std::string& text) {
@@ -82,19 +86,33 @@ std::string AnalyzerWindow::AskForRecording() {
 }
 
 std::optional<SweepPanel::ExportTarget> AnalyzerWindow::AskForRunFile() {
-    const QString csv = tr("Run as CSV (*.csv)");
+    struct RunFormat {
+        SweepPanel::Format format;
+        QString filter;
+        const char* suffix;
+    };
+    using Format = SweepPanel::Format;
+    const RunFormat formats[] = {{Format::kPicture, tr("Picture (*.png)"), "png"},
+                                 {Format::kPdf, tr("Picture (*.pdf)"), "pdf"},
+                                 {Format::kCsv, tr("Points as CSV (*.csv)"), "csv"},
+                                 {Format::kLines, tr("Points as JSON lines (*.jsonl)"), "jsonl"},
+                                 {Format::kRun, tr("Whole run as JSON (*.json)"), "json"}};
+    QStringList filters;
+    for (const RunFormat& format : formats) filters.append(format.filter);
     QFileDialog dialog(this, tr("Export"), QString::fromStdString(folder_));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setNameFilters({csv, tr("Run as JSON lines (*.jsonl)")});
-    const auto asCsv = [&] { return dialog.selectedNameFilter() == csv; };
-    const auto follow = [&] { dialog.setDefaultSuffix(asCsv() ? "csv" : "jsonl"); };
+    dialog.setNameFilters(filters);
+    const auto chosen = [&]() -> const RunFormat& {
+        return formats[std::max<qsizetype>(filters.indexOf(dialog.selectedNameFilter()), 0)];
+    };
+    const auto follow = [&] { dialog.setDefaultSuffix(chosen().suffix); };
     connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
     follow();
     Wait(dialog);
     if (dialog.result() != QDialog::Accepted) return std::nullopt;
     folder_ = dialog.directory().path().toStdString();
-    return SweepPanel::ExportTarget{dialog.selectedFiles().value(0).toStdString(), asCsv()};
+    return SweepPanel::ExportTarget{dialog.selectedFiles().value(0).toStdString(), chosen().format};
 }
 
 std::string AnalyzerWindow::AskForHistoryFile() {

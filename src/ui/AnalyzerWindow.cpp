@@ -119,6 +119,7 @@ AnalyzerWindow::~AnalyzerWindow() {
     form_.Sweep.AskForExport = {};
     form_.History.AskForExport = {};
     form_.ShowTab = {};
+    form_.Sweep.DrawRun = {};
     form_.Sweep.Setup.AskForTable = {};
     form_.Sweep.Setup.AskForLine = {};
 }

@@ -328,6 +328,10 @@ void SweepPage::MakeButtons(QBoxLayout& column) {
     row->addWidget(clear);
     binder_.Bind(*clear, panel_.cmdClear);
     row->addStretch(1);
+    auto* const print = new QPushButton(this);
+    print->setObjectName("cmdPrintRun");
+    row->addWidget(print);
+    binder_.Bind(*print, panel_.cmdPrint);
     auto* const exported = new KeyButton(this);
     exported->SetKeyCap("Ctrl+E");
     auto* const copied = new KeyButton(this);

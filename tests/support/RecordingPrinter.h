@@ -43,6 +43,11 @@ public:
         items.push_back(place + std::string(text));
         if (items.size() == failAtItem) throw RuntimeError(kPrinterError, "Out of paper");
     }
+    void Picture(double x, double y, double width, std::string_view png) override {
+        char place[60];
+        std::snprintf(place, sizeof place, "%.2f %.2f picture %.2f ", x, y, width);
+        items.push_back(place + std::string(png));
+    }
     void EndDoc() override {
         log_.Call("EndDoc");
         if (failAtItem != 0 && items.size() == failAtItem) throw RuntimeError(kPrinterError, "Out of paper");

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "app/measure/MeasureError.h"
+
 namespace sonavex::measure {
 namespace {
 
@@ -15,11 +17,13 @@ constexpr auto kLongestRamp = 3s;
 // A device that is lost during a run may return.
 constexpr StreamWatch::Policy kRecover{.firstBlock = 2500ms, .recover = true};
 
-RunOptions DevicesOf(const SweepOptions& sweep) {
+RunOptions DevicesOf(const SweepOptions& sweep, const MeasuredRun& run) {
     RunOptions options;
     options.input = sweep.input;
     options.output = sweep.output;
     options.rateHz = sweep.rateHz;
+    if (!sweep.rateHz && !run.results.empty())
+        options.rateHz = static_cast<std::int32_t>(run.conditions.rateHz);
     return options;
 }
 
@@ -29,22 +33,28 @@ std::size_t CheckedPoints(const RunFile& run, double rateHz) {
     return points.size();
 }
 
+void RequireSame(const char* direction, const std::string& present, const std::string& former) {
+    if (present != former)
+        throw MeasureError("The " + std::string(direction) + " of the run is '" + former + "', not '" +
+                           present + "'.");
+}
+
 }  // namespace
 
-LiveRun::LiveRun(const SweepOptions& options, RunFile run)
+LiveRun::LiveRun(const SweepOptions& options, MeasuredRun run)
     : run_(std::move(run)),
-      sound_(DevicesOf(options), kRecover),
+      sound_(DevicesOf(options, run_), kRecover),
       background_(sound_.Loop()),
       measurement_({sound_.Loop(), sound_.Parts(), background_}),
       measured_({sound_.Loop(), sound_.Parts(), measurement_}),
-      points_(CheckedPoints(run_, sound_.Parts().Shared.SampleRate)) {}
+      points_(CheckedPoints(run_.file, sound_.Parts().Shared.SampleRate)) {}
 
 void LiveRun::Run(const std::function<void(const RunPointResult&)>& onPoint,
                   const std::function<void()>& onProgress) {
     sound_.Start();
     WaitForPlayback();
     measured_.OnPoint = onPoint;
-    if (!end_.Noted()) measured_.Start(run_.plan);
+    if (!end_.Noted()) Begin();
     ran_ = sound_.Loop().Now();
     while (measured_.Active() && measured_.Now() != sonavex::RunMeasurement::State::kEnding) {
         onProgress();
@@ -55,6 +65,18 @@ void LiveRun::Run(const std::function<void(const RunPointResult&)>& onPoint,
     WaitForEnd();
     if (trouble_.empty()) trouble_ = measured_.Trouble();
     sound_.Stop();
+}
+
+void LiveRun::Begin() {
+    if (run_.results.empty()) return measured_.Start(run_.file.plan);
+    RequireSameDevices();
+    measured_.Continue(run_);
+}
+
+void LiveRun::RequireSameDevices() const {
+    const StreamDetails present = sound_.Details();
+    RequireSame("input", present.input, run_.conditions.stream->input);
+    RequireSame("output", present.output, run_.conditions.stream->output);
 }
 
 // A device that fails before the run has begun is an error.

@@ -1,15 +1,23 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <utility>
 
 #include "app/measure/Commands.h"
 #include "app/measure/LiveRun.h"
 #include "app/measure/MeasureError.h"
+#include "app/measure/PlotProgram.h"
 #include "app/measure/Readings.h"
 #include "app/measure/SweepLimits.h"
+#include "core/run/RunLines.h"
+#include "core/run/StoredRun.h"
+#include "core/text/Dates.h"
 #include "core/text/Decimals.h"
+#include "platform/plain/LocalTime.h"
 #include "platform/sndfile/SndfileFiles.h"
 
 namespace sonavex::measure {
@@ -17,12 +25,42 @@ namespace {
 
 constexpr const char* kClearRunLine = "\r\033[K";
 
-RunFile RunOf(const SweepOptions& options) {
-    RunFile run;
-    run.plan = options.plan;
-    if (!options.file.empty()) run = ParseRunFile(TextOfFile("run", options.file));
-    for (const std::string& limit : options.limits) run.limits.push_back(LimitOf(limit));
+// The lines of an earlier program, with a note about those that it could not finish.
+MeasuredRun ContinuedRun(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (!file.is_open() || file.bad() || text.empty())
+        throw MeasureError("The run '" + path + "' cannot be read.");
+    RunLines lines;
+    try {
+        lines = ReadRunLines(text);
+    } catch (const RunError& error) {
+        throw MeasureError("The run '" + path + "' cannot be continued: " + error.what());
+    }
+    if (lines.skipped > 0)
+        std::cerr << lines.skipped << (lines.skipped == 1 ? " line" : " lines") << " of '" << path
+                  << "' skipped: incomplete, or no point of the run.\n";
+    return std::move(lines.run);
+}
+
+MeasuredRun RunOf(const SweepOptions& options) {
+    MeasuredRun run;
+    run.file.plan = options.plan;
+    if (!options.file.empty()) run.file = ParseRunFile(TextOfFile("run", options.file));
+    if (!options.continued.empty()) run = ContinuedRun(options.continued);
+    for (const std::string& limit : options.limits) run.file.limits.push_back(LimitOf(limit));
     return run;
+}
+
+// Whether the standard output goes to the end of a line that was not finished.
+bool AppendsToBrokenLine(const std::string& path) {
+    struct stat file {};
+    struct stat output {};
+    if (stat(path.c_str(), &file) != 0 || fstat(STDOUT_FILENO, &output) != 0) return false;
+    if (file.st_dev != output.st_dev || file.st_ino != output.st_ino || file.st_size == 0) return false;
+    std::ifstream lines(path, std::ios::binary);
+    lines.seekg(-1, std::ios::end);
+    return lines.get() != '\n';
 }
 
 // Prints the points, and the progress on standard error.
@@ -30,9 +68,11 @@ class RunOutput {
 public:
     explicit RunOutput(const LiveRun& run) : run_(run), terminal_(isatty(STDERR_FILENO) != 0) {}
 
-    void Take(const RunPointResult& result) const {
+    void Take(const RunPointResult& result) {
         Clear();
-        Print(RunPointJson(result, run_.Measurement().Results().size(), run_.Conditions()) + '\n');
+        const bool first = !std::exchange(printed_, true);
+        Print(RunPointJson(result, NumberOf(result), run_.Conditions(), first ? &run_.File() : nullptr) +
+              '\n');
         if (!terminal_) std::cerr << Progress() << '\n';
     }
 
@@ -46,19 +86,29 @@ public:
     }
 
     // The exit status.
-    int Finish(const std::string& csv) const {
+    int Finish(const SweepOptions& options, const std::string& plotProgram, const std::string& time) const {
         Clear();
         const std::vector<RunPointResult>& results = run_.Measurement().Results();
         const std::size_t points = run_.Conditions().points;
         const RunVerdict verdict = JudgeRun(run_.File().limits, results, points);
         if (!run_.Trouble().empty()) std::cerr << run_.Trouble() << '\n';
         std::cerr << VerdictSentence(verdict, results, points) << '\n';
-        if (!csv.empty()) SndfileFiles().WriteText(csv, RunCsv(run_.File(), results, run_.Conditions()));
+        if (!options.csv.empty())
+            SndfileFiles().WriteText(options.csv, RunCsv(run_.File(), results, run_.Conditions()));
+        const std::string stored =
+            StoredRunText({run_.File(), run_.Measurement().Points(), results, run_.Conditions(), time, 0});
+        if (!options.save.empty()) SndfileFiles().WriteText(options.save, stored + '\n');
+        if (!options.png.empty()) DrawRun(plotProgram, stored, options.png);
         if (verdict.outcome == RunOutcome::kFail) return kBeyondLimit;
         return verdict.outcome == RunOutcome::kNotComplete ? kVoid : kMeasured;
     }
 
 private:
+    // The result is one of those of the measurement.
+    std::size_t NumberOf(const RunPointResult& result) const {
+        return static_cast<std::size_t>(&result - run_.Measurement().Results().data()) + 1;
+    }
+
     std::string Progress() const {
         const sonavex::RunMeasurement& measurement = run_.Measurement();
         std::string line = std::to_string(measurement.Points().size() - measurement.PointsLeft()) + " of " +
@@ -77,15 +127,19 @@ private:
     const LiveRun& run_;
     bool terminal_;
     bool paused_ = false;
+    bool printed_ = false;
 };
 
 }  // namespace
 
 int Sweep(const SweepOptions& options) {
+    const std::string plotProgram = options.png.empty() ? std::string() : PlotProgram();
     LiveRun run(options, RunOf(options));
+    if (AppendsToBrokenLine(options.continued)) Print("\n");
     RunOutput output(run);
+    const std::string time = DateAndTime(LocalDateTime());
     run.Run([&](const RunPointResult& result) { output.Take(result); }, [&] { output.ShowProgress(); });
-    return output.Finish(options.csv);
+    return output.Finish(options, plotProgram, time);
 }
 
 }  // namespace sonavex::measure

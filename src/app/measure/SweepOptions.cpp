@@ -174,14 +174,25 @@ void AddSweep(CLI::App& command, SweepOptions& options) {
                                   const std::function<void(const std::string& text)>& set) {
         return command.add_option_function<std::string>(option, set, help)->type_name(type);
     };
+    auto* const continued =
+        addTo("--continue", "FILE", "Measure the points that are missing or void in this output of a run",
+              [&options](const std::string& text) {
+                  if (text.empty()) throw MeasureError("The name of the run is empty.");
+                  options.continued = text;
+              });
+    continued->excludes(file);
     const AddSweepOption addPlan = [&](const char* option, const char* type, const char* help,
                                        const std::function<void(const std::string& text)>& set) {
-        addTo(option, type, help, set)->excludes(file);
+        addTo(option, type, help, set)->excludes(file)->excludes(continued);
     };
     AddAxis(addPlan, *axis);
-    command.add_flag("--linear", axis->linear, "Space --points evenly in Hz")->excludes(file);
+    command.add_flag("--linear", axis->linear, "Space --points evenly in Hz")
+        ->excludes(file)
+        ->excludes(continued);
     AddSound(addPlan, options.plan);
-    command.add_flag("--snap", options.plan.snap, "Play the nearest odd bins of a record")->excludes(file);
+    command.add_flag("--snap", options.plan.snap, "Play the nearest odd bins of a record")
+        ->excludes(file)
+        ->excludes(continued);
     AddAnalysis(addPlan, options.plan);
     command
         .add_option("--limit", options.limits,
@@ -191,6 +202,14 @@ void AddSweep(CLI::App& command, SweepOptions& options) {
         ->allow_extra_args(false);
     addTo("--csv", "FILE", "Write the points as CSV",
           [&options](const std::string& text) { options.csv = OutputFileOf("--csv", text); });
+    addTo("--png", "FILE", "Draw the run with its conditions; needs sonavex-plot",
+          [&options](const std::string& text) {
+              options.png = OutputFileOf("--png", text);
+              if (!options.png.ends_with(".png"))
+                  throw MeasureError("The name of --png must end with .png: '" + text + "'.");
+          });
+    addTo("--save", "FILE", "Write the run with its results as JSON, which sonavex-plot draws",
+          [&options](const std::string& text) { options.save = OutputFileOf("--save", text); });
     addTo("--input", "ID", "Identifier of the capture device",
           [&options](const std::string& text) { options.input = text; });
     addTo("--output", "ID", "Identifier of the playback device",
@@ -199,7 +218,7 @@ void AddSweep(CLI::App& command, SweepOptions& options) {
     addTo("--rate", "HZ", rates.c_str(),
           [&options](const std::string& text) { options.rateHz = SampleRateOf(text); });
     command.parse_complete_callback([axis, &options] {
-        if (!options.file.empty()) return;
+        if (!options.file.empty() || !options.continued.empty()) return;
         if (!axis->overGiven) throw MeasureError("A run needs --over frequency or --over level, or a file.");
         TakeAxis(*axis, options.plan);
     });

@@ -157,8 +157,9 @@ void Program::Load() {
 }
 
 void Program::MakeAnalyzer() {
-    analyzer_ = std::make_unique<ProgramAnalyzer>(ProgramAnalyzer::Needs{
-        *form_, loop_, dialogs_, *errorLog_, ending_, help_, sound_->Simulated(), VersionNumber(Version())});
+    analyzer_ = std::make_unique<ProgramAnalyzer>(
+        ProgramAnalyzer::Needs{*form_, loop_, dialogs_, *errorLog_, ending_, help_, *print_,
+                               sound_->Simulated(), VersionNumber(Version())});
     form_->BeforeShutdown = [this] { analyzer_->Close(); };
     print_->SecondBlock = [this] { return analyzer_->Form().ReportBlock(); };
 }

@@ -1,13 +1,22 @@
 #include "app/sonavex/ProgramAnalyzer.h"
 
+#include <chrono>
 #include <random>
+#include <thread>
 #include <utility>
 
+#include "core/report/RunReport.h"
 #include "platform/plain/HistoryFolder.h"
 #include "platform/plain/LocalTime.h"
 
 namespace sonavex::app {
 namespace {
+
+using namespace std::chrono_literals;
+
+// A device that has stopped plays no ramp.
+constexpr auto kLongestRampWait = 1s;
+constexpr auto kRampPoll = 5ms;
 
 // Without a folder for the history every call fails, and nothing else of the program does.
 class NoHistoryFolder : public HistoryFiles {
@@ -61,7 +70,8 @@ frmAnalyzer::Needs FormNeeds(const ProgramAnalyzer::Needs& needs, Background& ba
 }  // namespace
 
 ProgramAnalyzer::ProgramAnalyzer(const Needs& needs)
-    : background_(needs.loop),
+    : loop_(needs.loop),
+      background_(needs.loop),
       guard_(needs.dialogs, needs.errorLog, needs.ending),
       historyFiles_(UserHistory()),
       historyBackground_(needs.loop),
@@ -72,6 +82,10 @@ ProgramAnalyzer::ProgramAnalyzer(const Needs& needs)
     guard_.OnEnd = [&main = needs.main](const EndProgram& end) { main.End(end); };
     window_.OnHelp = [&help = needs.help](frmAnalyzer::Tab front) {
         help.ShowTopic(front == frmAnalyzer::Tab::kHistory ? help_topic::kHistory : help_topic::kAnalyzer);
+    };
+    form_.Sweep.Print = [&print = needs.print](const std::string& png,
+                                               const std::vector<std::string>& lines) {
+        print.Print([&](Printer& printer) { PrintRun(png, lines, printer); });
     };
     needs.main.Menus.mnuAnalyzer.Click.Handle([this] { form_.Show(); });
     needs.main.Menus.mnuOpenRecording.Click.Handle([this] {
@@ -86,6 +100,11 @@ void ProgramAnalyzer::Reopen() {
 
 void ProgramAnalyzer::Close() {
     form_.UnloadForNextStart();
+    const std::chrono::nanoseconds limit = loop_.Now() + kLongestRampWait;
+    while (form_.StimulusHeard() && loop_.Now() < limit) {
+        std::this_thread::sleep_for(kRampPoll);
+        loop_.YieldWithoutInput();
+    }
 }
 
 }  // namespace sonavex::app

@@ -10,6 +10,7 @@
 #include "core/ports/HistoryFiles.h"
 #include "core/precise/display/frmAnalyzer.h"
 #include "core/report/HandlerGuard.h"
+#include "core/report/PrintCommand.h"
 #include "core/shell/frmMain.h"
 #include "platform/plain/WorkerThread.h"
 #include "platform/sndfile/SndfileFiles.h"
@@ -28,6 +29,7 @@ public:
         ErrorLog& errorLog;
         Ending& ending;
         Help& help;
+        PrintCommand& print;
         bool simulated = false;
         std::string version;
     };
@@ -39,13 +41,14 @@ public:
 
     // Opens the window if it was open when the program ended.
     void Reopen();
-    // Call at the begin of the shutdown.
+    // Call at the begin of the shutdown. Waits, a second at most, for the ramp that ends a stimulus.
     void Close();
 
     frmAnalyzer& Form() noexcept { return form_; }
     ui::AnalyzerWindow& Window() noexcept { return window_; }
 
 private:
+    EventLoop& loop_;
     WorkerThread background_;
     SndfileFiles files_;
     // Without OnMessageOpen: a message of the Analyzer holds no notifications of the block meter.

@@ -65,6 +65,7 @@ void TakeValues(const RecordPlan& plan, const FittedLines& fit, std::vector<doub
                 ToneMeasurement& measurement) {
     measurement.frequencyHz = fit.lines.front().frequency.Hertz(plan.RateHz());
     measurement.amplitude = std::abs(fit.lines.front().amplitude);
+    measurement.phase = std::arg(fit.lines.front().amplitude) + 0.5 * std::numbers::pi;
     measurement.dc = fit.dc;
     measurement.harmonics = Ratios(fit);
     measurement.residualPower = std::move(residualPower);

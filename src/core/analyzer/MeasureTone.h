@@ -47,6 +47,9 @@ struct ToneMeasurement {
     double frequencyHz = 0;
     double frequencySigmaHz = 0;  // standard deviation in one record
     double amplitude = 0;         // of the fundamental, peak
+    // The fundamental is amplitude sin(phase) at the centre of the record, (length - 1) / 2 samples after its
+    // first one. Radians. In an average, of any one record.
+    double phase = 0;
     double dc = 0;
     std::vector<HarmonicRatio> harmonics;
     std::vector<double> residualPower;  // RecordPlan::PowerSpectrum of the residual

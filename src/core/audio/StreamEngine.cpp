@@ -21,6 +21,7 @@ constexpr std::size_t kNotifications = 4;
 constexpr std::int32_t kSettlingBlocks = 8;
 
 constexpr int kBlockBits = 16;
+constexpr std::uint64_t kPlayedFrameBytes = 4;
 
 bool Silent(std::span<const std::int16_t> block) noexcept {
     return std::all_of(block.begin(), block.end(), [](std::int16_t sample) { return sample == 0; });
@@ -54,6 +55,17 @@ CaptureBuffer& StreamEngine::Capture() const {
     return *captureBuffer_;
 }
 
+std::uint64_t StreamEngine::HeldFrames() {
+    if (!playbackBuffer_) return 0;
+    try {
+        const BufferCursors cursors = playbackBuffer_->GetCurrentPosition();
+        const std::int32_t bytes = cursors.write - cursors.play;
+        return static_cast<std::uint64_t>(bytes < 0 ? bytes + kPlaybackBytes : bytes) / kPlayedFrameBytes;
+    } catch (const RuntimeError&) {
+        return 0;
+    }
+}
+
 CaptureStatistics StreamEngine::CaptureCounts() const {
     CaptureStatistics counts = countsBefore_;
     if (!captureBuffer_) return counts;
@@ -72,6 +84,12 @@ std::uint64_t StreamEngine::Underruns() const {
 
 std::uint64_t StreamEngine::FineFramesMissing() const {
     return fineMissingBefore_ + (playbackBuffer_ ? playbackBuffer_->FineFramesMissing() : 0);
+}
+
+bool StreamEngine::OneClock() const {
+    if (!captureBuffer_ || !playbackBuffer_) return false;
+    const std::string clock = captureBuffer_->ClockName();
+    return !clock.empty() && clock == playbackBuffer_->ClockName();
 }
 
 std::vector<std::string> StreamEngine::PathNotes() const {

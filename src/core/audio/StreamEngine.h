@@ -92,6 +92,9 @@ public:
     // Bits of a sample that the devices deliver and take; 0 without a buffer.
     int InputBits() const { return captureBuffer_ ? captureBuffer_->Bits() : 0; }
     int OutputBits() const { return playbackBuffer_ ? playbackBuffer_->Bits() : 0; }
+    // Frames that the output device has taken and not played, as far as its cursors tell. A lost device
+    // plays none.
+    std::uint64_t HeldFrames();
     // Counts of all capture buffers since construction.
     CaptureStatistics CaptureCounts() const;
     // Underruns of all playback buffers since construction.
@@ -99,6 +102,8 @@ public:
     // Frames of silence that all playback buffers played since construction because fine frames came too
     // late.
     std::uint64_t FineFramesMissing() const;
+    // Whether input and output are known to run on the same clock.
+    bool OneClock() const;
     // What changes the samples between the buffers and the cards: "Input: ...", "Output: ..." and "Clocks:
     // ...". The direction with fewer bits is named, and any below 16. Empty if nothing is known.
     std::vector<std::string> PathNotes() const;

@@ -59,6 +59,10 @@ public:
     // the paper.
     virtual void Text(double x, double y, std::string_view text) = 0;
 
+    // Draws a PNG picture with its top left corner at x and y, as wide as stated; its height follows from its
+    // shape.
+    virtual void Picture(double x, double y, double width, std::string_view png) = 0;
+
     // Ends the document and sends it as one copy. Raises any failure of this document, including one that an
     // earlier call raised.
     virtual void EndDoc() = 0;

@@ -57,8 +57,10 @@ void PreciseMeasurement::Stop() {
 }
 
 void PreciseMeasurement::Follow() {
+    const StimulusPlayer::State state = Player.Now();
+    if (state == StimulusPlayer::State::kEnding || state == StimulusPlayer::State::kOff)
+        Meter.StimulusEnded();
     if (measuring_) {
-        const StimulusPlayer::State state = Player.Now();
         if (state == StimulusPlayer::State::kFirstSignal) Meter.BurstStarted();
         if (state == StimulusPlayer::State::kPlaying) MeasureStimulus();
         if (state == StimulusPlayer::State::kEnding || state == StimulusPlayer::State::kOff)

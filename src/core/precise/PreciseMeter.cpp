@@ -5,8 +5,6 @@
 #include <limits>
 #include <utility>
 
-#include "core/support/RuntimeError.h"
-
 namespace sonavex {
 namespace {
 
@@ -21,7 +19,6 @@ constexpr double kLongestDelaySeconds = 1.0;
 
 constexpr int kBlockBits = 16;
 constexpr std::uint64_t kSilentBlocks = 8;
-constexpr std::int32_t kFrameBytes = 4;
 
 template <typename Fault, typename Code>
 bool Contains(const std::vector<Fault>& faults, Code code) {
@@ -34,18 +31,6 @@ PreciseState StateOf(const Reading& reading) {
     if (!reading.Valid()) return PreciseState::kVoid;
     return Contains(reading.warnings, WarningCode::kUnsteadyTone) ? PreciseState::kUnsteady
                                                                   : PreciseState::kValid;
-}
-
-// Frames that the device holds: it has taken them and not played. A lost device plays none.
-std::uint64_t HeldFrames(PlaybackBuffer& buffer) {
-    try {
-        const BufferCursors cursors = buffer.GetCurrentPosition();
-        const std::int32_t held = cursors.write - cursors.play;
-        return static_cast<std::uint64_t>((held < 0 ? held + StreamEngine::kPlaybackBytes : held) /
-                                          kFrameBytes);
-    } catch (const RuntimeError&) {
-        return 0;
-    }
 }
 
 }  // namespace
@@ -94,12 +79,24 @@ void PreciseMeter::BurstStarted() {
     BeginAgain(std::numeric_limits<std::uint64_t>::max());
     burstWritten_ = CapturedFrames();
     delayStarts_ = PresentStarts();
+    arrivedFrame_.reset();
+    arrivalGaps_ = PresentGaps();
     const std::uint64_t most = DelayFrames() + Frames(kLongestDelaySeconds);
     search_.emplace(settings_.rateHz, settings_.channel, static_cast<std::size_t>(most));
 }
 
 bool PreciseMeter::DelayKnown() const {
     return delayFrames_ && delayStarts_ == PresentStarts();
+}
+
+void PreciseMeter::ForgetDelay() {
+    delayFrames_.reset();
+    arrivedFrame_.reset();
+}
+
+std::optional<PreciseMeter::StimulusArrival> PreciseMeter::Arrival() const {
+    if (!arrivedFrame_ || !DelayKnown() || arrivalGaps_ != PresentGaps()) return std::nullopt;
+    return StimulusArrival{*arrivedFrame_, static_cast<double>(*delayFrames_) / settings_.rateHz};
 }
 
 void PreciseMeter::Take(const FineFrames& block) {
@@ -127,19 +124,22 @@ void PreciseMeter::EndSearch() {
     const std::optional<std::uint64_t> burst = search_->Found();
     search_.reset();
     if (burst) delayFrames_ = *burst > burstWritten_ ? *burst - burstWritten_ : 0;
+    arrivedFrame_ = burst;
     if (OnBurstEnded) OnBurstEnded();
 }
 
 void PreciseMeter::Submit() {
+    const std::uint64_t firstFrame = records_->NextFrame() - records_->Length();
     RecordCollection::Channels channels = records_->Take();
     needs_.background.Run(Background::Line::kAnalysis,
                           [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_,
-                           average = average_, conditions = RecordConditions(),
+                           average = average_, conditions = RecordConditions(), firstFrame,
                            samples = std::move(channels[settings_.channel])]() -> Background::Result {
                               Record record = conditions;
                               record.samples = samples;
                               auto result = std::make_shared<Result>();
                               result->analysis = AnalyzeRecord(*plan, settings, record);
+                              result->analysis.firstFrame = firstFrame;
                               result->reading = average->Add(result->analysis, settings.shift);
                               result->spectrum = average->Spectrum();
                               return [this, alive, average, result] {
@@ -211,6 +211,10 @@ PreciseMeter::Starts PreciseMeter::PresentStarts() const {
     return {needs_.engine.PlaybackStarts, needs_.engine.CaptureStarts};
 }
 
+PreciseMeter::Gaps PreciseMeter::PresentGaps() const {
+    return {CountOutput(), needs_.engine.CaptureCounts().framesMissing};
+}
+
 std::uint64_t PreciseMeter::CapturedFrames() const {
     const CaptureBuffer* const buffer = needs_.engine.InputBuffer();
     return buffer != nullptr ? buffer->Statistics().framesCaptured : 0;
@@ -222,8 +226,7 @@ std::uint64_t PreciseMeter::Frames(double seconds) const {
 
 std::uint64_t PreciseMeter::DelayFrames() const {
     if (DelayKnown()) return *delayFrames_;
-    PlaybackBuffer* const buffer = needs_.engine.SecondaryBuffer();
-    return (buffer != nullptr ? HeldFrames(*buffer) : 0) + Frames(kUnknownDelaySeconds);
+    return needs_.engine.HeldFrames() + Frames(kUnknownDelaySeconds);
 }
 
 // What is missing in the output arrives at the input after the delay of the path.

@@ -57,6 +57,19 @@ public:
     void BurstStarted();
     // Whether the delay of the path was measured since playback and capture were started.
     bool DelayKnown() const;
+    // The next stimulus after silence measures it again.
+    void ForgetDelay();
+
+    // What a burst has told about the stimuli that follow it.
+    struct StimulusArrival {
+        std::uint64_t firstFrame = 0;  // number of the captured frame in which their frame 0, the burst's
+                                       // first one, arrived, within about 1 ms
+        double delaySeconds = 0;       // from the output's queue to the input
+    };
+    // Empty when no burst was found since the last silence, and after a gap in the output or the input.
+    std::optional<StimulusArrival> Arrival() const;
+    // Call when the stimuli have ended.
+    void StimulusEnded() { arrivedFrame_.reset(); }
 
     PreciseState State() const noexcept { return state_; }
     // Frames of the present record, and of a complete one: "settling 12000 of 65536".
@@ -97,6 +110,12 @@ private:
         std::uint64_t capture = 0;
         bool operator==(const Starts&) const = default;
     };
+    // Frames that the devices have left out: later frames arrive at another time.
+    struct Gaps {
+        OutputCounts output;
+        std::uint64_t inputMissing = 0;
+        bool operator==(const Gaps&) const = default;
+    };
     void Take(const FineFrames& block);
     void ListenForBurst(const FineFrames& block);
     void EndSearch();
@@ -111,6 +130,7 @@ private:
     bool Playing() const;
     OutputCounts CountOutput() const;
     Starts PresentStarts() const;
+    Gaps PresentGaps() const;
     std::uint64_t CapturedFrames() const;
     std::uint64_t Frames(double seconds) const;
     std::uint64_t DelayFrames() const;
@@ -136,6 +156,8 @@ private:
     std::uint64_t burstWritten_ = 0;            // captured frames when the burst was written
     std::optional<std::uint64_t> delayFrames_;  // from a written frame to its capture
     Starts delayStarts_;
+    std::optional<std::uint64_t> arrivedFrame_;  // of the burst's first frame
+    Gaps arrivalGaps_;                           // when the burst was written
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <optional>
@@ -39,6 +40,7 @@ struct RecordAnalysis {
     std::variant<ToneMeasurement, LinesMeasurement> values;
     std::vector<double> samples;
     std::vector<double> residual;  // empty if there was nothing to fit
+    std::uint64_t firstFrame = 0;  // number of the captured frame at which `samples` begin; 0 for recordings
 };
 
 // Pure; any thread.

@@ -10,6 +10,8 @@ namespace sonavex {
 namespace {
 
 constexpr std::chrono::milliseconds kCheckInterval{50};
+// At rates above 48 kHz a device holds up to this part of a second more than its cursors say.
+constexpr int kBeyondCursorPerSecond = 15;
 constexpr const char* kGeneratorPlays = "The generator plays. Stop it before a stimulus is started.";
 constexpr const char* kNoOutput = "No output device is open.";
 
@@ -110,7 +112,13 @@ void StimulusPlayer::StopAtOnce() {
 
 void StimulusPlayer::Check() {
     CheckEngine();
-    if (state_ == State::kEnding && source_.Ended(needs_.instrument.Fine.FramesAhead())) StopAtOnce();
+    if (state_ != State::kEnding) return;
+    // A device that is closed drops what it has not played.
+    const auto beyondCursor =
+        static_cast<std::uint64_t>(needs_.instrument.Shared.SampleRate / kBeyondCursorPerSecond);
+    const std::uint64_t unplayed =
+        needs_.instrument.Fine.FramesAhead() + needs_.instrument.Engine.HeldFrames() + beyondCursor;
+    if (source_.Ended(unplayed)) StopAtOnce();
 }
 
 // A restart of the engine that was not announced by the panel follows a loss.

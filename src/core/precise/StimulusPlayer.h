@@ -69,6 +69,9 @@ public:
     bool Active() const noexcept { return state_ != State::kOff; }
     // The tones as played; empty until the stimulus is rendered, and for noise.
     const std::vector<StimulusLine>& Lines() const noexcept { return lines_; }
+    // Frames from the first one that was heard after silence to the first one of the stimulus; empty until it
+    // has been filled.
+    std::optional<std::uint64_t> Begin() const noexcept { return heard_ ? source_.Begin() : std::nullopt; }
     // Why a stimulus was not started again after a loss; empty otherwise.
     const std::string& Trouble() const noexcept { return trouble_; }
 

@@ -33,13 +33,18 @@ void StimulusSource::End() {
     changed_ = true;
 }
 
-bool StimulusSource::Ended(std::uint64_t framesAhead) const noexcept {
+bool StimulusSource::Ended(std::uint64_t unplayed) const noexcept {
     if (changed_) return false;
-    return parts_.empty() || (parts_.back().end <= frame_ && frame_ - parts_.back().end >= framesAhead);
+    return parts_.empty() || (parts_.back().end <= frame_ && frame_ - parts_.back().end >= unplayed);
 }
 
 void StimulusSource::Rewind(std::uint64_t frames) {
     frame_ -= std::min(frames, frame_);
+}
+
+std::optional<std::uint64_t> StimulusSource::Begin() const noexcept {
+    if (changed_ || parts_.empty()) return std::nullopt;
+    return parts_.back().begin;
 }
 
 // A change waits for the first frame after it, because the source may be rewound in between.

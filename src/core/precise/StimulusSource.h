@@ -32,9 +32,11 @@ public:
     // From the next filled frame on: ends what plays.
     void End();
 
-    // Whether only silence follows the frames that the device has taken. framesAhead: filled frames that it
-    // has not taken.
-    bool Ended(std::uint64_t framesAhead) const noexcept;
+    // Whether only silence follows the frames that were heard. unplayed: filled frames that were not.
+    bool Ended(std::uint64_t unplayed) const noexcept;
+
+    // The frame with which the newest sound begins; empty until it has been filled.
+    std::optional<std::uint64_t> Begin() const noexcept;
 
     void FillFine(std::span<std::int32_t> block) override;
     void Rewind(std::uint64_t frames) override;

@@ -30,16 +30,21 @@ PrintCommand::~PrintCommand() {
 }
 
 void PrintCommand::cmdPrint_Click() {
-    const std::int32_t generation = needs_.desktop.OsMajorVersion();
+    Print([this](Printer& printer) {
+        PrintInformation(measurement_, needs_.today(), printer,
+                         SecondBlock ? SecondBlock() : std::vector<std::string>());
+    });
+}
+
+void PrintCommand::Print(const std::function<void(Printer& printer)>& draw) {
+    const bool severalCopies = needs_.desktop.OsMajorVersion() > kLastGenerationOfOneCopy;
     const InstalledPrinters present = AskForPrinters();
     PrinterSupport support(needs_.printer, present);
     frmPrint dialog(needs_.printer, needs_.dialogs);
     dialog.Form_Load(present);
     if (ShowPrintDialog) ShowPrintDialog(dialog);
     if (const auto choice = dialog.Choice(); choice)
-        Try(kNotPrinted, [&] {
-            PrintCopies(choice->destination, generation > kLastGenerationOfOneCopy ? choice->copies : 1);
-        });
+        Try(kNotPrinted, [&] { PrintCopies(choice->destination, severalCopies ? choice->copies : 1, draw); });
     Try(kNotRestored, [&] { support.RestoreDefault(); });
 }
 
@@ -58,11 +63,11 @@ void PrintCommand::Try(const char* failure, const std::function<void()>& action)
     }
 }
 
-void PrintCommand::PrintCopies(const PrintDestination& destination, std::int32_t copies) {
-    const std::vector<std::string> second = SecondBlock ? SecondBlock() : std::vector<std::string>();
+void PrintCommand::PrintCopies(const PrintDestination& destination, std::int32_t copies,
+                               const std::function<void(Printer& printer)>& draw) {
     for (std::int32_t number = 1; number <= copies; ++number) {
         needs_.printer.Select(frmPrint::DestinationOfCopy(destination, number));
-        PrintInformation(measurement_, needs_.today(), needs_.printer, second);
+        draw(needs_.printer);
         needs_.printer.EndDoc();
     }
 }

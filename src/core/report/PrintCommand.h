@@ -41,11 +41,14 @@ public:
     std::function<std::vector<std::string>()> SecondBlock;
 
     void cmdPrint_Click();
+    // Asks like the print button. `draw` draws a page on the selected printer, once for each copy.
+    void Print(const std::function<void(Printer& printer)>& draw);
 
 private:
     InstalledPrinters AskForPrinters();
     void Try(const char* failure, const std::function<void()>& action);
-    void PrintCopies(const PrintDestination& destination, std::int32_t copies);
+    void PrintCopies(const PrintDestination& destination, std::int32_t copies,
+                     const std::function<void(Printer& printer)>& draw);
 
     Needs needs_;
     const MeasurementControls& measurement_;

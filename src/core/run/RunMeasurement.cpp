@@ -21,10 +21,6 @@ constexpr double kUsualPathSeconds = 0.35;
 constexpr int kRunAttempts = 2;
 constexpr const char* kStoppedByOthers = "The stimulus was stopped.";
 
-bool SamePoint(const RunPoint& point, const RunPoint& other) {
-    return point.requestedHz == other.requestedHz && point.levelDbfs == other.levelDbfs;
-}
-
 double RecordSeconds(const RunPlan& plan, double rateHz) {
     return static_cast<double>(RecordLengthOf(plan, rateHz)) / rateHz;
 }
@@ -52,6 +48,12 @@ StimulusChoice PointChoice(const RunPlan& plan, const RunPoint& point, std::size
     return choice;
 }
 
+double HighestPlayedHz(const std::vector<RunPoint>& points) {
+    double highest = 0.0;
+    for (const RunPoint& point : points) highest = std::max(highest, point.playedHz);
+    return highest;
+}
+
 bool HasWarning(const std::vector<Warning>& warnings, WarningCode code) {
     return std::any_of(warnings.begin(), warnings.end(),
                        [code](const Warning& warning) { return warning.code == code; });
@@ -59,7 +61,8 @@ bool HasWarning(const std::vector<Warning>& warnings, WarningCode code) {
 
 }  // namespace
 
-RunMeasurement::RunMeasurement(const Needs& needs) : needs_(needs) {}
+RunMeasurement::RunMeasurement(const Needs& needs)
+    : needs_(needs), phase_(needs.instrument.Engine, needs.measurement) {}
 
 RunMeasurement::~RunMeasurement() {
     OnChanged = nullptr;
@@ -105,6 +108,8 @@ void RunMeasurement::Play(const RunPlan& plan, std::vector<RunPoint> points,
     timed_ = 0;
     if (todo_.empty()) return;
     captureStarts_ = needs_.instrument.Engine.CaptureStarts;
+    phase_.Start(HighestPlayedHz(points_));
+    if (!needs_.measurement.Player.Active()) needs_.measurement.Meter.ForgetDelay();
     waiting_ = !DevicesRun();
     if (!waiting_) BeginAttempt();
     formerOnReading_ = std::exchange(needs_.measurement.Meter.OnReading,
@@ -143,10 +148,16 @@ void RunMeasurement::BeginRecords() {
     begin_ = needs_.loop.Now();
 }
 
-// Without devices the point begins when they run again.
+// Without devices the point begins when they run again. After a gap the path is measured again, which takes
+// a burst that follows silence.
 void RunMeasurement::MeasurePoint() {
     if (todo_.empty()) return End("");
-    waiting_ = !DevicesRun();
+    StimulusPlayer& player = needs_.measurement.Player;
+    if (phase_.PathLost() && player.Active()) {
+        needs_.measurement.Meter.ForgetDelay();
+        player.Stop();
+    }
+    waiting_ = !DevicesRun() || player.Now() == StimulusPlayer::State::kEnding;
     if (waiting_) return;
     try {
         BeginAttempt();
@@ -186,7 +197,9 @@ void RunMeasurement::Take(const LinesReading& values) {
             break;
     }
     previous_.reset();
-    if (record.Valid()) previous_ = *newest;
+    if (!record.Valid()) return;
+    previous_ = *newest;
+    previousFrame_ = meter.Newest().firstFrame;
 }
 
 void RunMeasurement::Settled(const Reading& record, const ToneMeasurement& newest) {
@@ -199,7 +212,10 @@ void RunMeasurement::Settled(const Reading& record, const ToneMeasurement& newes
     RunPointResult result = ResultOf(std::move(mean));
     result.gainDb = result.reading.levelDbfs;
     if (result.gainDb.value) *result.gainDb.value -= result.point.levelDbfs;
-    Store(std::move(result));
+    const std::size_t point = Keep(std::move(result));
+    const std::uint64_t newestFrame = needs_.measurement.Meter.Newest().firstFrame;
+    phase_.Add(point, {{{previous_->phase, previousFrame_}, {newest.phase, newestFrame}}}, results_);
+    Report(point);
 }
 
 void RunMeasurement::Fail(PointFault fault) {
@@ -212,7 +228,7 @@ void RunMeasurement::Fail(PointFault fault) {
     RunPointResult result = ResultOf(
         ReadingOfVoid(meter.Plan(), settings_, needs_.instrument.Engine.InputBits(), reason).reading);
     result.fault = std::move(fault);
-    Store(std::move(result));
+    Report(Keep(std::move(result)));
 }
 
 RunPointResult RunMeasurement::ResultOf(Reading reading) const {
@@ -224,7 +240,7 @@ RunPointResult RunMeasurement::ResultOf(Reading reading) const {
     return result;
 }
 
-void RunMeasurement::Store(RunPointResult result) {
+std::size_t RunMeasurement::Keep(RunPointResult result) {
     measured_ += needs_.loop.Now() - begin_;
     ++timed_;
     const std::size_t point = todo_.back();
@@ -232,6 +248,10 @@ void RunMeasurement::Store(RunPointResult result) {
     if (point == results_.size()) results_.emplace_back();
     results_[point] = std::move(result);
     attempt_ = 1;
+    return point;
+}
+
+void RunMeasurement::Report(std::size_t point) {
     if (OnPoint) OnPoint(results_[point]);
     if (state_ == State::kMeasuring) MeasurePoint();
 }

@@ -11,6 +11,7 @@
 #include "core/ports/EventLoop.h"
 #include "core/precise/PreciseMeasurement.h"
 #include "core/run/MeasuredRun.h"
+#include "core/run/RunPhase.h"
 #include "core/run/RunResult.h"
 
 namespace sonavex {
@@ -83,7 +84,8 @@ private:
     void Take(const LinesReading& values);
     void Settled(const Reading& record, const ToneMeasurement& newest);
     void Fail(PointFault fault);
-    void Store(RunPointResult result);
+    std::size_t Keep(RunPointResult result);
+    void Report(std::size_t point);
     RunPointResult ResultOf(Reading reading) const;
     void End(const std::string& trouble);
     void Check();
@@ -101,6 +103,8 @@ private:
     std::string trouble_;
     Settling settling_{{}};
     std::optional<ToneMeasurement> previous_;  // the record before
+    std::uint64_t previousFrame_ = 0;          // its first one
+    RunPhase phase_;
     int attempt_ = 1;
     bool waiting_ = false;  // the point begins when the devices run
     bool afterLoss_ = false;

@@ -66,6 +66,11 @@ struct RunPoint {
     double levelDbfs = 0;
 };
 
+// Whether two points were requested alike.
+inline bool SamePoint(const RunPoint& point, const RunPoint& other) {
+    return point.requestedHz == other.requestedHz && point.levelDbfs == other.levelDbfs;
+}
+
 inline constexpr std::size_t kMostRunPoints = 2000;
 
 // Samples of a record at this rate.

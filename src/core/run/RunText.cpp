@@ -16,6 +16,7 @@ constexpr int kUncertaintyDigits = 6;
 constexpr int kValueDecimals = 6;
 constexpr int kMarginDecimals = 2;
 constexpr int kColumnOrders = 9;
+constexpr double kMillisecondsPerSecond = 1000.0;
 
 AnalyzedReading AnalyzedOf(const RunPointResult& result, const RunConditions& conditions) {
     AnalyzedReading analyzed;
@@ -28,6 +29,11 @@ AnalyzedReading AnalyzedOf(const RunPointResult& result, const RunConditions& co
 
 PointJson NullOr(const std::optional<double>& number) {
     return number ? PointJson(*number) : PointJson(nullptr);
+}
+
+std::optional<double> DelayMs(const RunPointResult& result) {
+    if (!result.delaySeconds) return std::nullopt;
+    return *result.delaySeconds * kMillisecondsPerSecond;
 }
 
 struct CsvColumn {
@@ -49,6 +55,8 @@ std::vector<CsvColumn> ColumnsOf(const RunPointResult& result) {
             if (harmonic.order == order) column.value = harmonic.levelDbc;
         columns.push_back(std::move(column));
     }
+    columns.push_back({"phase_deg", result.phaseDegrees});
+    columns.push_back({"path_delay_ms", {DelayMs(result), {}}});
     return columns;
 }
 
@@ -100,13 +108,16 @@ std::string WorstSentence(const RunMargin& worst, const RunPointResult& result) 
 
 }  // namespace
 
-std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions) {
+std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions,
+                         const RunFile* run) {
     PointJson json{{"point", number},
                    {"points", conditions.points},
                    {"requested_hz", result.point.requestedHz},
                    {"played_hz", result.point.playedHz},
                    {"stimulus_dbfs", result.point.levelDbfs},
                    {"gain_db", NullOr(result.gainDb.value)},
+                   {"phase_deg", NullOr(result.phaseDegrees.value)},
+                   {"path_delay_ms", NullOr(DelayMs(result))},
                    {"attempts", result.attempts},
                    {"after_loss", result.afterLoss}};
     const PointJson reading = PointJson::parse(AnalyzedJson(AnalyzedOf(result, conditions)));
@@ -117,6 +128,8 @@ std::string RunPointJson(const RunPointResult& result, std::size_t number, const
         json["sentences"] = PointJson::array({result.fault.sentence});
     }
     json["uncertainty"]["gain_db"] = NullOr(result.gainDb.uncertainty);
+    json["uncertainty"]["phase_deg"] = NullOr(result.phaseDegrees.uncertainty);
+    if (run != nullptr) json["run"] = PointJson::parse(RunFileText(*run));
     return json.dump(-1, ' ', false, PointJson::error_handler_t::replace);
 }
 

@@ -18,8 +18,11 @@ struct RunConditions {
 };
 
 // One line without a line end: `point` (from 1), `points`, `requested_hz`, `played_hz`, `stimulus_dbfs`,
-// `gain_db`, `attempts`, `after_loss`, then the names of AnalyzedJson. The values of a void point are null.
-std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions);
+// `gain_db`, `phase_deg`, `path_delay_ms`, `attempts`, `after_loss`, then the names of AnalyzedJson. The
+// values of a void point are null. With a run, which belongs into the first line of a file, also `run`: the
+// content of its run file. ReadRunLines reads such a file.
+std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions,
+                         const RunFile* run = nullptr);
 
 // Lines that begin with '#' state run, devices and verdict. Then one line for each measured point: the value,
 // its uncertainty (95 %) and whether it is a bound. Values of void points and undefined values are empty.

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QFont>
 #include <QFontMetricsF>
+#include <QImage>
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
@@ -69,6 +70,15 @@ public:
         painter_.restore();
     }
 
+    void Picture(double x, double y, double width, std::string_view png) {
+        const QImage image =
+            QImage::fromData(reinterpret_cast<const uchar*>(png.data()), static_cast<int>(png.size()), "PNG");
+        if (image.isNull()) throw RuntimeError(kPrinterError, "The picture cannot be drawn.");
+        const double height = width * image.height() / image.width();
+        painter_.drawImage(
+            QRectF(x * kDotsPerInch, y * kDotsPerInch, width * kDotsPerInch, height * kDotsPerInch), image);
+    }
+
     QByteArray Finish() {
         if (!painter_.end()) throw RuntimeError(kPrinterError, "The page cannot be drawn.");
         return buffer_.data();
@@ -123,6 +133,10 @@ void QtPrinter::BeginPage(const PageSetUp& page) {
 
 void QtPrinter::Text(double x, double y, std::string_view text) {
     if (document_) document_->Text(x, y, text);
+}
+
+void QtPrinter::Picture(double x, double y, double width, std::string_view png) {
+    if (document_) document_->Picture(x, y, width, png);
 }
 
 void QtPrinter::EndDoc() {

@@ -31,6 +31,7 @@ public:
     void Select(const PrintDestination& destination) override;
     void BeginPage(const PageSetUp& page) override;
     void Text(double x, double y, std::string_view text) override;
+    void Picture(double x, double y, double width, std::string_view png) override;
     // Replaces a file atomically. Sends nothing when the document has no page.
     void EndDoc() override;
 

@@ -12,6 +12,7 @@ constexpr std::size_t kPeriodFrames = 256;
 
 void SimulatedCard::SetDeviceUnderTest(DeviceUnderTestModel model) {
     const std::lock_guard lock(mutex_);
+    oneClock_.store(model.clockOffsetPpm == 0.0, std::memory_order_relaxed);
     device_ = DeviceUnderTest(std::move(model));
     bits_.store(device_.Bits(), std::memory_order_relaxed);
 }

@@ -24,6 +24,9 @@ public:
     // Bits of the converters. Any thread.
     int Bits() const noexcept { return bits_.load(std::memory_order_relaxed); }
 
+    // Whether input and output run on the same clock. Any thread.
+    bool OneClock() const noexcept { return oneClock_.load(std::memory_order_relaxed); }
+
     void SetMixerGains(const MixerGains& gains);
     void SetRate(std::uint32_t rateHz);
 
@@ -53,6 +56,7 @@ private:
     MixerPath mixer_;
     DeviceUnderTest device_;
     std::atomic<int> bits_;  // of device_
+    std::atomic<bool> oneClock_{true};
     std::vector<std::int32_t> played_;
     std::vector<std::int32_t> captured_;
     bool stalled_ = false;

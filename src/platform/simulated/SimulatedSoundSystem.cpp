@@ -33,6 +33,7 @@ struct SimulatedSoundSystem::Connection : RingDevice {
     bool reported = false;
 
     int Bits() const noexcept override { return card.Bits(); }
+    std::string ClockName() const override { return card.OneClock() ? "simulated card" : std::string(); }
     void RequireDevice() const override {
         if (lost) throw DeviceGone();
     }

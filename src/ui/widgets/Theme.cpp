@@ -13,6 +13,8 @@
 namespace sonavex::ui {
 namespace {
 
+int pages = 0;  // that are being painted
+
 struct RoleFont {
     const char* role;
     double scale;
@@ -221,7 +223,15 @@ Theme Theme::Dark() {
 const Theme& Theme::Current() {
     static const Theme light = Light();
     static const Theme dark = Dark();
-    return QApplication::palette().color(QPalette::Window).lightness() < 128 ? dark : light;
+    return pages == 0 && QApplication::palette().color(QPalette::Window).lightness() < 128 ? dark : light;
+}
+
+PageColours::PageColours() {
+    ++pages;
+}
+
+PageColours::~PageColours() {
+    --pages;
 }
 
 void PaintOwnBackground(QWidget& widget) {

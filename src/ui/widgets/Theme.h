@@ -41,6 +41,15 @@ struct Theme {
     static Theme Dark();
 };
 
+// While it exists the present theme is the light one: for pages on paper.
+class PageColours {
+public:
+    PageColours();
+    ~PageColours();
+    PageColours(const PageColours&) = delete;
+    PageColours& operator=(const PageColours&) = delete;
+};
+
 // Applies colours and fonts to a window and its widgets. A widget's property "role" selects its style: unit,
 // title, quiet, value, figure, boldfigure, figureSmall, figureQuiet, order, state, rate, primary, note,
 // quietNote, preset, alarm, segments, flat, small, column, trouble. A label with the property "ink" set to

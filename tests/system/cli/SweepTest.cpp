@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cmath>
 #include <csignal>
 
 #include "support/Files.h"
@@ -30,6 +32,13 @@ std::string LastLine(std::string text) {
     return end == std::string::npos ? text : text.substr(end + 1);
 }
 
+// The phase in degrees without this delay, in place of the one that was known at the point.
+double PhaseAfter(const ordered_json& point, double delayMs) {
+    const double laterMs = delayMs - point["path_delay_ms"].get<double>();
+    const double turns = point["played_hz"].get<double>() * laterMs / 1000.0;
+    return std::remainder(point["phase_deg"].get<double>() + 360.0 * turns, 360.0);
+}
+
 TEST(SweepProgram, PrintsALineForEachPointAndTheVerdict) {
     const PrivateFolder folder;
     const std::string csv = folder.Path() / "run.csv";
@@ -49,6 +58,7 @@ TEST(SweepProgram, PrintsALineForEachPointAndTheVerdict) {
         EXPECT_NEAR(points[i]["frequency_hz"].get<double>(), hertz, 0.01);
         EXPECT_EQ(points[i]["stimulus_dbfs"], -1.0);
         EXPECT_NEAR(points[i]["gain_db"].get<double>(), 0.0, 0.001);
+        EXPECT_NEAR(PhaseAfter(points[i], points.back()["path_delay_ms"]), 0.0, 0.01);
         EXPECT_LT(points[i]["thdn_db"].get<double>(), -90.0);
         EXPECT_EQ(points[i]["blocks"], 2);
         EXPECT_EQ(points[i]["harmonic"].size(), points[i]["lines"].get<std::size_t>() - 1);
@@ -148,6 +158,86 @@ TEST(SweepProgram, WaitsForALostServerAndMarksTheLaterPoints) {
     EXPECT_FALSE(outcome.Json().front()["after_loss"]);
     EXPECT_THAT(outcome.errors, HasSubstr(", paused: no sound device\n"));
     EXPECT_THAT(LastLine(outcome.errors), StartsWith("NOT COMPLETE: "));
+}
+
+// The lines of a run of five points that is killed after its second one.
+std::string LinesOfKilledRun() {
+    MeasureProgram program({"sweep", "--rate", "48000", "--length", "4096", "--over", "frequency", "--list",
+                            "1000,1500,2000,3000,4000", "--dbfs", "-3", "--limit", "thdn:-60"},
+                           kSimulated);
+    EXPECT_TRUE(program.Prints("\"point\":2", 20s));
+    program.Send(SIGKILL);
+    const std::string output = program.End(5s).output;
+    return output.substr(0, output.rfind('\n') + 1);
+}
+
+TEST(SweepProgram, ContinuesARunWithItsMissingPoints) {
+    const PrivateFolder folder;
+    const std::string file = folder.Path() / "run.jsonl";
+    const std::string csv = folder.Path() / "run.csv";
+    const std::string measured = LinesOfKilledRun();
+    const auto before = static_cast<std::size_t>(std::count(measured.begin(), measured.end(), '\n'));
+    WriteFile(file, measured + "{\"point\":");
+    MeasureProgram program({"sweep", "--continue", file, "--csv", csv}, kSimulated);
+    const Outcome outcome = program.End(60s);
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.errors, StartsWith("1 line of '" + file + "' skipped: "));
+    EXPECT_THAT(LastLine(outcome.errors), StartsWith("PASS: 5 of 5 points measured. Worst: thdn "));
+    const std::vector<ordered_json> points = outcome.Json();
+    ASSERT_EQ(points.size(), 5 - before);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        EXPECT_EQ(points[i]["point"], before + i + 1);
+        EXPECT_EQ(points[i]["valid"], true);
+        EXPECT_EQ(points[i]["after_loss"], true);
+        EXPECT_NEAR(points[i]["level_dbfs"].get<double>(), -3.0, 1e-3);
+        EXPECT_EQ(points[i]["length"], 4096);
+    }
+    const std::string table = FileText(csv);
+    EXPECT_THAT(table, HasSubstr("\n1000,1000,-3,1,\"\",1,0,"));
+    EXPECT_THAT(table, HasSubstr("\n4000,4000,-3,1,\"\",1,1,"));
+}
+
+// Also behind an incomplete line; then the run is complete, and nothing is measured.
+TEST(SweepProgram, AppendsToTheFileThatItContinues) {
+    const PrivateFolder folder;
+    const std::string file = folder.Path() / "run.jsonl";
+    WriteFile(file, LinesOfKilledRun() + "{\"point\":");
+    const Environment environment{{"SONAVEX_SOUND", "simulated"}, {"XDG_CONFIG_HOME", folder.Path()}};
+    const Arguments command{"/bin/sh", "-c", "exec \"$0\" sweep --continue \"$1\" >>\"$1\"", SONAVEX_MEASURE,
+                            file};
+    RunProgram(command, environment, 60s);
+    const std::string complete = FileText(file);
+    EXPECT_EQ(std::count(complete.begin(), complete.end(), '\n'), 6);
+    RunProgram(command, environment, 60s);
+    EXPECT_EQ(FileText(file), complete);
+    const Outcome outcome = MeasureSimulated({"sweep", "--continue", file});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(LastLine(outcome.errors), StartsWith("PASS: 5 of 5 points measured."));
+}
+
+TEST(SweepProgram, RefusesToContinueAnotherRun) {
+    const PrivateFolder folder;
+    const std::string file = folder.Path() / "run.jsonl";
+    const auto refused = [&](const Arguments& more, const std::string& text) {
+        Arguments arguments{"sweep", "--continue", file};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        ExpectRefusal(MeasureSimulated(arguments), text);
+    };
+    refused({}, "The run '" + file + "' cannot be read.");
+    WriteFile(file, "{}\n");
+    refused({}, "cannot be continued: It holds no line with a run.");
+    const std::string lines = LinesOfKilledRun();
+    WriteFile(file, lines);
+    refused({"--rate", "44100"}, "measured at 48000 Hz and cannot be continued at 44100 Hz");
+    refused({"--over", "frequency"}, "--continue");
+    refused({"--dbfs", "-6"}, "--continue");
+    std::string other = lines;
+    for (std::size_t at = 0; (at = other.find("\"input\":\"", at)) != std::string::npos; ++at)
+        other.insert(at + 9, "Another ");
+    WriteFile(file, other);
+    refused({}, "The input of the run is 'Another ");
 }
 
 TEST(SweepProgram, RefusesWhatIsNoRunBeforeItPlays) {

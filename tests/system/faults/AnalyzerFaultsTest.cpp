@@ -1,11 +1,13 @@
 // The whole program with an open Analyzer and faults of private sound servers and of cards.
 
 #include <QComboBox>
+#include <cmath>
 #include <thread>
 
 #include "support/PipeWireServer.h"
 #include "support/PulseServer.h"
 #include "support/alsa/LoopCards.h"
+#include "support/alsa/PlayedEnd.h"
 #include "system/faults/FaultRig.h"
 
 namespace sonavex {
@@ -165,6 +167,20 @@ TEST_F(AnalyzerFaults, CardUnpluggedAndPluggedInAgain) {
 TEST_F(AnalyzerFaults, CardSuspendedAndResumed) {
     CheckCard([](LoopCardState& card) { card.suspended = 1; }, "has been suspended.",
               [](LoopCardState& card) { card.suspended = 0; });
+}
+
+// The program ends while the tone plays.
+TEST_F(AnalyzerFaults, TheEndOfTheProgramEndsTheToneWithARamp) {
+    setenv("PULSE_SERVER", "unix:/nonexistent/sonavex", 1);
+    LoopCards cards(CardList{{"card", "Test card", {32000}, 2, "S32_LE"}});
+    Store(kShortAveragesOnCard);
+    Run([&] { StartMeasuring(); });
+    const PlayedEnd end = EndOf(PlayedBy(cards.State("card")));
+    const double peak = std::pow(10.0, -1.0 / 20.0);
+    EXPECT_TRUE(end.silent);
+    EXPECT_NEAR(end.loudest, peak, 0.01);
+    // The slopes of 1 kHz and of its ramp of 5 ms.
+    EXPECT_LE(end.largestStep, peak * (2.0 * M_PI * 1000.0 / 32000 + 0.5 * M_PI / 160));
 }
 
 // As after the sleep of the system: the time passes and nothing runs.

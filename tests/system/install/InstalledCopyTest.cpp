@@ -47,9 +47,10 @@ TEST_F(InstalledCopyTest, HasTheHelpFileWhereTheProgramLooksForIt) {
 
 TEST_F(InstalledCopyTest, HasEverythingThatADesktopLooksFor) {
     for (const char* file :
-         {"bin/sonavex-measure", "lib/sonavex/sonavex", "share/applications/sonavex.desktop",
-          "share/metainfo/example.sonavex.Sonavex.metainfo.xml", "share/man/man1/sonavex.1.gz",
-          "share/man/man1/sonavex-measure.1.gz", "share/doc/sonavex/copyright",
+         {"bin/sonavex-measure", "bin/sonavex-plot", "lib/sonavex/sonavex",
+          "share/applications/sonavex.desktop", "share/metainfo/example.sonavex.Sonavex.metainfo.xml",
+          "share/man/man1/sonavex.1.gz", "share/man/man1/sonavex-measure.1.gz",
+          "share/man/man1/sonavex-plot.1.gz", "share/doc/sonavex/copyright",
           "share/icons/hicolor/scalable/apps/sonavex.svg", "share/icons/hicolor/16x16/apps/sonavex.png",
           "share/icons/hicolor/512x512/apps/sonavex.png"})
         EXPECT_GT(fs::file_size(Installed(file)), 100U) << file;
@@ -60,9 +61,11 @@ TEST_F(InstalledCopyTest, HasEverythingThatADesktopLooksFor) {
 TEST_F(InstalledCopyTest, AgreesOnTheVersion) {
     const std::string version = SONAVEX_VERSION;
     EXPECT_THAT(RunProgram({Installed("bin/sonavex-measure"), "--version"}, {}, 20s), HasSubstr(version));
+    EXPECT_THAT(RunProgram({Installed("bin/sonavex-plot"), "--version"}, {}, 20s), HasSubstr(version));
     EXPECT_THAT(Content(Installed("share/metainfo/example.sonavex.Sonavex.metainfo.xml")),
                 HasSubstr("<release version=\"" + version + "\""));
-    for (const char* page : {"share/man/man1/sonavex.1.gz", "share/man/man1/sonavex-measure.1.gz"})
+    for (const char* page : {"share/man/man1/sonavex.1.gz", "share/man/man1/sonavex-measure.1.gz",
+                             "share/man/man1/sonavex-plot.1.gz"})
         EXPECT_THAT(RunProgram({"gzip", "--decompress", "--stdout", Installed(page)}, {}, 20s),
                     HasSubstr("\"Sonavex " + version + "\""));
 }

@@ -39,7 +39,7 @@ protected:
     // The device takes this many samples.
     void Take(std::size_t samples) {
         sound.fineRoom = samples;
-        loop.Advance(20ms);
+        loop.Advance(100ms);
     }
     std::vector<std::string> Volumes() const { return log.Of("playbackBuffer.SetVolume"); }
     std::string RefusalOf(const StimulusChoice& choice) {
@@ -102,7 +102,11 @@ TEST_F(StimulusPlayerTest, TheLevelSliderIsKeptAndAppliedAfterTheEndHasBeenPlaye
     EXPECT_TRUE(player.Active());
     EXPECT_THAT(Volumes(), IsEmpty());
     sound.fineWaiting = 0;
+    sound.restingCursors = {.play = 1000 * 4, .write = 9000 * 4};
     Take(8192);
+    Take(0);
+    EXPECT_TRUE(player.Active());
+    sound.restingCursors.play = 9000 * 4;
     Take(0);
     EXPECT_FALSE(player.Active());
     EXPECT_THAT(Volumes(), ElementsAre("playbackBuffer.SetVolume -1200"));

@@ -315,7 +315,7 @@ TEST_F(RunMeasurementTest, ContinuesWithVoidAndMissingPoints) {
 
     SetDevice([](DeviceUnderTestModel&) {});
     notified.clear();
-    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, 0});
+    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, "", 0});
     EXPECT_EQ(run.Current(), 1U);
     EXPECT_EQ(run.PointsLeft(), 2U);
     EXPECT_EQ(run.Results().size(), 3U);
@@ -330,7 +330,7 @@ TEST_F(RunMeasurementTest, ContinuesWithVoidAndMissingPoints) {
         EXPECT_TRUE(result.Valid()) << result.fault.code;
         EXPECT_FALSE(result.afterLoss);
     }
-    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, 0});
+    run.Continue({{plan, {}}, run.Points(), run.Results(), {kRunRateHz, 4, {}}, "", 0});
     EXPECT_FALSE(run.Active());
 }
 
@@ -338,7 +338,7 @@ TEST_F(RunMeasurementTest, MarksThePointsThatContinueAnotherProgramsRun) {
     const RunPlan plan = Plan({300, 500});
     RunPointResult measured;
     measured.point = PointsOf(plan, kRunRateHz)[0];
-    run.Continue({{plan, {}}, {}, {measured}, {kRunRateHz, 2, {}}, 0});
+    run.Continue({{plan, {}}, {}, {measured}, {kRunRateHz, 2, {}}, "", 0});
     RunUntil([&] { return !run.Active(); });
     ASSERT_EQ(run.Results().size(), 2U);
     EXPECT_FALSE(run.Results()[0].afterLoss);
@@ -349,9 +349,71 @@ TEST_F(RunMeasurementTest, RefusesToContinueAnotherRun) {
     const RunPlan plan = Plan({300, 500});
     RunPointResult other;
     other.point = PointsOf(Plan({400}), kRunRateHz)[0];
-    EXPECT_THROW(run.Continue({{plan, {}}, {}, {other}, {kRunRateHz, 2, {}}, 0}), RunError);
-    EXPECT_THROW(run.Continue({{plan, {}}, {}, {}, {48000, 2, {}}, 0}), RunError);
+    EXPECT_THROW(run.Continue({{plan, {}}, {}, {other}, {kRunRateHz, 2, {}}, "", 0}), RunError);
+    EXPECT_THROW(run.Continue({{plan, {}}, {}, {}, {48000, 2, {}}, "", 0}), RunError);
     EXPECT_FALSE(run.Active());
+}
+
+// The card delays by whole frames, and a curve turns no phase.
+TEST_F(RunMeasurementTest, ThePhaseOfACurveIsZeroAndTheDelayAWholeNumberOfFrames) {
+    RunToEnd(Plan({50, 110, 240, 530, 1000.5, 2100.7, 3300.3}));
+    ASSERT_EQ(run.Results().size(), 7U);
+    for (const RunPointResult& result : run.Results()) {
+        ASSERT_TRUE(result.phaseDegrees.value);
+        EXPECT_NEAR(*result.phaseDegrees.value, 0.0, 0.005) << result.point.playedHz;
+        EXPECT_GT(*result.phaseDegrees.uncertainty, 0.0);
+        EXPECT_LT(*result.phaseDegrees.uncertainty, 0.01);
+        const double frames = *result.delaySeconds * kRunRateHz;
+        EXPECT_NEAR(frames, std::round(frames), 1e-4);
+        EXPECT_GE(frames, 900.0);
+        EXPECT_LE(frames, 900.0 + 0.3 * kRunRateHz);
+    }
+}
+
+TEST_F(RunMeasurementTest, AnInversionTurnsEveryPhase) {
+    SetDevice([](DeviceUnderTestModel& model) { model.gain = -0.5; });
+    RunToEnd(Plan({110, 240, 530, 1000.5, 2100.7}));
+    for (const RunPointResult& result : run.Results())
+        EXPECT_NEAR(std::abs(result.phaseDegrees.value.value()), 180.0, 0.01);
+}
+
+TEST_F(RunMeasurementTest, ThePhasesBelongToTheSameDelayAtEveryPoint) {
+    std::vector<double> refined;
+    onPoint = [&] {
+        refined.push_back(*run.Results().back().delaySeconds);
+        for (const RunPointResult& result : run.Results()) EXPECT_EQ(*result.delaySeconds, refined.back());
+    };
+    RunToEnd(Plan({110, 530, 2100.7}));
+    EXPECT_EQ(refined.size(), 3U);
+}
+
+TEST_F(RunMeasurementTest, PointsOnDifferentClocksHaveNoPhase) {
+    SetDevice([](DeviceUnderTestModel& model) { model.clockOffsetPpm = 20; });
+    RunToEnd(Plan({500.3, 700.3}));
+    ASSERT_EQ(run.Results().size(), 2U);
+    for (const RunPointResult& result : run.Results()) {
+        EXPECT_TRUE(result.Valid());
+        EXPECT_FALSE(result.phaseDegrees.value);
+        EXPECT_NEAR(result.delaySeconds.value(), 0.2, 0.1);
+    }
+}
+
+// The queue runs empty while the loop is blocked, so that a part of the stimulus is missing.
+TEST_F(RunMeasurementTest, AGapInTheStimulusMeasuresThePathAgain) {
+    run.Start(Plan({240.3, 500.3, 1200.3, 3000.3}));
+    RunUntil([&] { return notified.size() == 1 && run.Records() == 1; });
+    const double before = *run.Results()[0].delaySeconds;
+    const std::uint64_t missing = instrument.Engine.FineFramesMissing();
+    sound.Card().Step(3 * kRunRateHz);
+    RunUntil([&] { return !run.Active(); });
+    ASSERT_GT(instrument.Engine.FineFramesMissing(), missing);
+    ASSERT_EQ(run.Results().size(), 4U);
+    EXPECT_EQ(*run.Results()[0].delaySeconds, before);
+    for (std::size_t i = 1; i < 4; ++i) {
+        ASSERT_TRUE(run.Results()[i].Valid());
+        EXPECT_NEAR(run.Results()[i].phaseDegrees.value.value(), 0.0, 0.01);
+        EXPECT_EQ(*run.Results()[i].delaySeconds, *run.Results()[3].delaySeconds);
+    }
 }
 
 // THD within its uncertainty of 95 % at 95 +-3 % of the points, and within 0.01 dB.

@@ -20,6 +20,8 @@ RunPointResult WrittenPoint(double thdDb) {
     result.reading.thdDb = {thdDb, 0.25};
     result.reading.harmonics = {{2, {-101, {}, true}, {}}, {3, {-99, 0.5}, {12, 1}}};
     result.gainDb = {-0.5, 1e-4};
+    result.phaseDegrees = {-12.5, 1e-3};
+    result.delaySeconds = 0.0625;
     return result;
 }
 
@@ -54,6 +56,9 @@ TEST(RunText, APointIsALineWithTheReading) {
     EXPECT_EQ(json["played_hz"], 999.755859375);
     EXPECT_EQ(json["stimulus_dbfs"], -20);
     EXPECT_EQ(json["gain_db"], -0.5);
+    EXPECT_EQ(json["phase_deg"], -12.5);
+    EXPECT_EQ(json["path_delay_ms"], 62.5);
+    EXPECT_EQ(json["uncertainty"]["phase_deg"], 1e-3);
     EXPECT_EQ(json["attempts"], 1);
     EXPECT_EQ(json["after_loss"], false);
     EXPECT_EQ(json["valid"], true);
@@ -74,7 +79,8 @@ TEST(RunText, AVoidPointHasItsReasonAndNoValue) {
     EXPECT_EQ(json["sentences"], ordered_json({"It never settled."}));
     EXPECT_EQ(json["attempts"], 2);
     EXPECT_EQ(json["after_loss"], true);
-    for (const char* name : {"gain_db", "thd_db", "thdn_db", "level_dbfs", "frequency_hz"})
+    for (const char* name :
+         {"gain_db", "phase_deg", "path_delay_ms", "thd_db", "thdn_db", "level_dbfs", "frequency_hz"})
         EXPECT_TRUE(json[name].is_null()) << name;
 }
 
@@ -90,6 +96,8 @@ TEST(RunText, TheTableHasTheRunTheVerdictAndEveryPoint) {
     EXPECT_THAT(csv,
                 HasSubstr("\n1000,999.755859375,-20,1,\"\",1,0,999.750000,1e-05,0,-20.500000,0.0001,0,"
                           "-0.500000,0.0001,0,-90.000000,0.25,0,,,,,,,-101.000000,,1,-99.000000,0.5,0,"));
+    EXPECT_THAT(csv, HasSubstr(",phase_deg,phase_deg_uncertainty,phase_deg_bound,path_delay_ms,"));
+    EXPECT_THAT(csv, HasSubstr(",-12.500000,0.001,0,62.500000,,0\n"));
     EXPECT_THAT(csv, HasSubstr("\n2000,2000,-20,0,\"not settled\",2,1,,,,,"));
 }
 

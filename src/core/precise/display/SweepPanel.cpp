@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/precise/display/ReadingTexts.h"
+#include "core/run/StoredRun.h"
 #include "core/run/display/RunTexts.h"
 #include "core/text/Decimals.h"
 
@@ -38,6 +39,8 @@ SweepPanel::SweepPanel(const Needs& needs, Events events)
     cmdStart.Click.Handle([this] { Active() ? Cancel() : Start(); });
     cmdRepeat.Click.Handle([this] { Repeat(); });
     cmdKeep.Click.Handle([this] { Keep(); });
+    cmdPrint.SetCaption("Print\u2026");
+    cmdPrint.Click.Handle([this] { PrintPage(); });
     cmdClear.Click.Handle([this] { Clear(); });
     Plot.CursorMoved.Handle([this] { ShowPoint(); });
     for (std::size_t i = 0; i < chkSeries.size(); ++i) {
@@ -81,8 +84,9 @@ void SweepPanel::Start() {
     if (!begun) return;
     const StreamDetails stream =
         DetailsOf(needs_.instrument.Engine, needs_.instrument.Shared.SampleRate, needs_.simulated);
-    present_ = {std::move(file), run_->Points(), {}, {rateHz, run_->Points().size(), stream}, 0};
-    time_ = TimeOfDay(needs_.now()).substr(0, kHoursAndMinutes);
+    const std::string time = DateAndTime(needs_.now());
+    present_ = {std::move(file), run_->Points(), {}, {rateHz, run_->Points().size(), stream}, time, 0};
+    name_ = TimeOfDay(needs_.now()).substr(0, kHoursAndMinutes);
     secondsBefore_ = 0;
     ShowRun();
 }
@@ -102,7 +106,7 @@ void SweepPanel::Repeat() {
 void SweepPanel::Keep() {
     if (present_.results.empty()) return;
     const std::string others = OtherValuesText(present_.file.plan, present_.points);
-    const std::string name = time_.empty() ? others : time_ + ", " + others;
+    const std::string name = name_ + ", " + others;
     if (events_.kept) events_.kept(present_, name);
     Kept.Add(present_, name);
 }
@@ -112,7 +116,7 @@ void SweepPanel::Open(MeasuredRun run, const std::string& name) {
     run_.reset();
     run.file.limits = present_.file.limits;
     present_ = std::move(run);
-    time_.clear();
+    name_ = name;
     lblTrouble.SetCaption("");
     TakeChange();
     ShowRun();
@@ -184,6 +188,7 @@ void SweepPanel::ShowRun() {
     cmdRepeat.SetCaption(present_.results.size() < present_.points.size() ? "Continue" : "Repeat invalid");
     cmdRepeat.SetEnabled(!active && PointsDone() < present_.points.size());
     cmdKeep.SetEnabled(!active && some);
+    cmdPrint.SetEnabled(!active && some);
     cmdClear.SetEnabled(!active && !present_.points.empty());
     Setup.SetLocked(active);
     ShowVerdict(Verdict, present_.file.limits, present_.results, present_.points.size(), active);
@@ -275,23 +280,49 @@ std::string SweepPanel::CopiedText() const {
                                     : RunCsv(present_.file, present_.results, present_.conditions);
 }
 
+std::vector<std::string> SweepPanel::PageLines(const MeasuredRun& run) const {
+    return RunPageLines(run, "Sonavex " + needs_.version);
+}
+
+std::string SweepPanel::Exported(const MeasuredRun& run, Format format) const {
+    std::string lines;
+    switch (format) {
+        case Format::kCsv:
+            return RunCsv(run.file, run.results, run.conditions);
+        case Format::kLines:
+            for (std::size_t i = 0; i < run.results.size(); ++i)
+                lines +=
+                    RunPointJson(run.results[i], i + 1, run.conditions, i == 0 ? &run.file : nullptr) + '\n';
+            return lines;
+        case Format::kRun:
+            return StoredRunText(run) + '\n';
+        case Format::kPicture:
+            return DrawRun(ExportKind::kLargePicture, run, PageLines(run));
+        case Format::kPdf:
+            break;
+    }
+    return DrawRun(ExportKind::kPdf, run, PageLines(run));
+}
+
 // The points of the moment of the click are exported, whatever is measured while the user chooses a file.
 void SweepPanel::Export() {
-    const std::string csv = CopiedText();
-    if (csv.empty()) {
+    if (present_.results.empty()) {
         needs_.dialogs.Message("There is no run to export.", MessageIcon::kInformation);
         return;
     }
-    std::string json;
-    for (std::size_t i = 0; i < present_.results.size(); ++i)
-        json += RunPointJson(present_.results[i], i + 1, present_.conditions) + '\n';
+    const MeasuredRun clicked = present_;
     const std::optional<ExportTarget> target = AskForExport ? AskForExport() : std::nullopt;
     if (!target) return;
     try {
-        needs_.files.WriteText(target->path, target->csv ? csv : json);
+        needs_.files.WriteText(target->path, Exported(clicked, target->format));
     } catch (const FileError& error) {
         needs_.dialogs.Message(error.what(), MessageIcon::kCritical);
     }
+}
+
+void SweepPanel::PrintPage() {
+    if (Print && DrawRun && !present_.results.empty())
+        Print(DrawRun(ExportKind::kLargePicture, present_, {}), PageLines(present_));
 }
 
 }  // namespace sonavex

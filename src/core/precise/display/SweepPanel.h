@@ -15,6 +15,7 @@
 #include "core/precise/display/AnalyzerResult.h"
 #include "core/precise/display/KeptRuns.h"
 #include "core/precise/display/SweepSetup.h"
+#include "core/precise/results/ExportFiles.h"
 #include "core/run/MeasuredRun.h"
 #include "core/run/RunMeasurement.h"
 #include "core/run/display/RunPlot.h"
@@ -35,6 +36,7 @@ public:
         const MeasurementFiles& files;
         bool simulated = false;  // the sound card
         std::function<DateTime()> now;
+        std::string version;  // of the program
     };
     struct Events {
         std::function<RunPlan()> conditions;  // what the settings of the spectrum choose
@@ -67,18 +69,31 @@ public:
     // The CSV table of the run; empty without one.
     std::string CopiedText() const;
 
+    enum class Format {
+        kCsv,
+        kLines,  // one JSON line for each point
+        kRun,    // one JSON object, which sonavex-plot draws
+        kPicture,
+        kPdf,
+    };
     struct ExportTarget {
         std::string path;
-        bool csv = true;  // otherwise one JSON line for each point
+        Format format = Format::kCsv;
     };
     // Asks for file and format of an export; empty if the user cancels.
     std::function<std::optional<ExportTarget>()> AskForExport;
+    // Draws a run with these lines below it: the content of a PNG or PDF file.
+    std::function<std::string(ExportKind kind, const MeasuredRun& run, const std::vector<std::string>& lines)>
+        DrawRun;
+    // Prints one page: a PNG picture and lines.
+    std::function<void(const std::string& png, const std::vector<std::string>& lines)> Print;
 
     SweepSetup Setup;
     CommandButton cmdStart;   // "Start sweep" or "Cancel"
     CommandButton cmdRepeat;  // "Repeat invalid" or "Continue"
     CommandButton cmdKeep;
     CommandButton cmdClear;
+    CommandButton cmdPrint;
     KeptRuns Kept;
     RunPlot Plot;
     std::array<CheckBox, kRunSeriesCount> chkSeries;
@@ -101,6 +116,9 @@ private:
     void Keep();
     // Takes the measurement and calls `begin`; false if the run cannot be played.
     bool Begin(const std::function<void()>& begin);
+    void PrintPage();
+    std::string Exported(const MeasuredRun& run, Format format) const;
+    std::vector<std::string> PageLines(const MeasuredRun& run) const;
     void TakeResults();
     void TakeState();
     void TakeChange();
@@ -116,7 +134,7 @@ private:
     Events events_;
     std::unique_ptr<RunMeasurement> run_;
     MeasuredRun present_;
-    std::string time_;  // of day, when the present run began; empty of a stored run
+    std::string name_;  // of the present run: the time of day when it began, or that of the stored run
     std::chrono::nanoseconds started_{0};
     double secondsBefore_ = 0;  // that the present run had taken when it was continued
 };

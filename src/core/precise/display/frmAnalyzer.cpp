@@ -56,7 +56,7 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
       Readings(needs.instrument.Settings),
       Recording({needs.files, needs.background, needs.dialogs}),
       Sweep({needs.loop, needs.instrument, measurement_, needs.dialogs, needs.files, needs.simulated,
-             needs.now},
+             needs.now, needs.version},
             {[this] { return SweepConditions(); },
              [this] {
                  ShowSweepConditions();

@@ -75,6 +75,8 @@ public:
     bool WasOpen() const;
     // Call at the end of the program instead of Unload: the form opens again with the next start.
     void UnloadForNextStart();
+    // Whether the stimulus is heard; after an unload, until its ramp has been played.
+    bool StimulusHeard() const { return measurement_.Player.Active(); }
 
     // Opens a recording in the form, which is loaded if necessary.
     void OpenRecording(const std::string& path);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "core/precise/results/ReadingFields.h"
 #include "core/text/Decimals.h"
 
 namespace sonavex {
@@ -23,25 +24,11 @@ struct AnalyzedRow {
     const Value& value;
 };
 
-std::vector<AnalyzedRow> ReadingRows(const Reading& r) {
-    return {
-        {"dc", "DC", "FS", 9, r.dc},
-        {"thd_percent", "THD", "%", 6, r.thdPercent},
-        {"thd_db", "THD", "dB", 3, r.thdDb},
-        {"thd_r_percent", "THD_R", "%", 6, r.thdRPercent},
-        {"thdn_db", "THD+N", "dB", 3, r.thdnDb},
-        {"thdn_r_db", "THD+N_R", "dB", 3, r.thdnRDb},
-        {"thdn_notch_db", "THD+N, notch", "dB", 3, r.thdnNotchDb},
-        {"sinad_db", "SINAD", "dB", 3, r.sinadDb},
-        {"snr_db", "SNR", "dB", 3, r.snrDb},
-        {"enob", "ENOB re full scale", "bit", 3, r.enob},
-        {"noise_dbfs", "Noise", "dBFS", 3, r.noiseDbfs},
-        {"noise_a_dbfs", "Noise, A", "dBFS", 3, r.noiseADbfs},
-        {"noise_468_dbfs", "Noise, 468", "dBFS", 3, r.noise468Dbfs},
-        {"noise_ccir_rms_dbfs", "Noise, CCIR-RMS", "dBFS", 3, r.noiseCcirRmsDbfs},
-        {"skirt_db", "Skirt", "dBc", 3, r.skirtDb},
-        {"sfdr_db", "SFDR", "dB", 3, r.sfdrDb},
-    };
+std::vector<AnalyzedRow> ReadingRows(const Reading& reading) {
+    std::vector<AnalyzedRow> rows;
+    for (const ReadingField& field : kReadingFields)
+        rows.push_back({field.name, field.caption, field.unit, field.decimals, reading.*field.value});
+    return rows;
 }
 
 std::vector<AnalyzedRow> ModeRows(const LinesReading& values) {

@@ -9,6 +9,7 @@ namespace sonavex {
 namespace {
 
 constexpr int kTextDigits = 5;
+constexpr std::size_t kMostListed = 6;
 constexpr int kOverDecimals = 2;
 constexpr int kLimitTextDecimals = 2;
 constexpr double kKilohertz = 1000.0;
@@ -50,7 +51,73 @@ std::string BeyondText(const RunVerdict& verdict, std::span<const RunPointResult
            HertzText(results[worst.point].point.requestedHz);
 }
 
+std::string ListedText(std::span<const double> values) {
+    std::string text;
+    for (std::size_t i = 0; i < std::min(values.size(), kMostListed); ++i)
+        text += (text.empty() ? "" : ", ") + WithDigits(values[i], kTextDigits);
+    return values.size() > kMostListed ? text + " \u2026" : text;
+}
+
+std::string PositionsText(const RunPoint& point, RunAxis over) {
+    return over == RunAxis::kFrequency ? HertzText(point.requestedHz)
+                                       : WithDigits(point.levelDbfs, kTextDigits) + " dBFS";
+}
+
+// What is measured over the axis, and at which values of the other list.
+std::string AxisText(const MeasuredRun& run) {
+    if (run.points.empty()) return "";
+    const RunPlan& plan = run.file.plan;
+    const bool overFrequency = plan.over == RunAxis::kFrequency;
+    std::vector<double> others;
+    for (const RunPoint& point : run.points) {
+        const double other = overFrequency ? point.levelDbfs : point.requestedHz;
+        if (std::find(others.begin(), others.end(), other) == others.end()) others.push_back(other);
+    }
+    return PointCount(run.points.size()) + (overFrequency ? " over frequency, " : " over level, ") +
+           PositionsText(run.points.front(), plan.over) + " to " +
+           PositionsText(run.points.back(), plan.over) + ", at " + ListedText(others) +
+           (overFrequency ? " dBFS" : " Hz");
+}
+
+std::string AnalysisText(const MeasuredRun& run) {
+    const RunPlan& plan = run.file.plan;
+    return "Records of " + std::to_string(RecordLengthOf(plan, run.conditions.rateHz)) + " samples at " +
+           WithDecimals(run.conditions.rateHz, 0) + " Hz, band " + HertzText(plan.band.lowHz) + " to " +
+           HertzText(plan.band.highHz) + ", " + (plan.channel == 0 ? "left" : "right") +
+           " channel, harmonics to " + std::to_string(plan.highestOrder);
+}
+
+// The points without values; empty if there are none.
+std::string InvalidText(const MeasuredRun& run) {
+    std::string text;
+    std::size_t count = 0;
+    for (const RunPointResult& result : run.results) {
+        if (result.Valid() || ++count > kMostListed) continue;
+        text += (text.empty() ? "Invalid: " : ", ") + PositionsText(result.point, run.file.plan.over) + " (" +
+                result.fault.code + ')';
+    }
+    return count > kMostListed ? text + " and " + std::to_string(count - kMostListed) + " more" : text;
+}
+
 }  // namespace
+
+std::vector<std::string> RunPageLines(const MeasuredRun& run, const std::string& program) {
+    std::vector<std::string> lines{run.time.empty() ? program : run.time + ", " + program, AxisText(run),
+                                   AnalysisText(run)};
+    if (const auto& stream = run.conditions.stream) {
+        lines.push_back("Input " + stream->input + ", " + std::to_string(stream->inputBits) +
+                        " bit; output " + stream->output + ", " + std::to_string(stream->outputBits) +
+                        " bit");
+        for (const std::string& note : stream->notes) lines.push_back(note);
+        if (stream->simulated) lines.emplace_back("SIMULATED sound card: this run measures nothing real");
+    }
+    const std::string limits = LimitsText(run.file.limits, run.points, run.results);
+    lines.push_back(limits.empty() ? "No limit" : "Limit: " + limits);
+    lines.push_back(VerdictSentence(JudgeRun(run.file.limits, run.results, run.points.size()), run.results,
+                                    run.points.size()));
+    if (std::string invalid = InvalidText(run); !invalid.empty()) lines.push_back(std::move(invalid));
+    return lines;
+}
 
 RunVerdictChip VerdictChipOf(std::span<const RunLimit> limits, std::span<const RunPointResult> results,
                              std::size_t points, bool running) {

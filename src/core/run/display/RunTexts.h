@@ -3,8 +3,9 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <vector>
 
-#include "core/run/RunLimits.h"
+#include "core/run/MeasuredRun.h"
 
 namespace sonavex {
 
@@ -25,6 +26,9 @@ RunVerdictChip VerdictChipOf(std::span<const RunLimit> limits, std::span<const R
 // separated by semicolons. Empty without limits.
 std::string LimitsText(std::span<const RunLimit> limits, std::span<const RunPoint> points,
                        std::span<const RunPointResult> results);
+
+// Lines about a run for a page: time and program, plan, devices, notes, limits, verdict, invalid points.
+std::vector<std::string> RunPageLines(const MeasuredRun& run, const std::string& program);
 
 // "THD", "THD+N", "H2", "Response"
 std::string TitleOf(const RunQuantity& quantity);

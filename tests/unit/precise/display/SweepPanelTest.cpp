@@ -3,6 +3,7 @@
 
 #include "core/precise/display/SweepPanel.h"
 #include "core/precise/display/frmAnalyzer.h"
+#include "core/run/StoredRun.h"
 #include "support/AnalyzerNeeds.h"
 #include "support/FormRig.h"
 #include "support/InlineBackground.h"
@@ -186,12 +187,37 @@ TEST_F(SweepPanels, ExportsTheRunAsCsvOrJson) {
     sweep.cmdStart.Press();
     ASSERT_TRUE(Ends());
     EXPECT_THAT(sweep.CopiedText(), HasSubstr("COMPLETE: 3 of 3 points measured."));
-    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.csv", true}; };
+    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.csv", SweepPanel::Format::kCsv}; };
     sweep.Export();
     EXPECT_EQ(files.texts.at("/tmp/run.csv"), sweep.CopiedText());
-    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.txt", false}; };
+    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.txt", SweepPanel::Format::kLines}; };
     sweep.Export();
     EXPECT_THAT(files.texts.at("/tmp/run.txt"), StartsWith("{\"point\":1,\"points\":3,"));
+    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.json", SweepPanel::Format::kRun}; };
+    sweep.Export();
+    EXPECT_EQ(ParseStoredRun(files.texts.at("/tmp/run.json")).results.size(), 3U);
+}
+
+TEST_F(SweepPanels, DrawsAndPrintsTheRun) {
+    std::string drawn;
+    std::string printed;
+    sweep.DrawRun = [&](ExportKind kind, const MeasuredRun& run, const std::vector<std::string>& lines) {
+        drawn = (kind == ExportKind::kPdf ? "pdf " : "png ") + std::to_string(run.results.size());
+        return drawn + (lines.empty() ? "" : ", " + lines.front());
+    };
+    sweep.Print = [&](const std::string& png, const std::vector<std::string>& lines) {
+        printed = png + "; " + lines.front() + "; " + lines[1];
+    };
+    EXPECT_FALSE(sweep.cmdPrint.Enabled());
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    sweep.cmdPrint.Press();
+    EXPECT_EQ(
+        printed,
+        "png 3; 2026-11-23 10:42:07, Sonavex 2.1.14; 3 points over frequency, 250 Hz to 1000 Hz, at -1 dBFS");
+    sweep.AskForExport = [] { return SweepPanel::ExportTarget{"/tmp/run.pdf", SweepPanel::Format::kPdf}; };
+    sweep.Export();
+    EXPECT_EQ(files.texts.at("/tmp/run.pdf"), "pdf 3, 2026-11-23 10:42:07, Sonavex 2.1.14");
 }
 
 TEST_F(SweepPanels, StepsTheLevel) {
