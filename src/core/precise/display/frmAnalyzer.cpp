@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "core/history/ReadingValues.h"
+#include "core/precise/display/StoredRuns.h"
+#include "core/run/StoredRun.h"
 #include "core/stimulus/StimulusPlan.h"
 #include "core/text/Decimals.h"
 
@@ -67,7 +69,7 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
              [this] {
                  if (timer_ != 0) Measure(Play::kKeep);
              },
-             {}}),
+             [this](const MeasuredRun& run, const std::string& name) { StoreRun(run, name); }}),
       History({needs.history, needs.dialogs, needs.files, needs.now}),
       needs_(needs),
       measurement_({needs.loop, needs.instrument, needs.background, &needs.generatorPanel}),
@@ -110,6 +112,9 @@ void frmAnalyzer::HandleControls() {
     mnuStoreReading.Click.Handle([this] { StoreReading(); });
     History.OnShowTraces = [this](const std::vector<std::shared_ptr<const SpectrumTrace>>& traces) {
         ShowTraces(traces);
+    };
+    History.OnOpenRun = [this](const std::string& details, const HistoryEntry& entry) {
+        OpenStoredRun(details, entry);
     };
     History.OnCopy = [this](const std::string& text) {
         if (OnCopy) OnCopy(text);
@@ -537,6 +542,22 @@ void frmAnalyzer::StoreReading() {
         reading.Valid() ? HistoryCurve::Of(result_->spectrum, result_->independentSpectra) : HistoryCurve();
     const std::string id = History.Store(entry, DetailsOf(measurement.reading), curve);
     if (state == StateChip::Kind::kValid && !result_->recording) lastValidId_ = id;
+}
+
+void frmAnalyzer::StoreRun(const MeasuredRun& run, const std::string& name) {
+    HistoryEntry entry = EntryOf(run, name);
+    if (entry.time.empty()) entry.time = DateAndTime(needs_.now());
+    History.Store(entry, StoredRunText(run), {});
+}
+
+void frmAnalyzer::OpenStoredRun(const std::string& details, const HistoryEntry& entry) {
+    try {
+        Sweep.Open(ParseStoredRun(details), entry.note.empty() ? entry.time : entry.note);
+    } catch (const RunError& error) {
+        needs_.dialogs.Message(error.what(), MessageIcon::kInformation);
+        return;
+    }
+    if (ShowTab) ShowTab(Tab::kSweep);
 }
 
 std::string frmAnalyzer::LastValidText() const {

@@ -182,6 +182,8 @@ private:
     void Single();
     void KeepTrace();
     void StoreReading();
+    void StoreRun(const MeasuredRun& run, const std::string& name);
+    void OpenStoredRun(const std::string& details, const HistoryEntry& entry);
     void ShowTraces(const std::vector<std::shared_ptr<const SpectrumTrace>>& traces);
     std::string LastValidText() const;
     // A reading that is kept for the rules of validity, with the conditions under which they compare it.
