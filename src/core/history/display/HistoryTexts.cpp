@@ -48,7 +48,7 @@ bool IsListed(const std::string& name) {
 }
 
 std::string TotalOf(const HistoryEntry& entry) {
-    const std::string thd = FigureOf(entry, "thd_db", kListDecimals);
+    std::string thd = FigureOf(entry, "thd_db", kListDecimals);
     if (!thd.empty()) return thd;
     for (const auto& [name, caption] : kTotals) {
         const std::string figure = FigureOf(entry, name, kListDecimals);
@@ -74,7 +74,7 @@ HistoryList::Row ListRowOf(const HistoryEntry& entry) {
     row.path = PathOf(entry);
     row.rate = WithDecimals(entry.rateHz, 0);
     row.bits = ListedBits(entry);
-    row.stimulus = entry.kind == HistoryKind::kRun ? "Run " + StimulusOf(entry) : StimulusOf(entry);
+    row.stimulus = StimulusOf(entry);
     const bool bare = entry.state == HistoryState::kVoid || entry.state == HistoryState::kOverload;
     row.thd = bare ? "none" : TotalOf(entry);
     row.thdn = bare ? "none" : FigureOf(entry, "thdn_db", kListDecimals);

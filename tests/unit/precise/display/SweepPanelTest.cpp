@@ -362,6 +362,31 @@ TEST_F(SweepPanels, RepeatsInvalidPoints) {
     EXPECT_EQ(sweep.lblTrouble.Caption(), "");
 }
 
+TEST_F(SweepPanels, AKeptRunCanBeOpenedFromTheHistory) {
+    sweep.Setup.chkLimit.UserSets(true);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    const MeasuredRun measured = sweep.Present();
+    sweep.cmdKeep.Press();
+    ASSERT_EQ(history.history.Entries().size(), 1U);
+    const HistoryEntry& entry = history.history.Entries().front();
+    EXPECT_EQ(entry.kind, HistoryKind::kRun);
+    EXPECT_NE(entry.state, HistoryState::kDone) << "the run has a limit";
+    EXPECT_TRUE(entry.stimulus.starts_with("sweep: ")) << entry.stimulus;
+    EXPECT_TRUE(entry.stimulus.ends_with(" Hz, 3 points")) << entry.stimulus;
+    EXPECT_EQ(entry.note, sweep.Kept.Rows[0].txtName.Text());
+    ASSERT_EQ(entry.figures.size(), 2U);
+    for (const RunPointResult& result : measured.results)
+        EXPECT_LE(result.reading.thdDb.value, entry.figures[0].value.value);
+    sweep.cmdClear.Press();
+    form.History.List.UserSelects({entry.id});
+    form.History.cmdCompare.Press();
+    ASSERT_EQ(sweep.Present().results.size(), measured.results.size());
+    EXPECT_EQ(sweep.Present().points.size(), measured.points.size());
+    EXPECT_NEAR(*sweep.Present().results[1].reading.thdDb.value, *measured.results[1].reading.thdDb.value,
+                1e-6);
+}
+
 TEST_F(SweepPanels, OpensAStoredRunThatCanBeContinued) {
     sweep.cmdStart.Press();
     for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
