@@ -107,7 +107,7 @@ void SweepPanel::Keep() {
     if (present_.results.empty()) return;
     const std::string others = OtherValuesText(present_.file.plan, present_.points);
     const std::string name = name_ + ", " + others;
-    if (events_.kept) events_.kept(present_);
+    if (events_.kept) events_.kept(present_, name);
     Kept.Add(present_, name);
 }
 
@@ -142,7 +142,7 @@ void SweepPanel::Cancel() {
 void SweepPanel::Interrupt() {
     if (!Active()) return;
     Cancel();
-    if (events_.kept && !present_.results.empty()) events_.kept(present_);
+    if (events_.kept && !present_.results.empty()) events_.kept(present_, name_ + ", interrupted");
 }
 
 // A new limit judges the present and the kept runs again.

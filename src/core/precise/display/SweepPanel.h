@@ -43,7 +43,7 @@ public:
         std::function<void()> begins;         // before the run takes the measurement
         std::function<void()> ended;          // the measurement is free
         // A run to be stored: that the user keeps, or that the end of the form interrupts. May be empty.
-        std::function<void(const MeasuredRun& run)> kept;
+        std::function<void(const MeasuredRun& run, const std::string& name)> kept;
     };
 
     SweepPanel(const Needs& needs, Events events);

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "core/history/ReadingValues.h"
-#include "core/precise/display/RunEntry.h"
+#include "core/precise/display/StoredRuns.h"
 #include "core/run/StoredRun.h"
 #include "core/stimulus/StimulusPlan.h"
 #include "core/text/Decimals.h"
@@ -69,7 +69,9 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
              [this] {
                  if (timer_ != 0) Measure(Play::kKeep);
              },
-             [this](const MeasuredRun& run) { StoreRun(run); }}),
+             [this](const MeasuredRun& run, const std::string& name) {
+                 History.Store(EntryOf(run, name), StoredRunText(run), {});
+             }}),
       History({needs.history, needs.dialogs, needs.files, needs.now}),
       needs_(needs),
       measurement_({needs.loop, needs.instrument, needs.background, &needs.generatorPanel}),
@@ -542,10 +544,6 @@ void frmAnalyzer::StoreReading() {
         reading.Valid() ? HistoryCurve::Of(result_->spectrum, result_->independentSpectra) : HistoryCurve();
     const std::string id = History.Store(entry, DetailsOf(measurement.reading), curve);
     if (state == StateChip::Kind::kValid && !result_->recording) lastValidId_ = id;
-}
-
-void frmAnalyzer::StoreRun(const MeasuredRun& run) {
-    History.Store(EntryOf(run, DateAndTime(needs_.now())), StoredRunText(run), {});
 }
 
 void frmAnalyzer::OpenRun(const std::string& details, const HistoryEntry& entry) {

@@ -182,7 +182,6 @@ private:
     void Single();
     void KeepTrace();
     void StoreReading();
-    void StoreRun(const MeasuredRun& run);
     void OpenRun(const std::string& details, const HistoryEntry& entry);
     void ShowTraces(const std::vector<std::shared_ptr<const SpectrumTrace>>& traces);
     std::string LastValidText() const;

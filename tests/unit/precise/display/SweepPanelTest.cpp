@@ -378,7 +378,10 @@ TEST_F(SweepPanels, AKeptRunCanBeOpenedFromTheHistory) {
     ASSERT_EQ(entry.figures.size(), 2U);
     for (const RunPointResult& result : measured.results)
         EXPECT_LE(result.reading.thdDb.value, entry.figures[0].value.value);
+    EXPECT_EQ(entry.time, "2026-11-23 10:42:07");
     sweep.cmdClear.Press();
+    form.History.OnOpenRun("{}", entry);
+    EXPECT_THAT(rig.log.Lines(), testing::Contains(HasSubstr("The stored run: run is missing.")));
     form.History.List.UserSelects({entry.id});
     form.History.cmdCompare.Press();
     ASSERT_EQ(sweep.Present().results.size(), measured.results.size());
@@ -402,27 +405,6 @@ TEST_F(SweepPanels, OpensAStoredRunThatCanBeContinued) {
     ASSERT_TRUE(Ends());
     EXPECT_EQ(sweep.Present().results.size(), 3U);
     EXPECT_TRUE(sweep.Present().results[2].afterLoss);
-}
-
-TEST_F(SweepPanels, AKeptRunIsStoredAndOpensAgain) {
-    sweep.Setup.chkLimit.UserSets(true);
-    sweep.cmdStart.Press();
-    ASSERT_TRUE(Ends());
-    sweep.cmdKeep.Press();
-    ASSERT_THAT(form.History.List.Rows(), testing::Not(testing::IsEmpty()));
-    ASSERT_EQ(history.history.Entries().size(), 1U);
-    const HistoryEntry& entry = history.history.Entries()[0];
-    EXPECT_EQ(entry.kind, HistoryKind::kRun);
-    EXPECT_EQ(entry.state, HistoryState::kPass);
-    EXPECT_EQ(entry.time, "2026-11-23 10:42:07");
-    ASSERT_EQ(entry.figures.size(), 2U);
-    EXPECT_NEAR(*entry.figures[0].value.value, -102.5, 1.0);
-    sweep.cmdClear.Press();
-    form.History.OnOpenRun(history.history.Details(entry.id)->json, entry);
-    EXPECT_EQ(sweep.Present().results.size(), 3U);
-    EXPECT_EQ(sweep.Verdict.Text(), "PASS");
-    form.History.OnOpenRun("{}", entry);
-    EXPECT_THAT(rig.log.Lines(), testing::Contains(HasSubstr("The stored run: run is missing.")));
 }
 
 TEST_F(SweepPanels, TheEndOfTheFormStoresAnInterruptedRun) {
