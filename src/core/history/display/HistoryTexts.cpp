@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
@@ -18,6 +19,7 @@ using nlohmann::json;
 constexpr std::size_t kTimeStart = 11;  // of "2026-11-23 10:58:21"
 constexpr int kListDecimals = 2;
 constexpr int kCardDecimals = 2;
+constexpr int kToneDecimals = 3;  // frequencies and levels of tones
 constexpr int kConditionDigits = 6;
 
 struct ShortName {
@@ -105,6 +107,19 @@ std::string BandText(const json& object) {
     return text;
 }
 
+int CardDecimals(const NamedValue& value) {
+    const bool ofTone = value.name.starts_with("frequency_hz") || value.name.starts_with("level_dbfs");
+    return std::min(value.decimals, ofTone ? kToneDecimals : kCardDecimals);
+}
+
+// A spread that is not 0 never reads as 0: "< 0.001".
+std::string CardSpread(const std::optional<double>& spread, int decimals) {
+    if (!spread) return {};
+    const double step = std::pow(10.0, -decimals);
+    if (*spread > 0 && *spread < 0.5 * step) return "< " + WithDecimals(step, decimals);
+    return WithDecimals(*spread, decimals);
+}
+
 std::string StoredText(const Value& value, int decimals) {
     if (!value.value) return {};
     if (value.atMost) return "≤ " + RoundedUp(*value.value, 1);
@@ -158,10 +173,9 @@ HistoryTableView::Content ShownValues(const std::vector<NamedValue>& values) {
     HistoryTableView::Content content{{"value", "±"}, {}};
     for (const NamedValue& value : values) {
         if (!value.value.value || !IsListed(value.name)) continue;
-        const int decimals = std::min(value.decimals, kCardDecimals);
-        const auto& spread = value.value.uncertainty;
+        const int decimals = CardDecimals(value);
         content.columns.push_back({ListedName(value.name), value.unit, StoredText(value.value, decimals),
-                                   spread ? WithDecimals(*spread, decimals) : std::string(), ""});
+                                   CardSpread(value.value.uncertainty, decimals), ""});
     }
     return content;
 }
@@ -169,7 +183,7 @@ HistoryTableView::Content ShownValues(const std::vector<NamedValue>& values) {
 HistoryTableView::Content ComparedValues(const std::vector<NamedValue>& first,
                                          const std::vector<NamedValue>& second) {
     const auto rounded = [](std::vector<NamedValue> values) {
-        for (NamedValue& value : values) value.decimals = std::min(value.decimals, kCardDecimals);
+        for (NamedValue& value : values) value.decimals = CardDecimals(value);
         return values;
     };
     HistoryTableView::Content content{{"this", "before", "difference"}, {}};

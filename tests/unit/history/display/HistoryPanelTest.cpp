@@ -146,6 +146,8 @@ TEST_F(HistoryPanelTest, ShowsConditionsAndValuesOfTheSelectedReading) {
                                   [](const auto& column) { return column.name == "THD"; });
     ASSERT_NE(thd, values.columns.end());
     EXPECT_EQ(*thd, (HistoryTableView::Column{"THD", "dB", "-102.57", "0.07", ""}));
+    EXPECT_THAT(values.columns,
+                testing::Contains(HistoryTableView::Column{"Level", "dBFS", "-1.000", "< 0.001", ""}));
     EXPECT_EQ(values.columns.back(), (HistoryTableView::Column{"H3", "dBc", "≤ -141.0", "", ""}));
     EXPECT_EQ(panel.cmdCompare.Caption(), "Show as trace");
 }
