@@ -16,6 +16,7 @@
 #include "platform/plain/UserFolders.h"
 #include "support/DialogUser.h"
 #include "support/Files.h"
+#include "support/QtWait.h"
 #include "ui/ProgramStyle.h"
 
 namespace sonavex {
@@ -47,7 +48,8 @@ private:
                                         name_ == QLatin1String("printers");
         if (opensNoModalDialog) QTimer::singleShot(kSomeBlocks, [this] { Announce(); });
         program_.Form().mnuPrint.SetEnabled(true);
-        QApplication::processEvents();
+        const auto& print = *program_.Window().findChild<QAction*>("mnuPrint");
+        WaitInQt(std::chrono::seconds(5), [&] { return print.isEnabled(); });
         program_.Window().findChild<QAction*>(MenuEntry())->trigger();
     }
     QString MenuEntry() const {

@@ -112,7 +112,8 @@ void Help(app::Program& program) {
 
 void Print(app::Program& program) {
     program.Form().mnuPrint.SetEnabled(true);
-    QApplication::processEvents();
+    const auto& entry = *program.Window().findChild<QAction*>("mnuPrint");
+    WaitInQt(5s, [&] { return entry.isEnabled(); });
     Choose(program, "mnuPrint");
 }
 
