@@ -35,6 +35,17 @@ TEST(FreshEngine, AsksForBuffersOfFourAndEightBlocks) {
     EXPECT_EQ(bench.engine.PlayData.size(), 4096U);
 }
 
+// From the play cursor to the write cursor, also over the end of the buffer.
+TEST(FreshEngine, CountsTheFramesThatTheDeviceHolds) {
+    EngineBench bench;
+    EXPECT_EQ(bench.engine.HeldFrames(), 0U);
+    bench.Start();
+    bench.sound.restingCursors = {.play = 1000 * 4, .write = 9000 * 4};
+    EXPECT_EQ(bench.engine.HeldFrames(), 8000U);
+    bench.sound.restingCursors = {.play = 16000 * 4, .write = 1000 * 4};
+    EXPECT_EQ(bench.engine.HeldFrames(), 1384U);
+}
+
 TEST(FreshWatch, HasSeenNoLoss) {
     EngineBench bench;
     const StreamWatch watch{
