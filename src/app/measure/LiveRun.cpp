@@ -76,6 +76,7 @@ void LiveRun::Begin() {
 }
 
 void LiveRun::RequireSameDevices() const {
+    if (!run_.conditions.stream) throw MeasureError("The run does not name its devices.");
     const StreamDetails present = sound_.Details();
     RequireSame("input", present.input, run_.conditions.stream->input);
     RequireSame("output", present.output, run_.conditions.stream->output);

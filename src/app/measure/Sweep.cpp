@@ -71,8 +71,8 @@ public:
     void Take(const RunPointResult& result) {
         Clear();
         const bool first = !std::exchange(printed_, true);
-        Print(RunPointJson(result, NumberOf(result), run_.Conditions(), first ? &run_.File() : nullptr) +
-              '\n');
+        PrintLine(RunPointJson(result, NumberOf(result), run_.Conditions(), first ? &run_.File() : nullptr) +
+                  '\n');
         if (!terminal_) std::cerr << Progress() << '\n';
     }
 
@@ -99,11 +99,23 @@ public:
             StoredRunText({run_.File(), run_.Measurement().Points(), results, run_.Conditions(), time, 0});
         if (!options.save.empty()) SndfileFiles().WriteText(options.save, stored + '\n');
         if (!options.png.empty()) DrawRun(plotProgram, stored, options.png);
+        if (unprinted_) return kFailed;
         if (verdict.outcome == RunOutcome::kFail) return kBeyondLimit;
         return verdict.outcome == RunOutcome::kNotComplete ? kVoid : kMeasured;
     }
 
 private:
+    // The run goes on when its lines cannot be written: it ends with its ramp and its files.
+    void PrintLine(const std::string& line) {
+        if (unprinted_) return;
+        try {
+            Print(line);
+        } catch (const MeasureError& error) {
+            unprinted_ = true;
+            std::cerr << error.what() << " Nothing more is printed; the run continues.\n";
+        }
+    }
+
     // The result is one of those of the measurement.
     std::size_t NumberOf(const RunPointResult& result) const {
         return static_cast<std::size_t>(&result - run_.Measurement().Results().data()) + 1;
@@ -128,6 +140,7 @@ private:
     bool terminal_;
     bool paused_ = false;
     bool printed_ = false;
+    bool unprinted_ = false;  // a line could not be written
 };
 
 }  // namespace

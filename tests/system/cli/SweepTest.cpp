@@ -124,6 +124,18 @@ TEST(SweepProgram, MeasuresARunFileOverLevelOnASoundServer) {
     EXPECT_THAT(LastLine(outcome.errors), StartsWith("PASS: 2 of 2 points measured."));
 }
 
+TEST(SweepProgram, GoesOnWhenItsLinesCannotBeWritten) {
+    const PrivateFolder folder;
+    const std::string csv = folder.Path() / "run.csv";
+    MeasureProgram program(ShortSweep({"--csv", csv}), kSimulated, {"/dev/full", {}});
+    const Outcome outcome = program.End(60s);
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("Nothing more is printed; the run continues.\n"));
+    EXPECT_THAT(outcome.errors, HasSubstr("3 of 3 points, 0 s left"));
+    EXPECT_THAT(FileText(csv), HasSubstr("\n4000,4000,"));
+}
+
 TEST(SweepProgram, ASignalEndsItWithWhatWasMeasured) {
     MeasureProgram program({"sweep", "--rate", "48000", "--length", "4096", "--over", "frequency", "--from",
                             "1000", "--to", "4000", "--points", "500", "--limit", "thdn:-60"},

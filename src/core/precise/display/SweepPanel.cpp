@@ -27,6 +27,16 @@ std::string PositionText(const RunPoint& point, RunAxis over) {
                                        : WithDigits(point.levelDbfs, kPlayedDigits) + " dBFS";
 }
 
+// Why the limits cannot judge these points; empty if they can.
+std::string TroubleOf(const std::vector<RunLimit>& limits, const std::vector<RunPoint>& points) {
+    try {
+        RequireCoverage(limits, points);
+    } catch (const RunError& error) {
+        return error.what();
+    }
+    return {};
+}
+
 }  // namespace
 
 SweepPanel::SweepPanel(const Needs& needs, Events events)
@@ -54,7 +64,7 @@ SweepPanel::SweepPanel(const Needs& needs, Events events)
 }
 
 bool SweepPanel::Begin(const std::function<void()>& begin) {
-    lblTrouble.SetCaption("");
+    ShowLimitTrouble("");
     if (!run_) {
         run_ = std::make_unique<RunMeasurement>(
             RunMeasurement::Needs{needs_.loop, needs_.instrument, needs_.measurement});
@@ -95,12 +105,23 @@ void SweepPanel::Start() {
 void SweepPanel::Repeat() {
     if (Active() || PointsDone() == present_.points.size()) return;
     const bool begun = Begin([&] {
+        RequireSameDevices();
         events_.begins();
         run_->Continue(present_);
     });
     if (!begun) return;
     secondsBefore_ = present_.seconds;
     ShowRun();
+}
+
+// The points of one run belong to one pair of devices.
+void SweepPanel::RequireSameDevices() const {
+    const StreamDetails now =
+        DetailsOf(needs_.instrument.Engine, needs_.instrument.Shared.SampleRate, needs_.simulated);
+    const auto& before = present_.conditions.stream;
+    if (before && (before->input != now.input || before->output != now.output))
+        throw RunError("The run was measured with " + before->input + " and " + before->output +
+                       ". It can be continued only with these devices.");
 }
 
 void SweepPanel::Keep() {
@@ -114,11 +135,9 @@ void SweepPanel::Keep() {
 void SweepPanel::Open(MeasuredRun run, const std::string& name) {
     if (Active() || !present_.points.empty()) return Kept.Add(std::move(run), name);
     run_.reset();
-    run.file.limits = present_.file.limits;
     present_ = std::move(run);
     name_ = name;
-    lblTrouble.SetCaption("");
-    TakeChange();
+    ShowLimitTrouble("");
     ShowRun();
 }
 
@@ -149,21 +168,28 @@ void SweepPanel::Interrupt() {
 void SweepPanel::TakeChange() {
     Setup.ShowPlan(events_.conditions(), needs_.instrument.Shared.SampleRate);
     try {
-        const std::vector<RunLimit> limits = Setup.Chosen(present_.file.plan).limits;
+        std::vector<RunLimit> limits = Setup.Chosen(present_.file.plan).limits;
         Kept.Judge(limits);
-        RequireCoverage(limits, present_.points);
-        present_.file.limits = limits;
+        ShowLimitTrouble(TroubleOf(limits, present_.points));
+        if (!limitTrouble_.empty()) limits.clear();
+        present_.file.limits = std::move(limits);
         ShowRun();
     } catch (const RunError& error) {
         lblTrouble.SetCaption(error.what());
     }
 }
 
+// A limit that does not cover the run judges nothing, and no other one in its place.
+void SweepPanel::ShowLimitTrouble(const std::string& trouble) {
+    limitTrouble_ = trouble;
+    lblTrouble.SetCaption(trouble);
+}
+
 void SweepPanel::Clear() {
     if (Active()) return;
     run_.reset();
     present_ = {};
-    lblTrouble.SetCaption("");
+    ShowLimitTrouble("");
     ShowRun();
 }
 
@@ -175,7 +201,7 @@ void SweepPanel::Tick(const std::string& trouble) {
         lblTrouble.SetCaption((trouble.empty() ? std::string("The devices do not run.") : trouble) +
                               " The run continues when they do.");
     else
-        lblTrouble.SetCaption("");
+        lblTrouble.SetCaption(limitTrouble_);
 }
 
 // Points of the present run that are not measured again.

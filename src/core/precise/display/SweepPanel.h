@@ -118,6 +118,8 @@ private:
     void Keep();
     // Takes the measurement and calls `begin`; false if the run cannot be played.
     bool Begin(const std::function<void()>& begin);
+    void RequireSameDevices() const;
+    void ShowLimitTrouble(const std::string& trouble);
     void PrintPage();
     std::string Exported(const MeasuredRun& run, Format format) const;
     std::vector<std::string> PageLines(const MeasuredRun& run) const;
@@ -136,6 +138,7 @@ private:
     Events events_;
     std::unique_ptr<RunMeasurement> run_;
     MeasuredRun present_;
+    std::string limitTrouble_;  // why the chosen limit does not judge the present run
     std::string name_;  // of the present run: the time of day when it began, or that of the stored run
     std::chrono::nanoseconds started_{0};
     double secondsBefore_ = 0;  // that the present run had taken when it was continued

@@ -345,6 +345,50 @@ TEST_F(SweepPanels, ContinuesACancelledRun) {
     EXPECT_FALSE(sweep.cmdRepeat.Enabled());
 }
 
+TEST_F(SweepPanels, ALimitThatDoesNotCoverTheRunJudgesNothing) {
+    sweep.Setup.chkLimit.UserSets(true);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    ASSERT_EQ(sweep.Verdict.Text(), "PASS");
+    sweep.Setup.AskForTable = [] { return SweepSetup::NamedText{"mask.csv", "600,-80\n20000,-70\n"}; };
+    sweep.Setup.cmdLoadLimit.Press();
+    EXPECT_EQ(sweep.Verdict.Text(), "");
+    EXPECT_THAT(sweep.lblTrouble.Caption(), StartsWith("The limit table of thd is incomplete"));
+    EXPECT_THAT(sweep.CopiedText(), HasSubstr("# COMPLETE: "));
+    Enter(sweep.Setup.txtLimit, "-80");
+    EXPECT_EQ(sweep.Verdict.Text(), "PASS");
+    EXPECT_EQ(sweep.lblTrouble.Caption(), "");
+}
+
+TEST_F(SweepPanels, AStoredRunKeepsItsOwnLimits) {
+    sweep.Setup.chkLimit.UserSets(true);
+    Enter(sweep.Setup.txtLimit, "-140");
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    const MeasuredRun stored = sweep.Present();
+    ASSERT_EQ(sweep.Verdict.Text(), "FAIL");
+    sweep.cmdClear.Press();
+    sweep.Setup.AskForTable = [] { return SweepSetup::NamedText{"mask.csv", "600,-80\n20000,-70\n"}; };
+    sweep.Setup.cmdLoadLimit.Press();
+    sweep.Open(stored, "yesterday");
+    EXPECT_EQ(sweep.Verdict.Text(), "FAIL");
+    EXPECT_THAT(sweep.Plot.Conditions(), StartsWith("THD at most -140 dB"));
+}
+
+TEST_F(SweepPanels, ARunIsContinuedOnlyWithItsDevices) {
+    sweep.cmdStart.Press();
+    for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
+    sweep.Cancel();
+    ASSERT_TRUE(Ends(5s));
+    MeasuredRun stored = sweep.Present();
+    stored.conditions.stream->input = "Other card";
+    sweep.cmdClear.Press();
+    sweep.Open(stored, "yesterday");
+    sweep.cmdRepeat.Press();
+    EXPECT_FALSE(sweep.Active());
+    EXPECT_THAT(sweep.lblTrouble.Caption(), StartsWith("The run was measured with Other card and "));
+}
+
 TEST_F(SweepPanels, RepeatsInvalidPoints) {
     DeviceUnderTestModel model;
     model.bits = 24;
