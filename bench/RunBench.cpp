@@ -66,7 +66,7 @@ private:
         {world.store, sound, world.loop, world.dialogs, world.errorLog, world.mixers}};
     InlineBackground background{world.loop};
     PreciseMeasurement measurement{{world.loop, instrument, background}};
-    RunMeasurement run{{world.loop, instrument, measurement}};
+    RunMeasurement run{{world.loop, instrument, measurement, background}};
 };
 
 // The argument is the length of a record.

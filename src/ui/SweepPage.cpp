@@ -192,6 +192,11 @@ void SweepPage::MakeSetup(QBoxLayout& column) {
     for (UnitEdit* const entry : {level, thdn}) entry->SetUnit("dB");
     JoinRows(*grid, *level, *thdn);
     delete grid->itemAtPosition(grid->rowCount() - 1, 0)->widget();  // the caption of the second entry
+    auto* const preview = new QCheckBox(tr("Preview first"), this);
+    preview->setObjectName("chkPreview");
+    preview->setToolTip(tr("A sweep of 11 s shows response and harmonics before the points are measured"));
+    layout.addWidget(preview);
+    binder_.Bind(*preview, setup.chkPreview);
     AddLabel(layout, "lblPlan", "quiet", setup.lblPlan);
     Start = new QPushButton(this);
     Start->setObjectName("cmdSweep");

@@ -48,7 +48,7 @@ LiveRun::LiveRun(const SweepOptions& options, MeasuredRun run)
       sound_(DevicesOf(options, run_), kRecover),
       background_(sound_.Loop()),
       measurement_({sound_.Loop(), sound_.Parts(), background_}),
-      measured_({sound_.Loop(), sound_.Parts(), measurement_}),
+      measured_({sound_.Loop(), sound_.Parts(), measurement_, background_}),
       points_(CheckedPoints(run_.file, sound_.Parts().Shared.SampleRate)) {}
 
 void LiveRun::Run(const std::function<void(const RunPointResult&)>& onPoint,

@@ -47,6 +47,7 @@ MeasuredRun RunOf(const SweepOptions& options) {
     MeasuredRun run;
     run.file.plan = options.plan;
     if (!options.file.empty()) run.file = ParseRunFile(TextOfFile("run", options.file));
+    if (options.plan.preview) run.file.plan.preview = true;
     if (!options.continued.empty()) run = ContinuedRun(options.continued);
     for (const std::string& limit : options.limits) run.file.limits.push_back(LimitOf(limit));
     return run;
@@ -70,24 +71,28 @@ public:
 
     void Take(const RunPointResult& result) {
         Clear();
+        PrintPreview();
         const bool first = !std::exchange(printed_, true);
         PrintLine(RunPointJson(result, NumberOf(result), run_.Conditions(), first ? &run_.File() : nullptr) +
                   '\n');
         if (!terminal_) std::cerr << Progress() << '\n';
     }
 
-    // Replaces the line on a terminal. Elsewhere a pause is a line.
+    // Replaces the line on a terminal. Elsewhere a preview and a pause are a line.
     void ShowProgress() {
         const bool before = std::exchange(paused_, Paused());
         const bool pauseBegins = paused_ && !before;
+        const bool previewBegins = !std::exchange(begun_, true) && run_.Measurement().Preview().Pending();
         Clear();
+        PrintPreview();
         if (terminal_) std::cerr << Progress() << std::flush;
-        if (!terminal_ && pauseBegins) std::cerr << Progress() << '\n';
+        if (!terminal_ && (pauseBegins || previewBegins)) std::cerr << Progress() << '\n';
     }
 
     // The exit status.
-    int Finish(const SweepOptions& options, const std::string& plotProgram, const std::string& time) const {
+    int Finish(const SweepOptions& options, const std::string& plotProgram, const std::string& time) {
         Clear();
+        PrintPreview();
         const std::vector<RunPointResult>& results = run_.Measurement().Results();
         const std::size_t points = run_.Conditions().points;
         const RunVerdict verdict = JudgeRun(run_.File().limits, results, points);
@@ -105,6 +110,17 @@ public:
     }
 
 private:
+    // Once, as soon as it is known.
+    void PrintPreview() {
+        const RunPreview& preview = run_.Measurement().Preview();
+        if (previewed_ || (preview.Points().empty() && preview.Trouble().empty())) return;
+        previewed_ = true;
+        if (preview.Trouble().empty())
+            PrintLine(PreviewJson(preview.Points()) + '\n');
+        else
+            std::cerr << "No preview: " << preview.Trouble() << '\n';
+    }
+
     // The run goes on when its lines cannot be written: it ends with its ramp and its files.
     void PrintLine(const std::string& line) {
         if (unprinted_) return;
@@ -126,6 +142,7 @@ private:
         std::string line = std::to_string(measurement.Points().size() - measurement.PointsLeft()) + " of " +
                            std::to_string(measurement.Points().size()) + " points, " +
                            WithDecimals(std::ceil(measurement.SecondsLeft()), 0) + " s left";
+        if (measurement.Preview().Pending()) line = "preview, " + line;
         if (Paused()) line += ", paused: no sound device";
         return line;
     }
@@ -139,7 +156,9 @@ private:
     const LiveRun& run_;
     bool terminal_;
     bool paused_ = false;
+    bool begun_ = false;
     bool printed_ = false;
+    bool previewed_ = false;  // the preview or its trouble was printed
     bool unprinted_ = false;  // a line could not be written
 };
 

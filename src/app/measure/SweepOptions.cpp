@@ -194,6 +194,8 @@ void AddSweep(CLI::App& command, SweepOptions& options) {
         ->excludes(file)
         ->excludes(continued);
     AddAnalysis(addPlan, options.plan);
+    command.add_flag("--preview", options.plan.preview, "Sweep fast before the first point; one more line")
+        ->excludes(continued);
     command
         .add_option("--limit", options.limits,
                     "QUANTITY:[LOW:]HIGH in dB or QUANTITY:TABLE.csv; thd, thdn, h2 to h9, response; repeat "

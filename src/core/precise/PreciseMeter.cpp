@@ -54,7 +54,7 @@ void PreciseMeter::Start(const PreciseSettings& settings) {
         plan_ = std::make_shared<const RecordPlan>(length, settings.rateHz);
     }
     settings_ = settings;
-    records_.emplace(length, settings.shift);
+    records_.emplace(settings.collected != 0 ? settings.collected : length, settings.shift);
     search_.reset();
     BeginAgain(0);
     awaitingFirstBlock_ = true;
@@ -131,21 +131,27 @@ void PreciseMeter::EndSearch() {
 void PreciseMeter::Submit() {
     const std::uint64_t firstFrame = records_->NextFrame() - records_->Length();
     RecordCollection::Channels channels = records_->Take();
-    needs_.background.Run(Background::Line::kAnalysis,
-                          [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_,
-                           average = average_, conditions = RecordConditions(), firstFrame,
-                           samples = std::move(channels[settings_.channel])]() -> Background::Result {
-                              Record record = conditions;
-                              record.samples = samples;
-                              auto result = std::make_shared<Result>();
-                              result->analysis = AnalyzeRecord(*plan, settings, record);
-                              result->analysis.firstFrame = firstFrame;
-                              result->reading = average->Add(result->analysis, settings.shift);
-                              result->spectrum = average->Spectrum();
-                              return [this, alive, average, result] {
-                                  if (!alive.expired()) Receive(*result, average);
-                              };
-                          });
+    std::vector<double>& samples = channels[settings_.channel];
+    if (settings_.collected == 0) return Measure(std::move(samples), firstFrame);
+    if (OnRecord) OnRecord(std::move(samples));
+}
+
+void PreciseMeter::Measure(std::vector<double> samples, std::uint64_t firstFrame) {
+    needs_.background.Run(
+        Background::Line::kAnalysis,
+        [this, alive = std::weak_ptr(alive_), plan = plan_, settings = settings_, average = average_,
+         conditions = RecordConditions(), firstFrame, samples = std::move(samples)]() -> Background::Result {
+            Record record = conditions;
+            record.samples = samples;
+            auto result = std::make_shared<Result>();
+            result->analysis = AnalyzeRecord(*plan, settings, record);
+            result->analysis.firstFrame = firstFrame;
+            result->reading = average->Add(result->analysis, settings.shift);
+            result->spectrum = average->Spectrum();
+            return [this, alive, average, result] {
+                if (!alive.expired()) Receive(*result, average);
+            };
+        });
 }
 
 Record PreciseMeter::RecordConditions() const {

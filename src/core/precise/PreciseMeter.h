@@ -81,6 +81,9 @@ public:
     // Called for each reading, and once when an interruption has made the readings void. May call Start,
     // Stop and StimulusChanged.
     std::function<void(const LinesReading& reading)> OnReading;
+    // Called for each complete collection of the settings' `collected` samples, full scale 1. May call Start,
+    // Stop and StimulusChanged.
+    std::function<void(std::vector<double> samples)> OnRecord;
     // Called when the path burst has arrived or cannot arrive any more: the stimulus may follow it.
     std::function<void()> OnBurstEnded;
     // The newest record of the last reading, and what its fit leaves. Empty in a void reading, except for the
@@ -120,6 +123,7 @@ private:
     void ListenForBurst(const FineFrames& block);
     void EndSearch();
     void Submit();
+    void Measure(std::vector<double> samples, std::uint64_t firstFrame);
     struct Result;
     void Receive(Result& result, const std::shared_ptr<RecordAverage>& average);
     void Report(Result& result);

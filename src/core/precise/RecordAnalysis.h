@@ -32,7 +32,9 @@ struct PreciseSettings {
     PairSearch pairSearch = PairSearch::kGiven;
     std::size_t averages = 1;  // newest records that count; 0: all since the start or the last change
     std::size_t shift = 0;     // samples from the start of a record to that of the next; 0: a quarter
-    bool spectrum = false;     // whether the spectra of these records are averaged, too
+    std::size_t collected =
+        0;                  // not 0: so many samples go to PreciseMeter::OnRecord, and nothing is measured
+    bool spectrum = false;  // whether the spectra of these records are averaged, too
 };
 
 // What one record contains.

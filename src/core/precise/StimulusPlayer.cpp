@@ -1,6 +1,7 @@
 #include "core/precise/StimulusPlayer.h"
 
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 #include "core/stimulus/RenderStimulus.h"
@@ -14,6 +15,12 @@ constexpr std::chrono::milliseconds kCheckInterval{50};
 constexpr int kBeyondCursorPerSecond = 15;
 constexpr const char* kGeneratorPlays = "The generator plays. Stop it before a stimulus is started.";
 constexpr const char* kNoOutput = "No output device is open.";
+
+StimulusSignal AtLevel(std::vector<double> period, double levelDbfs) {
+    const double peak = std::pow(10.0, levelDbfs / 20.0);
+    for (double& sample : period) sample *= peak;
+    return {{}, std::move(period)};
+}
 
 }  // namespace
 
@@ -49,12 +56,21 @@ void StimulusPlayer::Render(const StimulusChoice& choice) {
     const SampleWord word = WordOf(choice, bits);
     CheckDither(word);
     CheckLevel(choice.stimulus.shape, word, choice.levelDbfs);
+    if (choice.period)
+        return RenderInBackground(
+            [period = choice.period, level = choice.levelDbfs] { return AtLevel(*period, level); },
+            choice.side, word);
     const StimulusPlan plan =
         PlanStimulus({choice.stimulus, static_cast<double>(needs_.instrument.Shared.SampleRate),
                       choice.recordLength, choice.levelDbfs, choice.snap});
-    needs_.background.Run(Background::Line::kStimulus, [plan, word, side = choice.side, order = ++order_,
-                                                        self = std::weak_ptr(self_)] {
-        return [self, order, sound = StimulusSource::Sound{RenderStimulus(plan), side, word}] {
+    RenderInBackground([plan] { return RenderStimulus(plan); }, choice.side, word);
+}
+
+void StimulusPlayer::RenderInBackground(std::function<StimulusSignal()> render, StimulusSide side,
+                                        const SampleWord& word) {
+    needs_.background.Run(Background::Line::kStimulus, [render = std::move(render), word, side,
+                                                        order = ++order_, self = std::weak_ptr(self_)] {
+        return [self, order, sound = StimulusSource::Sound{render(), side, word}] {
             if (const auto player = self.lock()) (*player)->TakeRendered(order, sound);
         };
     });

@@ -25,6 +25,8 @@ struct StimulusChoice {
     bool dither = true;
     std::optional<int> ditherBits;  // empty: the bits of the output
     std::size_t recordLength = 65536;
+    // Not null: played again and again in place of the stimulus. Peak 1; its length is a power of two.
+    std::shared_ptr<const std::vector<double>> period;
 };
 
 // The words of a choice on an output of this many bits.
@@ -80,6 +82,8 @@ public:
 
 private:
     void Render(const StimulusChoice& choice);
+    void RenderInBackground(std::function<StimulusSignal()> render, StimulusSide side,
+                            const SampleWord& word);
     void TakeRendered(std::uint64_t order, StimulusSource::Sound sound);
     void PutFirst(StimulusSource::Sound& sound);
     void Check();

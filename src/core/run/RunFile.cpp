@@ -190,6 +190,7 @@ void TakeAnalysisFields(RunFields& fields, RunPlan& plan) {
     if (const Json* const json = fields.Find("band")) plan.band = BandIn(*json);
     if (const Json* const json = fields.Find("harmonics")) plan.highestOrder = RunWhole(*json, "harmonics");
     if (const Json* const json = fields.Find("settling")) plan.settling = SettlingIn(*json);
+    if (const Json* const json = fields.Find("preview")) plan.preview = RunFlag(*json, "preview");
 }
 
 RunFile FileOf(const Json& object) {
@@ -260,6 +261,7 @@ Json JsonOf(const RunPlan& plan) {
     json["settling"] = {{"level_db", plan.settling.levelDb},
                         {"thdn_db", plan.settling.thdnDb},
                         {"records", plan.settling.records}};
+    if (plan.preview) json["preview"] = true;
     return json;
 }
 

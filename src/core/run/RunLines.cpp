@@ -19,6 +19,7 @@ public:
     void Add(std::string_view line) {
         try {
             const LineJson json = LineJson::parse(line);
+            if (json.contains("preview")) return;
             if (run_.is_null() && json.contains("run")) run_ = json["run"];
             points_.push_back({json.value("point", std::size_t{0}), ParseStoredPoint(line)});
         } catch (const nlohmann::json::exception&) {

@@ -15,7 +15,8 @@ struct RunLines {
 };
 
 // The first line with a run counts; of several lines with the same point the last one does. Lines may be
-// empty. RunError when no line holds a run, and when no line holds a point of it.
+// empty, and that of a preview is no point. RunError when no line holds a run, and when no line holds a point
+// of it.
 RunLines ReadRunLines(std::string_view text);
 
 }  // namespace sonavex

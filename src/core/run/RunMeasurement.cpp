@@ -20,6 +20,7 @@ constexpr double kUsualPathSeconds = 0.35;
 // A void or unsteady point is repeated once.
 constexpr int kRunAttempts = 2;
 constexpr const char* kStoppedByOthers = "The stimulus was stopped.";
+constexpr const char* kPreviewDisturbed = "The sweep was interrupted again and again.";
 
 double RecordSeconds(const RunPlan& plan, double rateHz) {
     return static_cast<double>(RecordLengthOf(plan, rateHz)) / rateHz;
@@ -62,7 +63,11 @@ bool HasWarning(const std::vector<Warning>& warnings, WarningCode code) {
 }  // namespace
 
 RunMeasurement::RunMeasurement(const Needs& needs)
-    : needs_(needs), phase_(needs.instrument.Engine, needs.measurement) {}
+    : needs_(needs), phase_(needs.instrument.Engine, needs.measurement), preview_(needs.background) {
+    preview_.OnPoints = [this] {
+        if (OnChanged) OnChanged();
+    };
+}
 
 RunMeasurement::~RunMeasurement() {
     OnChanged = nullptr;
@@ -71,7 +76,10 @@ RunMeasurement::~RunMeasurement() {
 }
 
 void RunMeasurement::Start(const RunPlan& plan) {
-    Play(plan, PointsOf(plan, needs_.instrument.Shared.SampleRate), {}, false);
+    const double rateHz = needs_.instrument.Shared.SampleRate;
+    Prepare(plan, PointsOf(plan, rateHz), {});
+    preview_.Prepare(plan_, points_, rateHz);
+    Play(false);
 }
 
 void RunMeasurement::Continue(const MeasuredRun& run) {
@@ -87,12 +95,14 @@ void RunMeasurement::Continue(const MeasuredRun& run) {
                                  });
     if (!fits) throw RunError("The measured points do not belong to this run.");
     const bool sameDevices = !points_.empty() && captureStarts_ == needs_.instrument.Engine.CaptureStarts;
-    Play(run.file.plan, std::move(points), run.results, afterLoss_ || !sameDevices);
+    Prepare(run.file.plan, std::move(points), run.results);
+    preview_.Prepare({}, points_, rateHz);
+    Play(afterLoss_ || !sameDevices);
 }
 
 // `results` are kept where they are valid.
-void RunMeasurement::Play(const RunPlan& plan, std::vector<RunPoint> points,
-                          std::vector<RunPointResult> results, bool afterLoss) {
+void RunMeasurement::Prepare(const RunPlan& plan, std::vector<RunPoint> points,
+                             std::vector<RunPointResult> results) {
     CheckSound(plan, points);
     plan_ = plan;
     settings_ = RunSettings(plan, needs_.instrument.Shared.SampleRate);
@@ -103,9 +113,12 @@ void RunMeasurement::Play(const RunPlan& plan, std::vector<RunPoint> points,
         if (i >= results_.size() || !results_[i].Valid()) todo_.push_back(i);
     trouble_.clear();
     attempt_ = 1;
-    afterLoss_ = afterLoss;
     measured_ = 0ns;
     timed_ = 0;
+}
+
+void RunMeasurement::Play(bool afterLoss) {
+    afterLoss_ = afterLoss;
     if (todo_.empty()) return;
     captureStarts_ = needs_.instrument.Engine.CaptureStarts;
     phase_.Start(HighestPlayedHz(points_));
@@ -114,6 +127,7 @@ void RunMeasurement::Play(const RunPlan& plan, std::vector<RunPoint> points,
     if (!waiting_) BeginAttempt();
     formerOnReading_ = std::exchange(needs_.measurement.Meter.OnReading,
                                      [this](const LinesReading& values) { Take(values); });
+    needs_.measurement.Meter.OnRecord = [this](const std::vector<double>& samples) { TakeSweep(samples); };
     SetState(State::kMeasuring);
 }
 
@@ -137,7 +151,10 @@ void RunMeasurement::End(const std::string& trouble) {
 }
 
 void RunMeasurement::BeginAttempt() {
-    needs_.measurement.Start(settings_, PointChoice(plan_, points_[todo_.back()], settings_.length));
+    PreciseSettings settings = settings_;
+    StimulusChoice choice = PointChoice(plan_, points_[todo_.back()], settings_.length);
+    if (preview_.Pending()) preview_.Choose(settings, choice);
+    needs_.measurement.Start(settings, choice);
     waiting_ = false;
     BeginRecords();
 }
@@ -182,10 +199,26 @@ bool RunMeasurement::NoticeRestart() {
     return true;
 }
 
+// Whether what arrives belongs to the point.
+bool RunMeasurement::Listening() {
+    return state_ == State::kMeasuring && !NoticeRestart() && !waiting_ &&
+           needs_.measurement.Player.Now() == StimulusPlayer::State::kPlaying;
+}
+
+void RunMeasurement::TakeSweep(const std::vector<double>& samples) {
+    if (!Listening() || !preview_.Pending()) return;
+    Record record;
+    record.samples = samples;
+    record.rateHz = settings_.rateHz;
+    record.bits = needs_.instrument.Engine.InputBits();
+    record.floatingPoint = false;
+    preview_.Take(record);
+    MeasurePoint();
+}
+
 void RunMeasurement::Take(const LinesReading& values) {
-    if (state_ != State::kMeasuring || NoticeRestart() || waiting_) return;
+    if (!Listening()) return;
     PreciseMeter& meter = needs_.measurement.Meter;
-    if (needs_.measurement.Player.Now() != StimulusPlayer::State::kPlaying) return;
     const Reading& record = values.reading;
     const auto* const newest = std::get_if<ToneMeasurement>(&meter.Newest().values);
     switch (settling_.Add(record, !meter.Interruption().empty())) {
@@ -257,7 +290,12 @@ void RunMeasurement::Report(std::size_t point) {
 }
 
 double RunMeasurement::SecondsLeft() const {
-    if (timed_ == 0) return EstimatedSeconds(plan_, todo_.size(), settings_.rateHz);
+    if (timed_ == 0) {
+        const double points = EstimatedSeconds(plan_, todo_.size(), settings_.rateHz);
+        if (!preview_.Pending()) return points;
+        const double done = static_cast<double>(needs_.measurement.Meter.Collected()) / settings_.rateHz;
+        return std::max(preview_.Seconds() - done, 0.0) + points;
+    }
     const double seconds = std::chrono::duration<double>(measured_).count();
     return seconds / static_cast<double>(timed_) * static_cast<double>(todo_.size());
 }
@@ -278,14 +316,20 @@ void RunMeasurement::CheckRun() {
     const StimulusPlayer& player = needs_.measurement.Player;
     if (player.Now() == StimulusPlayer::State::kOff || player.Now() == StimulusPlayer::State::kEnding)
         return End(player.Trouble().empty() ? kStoppedByOthers : player.Trouble());
-    if (needs_.loop.Now() - begin_ > LongestAttempt())
+    if (needs_.loop.Now() - begin_ <= LongestAttempt()) return;
+    if (preview_.Pending()) {
+        preview_.GiveUp(kPreviewDisturbed);
+        MeasurePoint();
+    } else {
         Fail({Name(VoidCode::kTooShort),
               needs_.measurement.Meter.Unfinished().reading.voids.front().sentence});
+    }
 }
 
 std::chrono::nanoseconds RunMeasurement::LongestAttempt() const {
-    const double records = kRecordsPerRecord * plan_.settling.records;
-    const std::chrono::duration<double> seconds(records * RecordSeconds(plan_, settings_.rateHz));
+    const double usual = preview_.Pending() ? preview_.Seconds()
+                                            : plan_.settling.records * RecordSeconds(plan_, settings_.rateHz);
+    const std::chrono::duration<double> seconds(kRecordsPerRecord * usual);
     return kAttemptGrace + std::chrono::duration_cast<std::chrono::nanoseconds>(seconds);
 }
 
@@ -294,6 +338,7 @@ void RunMeasurement::SetState(State state) {
     if (!Active()) {
         needs_.loop.StopTimer(std::exchange(timer_, 0));
         needs_.measurement.Meter.OnReading = std::exchange(formerOnReading_, nullptr);
+        needs_.measurement.Meter.OnRecord = nullptr;
     } else if (timer_ == 0) {
         timer_ = needs_.loop.StartTimer(kRunCheckInterval, [this] { Check(); });
     }

@@ -12,6 +12,7 @@
 #include "core/precise/PreciseMeasurement.h"
 #include "core/run/MeasuredRun.h"
 #include "core/run/RunPhase.h"
+#include "core/run/RunPreview.h"
 #include "core/run/RunResult.h"
 
 namespace sonavex {
@@ -26,6 +27,7 @@ public:
         EventLoop& loop;
         sonavex::Instrument& instrument;
         PreciseMeasurement& measurement;
+        Background& background;
     };
 
     explicit RunMeasurement(const Needs& needs);
@@ -37,7 +39,8 @@ public:
     // RunError and StimulusError for a run that cannot be played; nothing is heard then, and the results of
     // the run before are kept. Not while a run is active.
     void Start(const RunPlan& plan);
-    // Measures the void and the missing points of `run` and keeps the others. Otherwise like Start; also
+    // Measures the void and the missing points of `run` and keeps the others, without a preview. Otherwise
+    // like Start; also
     // RunError for a run at another rate and for results of other points. The new points count as measured
     // after a loss if a device was lost since the last run of this object, or if there was none.
     void Continue(const MeasuredRun& run);
@@ -56,6 +59,8 @@ public:
     const std::string& Trouble() const noexcept { return trouble_; }
 
     const std::vector<RunPoint>& Points() const noexcept { return points_; }
+    // Of the last Start. Its points do not change when the run measures them.
+    const RunPreview& Preview() const noexcept { return preview_; }
     // In the order of the points, as many as are measured. A void point keeps its result until it has been
     // measured again.
     const std::vector<RunPointResult>& Results() const noexcept { return results_; }
@@ -69,7 +74,7 @@ public:
 
     // After each point. May be empty.
     std::function<void(const RunPointResult& result)> OnPoint;
-    // After a change of the state. May be empty.
+    // After a change of the state, and when the points of the preview are known. May be empty.
     std::function<void()> OnChanged;
 
 private:
@@ -77,11 +82,13 @@ private:
     bool DevicesRun() const;
     bool NoticeRestart();
     void MeasurePoint();
-    void Play(const RunPlan& plan, std::vector<RunPoint> points, std::vector<RunPointResult> results,
-              bool afterLoss);
+    void Prepare(const RunPlan& plan, std::vector<RunPoint> points, std::vector<RunPointResult> results);
+    void Play(bool afterLoss);
     void BeginAttempt();
     void BeginRecords();
+    bool Listening();
     void Take(const LinesReading& values);
+    void TakeSweep(const std::vector<double>& samples);
     void Settled(const Reading& record, const ToneMeasurement& newest);
     void Fail(PointFault fault);
     std::size_t Keep(RunPointResult result);
@@ -105,6 +112,7 @@ private:
     std::optional<ToneMeasurement> previous_;  // the record before
     std::uint64_t previousFrame_ = 0;          // its first one
     RunPhase phase_;
+    RunPreview preview_;
     int attempt_ = 1;
     bool waiting_ = false;  // the point begins when the devices run
     bool afterLoss_ = false;
@@ -116,7 +124,7 @@ private:
     EventLoop::TimerId timer_ = 0;
 };
 
-// The time that a run takes when every point settles at once.
+// The time that a run takes when every point settles at once, without a preview.
 double EstimatedSeconds(const RunPlan& plan, std::size_t points, double rateHz);
 
 }  // namespace sonavex

@@ -120,6 +120,7 @@ std::size_t RecordLengthOf(const RunPlan& plan, double rateHz) {
 std::vector<RunPoint> PointsOf(const RunPlan& plan, double rateHz) {
     RequireAnalysis(plan);
     RequireSettling(plan.settling);
+    Require(!plan.preview || plan.over == RunAxis::kFrequency, "A preview is for runs over frequency.");
     const std::vector<double> frequencies = ValuesOf(plan.frequenciesHz, "frequencies");
     const std::vector<double> levels = ValuesOf(plan.levelsDbfs, "levels");
     Require(frequencies.size() * levels.size() <= kMostRunPoints,

@@ -57,6 +57,10 @@ struct RunPlan {
     int highestOrder = 9;  // up to which THD sums
 
     SettlingLimits settling;
+
+    // Before the first point a fast sweep shows the response and the harmonics at the frequencies of the
+    // first level. Only over frequency.
+    bool preview = false;
 };
 
 // Limits and axes use the requested frequency.

@@ -133,6 +133,22 @@ std::string RunPointJson(const RunPointResult& result, std::size_t number, const
     return json.dump(-1, ' ', false, PointJson::error_handler_t::replace);
 }
 
+std::string PreviewJson(std::span<const PreviewPoint> preview) {
+    PointJson list = PointJson::array();
+    for (const PreviewPoint& point : preview) {
+        PointJson json{{"requested_hz", point.hertz},
+                       {"gain_db", point.gainDb},
+                       {"gain_noise_db", point.gainNoiseDb},
+                       {"harmonics", PointJson::array()}};
+        for (std::size_t i = 0; i < point.harmonics.size(); ++i)
+            json["harmonics"].push_back({{"order", i + 2},
+                                         {"dbc", point.harmonics[i].dbc},
+                                         {"noise_dbc", point.harmonics[i].noiseDbc}});
+        list.push_back(std::move(json));
+    }
+    return PointJson{{"preview", std::move(list)}}.dump();
+}
+
 std::string RunCsv(const RunFile& run, std::span<const RunPointResult> results,
                    const RunConditions& conditions) {
     const RunVerdict verdict = JudgeRun(run.limits, results, conditions.points);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/precise/results/StreamDetails.h"
+#include "core/preview/PreviewAnalysis.h"
 #include "core/run/RunFile.h"
 #include "core/run/RunLimits.h"
 
@@ -23,6 +24,10 @@ struct RunConditions {
 // content of its run file. ReadRunLines reads such a file.
 std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions,
                          const RunFile* run = nullptr);
+
+// One line without a line end: `preview`, a list with `requested_hz`, `gain_db`, `gain_noise_db` and
+// `harmonics`, which are `order`, `dbc` and `noise_dbc`. ReadRunLines skips it.
+std::string PreviewJson(std::span<const PreviewPoint> preview);
 
 // Lines that begin with '#' state run, devices and verdict. Then one line for each measured point: the value,
 // its uncertainty (95 %) and whether it is a bound. Values of void points and undefined values are empty.

@@ -118,6 +118,7 @@ inline constexpr std::array<SettingsKey, 2> kSweepOther{
 inline constexpr SettingsKey kSweepOver{kAnalyzer, "Sweep Over", "0"};
 inline constexpr SettingsKey kSweepSettleLevel{kAnalyzer, "Sweep Settling Level", "0.01"};
 inline constexpr SettingsKey kSweepSettleThdn{kAnalyzer, "Sweep Settling THD+N", "0.3"};
+inline constexpr SettingsKey kSweepPreview{kAnalyzer, "Sweep Preview", "0"};
 inline constexpr SettingsKey kSweepLimited{kAnalyzer, "Sweep Limited", "0"};
 inline constexpr SettingsKey kSweepLimitOf{kAnalyzer, "Sweep Limit Of", "0"};
 inline constexpr SettingsKey kSweepLimit{kAnalyzer, "Sweep Limit", "-90"};

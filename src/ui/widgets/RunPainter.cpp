@@ -18,7 +18,9 @@ constexpr double kRunFlagPadding = 5.0;
 constexpr double kRunMark = 2.4;      // radius of a measured point
 constexpr double kRunVoidMark = 4.0;  // radius of a void point
 constexpr double kRunCursorArrow = 5.0;
-constexpr double kKeptSwatch = 20.0;
+constexpr double kHeadSwatch = 20.0;
+constexpr double kPreviewWidth = 1.2;
+constexpr float kPreviewOpacity = 0.55F;
 
 QString RunLabel(const std::string& text) {
     return QString::fromStdString(text);
@@ -70,6 +72,13 @@ void PaintSeries(QPainter& painter, const RunPixels& pixels, const RunPlot& plot
         for (std::size_t i = 0; i < curve.size(); ++i)
             if (!curve[i].bound) painter.drawEllipse(line[static_cast<qsizetype>(i)], kRunMark, kRunMark);
     }
+}
+
+void PaintPreview(QPainter& painter, const RunPixels& pixels, const RunPlot& plot, RunSeries series) {
+    painter.setPen(RunPainter::PreviewLineOf(series));
+    painter.setBrush(Qt::NoBrush);
+    for (const RunCurve& curve : plot.Preview(series))
+        painter.drawPolyline(pixels.Line(curve, series == RunSeries::kLevel));
 }
 
 // Thin and dashed: the colour shows the quantity, the line the run.
@@ -180,18 +189,22 @@ void PaintHeads(QPainter& painter, const QRectF& area, const RunPlot& plot, cons
     painter.drawText(QPointF(area.right() + kRunTextGap, baseline), "dBFS");
     double right = area.right();
     painter.setPen(theme.text);
-    if (!plot.Kept().empty()) {
-        const QString text = KeptText(plot);
+    const auto paintHead = [&](const QString& text, const QPen& line) {
         right -= metrics.horizontalAdvance(text);
+        painter.setPen(theme.text);
         painter.drawText(QPointF(right, baseline), text);
-        QPen pen(theme.text, 1.0);
-        pen.setDashPattern({6, 4});
-        painter.setPen(pen);
+        painter.setPen(line);
         const double y = baseline - metrics.ascent() / 2 + 1;
         right -= kRunTextGap;
-        painter.drawLine(QPointF(right - kKeptSwatch, y), QPointF(right, y));
-        right -= kKeptSwatch + 2 * kRunTextGap;
+        painter.drawLine(QPointF(right - kHeadSwatch, y), QPointF(right, y));
+        right -= kHeadSwatch + 2 * kRunTextGap;
+    };
+    if (!plot.Kept().empty()) {
+        QPen pen(theme.text, 1.0);
+        pen.setDashPattern({6, 4});
+        paintHead(KeptText(plot), pen);
     }
+    if (plot.HasPreview()) paintHead("preview", RunPainter::PreviewLineOf(RunSeries::kSecond));
     if (plot.VoidPositions().empty()) return;
     right -= metrics.horizontalAdvance("invalid");
     painter.setPen(theme.text);
@@ -250,6 +263,15 @@ QPen RunPainter::LineOf(RunSeries series) {
     return level;
 }
 
+QPen RunPainter::PreviewLineOf(RunSeries series) {
+    QPen pen = LineOf(series);
+    QColor color = pen.color();
+    color.setAlphaF(kPreviewOpacity);
+    pen.setColor(color);
+    pen.setWidthF(kPreviewWidth);
+    return pen;
+}
+
 PlotCanvas::Axis RunPainter::AcrossAxis(const RunPlot& plot, double width, const PlotFonts& fonts) {
     const PlotRange range = plot.Shown().across;
     const bool logarithmic = plot.Shown().over == RunAxis::kFrequency;
@@ -302,7 +324,10 @@ void RunPainter::PaintCurves(QPainter& painter, const QRectF& area, const RunPlo
     constexpr std::array kBackToFront{RunSeries::kLevel, RunSeries::kThird, RunSeries::kSecond,
                                       RunSeries::kThdn, RunSeries::kThd};
     for (const RunSeries series : kBackToFront)
-        if (plot.Visible(series)) PaintKept(painter, pixels, plot, series);
+        if (plot.Visible(series)) {
+            PaintKept(painter, pixels, plot, series);
+            PaintPreview(painter, pixels, plot, series);
+        }
     for (const RunSeries series : kBackToFront)
         if (plot.Visible(series)) PaintSeries(painter, pixels, plot, series);
     painter.restore();

@@ -17,6 +17,8 @@ public:
     static QMargins Margins(const PlotFonts& fonts);
     // The line of a series, for a legend. One colour for each series; the level is dotted.
     static QPen LineOf(RunSeries series);
+    // The same before the points are measured: thinner and lighter.
+    static QPen PreviewLineOf(RunSeries series);
 
     static PlotCanvas::Axis AcrossAxis(const RunPlot& plot, double width, const PlotFonts& fonts);
     static PlotCanvas::Axis RatioAxis(const RunPlot& plot, double height, const PlotFonts& fonts);

@@ -74,6 +74,23 @@ TEST(SweepProgram, PrintsALineForEachPointAndTheVerdict) {
     EXPECT_THAT(table, HasSubstr("\n2000,2000,-1,1,\"\","));
 }
 
+TEST(SweepProgram, PrintsThePreviewInALineOfItsOwn) {
+    MeasureProgram program(ShortSweep({"--preview"}), kSimulated);
+    const Outcome outcome = program.End(60s);
+    ASSERT_EQ(outcome.status, 0) << outcome.errors;
+    const std::vector<ordered_json> lines = outcome.Json();
+    ASSERT_EQ(lines.size(), 4U);
+    const auto preview = std::find_if(lines.begin(), lines.end(),
+                                      [](const ordered_json& line) { return line.contains("preview"); });
+    ASSERT_NE(preview, lines.end());
+    ASSERT_EQ((*preview)["preview"].size(), 3U);
+    for (const ordered_json& point : (*preview)["preview"]) {
+        EXPECT_NEAR(point["gain_db"].get<double>(), 0.0, 0.1);
+        EXPECT_GE(point["harmonics"].size(), 1U);
+    }
+    EXPECT_THAT(outcome.errors, HasSubstr("preview, 0 of 3 points, "));
+}
+
 TEST(SweepProgram, AValueBeyondItsLimitIsStatus3) {
     MeasureProgram program(ShortSweep({"--limit", "thdn:-120"}), kSimulated);
     const Outcome outcome = program.End(60s);

@@ -135,6 +135,11 @@ const AnalyzerScene kAnalyzerScenes[] = {
     {"history-traces-small", kSmallest, ShowTwoTraces},
     {"sweep-kept", kUsual, KeepRuns},
     {"sweep-running", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 20s); }},
+    {"sweep-preview", kUsual,
+     [](AnalyzerRig& rig) {
+         rig.form.Sweep.Setup.chkPreview.UserSets(true);
+         RunSweep(rig, "-90", 20s);
+     }},
     {"sweep-passed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 200s); }},
     {"sweep-failed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-103", 200s); }},
     {"sweep-failed-small", kSmallest, [](AnalyzerRig& rig) { RunSweep(rig, "-103", 200s); }},

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "core/run/RunLines.h"
 
 namespace sonavex {
@@ -57,6 +59,10 @@ std::string FirstLine() {
     return RunPointJson(ReadPoint(1), 1, ReadConditions(), &run) + '\n';
 }
 
+std::string PreviewLine() {
+    return PreviewJson({{{100.1, -0.5, -60, {{-50, -90}, {-70, -85}}}, {4000, -3, -60, {}}}}) + '\n';
+}
+
 std::string LaterLine(const RunPointResult& result, std::size_t number) {
     return RunPointJson(result, number, ReadConditions()) + '\n';
 }
@@ -71,6 +77,21 @@ std::string RefusalOfLines(const std::string& text) {
 }
 
 // The table and the verdict depend on the results alone.
+TEST(RunLines, APreviewIsOneLineAndNoPoint) {
+    const auto json = nlohmann::json::parse(PreviewLine());
+    ASSERT_EQ(json["preview"].size(), 2U);
+    EXPECT_EQ(json["preview"][0]["requested_hz"], 100.1);
+    EXPECT_EQ(json["preview"][0]["gain_db"], -0.5);
+    EXPECT_EQ(json["preview"][0]["gain_noise_db"], -60);
+    EXPECT_EQ(json["preview"][0]["harmonics"][1]["order"], 3);
+    EXPECT_EQ(json["preview"][0]["harmonics"][1]["dbc"], -70);
+    EXPECT_EQ(json["preview"][0]["harmonics"][1]["noise_dbc"], -85);
+    EXPECT_TRUE(json["preview"][1]["harmonics"].empty());
+    const RunLines lines = ReadRunLines(PreviewLine() + FirstLine());
+    EXPECT_EQ(lines.run.results.size(), 1U);
+    EXPECT_EQ(lines.skipped, 0U);
+}
+
 TEST(RunLines, GiveTheSameTableAsTheRun) {
     const std::vector<RunPointResult> results{ReadPoint(1), ReadPoint(2), ReadVoidPoint(3)};
     const RunLines read = ReadRunLines(FirstLine() + LaterLine(results[1], 2) + LaterLine(results[2], 3));

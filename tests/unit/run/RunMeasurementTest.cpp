@@ -107,7 +107,7 @@ protected:
     Instrument instrument{{world.store, sound, world.loop, world.dialogs, world.errorLog, world.mixers}};
     InlineBackground background{world.loop};
     PreciseMeasurement measurement{{world.loop, instrument, background}};
-    RunMeasurement run{{world.loop, instrument, measurement}};
+    RunMeasurement run{{world.loop, instrument, measurement, background}};
     std::vector<RunPointResult> notified;
     std::function<void()> onPoint;
 };
@@ -204,6 +204,93 @@ TEST_F(RunMeasurementTest, RefusesWhatCannotBePlayedBeforeItSounds) {
     EXPECT_FALSE(run.Active());
     EXPECT_FALSE(measurement.Player.Active());
     EXPECT_FALSE(measurement.Meter.OnReading);
+}
+
+// Preview and run agree where the order is 20 dB above the noise of the preview.
+TEST_F(RunMeasurementTest, APreviewShowsWhatTheRunThenMeasures) {
+    RunPlan plan = Plan({100, 250.5, 500, 800, 1500});
+    plan.levelsDbfs = std::vector<double>{-6, -20};
+    plan.preview = true;
+    run.Start(plan);
+    EXPECT_TRUE(run.Preview().Pending());
+    const double left = run.SecondsLeft();
+    RunUntil([&] { return !run.Preview().Pending(); });
+    EXPECT_EQ(run.Results().size(), 0U);
+    RunUntil([&] { return !run.Active(); });
+    EXPECT_EQ(run.Preview().Trouble(), "");
+    ASSERT_EQ(run.Results().size(), 10U);
+    ASSERT_EQ(run.Preview().Points().size(), 5U);
+    EXPECT_GT(left, run.Preview().Seconds() + 10 * 2 * 0.512);
+    int compared = 0;
+    for (std::size_t i = 0; i < 5; ++i) {
+        const PreviewPoint& preview = run.Preview().Points()[i];
+        const RunPointResult& result = run.Results()[i];
+        ASSERT_TRUE(result.Valid());
+        EXPECT_EQ(preview.hertz, result.point.requestedHz);
+        EXPECT_NEAR(preview.gainDb, *result.gainDb.value, 0.1);
+        for (std::size_t k = 0; k < std::min<std::size_t>(2, preview.harmonics.size()); ++k) {
+            if (preview.harmonics[k].dbc < preview.harmonics[k].noiseDbc + 20) continue;
+            ++compared;
+            EXPECT_NEAR(preview.harmonics[k].dbc, *result.reading.harmonics[k].levelDbc.value, 0.1);
+        }
+    }
+    EXPECT_GE(compared, 4);
+}
+
+TEST_F(RunMeasurementTest, APreviewThatOverloadsTheInputIsGivenUp) {
+    SetDevice([](DeviceUnderTestModel& model) { model.gain = 1.5; });
+    RunPlan plan = Plan({500});
+    plan.preview = true;
+    RunToEnd(plan);
+    EXPECT_EQ(run.Preview().Trouble(), "The input reaches full scale.");
+    EXPECT_TRUE(run.Preview().Points().empty());
+    EXPECT_EQ(run.Results().size(), 1U);
+}
+
+TEST_F(RunMeasurementTest, APreviewThatIsAlwaysInterruptedIsGivenUp) {
+    RunPlan plan = Plan({500});
+    plan.preview = true;
+    run.Start(plan);
+    const auto limit = world.loop.Now() + 60s;
+    while (run.Preview().Pending() && world.loop.Now() < limit) {
+        Run(3000ms);
+        sound.Card().Step(2 * kRunRateHz + 800);  // the queue holds 2 s
+    }
+    EXPECT_EQ(run.Preview().Trouble(), "The sweep was interrupted again and again.");
+    RunUntil([&] { return !run.Active(); });
+    EXPECT_EQ(run.Results().size(), 1U);
+}
+
+TEST_F(RunMeasurementTest, APreviewBeginsAgainAfterALossOfTheDevice) {
+    RunPlan plan = Plan({500});
+    plan.preview = true;
+    run.Start(plan);
+    Run(5000ms);
+    sound.Unplug();
+    RunUntil([&] { return run.Now() == RunMeasurement::State::kPaused; });
+    sound.Plug();
+    RunUntil([&] { return !run.Active(); });
+    EXPECT_EQ(run.Preview().Points().size(), 1U);
+    EXPECT_NEAR(run.Preview().Points()[0].gainDb, 0, 0.1);
+    EXPECT_TRUE(run.Results()[0].Valid());
+}
+
+TEST_F(RunMeasurementTest, APreviewEndsWithARampWhenTheRunIsCancelled) {
+    RunPlan plan = Plan({500});
+    plan.preview = true;
+    run.Start(plan);
+    Run(5000ms);
+    run.Cancel();
+    EXPECT_EQ(measurement.Player.Now(), StimulusPlayer::State::kEnding);
+    RunUntil([&] { return !run.Active(); }, 2s);
+    EXPECT_TRUE(run.Preview().Points().empty());
+    EXPECT_FALSE(measurement.Meter.OnRecord);
+}
+
+TEST_F(RunMeasurementTest, ARunOverLevelHasNoPreview) {
+    RunPlan plan = LevelPlan({-10});
+    plan.preview = true;
+    EXPECT_THROW(run.Start(plan), RunError);
 }
 
 // Its level falls by 0.2 dB in each record.

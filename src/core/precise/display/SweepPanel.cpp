@@ -67,7 +67,7 @@ bool SweepPanel::Begin(const std::function<void()>& begin) {
     ShowLimitTrouble("");
     if (!run_) {
         run_ = std::make_unique<RunMeasurement>(
-            RunMeasurement::Needs{needs_.loop, needs_.instrument, needs_.measurement});
+            RunMeasurement::Needs{needs_.loop, needs_.instrument, needs_.measurement, needs_.background});
         run_->OnPoint = [this](const RunPointResult&) { TakeResults(); };
     }
     try {
@@ -96,6 +96,7 @@ void SweepPanel::Start() {
         DetailsOf(needs_.instrument.Engine, needs_.instrument.Shared.SampleRate, needs_.simulated);
     const std::string time = DateAndTime(needs_.now());
     present_ = {std::move(file), run_->Points(), {}, {rateHz, run_->Points().size(), stream}, time, 0};
+    preview_.clear();
     name_ = TimeOfDay(needs_.now()).substr(0, kHoursAndMinutes);
     secondsBefore_ = 0;
     ShowRun();
@@ -136,6 +137,7 @@ void SweepPanel::Open(MeasuredRun run, const std::string& name) {
     if (Active() || !present_.points.empty()) return Kept.Add(std::move(run), name);
     run_.reset();
     present_ = std::move(run);
+    preview_.clear();
     name_ = name;
     ShowLimitTrouble("");
     ShowRun();
@@ -147,6 +149,7 @@ void SweepPanel::TakeResults() {
 }
 
 void SweepPanel::TakeState() {
+    if (!run_->Preview().Points().empty()) preview_ = run_->Preview().Points();
     ShowRun();
     if (Active()) return;
     run_->OnChanged = nullptr;
@@ -189,6 +192,7 @@ void SweepPanel::Clear() {
     if (Active()) return;
     run_.reset();
     present_ = {};
+    preview_.clear();
     ShowLimitTrouble("");
     ShowRun();
 }
@@ -201,7 +205,12 @@ void SweepPanel::Tick(const std::string& trouble) {
         lblTrouble.SetCaption((trouble.empty() ? std::string("The devices do not run.") : trouble) +
                               " The run continues when they do.");
     else
-        lblTrouble.SetCaption(limitTrouble_);
+        lblTrouble.SetCaption(limitTrouble_.empty() ? PreviewTrouble() : limitTrouble_);
+}
+
+std::string SweepPanel::PreviewTrouble() const {
+    const std::string& trouble = run_->Preview().Trouble();
+    return trouble.empty() ? trouble : "No preview: " + trouble;
 }
 
 // Points of the present run that are not measured again.
@@ -239,7 +248,8 @@ void SweepPanel::ShowPlot() {
                        present_.file.limits,
                        present_.file.plan.band.highHz,
                        {},
-                       {}};
+                       {},
+                       preview_};
     if (Active()) data.running = run_->Current();
     if (present_.points.empty() && !shown.empty()) data.over = shown.front().run->file.plan.over;
     for (const KeptRuns::Shown& kept : shown)
@@ -255,7 +265,9 @@ void SweepPanel::ShowProgress() {
     const std::size_t done = Active() ? PointsDone() : present_.results.size();
     prgRun.SetValue(points == 0 ? 0.0F : static_cast<float>(done) / static_cast<float>(points));
     if (Active()) {
-        lblProgress.SetCaption(RunningPointText(present_.points, run_->Current(), present_.file.plan.over));
+        lblProgress.SetCaption(run_->Preview().Pending() ? "Preview"
+                                                         : RunningPointText(present_.points, run_->Current(),
+                                                                            present_.file.plan.over));
         lblLeft.SetCaption(DurationText(run_->SecondsLeft()) + " left");
     } else {
         lblProgress.SetCaption(points == 0 ? std::string()
@@ -300,6 +312,10 @@ void SweepPanel::ShowInvalid() {
 
 ChipState SweepPanel::Chip() const {
     if (run_->Now() == RunMeasurement::State::kPaused) return {StateChip::Kind::kVoid, "PAUSED", 0};
+    const PreciseMeter& meter = needs_.measurement.Meter;
+    if (run_->Preview().Pending() && meter.Length() > 0)
+        return {StateChip::Kind::kSettling, "PREVIEW",
+                static_cast<double>(meter.Collected()) / static_cast<double>(meter.Length())};
     const int all =
         run_->Records() > kRecordsOfAPoint ? present_.file.plan.settling.records : kRecordsOfAPoint;
     return {StateChip::Kind::kSettling,

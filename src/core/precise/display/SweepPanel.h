@@ -32,6 +32,7 @@ public:
         EventLoop& loop;
         sonavex::Instrument& instrument;
         PreciseMeasurement& measurement;
+        Background& background;
         Dialogs& dialogs;
         const MeasurementFiles& files;
         bool simulated = false;  // the sound card
@@ -120,6 +121,7 @@ private:
     bool Begin(const std::function<void()>& begin);
     void RequireSameDevices() const;
     void ShowLimitTrouble(const std::string& trouble);
+    std::string PreviewTrouble() const;
     void PrintPage();
     std::string Exported(const MeasuredRun& run, Format format) const;
     std::vector<std::string> PageLines(const MeasuredRun& run) const;
@@ -138,7 +140,8 @@ private:
     Events events_;
     std::unique_ptr<RunMeasurement> run_;
     MeasuredRun present_;
-    std::string limitTrouble_;  // why the chosen limit does not judge the present run
+    std::vector<PreviewPoint> preview_;  // of the present run
+    std::string limitTrouble_;           // why the chosen limit does not judge the present run
     std::string name_;  // of the present run: the time of day when it began, or that of the stored run
     std::chrono::nanoseconds started_{0};
     double secondsBefore_ = 0;  // that the present run had taken when it was continued

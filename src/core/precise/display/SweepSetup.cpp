@@ -83,6 +83,7 @@ SweepSetup::SweepSetup(Settings& settings, std::function<void()> onChanged)
     });
     for (TextBox* const box : {&txtFrom, &txtTo, &txtAmount, &txtOther, &txtSettleLevel, &txtSettleThdn})
         box->Leave.Handle([this] { TakeTexts(); });
+    chkPreview.Click.Handle([this] { Change(); });
     chkLimit.Click.Handle([this] { Change(); });
     cmbLimitOf.Click.Handle([this] { Change(); });
     txtLimit.Leave.Handle([this] { TakeLimit(); });
@@ -105,6 +106,7 @@ void SweepSetup::Load() {
     cmbOver.SetListIndex(StoredIndex(settings_, keys::kSweepOver));
     chkLimit.SetValue(static_cast<std::int16_t>(StoredIndex(settings_, keys::kSweepLimited)));
     cmbLimitOf.SetListIndex(StoredIndex(settings_, keys::kSweepLimitOf));
+    chkPreview.SetValue(static_cast<std::int16_t>(StoredIndex(settings_, keys::kSweepPreview)));
     txtLimit.SetText(EntryText(limitDb_));
     LoadStoredTable();
     ShowAxis();
@@ -121,6 +123,7 @@ void SweepSetup::ShowAxis() {
     txtOther.SetText(ListText(axis.other));
     txtSettleLevel.SetText(EntryText(settleLevelDb_));
     txtSettleThdn.SetText(EntryText(settleThdnDb_));
+    ShowPreview();
 }
 
 void SweepSetup::TakeTexts() {
@@ -216,6 +219,7 @@ RunFile SweepSetup::Chosen(const RunPlan& conditions) const {
     run.plan.levelsDbfs = OverFrequency() ? RunValues(Shown().other) : RunValues(Range());
     run.plan.settling.levelDb = settleLevelDb_;
     run.plan.settling.thdnDb = settleThdnDb_;
+    run.plan.preview = OverFrequency() && chkPreview.Checked();
     if (!chkLimit.Checked()) return run;
     using Kind = RunQuantity::Kind;
     const RunQuantity quantity{cmbLimitOf.ListIndex() == kLimitThd ? Kind::kThd : Kind::kThdn};
@@ -230,7 +234,7 @@ void SweepSetup::ShowPlan(const RunPlan& conditions, double rateHz) {
         const std::vector<RunPoint> points = PointsOf(run.plan, rateHz);
         RequireCoverage(run.limits, points);
         lblPlan.SetCaption(std::to_string(points.size()) + (points.size() == 1 ? " point" : " points") +
-                           ", 2 records each: about " +
+                           (run.plan.preview ? " and a preview" : "") + ", 2 records each: about " +
                            DurationText(EstimatedSeconds(run.plan, points.size(), rateHz)));
     } catch (const RunError& error) {
         lblPlan.SetCaption(error.what());
@@ -241,6 +245,12 @@ void SweepSetup::SetLocked(bool locked) {
     for (ComboBox* const box : {&cmbOver, &cmbSpacing}) box->SetEnabled(!locked);
     for (TextBox* const box : {&txtFrom, &txtTo, &txtAmount, &txtOther, &txtSettleLevel, &txtSettleThdn})
         box->SetEnabled(!locked);
+    locked_ = locked;
+    ShowPreview();
+}
+
+void SweepSetup::ShowPreview() {
+    chkPreview.SetEnabled(OverFrequency() && !locked_);
 }
 
 void SweepSetup::Change() {
@@ -259,6 +269,7 @@ void SweepSetup::Store() {
     settings_.Save(keys::kSweepOver, std::to_string(cmbOver.ListIndex()));
     settings_.Save(keys::kSweepSettleLevel, EntryText(settleLevelDb_));
     settings_.Save(keys::kSweepSettleThdn, EntryText(settleThdnDb_));
+    settings_.Save(keys::kSweepPreview, chkPreview.Checked() ? "1" : "0");
     settings_.Save(keys::kSweepLimited, chkLimit.Checked() ? "1" : "0");
     settings_.Save(keys::kSweepLimitOf, std::to_string(cmbLimitOf.ListIndex()));
     settings_.Save(keys::kSweepLimit, EntryText(limitDb_));

@@ -57,6 +57,7 @@ public:
     TextBox txtOther;        // levels or frequencies, separated by commas
     TextBox txtSettleLevel;  // dB
     TextBox txtSettleThdn;   // dB
+    CheckBox chkPreview;
     Label lblPlan;
     CheckBox chkLimit;
     ComboBox cmbLimitOf;  // THD, THD+N
@@ -78,6 +79,7 @@ private:
     const Axis& Shown() const { return axes_[OverFrequency() ? 0 : 1]; }
     RunRange Range() const;
     void ShowAxis();
+    void ShowPreview();
     void TakeTexts();
     void TakeLimit();
     void LoadTable();
@@ -95,6 +97,7 @@ private:
     double settleLevelDb_ = 0.01;
     double settleThdnDb_ = 0.3;
     double limitDb_ = -90;
+    bool locked_ = false;
     std::optional<LimitTable> table_;
     std::string tableName_;
 };

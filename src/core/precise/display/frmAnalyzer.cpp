@@ -57,8 +57,8 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
       Analysis(needs.instrument.Settings, [this] { TakeChangedAnalysis(); }),
       Readings(needs.instrument.Settings),
       Recording({needs.files, needs.background, needs.dialogs}),
-      Sweep({needs.loop, needs.instrument, measurement_, needs.dialogs, needs.files, needs.simulated,
-             needs.now, needs.version},
+      Sweep({needs.loop, needs.instrument, measurement_, needs.background, needs.dialogs, needs.files,
+             needs.simulated, needs.now, needs.version},
             {[this] { return SweepConditions(); },
              [this] {
                  ShowSweepConditions();

@@ -67,6 +67,18 @@ bool DrawsTheSame(const RunLimitLine& line, const RunLimitLine& other) {
                       });
 }
 
+std::optional<double> PreviewValue(const PreviewPoint& point, RunSeries series, double levelDbfs,
+                                   double bandHighHz) {
+    if (series == RunSeries::kLevel)
+        return point.gainDb > point.gainNoiseDb ? std::optional(levelDbfs + point.gainDb) : std::nullopt;
+    if (series != RunSeries::kSecond && series != RunSeries::kThird) return std::nullopt;
+    const std::size_t index = series == RunSeries::kSecond ? 0 : 1;
+    const double order = static_cast<double>(index) + 2;
+    if (index >= point.harmonics.size() || order * point.hertz > bandHighHz) return std::nullopt;
+    const PreviewHarmonic& harmonic = point.harmonics[index];
+    return harmonic.dbc > harmonic.noiseDbc ? std::optional(harmonic.dbc) : std::nullopt;
+}
+
 }  // namespace
 
 const char* NameOf(RunSeries series) {
@@ -123,6 +135,27 @@ std::vector<RunCurve> CurvesOf(std::span<const RunPointResult> results, RunAxis 
             curves.back().push_back({PositionOf(point, over), *value.value, value.atMost});
         }
         joined = value.value.has_value();
+    }
+    return curves;
+}
+
+std::vector<RunCurve> PreviewCurvesOf(const RunPreviewData& data, RunSeries series) {
+    std::vector<RunCurve> curves;
+    bool joined = false;
+    for (std::size_t i = data.measured; i < data.points.size(); ++i) {
+        const RunPoint& point = data.points[i];
+        if (point.levelDbfs != data.points.front().levelDbfs) break;
+        const auto previewed =
+            std::find_if(data.preview.begin(), data.preview.end(),
+                         [&](const PreviewPoint& p) { return p.hertz == point.requestedHz; });
+        const auto value = previewed == data.preview.end()
+                               ? std::nullopt
+                               : PreviewValue(*previewed, series, point.levelDbfs, data.bandHighHz);
+        if (value) {
+            if (!joined) curves.emplace_back();
+            curves.back().push_back({PositionOf(point, RunAxis::kFrequency), *value, false});
+        }
+        joined = value.has_value();
     }
     return curves;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/preview/PreviewAnalysis.h"
 #include "core/run/RunLimits.h"
 
 namespace sonavex {
@@ -34,6 +35,17 @@ using RunCurve = std::vector<RunCurvePoint>;
 
 // The pieces of a series. A piece ends where a value is missing, and where the next tone of the list begins.
 std::vector<RunCurve> CurvesOf(std::span<const RunPointResult> results, RunAxis over, RunSeries series);
+
+// A preview of the points of the first level.
+struct RunPreviewData {
+    std::span<const PreviewPoint> preview;
+    std::span<const RunPoint> points;  // of the whole run
+    std::size_t measured = 0;          // from the first one on: these are not drawn
+    double bandHighHz = 20000;         // a harmonic ends here
+};
+
+// Harmonics and level; nothing for THD and THD+N, and nothing where noise hides the value.
+std::vector<RunCurve> PreviewCurvesOf(const RunPreviewData& data, RunSeries series);
 
 struct RunLimitLine {
     RunCurve curve;

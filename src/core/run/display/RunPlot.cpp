@@ -51,9 +51,10 @@ std::array<std::vector<RunCurve>, kRunSeriesCount> SeriesOf(std::span<const RunP
     return series;
 }
 
-// Of the present and the kept runs.
+// Of the present run, its preview and the kept runs.
 void AddAll(RunExtent& extent, const RunPlot& plot, RunSeries series) {
     extent.Add(plot.Curves(series));
+    extent.Add(plot.Preview(series));
     for (const RunPlot::BesideCurves& kept : plot.Kept())
         extent.Add(kept.curves[static_cast<std::size_t>(series)]);
 }
@@ -71,6 +72,9 @@ void RunPlot::Show(const Data& data) {
     }
     kept_.clear();
     for (const Beside& run : data.kept) kept_.push_back({run.letter, SeriesOf(run.results, data.over)});
+    const RunPreviewData preview{data.preview, data.points, data.results.size(), data.bandHighHz};
+    for (std::size_t i = 0; i < preview_.size(); ++i)
+        preview_[i] = PreviewCurvesOf(preview, static_cast<RunSeries>(i));
     running_.reset();
     if (data.running && *data.running < data.points.size())
         running_ = PositionOf(data.points[*data.running], data.over);
@@ -78,6 +82,11 @@ void RunPlot::Show(const Data& data) {
     FitAcross(data);
     FitAxes();
     MarkDirty();
+}
+
+bool RunPlot::HasPreview() const noexcept {
+    return std::any_of(preview_.begin(), preview_.end(),
+                       [](const std::vector<RunCurve>& curves) { return !curves.empty(); });
 }
 
 void RunPlot::FitAcross(const Data& data) {
@@ -205,6 +214,7 @@ std::string RunPlot::Description() const {
     std::string text =
         std::to_string(positions_.size()) + (positions_.size() == 1 ? " point measured" : " points measured");
     text += voids_.empty() ? "." : ", " + std::to_string(voids_.size()) + " of them void.";
+    if (HasPreview()) text += " A preview is shown where no point is measured.";
     return conditions_.empty() ? text : text + ' ' + conditions_ + '.';
 }
 

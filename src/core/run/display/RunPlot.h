@@ -40,6 +40,7 @@ public:
         double bandHighHz = 20000;           // a harmonic ends here
         std::optional<std::size_t> running;  // a line marks this point, from 0
         std::vector<Beside> kept;
+        std::span<const PreviewPoint> preview = {};  // drawn where no point is measured
     };
 
     // Keeps curves, not the results. The cursor stays at its point while it is measured.
@@ -54,6 +55,10 @@ public:
     const std::vector<RunCurve>& Curves(RunSeries series) const noexcept {
         return curves_[static_cast<std::size_t>(series)];
     }
+    const std::vector<RunCurve>& Preview(RunSeries series) const noexcept {
+        return preview_[static_cast<std::size_t>(series)];
+    }
+    bool HasPreview() const noexcept;
     struct BesideCurves {
         char letter = 'B';
         std::array<std::vector<RunCurve>, kRunSeriesCount> curves;
@@ -98,6 +103,7 @@ private:
     Axes axes_;
     std::array<std::vector<RunCurve>, kRunSeriesCount> curves_;
     std::vector<BesideCurves> kept_;
+    std::array<std::vector<RunCurve>, kRunSeriesCount> preview_;
     std::array<bool, kRunSeriesCount> visible_{true, true, true, true, true};
     std::vector<RunLimitLine> limits_;
     std::vector<double> positions_;  // of all measured points, in the order of the run

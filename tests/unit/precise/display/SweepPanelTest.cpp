@@ -135,6 +135,59 @@ TEST_F(SweepPanels, MeasuresAllPointsAndJudgesThem) {
     EXPECT_THAT(sweep.Rows[4].value.Caption(), StartsWith("-1.0"));
 }
 
+TEST_F(SweepPanels, ShowsAPreviewUntilItsPointsAreMeasured) {
+    sweep.Setup.chkPreview.UserSets(true);
+    EXPECT_THAT(sweep.Setup.lblPlan.Caption(), StartsWith("3 points and a preview, 2 records each: about "));
+    sweep.cmdStart.Press();
+    EXPECT_FALSE(sweep.Setup.chkPreview.Enabled());
+    RunFor(5s);
+    EXPECT_EQ(sweep.lblProgress.Caption(), "Preview");
+    EXPECT_EQ(form.Chip.Text(), "PREVIEW");
+    EXPECT_GT(form.Chip.Progress(), 0.2);
+    for (auto passed = 0ms; !sweep.Plot.HasPreview() && passed < 20s; passed += 100ms) RunFor(100ms);
+    ASSERT_THAT(sweep.Plot.Preview(RunSeries::kLevel), SizeIs(1));
+    EXPECT_THAT(sweep.Plot.Preview(RunSeries::kLevel)[0], SizeIs(3));
+    EXPECT_EQ(sweep.lblProgress.Caption(), "Point 1 of 3: 250 Hz");
+    // What a cancelled run has not measured stays a preview.
+    for (auto passed = 0ms; sweep.Present().results.size() < 2 && passed < 30s; passed += 100ms)
+        RunFor(100ms);
+    sweep.Cancel();
+    ASSERT_TRUE(Ends());
+    ASSERT_THAT(sweep.Plot.Preview(RunSeries::kLevel), SizeIs(1));
+    EXPECT_THAT(sweep.Plot.Preview(RunSeries::kLevel)[0], SizeIs(1));
+    sweep.cmdRepeat.Press();
+    EXPECT_EQ(sweep.lblProgress.Caption(), "Point 3 of 3: 1000 Hz");
+    ASSERT_TRUE(Ends());
+    EXPECT_FALSE(sweep.Plot.HasPreview());
+}
+
+TEST_F(SweepPanels, SaysWhyThereIsNoPreview) {
+    DeviceUnderTestModel model;
+    model.bits = 24;
+    model.gain = 1.5;
+    rig.card.Card().SetDeviceUnderTest(model);
+    sweep.Setup.chkPreview.UserSets(true);
+    sweep.cmdStart.Press();
+    for (auto passed = 0ms; form.Chip.Text() != "SETTLING 0 of 2" && passed < 30s; passed += 100ms)
+        RunFor(100ms);
+    RunFor(400ms);
+    EXPECT_EQ(sweep.lblTrouble.Caption(), "No preview: The input reaches full scale.");
+    sweep.Cancel();
+}
+
+TEST_F(SweepPanels, OnlyARunOverFrequencyHasAPreview) {
+    sweep.Setup.chkPreview.UserSets(true);
+    sweep.Setup.cmbOver.UserSelects(1);
+    EXPECT_FALSE(sweep.Setup.chkPreview.Enabled());
+    Enter(sweep.Setup.txtFrom, "-30");
+    Enter(sweep.Setup.txtTo, "-20");
+    Enter(sweep.Setup.txtOther, "500");
+    sweep.cmdStart.Press();
+    EXPECT_TRUE(sweep.Active()) << sweep.lblTrouble.Caption();
+    EXPECT_NE(sweep.lblProgress.Caption(), "Preview");
+    sweep.Cancel();
+}
+
 TEST_F(SweepPanels, JudgesAKeptRunAgainWhenTheLimitChanges) {
     sweep.cmdStart.Press();
     ASSERT_TRUE(Ends());

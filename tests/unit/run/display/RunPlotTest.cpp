@@ -42,6 +42,7 @@ struct PlottedRun {
     std::vector<RunPoint> points;
     std::vector<RunLimit> limits;
     std::vector<RunPlot::Beside> kept;
+    std::vector<PreviewPoint> preview;
     RunPlot plot;
 
     PlottedRun() {
@@ -49,8 +50,8 @@ struct PlottedRun {
     }
     void Show(std::size_t measured = 4, bool running = false) {
         const auto point = running ? std::optional(measured) : std::nullopt;
-        plot.Show(
-            {RunAxis::kFrequency, points, std::span(results).first(measured), limits, 20000, point, kept});
+        plot.Show({RunAxis::kFrequency, points, std::span(results).first(measured), limits, 20000, point,
+                   kept, preview});
     }
 };
 
@@ -66,6 +67,33 @@ TEST(RunPlot, DrawsNoValueAtAVoidPoint) {
     EXPECT_EQ(curves[1][1].value, -98);
     EXPECT_THAT(run.plot.VoidPositions(), ElementsAre(std::log10(200.0)));
     EXPECT_EQ(run.plot.Description(), "4 points measured, 1 of them void.");
+}
+
+// The noise of the preview hides the third harmonic at 2 kHz.
+TEST(RunPlot, ReplacesThePreviewPointByPoint) {
+    PlottedRun run;
+    run.preview = {{200, -0.5, -80, {{-50, -90}, {-60, -90}}},
+                   {2000, -0.7, -80, {{-51, -90}, {-95, -90}}},
+                   {20000, -3, -80, {}}};
+    run.Show(1, true);
+    EXPECT_TRUE(run.plot.HasPreview());
+    ASSERT_THAT(run.plot.Preview(RunSeries::kSecond), SizeIs(1));
+    const RunCurve& second = run.plot.Preview(RunSeries::kSecond)[0];
+    ASSERT_THAT(second, SizeIs(2));
+    EXPECT_NEAR(second[0].position, std::log10(200.0), 1e-12);
+    EXPECT_EQ(second[1].value, -51);
+    EXPECT_THAT(run.plot.Preview(RunSeries::kThird)[0], SizeIs(1));
+    EXPECT_THAT(run.plot.Preview(RunSeries::kLevel)[0], SizeIs(3));
+    EXPECT_NEAR(run.plot.Preview(RunSeries::kLevel)[0][2].value, -4, 1e-12);
+    EXPECT_THAT(run.plot.Preview(RunSeries::kThd), SizeIs(0));
+    EXPECT_THAT(run.plot.Preview(RunSeries::kThdn), SizeIs(0));
+    EXPECT_GE(run.plot.Shown().ratios.high, -50);
+    EXPECT_EQ(run.plot.Description(), "1 point measured. A preview is shown where no point is measured.");
+    // A void point takes the place of its preview, too.
+    run.Show(2, true);
+    EXPECT_THAT(run.plot.Preview(RunSeries::kLevel)[0], SizeIs(2));
+    run.Show(4);
+    EXPECT_FALSE(run.plot.HasPreview());
 }
 
 TEST(RunPlot, ShowsKeptRunsBesideThePresentOne) {
