@@ -17,6 +17,12 @@ namespace sonavex {
 // The Analyzer on the stepped card, its window with texts of usual length.
 class AnalyzerRig {
 public:
+    AnalyzerRig() = default;
+    // A run ends while the window can still show it.
+    ~AnalyzerRig() { form.Sweep.Close(); }
+    AnalyzerRig(const AnalyzerRig&) = delete;
+    AnalyzerRig& operator=(const AnalyzerRig&) = delete;
+
     // Opens the window and fills its texts, then `change` changes them.
     void Open(QSize size, const std::function<void(frmAnalyzer&)>& change = {});
     // Starts the card as a loop with distortion, of 24 bits at 48 kHz, and opens the window without texts.

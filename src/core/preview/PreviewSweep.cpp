@@ -51,4 +51,8 @@ PreviewSweep MakePreviewSweep(double startHz, double rateHz) {
     return sweep;
 }
 
+double PreviewSeconds(double rateHz) {
+    return static_cast<double>(PeriodLength(rateHz)) / rateHz;
+}
+
 }  // namespace sonavex

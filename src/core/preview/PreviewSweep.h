@@ -27,4 +27,7 @@ struct PreviewSweep {
 // startHz: 0 to a tenth of the rate; otherwise std::invalid_argument.
 PreviewSweep MakePreviewSweep(double startHz, double rateHz);
 
+// Length of a period.
+double PreviewSeconds(double rateHz);
+
 }  // namespace sonavex

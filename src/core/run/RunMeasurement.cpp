@@ -26,6 +26,10 @@ double RecordSeconds(const RunPlan& plan, double rateHz) {
     return static_cast<double>(RecordLengthOf(plan, rateHz)) / rateHz;
 }
 
+double PointSeconds(const RunPlan& plan, std::size_t points, double rateHz) {
+    return static_cast<double>(points) * (2.0 * RecordSeconds(plan, rateHz) + kUsualPathSeconds);
+}
+
 PreciseSettings RunSettings(const RunPlan& plan, double rateHz) {
     PreciseSettings settings;
     settings.rateHz = rateHz;
@@ -291,7 +295,7 @@ void RunMeasurement::Report(std::size_t point) {
 
 double RunMeasurement::SecondsLeft() const {
     if (timed_ == 0) {
-        const double points = EstimatedSeconds(plan_, todo_.size(), settings_.rateHz);
+        const double points = PointSeconds(plan_, todo_.size(), settings_.rateHz);
         if (!preview_.Pending()) return points;
         const double done = static_cast<double>(needs_.measurement.Meter.Collected()) / settings_.rateHz;
         return std::max(preview_.Seconds() - done, 0.0) + points;
@@ -346,7 +350,7 @@ void RunMeasurement::SetState(State state) {
 }
 
 double EstimatedSeconds(const RunPlan& plan, std::size_t points, double rateHz) {
-    return static_cast<double>(points) * (2.0 * RecordSeconds(plan, rateHz) + kUsualPathSeconds);
+    return PointSeconds(plan, points, rateHz) + (plan.preview ? PreviewSeconds(rateHz) : 0.0);
 }
 
 }  // namespace sonavex

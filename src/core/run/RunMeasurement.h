@@ -124,7 +124,7 @@ private:
     EventLoop::TimerId timer_ = 0;
 };
 
-// The time that a run takes when every point settles at once, without a preview.
+// The time that a run takes when every point settles at once.
 double EstimatedSeconds(const RunPlan& plan, std::size_t points, double rateHz);
 
 }  // namespace sonavex

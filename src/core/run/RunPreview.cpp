@@ -44,8 +44,7 @@ void RunPreview::Choose(PreciseSettings& settings, StimulusChoice& choice) const
 }
 
 double RunPreview::Seconds() const {
-    if (!pending_) return 0;
-    return static_cast<double>(analysis_->Sweep().samples.size()) / analysis_->Sweep().rateHz;
+    return pending_ ? PreviewSeconds(analysis_->Sweep().rateHz) : 0.0;
 }
 
 void RunPreview::Take(const Record& record) {

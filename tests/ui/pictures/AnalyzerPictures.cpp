@@ -137,8 +137,12 @@ const AnalyzerScene kAnalyzerScenes[] = {
     {"sweep-running", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 20s); }},
     {"sweep-preview", kUsual,
      [](AnalyzerRig& rig) {
+         SetModel(rig, [](DeviceUnderTestModel& model) {
+             model.gain = 0.9;
+             model.polynomial = {0, 1, 2e-4, 1e-4};
+         });
          rig.form.Sweep.Setup.chkPreview.UserSets(true);
-         RunSweep(rig, "-90", 20s);
+         RunSweep(rig, "-70", 24s);
      }},
     {"sweep-passed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-90", 200s); }},
     {"sweep-failed", kUsual, [](AnalyzerRig& rig) { RunSweep(rig, "-103", 200s); }},

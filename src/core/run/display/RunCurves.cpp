@@ -9,6 +9,9 @@ namespace sonavex {
 namespace {
 
 constexpr int kFlagDecimals = 1;
+// PreviewHarmonic states the noise 25.2 dB above its mean power. A value 10 dB above the mean is wrong by at
+// most 3.2 dB with two standard deviations.
+constexpr double kPreviewAboveNoiseDb = 10.0 - 25.2;
 
 // Points along the axis with one value of the other list.
 using RunFamily = std::span<const RunPoint>;
@@ -67,16 +70,21 @@ bool DrawsTheSame(const RunLimitLine& line, const RunLimitLine& other) {
                       });
 }
 
+bool IsShown(double decibels, double noise) {
+    return decibels > noise + kPreviewAboveNoiseDb;
+}
+
 std::optional<double> PreviewValue(const PreviewPoint& point, RunSeries series, double levelDbfs,
                                    double bandHighHz) {
     if (series == RunSeries::kLevel)
-        return point.gainDb > point.gainNoiseDb ? std::optional(levelDbfs + point.gainDb) : std::nullopt;
+        return IsShown(point.gainDb, point.gainNoiseDb) ? std::optional(levelDbfs + point.gainDb)
+                                                        : std::nullopt;
     if (series != RunSeries::kSecond && series != RunSeries::kThird) return std::nullopt;
     const std::size_t index = series == RunSeries::kSecond ? 0 : 1;
     const double order = static_cast<double>(index) + 2;
     if (index >= point.harmonics.size() || order * point.hertz > bandHighHz) return std::nullopt;
     const PreviewHarmonic& harmonic = point.harmonics[index];
-    return harmonic.dbc > harmonic.noiseDbc ? std::optional(harmonic.dbc) : std::nullopt;
+    return IsShown(harmonic.dbc, harmonic.noiseDbc) ? std::optional(harmonic.dbc) : std::nullopt;
 }
 
 }  // namespace

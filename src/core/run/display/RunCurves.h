@@ -44,7 +44,7 @@ struct RunPreviewData {
     double bandHighHz = 20000;         // a harmonic ends here
 };
 
-// Harmonics and level; nothing for THD and THD+N, and nothing where noise hides the value.
+// Harmonics and level; nothing for THD and THD+N, and nothing less than 10 dB above the mean noise.
 std::vector<RunCurve> PreviewCurvesOf(const RunPreviewData& data, RunSeries series);
 
 struct RunLimitLine {

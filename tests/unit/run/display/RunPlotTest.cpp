@@ -73,7 +73,7 @@ TEST(RunPlot, DrawsNoValueAtAVoidPoint) {
 TEST(RunPlot, ReplacesThePreviewPointByPoint) {
     PlottedRun run;
     run.preview = {{200, -0.5, -80, {{-50, -90}, {-60, -90}}},
-                   {2000, -0.7, -80, {{-51, -90}, {-95, -90}}},
+                   {2000, -0.7, -80, {{-51, -90}, {-106, -90}}},
                    {20000, -3, -80, {}}};
     run.Show(1, true);
     EXPECT_TRUE(run.plot.HasPreview());
