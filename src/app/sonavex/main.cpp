@@ -7,11 +7,13 @@
 #include <exception>
 
 #include "app/sonavex/Program.h"
+#include "platform/plain/LargeBlocks.h"
 #include "platform/plain/UserFolders.h"
 #include "ui/ProgramStyle.h"
 
 int main(int argc, char** argv) {
     sonavex::KeepFilesFromEverybody();
+    sonavex::ReturnLargeBlocks();
     QApplication application(argc, argv);
     if (argc == 2 && std::strcmp(argv[1], "--probe-display") == 0) return 0;
     QApplication::setStyle(new sonavex::ui::ProgramStyle);

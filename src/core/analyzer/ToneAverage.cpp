@@ -91,7 +91,7 @@ void ToneAverage::Keep(ToneMeasurement next) {
     kept.scaledPower.reserve(next.residualPower.size());
     for (const double power : next.residualPower)
         kept.scaledPower.push_back(static_cast<float>(power * kFloatScale));
-    next.residualPower.clear();
+    next.residualPower = std::vector<double>();  // clear() would keep its memory
     kept.measurement = std::move(next);
     kept_.push_back(std::move(kept));
 }

@@ -54,7 +54,7 @@ void PreciseMeter::Start(const PreciseSettings& settings) {
         plan_ = std::make_shared<const RecordPlan>(length, settings.rateHz);
     }
     settings_ = settings;
-    records_.emplace(settings.collected != 0 ? settings.collected : length, settings.shift);
+    records_.emplace(settings.collected != 0 ? settings.collected : length, settings.channel, settings.shift);
     search_.reset();
     BeginAgain(0);
     awaitingFirstBlock_ = true;
@@ -130,8 +130,7 @@ void PreciseMeter::EndSearch() {
 
 void PreciseMeter::Submit() {
     const std::uint64_t firstFrame = records_->NextFrame() - records_->Length();
-    RecordCollection::Channels channels = records_->Take();
-    std::vector<double>& samples = channels[settings_.channel];
+    std::vector<double> samples = records_->Take();
     if (settings_.collected == 0) return Measure(std::move(samples), firstFrame);
     if (OnRecord) OnRecord(std::move(samples));
 }

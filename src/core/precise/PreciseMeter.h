@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/audio/FineStream.h"
@@ -94,6 +95,9 @@ public:
     const RecordAnalysis& Newest() const noexcept { return newest_; }
     // Of the records of the last reading; empty when Samples are and when the settings do not ask for it.
     const MeanSpectrum& Spectrum() const noexcept { return spectrum_; }
+    // The same, without a copy: the meter has neither until the next reading.
+    RecordAnalysis TakeNewest() { return std::exchange(newest_, {}); }
+    MeanSpectrum TakeSpectrum() { return std::exchange(spectrum_, {}); }
     // A void reading that says how far the present record is.
     LinesReading Unfinished();
     const RecordPlan& Plan() const noexcept { return *plan_; }

@@ -8,10 +8,8 @@ std::string FramesSentence(std::uint64_t frames, const char* fate) {
     return std::to_string(frames) + (frames == 1 ? " frame " : " frames ") + fate;
 }
 
-RecordCollection::RecordCollection(std::size_t length, std::size_t shift)
-    : length_(length), shift_(shift != 0 ? shift : length / 4) {
-    for (std::vector<double>& channel : ring_) channel.resize(length);
-}
+RecordCollection::RecordCollection(std::size_t length, std::size_t channel, std::size_t shift)
+    : length_(length), channel_(channel), shift_(shift != 0 ? shift : length / 4), ring_(length) {}
 
 void RecordCollection::BeginAt(std::uint64_t frame, std::string cause) {
     begin_ = frame;
@@ -36,19 +34,19 @@ void RecordCollection::Add(const FineFrames& block) {
 
 void RecordCollection::Append(std::span<const std::int32_t> samples) {
     for (std::size_t i = 0; i < samples.size(); i += 2) {
-        for (std::size_t c = 0; c < ring_.size(); ++c)
-            ring_[c][next_] = kFineStep * static_cast<double>(samples[i + c]);
+        ring_[next_] = samples[i + channel_];
         next_ = next_ + 1 == length_ ? 0 : next_ + 1;
     }
     collected_ = std::min(length_, collected_ + samples.size() / 2);
     fresh_ += samples.size() / 2;
 }
 
-RecordCollection::Channels RecordCollection::Take() {
+std::vector<double> RecordCollection::Take() {
     fresh_ = 0;
-    Channels record = ring_;
-    for (std::vector<double>& channel : record)
-        std::rotate(channel.begin(), channel.begin() + static_cast<std::ptrdiff_t>(next_), channel.end());
+    std::vector<double> record(length_);
+    const auto oldest = ring_.begin() + static_cast<std::ptrdiff_t>(next_);
+    std::rotate_copy(ring_.begin(), oldest, ring_.end(), record.begin());
+    for (double& sample : record) sample *= kFineStep;
     return record;
 }
 

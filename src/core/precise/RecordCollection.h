@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,14 +9,13 @@
 
 namespace sonavex {
 
-// The newest uninterrupted frames of a capture, as doubles for each channel. Starts over after every
-// interruption, so that a record never contains one.
+// The newest uninterrupted frames of one channel of a capture. Starts over after every interruption, so that
+// a record never contains one.
 class RecordCollection {
 public:
-    using Channels = std::array<std::vector<double>, 2>;  // left, right; full scale 1
-
-    // length: frames of a record, a multiple of 4. shift: frames that are new in the next one; 0: a quarter.
-    explicit RecordCollection(std::size_t length, std::size_t shift = 0);
+    // length: frames of a record, a multiple of 4. channel: 0 left, 1 right. shift: frames that are new in
+    // the next one; 0: a quarter.
+    RecordCollection(std::size_t length, std::size_t channel, std::size_t shift = 0);
 
     // Starts over with this captured frame, or with the next one if it has passed. The cause is empty after a
     // change that was asked for.
@@ -38,17 +36,18 @@ public:
 
     // Whether a record is complete of which so much is newer than the last one taken.
     bool Due() const noexcept { return collected_ == length_ && fresh_ >= shift_; }
-    // The newest record; only when Collected() is Length().
-    Channels Take();
+    // The newest record, full scale 1; only when Collected() is Length().
+    std::vector<double> Take();
 
 private:
     void StartOver(std::string cause);
     void Append(std::span<const std::int32_t> samples);
 
     std::size_t length_;
+    std::size_t channel_;
     std::size_t shift_;
-    Channels ring_;
-    std::size_t next_ = 0;  // place in the ring
+    std::vector<std::int32_t> ring_;  // as captured: half the memory of doubles
+    std::size_t next_ = 0;            // place in the ring
     std::size_t collected_ = 0;
     std::size_t fresh_ = 0;    // frames since the last record was taken
     std::uint64_t begin_ = 0;  // captured frames before it do not count

@@ -28,17 +28,14 @@ void AddNumbered(RecordCollection& records, std::uint64_t first, std::size_t fra
     records.Add(numbered.Block(lostBefore));
 }
 
-void ExpectRecordFrom(const RecordCollection::Channels& record, std::size_t length, std::uint64_t first) {
-    ASSERT_EQ(record[0].size(), length);
-    ASSERT_EQ(record[1].size(), length);
-    for (std::size_t i = 0; i < length; ++i) {
-        ASSERT_EQ(record[0][i], 0x1p-16 * static_cast<double>(first + i)) << i;
-        ASSERT_EQ(record[1][i], -record[0][i]) << i;
-    }
+void ExpectRecordFrom(const std::vector<double>& record, std::size_t length, std::uint64_t first) {
+    ASSERT_EQ(record.size(), length);
+    for (std::size_t i = 0; i < length; ++i)
+        ASSERT_EQ(record[i], 0x1p-16 * static_cast<double>(first + i)) << i;
 }
 
 TEST(RecordCollectionTest, DeliversTheNewestFramesAQuarterApart) {
-    RecordCollection records(16);
+    RecordCollection records(16, 0);
     AddNumbered(records, 100, 15);
     EXPECT_EQ(records.Collected(), 15U);
     EXPECT_FALSE(records.Due());
@@ -57,17 +54,17 @@ TEST(RecordCollectionTest, DeliversTheNewestFramesAQuarterApart) {
     ExpectRecordFrom(records.Take(), 16, 154);
 }
 
-TEST(RecordCollectionTest, FullScaleIsOne) {
-    RecordCollection records(4);
+TEST(RecordCollectionTest, KeepsOneChannelWithAFullScaleOfOne) {
     const std::vector<std::int32_t> samples{INT32_MIN, 0x40000000, 0, 0, 0, 0, 0, 0};
-    records.Add({samples, 0, 0, false});
-    const RecordCollection::Channels record = records.Take();
-    EXPECT_EQ(record[0][0], -1.0);
-    EXPECT_EQ(record[1][0], 0.5);
+    RecordCollection left(4, 0);
+    RecordCollection right(4, 1);
+    for (RecordCollection* const records : {&left, &right}) records->Add({samples, 0, 0, false});
+    EXPECT_EQ(left.Take()[0], -1.0);
+    EXPECT_EQ(right.Take()[0], 0.5);
 }
 
 TEST(RecordCollectionTest, ALossStartsOverWithItsSentence) {
-    RecordCollection records(16);
+    RecordCollection records(16, 0);
     AddNumbered(records, 0, 20);
     AddNumbered(records, 532, 10, 512);
     EXPECT_EQ(records.Collected(), 10U);
@@ -82,7 +79,7 @@ TEST(RecordCollectionTest, ALossStartsOverWithItsSentence) {
 }
 
 TEST(RecordCollectionTest, BeginsAtTheGivenFrame) {
-    RecordCollection records(16);
+    RecordCollection records(16, 0);
     AddNumbered(records, 0, 20);
     records.BeginAt(30, "");
     EXPECT_EQ(records.Collected(), 0U);
@@ -99,7 +96,7 @@ TEST(RecordCollectionTest, BeginsAtTheGivenFrame) {
 
 // The frames before it still do not count.
 TEST(RecordCollectionTest, ALossDoesNotBringTheBeginForward) {
-    RecordCollection records(16);
+    RecordCollection records(16, 0);
     records.BeginAt(30, "");
     AddNumbered(records, 10, 5, 10);
     EXPECT_EQ(records.Collected(), 0U);
@@ -108,7 +105,7 @@ TEST(RecordCollectionTest, ALossDoesNotBringTheBeginForward) {
 }
 
 TEST(RecordCollectionTest, RecordsShiftedByTheirLengthDoNotOverlap) {
-    RecordCollection records(16, 16);
+    RecordCollection records(16, 0, 16);
     AddNumbered(records, 0, 16);
     ASSERT_TRUE(records.Due());
     ExpectRecordFrom(records.Take(), 16, 0);

@@ -435,15 +435,16 @@ void frmAnalyzer::TakeLive(const LinesReading& reading) {
     if (calibrate_ != nullptr)
         calibrate_->ShowInputLevel(reading.reading.Valid() ? reading.reading.levelDbfs.value : std::nullopt);
     if (held_ || Recording.IsOpen() || source_ != PresentSource()) return;
-    const PreciseMeter& meter = measurement_.Meter;
+    PreciseMeter& meter = measurement_.Meter;
     AnalyzerResult result;
     result.mode = mode_;
     result.reading = reading;
-    result.spectrum = ExportedSpectrum::Of(meter.Spectrum(), meter.Plan());
+    result.spectrum = ExportedSpectrum::Of(meter.TakeSpectrum(), meter.Plan());
     result.independentSpectra =
-        meter.Plan().Overlap().Of(std::max<std::size_t>(meter.Spectrum().records, 1)).power;
-    result.samples = meter.Samples();
-    result.residual = meter.Residual();
+        meter.Plan().Overlap().Of(std::max<std::size_t>(result.spectrum.records, 1)).power;
+    RecordAnalysis newest = meter.TakeNewest();
+    result.samples = std::move(newest.samples);
+    result.residual = std::move(newest.residual);
     for (const StimulusLine& line : measurement_.Player.Lines()) result.playedHz.push_back(line.hertz);
     Take(std::move(result));
     if (single_ && reading.reading.Valid() && reading.reading.blocks >= Analysis.Averages()) SetHeld(true);

@@ -169,9 +169,9 @@ void AddWrapped(std::vector<std::string>& lines, std::string_view text) {
 
 }  // namespace
 
-ExportedSpectrum ExportedSpectrum::Of(const MeanSpectrum& mean, const RecordPlan& plan) {
+ExportedSpectrum ExportedSpectrum::Of(MeanSpectrum mean, const RecordPlan& plan) {
     const double enbw = plan.Window().EnbwBins();
-    ExportedSpectrum spectrum{plan.RateHz(), plan.Length(), enbw, mean.records, mean.power};
+    ExportedSpectrum spectrum{plan.RateHz(), plan.Length(), enbw, mean.records, std::move(mean.power)};
     for (double& power : spectrum.power) power *= 2.0 * enbw;
     return spectrum;
 }

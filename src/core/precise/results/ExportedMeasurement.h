@@ -30,7 +30,7 @@ struct ExportedSpectrum {
     std::vector<double> power;
 
     // The plan is that of the mean.
-    static ExportedSpectrum Of(const MeanSpectrum& mean, const RecordPlan& plan);
+    static ExportedSpectrum Of(MeanSpectrum mean, const RecordPlan& plan);
     double BinHz() const noexcept { return rateHz / static_cast<double>(length); }
 };
 
