@@ -376,6 +376,8 @@ void AnalyzerWindow::Decorate() {
     history_->Decorate();
     SetQuietInk(*ui_->lblThdSpread, form_.Readings.lblThd.Quiet());
     ui_->note->setVisible(!form_.note.Caption().empty());
+    // A quiet note is short and stays whole; the names of the devices give way.
+    ui_->note->setMinimumWidth(form_.note.Emphasis() ? 0 : ui_->note->sizeHint().width());
     const bool recording = !form_.lblRecording.Caption().empty();
     ShowRow({ui_->lblRecordingCaption, ui_->lblRecording, ui_->recordingPane}, recording);
     ShowRow({ui_->lblInputCaption, ui_->lblInput, ui_->lblOutputCaption, ui_->lblOutput, ui_->livePane,

@@ -197,6 +197,22 @@ TEST_F(AnalyzerWindowTest, FoldsAndScrollsWhenItIsSmall) {
     EXPECT_TRUE(Find<QWidget>("Waves").isVisible());
 }
 
+// Whether a label shows its text without an ellipsis.
+bool ShowsAll(const QLabel& label) {
+    return label.contentsRect().width() >= label.fontMetrics().horizontalAdvance(label.text());
+}
+
+TEST_F(AnalyzerWindowTest, LongNamesOfDevicesLeaveRoomForAQuietNote) {
+    Open(kSmallestSize, [](frmAnalyzer& shown) {
+        for (Label* device : {&shown.lblInput, &shown.lblOutput})
+            device->SetCaption("A device with a name that is longer than its place in the strip");
+        shown.note.SetCaption("direct, one clock");
+    });
+    EXPECT_EQ(window.size(), kSmallestSize);
+    EXPECT_TRUE(ShowsAll(Find<QLabel>("note")));
+    EXPECT_FALSE(ShowsAll(Find<QLabel>("lblInput")));
+}
+
 struct Look {
     const char* name;
     QSize size;

@@ -378,8 +378,10 @@ void frmAnalyzer::ShowPath() {
     const std::string limit = result_ ? LimitOf(*result_) : std::string();
     const std::string path = recording ? Recording.Note() : InOneLine(needs_.pathNote.Caption());
     const std::string separator = path.empty() || limit.empty() ? "" : recording ? ", " : "; ";
-    note.SetCaption(path + separator + limit);
-    note.SetEmphasis(recording || !note.Caption().empty());
+    const std::string remarks = path + separator + limit;
+    const bool asAsked = !recording && remarks.empty();
+    note.SetCaption(asAsked && needs_.instrument.Engine.OneClock() ? "direct, one clock" : remarks);
+    note.SetEmphasis(!asAsked);
 }
 
 void frmAnalyzer::ShowCalibration() {

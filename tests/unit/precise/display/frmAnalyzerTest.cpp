@@ -133,6 +133,26 @@ TEST_F(frmAnalyzerTest, TheNoiseLineIsAtTheMeanOfTheTrace) {
     EXPECT_NEAR(PowerDecibels(mean / static_cast<double>(bins)), *shown.noisePerBinDbfs, 0.5);
 }
 
+TEST_F(frmAnalyzerTest, AQuietNoteTellsThatThePathIsAsAsked) {
+    form.Show();
+    EXPECT_EQ(form.note.Caption(), "direct, one clock");
+    EXPECT_FALSE(form.note.Emphasis());
+    rig.form.PathNote.SetCaption("Output: volume of the device 50 %");
+    Run(200ms);
+    EXPECT_EQ(form.note.Caption(), "Output: volume of the device 50 %");
+    EXPECT_TRUE(form.note.Emphasis());
+}
+
+// Nothing is said about clocks that are not known to be the same.
+TEST_F(frmAnalyzerTest, AnUnknownClockHasNoNote) {
+    DeviceUnderTestModel model;
+    model.clockOffsetPpm = 2.0;
+    rig.card.Card().SetDeviceUnderTest(model);
+    form.Show();
+    EXPECT_EQ(form.note.Caption(), "");
+    EXPECT_FALSE(form.note.Emphasis());
+}
+
 TEST_F(frmAnalyzerTest, WhenTheInputStopsNoFigureStays) {
     form.Show();
     form.Stimulus.cmdStart.Press();
