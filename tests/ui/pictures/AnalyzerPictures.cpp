@@ -183,6 +183,7 @@ const AnalyzerScene kAnalyzerScenes[] = {
          rig.form.cmdHold.Press();
      }},
     {"recording", kUsual, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine); }},
+    {"recording-mono", kUsual, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine, 1); }},
     {"recording-small", kSmallest, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine); }},
     {"record", kUsual,
      [](AnalyzerRig& rig) {

@@ -255,7 +255,8 @@ void frmAnalyzer::Measure(Play play) {
     source_ = PresentSource();
     rateHz_ = Recording.IsOpen() ? Recording.Opened().rateHz : needs_.instrument.Shared.SampleRate;
     outputBits_ = needs_.instrument.Engine.OutputBits();
-    Analysis.Load(rateHz_);
+    const bool mono = Recording.IsOpen() && Recording.Opened().channels == 1;
+    Analysis.Load(rateHz_, mono ? AnalysisPanel::Source::kMono : AnalysisPanel::Source::kStereo);
     length_ = Analysis.Chosen().length;
     Stimulus.SetConditions(rateHz_, length_, outputBits_);
     SetHeld(false);
@@ -309,14 +310,14 @@ RunPlan frmAnalyzer::SweepConditions() const {
     plan.dither = Stimulus.cmbDither.ListIndex() == 0;
     plan.snap = Stimulus.chkSnap.Checked();
     plan.length = settings.length;
-    plan.channel = settings.channel;
+    plan.channel = Analysis.StereoChannel();
     plan.band = settings.tone.band;
     plan.highestOrder = settings.tone.highestOrder;
     return plan;
 }
 
 void frmAnalyzer::ShowSweepConditions() {
-    const std::string channel = kChannelNames.at(Analysis.Chosen().channel);
+    const std::string channel = kChannelNames.at(Analysis.StereoChannel());
     Sweep.lblConditions.SetCaption(Analysis.cmbLength.Text() + "\n" + Analysis.BandText() + "\n" + channel +
                                    " channel, " + Analysis.lblHarmonics.Caption() +
                                    (Stimulus.chkSnap.Checked() ? ", on bins" : ""));

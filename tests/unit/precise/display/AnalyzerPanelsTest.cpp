@@ -66,6 +66,20 @@ TEST_F(AnalyzerPanelsTest, AChangeOfTheAnalysisIsStored) {
     EXPECT_EQ(later.lblHarmonics.Caption(), "H2 to H5");
 }
 
+TEST_F(AnalyzerPanelsTest, AMonoSourceHasOneChannelAndKeepsTheChosenSide) {
+    analysis.cmbChannel.UserSelects(1);
+    analysis.Load(48000, AnalysisPanel::Source::kMono);
+    EXPECT_EQ(analysis.cmbChannel.Text(), "Mono");
+    EXPECT_FALSE(analysis.cmbChannel.Enabled());
+    EXPECT_EQ(analysis.Chosen().channel, 0U);
+    EXPECT_EQ(analysis.StereoChannel(), 1U);
+    analysis.cmbBand.UserSelects(1);
+    analysis.Load(48000);
+    EXPECT_EQ(analysis.cmbChannel.Text(), "Right");
+    EXPECT_TRUE(analysis.cmbChannel.Enabled());
+    EXPECT_EQ(analysis.Chosen().channel, 1U);
+}
+
 TEST_F(AnalyzerPanelsTest, TextThatIsNoNumberKeepsTheLastOne) {
     for (const char* const text : {"0", "1000", "1.5", "many", ""}) {
         Type(analysis.txtAverages, text);

@@ -316,6 +316,23 @@ TEST_F(frmAnalyzerTest, ARecordingTakesThePlaceOfTheDevices) {
     ExpectNoFigure();
 }
 
+TEST_F(frmAnalyzerTest, AMonoRecordingIsMeasuredFromItsOnlyChannel) {
+    files.sounds["/tmp/mono.wav"] = files.sounds["/tmp/take 3.wav"];
+    files.sounds["/tmp/mono.wav"].channels = 1;
+    form.Show();
+    form.Analysis.cmbChannel.UserSelects(1);
+    form.OpenRecording("/tmp/mono.wav");
+    Run(200ms);
+    EXPECT_EQ(form.Chip.Text(), "VALID");
+    EXPECT_EQ(form.Readings.Rows[ReadingsPanel::kLevel].value.Caption(), "-6.021");
+    EXPECT_EQ(form.lblLegendLive.Caption(), "Mono, recording");
+    EXPECT_EQ(rig.log.Count("Message"), 0U);
+    EXPECT_THAT(form.Sweep.lblConditions.Caption(), HasSubstr("right channel"));
+    form.OpenRecording("/tmp/take 3.wav");
+    Run(200ms);
+    EXPECT_EQ(form.lblLegendLive.Caption(), "Right, recording");
+}
+
 TEST_F(frmAnalyzerTest, TheNoteNamesWhatLimitsARecording) {
     files.sounds["/tmp/loud.wav"] = files.sounds["/tmp/take 3.wav"];
     files.sounds["/tmp/loud.wav"].sample = [](std::int64_t frame) {
