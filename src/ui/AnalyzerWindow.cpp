@@ -122,6 +122,7 @@ AnalyzerWindow::~AnalyzerWindow() {
     form_.ShowTab = {};
     form_.Sweep.Setup.AskForTable = {};
     form_.Sweep.Setup.AskForLine = {};
+    form_.Stimulus.AskForTones = {};
 }
 
 void AnalyzerWindow::MakeMenus() {
@@ -267,13 +268,13 @@ void AnalyzerWindow::OnSpectrumKey(const QKeySequence& key, const std::function<
 
 // Left column, plot, waveforms, right column, buttons.
 void AnalyzerWindow::OrderTabs() {
-    QWidget* const order[] = {ui_->cmbShape,     ui_->cmbPair,       ui_->txtFrequency, ui_->txtFrequency2,
-                              ui_->txtRatio,     ui_->txtTones,      ui_->cmbNoise,     ui_->chkSnap,
-                              ui_->txtLevel,     ui_->cmbLevelUnit,  ui_->cmdCalibrate, ui_->cmbDither,
-                              ui_->cmbSide,      ui_->cmdStart,      ui_->cmbLength,    ui_->txtAverages,
-                              ui_->cmbBand,      ui_->cmbWeighting,  ui_->cmbChannel,   ui_->txtHarmonics,
-                              ui_->Spectrum,     ui_->cmdRemoveKept, ui_->cmbPlotUnit,  ui_->cmdFit,
-                              ui_->cmdFoldWaves, ui_->cmbPeriods,    ui_->cmbThdUnit};
+    QWidget* const order[] = {ui_->cmbShape,     ui_->cmbPair,      ui_->txtFrequency,  ui_->txtFrequency2,
+                              ui_->txtRatio,     ui_->txtTones,     ui_->cmdEditTones,  ui_->cmbNoise,
+                              ui_->chkSnap,      ui_->txtLevel,     ui_->cmbLevelUnit,  ui_->cmdCalibrate,
+                              ui_->cmbDither,    ui_->cmbSide,      ui_->cmdStart,      ui_->cmbLength,
+                              ui_->txtAverages,  ui_->cmbBand,      ui_->cmbWeighting,  ui_->cmbChannel,
+                              ui_->txtHarmonics, ui_->Spectrum,     ui_->cmdRemoveKept, ui_->cmbPlotUnit,
+                              ui_->cmdFit,       ui_->cmdFoldWaves, ui_->cmbPeriods,    ui_->cmbThdUnit};
     QWidget* last = nullptr;
     const auto append = [&last](QWidget* next) {
         if (last != nullptr) setTabOrder(last, next);
@@ -356,7 +357,7 @@ void AnalyzerWindow::DecorateStimulus() {
     ShowRow({ui_->capFrequency, ui_->txtFrequency},
             stimulus.HasFrequency() && (ownPair || !stimulus.HasPair()));
     ShowRow({ui_->capFrequency2, ui_->txtFrequency2, ui_->capRatio, ui_->txtRatio}, ownPair);
-    ShowRow({ui_->capTones, ui_->txtTones}, stimulus.HasTones());
+    ShowRow({ui_->capTones, ui_->txtTones, ui_->cmdEditTones}, stimulus.HasTones());
     ShowRow({ui_->capNoise, ui_->cmbNoise}, stimulus.HasNoise());
     ShowRow({ui_->chkSnap, ui_->lblPlayed}, !stimulus.HasNoise());
     DecorateStart();

@@ -60,6 +60,7 @@ void AnalyzerWindow::BindStimulus() {
     binder.Bind(*ui_->txtFrequency2, stimulus.txtFrequency2);
     binder.Bind(*ui_->txtRatio, stimulus.txtRatio);
     binder.Bind(*ui_->txtTones, stimulus.txtTones);
+    binder.Bind(*ui_->cmdEditTones, stimulus.cmdEditTones);
     binder.Bind(*ui_->lblPlayed, stimulus.lblPlayed);
     binder.Bind(*ui_->chkSnap, stimulus.chkSnap);
     binder.Bind(*ui_->cmbNoise, stimulus.cmbNoise);

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -19,6 +20,7 @@
 
 #include "core/precise/display/LevelUnits.h"
 #include "support/CreatedControls.h"
+#include "support/DialogUser.h"
 #include "ui/AnalyzerRig.h"
 #include "ui/AnalyzerWindow.h"
 #include "ui/ClippedTexts.h"
@@ -163,6 +165,25 @@ TEST_F(AnalyzerWindowTest, TakesLettersAsTextInAnEntry) {
     QTest::keyClicks(&entry, "hkfru");
     EXPECT_EQ(entry.text(), "hkfru");
     EXPECT_EQ(held.count(), 0);
+}
+
+TEST_F(AnalyzerWindowTest, EditsTonesInADialog) {
+    OpenOnCard(kUsualSize);
+    form.Stimulus.cmbShape.UserSelects(StimulusPanel::kMultitone);
+    Settle();
+    const DialogSteps driver({[](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Edit Tones");
+        auto* const lines = dialog.findChild<QPlainTextEdit*>();
+        ASSERT_NE(lines, nullptr);
+        EXPECT_TRUE(lines->toPlainText().startsWith("19.7754, 0\n"));
+        EXPECT_FALSE(lines->textCursor().hasSelection());
+        lines->setPlainText("1k, -6\n3k");
+        dialog.accept();
+    }});
+    Click(window, "cmdEditTones");
+    Settle();
+    EXPECT_EQ(Find<QLineEdit>("txtTones").text(), "1000@-6,3000@0");
+    EXPECT_EQ(Find<QLabel>("lblPlayed").text(), "999.756 Hz, 3000.732 Hz");
 }
 
 TEST_F(AnalyzerWindowTest, ChangesTheUnitOfThdByU) {
