@@ -335,10 +335,9 @@ void AnalyzerWindow::resizeEvent(QResizeEvent* event) {
     compact_ = compact;
     for (KeyButton* button : {ui_->cmdExport, ui_->cmdCopy, ui_->cmdFit}) button->ShowKeyCap(!compact);
     history_->ShowKeyCaps(!compact);
-    for (QWidget* legend :
-         {static_cast<QWidget*>(ui_->swatchNoise), static_cast<QWidget*>(ui_->capNoisePerBin)})
-        legend->setVisible(!compact);
+    ui_->noiseLegend->setVisible(!compact);
     ShowWaves(!compact && !form_.WavesFolded());
+    Decorate();
 }
 
 void AnalyzerWindow::ShowWaves(bool open) {
@@ -389,7 +388,9 @@ void AnalyzerWindow::Decorate() {
     const bool second = !form_.lblLegendKeptSecond.Caption().empty();
     ShowRow({ui_->swatchKeptSecond, ui_->lblLegendKeptSecond}, second);
     // A compact legend has no room for three names; the live trace has the same colour everywhere.
-    ShowRow({ui_->swatchLive, ui_->lblLegendLive}, !(compact_ && second));
+    ShowRow({ui_->swatchLive}, !(compact_ && second));
+    ShowRow({ui_->lblLegendLive}, !compact_);
+    ShowRow({ui_->lblLegendSide}, compact_ && !second);
 }
 
 void AnalyzerWindow::reject() {

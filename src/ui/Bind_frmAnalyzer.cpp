@@ -43,6 +43,7 @@ void AnalyzerWindow::BindPlots() {
     binder.Bind(*ui_->Spectrum, form_.Spectrum);
     binder.Bind(*ui_->Waves, form_.Waves);
     binder.Bind(*ui_->lblLegendLive, form_.lblLegendLive);
+    binder.Bind(*ui_->lblLegendSide, form_.lblLegendSide);
     binder.Bind(*ui_->lblLegendKept, form_.lblLegendKept);
     binder.Bind(*ui_->lblLegendKeptSecond, form_.lblLegendKeptSecond);
     binder.Bind(*ui_->cmdFit, form_.cmdFit);

@@ -80,6 +80,7 @@ void FillForm(frmAnalyzer& form) {
     form.note.SetCaption("direct, one clock");
     form.Chip.Show(StateChip::Kind::kValid, "VALID");
     form.lblLegendLive.SetCaption("Left, live");
+    form.lblLegendSide.SetCaption("Right");
     form.lblLegendKept.SetCaption("A, 10:42");
     form.prgAverages.SetValue(form.prgAverages.Max());
     form.lblAverages.SetCaption("100 of 100");

@@ -234,6 +234,29 @@ TEST_F(AnalyzerWindowTest, LongNamesOfDevicesLeaveRoomForAQuietNote) {
     EXPECT_FALSE(ShowsAll(Find<QLabel>("lblInput")));
 }
 
+TEST_F(AnalyzerWindowTest, TheSmallestLegendShowsWholeNames) {
+    Open(kSmallestSize);
+    EXPECT_FALSE(Find<QLabel>("lblLegendLive").isVisible());
+    for (const char* name : {"lblLegendSide", "lblLegendKept"}) {
+        EXPECT_TRUE(Find<QLabel>(name).isVisible()) << name;
+        EXPECT_TRUE(ShowsAll(Find<QLabel>(name))) << name;
+    }
+    window.resize(kUsualSize);
+    Settle();
+    EXPECT_TRUE(Find<QLabel>("lblLegendLive").isVisible());
+    EXPECT_FALSE(Find<QLabel>("lblLegendSide").isVisible());
+}
+
+TEST_F(AnalyzerWindowTest, TheSmallestLegendShowsTheTimesOfTwoStoredReadings) {
+    Open(kSmallestSize, [](frmAnalyzer& shown) {
+        shown.lblLegendKept.SetCaption("10:58:21");
+        shown.lblLegendKeptSecond.SetCaption("10:51:17");
+    });
+    EXPECT_FALSE(Find<QLabel>("lblLegendSide").isVisible());
+    for (const char* name : {"lblLegendKept", "lblLegendKeptSecond"})
+        EXPECT_TRUE(ShowsAll(Find<QLabel>(name))) << name;
+}
+
 struct Look {
     const char* name;
     QSize size;

@@ -494,6 +494,7 @@ void frmAnalyzer::ShowPlots() {
     Spectrum.Show(PlottedSpectrum(*result_, live_));
     Waves.Show(PlottedWaves(*result_));
     lblLegendLive.SetCaption(LiveName());
+    lblLegendSide.SetCaption(Analysis.cmbChannel.Text());
 }
 
 std::string frmAnalyzer::LiveName() const {

@@ -99,6 +99,7 @@ public:
     SpectrumPlot Spectrum;
     WavePlot Waves;
     Label lblLegendLive;
+    Label lblLegendSide;  // the same in a small window: "Left"
     Label lblLegendKept;  // empty without a kept trace
     Label lblLegendKeptSecond;
     CommandButton cmdFit;

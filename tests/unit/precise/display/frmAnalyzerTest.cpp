@@ -225,6 +225,7 @@ TEST_F(frmAnalyzerTest, AChangeOfTheAnalysisBeginsTheAveragesAgain) {
     ExpectNoFigure();
     ASSERT_TRUE(Becomes(Kind::kValid));
     EXPECT_EQ(form.lblLegendLive.Caption(), "Right, live");
+    EXPECT_EQ(form.lblLegendSide.Caption(), "Right");
 }
 
 TEST_F(frmAnalyzerTest, KeepsATraceUntilItIsRemoved) {
