@@ -72,11 +72,8 @@ void PaintSeries(QPainter& painter, const RunPixels& pixels, const RunPlot& plot
     }
 }
 
-// Thin and dashed: the colour shows the quantity, the line the run.
 void PaintKept(QPainter& painter, const RunPixels& pixels, const RunPlot& plot, RunSeries series) {
-    QPen pen(RunPainter::LineOf(series).color(), 1.0);
-    pen.setDashPattern({6, 4});
-    painter.setPen(pen);
+    painter.setPen(RunPainter::KeptLine(RunPainter::LineOf(series).color()));
     painter.setBrush(Qt::NoBrush);
     for (const RunPlot::BesideCurves& kept : plot.Kept())
         for (const RunCurve& curve : kept.curves[static_cast<std::size_t>(series)])
@@ -184,9 +181,7 @@ void PaintHeads(QPainter& painter, const QRectF& area, const RunPlot& plot, cons
         const QString text = KeptText(plot);
         right -= metrics.horizontalAdvance(text);
         painter.drawText(QPointF(right, baseline), text);
-        QPen pen(theme.text, 1.0);
-        pen.setDashPattern({6, 4});
-        painter.setPen(pen);
+        painter.setPen(RunPainter::KeptLine(theme.text));
         const double y = baseline - metrics.ascent() / 2 + 1;
         right -= kRunTextGap;
         painter.drawLine(QPointF(right - kKeptSwatch, y), QPointF(right, y));
@@ -248,6 +243,13 @@ QPen RunPainter::LineOf(RunSeries series) {
     QPen level(theme.quiet, 1.6);
     level.setDashPattern({1.2, 1.8});
     return level;
+}
+
+// Thin and dashed: the colour shows the quantity, the line the run.
+QPen RunPainter::KeptLine(const QColor& colour) {
+    QPen pen(colour, 1.0);
+    pen.setDashPattern({6, 4});
+    return pen;
 }
 
 PlotCanvas::Axis RunPainter::AcrossAxis(const RunPlot& plot, double width, const PlotFonts& fonts) {

@@ -17,6 +17,8 @@ public:
     static QMargins Margins(const PlotFonts& fonts);
     // The line of a series, for a legend. One colour for each series; the level is dotted.
     static QPen LineOf(RunSeries series);
+    // The line of a kept run, in the colour of a series or, for a legend, of texts.
+    static QPen KeptLine(const QColor& colour);
 
     static PlotCanvas::Axis AcrossAxis(const RunPlot& plot, double width, const PlotFonts& fonts);
     static PlotCanvas::Axis RatioAxis(const RunPlot& plot, double height, const PlotFonts& fonts);

@@ -145,6 +145,15 @@ TEST(RowOfAReading, IsQuietUntilItIsValid) {
     EXPECT_EQ(row->Value().palette().color(QPalette::WindowText), ui::Theme::Current().text);
 }
 
+TEST(Swatch, HasThePenThatReplacesATrace) {
+    ui::TraceSwatch swatch;
+    QColor colour = Qt::red;
+    swatch.SetPen([&colour] { return QPen(colour, 2.0); });
+    EXPECT_TRUE(HasColour(PaintedImage(swatch), Qt::red));
+    colour = Qt::blue;
+    EXPECT_TRUE(HasColour(PaintedImage(swatch), Qt::blue));
+}
+
 TEST(Swatch, HasTheColourOfItsTrace) {
     ui::TraceSwatch swatch;
     swatch.SetTrace("kept");
