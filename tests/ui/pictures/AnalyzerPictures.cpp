@@ -145,6 +145,12 @@ const AnalyzerScene kAnalyzerScenes[] = {
     {"idle", kUsual, [](AnalyzerRig& rig) { rig.Play(5s); }},
     {"valid", kUsual, KeepNoisyTrace},
     {"valid-small", kSmallest, KeepNoisyTrace},
+    {"silence", kUsual,
+     [](AnalyzerRig& rig) {
+         SetModel(rig, [](DeviceUnderTestModel& model) { model.noiseRms = 0; });
+         rig.form.Stimulus.cmbShape.UserSelects(6);
+         rig.Play(8s);
+     }},
     {"settling", kUsual, [](AnalyzerRig& rig) { PlaySine(rig, 2500ms); }},
     {"settling-small", kSmallest, [](AnalyzerRig& rig) { PlaySine(rig, 2500ms); }},
     {"void", kUsual,
