@@ -7,6 +7,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QPlainTextEdit>
+#include <QTimer>
 
 #include "ui/AnalyzerWindow.h"
 #include "ui/CalibrateDialog.h"
@@ -48,7 +50,16 @@ void AnalyzerWindow::ConnectFiles() {
     };
     form_.History.AskForExport = [this] { return AskForHistoryFile(); };
     form_.Sweep.Setup.AskForTable = [this] { return AskForLimit(); };
-    form_.Sweep.Setup.AskForLine = [this](const std::string& table) { return AskForLine(table); };
+    form_.Sweep.Setup.AskForLine = [this](const std::string& table) {
+        return AskForLines(tr("Edit Limit Line"),
+                           tr("Frequency in Hz and highest value in dB in each line,\n"
+                              "or frequency, lowest and highest value:"),
+                           table);
+    };
+    form_.Stimulus.AskForTones = [this](const std::string& tones) {
+        return AskForLines(tr("Edit Tones"), tr("Frequency in Hz and level in dB of a tone in each line:"),
+                           tones);
+    };
     form_.OnCopy = [](const std::string& text) {
         QApplication::clipboard()->setText(QString::fromStdString(text));
     };
@@ -143,14 +154,17 @@ std::optional<SweepSetup::NamedText> AnalyzerWindow::AskForLimit() {
     return SweepSetup::NamedText{name, text.toStdString()};
 }
 
-std::optional<std::string> AnalyzerWindow::AskForLine(const std::string& table) {
+std::optional<std::string> AnalyzerWindow::AskForLines(const QString& title, const QString& meaning,
+                                                       const std::string& lines) {
     QInputDialog dialog(this);
-    dialog.setWindowTitle(tr("Edit Limit Line"));
-    dialog.setLabelText(
-        tr("Frequency in Hz and highest value in dB in each line,\n"
-           "or frequency, lowest and highest value:"));
+    dialog.setWindowTitle(title);
+    dialog.setLabelText(meaning);
     dialog.setOption(QInputDialog::UsePlainTextEditForTextInput);
-    dialog.setTextValue(QString::fromStdString(table));
+    dialog.setTextValue(QString::fromStdString(lines));
+    // The dialog selects the whole text when it opens; the first key would erase the lines.
+    QTimer::singleShot(0, &dialog, [&dialog] {
+        if (auto* const text = dialog.findChild<QPlainTextEdit*>()) text->moveCursor(QTextCursor::Start);
+    });
     Wait(dialog);
     if (dialog.result() != QDialog::Accepted) return std::nullopt;
     return dialog.textValue().toStdString();

@@ -122,6 +122,7 @@ AnalyzerWindow::~AnalyzerWindow() {
     form_.ShowTab = {};
     form_.Sweep.Setup.AskForTable = {};
     form_.Sweep.Setup.AskForLine = {};
+    form_.Stimulus.AskForTones = {};
 }
 
 void AnalyzerWindow::MakeMenus() {
@@ -267,13 +268,13 @@ void AnalyzerWindow::OnSpectrumKey(const QKeySequence& key, const std::function<
 
 // Left column, plot, waveforms, right column, buttons.
 void AnalyzerWindow::OrderTabs() {
-    QWidget* const order[] = {ui_->cmbShape,     ui_->cmbPair,       ui_->txtFrequency, ui_->txtFrequency2,
-                              ui_->txtRatio,     ui_->txtTones,      ui_->cmbNoise,     ui_->chkSnap,
-                              ui_->txtLevel,     ui_->cmbLevelUnit,  ui_->cmdCalibrate, ui_->cmbDither,
-                              ui_->cmbSide,      ui_->cmdStart,      ui_->cmbLength,    ui_->txtAverages,
-                              ui_->cmbBand,      ui_->cmbWeighting,  ui_->cmbChannel,   ui_->txtHarmonics,
-                              ui_->Spectrum,     ui_->cmdRemoveKept, ui_->cmbPlotUnit,  ui_->cmdFit,
-                              ui_->cmdFoldWaves, ui_->cmbPeriods,    ui_->cmbThdUnit};
+    QWidget* const order[] = {ui_->cmbShape,     ui_->cmbPair,      ui_->txtFrequency,  ui_->txtFrequency2,
+                              ui_->txtRatio,     ui_->txtTones,     ui_->cmdEditTones,  ui_->cmbNoise,
+                              ui_->chkSnap,      ui_->txtLevel,     ui_->cmbLevelUnit,  ui_->cmdCalibrate,
+                              ui_->cmbDither,    ui_->cmbSide,      ui_->cmdStart,      ui_->cmbLength,
+                              ui_->txtAverages,  ui_->cmbBand,      ui_->cmbWeighting,  ui_->cmbChannel,
+                              ui_->txtHarmonics, ui_->Spectrum,     ui_->cmdRemoveKept, ui_->cmbPlotUnit,
+                              ui_->cmdFit,       ui_->cmdFoldWaves, ui_->cmbPeriods,    ui_->cmbThdUnit};
     QWidget* last = nullptr;
     const auto append = [&last](QWidget* next) {
         if (last != nullptr) setTabOrder(last, next);
@@ -334,10 +335,9 @@ void AnalyzerWindow::resizeEvent(QResizeEvent* event) {
     compact_ = compact;
     for (KeyButton* button : {ui_->cmdExport, ui_->cmdCopy, ui_->cmdFit}) button->ShowKeyCap(!compact);
     history_->ShowKeyCaps(!compact);
-    for (QWidget* legend :
-         {static_cast<QWidget*>(ui_->swatchNoise), static_cast<QWidget*>(ui_->capNoisePerBin)})
-        legend->setVisible(!compact);
+    ui_->noiseLegend->setVisible(!compact);
     ShowWaves(!compact && !form_.WavesFolded());
+    Decorate();
 }
 
 void AnalyzerWindow::ShowWaves(bool open) {
@@ -356,7 +356,7 @@ void AnalyzerWindow::DecorateStimulus() {
     ShowRow({ui_->capFrequency, ui_->txtFrequency},
             stimulus.HasFrequency() && (ownPair || !stimulus.HasPair()));
     ShowRow({ui_->capFrequency2, ui_->txtFrequency2, ui_->capRatio, ui_->txtRatio}, ownPair);
-    ShowRow({ui_->capTones, ui_->txtTones}, stimulus.HasTones());
+    ShowRow({ui_->capTones, ui_->txtTones, ui_->cmdEditTones}, stimulus.HasTones());
     ShowRow({ui_->capNoise, ui_->cmbNoise}, stimulus.HasNoise());
     ShowRow({ui_->chkSnap, ui_->lblPlayed}, !stimulus.HasNoise());
     DecorateStart();
@@ -376,6 +376,8 @@ void AnalyzerWindow::Decorate() {
     history_->Decorate();
     SetQuietInk(*ui_->lblThdSpread, form_.Readings.lblThd.Quiet());
     ui_->note->setVisible(!form_.note.Caption().empty());
+    // A quiet note is short and stays whole; the names of the devices give way.
+    ui_->note->setMinimumWidth(form_.note.Emphasis() ? 0 : ui_->note->sizeHint().width());
     const bool recording = !form_.lblRecording.Caption().empty();
     ShowRow({ui_->lblRecordingCaption, ui_->lblRecording, ui_->recordingPane}, recording);
     ShowRow({ui_->lblInputCaption, ui_->lblInput, ui_->lblOutputCaption, ui_->lblOutput, ui_->livePane,
@@ -386,7 +388,9 @@ void AnalyzerWindow::Decorate() {
     const bool second = !form_.lblLegendKeptSecond.Caption().empty();
     ShowRow({ui_->swatchKeptSecond, ui_->lblLegendKeptSecond}, second);
     // A compact legend has no room for three names; the live trace has the same colour everywhere.
-    ShowRow({ui_->swatchLive, ui_->lblLegendLive}, !(compact_ && second));
+    ShowRow({ui_->swatchLive}, !(compact_ && second));
+    ShowRow({ui_->lblLegendLive}, !compact_);
+    ShowRow({ui_->lblLegendSide}, compact_ && !second);
 }
 
 void AnalyzerWindow::reject() {

@@ -54,7 +54,8 @@ private:
     std::optional<SweepPanel::ExportTarget> AskForRunFile();
     std::string AskForHistoryFile();
     std::optional<SweepSetup::NamedText> AskForLimit();
-    std::optional<std::string> AskForLine(const std::string& table);
+    std::optional<std::string> AskForLines(const QString& title, const QString& meaning,
+                                           const std::string& lines);
     std::optional<frmAnalyzer::ExportTarget> AskForExport(const ExportedMeasurement& measurement);
     void Wait(QDialog& dialog);
     void BindControls();

@@ -43,6 +43,7 @@ void AnalyzerWindow::BindPlots() {
     binder.Bind(*ui_->Spectrum, form_.Spectrum);
     binder.Bind(*ui_->Waves, form_.Waves);
     binder.Bind(*ui_->lblLegendLive, form_.lblLegendLive);
+    binder.Bind(*ui_->lblLegendSide, form_.lblLegendSide);
     binder.Bind(*ui_->lblLegendKept, form_.lblLegendKept);
     binder.Bind(*ui_->lblLegendKeptSecond, form_.lblLegendKeptSecond);
     binder.Bind(*ui_->cmdFit, form_.cmdFit);
@@ -60,6 +61,7 @@ void AnalyzerWindow::BindStimulus() {
     binder.Bind(*ui_->txtFrequency2, stimulus.txtFrequency2);
     binder.Bind(*ui_->txtRatio, stimulus.txtRatio);
     binder.Bind(*ui_->txtTones, stimulus.txtTones);
+    binder.Bind(*ui_->cmdEditTones, stimulus.cmdEditTones);
     binder.Bind(*ui_->lblPlayed, stimulus.lblPlayed);
     binder.Bind(*ui_->chkSnap, stimulus.chkSnap);
     binder.Bind(*ui_->cmbNoise, stimulus.cmbNoise);

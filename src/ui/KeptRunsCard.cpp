@@ -9,6 +9,9 @@
 #include <QRadioButton>
 
 #include "ui/widgets/ChipView.h"
+#include "ui/widgets/RunPainter.h"
+#include "ui/widgets/Theme.h"
+#include "ui/widgets/TraceSwatch.h"
 
 namespace sonavex::ui {
 
@@ -58,6 +61,8 @@ QWidget* KeptRunsCard::MakeRow(std::size_t index, Binder& binder) {
     auto* const conditions = new QLabel(row);
     auto* const shown = new QCheckBox(row);
     verdicts_[index] = new ChipView(row);
+    swatches_[index] = new TraceSwatch(row);
+    swatches_[index]->SetPen([] { return RunPainter::KeptLine(Theme::Current().text); });
     // Rows are selected one at a time by the form.
     select->setAutoExclusive(false);
     letter->setProperty("role", "strong");
@@ -68,6 +73,7 @@ QWidget* KeptRunsCard::MakeRow(std::size_t index, Binder& binder) {
     name->setObjectName("txtKept" + suffix);
     shown->setObjectName("chkKept" + suffix);
     verdicts_[index]->setObjectName("KeptVerdict" + suffix);
+    swatches_[index]->setObjectName("KeptSwatch" + suffix);
     select->setAccessibleName(tr("Select kept run"));
     letter->setAccessibleName(tr("Letter of the kept run"));
     name->setAccessibleName(tr("Name of the kept run"));
@@ -78,6 +84,7 @@ QWidget* KeptRunsCard::MakeRow(std::size_t index, Binder& binder) {
     layout->addWidget(letter, 0, 1);
     layout->addWidget(name, 0, 2, 1, 2);
     layout->addWidget(shown, 0, 4, Qt::AlignRight);
+    layout->addWidget(swatches_[index], 1, 0, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
     layout->addWidget(conditions, 1, 2);
     layout->addWidget(verdicts_[index], 1, 3, 1, 2, Qt::AlignRight | Qt::AlignVCenter);
     binder.Bind(*select, run.optSelect);
@@ -94,6 +101,8 @@ void KeptRunsCard::Decorate() {
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         rows_[i]->setVisible(i < runs_.Count());
         verdicts_[i]->setVisible(!runs_.Rows[i].Verdict.Text().empty());
+        swatches_[i]->setVisible(runs_.Rows[i].chkShown.Checked());
+        names_[i]->setToolTip(QString::fromStdString(runs_.Rows[i].txtName.Text()));
         // A long name is shown from its beginning.
         if (!names_[i]->hasFocus()) names_[i]->setCursorPosition(0);
     }

@@ -12,6 +12,7 @@ class QLineEdit;
 namespace sonavex::ui {
 
 class ChipView;
+class TraceSwatch;
 
 // The card of the tab Sweep with the kept runs. Names are edited in place.
 class KeptRunsCard : public QFrame {
@@ -31,6 +32,7 @@ private:
     std::array<QWidget*, KeptRuns::kMost> rows_{};
     std::array<QLineEdit*, KeptRuns::kMost> names_{};
     std::array<ChipView*, KeptRuns::kMost> verdicts_{};
+    std::array<TraceSwatch*, KeptRuns::kMost> swatches_{};
     QLabel* none_ = nullptr;
 };
 

@@ -17,6 +17,7 @@
 #include "ui/widgets/RunView.h"
 #include "ui/widgets/SegmentedChoice.h"
 #include "ui/widgets/Theme.h"
+#include "ui/widgets/TraceSwatch.h"
 #include "ui/widgets/UnitChoice.h"
 #include "ui/widgets/UnitEdit.h"
 
@@ -302,6 +303,9 @@ void SweepPage::MakePoint(QBoxLayout& column) {
     for (std::size_t i = 0; i < panel_.Rows.size(); ++i) {
         rows_.push_back(new ReadingRowView(i % 2 == 0, this));
         point.addWidget(rows_.back());
+        auto* const swatch = new TraceSwatch(rows_.back());
+        swatch->SetPen([i] { return RunPainter::LineOf(static_cast<RunSeries>(i)); });
+        rows_.back()->SetSwatch(*swatch);
         for (QWidget* cell :
              {static_cast<QWidget*>(&rows_[i]->Value()), static_cast<QWidget*>(&rows_[i]->Spread()),
               static_cast<QWidget*>(&rows_[i]->Unit())})

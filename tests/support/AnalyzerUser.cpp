@@ -77,7 +77,8 @@ private:
                                           &form_.cmdCopy,
                                           &form_.cmdExport,
                                           &form_.Recording.cmdLive,
-                                          &form_.Stimulus.cmdCalibrate};
+                                          &form_.Stimulus.cmdCalibrate,
+                                          &form_.Stimulus.cmdEditTones};
         MenuItem* const entries[] = {&form_.mnuKeepReference, &form_.mnuKeepIdle, &form_.Readings.mnuThdn,
                                      &form_.Readings.mnuNotch};
         const std::int32_t which = random_.Pick(std::size(buttons) + std::size(entries));

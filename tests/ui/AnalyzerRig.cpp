@@ -80,6 +80,7 @@ void FillForm(frmAnalyzer& form) {
     form.note.SetCaption("direct, one clock");
     form.Chip.Show(StateChip::Kind::kValid, "VALID");
     form.lblLegendLive.SetCaption("Left, live");
+    form.lblLegendSide.SetCaption("Right");
     form.lblLegendKept.SetCaption("A, 10:42");
     form.prgAverages.SetValue(form.prgAverages.Max());
     form.lblAverages.SetCaption("100 of 100");
@@ -127,10 +128,10 @@ void AnalyzerRig::OpenOnCard(QSize size, const DeviceUnderTestModel& model) {
     Settle();
 }
 
-void AnalyzerRig::OpenRecording(const std::function<double(std::int64_t frame)>& sample) {
+void AnalyzerRig::OpenRecording(const std::function<double(std::int64_t frame)>& sample, int channels) {
     files.sounds["/recordings/take 3.wav"] = {
         .rateHz = static_cast<std::int32_t>(kTakeRateHz),
-        .channels = 2,
+        .channels = channels,
         .frames = 300000,
         .sample = [sample](std::int64_t frame) { return std::clamp(sample(frame), -1.0, 1.0); }};
     form.OpenRecording("/recordings/take 3.wav");

@@ -28,7 +28,7 @@ public:
     // Starts the card as a loop with distortion, of 24 bits at 48 kHz, and opens the window without texts.
     void OpenOnCard(QSize size, const DeviceUnderTestModel& model = UsualLoop());
     // Opens a recording in the open window. Samples beyond full scale are clipped.
-    void OpenRecording(const std::function<double(std::int64_t frame)>& sample);
+    void OpenRecording(const std::function<double(std::int64_t frame)>& sample, int channels = 2);
     // A sine that clips, and one with sidebands at -60 dBc, 3 Hz off.
     static double ClippingSine(std::int64_t frame);
     static double UnsteadySine(std::int64_t frame);

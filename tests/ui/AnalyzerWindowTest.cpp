@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -19,6 +20,7 @@
 
 #include "core/precise/display/LevelUnits.h"
 #include "support/CreatedControls.h"
+#include "support/DialogUser.h"
 #include "ui/AnalyzerRig.h"
 #include "ui/AnalyzerWindow.h"
 #include "ui/ClippedTexts.h"
@@ -165,6 +167,25 @@ TEST_F(AnalyzerWindowTest, TakesLettersAsTextInAnEntry) {
     EXPECT_EQ(held.count(), 0);
 }
 
+TEST_F(AnalyzerWindowTest, EditsTonesInADialog) {
+    OpenOnCard(kUsualSize);
+    form.Stimulus.cmbShape.UserSelects(StimulusPanel::kMultitone);
+    Settle();
+    const DialogSteps driver({[](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Edit Tones");
+        auto* const lines = dialog.findChild<QPlainTextEdit*>();
+        ASSERT_NE(lines, nullptr);
+        EXPECT_TRUE(lines->toPlainText().startsWith("19.7754, 0\n"));
+        EXPECT_FALSE(lines->textCursor().hasSelection());
+        lines->setPlainText("1k, -6\n3k");
+        dialog.accept();
+    }});
+    Click(window, "cmdEditTones");
+    Settle();
+    EXPECT_EQ(Find<QLineEdit>("txtTones").text(), "1000@-6,3000@0");
+    EXPECT_EQ(Find<QLabel>("lblPlayed").text(), "999.756 Hz, 3000.732 Hz");
+}
+
 TEST_F(AnalyzerWindowTest, ChangesTheUnitOfThdByU) {
     Open(kUsualSize);
     QTest::keyClick(&Find<QWidget>("Spectrum"), Qt::Key_U);
@@ -195,6 +216,45 @@ TEST_F(AnalyzerWindowTest, FoldsAndScrollsWhenItIsSmall) {
     window.resize(kUsualSize);
     Settle();
     EXPECT_TRUE(Find<QWidget>("Waves").isVisible());
+}
+
+// Whether a label shows its text without an ellipsis.
+bool ShowsAll(const QLabel& label) {
+    return label.contentsRect().width() >= label.fontMetrics().horizontalAdvance(label.text());
+}
+
+TEST_F(AnalyzerWindowTest, LongNamesOfDevicesLeaveRoomForAQuietNote) {
+    Open(kSmallestSize, [](frmAnalyzer& shown) {
+        for (Label* device : {&shown.lblInput, &shown.lblOutput})
+            device->SetCaption("A device with a name that is longer than its place in the strip");
+        shown.note.SetCaption("direct, one clock");
+    });
+    EXPECT_EQ(window.size(), kSmallestSize);
+    EXPECT_TRUE(ShowsAll(Find<QLabel>("note")));
+    EXPECT_FALSE(ShowsAll(Find<QLabel>("lblInput")));
+}
+
+TEST_F(AnalyzerWindowTest, TheSmallestLegendShowsWholeNames) {
+    Open(kSmallestSize);
+    EXPECT_FALSE(Find<QLabel>("lblLegendLive").isVisible());
+    for (const char* name : {"lblLegendSide", "lblLegendKept"}) {
+        EXPECT_TRUE(Find<QLabel>(name).isVisible()) << name;
+        EXPECT_TRUE(ShowsAll(Find<QLabel>(name))) << name;
+    }
+    window.resize(kUsualSize);
+    Settle();
+    EXPECT_TRUE(Find<QLabel>("lblLegendLive").isVisible());
+    EXPECT_FALSE(Find<QLabel>("lblLegendSide").isVisible());
+}
+
+TEST_F(AnalyzerWindowTest, TheSmallestLegendShowsTheTimesOfTwoStoredReadings) {
+    Open(kSmallestSize, [](frmAnalyzer& shown) {
+        shown.lblLegendKept.SetCaption("10:58:21");
+        shown.lblLegendKeptSecond.SetCaption("10:51:17");
+    });
+    EXPECT_FALSE(Find<QLabel>("lblLegendSide").isVisible());
+    for (const char* name : {"lblLegendKept", "lblLegendKeptSecond"})
+        EXPECT_TRUE(ShowsAll(Find<QLabel>(name))) << name;
 }
 
 struct Look {

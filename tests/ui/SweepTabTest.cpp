@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QCheckBox>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
@@ -94,6 +95,13 @@ TEST_F(SweepTab, KeepsRunsByKAndRenamesThem) {
     EXPECT_TRUE(name.hasFocus());
     Type("txtKept1", "new caps");
     EXPECT_EQ(form.Sweep.Kept.Rows[0].txtName.Text(), "new caps");
+    Settle();
+    EXPECT_EQ(name.toolTip(), "new caps");
+    auto& swatch = Find<QWidget>("KeptSwatch1");
+    EXPECT_TRUE(swatch.isVisible());
+    QTest::mouseClick(&Find<QCheckBox>("chkKept1"), Qt::LeftButton);
+    Settle();
+    EXPECT_FALSE(swatch.isVisible()) << "the plot does not show the run";
 }
 
 TEST_F(SweepTab, KeysOfTheSpectrumDoNotActThere) {

@@ -10,7 +10,9 @@
 namespace sonavex {
 namespace {
 
-constexpr double kSmallestScale = 1e-9;
+constexpr double kSmallestScale = 1e-8;
+// Smaller full scales are written in µFS.
+constexpr double kSmallestInFs = 0.01;
 
 double ScaleFor(double peak) {
     const double power = std::pow(10.0, std::floor(std::log10(std::max(peak, kSmallestScale))));
@@ -39,12 +41,20 @@ double WavePlot::Seconds() const {
 }
 
 std::string WavePlot::SignalScaleText() const {
-    return "±" + WithoutTrailingZeros(signalScale_, 9) + " FS";
+    const AxisTexts texts = TextsOf(signalScale_);
+    return "±" + texts.value + ' ' + texts.unit;
 }
 
 std::string WavePlot::ResidualScaleText() const {
-    return "±" + WithoutTrailingZeros(1e6 * residualScale_, 4) +
-           " µFS = " + WithDecimals(20.0 * std::log10(residualScale_), 1) + " dBFS";
+    const AxisTexts texts = TextsOf(residualScale_);
+    return "±" + texts.value + ' ' + texts.unit + " = " + WithDecimals(20.0 * std::log10(residualScale_), 1) +
+           " dBFS";
+}
+
+WavePlot::AxisTexts WavePlot::TextsOf(double fullScale) {
+    constexpr int kDecimals = 3;
+    if (fullScale < kSmallestInFs) return {WithoutTrailingZeros(1e6 * fullScale, kDecimals), "µFS"};
+    return {WithoutTrailingZeros(fullScale, kDecimals), "FS"};
 }
 
 std::string WavePlot::Description() const {

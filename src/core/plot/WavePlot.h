@@ -27,8 +27,16 @@ public:
     // most 1. They grow at once and shrink when half of them is enough.
     double SignalScale() const noexcept { return signalScale_; }
     double ResidualScale() const noexcept { return residualScale_; }
-    std::string SignalScaleText() const;    // "±1 FS"
+    std::string SignalScaleText() const;    // "±1 FS", "±20 µFS"
     std::string ResidualScaleText() const;  // "±20 µFS = -94.0 dBFS"
+
+    // A full scale as the axes label it, at most six characters with the sign: "0.015" and "FS", "20" and
+    // "µFS".
+    struct AxisTexts {
+        std::string value;
+        const char* unit = "";
+    };
+    static AxisTexts TextsOf(double fullScale);
 
     // What the plot shows, as sentences for a screen reader.
     std::string Description() const;

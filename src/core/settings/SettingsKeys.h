@@ -125,6 +125,8 @@ inline constexpr SettingsKey kSweepLimit{kAnalyzer, "Sweep Limit", "-90"};
 // The table with semicolons in place of line ends; empty without one.
 inline constexpr SettingsKey kSweepLimitTable{kAnalyzer, "Sweep Limit Table", ""};
 inline constexpr SettingsKey kSweepLimitName{kAnalyzer, "Sweep Limit Name", ""};
+// Identifiers in the history of the kept runs that the plot shows, newest first, separated by commas.
+inline constexpr SettingsKey kSweepKept{kAnalyzer, "Sweep Kept Runs", ""};
 
 inline constexpr SettingsKey kLastTab{kWindows, "LastTab", "0"};
 inline constexpr std::string_view kNeverPlaced = "-1";

@@ -34,7 +34,9 @@ void ElidedLabel::paintEvent(QPaintEvent*) {
 bool ElidedLabel::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip || fontMetrics().horizontalAdvance(text()) <= contentsRect().width())
         return QLabel::event(event);
-    const QString whole = toolTip().isEmpty() ? text() : text() + "\n" + toolTip();
+    const QString lines = text().replace('\r', '\n');
+    const bool contained = toolTip().startsWith(lines);
+    const QString whole = contained ? toolTip() : toolTip().isEmpty() ? lines : lines + "\n" + toolTip();
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), whole, this);
     return true;
 }

@@ -4,7 +4,7 @@
 
 namespace sonavex::ui {
 
-// A line of text that is elided if it is too long; the tool tip shows the whole text.
+// A line of text that is elided if it is too long; the tool tip then begins with the whole text.
 class ElidedLabel : public QLabel {
     Q_OBJECT
 

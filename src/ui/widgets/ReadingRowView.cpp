@@ -8,6 +8,8 @@
 namespace sonavex::ui {
 namespace {
 
+constexpr int kSwatchGap = 5;
+
 QLabel* MakeCell(QWidget& row, const char* role, Qt::Alignment alignment) {
     auto* const label = new QLabel(&row);
     label->setTextFormat(Qt::PlainText);
@@ -32,6 +34,12 @@ ReadingRowView::ReadingRowView(bool stripe, QWidget* parent)
     row->addWidget(value_, 1);
     row->addWidget(unit_);
     row->addWidget(spread_);
+}
+
+void ReadingRowView::SetSwatch(QWidget& swatch) {
+    auto& row = static_cast<QHBoxLayout&>(*layout());
+    row.insertWidget(0, &swatch);
+    row.insertSpacing(1, kSwatchGap);
 }
 
 void ReadingRowView::SetNameWidget(QWidget& widget) {

@@ -17,6 +17,8 @@ public:
     // stripe: with the ground of every second row.
     ReadingRowView(bool stripe, QWidget* parent);
 
+    // A picture before the name.
+    void SetSwatch(QWidget& swatch);
     // Takes the place of the label with the name.
     void SetNameWidget(QWidget& widget);
     QLabel& Name() const { return *name_; }

@@ -81,11 +81,8 @@ void PaintPreview(QPainter& painter, const RunPixels& pixels, const RunPlot& plo
         painter.drawPolyline(pixels.Line(curve, series == RunSeries::kLevel));
 }
 
-// Thin and dashed: the colour shows the quantity, the line the run.
 void PaintKept(QPainter& painter, const RunPixels& pixels, const RunPlot& plot, RunSeries series) {
-    QPen pen(RunPainter::LineOf(series).color(), 1.0);
-    pen.setDashPattern({6, 4});
-    painter.setPen(pen);
+    painter.setPen(RunPainter::KeptLine(RunPainter::LineOf(series).color()));
     painter.setBrush(Qt::NoBrush);
     for (const RunPlot::BesideCurves& kept : plot.Kept())
         for (const RunCurve& curve : kept.curves[static_cast<std::size_t>(series)])
@@ -199,11 +196,7 @@ void PaintHeads(QPainter& painter, const QRectF& area, const RunPlot& plot, cons
         painter.drawLine(QPointF(right - kHeadSwatch, y), QPointF(right, y));
         right -= kHeadSwatch + 2 * kRunTextGap;
     };
-    if (!plot.Kept().empty()) {
-        QPen pen(theme.text, 1.0);
-        pen.setDashPattern({6, 4});
-        paintHead(KeptText(plot), pen);
-    }
+    if (!plot.Kept().empty()) paintHead(KeptText(plot), RunPainter::KeptLine(theme.text));
     if (plot.HasPreview()) paintHead("preview", RunPainter::PreviewLineOf(RunSeries::kSecond));
     if (plot.VoidPositions().empty()) return;
     right -= metrics.horizontalAdvance("invalid");
@@ -269,6 +262,13 @@ QPen RunPainter::PreviewLineOf(RunSeries series) {
     color.setAlphaF(kPreviewOpacity);
     pen.setColor(color);
     pen.setWidthF(kPreviewWidth);
+    return pen;
+}
+
+// Thin and dashed: the colour shows the quantity, the line the run.
+QPen RunPainter::KeptLine(const QColor& colour) {
+    QPen pen(colour, 1.0);
+    pen.setDashPattern({6, 4});
     return pen;
 }
 

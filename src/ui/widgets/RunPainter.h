@@ -19,6 +19,8 @@ public:
     static QPen LineOf(RunSeries series);
     // The same before the points are measured: thinner and lighter.
     static QPen PreviewLineOf(RunSeries series);
+    // The line of a kept run, in the colour of a series or, for a legend, of texts.
+    static QPen KeptLine(const QColor& colour);
 
     static PlotCanvas::Axis AcrossAxis(const RunPlot& plot, double width, const PlotFonts& fonts);
     static PlotCanvas::Axis RatioAxis(const RunPlot& plot, double height, const PlotFonts& fonts);

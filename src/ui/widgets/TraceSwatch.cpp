@@ -1,6 +1,7 @@
 #include "ui/widgets/TraceSwatch.h"
 
 #include <QPainter>
+#include <utility>
 
 #include "ui/widgets/Theme.h"
 
@@ -23,9 +24,14 @@ void TraceSwatch::SetTrace(const QString& trace) {
     update();
 }
 
+void TraceSwatch::SetPen(std::function<QPen()> pen) {
+    pen_ = std::move(pen);
+    update();
+}
+
 void TraceSwatch::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setPen(PenOf(trace_));
+    painter.setPen(pen_ ? pen_() : PenOf(trace_));
     painter.drawLine(QPointF(0.0, height() / 2.0), QPointF(width(), height() / 2.0));
 }
 

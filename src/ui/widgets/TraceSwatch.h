@@ -3,6 +3,7 @@
 #include <QPen>
 #include <QString>
 #include <QWidget>
+#include <functional>
 
 namespace sonavex::ui {
 
@@ -20,6 +21,9 @@ public:
 
     QString Trace() const { return trace_; }
     void SetTrace(const QString& trace);
+    // A pen in place of that of a trace. It is asked for with each painting, because it has the theme's
+    // colour.
+    void SetPen(std::function<QPen()> pen);
 
     QSize sizeHint() const override { return {20, 6}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -29,6 +33,7 @@ protected:
 
 private:
     QString trace_;
+    std::function<QPen()> pen_;
 };
 
 }  // namespace sonavex::ui

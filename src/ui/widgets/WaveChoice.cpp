@@ -17,6 +17,8 @@ WaveChoice::WaveChoice(QWidget* parent) : QWidget(parent) {
 
 void WaveChoice::SetNames(const QStringList& names) {
     if (names == names_) return;
+    // New buttons are reached by the tab key where the earlier ones were.
+    QWidget* before = names_.isEmpty() ? nullptr : group_.button(0)->previousInFocusChain();
     names_ = names;
     for (QAbstractButton* button : group_.buttons()) delete button;
     for (int i = 0; i < names.size(); ++i) {
@@ -26,6 +28,9 @@ void WaveChoice::SetNames(const QStringList& names) {
         group_.addButton(button, i);
         Place(i, *button);
         button->show();
+        if (before == nullptr) continue;
+        setTabOrder(before, button);
+        before = button;
     }
 }
 

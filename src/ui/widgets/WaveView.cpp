@@ -9,7 +9,6 @@
 
 #include "core/plot/PlotTicks.h"
 #include "core/plot/WaveColumns.h"
-#include "core/text/Decimals.h"
 #include "ui/widgets/CurveImage.h"
 #include "ui/widgets/SpectrumPainter.h"
 #include "ui/widgets/Theme.h"
@@ -30,9 +29,10 @@ PlotCanvas::Axis TimeAxis(double seconds) {
 }
 
 // From -1 to 1 of a full scale, with the unit at the middle.
-PlotCanvas::Axis ScaleAxis(double fullScale, const char* unit) {
-    const QString text = QString::fromStdString(WithoutTrailingZeros(fullScale, 9));
-    return {-1, 1, {{-1, "-" + text}, {0, QString::fromUtf8(unit)}, {1, text}}};
+PlotCanvas::Axis ScaleAxis(double fullScale) {
+    const WavePlot::AxisTexts texts = WavePlot::TextsOf(fullScale);
+    const QString text = QString::fromStdString(texts.value);
+    return {-1, 1, {{-1, "-" + text}, {0, QString::fromUtf8(texts.unit)}, {1, text}}};
 }
 
 }  // namespace
@@ -55,8 +55,8 @@ void WaveView::Paint() {
     const QString description = QString::fromStdString(plot_->Description());
     if (description != accessibleDescription()) setAccessibleDescription(description);
     const PlotCanvas::Axis time = TimeAxis(plot_->Seconds());
-    ShowAxes(signal_, time, ScaleAxis(plot_->SignalScale(), "FS"));
-    ShowAxes(residual_, time, ScaleAxis(1e6 * plot_->ResidualScale(), "µFS"));
+    ShowAxes(signal_, time, ScaleAxis(plot_->SignalScale()));
+    ShowAxes(residual_, time, ScaleAxis(plot_->ResidualScale()));
 }
 
 void WaveView::ShowAxes(PlotCanvas& canvas, const PlotCanvas::Axis& time, const PlotCanvas::Axis& scale) {

@@ -1,10 +1,13 @@
 #include "ui/pictures/AnalyzerPictures.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QMenu>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTimer>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -151,6 +154,12 @@ const AnalyzerScene kAnalyzerScenes[] = {
     {"idle", kUsual, [](AnalyzerRig& rig) { rig.Play(5s); }},
     {"valid", kUsual, KeepNoisyTrace},
     {"valid-small", kSmallest, KeepNoisyTrace},
+    {"silence", kUsual,
+     [](AnalyzerRig& rig) {
+         SetModel(rig, [](DeviceUnderTestModel& model) { model.noiseRms = 0; });
+         rig.form.Stimulus.cmbShape.UserSelects(6);
+         rig.Play(8s);
+     }},
     {"settling", kUsual, [](AnalyzerRig& rig) { PlaySine(rig, 2500ms); }},
     {"settling-small", kSmallest, [](AnalyzerRig& rig) { PlaySine(rig, 2500ms); }},
     {"void", kUsual,
@@ -192,6 +201,7 @@ const AnalyzerScene kAnalyzerScenes[] = {
          rig.form.cmdHold.Press();
      }},
     {"recording", kUsual, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine); }},
+    {"recording-mono", kUsual, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine, 1); }},
     {"recording-small", kSmallest, [](AnalyzerRig& rig) { rig.OpenRecording(AnalyzerRig::ClippingSine); }},
     {"record", kUsual,
      [](AnalyzerRig& rig) {
@@ -201,6 +211,12 @@ const AnalyzerScene kAnalyzerScenes[] = {
      }},
     {"two-tones", kUsual, [](AnalyzerRig& rig) { PlayShape(rig, 1); }},
     {"multitone", kUsual, [](AnalyzerRig& rig) { PlayShape(rig, 2); }},
+    {"multitone-fault", kUsual,
+     [](AnalyzerRig& rig) {
+         rig.form.Stimulus.txtTones.UserTypes("1k@-6, 3000@loud");
+         rig.form.Stimulus.txtTones.UserLeaves();
+         PlayShape(rig, 2);
+     }},
     {"square", kUsual, [](AnalyzerRig& rig) { PlayShape(rig, 3); }},
     {"noise", kUsual,
      [](AnalyzerRig& rig) {
@@ -244,12 +260,28 @@ bool SaveKeepMenu(bool dark, const QString& folder) {
     return SaveAnalyzer(menu, "keep-menu", dark, folder);
 }
 
+// The dialog in which the tones of a multitone are edited.
+bool SaveTones(bool dark, const QString& folder) {
+    AnalyzerRig rig;
+    rig.OpenOnCard(kUsual);
+    rig.form.Stimulus.cmbShape.UserSelects(2);
+    bool saved = false;
+    QTimer::singleShot(kRepaint, [&] {
+        auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr) return;
+        saved = SaveAnalyzer(*dialog, "tones", dark, folder);
+        dialog->reject();
+    });
+    rig.form.Stimulus.cmdEditTones.Press();
+    return saved;
+}
+
 }  // namespace
 
 bool AnalyzerPictures(bool dark, const QString& folder, const QString& scenes) {
     for (const AnalyzerScene& scene : kAnalyzerScenes)
         if (QString(scene.name).startsWith(scenes) && !SaveScene(scene, dark, folder)) return false;
-    return SaveLengths(dark, folder) && SaveKeepMenu(dark, folder);
+    return SaveLengths(dark, folder) && SaveKeepMenu(dark, folder) && SaveTones(dark, folder);
 }
 
 }  // namespace sonavex

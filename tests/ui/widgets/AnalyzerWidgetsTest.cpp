@@ -2,13 +2,17 @@
 
 #include <gmock/gmock.h>
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include "support/QtWait.h"
 #include "ui/widgets/ChevronButton.h"
 #include "ui/widgets/ChipView.h"
+#include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/HarmonicsView.h"
 #include "ui/widgets/KeyButton.h"
 #include "ui/widgets/ReadingRowView.h"
@@ -66,6 +70,27 @@ TEST(Chip, FillsItsRing) {
     const QImage quarter = PaintedImage(chip);
     chip.Show(ChipView::Kind::kSettling, "SETTLING 1 of 4", 0.75);
     EXPECT_NE(PaintedImage(chip), quarter);
+}
+
+// Of a label that is too narrow for its text.
+QString TipOf(const char* text, const char* tip) {
+    ui::ElidedLabel label;
+    label.setText(text);
+    label.setToolTip(tip);
+    label.resize(40, 20);
+    label.show();
+    QHelpEvent help(QEvent::ToolTip, {5, 5}, label.mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(&label, &help);
+    const QString shown = QToolTip::text();
+    QToolTip::hideText();
+    return shown;
+}
+
+TEST(ElidedText, IsWholeInTheToolTipAndThereOnce) {
+    EXPECT_EQ(TipOf("a long name of a device", "The input"), "a long name of a device\nThe input");
+    EXPECT_EQ(TipOf("a long name of a device", ""), "a long name of a device");
+    EXPECT_EQ(TipOf("input: resampled\routput: resampled", "input: resampled\noutput: resampled\n\nMore"),
+              "input: resampled\noutput: resampled\n\nMore");
 }
 
 TEST(KeyCap, MakesRoomForItself) {
@@ -143,6 +168,15 @@ TEST(RowOfAReading, IsQuietUntilItIsValid) {
     EXPECT_EQ(row->Value().palette().color(QPalette::WindowText), ui::Theme::Current().quiet);
     ui::SetQuietInk(row->Value(), false);
     EXPECT_EQ(row->Value().palette().color(QPalette::WindowText), ui::Theme::Current().text);
+}
+
+TEST(Swatch, HasThePenThatReplacesATrace) {
+    ui::TraceSwatch swatch;
+    QColor colour = Qt::red;
+    swatch.SetPen([&colour] { return QPen(colour, 2.0); });
+    EXPECT_TRUE(HasColour(PaintedImage(swatch), Qt::red));
+    colour = Qt::blue;
+    EXPECT_TRUE(HasColour(PaintedImage(swatch), Qt::blue));
 }
 
 TEST(Swatch, HasTheColourOfItsTrace) {

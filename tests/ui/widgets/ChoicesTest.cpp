@@ -85,6 +85,22 @@ TYPED_TEST(ButtonsOf, AreReachedByTheTabKeyWhereOneIsSelected) {
     EXPECT_TRUE(this->Button(1).hasFocus());
 }
 
+TYPED_TEST(ButtonsOf, KeepTheirPlaceInTheTabOrderWithNewNames) {
+    QLineEdit before(&this->window);
+    QLineEdit after(&this->window);
+    QWidget::setTabOrder(&before, &this->Button(0));
+    for (int i = 0; i < 3; ++i) QWidget::setTabOrder(&this->Button(i), &this->Button(i + 1));
+    QWidget::setTabOrder(&this->Button(3), &after);
+    this->choice.SetNames({"Five", "Six"});
+    this->choice.SetIndex(0);
+    for (QLineEdit* entry : {&before, &after}) entry->show();
+    before.setFocus();
+    QTest::keyClick(&before, Qt::Key_Tab);
+    EXPECT_TRUE(this->Button(0).hasFocus());
+    QTest::keyClick(&this->Button(0), Qt::Key_Tab);
+    EXPECT_TRUE(after.hasFocus());
+}
+
 TYPED_TEST(ButtonsOf, NameTheirGroup) {
     EXPECT_EQ(this->Button(0).accessibleName(), "Kind: One");
 }

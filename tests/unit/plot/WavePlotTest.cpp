@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "core/plot/WavePlot.h"
 
 namespace sonavex {
@@ -22,7 +24,7 @@ TEST(WavePlot, TheScaleIsWrittenInBothUnits) {
 TEST(WavePlot, ScalesHaveSteps) {
     const std::pair<double, double> cases[] = {
         {1e-5, 1e-5},   {1.01e-5, 1.5e-5}, {1.6e-5, 2e-5}, {2.1e-5, 3e-5}, {3.5e-5, 4e-5},
-        {4.5e-5, 5e-5}, {5.5e-5, 6e-5},    {7e-5, 8e-5},   {9e-5, 1e-4},   {0.0, 1e-9}};
+        {4.5e-5, 5e-5}, {5.5e-5, 6e-5},    {7e-5, 8e-5},   {9e-5, 1e-4},   {0.0, 1e-8}};
     for (const auto& [peak, scale] : cases) {
         WavePlot plot;
         plot.Show(RecordOf(0.9, peak));
@@ -49,6 +51,22 @@ TEST(WavePlot, ASmallSignalHasItsOwnScale) {
     EXPECT_EQ(plot.SignalScaleText(), "±0.015 FS");
     plot.Show(RecordOf(1.7, 1e-6));
     EXPECT_EQ(plot.SignalScaleText(), "±1 FS");
+}
+
+TEST(WavePlot, EveryScaleHasAShortText) {
+    for (const double power : {1.0, 0.1, 0.01, 1e-3, 1e-4, 1e-5, 1e-6, 1e-7, 1e-8})
+        for (const double step : {1.0, 1.5, 2.0, 3.0, 4.0, 5.0, 6.0, 8.0}) {
+            const WavePlot::AxisTexts texts = WavePlot::TextsOf(step * power);
+            EXPECT_LE(texts.value.size(), 5U) << texts.value;
+            const double unit = std::string(texts.unit) == "FS" ? 1.0 : 1e-6;
+            EXPECT_NEAR(std::stod(texts.value) * unit / (step * power), 1.0, 1e-9) << texts.value;
+        }
+    WavePlot silent;
+    silent.Show(RecordOf(0, 0));
+    EXPECT_EQ(silent.SignalScaleText(), "±0.01 µFS");
+    EXPECT_EQ(silent.ResidualScaleText(), "±0.01 µFS = -160.0 dBFS");
+    silent.Show(RecordOf(0.9, 0.14));
+    EXPECT_EQ(silent.ResidualScaleText(), "±0.15 FS = -16.5 dBFS");
 }
 
 TEST(WavePlot, TheTimeIsThatOfThePeriods) {

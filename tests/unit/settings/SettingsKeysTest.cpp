@@ -52,6 +52,7 @@ const std::vector<Row> kTable{
     {keys::kMemoryType, "Signal Generator", "Memory Signal Type", "0"},
     {keys::kMemoryLoop, "Signal Generator", "Memory Signal Loop", "0"},
     {keys::kMemorySelected, "Signal Generator", "Memory Signal Selected", "False"},
+    {keys::kSweepKept, "Analyzer", "Sweep Kept Runs", ""},
     {keys::kLastTab, "Windows", "LastTab", "0"},
 };
 

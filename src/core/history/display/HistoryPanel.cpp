@@ -49,6 +49,7 @@ HistoryPanel::HistoryPanel(const Needs& needs) : needs_(needs) {
         if (deleting_) return;
         ShowFilters();
         ShowList();
+        if (OnChanged) OnChanged();
     };
     needs_.history.OnTrouble = [this](const std::string& sentences) { lblTrouble.SetCaption(sentences); };
     cmdDelete.SetCaption("Delete");
@@ -70,7 +71,7 @@ void HistoryPanel::HandleControls() {
     List.Click.Handle([this] { ShowSelection(); });
     List.NoteEdited.Handle([this] {
         const HistoryList::Edit edit = List.Edited();
-        Try([&] { needs_.history.SetNote(edit.id, edit.note); });
+        SetNote(edit.id, edit.note);
     });
     cmdCompare.Click.Handle([this] { Compare(); });
     cmdDelete.Click.Handle([this] { Delete(); });
@@ -96,6 +97,10 @@ void HistoryPanel::Try(const std::function<void()>& change) {
         lblTrouble.SetCaption(error.what());
         ShowList();
     }
+}
+
+void HistoryPanel::SetNote(const std::string& id, const std::string& note) {
+    Try([&] { needs_.history.SetNote(id, note); });
 }
 
 std::string HistoryPanel::Store(const HistoryEntry& entry, std::string_view details,

@@ -41,10 +41,14 @@ public:
 
     // Stores an entry and returns its identifier. A failure is shown; the result is then empty.
     std::string Store(const HistoryEntry& entry, std::string_view details, const HistoryCurve& curve);
+    // Changes the note of an entry. A failure is shown.
+    void SetNote(const std::string& id, const std::string& note);
     bool Contains(const std::string& id) const { return needs_.history.Find(id) != nullptr; }
     // The selected entries as text; empty without one.
     std::string CopiedText() const;
 
+    // Called when entries were read, stored, changed or deleted.
+    std::function<void()> OnChanged;
     // Shows up to two traces in the plot of the spectrum; the newer reading is the first.
     std::function<void(std::vector<std::shared_ptr<const SpectrumTrace>> traces)> OnShowTraces;
     // Opens a stored run. details: what was stored about it.

@@ -51,18 +51,19 @@ AnalysisPanel::AnalysisPanel(Settings& settings, std::function<void()> onChanged
     : settings_(settings), onChanged_(std::move(onChanged)) {
     cmbBand.SetItems({"20-20k", "Full"});
     cmbWeighting.SetItems({"None", "A", "468"});
-    cmbChannel.SetItems({"Left", "Right"});
+    OfferChannels(Source::kStereo);
     for (ComboBox* const box : {&cmbLength, &cmbBand, &cmbWeighting, &cmbChannel})
         box->Click.Handle([this] { TakeChoice(); });
     for (TextBox* const box : {&txtAverages, &txtHarmonics}) box->Leave.Handle([this] { TakeNumbers(); });
 }
 
-void AnalysisPanel::Load(double rateHz) {
+void AnalysisPanel::Load(double rateHz, Source source) {
     rateHz_ = rateHz;
     OfferLengths();
     SelectWithin(cmbBand, StoredWhole(settings_, keys::kAnalyzerBand, 0, 1));
     SelectWithin(cmbWeighting, StoredWhole(settings_, keys::kAnalyzerWeighting, 0, 2));
-    SelectWithin(cmbChannel, StoredWhole(settings_, keys::kAnalyzerChannel, 0, 1));
+    stereoChannel_ = StoredWhole(settings_, keys::kAnalyzerChannel, 0, 1);
+    OfferChannels(source);
     averages_ = static_cast<std::size_t>(StoredWhole(settings_, keys::kAnalyzerAverages, 1, kMostAverages));
     highestOrder_ = StoredWhole(settings_, keys::kAnalyzerHarmonics, kLeastOrder, kMostOrder);
     ShowNumbers();
@@ -88,6 +89,14 @@ void AnalysisPanel::OfferLengths() {
     }
     cmbLength.SetItems(std::move(items));
     cmbLength.SetListIndex(selected);
+}
+
+// The only channel of a mono source leaves no choice.
+void AnalysisPanel::OfferChannels(Source source) {
+    const bool mono = source == Source::kMono;
+    cmbChannel.SetItems(mono ? std::vector<std::string>{"Mono"} : std::vector<std::string>{"Left", "Right"});
+    cmbChannel.SetListIndex(mono ? 0 : stereoChannel_);
+    cmbChannel.SetEnabled(!mono);
 }
 
 PreciseSettings AnalysisPanel::Chosen() const {
@@ -125,6 +134,7 @@ void AnalysisPanel::ShowNumbers() {
 }
 
 void AnalysisPanel::TakeChoice() {
+    if (cmbChannel.Enabled()) stereoChannel_ = cmbChannel.ListIndex();
     ShowLength();
     Store();
     if (onChanged_) onChanged_();
@@ -150,7 +160,7 @@ void AnalysisPanel::Store() {
     settings_.Save(keys::kAnalyzerLength, std::to_string(choice));
     settings_.Save(keys::kAnalyzerBand, std::to_string(cmbBand.ListIndex()));
     settings_.Save(keys::kAnalyzerWeighting, std::to_string(cmbWeighting.ListIndex()));
-    settings_.Save(keys::kAnalyzerChannel, std::to_string(cmbChannel.ListIndex()));
+    settings_.Save(keys::kAnalyzerChannel, std::to_string(stereoChannel_));
     settings_.Save(keys::kAnalyzerAverages, std::to_string(averages_));
     settings_.Save(keys::kAnalyzerHarmonics, std::to_string(highestOrder_));
 }

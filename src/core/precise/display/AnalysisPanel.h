@@ -31,12 +31,15 @@ public:
     AnalysisPanel(const AnalysisPanel&) = delete;
     AnalysisPanel& operator=(const AnalysisPanel&) = delete;
 
-    // Offers the lengths of this rate and selects the stored settings. A stored value that cannot be used
-    // counts as the default.
-    void Load(double rateHz);
+    enum class Source { kStereo, kMono };
+    // Offers the lengths of this rate and the channels of this source, and selects the stored settings. A
+    // stored value that cannot be used counts as the default.
+    void Load(double rateHz, Source source = Source::kStereo);
 
     // Length, channel, band, orders and averages. The caller adds mode and tones.
     PreciseSettings Chosen() const;
+    // The channel that is chosen for stereo sources, also while a mono one is measured: 0 left, 1 right.
+    std::size_t StereoChannel() const noexcept { return static_cast<std::size_t>(stereoChannel_); }
     std::size_t Averages() const noexcept { return averages_; }
     sonavex::Weighting Weighting() const;
     std::string BandText() const;
@@ -44,7 +47,7 @@ public:
     ComboBox cmbLength;
     ComboBox cmbBand;       // 20-20k, Full
     ComboBox cmbWeighting;  // None, A, 468
-    ComboBox cmbChannel;    // Left, Right
+    ComboBox cmbChannel;    // Left, Right; Mono alone, and disabled, for a mono source
     TextBox txtAverages;
     TextBox txtHarmonics;
     Label lblLength;
@@ -53,6 +56,7 @@ public:
 
 private:
     void OfferLengths();
+    void OfferChannels(Source source);
     void ShowLength();
     void ShowNumbers();
     void TakeChoice();
@@ -65,6 +69,7 @@ private:
     std::vector<std::size_t> points_;  // by entry of cmbLength
     std::size_t averages_ = 8;
     int highestOrder_ = 9;
+    int stereoChannel_ = 0;
 };
 
 }  // namespace sonavex

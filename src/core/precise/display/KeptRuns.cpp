@@ -46,9 +46,9 @@ char KeptRuns::FreeLetter() const {
     return letter;
 }
 
-void KeptRuns::Add(MeasuredRun run, const std::string& name) {
+void KeptRuns::Add(MeasuredRun run, const std::string& name, const std::string& id) {
     if (runs_.size() == kMost) runs_.pop_back();
-    runs_.insert(runs_.begin(), {std::move(run), name, FreeLetter(), true});
+    runs_.insert(runs_.begin(), {std::move(run), name, id, FreeLetter(), true});
     selected_ = 0;
     ShowRows();
     onChanged_();
@@ -64,6 +64,13 @@ std::vector<KeptRuns::Shown> KeptRuns::ShownRuns() const {
     for (const Kept& kept : runs_)
         if (kept.shown) shown.push_back({kept.letter, &kept.run});
     return shown;
+}
+
+std::vector<std::string> KeptRuns::ShownIds() const {
+    std::vector<std::string> ids;
+    for (const Kept& kept : runs_)
+        if (kept.shown && !kept.id.empty()) ids.push_back(kept.id);
+    return ids;
 }
 
 void KeptRuns::Select(std::size_t row) {
@@ -82,8 +89,11 @@ void KeptRuns::Remove() {
 // A run always has a name.
 void KeptRuns::Rename(std::size_t row) {
     if (row >= runs_.size()) return;
-    if (!Rows[row].txtName.Text().empty()) runs_[row].name = Rows[row].txtName.Text();
+    const std::string name = Rows[row].txtName.Text();
+    const bool renamed = !name.empty() && name != runs_[row].name;
+    if (renamed) runs_[row].name = name;
     ShowRow(row);
+    if (renamed && OnRenamed) OnRenamed(runs_[row].id, name);
 }
 
 void KeptRuns::ShowRows() {

@@ -31,13 +31,14 @@ public:
         StateChip Verdict;  // as SweepPanel::Verdict
     };
 
-    // onChanged: the plot shows other runs, or a run has another name.
+    // onChanged: the plot shows other runs.
     explicit KeptRuns(std::function<void()> onChanged);
     KeptRuns(const KeptRuns&) = delete;
     KeptRuns& operator=(const KeptRuns&) = delete;
 
-    // At the top of the list, shown and selected. Without a free row the oldest run is removed.
-    void Add(MeasuredRun run, const std::string& name);
+    // At the top of the list, shown and selected. Without a free row the oldest run is removed. id: of the
+    // run in the history; empty if it is not stored.
+    void Add(MeasuredRun run, const std::string& name, const std::string& id);
     // All runs are judged by these limits. A limit that does not cover a run gives it no verdict.
     void Judge(const std::vector<RunLimit>& limits);
     std::size_t Count() const noexcept { return runs_.size(); }
@@ -48,6 +49,10 @@ public:
     };
     // Valid until the next change.
     std::vector<Shown> ShownRuns() const;
+    // The identifiers of the shown runs that are stored, newest first.
+    std::vector<std::string> ShownIds() const;
+    // Called when the user has given a run another name.
+    std::function<void(const std::string& id, const std::string& name)> OnRenamed;
 
     std::array<Row, kMost> Rows;
     CommandButton cmdRename;  // puts the focus into the selected name
@@ -57,6 +62,7 @@ private:
     struct Kept {
         MeasuredRun run;
         std::string name;
+        std::string id;
         char letter = 'B';
         bool shown = true;
     };

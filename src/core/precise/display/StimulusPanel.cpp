@@ -9,6 +9,7 @@
 #include "core/precise/calibration/Voltage.h"
 #include "core/precise/display/LevelUnits.h"
 #include "core/precise/display/ReadingTexts.h"
+#include "core/precise/display/ToneList.h"
 #include "core/stimulus/ParseStimulus.h"
 #include "core/stimulus/StimulusPlan.h"
 #include "core/text/Decimals.h"
@@ -28,6 +29,7 @@ constexpr std::array<StandardPair, 5> kStandardPairs{{{"SMPTE 60 Hz, 7 kHz", "sm
                                                       {"AES17 18 kHz, 20 kHz", "aes17-dfd"}}};
 constexpr int kOwnPair = 5;
 constexpr std::array<const char*, 6> kToneNotations{"sine:", "", "", "square:", "triangle:", "sawtooth:"};
+constexpr int kToneDigits = 6;  // of a tone that was spaced by a fraction of an octave
 constexpr double kLowestDbfs = -150.0;
 constexpr double kHighestNoiseDbfs = -12.0;
 // A frequency closer to a bin than this part of a bin is on it.
@@ -87,6 +89,8 @@ StimulusPanel::StimulusPanel(Settings& settings, Events events)
     cmbDither.SetItems(DitherCaptions(0));
     for (ComboBox* const box : {&cmbShape, &cmbPair, &cmbNoise, &cmbDither, &cmbSide}) box->SetListIndex(0);
     cmdCalibrate.SetCaption("Calibrate\u2026");
+    cmdEditTones.SetCaption("Edit\u2026");
+    cmdEditTones.Click.Handle([this] { EditTones(); });
     OfferLevelUnits();
     cmbLevelUnit.Click.Handle([this] {
         levelUnit_ = cmbLevelUnit.ListIndex();
@@ -194,7 +198,7 @@ StimulusChoice StimulusPanel::Chosen() const {
     constexpr std::array<StimulusSide, 3> kSides{StimulusSide::kLeft, StimulusSide::kRight,
                                                  StimulusSide::kBoth};
     StimulusChoice choice;
-    choice.stimulus = ParseStimulus(Notation());
+    choice.stimulus = ParseStimulus(HasTones() ? "multitone:" + ToneNotation(tones_) : Notation());
     choice.side = kSides[static_cast<std::size_t>(cmbSide.ListIndex())];
     choice.levelDbfs = levelDbfs_;
     choice.snap = chkSnap.Checked();
@@ -236,11 +240,14 @@ void StimulusPanel::ShowPlaying(StimulusPlayer::State state) {
 }
 
 void StimulusPanel::ShowTrouble(const std::string& sentence) {
-    lblTrouble.SetCaption(sentence);
+    trouble_ = sentence;
+    lblTrouble.SetCaption(trouble_.empty() ? fault_ : trouble_);
 }
 
 // "on bin 1365: 999.756 Hz"; several tones are listed without their bins.
 void StimulusPanel::ShowPlayed() {
+    fault_.clear();
+    ShowTrouble(trouble_);
     try {
         const StimulusPlan plan =
             PlanStimulus({Chosen().stimulus, rateHz_, recordLength_, levelDbfs_, chkSnap.Checked()});
@@ -254,7 +261,33 @@ void StimulusPanel::ShowPlayed() {
         lblPlayed.SetCaption((onBin ? "on bin " + WithDecimals(bin, 0) : "between bins") + ": " + first +
                              " Hz");
     } catch (const StimulusError& error) {
-        lblPlayed.SetCaption(error.what());
+        fault_ = error.what();
+        lblPlayed.SetCaption("cannot be played");
+        ShowTrouble(trouble_);
+    }
+}
+
+void StimulusPanel::EditTones() {
+    if (!AskForTones) return;
+    const std::string lines = LinesOfTones(EditedTones());
+    const std::optional<std::string> edited = AskForTones(lines);
+    if (!edited || *edited == lines) return;
+    txtTones.SetText(TonesOfLines(*edited));
+    TakeTexts();
+}
+
+// Tones that are spaced by a fraction of an octave are edited one by one.
+std::string StimulusPanel::EditedTones() const {
+    try {
+        const Stimulus stimulus = Chosen().stimulus;
+        if (stimulus.tonesPerOctave == 0) return tones_;
+        std::string tones;
+        for (const PlannedTone& tone :
+             PlanStimulus({stimulus, rateHz_, recordLength_, levelDbfs_, false}).tones)
+            tones += (tones.empty() ? "" : ",") + WithDigits(tone.hertz, kToneDigits) + "@0";
+        return tones;
+    } catch (const StimulusError&) {
+        return tones_;
     }
 }
 
@@ -284,7 +317,12 @@ void StimulusPanel::TakeTexts() {
     const std::optional<double> typed = txtLevel.Text() == shownLevel_ ? std::nullopt : TypedDbfs();
     if (typed && *typed >= kLowestDbfs && *typed <= 0) levelDbfs_ = *typed;
     ShowLevel();
-    tones_ = txtTones.Text();
+    try {
+        tones_ = ToneNotation(txtTones.Text());
+    } catch (const StimulusError&) {
+        tones_ = txtTones.Text();  // ShowPlayed names the fault
+    }
+    txtTones.SetText(tones_);
     if (level == levelDbfs_ && Notation() == before) return;
     TakeChange();
 }

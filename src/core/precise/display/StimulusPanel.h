@@ -51,7 +51,12 @@ public:
     // The side whose calibration counts: 0 left, 1 right.
     std::size_t Channel() const noexcept { return cmbSide.ListIndex() == 1 ? 1 : 0; }
 
-    // Shows what plays, and why nothing does.
+    // Lets the user edit the tones of a multitone, one in each line: "1000, -6", in Hz and dB. Empty if the
+    // user cancels.
+    std::function<std::optional<std::string>(const std::string& lines)> AskForTones;
+
+    // Shows what plays, and why nothing does. Without a sentence the label names what is wrong with the
+    // texts.
     void ShowPlaying(StimulusPlayer::State state);
     void ShowTrouble(const std::string& sentence);
 
@@ -68,7 +73,8 @@ public:
     TextBox txtFrequency2;
     TextBox txtRatio;
     TextBox txtTones;  // "1000@-6,3000@-6" or "3/oct"
-    Label lblPlayed;   // "on bin 1365: 999.756 Hz"
+    CommandButton cmdEditTones;
+    Label lblPlayed;  // "on bin 1365: 999.756 Hz"
     CheckBox chkSnap;
     ComboBox cmbNoise;
     TextBox txtLevel;
@@ -80,13 +86,15 @@ public:
     CommandButton cmdStart;
     Label lblPlaying;
     Indicator shpPlaying;
-    Label lblTrouble;
+    Label lblTrouble;  // why nothing plays, or could be played
 
 private:
     std::string Notation() const;
     void TakeChange();
     void TakeShape();
     void TakeTexts();
+    void EditTones();
+    std::string EditedTones() const;
     void ShowPlayed();
     void OfferLevelUnits();
     void ShowLevel();
@@ -103,10 +111,12 @@ private:
     double hertz_ = 1000;
     double hertz2_ = 7000;
     double ratio_ = 4;
-    std::string tones_;  // of a multitone, as typed
+    std::string tones_;  // of a multitone, as ToneNotation; as typed if they cannot be read
     std::optional<Calibration> calibration_;
     int levelUnit_ = 0;  // wanted, also while it is not offered
     bool playing_ = false;
+    std::string trouble_;  // why the player does not play
+    std::string fault_;    // why the texts do not make a stimulus
 };
 
 }  // namespace sonavex

@@ -27,6 +27,17 @@ std::string PositionText(const RunPoint& point, RunAxis over) {
                                        : WithDigits(point.levelDbfs, kPlayedDigits) + " dBFS";
 }
 
+std::vector<std::string> StoredIds(const std::string& text) {
+    std::vector<std::string> ids;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find(',', begin), text.size());
+        std::string id = text.substr(begin, end - begin);
+        if (std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(std::move(id));
+        begin = end + 1;
+    }
+    return ids;
+}
+
 // Why the limits cannot judge these points; empty if they can.
 std::string TroubleOf(const std::vector<RunLimit>& limits, const std::vector<RunPoint>& points) {
     try {
@@ -41,7 +52,10 @@ std::string TroubleOf(const std::vector<RunLimit>& limits, const std::vector<Run
 
 SweepPanel::SweepPanel(const Needs& needs, Events events)
     : Setup(needs.instrument.Settings, [this] { TakeChange(); }),
-      Kept([this] { ShowPlot(); }),
+      Kept([this] {
+          ShowPlot();
+          StoreKept();
+      }),
       needs_(needs),
       events_(std::move(events)) {
     cmdClear.SetCaption("Clear");
@@ -60,6 +74,7 @@ SweepPanel::SweepPanel(const Needs& needs, Events events)
         Rows[i].unit.SetItems({UnitOf(SeriesOf(i))});
         Rows[i].unit.SetListIndex(0);
     }
+    unrestored_ = StoredIds(needs_.instrument.Settings.Text(keys::kSweepKept));
     ShowRun();
 }
 
@@ -129,12 +144,36 @@ void SweepPanel::Keep() {
     if (present_.results.empty()) return;
     const std::string others = OtherValuesText(present_.file.plan, present_.points);
     const std::string name = name_ + ", " + others;
-    if (events_.kept) events_.kept(present_, name);
-    Kept.Add(present_, name);
+    const std::string id = events_.kept ? events_.kept(present_, name) : std::string();
+    Kept.Add(present_, name, id);
 }
 
-void SweepPanel::Open(MeasuredRun run, const std::string& name) {
-    if (Active() || !present_.points.empty()) return Kept.Add(std::move(run), name);
+// Runs that are not restored yet stay stored.
+void SweepPanel::StoreKept() {
+    std::vector<std::string> ids = Kept.ShownIds();
+    ids.insert(ids.end(), unrestored_.begin(), unrestored_.end());
+    std::string text;
+    for (const std::string& id : ids) text += (text.empty() ? "" : ",") + id;
+    needs_.instrument.Settings.Save(keys::kSweepKept, text);
+}
+
+// The oldest one first, because each run is added at the top.
+void SweepPanel::RestoreKept(const std::function<std::optional<Stored>(const std::string& id)>& find) {
+    if (unrestored_.empty()) return;
+    std::vector<std::string> ids = std::exchange(unrestored_, {});
+    ids.resize(std::min(ids.size(), KeptRuns::kMost - Kept.Count()));
+    for (auto id = ids.rbegin(); id != ids.rend(); ++id)
+        if (std::optional<Stored> stored = find(*id)) Kept.Add(std::move(stored->run), stored->name, *id);
+    StoreKept();
+    try {
+        Kept.Judge(Setup.Chosen(present_.file.plan).limits);
+    } catch (const RunError&) {
+        // The setup shows what is wrong with it.
+    }
+}
+
+void SweepPanel::Open(MeasuredRun run, const std::string& name, const std::string& id) {
+    if (Active() || !present_.points.empty()) return Kept.Add(std::move(run), name, id);
     run_.reset();
     present_ = std::move(run);
     preview_.clear();

@@ -43,8 +43,9 @@ public:
         std::function<RunPlan()> conditions;  // what the settings of the spectrum choose
         std::function<void()> begins;         // before the run takes the measurement
         std::function<void()> ended;          // the measurement is free
-        // A run to be stored: that the user keeps, or that the end of the form interrupts. May be empty.
-        std::function<void(const MeasuredRun& run, const std::string& name)> kept;
+        // A run to be stored: that the user keeps, or that the end of the form interrupts. Returns its
+        // identifier; empty if it could not be stored. May be empty.
+        std::function<std::string(const MeasuredRun& run, const std::string& name)> kept;
     };
 
     SweepPanel(const Needs& needs, Events events);
@@ -66,7 +67,15 @@ public:
     // The run to which verdict, values and exports belong; without points if there is none.
     const MeasuredRun& Present() const noexcept { return present_; }
     // Shows a stored run: as the present one, which can be continued, or beside it.
-    void Open(MeasuredRun run, const std::string& name);
+    void Open(MeasuredRun run, const std::string& name, const std::string& id);
+    // A stored run with its name.
+    struct Stored {
+        MeasuredRun run;
+        std::string name;
+    };
+    // Keeps the runs again that the plot showed when the program ended. find: looks a run up by its
+    // identifier; empty if it is no longer stored. Later calls do nothing.
+    void RestoreKept(const std::function<std::optional<Stored>(const std::string& id)>& find);
     void UserMovesCursor(int points) { Plot.UserStepsCursor(points); }
     void Export();
     // The CSV table of the run; empty without one.
@@ -117,6 +126,7 @@ private:
     void Start();
     void Repeat();
     void Keep();
+    void StoreKept();
     // Takes the measurement and calls `begin`; false if the run cannot be played.
     bool Begin(const std::function<void()>& begin);
     void RequireSameDevices() const;
@@ -144,7 +154,8 @@ private:
     std::string limitTrouble_;           // why the chosen limit does not judge the present run
     std::string name_;  // of the present run: the time of day when it began, or that of the stored run
     std::chrono::nanoseconds started_{0};
-    double secondsBefore_ = 0;  // that the present run had taken when it was continued
+    double secondsBefore_ = 0;             // that the present run had taken when it was continued
+    std::vector<std::string> unrestored_;  // identifiers of the last session
 };
 
 }  // namespace sonavex

@@ -35,6 +35,10 @@ void LoadChoice(const Settings& settings, const SettingsKey& key, ComboBox& box)
     if (stored >= 0 && stored < box.Count()) box.SetListIndex(static_cast<std::int32_t>(stored));
 }
 
+std::string NameOfRun(const HistoryEntry& entry) {
+    return entry.note.empty() ? entry.time : entry.note;
+}
+
 // The lines of a text with carriage returns.
 std::string InOneLine(const std::string& text) {
     std::string line;
@@ -70,7 +74,7 @@ frmAnalyzer::frmAnalyzer(const Needs& needs)
                  if (timer_ != 0) Measure(Play::kKeep);
              },
              [this](const MeasuredRun& run, const std::string& name) {
-                 History.Store(EntryOf(run, name), StoredRunText(run), {});
+                 return History.Store(EntryOf(run, name), StoredRunText(run), {});
              }}),
       History({needs.history, needs.dialogs, needs.files, needs.now}),
       needs_(needs),
@@ -117,6 +121,10 @@ void frmAnalyzer::HandleControls() {
     };
     History.OnOpenRun = [this](const std::string& details, const HistoryEntry& entry) {
         OpenRun(details, entry);
+    };
+    History.OnChanged = [this] { RestoreRuns(); };
+    Sweep.Kept.OnRenamed = [this](const std::string& id, const std::string& name) {
+        History.SetNote(id, name);
     };
     History.OnCopy = [this](const std::string& text) {
         if (OnCopy) OnCopy(text);
@@ -188,6 +196,7 @@ void frmAnalyzer::Form_Load() {
     Stimulus.Load();
     timer_ = needs_.loop.StartTimer(kAnalyzerTick, [this] { Tick(); });
     Measure(Play::kKeep);
+    RestoreRuns();
 }
 
 void frmAnalyzer::Form_QueryUnload() {
@@ -255,7 +264,8 @@ void frmAnalyzer::Measure(Play play) {
     source_ = PresentSource();
     rateHz_ = Recording.IsOpen() ? Recording.Opened().rateHz : needs_.instrument.Shared.SampleRate;
     outputBits_ = needs_.instrument.Engine.OutputBits();
-    Analysis.Load(rateHz_);
+    const bool mono = Recording.IsOpen() && Recording.Opened().channels == 1;
+    Analysis.Load(rateHz_, mono ? AnalysisPanel::Source::kMono : AnalysisPanel::Source::kStereo);
     length_ = Analysis.Chosen().length;
     Stimulus.SetConditions(rateHz_, length_, outputBits_);
     SetHeld(false);
@@ -309,14 +319,14 @@ RunPlan frmAnalyzer::SweepConditions() const {
     plan.dither = Stimulus.cmbDither.ListIndex() == 0;
     plan.snap = Stimulus.chkSnap.Checked();
     plan.length = settings.length;
-    plan.channel = settings.channel;
+    plan.channel = Analysis.StereoChannel();
     plan.band = settings.tone.band;
     plan.highestOrder = settings.tone.highestOrder;
     return plan;
 }
 
 void frmAnalyzer::ShowSweepConditions() {
-    const std::string channel = kChannelNames.at(Analysis.Chosen().channel);
+    const std::string channel = kChannelNames.at(Analysis.StereoChannel());
     Sweep.lblConditions.SetCaption(Analysis.cmbLength.Text() + "\n" + Analysis.BandText() + "\n" + channel +
                                    " channel, " + Analysis.lblHarmonics.Caption() +
                                    (Stimulus.chkSnap.Checked() ? ", on bins" : ""));
@@ -378,8 +388,10 @@ void frmAnalyzer::ShowPath() {
     const std::string limit = result_ ? LimitOf(*result_) : std::string();
     const std::string path = recording ? Recording.Note() : InOneLine(needs_.pathNote.Caption());
     const std::string separator = path.empty() || limit.empty() ? "" : recording ? ", " : "; ";
-    note.SetCaption(path + separator + limit);
-    note.SetEmphasis(recording || !note.Caption().empty());
+    const std::string remarks = path + separator + limit;
+    const bool asAsked = !recording && remarks.empty();
+    note.SetCaption(asAsked && needs_.instrument.Engine.OneClock() ? "direct, one clock" : remarks);
+    note.SetEmphasis(!asAsked);
 }
 
 void frmAnalyzer::ShowCalibration() {
@@ -492,6 +504,7 @@ void frmAnalyzer::ShowPlots() {
     Spectrum.Show(PlottedSpectrum(*result_, live_));
     Waves.Show(PlottedWaves(*result_));
     lblLegendLive.SetCaption(LiveName());
+    lblLegendSide.SetCaption(Analysis.cmbChannel.Text());
 }
 
 std::string frmAnalyzer::LiveName() const {
@@ -549,12 +562,28 @@ void frmAnalyzer::StoreReading() {
 
 void frmAnalyzer::OpenRun(const std::string& details, const HistoryEntry& entry) {
     try {
-        Sweep.Open(ParseStoredRun(details), entry.note.empty() ? entry.time : entry.note);
+        Sweep.Open(ParseStoredRun(details), NameOfRun(entry), entry.id);
     } catch (const RunError& error) {
         needs_.dialogs.Message(error.what(), MessageIcon::kCritical);
         return;
     }
     if (ShowTab) ShowTab(Tab::kSweep);
+}
+
+// Reading a stored run takes a moment, so it waits until the form is open.
+void frmAnalyzer::RestoreRuns() {
+    if (!Loaded() || needs_.history.Loading()) return;
+    Sweep.RestoreKept([this](const std::string& id) -> std::optional<SweepPanel::Stored> {
+        const HistoryEntry* const entry = needs_.history.Find(id);
+        if (entry == nullptr) return std::nullopt;
+        try {
+            const std::optional<HistoryDetails> details = needs_.history.Details(id);
+            if (!details) return std::nullopt;
+            return SweepPanel::Stored{ParseStoredRun(details->json), NameOfRun(*entry)};
+        } catch (const std::runtime_error&) {
+            return std::nullopt;
+        }
+    });
 }
 
 std::string frmAnalyzer::LastValidText() const {

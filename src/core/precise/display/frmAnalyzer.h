@@ -99,6 +99,7 @@ public:
     SpectrumPlot Spectrum;
     WavePlot Waves;
     Label lblLegendLive;
+    Label lblLegendSide;  // the same in a small window: "Left"
     Label lblLegendKept;  // empty without a kept trace
     Label lblLegendKeptSecond;
     CommandButton cmdFit;
@@ -183,6 +184,7 @@ private:
     void KeepTrace();
     void StoreReading();
     void OpenRun(const std::string& details, const HistoryEntry& entry);
+    void RestoreRuns();
     void ShowTraces(const std::vector<std::shared_ptr<const SpectrumTrace>>& traces);
     std::string LastValidText() const;
     // A reading that is kept for the rules of validity, with the conditions under which they compare it.

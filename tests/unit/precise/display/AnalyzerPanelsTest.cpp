@@ -1,4 +1,7 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 #include "core/precise/display/AnalysisPanel.h"
 #include "core/precise/display/LevelUnits.h"
@@ -64,6 +67,20 @@ TEST_F(AnalyzerPanelsTest, AChangeOfTheAnalysisIsStored) {
     EXPECT_EQ(chosen.tone.band.highHz, 24000.0);
     EXPECT_EQ(later.Weighting(), Weighting::k468);
     EXPECT_EQ(later.lblHarmonics.Caption(), "H2 to H5");
+}
+
+TEST_F(AnalyzerPanelsTest, AMonoSourceHasOneChannelAndKeepsTheChosenSide) {
+    analysis.cmbChannel.UserSelects(1);
+    analysis.Load(48000, AnalysisPanel::Source::kMono);
+    EXPECT_EQ(analysis.cmbChannel.Text(), "Mono");
+    EXPECT_FALSE(analysis.cmbChannel.Enabled());
+    EXPECT_EQ(analysis.Chosen().channel, 0U);
+    EXPECT_EQ(analysis.StereoChannel(), 1U);
+    analysis.cmbBand.UserSelects(1);
+    analysis.Load(48000);
+    EXPECT_EQ(analysis.cmbChannel.Text(), "Right");
+    EXPECT_TRUE(analysis.cmbChannel.Enabled());
+    EXPECT_EQ(analysis.Chosen().channel, 1U);
 }
 
 TEST_F(AnalyzerPanelsTest, TextThatIsNoNumberKeepsTheLastOne) {
@@ -136,7 +153,66 @@ TEST_F(AnalyzerPanelsTest, AListOfTonesIsAChangeOnlyWhenItDiffers) {
     EXPECT_EQ(stimulus.Chosen().stimulus.tones.size(), 2U);
     Type(stimulus.txtTones, "tones");
     EXPECT_THROW(stimulus.Chosen(), StimulusError);
-    EXPECT_FALSE(stimulus.lblPlayed.Caption().empty());
+    EXPECT_EQ(stimulus.lblPlayed.Caption(), "cannot be played");
+}
+
+TEST_F(AnalyzerPanelsTest, TypedTonesMayHaveBlanksSuffixesAndUnits) {
+    stimulus.cmbShape.UserSelects(StimulusPanel::kMultitone);
+    Type(stimulus.txtTones, "100 , 1k@-6, 3 kHz @ 1.5dB");
+    EXPECT_EQ(stimulus.txtTones.Text(), "100@0,1000@-6,3000@1.5");
+    const Stimulus tones = stimulus.Chosen().stimulus;
+    ASSERT_EQ(tones.tones.size(), 3U);
+    EXPECT_DOUBLE_EQ(tones.tones[1].amplitude / tones.tones[0].amplitude, std::pow(10.0, -0.3));
+    Type(stimulus.txtTones, " 6/oct ");
+    EXPECT_EQ(stimulus.Chosen().stimulus.tonesPerOctave, 6);
+}
+
+TEST_F(AnalyzerPanelsTest, ATextThatMakesNoStimulusIsExplained) {
+    stimulus.cmbShape.UserSelects(StimulusPanel::kMultitone);
+    const std::pair<const char*, const char*> cases[] = {
+        {"100, many@-6", "'many' is no frequency. Tones are"},
+        {"100@loud", "'loud' is no level. Tones are"},
+        {"100,", "'' is no frequency. Tones are"},
+        {"-100", "'-100' is no frequency. Tones are"},
+        {"40/oct", "The stimulus 'multitone:40/oct' has a"},
+        {"30k", "The frequency 30000 Hz is outside"}};
+    for (const auto& [typed, sentence] : cases) {
+        Type(stimulus.txtTones, typed);
+        EXPECT_THAT(stimulus.lblTrouble.Caption(), testing::StartsWith(sentence)) << typed;
+    }
+    stimulus.ShowTrouble("");
+    EXPECT_FALSE(stimulus.lblTrouble.Caption().empty());
+    Type(stimulus.txtTones, "3/oct");
+    EXPECT_EQ(stimulus.lblTrouble.Caption(), "");
+}
+
+TEST_F(AnalyzerPanelsTest, EditsTheTonesAsLines) {
+    stimulus.cmbShape.UserSelects(StimulusPanel::kMultitone);
+    stimulus.cmdEditTones.Press();
+    std::string shown;
+    std::optional<std::string> edited;
+    stimulus.AskForTones = [&](const std::string& lines) {
+        shown = lines;
+        return edited;
+    };
+    changes = 0;
+    stimulus.cmdEditTones.Press();
+    EXPECT_THAT(shown, testing::StartsWith("19.7754, 0\n"));
+    EXPECT_EQ(stimulus.txtTones.Text(), "3/oct") << "canceled";
+    edited = shown;
+    stimulus.cmdEditTones.Press();
+    EXPECT_EQ(stimulus.txtTones.Text(), "3/oct") << "not changed";
+    EXPECT_EQ(changes, 0);
+    edited = "1k, -6\n\n 3000\n";
+    stimulus.cmdEditTones.Press();
+    EXPECT_EQ(stimulus.txtTones.Text(), "1000@-6,3000@0");
+    EXPECT_EQ(changes, 1);
+    edited = "1000, -6\nnone\n";
+    stimulus.cmdEditTones.Press();
+    EXPECT_EQ(shown, "1000, -6\n3000, 0\n");
+    EXPECT_THAT(stimulus.lblTrouble.Caption(), testing::StartsWith("'none' is no frequency"));
+    stimulus.cmdEditTones.Press();
+    EXPECT_EQ(shown, "1000, -6\nnone\n") << "the text that cannot be read can be corrected";
 }
 
 TEST_F(AnalyzerPanelsTest, OneButtonStartsAndStops) {

@@ -423,7 +423,7 @@ TEST_F(SweepPanels, AStoredRunKeepsItsOwnLimits) {
     sweep.cmdClear.Press();
     sweep.Setup.AskForTable = [] { return SweepSetup::NamedText{"mask.csv", "600,-80\n20000,-70\n"}; };
     sweep.Setup.cmdLoadLimit.Press();
-    sweep.Open(stored, "yesterday");
+    sweep.Open(stored, "yesterday", "");
     EXPECT_EQ(sweep.Verdict.Text(), "FAIL");
     EXPECT_THAT(sweep.Plot.Conditions(), StartsWith("THD at most -140 dB"));
 }
@@ -436,7 +436,7 @@ TEST_F(SweepPanels, ARunIsContinuedOnlyWithItsDevices) {
     MeasuredRun stored = sweep.Present();
     stored.conditions.stream->input = "Other card";
     sweep.cmdClear.Press();
-    sweep.Open(stored, "yesterday");
+    sweep.Open(stored, "yesterday", "");
     sweep.cmdRepeat.Press();
     EXPECT_FALSE(sweep.Active());
     EXPECT_THAT(sweep.lblTrouble.Caption(), StartsWith("The run was measured with Other card and "));
@@ -487,16 +487,63 @@ TEST_F(SweepPanels, AKeptRunCanBeOpenedFromTheHistory) {
                 1e-6);
 }
 
+// Another start of the program with the same settings and files.
+struct NextStart {
+    explicit NextStart(FormRig& rig, const MemoryHistory& stored) : history(background), form(Needs(rig)) {
+        history.files.texts = stored.texts;
+    }
+    frmAnalyzer::Needs Needs(FormRig& rig) {
+        return AnalyzerNeeds(rig.form, rig.loop, background, rig.dialogs, files, history.history);
+    }
+    VirtualEventLoop loop;
+    InlineBackground background{loop};
+    MemoryFiles files;
+    HistoryInMemory history;
+    frmAnalyzer form;
+};
+
+TEST_F(SweepPanels, TheNextStartRestoresTheKeptRunsThatWereShown) {
+    sweep.Setup.chkLimit.UserSets(true);
+    sweep.cmdStart.Press();
+    ASSERT_TRUE(Ends());
+    for (int i = 0; i < 4; ++i) sweep.cmdKeep.Press();
+    Enter(sweep.Kept.Rows[0].txtName, "new caps");
+    sweep.Kept.Rows[1].chkShown.UserSets(false);
+    history.history.Delete(history.history.Entries().front().id);
+    EXPECT_EQ(sweep.Kept.Count(), 4U) << "the window keeps what it shows";
+    form.Unload();
+
+    NextStart next(rig, history.files);
+    next.form.History.Refresh();
+    next.form.Show();
+    EXPECT_EQ(next.form.Sweep.Kept.Count(), 0U) << "the history was not read yet";
+    next.loop.DeliverSignals();
+    auto& rows = next.form.Sweep.Kept.Rows;
+    ASSERT_EQ(next.form.Sweep.Kept.Count(), 2U);
+    EXPECT_EQ(rows[0].txtName.Text(), "new caps");
+    EXPECT_EQ(rows[1].txtName.Text(), "10:42, -1 dBFS");
+    EXPECT_EQ(rows[0].lblConditions.Caption(), sweep.Kept.Rows[0].lblConditions.Caption());
+    EXPECT_FALSE(rows[0].Verdict.Text().empty());
+    EXPECT_EQ(rows[0].Verdict.Text(), sweep.Kept.Rows[0].Verdict.Text());
+    EXPECT_THAT(next.form.Sweep.Plot.Kept(), SizeIs(2));
+    next.form.Sweep.Kept.cmdRemove.Press();
+    EXPECT_EQ(next.form.Sweep.Kept.Count(), 1U);
+    next.form.History.Refresh();
+    next.loop.DeliverSignals();
+    EXPECT_EQ(next.form.Sweep.Kept.Count(), 1U) << "runs are restored once";
+    EXPECT_EQ(rig.log.Count("Message"), 0U);
+}
+
 TEST_F(SweepPanels, OpensAStoredRunThatCanBeContinued) {
     sweep.cmdStart.Press();
     for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
     sweep.Cancel();
     ASSERT_TRUE(Ends(5s));
     const MeasuredRun stored = sweep.Present();
-    sweep.Open(stored, "yesterday");
+    sweep.Open(stored, "yesterday", "");
     EXPECT_EQ(sweep.Kept.Rows[0].txtName.Text(), "yesterday");
     sweep.cmdClear.Press();
-    sweep.Open(stored, "yesterday");
+    sweep.Open(stored, "yesterday", "");
     EXPECT_EQ(sweep.cmdRepeat.Caption(), "Continue");
     sweep.cmdRepeat.Press();
     ASSERT_TRUE(Ends());

@@ -133,6 +133,26 @@ TEST_F(frmAnalyzerTest, TheNoiseLineIsAtTheMeanOfTheTrace) {
     EXPECT_NEAR(PowerDecibels(mean / static_cast<double>(bins)), *shown.noisePerBinDbfs, 0.5);
 }
 
+TEST_F(frmAnalyzerTest, AQuietNoteTellsThatThePathIsAsAsked) {
+    form.Show();
+    EXPECT_EQ(form.note.Caption(), "direct, one clock");
+    EXPECT_FALSE(form.note.Emphasis());
+    rig.form.PathNote.SetCaption("Output: volume of the device 50 %");
+    Run(200ms);
+    EXPECT_EQ(form.note.Caption(), "Output: volume of the device 50 %");
+    EXPECT_TRUE(form.note.Emphasis());
+}
+
+// Nothing is said about clocks that are not known to be the same.
+TEST_F(frmAnalyzerTest, AnUnknownClockHasNoNote) {
+    DeviceUnderTestModel model;
+    model.clockOffsetPpm = 2.0;
+    rig.card.Card().SetDeviceUnderTest(model);
+    form.Show();
+    EXPECT_EQ(form.note.Caption(), "");
+    EXPECT_FALSE(form.note.Emphasis());
+}
+
 TEST_F(frmAnalyzerTest, WhenTheInputStopsNoFigureStays) {
     form.Show();
     form.Stimulus.cmdStart.Press();
@@ -205,6 +225,7 @@ TEST_F(frmAnalyzerTest, AChangeOfTheAnalysisBeginsTheAveragesAgain) {
     ExpectNoFigure();
     ASSERT_TRUE(Becomes(Kind::kValid));
     EXPECT_EQ(form.lblLegendLive.Caption(), "Right, live");
+    EXPECT_EQ(form.lblLegendSide.Caption(), "Right");
 }
 
 TEST_F(frmAnalyzerTest, KeepsATraceUntilItIsRemoved) {
@@ -294,6 +315,23 @@ TEST_F(frmAnalyzerTest, ARecordingTakesThePlaceOfTheDevices) {
     EXPECT_EQ(form.lblRate.Caption(), std::to_string(Rate()) + " Hz");
     EXPECT_EQ(form.Chip.State(), Kind::kSettling);
     ExpectNoFigure();
+}
+
+TEST_F(frmAnalyzerTest, AMonoRecordingIsMeasuredFromItsOnlyChannel) {
+    files.sounds["/tmp/mono.wav"] = files.sounds["/tmp/take 3.wav"];
+    files.sounds["/tmp/mono.wav"].channels = 1;
+    form.Show();
+    form.Analysis.cmbChannel.UserSelects(1);
+    form.OpenRecording("/tmp/mono.wav");
+    Run(200ms);
+    EXPECT_EQ(form.Chip.Text(), "VALID");
+    EXPECT_EQ(form.Readings.Rows[ReadingsPanel::kLevel].value.Caption(), "-6.021");
+    EXPECT_EQ(form.lblLegendLive.Caption(), "Mono, recording");
+    EXPECT_EQ(rig.log.Count("Message"), 0U);
+    EXPECT_THAT(form.Sweep.lblConditions.Caption(), HasSubstr("right channel"));
+    form.OpenRecording("/tmp/take 3.wav");
+    Run(200ms);
+    EXPECT_EQ(form.lblLegendLive.Caption(), "Right, recording");
 }
 
 TEST_F(frmAnalyzerTest, TheNoteNamesWhatLimitsARecording) {
