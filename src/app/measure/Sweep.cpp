@@ -3,8 +3,10 @@
 
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <iterator>
+#include <stdexcept>
 #include <utility>
 
 #include "app/measure/Commands.h"
@@ -64,6 +66,17 @@ bool AppendsToBrokenLine(const std::string& path) {
     return lines.get() != '\n';
 }
 
+// One file that cannot be written does not prevent the others.
+bool Succeeds(const std::function<void()>& write) {
+    try {
+        write();
+        return true;
+    } catch (const std::runtime_error& error) {
+        std::cerr << "sonavex-measure: " << error.what() << '\n';
+        return false;
+    }
+}
+
 // Prints the points, and the progress on standard error.
 class RunOutput {
 public:
@@ -98,13 +111,18 @@ public:
         const RunVerdict verdict = JudgeRun(run_.File().limits, results, points);
         if (!run_.Trouble().empty()) std::cerr << run_.Trouble() << '\n';
         std::cerr << VerdictSentence(verdict, results, points) << '\n';
-        if (!options.csv.empty())
-            SndfileFiles().WriteText(options.csv, RunCsv(run_.File(), results, run_.Conditions()));
         const std::string stored =
             StoredRunText({run_.File(), run_.Measurement().Points(), results, run_.Conditions(), time, 0});
-        if (!options.save.empty()) SndfileFiles().WriteText(options.save, stored + '\n');
-        if (!options.png.empty()) DrawRun(plotProgram, stored, options.png);
-        if (unprinted_) return kFailed;
+        bool written = !unprinted_;
+        const auto write = [&](const std::string& path, const std::function<void()>& file) {
+            if (!path.empty() && !Succeeds(file)) written = false;
+        };
+        write(options.csv, [&] {
+            SndfileFiles().WriteText(options.csv, RunCsv(run_.File(), results, run_.Conditions()));
+        });
+        write(options.save, [&] { SndfileFiles().WriteText(options.save, stored + '\n'); });
+        write(options.png, [&] { DrawRun(plotProgram, stored, options.png); });
+        if (!written) return kFailed;
         if (verdict.outcome == RunOutcome::kFail) return kBeyondLimit;
         return verdict.outcome == RunOutcome::kNotComplete ? kVoid : kMeasured;
     }

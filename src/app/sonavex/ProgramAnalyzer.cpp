@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/report/RunReport.h"
+#include "core/support/EndProgram.h"
 #include "platform/plain/HistoryFolder.h"
 #include "platform/plain/LocalTime.h"
 
@@ -98,8 +99,18 @@ void ProgramAnalyzer::Reopen() {
     if (form_.WasOpen()) form_.Show();
 }
 
+// The end of the program waits for the ramp, also when a message about the history ends it at once.
 void ProgramAnalyzer::Close() {
-    form_.UnloadForNextStart();
+    try {
+        form_.UnloadForNextStart();
+    } catch (const EndProgram&) {
+        WaitForRamp();
+        throw;
+    }
+    WaitForRamp();
+}
+
+void ProgramAnalyzer::WaitForRamp() {
     const std::chrono::nanoseconds limit = loop_.Now() + kLongestRampWait;
     while (form_.StimulusHeard() && loop_.Now() < limit) {
         std::this_thread::sleep_for(kRampPoll);

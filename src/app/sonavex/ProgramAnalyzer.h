@@ -48,6 +48,8 @@ public:
     ui::AnalyzerWindow& Window() noexcept { return window_; }
 
 private:
+    void WaitForRamp();
+
     EventLoop& loop_;
     WorkerThread background_;
     SndfileFiles files_;

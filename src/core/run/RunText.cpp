@@ -1,5 +1,6 @@
 #include "core/run/RunText.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -100,13 +101,25 @@ std::string RunConditionLines(const RunConditions& conditions) {
     return lines;
 }
 
-std::string WorstSentence(const RunMargin& worst, const RunPointResult& result) {
+std::string WorstSentence(const RunMargin& worst, std::span<const RunPointResult> results) {
+    const std::string hertz = WithDigits(results[worst.point].point.requestedHz, kUncertaintyDigits) + " Hz";
     return " Worst: " + NameOf(worst.quantity) + ' ' + WithDecimals(worst.valueDb, kMarginDecimals) +
-           " dB at " + WithDigits(result.point.requestedHz, kUncertaintyDigits) + " Hz, limit " +
+           " dB at " + PlaceText(results, worst.point, hertz) + ", limit " +
            WithDecimals(worst.limitDb, kMarginDecimals) + " dB.";
 }
 
 }  // namespace
+
+std::string PlaceText(std::span<const RunPointResult> results, std::size_t point, const std::string& hertz) {
+    const auto differs = [&](auto value) {
+        return std::any_of(results.begin(), results.end(), [&](const RunPointResult& result) {
+            return result.point.*value != results[point].point.*value;
+        });
+    };
+    if (!differs(&RunPoint::levelDbfs)) return hertz;
+    const std::string level = WithDigits(results[point].point.levelDbfs, kUncertaintyDigits) + " dBFS";
+    return differs(&RunPoint::requestedHz) ? hertz + ", " + level : level;
+}
 
 std::string RunPointJson(const RunPointResult& result, std::size_t number, const RunConditions& conditions,
                          const RunFile* run) {
@@ -176,7 +189,7 @@ std::string VerdictSentence(const RunVerdict& verdict, std::span<const RunPointR
                                                : std::string("a limit was compared with no value.");
             break;
     }
-    if (verdict.worst) sentence += WorstSentence(*verdict.worst, results[verdict.worst->point]);
+    if (verdict.worst) sentence += WorstSentence(*verdict.worst, results);
     return sentence;
 }
 

@@ -34,6 +34,10 @@ std::string PreviewJson(std::span<const PreviewPoint> preview);
 std::string RunCsv(const RunFile& run, std::span<const RunPointResult> results,
                    const RunConditions& conditions);
 
+// What distinguishes a point from the others: its frequency, as this text, its level, or both: "20 Hz, -1
+// dBFS".
+std::string PlaceText(std::span<const RunPointResult> results, std::size_t point, const std::string& hertz);
+
 // "FAIL: 2 of 61 points are beyond a limit. Worst: thd -87.10 dB at 20 Hz, limit -90.00 dB."
 std::string VerdictSentence(const RunVerdict& verdict, std::span<const RunPointResult> results,
                             std::size_t points);

@@ -11,6 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 Arguments PicturedSweep(const Arguments& more) {
     Arguments arguments{"sweep", "--rate", "8000", "--length", "4096", "--over",  "frequency", "--from",
@@ -73,6 +74,18 @@ TEST(SweepPicture, AnUnwritablePictureKeepsTheResults) {
     EXPECT_EQ(outcome.Json().size(), 3U);
     EXPECT_THAT(outcome.errors, HasSubstr("sonavex-plot: The file '/proc/none/run.png' cannot be written"));
     EXPECT_THAT(outcome.errors, HasSubstr("sonavex-plot failed; the picture was not drawn."));
+}
+
+TEST(SweepPicture, AnUnwritableFileLeavesTheOthers) {
+    const PrivateFolder folder;
+    const std::string saved = folder.Path() / "run.json";
+    MeasureProgram program(PicturedSweep({"--csv", "/proc/none/run.csv", "--save", saved}), kSimulated);
+    const Outcome outcome = program.End(60s);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.Json().size(), 3U);
+    EXPECT_THAT(outcome.errors,
+                HasSubstr("sonavex-measure: The file '/proc/none/run.csv' cannot be written"));
+    EXPECT_THAT(FileText(saved), StartsWith("{"));
 }
 
 }  // namespace

@@ -115,5 +115,17 @@ TEST(RunText, StatesTheVerdict) {
     EXPECT_EQ(WrittenVerdict({}, {WrittenPoint(-90)}, 1), "COMPLETE: 1 of 1 point measured.");
 }
 
+TEST(RunText, NamesAPointByWhatDiffers) {
+    const auto place = [](std::vector<RunPoint> points) {
+        std::vector<RunPointResult> results(points.size());
+        for (std::size_t i = 0; i < points.size(); ++i) results[i].point = points[i];
+        return PlaceText(results, 0, "1 kHz");
+    };
+    EXPECT_EQ(place({{1000, 1000, -20}}), "1 kHz");
+    EXPECT_EQ(place({{1000, 1000, -20}, {2000, 2000, -20}}), "1 kHz");
+    EXPECT_EQ(place({{1000, 1000, -20}, {1000, 1000, -10}}), "-20 dBFS");
+    EXPECT_EQ(place({{1000, 1000, -20}, {2000, 2000, -10}}), "1 kHz, -20 dBFS");
+}
+
 }  // namespace
 }  // namespace sonavex

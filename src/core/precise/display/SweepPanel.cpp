@@ -200,9 +200,7 @@ void SweepPanel::Cancel() {
     if (run_) run_->Cancel();
 }
 
-void SweepPanel::Interrupt() {
-    if (!Active()) return;
-    Cancel();
+void SweepPanel::StoreInterrupted() const {
     if (events_.kept && !present_.results.empty()) events_.kept(present_, name_ + ", interrupted");
 }
 

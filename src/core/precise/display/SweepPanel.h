@@ -60,8 +60,8 @@ public:
     ChipState Chip() const;
     // Ends a run and keeps what was measured.
     void Cancel();
-    // The same, and stores it: it can be continued from there.
-    void Interrupt();
+    // Stores a run that was cancelled: it can be continued from there.
+    void StoreInterrupted() const;
     // Ends a run for good: the measurement is not used any more.
     void Close() { run_.reset(); }
     // The run to which verdict, values and exports belong; without points if there is none.

@@ -205,12 +205,15 @@ void frmAnalyzer::Form_QueryUnload() {
     Recording.OnChanged = {};
     Recording.Close();
     HandleRecording();
-    Sweep.Interrupt();
+    const bool interrupted = Sweep.Active();
+    Sweep.Cancel();
     measurement_.Stop();
     SetHeld(false);
     ClearFigures();
     ShowChip({});
     needs_.instrument.Settings.Save(keys::kAnalyzerOpen, "0");
+    // Last: a message about the history can end the program.
+    if (interrupted) Sweep.StoreInterrupted();
 }
 
 void frmAnalyzer::LoadChoices() {

@@ -48,7 +48,7 @@ std::string BeyondText(const RunVerdict& verdict, std::span<const RunPointResult
     const RunMargin& worst = *verdict.worst;
     return ": " + PointCount(verdict.pointsBeyond) + " over, worst " +
            WithDecimals(-worst.marginDb, kOverDecimals) + " dB at " +
-           HertzText(results[worst.point].point.requestedHz);
+           PlaceText(results, worst.point, HertzText(results[worst.point].point.requestedHz));
 }
 
 std::string ListedText(std::span<const double> values) {

@@ -561,5 +561,19 @@ TEST_F(SweepPanels, TheEndOfTheFormStoresAnInterruptedRun) {
               1U);
 }
 
+// As after a signal of the system.
+TEST_F(SweepPanels, AFullDiskAtTheEndOfTheProgramLeavesTheRampToSilence) {
+    sweep.cmdStart.Press();
+    for (int i = 0; i < 200 && sweep.Plot.Curves(RunSeries::kThd).empty(); ++i) RunFor(100ms);
+    history.files.full = true;
+    rig.dialogs.WhileMessage = [] { throw EndProgram{}; };
+    EXPECT_THROW(form.UnloadForNextStart(), EndProgram);
+    rig.dialogs.WhileMessage = {};
+    EXPECT_TRUE(form.StimulusHeard());
+    RunFor(1s);
+    EXPECT_FALSE(form.StimulusHeard());
+    EXPECT_FALSE(sweep.Active());
+}
+
 }  // namespace
 }  // namespace sonavex
