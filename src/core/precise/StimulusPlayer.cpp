@@ -42,12 +42,16 @@ StimulusPlayer::~StimulusPlayer() {
 }
 
 void StimulusPlayer::Start(const StimulusChoice& choice) {
-    if (needs_.instrument.Meter.Generator.SweepRunning) throw StimulusError(kGeneratorPlays);
+    RequireFree();
     Render(choice);
     choice_ = choice;
     trouble_.clear();
     captureStarts_ = needs_.instrument.Engine.CaptureStarts;
     SetState(State::kRendering);
+}
+
+void StimulusPlayer::RequireFree() const {
+    if (needs_.instrument.Meter.Generator.SweepRunning) throw StimulusError(kGeneratorPlays);
 }
 
 void StimulusPlayer::Render(const StimulusChoice& choice) {

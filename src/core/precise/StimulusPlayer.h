@@ -54,6 +54,8 @@ public:
     // Plays the choice, after what plays now. StimulusError if it cannot be played, while the generator plays
     // and without an output device; what plays then continues.
     void Start(const StimulusChoice& choice);
+    // StimulusError while the generator plays.
+    void RequireFree() const;
     // Ends with a ramp.
     void Stop();
     // Stops without a ramp.

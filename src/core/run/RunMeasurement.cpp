@@ -86,7 +86,11 @@ void RunMeasurement::Start(const RunPlan& plan) {
     Play(false);
 }
 
-void RunMeasurement::Continue(const MeasuredRun& run) {
+void RunMeasurement::RequirePlayable(const RunPlan& plan) const {
+    CheckSound(plan, PointsOf(plan, needs_.instrument.Shared.SampleRate));
+}
+
+std::vector<RunPoint> RunMeasurement::PointsToContinue(const MeasuredRun& run) const {
     const double rateHz = needs_.instrument.Shared.SampleRate;
     if (run.conditions.rateHz != rateHz)
         throw RunError("The run was measured at " + WithDecimals(run.conditions.rateHz, 0) +
@@ -98,9 +102,18 @@ void RunMeasurement::Continue(const MeasuredRun& run) {
                                      return SamePoint(result.point, point);
                                  });
     if (!fits) throw RunError("The measured points do not belong to this run.");
+    return points;
+}
+
+void RunMeasurement::RequireContinuable(const MeasuredRun& run) const {
+    CheckSound(run.file.plan, PointsToContinue(run));
+}
+
+void RunMeasurement::Continue(const MeasuredRun& run) {
+    std::vector<RunPoint> points = PointsToContinue(run);
     const bool sameDevices = !points_.empty() && captureStarts_ == needs_.instrument.Engine.CaptureStarts;
     Prepare(run.file.plan, std::move(points), run.results);
-    preview_.Prepare({}, points_, rateHz);
+    preview_.Prepare({}, points_, needs_.instrument.Shared.SampleRate);
     Play(afterLoss_ || !sameDevices);
 }
 
@@ -137,6 +150,7 @@ void RunMeasurement::Play(bool afterLoss) {
 
 // Every level that the run plays, before anything is heard.
 void RunMeasurement::CheckSound(const RunPlan& plan, const std::vector<RunPoint>& points) const {
+    needs_.measurement.Player.RequireFree();
     const int bits = needs_.instrument.Engine.OutputBits();
     if (bits == 0) throw StimulusError("No output device is open.");
     const SampleWord word = WordOf(PointChoice(plan, points.front(), 0), bits);

@@ -39,11 +39,15 @@ public:
     // RunError and StimulusError for a run that cannot be played; nothing is heard then, and the results of
     // the run before are kept. Not while a run is active.
     void Start(const RunPlan& plan);
+    // Throws what Start would, and changes nothing.
+    void RequirePlayable(const RunPlan& plan) const;
     // Measures the void and the missing points of `run` and keeps the others, without a preview. Otherwise
     // like Start; also
     // RunError for a run at another rate and for results of other points. The new points count as measured
     // after a loss if a device was lost since the last run of this object, or if there was none.
     void Continue(const MeasuredRun& run);
+    // Throws what Continue would, and changes nothing.
+    void RequireContinuable(const MeasuredRun& run) const;
     // Ends the run and keeps what was measured.
     void Cancel();
 
@@ -79,6 +83,7 @@ public:
 
 private:
     void CheckSound(const RunPlan& plan, const std::vector<RunPoint>& points) const;
+    std::vector<RunPoint> PointsToContinue(const MeasuredRun& run) const;
     bool DevicesRun() const;
     bool NoticeRestart();
     void MeasurePoint();

@@ -103,6 +103,7 @@ void SweepPanel::Start() {
     const bool begun = Begin([&] {
         file = Setup.Chosen(events_.conditions());
         RequireCoverage(file.limits, PointsOf(file.plan, rateHz));
+        run_->RequirePlayable(file.plan);
         events_.begins();
         run_->Start(file.plan);
     });
@@ -122,6 +123,7 @@ void SweepPanel::Repeat() {
     if (Active() || PointsDone() == present_.points.size()) return;
     const bool begun = Begin([&] {
         RequireSameDevices();
+        run_->RequireContinuable(present_);
         events_.begins();
         run_->Continue(present_);
     });

@@ -561,6 +561,20 @@ TEST_F(SweepPanels, TheEndOfTheFormStoresAnInterruptedRun) {
               1U);
 }
 
+// A full-scale tone with dither does not fit.
+TEST_F(SweepPanels, ARefusedStartLeavesTheRecordingOpen) {
+    files.sounds["/tmp/take.wav"] = {
+        .rateHz = 8000, .channels = 1, .frames = 20000, .sample = [](std::int64_t) { return 0.25; }};
+    form.OpenRecording("/tmp/take.wav");
+    RunFor(400ms);
+    ASSERT_TRUE(form.Recording.IsOpen());
+    Enter(sweep.Setup.txtOther, "0");
+    sweep.cmdStart.Press();
+    EXPECT_FALSE(sweep.Active());
+    EXPECT_NE(sweep.lblTrouble.Caption(), "");
+    EXPECT_TRUE(form.Recording.IsOpen());
+}
+
 // As after a signal of the system.
 TEST_F(SweepPanels, AFullDiskAtTheEndOfTheProgramLeavesTheRampToSilence) {
     sweep.cmdStart.Press();
