@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <algorithm>
 
 #include "ui/AnalyzerRig.h"
 #include "ui/ClippedTexts.h"
@@ -102,6 +103,28 @@ TEST_F(HistoryTab, EditsNotesInPlace) {
     Settle();
     EXPECT_EQ(form.History.List.Rows()[2].note, "hk loose plug");
     EXPECT_EQ(Text(2, 8), "hk loose plug");
+}
+
+TEST_F(HistoryTab, ANewEntryWaitsUntilANoteIsTyped) {
+    OpenTab();
+    const int rows = view().model()->rowCount();
+    view().setCurrentIndex(Cell(2, 8));
+    const std::string id = form.History.List.Rows()[2].id;
+    QTest::keyClick(&view(), Qt::Key_F2);
+    auto* const editor = view().findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, "hk loose ");
+    StoreExamples(*this);
+    Settle();
+    QTest::keyClicks(editor, "plug");
+    QTest::keyClick(editor, Qt::Key_Return);
+    Settle();
+    Settle();
+    EXPECT_GT(view().model()->rowCount(), rows);
+    const auto edited = std::find_if(form.History.List.Rows().begin(), form.History.List.Rows().end(),
+                                     [&](const HistoryList::Row& row) { return row.id == id; });
+    ASSERT_NE(edited, form.History.List.Rows().end());
+    EXPECT_EQ(edited->note, "hk loose plug");
 }
 
 TEST_F(HistoryTab, DeletesAfterOneQuestion) {

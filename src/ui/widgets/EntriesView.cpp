@@ -9,6 +9,7 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "ui/widgets/ChipView.h"
 #include "ui/widgets/EntriesModel.h"
@@ -181,9 +182,22 @@ EntriesView::EntriesView(QWidget* parent) : QTreeView(parent), model_(new Entrie
 }
 
 void EntriesView::Show(const HistoryList& list) {
+    const Shown shown{list.Rows(), list.Selected()};
+    if (state() == EditingState)
+        postponed_ = shown;
+    else
+        Show(shown);
+}
+
+void EntriesView::Show(const Shown& shown) {
     const QScopedValueRollback showing(showing_, true);
-    ShowRows(list.Rows());
-    ShowSelection(list.Selected());
+    ShowRows(shown.rows);
+    ShowSelection(shown.selected);
+}
+
+void EntriesView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+    QTreeView::closeEditor(editor, hint);
+    if (const std::optional<Shown> shown = std::exchange(postponed_, std::nullopt)) Show(*shown);
 }
 
 // The place in the list stays where it was.

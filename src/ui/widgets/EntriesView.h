@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QTreeView>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ class EntriesView : public QTreeView {
 public:
     explicit EntriesView(QWidget* parent = nullptr);
 
+    // While a note is typed the list stays; the change is shown afterwards.
     void Show(const HistoryList& list);
     // Sets the widths of the columns, which depend on the font.
     void AlignColumns();
@@ -28,14 +30,21 @@ Q_SIGNALS:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
 
 private:
+    struct Shown {
+        std::vector<HistoryList::Row> rows;
+        std::vector<std::string> selected;
+    };
+    void Show(const Shown& shown);
     void ShowRows(const std::vector<HistoryList::Row>& rows);
     void ShowSelection(const std::vector<std::string>& ids);
     std::vector<std::string> SelectedIds() const;
 
     EntriesModel* model_;
     bool showing_ = false;
+    std::optional<Shown> postponed_;
 };
 
 }  // namespace sonavex::ui
