@@ -15,6 +15,8 @@
 #include "core/history/HistoryTable.h"
 #include "core/history/HistoryView.h"
 #include "core/history/ReadingValues.h"
+#include "core/history/RunEntry.h"
+#include "core/run/StoredRun.h"
 #include "core/text/Dates.h"
 #include "platform/plain/HistoryFolder.h"
 #include "platform/plain/LocalTime.h"
@@ -56,25 +58,33 @@ std::string ListLine(const HistoryEntry& entry) {
     return line + (entry.note.empty() ? "" : "  " + entry.note) + '\n';
 }
 
-}  // namespace
-
-void StoreReading(const AnalyzedReading& reading, const AnalyzeOptions& options, const MeanSpectrum& spectrum,
-                  const RecordPlan& plan) {
+void StoreEntry(const HistoryEntry& entry, const std::string& details, const HistoryCurve& curve) {
     HistoryFolder files(HistoryFolder::OfTheUser());
     PlainEventLoop loop;
     WorkerThread background(loop);
     History history({files, background, RandomNumber});
     std::string trouble;
     history.OnTrouble = [&trouble](const std::string& sentence) { trouble = sentence; };
+    history.Add(entry, details, curve);
+    if (!loop.RunUntil([&history] { return history.Synced(); }, kLongestSync))
+        trouble = "The history did not reach the disk within 10 s.";
+    if (!trouble.empty()) throw MeasureError(trouble);
+}
+
+}  // namespace
+
+void StoreReading(const AnalyzedReading& reading, const AnalyzeOptions& options, const MeanSpectrum& spectrum,
+                  const RecordPlan& plan) {
     ExportedMeasurement measurement;
     measurement.time = DateAndTime(LocalDateTime());
     measurement.recording = FullPath(options.input);
     measurement.channel = options.channel == 0 ? "left" : "right";
     measurement.reading = reading;
-    history.Add(EntryOf(measurement), DetailsOf(reading), CurveOf(reading, spectrum, plan));
-    if (!loop.RunUntil([&history] { return history.Synced(); }, kLongestSync))
-        trouble = "The history did not reach the disk within 10 s.";
-    if (!trouble.empty()) throw MeasureError(trouble);
+    StoreEntry(EntryOf(measurement), DetailsOf(reading), CurveOf(reading, spectrum, plan));
+}
+
+void StoreRun(const MeasuredRun& run) {
+    StoreEntry(EntryOf(run, ""), StoredRunText(run), {});
 }
 
 int ListHistory(const HistoryOptions& options) {

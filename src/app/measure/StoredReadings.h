@@ -4,6 +4,7 @@
 #include "core/analyzer/RecordPlan.h"
 #include "core/analyzer/SpectrumMean.h"
 #include "core/precise/results/AnalyzedReading.h"
+#include "core/run/MeasuredRun.h"
 
 namespace sonavex::measure {
 
@@ -11,5 +12,8 @@ namespace sonavex::measure {
 // its curve. Throws FileError if it cannot be stored, MeasureError if it does not reach the disk.
 void StoreReading(const AnalyzedReading& reading, const AnalyzeOptions& options, const MeanSpectrum& spectrum,
                   const RecordPlan& plan);
+
+// The same for a run, complete or not.
+void StoreRun(const MeasuredRun& run);
 
 }  // namespace sonavex::measure

@@ -14,6 +14,7 @@
 #include "app/measure/MeasureError.h"
 #include "app/measure/PlotProgram.h"
 #include "app/measure/Readings.h"
+#include "app/measure/StoredReadings.h"
 #include "app/measure/SweepLimits.h"
 #include "core/run/RunLines.h"
 #include "core/run/StoredRun.h"
@@ -111,8 +112,8 @@ public:
         const RunVerdict verdict = JudgeRun(run_.File().limits, results, points);
         if (!run_.Trouble().empty()) std::cerr << run_.Trouble() << '\n';
         std::cerr << VerdictSentence(verdict, results, points) << '\n';
-        const std::string stored =
-            StoredRunText({run_.File(), run_.Measurement().Points(), results, run_.Conditions(), time, 0});
+        const MeasuredRun run{run_.File(), run_.Measurement().Points(), results, run_.Conditions(), time, 0};
+        const std::string stored = StoredRunText(run);
         bool written = !unprinted_;
         const auto write = [&](const std::string& path, const std::function<void()>& file) {
             if (!path.empty() && !Succeeds(file)) written = false;
@@ -122,6 +123,7 @@ public:
         });
         write(options.save, [&] { SndfileFiles().WriteText(options.save, stored + '\n'); });
         write(options.png, [&] { DrawRun(plotProgram, stored, options.png); });
+        if (options.history && !results.empty() && !Succeeds([&] { StoreRun(run); })) written = false;
         if (!written) return kFailed;
         if (verdict.outcome == RunOutcome::kFail) return kBeyondLimit;
         return verdict.outcome == RunOutcome::kNotComplete ? kVoid : kMeasured;

@@ -212,6 +212,7 @@ void AddSweep(CLI::App& command, SweepOptions& options) {
           });
     addTo("--save", "FILE", "Write the run with its results as JSON, which sonavex-plot draws",
           [&options](const std::string& text) { options.save = OutputFileOf("--save", text); });
+    command.add_flag("--history", options.history, "Store the run in the history");
     addTo("--input", "ID", "Identifier of the capture device",
           [&options](const std::string& text) { options.input = text; });
     addTo("--output", "ID", "Identifier of the playback device",

@@ -27,6 +27,7 @@ struct SweepOptions {
     std::string csv;   // file; empty: none
     std::string png;   // the same
     std::string save;  // the same
+    bool history = false;
 };
 
 // The options write into `options` when the command line is parsed, and throw MeasureError.

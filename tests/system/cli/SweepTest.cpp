@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <csignal>
+#include <fstream>
 
 #include "support/Files.h"
 #include "support/PulseServer.h"
@@ -89,6 +90,32 @@ TEST(SweepProgram, PrintsThePreviewInALineOfItsOwn) {
         EXPECT_GE(point["harmonics"].size(), 1U);
     }
     EXPECT_THAT(outcome.errors, HasSubstr("preview, 0 of 3 points, "));
+}
+
+TEST(SweepProgram, StoresTheRunInTheHistory) {
+    const PrivateFolder folder;
+    Environment environment = kSimulated;
+    environment.emplace_back("XDG_DATA_HOME", folder.Path().string());
+    MeasureProgram program(ShortSweep({"--history", "--limit", "thdn:-60"}), environment);
+    const Outcome outcome = program.End(60s);
+    ASSERT_EQ(outcome.status, 0) << outcome.errors;
+    const std::vector<ordered_json> entries = Measure({"history", "--json"}, environment).Json();
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0]["state"], "PASS");
+    EXPECT_THAT(entries[0]["stimulus"].get<std::string>(), StartsWith("sweep: 1000 to 4000 Hz, 3 points"));
+}
+
+TEST(SweepProgram, AHistoryThatCannotBeWrittenLeavesTheRun) {
+    const PrivateFolder folder;
+    const std::string file = folder.Path() / "file";
+    std::ofstream(file) << "no folder";
+    Environment environment = kSimulated;
+    environment.emplace_back("XDG_DATA_HOME", file);
+    MeasureProgram program(ShortSweep({"--history"}), environment);
+    const Outcome outcome = program.End(60s);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.Json().size(), 3U);
+    EXPECT_THAT(outcome.errors, HasSubstr("sonavex-measure: "));
 }
 
 TEST(SweepProgram, AValueBeyondItsLimitIsStatus3) {

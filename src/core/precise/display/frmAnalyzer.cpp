@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "core/history/ReadingValues.h"
-#include "core/precise/display/StoredRuns.h"
+#include "core/history/RunEntry.h"
 #include "core/run/StoredRun.h"
 #include "core/stimulus/StimulusPlan.h"
 #include "core/text/Decimals.h"

@@ -1,4 +1,4 @@
-#include "core/precise/display/StoredRuns.h"
+#include "core/history/RunEntry.h"
 
 #include "core/run/RunLimits.h"
 #include "core/text/Decimals.h"
