@@ -1,5 +1,6 @@
 #include "app/measure/LiveRun.h"
 
+#include <chrono>
 #include <utility>
 
 #include "app/measure/MeasureError.h"
@@ -12,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kRunPoll = 50ms;
-constexpr auto kLongestPause = 60s;
 // A ramp, and what the queues of the devices hold.
 constexpr auto kLongestRamp = 3s;
 
@@ -57,15 +57,12 @@ void LiveRun::Run(const std::function<void(const RunPointResult&)>& onPoint,
     WaitForPlayback();
     measured_.OnPoint = onPoint;
     if (!end_.Noted()) Begin();
-    ran_ = sound_.Loop().Now();
     while (measured_.Active() && measured_.Now() != sonavex::RunMeasurement::State::kEnding) {
         onProgress();
-        CheckPause();
         if (end_.Noted()) measured_.Cancel();
         Wait();
     }
     WaitForEnd();
-    if (trouble_.empty()) trouble_ = measured_.Trouble();
     sound_.Stop();
 }
 
@@ -98,14 +95,6 @@ void LiveRun::Wait() {
         if (error.Number() != sound_error::kBufferLost) throw;
         sound_.Parts().Watch.DeviceLost(error);
     }
-}
-
-void LiveRun::CheckPause() {
-    const std::chrono::nanoseconds now = sound_.Loop().Now();
-    if (measured_.Now() != sonavex::RunMeasurement::State::kPaused) ran_ = now;
-    if (now - ran_ <= kLongestPause) return;
-    trouble_ = "The sound device did not return within a minute.";
-    measured_.Cancel();
 }
 
 void LiveRun::WaitForEnd() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <string>
 
@@ -24,14 +23,14 @@ public:
     // Measures until the last point, or until the user ends the program; then the tone ends with a ramp.
     // Calls onPoint after each point and onProgress several times a second. Throws MeasureError when a device
     // cannot be used, and StimulusError for a level or dither that it does not take. A device that is lost
-    // later pauses the run for a minute at most.
+    // later pauses the run until it returns or the user ends the program.
     void Run(const std::function<void(const RunPointResult&)>& onPoint,
              const std::function<void()>& onProgress);
 
     const RunFile& File() const noexcept { return run_.file; }
     const sonavex::RunMeasurement& Measurement() const noexcept { return measured_; }
     // Why the run ended before its last point, unless the user has ended it.
-    const std::string& Trouble() const noexcept { return trouble_; }
+    const std::string& Trouble() const noexcept { return measured_.Trouble(); }
     RunConditions Conditions() const;
 
 private:
@@ -39,7 +38,6 @@ private:
     void Begin();
     void RequireSameDevices() const;
     void Wait();
-    void CheckPause();
     void WaitForEnd();
 
     MeasuredRun run_;
@@ -49,8 +47,6 @@ private:
     PreciseMeasurement measurement_;
     sonavex::RunMeasurement measured_;
     std::size_t points_;
-    std::chrono::nanoseconds ran_{0};  // when the devices ran
-    std::string trouble_;
 };
 
 }  // namespace sonavex::measure
