@@ -19,7 +19,7 @@ public:
     // Must outlive this object.
     explicit RunPreview(Background& background) : background_(background) {}
 
-    // For a run that begins. Without a preview in its plan nothing is pending. Takes 20 ms at 48 kHz.
+    // For a run that begins. Without a preview in its plan nothing is pending. Takes tens of milliseconds.
     void Prepare(const RunPlan& plan, const std::vector<RunPoint>& points, double rateHz);
     // From Prepare until the sweep was recorded or given up.
     bool Pending() const noexcept { return pending_; }
